@@ -1,0 +1,28 @@
+# Compiler settings of the whole project.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+find_program(TS5_CCACHE ccache)
+if(TS5_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TS5_CCACHE})
+endif()
+
+# What every target of our own is compiled with; third-party headers come in as system headers.
+add_library(ts5_settings INTERFACE)
+target_compile_options(ts5_settings INTERFACE -Wall -Wextra -Wconversion -Werror)
+target_include_directories(ts5_settings INTERFACE ${CMAKE_SOURCE_DIR}/src)
+
+if(TS5_SANITIZE)
+  add_compile_options(-fsanitize=${TS5_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${TS5_SANITIZE})
+endif()
+if(TS5_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -1,0 +1,1 @@
+#include "app/filter_modules.h"

@@ -1,0 +1,86 @@
+// Files as users trust us with them: whole reads with limits, staged writes, temporary files.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/bytes.h"
+#include "platform/outcome.h"
+
+namespace ts5 {
+
+// Files that are taken into memory whole may be at most this long (1 GiB).
+inline constexpr std::uint64_t kMaxFileInMemory = std::uint64_t{1} << 30;
+
+// The whole file. SourceFailed: it cannot be opened, or is a directory, device or pipe; ReadFailed: an I/O
+// error, or longer than limit.
+[[nodiscard]] Result<Bytes> ReadFile(const std::string& path, std::uint64_t limit = kMaxFileInMemory);
+// At most count bytes from the start of the file.
+[[nodiscard]] Result<Bytes> ReadFileStart(const std::string& path, std::size_t count);
+
+[[nodiscard]] bool FileExists(const std::string& path);       // anything of that name
+[[nodiscard]] bool IsDirectory(const std::string& path);
+[[nodiscard]] Outcome RemoveFile(const std::string& path);    // TargetFailed
+// SourceFailed when from cannot be moved, TargetFailed when to exists or cannot be made. Works across file
+// systems by copying, and then removes the source only after the copy is flushed.
+[[nodiscard]] Outcome RenameFile(const std::string& from, const std::string& to);
+
+// Whether both names reach the same file (device and inode), by link or other spelling. False when either
+// does not exist.
+[[nodiscard]] bool IsSameFile(const std::string& a, const std::string& b);
+
+// A target that comes into being whole or not at all: written under a temporary name in the target's
+// directory, flushed, and renamed over the target on Commit. Destroyed without Commit, it leaves nothing and
+// the target as it was. An existing target keeps its permissions.
+class StagedFile {
+ public:
+  // TargetFailed: the directory does not exist or cannot be written, or the target is a directory.
+  [[nodiscard]] static Result<StagedFile> Create(const std::string& target);
+  StagedFile(StagedFile&& other) noexcept;
+  StagedFile& operator=(StagedFile&& other) noexcept;
+  ~StagedFile();
+
+  [[nodiscard]] Outcome Write(ByteView bytes);                               // appends; WriteFailed
+  [[nodiscard]] Outcome WriteAt(std::uint64_t offset, ByteView bytes);       // overwrites what was written
+  [[nodiscard]] Outcome Flush();                                             // to the disk; WriteFailed
+  // Flushes and renames over the target: WriteFailed, TargetFailed.
+  [[nodiscard]] Outcome Commit();
+  // The same onto another name in the same directory, for a name that is settled only now.
+  [[nodiscard]] Outcome CommitAs(const std::string& target);
+
+  [[nodiscard]] const std::string& TemporaryPath() const { return temporary_; }
+  [[nodiscard]] std::uint64_t Size() const { return size_; }
+
+ private:
+  StagedFile() = default;
+  void Discard();
+
+  std::string target_;
+  std::string temporary_;
+  int descriptor_ = -1;
+  std::uint64_t size_ = 0;
+};
+
+// The whole content in one step: staged, flushed, renamed.
+[[nodiscard]] Outcome WriteFile(const std::string& target, ByteView content);
+
+// A file in the user's temporary directory whose name begins with prefix; removed when the object dies.
+inline constexpr std::string_view kTemporaryPrefix = "sTS5";
+class TemporaryFile {
+ public:
+  // TargetFailed. directory: "" for the user's temporary directory ($TMPDIR, else /tmp).
+  [[nodiscard]] static Result<TemporaryFile> Create(std::string_view prefix = kTemporaryPrefix,
+                                                    const std::string& directory = {},
+                                                    std::string_view extension = {});
+  TemporaryFile(TemporaryFile&& other) noexcept;
+  TemporaryFile& operator=(TemporaryFile&& other) noexcept;
+  ~TemporaryFile();
+  [[nodiscard]] const std::string& Path() const { return path_; }
+
+ private:
+  TemporaryFile() = default;
+  std::string path_;
+};
+
+}  // namespace ts5

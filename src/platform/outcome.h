@@ -1,0 +1,44 @@
+// The one result type of the system: a closed list of outcome codes, and a value or such a code.
+//
+// Zero is success, negative values are failures. The numbers are part of the product: they are stored
+// in results, named in messages and printed by the console program. Positive values are results of
+// their own with which some filters say what they did.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <tl/expected.hpp>
+#include <utility>
+
+namespace ts5 {
+
+enum class [[nodiscard]] Outcome : std::int32_t {
+  Success = 0,
+  LibraryFailed = -1,      // a conversion component cannot be used
+  OutOfMemory = -2,
+  Cancelled = -5,          // by the user: a stop, or a question answered with No
+  ChunkNotWritten = -6,    // a RIFF chunk
+  NotABurnerList = -7,     // a file list without playing times
+  ReadFailed = -100,       // a short read or an I/O error
+  WriteFailed = -101,      // a short write, a full disk
+  WrongFormat = -104,      // not in the format that the operation takes
+  NotAFileList = -105,
+  TargetFailed = -200,     // the target cannot be created or replaced
+  SourceFailed = -300,     // the source cannot be opened
+  DamagedMidi = -601,      // a MIDI file that breaks off or contradicts itself
+};
+
+[[nodiscard]] constexpr std::int32_t Code(Outcome outcome) { return static_cast<std::int32_t>(outcome); }
+[[nodiscard]] constexpr bool Succeeded(Outcome outcome) { return Code(outcome) >= 0; }
+[[nodiscard]] constexpr bool Failed(Outcome outcome) { return Code(outcome) < 0; }
+
+template <typename T>
+using Result = tl::expected<T, Outcome>;
+
+[[nodiscard]] inline tl::unexpected<Outcome> Failure(Outcome outcome) { return tl::unexpected<Outcome>(outcome); }
+
+// How GoogleTest and logs show a code, e.g. "Outcome(-104)".
+std::string ToString(Outcome outcome);
+void PrintTo(Outcome outcome, std::ostream* out);
+
+}  // namespace ts5

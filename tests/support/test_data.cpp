@@ -1,0 +1,53 @@
+#include "support/test_data.h"
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <vector>
+
+namespace ts5::test {
+
+namespace fs = std::filesystem;
+
+std::string DataPath(std::string_view name) { return std::string(TS5_TEST_DATA "/") + std::string(name); }
+
+TemporaryDirectory::TemporaryDirectory() {
+  std::string pattern = (fs::temp_directory_path() / "ts5-test-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary directory");
+  path_ = pattern;
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::string TemporaryDirectory::File(std::string_view name) const { return path_ + "/" + std::string(name); }
+
+std::string TemporaryDirectory::Write(std::string_view name, std::string_view content) const {
+  const std::string path = File(name);
+  fs::create_directories(fs::path(path).parent_path());
+  std::ofstream out(path, std::ios::binary);
+  out.write(content.data(), static_cast<std::streamsize>(content.size()));
+  return path;
+}
+
+std::string Content(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::string Listing(const std::string& directory) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(directory)) names.push_back(entry.path().filename().string());
+  std::ranges::sort(names);
+  std::string all;
+  for (const auto& name : names) all += (all.empty() ? "" : " ") + name;
+  return all;
+}
+
+}  // namespace ts5::test
