@@ -1,5 +1,11 @@
 # A room is one library below src/: its logic, and beside it (never inside it) its windows in <room>/ui.
 
+# What a target with windows needs: moc, and the dialog templates compiled as ui_NAME.h.
+function(ts5_windows target)
+  set_target_properties(${target} PROPERTIES
+    AUTOMOC ON AUTOUIC ON AUTOUIC_SEARCH_PATHS ${CMAKE_SOURCE_DIR}/src/resources/dialogs)
+endfunction()
+
 # ts5_room(NAME [DEPENDS room...] [PUBLIC_LIBRARIES lib...] [PRIVATE_LIBRARIES lib...])
 function(ts5_room name)
   cmake_parse_arguments(ARG "" "" "DEPENDS;PUBLIC_LIBRARIES;PRIVATE_LIBRARIES" ${ARGN})
@@ -14,7 +20,7 @@ function(ts5_room name)
                                       ${CMAKE_SOURCE_DIR}/src/${name}/ui/*.h)
   if(TS5_DESKTOP AND windows)
     add_library(ts5_${name}_ui STATIC ${windows})
-    set_target_properties(ts5_${name}_ui PROPERTIES AUTOMOC ON)
+    ts5_windows(ts5_${name}_ui)
     list(TRANSFORM ARG_DEPENDS APPEND _ui OUTPUT_VARIABLE ui_depends)
     set(present)
     foreach(target IN LISTS ui_depends)
