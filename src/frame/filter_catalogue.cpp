@@ -1,0 +1,272 @@
+#include "frame/filter_catalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+using enum FilterId;
+using enum ParameterWindow;
+
+constexpr auto kScores = std::to_array<std::string_view>({"stv", "xml", "stvx"});
+constexpr auto kMidi = std::to_array<std::string_view>({"mid", "rmi", "rdl"});
+constexpr auto kScoresOfEngine = std::to_array<std::string_view>({"stv", "stvx", "xml"});
+constexpr auto kAudio =
+    std::to_array<std::string_view>({"wav", "mpg", "mp2", "mp3", "mpga", "wma", "asf", "aif", "ogg", "ape"});
+constexpr auto kTracks = std::to_array<std::string_view>({""});
+constexpr auto kWaves = std::to_array<std::string_view>({"wav", "aif"});
+constexpr auto kCompressed =
+    std::to_array<std::string_view>({"mpg", "mp2", "mp3", "mpga", "wma", "asf", "ogg", "ape"});
+constexpr auto kBurnable = std::to_array<std::string_view>(
+    {"mpg", "mp2", "mp3", "mpga", "wav", "wma", "asf", "mid", "rdl", "rmi", "ogg"});
+constexpr auto kXml = std::to_array<std::string_view>({"stvx", "xml"});
+
+// clang-format off: two lines per filter
+constexpr auto kFilters = std::to_array<FilterDescriptor>({
+    // id, identifier, name, description, window, template,
+    //     single, several, whole list, destinations, panels, colour 1, colour 2
+    {ScoreToMidi,
+     "ScoreToMidi",
+     TextId::FilterNameScoreToMidi,
+     TextId::FilterDescriptionScoreToMidi,
+     Dialog,
+     "SCOREMIDI",
+     kScores,
+     kScores,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x00FF00,
+     0x800000},
+    {MidiToScore,
+     "MidiToScore",
+     TextId::FilterNameMidiToScore,
+     TextId::FilterDescriptionMidiToScore,
+     Dialog,
+     "MIDSTV",
+     kMidi,
+     kMidi,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0xFF0000,
+     0x008000},
+    {ScoreSearch, "ScoreSearch", TextId::FilterNameScoreSearch, TextId::FilterDescriptionScoreSearch, Dialog,
+     "MIDIFINDPARAMS", kScoresOfEngine, kScoresOfEngine, kScoresOfEngine, DestinationKinds::FileOrScreen,
+     kPanelFile | kPanelScreen, 0xFF0000, 0x400000},
+    {MidiSearch, "MidiSearch", TextId::FilterNameMidiSearch, TextId::FilterDescriptionMidiSearch, Dialog,
+     "MIDIFINDPARAMS", kMidi, kMidi, kMidi, DestinationKinds::FileOrScreen, kPanelFile | kPanelScreen,
+     0x00FF00, 0x004000},
+    {MidiPlayer,
+     "MidiPlayer",
+     TextId::FilterNameMidiPlayer,
+     TextId::FilterDescriptionMidiPlayer,
+     Playback,
+     "",
+     kMidi,
+     kMidi,
+     {},
+     DestinationKinds::File,
+     kPanelMidiDevices,
+     0x00FF00,
+     0x004000},
+    {MidiConverter,
+     "MidiConverter",
+     TextId::FilterNameMidiConverter,
+     TextId::FilterDescriptionMidiConverter,
+     Dialog,
+     "MIDICONVERT",
+     kMidi,
+     kMidi,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x00FF00,
+     0x004000},
+    {MidiToWave,
+     "MidiToWave",
+     TextId::FilterNameMidiToWave,
+     TextId::FilterDescriptionMidiToWave,
+     Dialog,
+     "MIDWAVPARAMS",
+     kMidi,
+     kMidi,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x0000FF,
+     0x008000},
+    {AudioPlayer, "AudioPlayer", TextId::FilterNameAudioPlayer, TextId::FilterDescriptionAudioPlayer,
+     Playback, "", kAudio, kAudio, kTracks, DestinationKinds::File, kPanelAudioDevices, 0x0000FF, 0x000040},
+    {WaveConverter,
+     "WaveConverter",
+     TextId::FilterNameWaveConverter,
+     TextId::FilterDescriptionWaveConverter,
+     Dialog,
+     "WAVECONVERTPARAMS",
+     kWaves,
+     kWaves,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x0000FF,
+     0x000040},
+    {AudioCompressor,
+     "AudioCompressor",
+     TextId::FilterNameAudioCompressor,
+     TextId::FilterDescriptionAudioCompressor,
+     Dialog,
+     "WAVMP3PARAMS",
+     kWaves,
+     kWaves,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0xFF00FF,
+     0x000080},
+    {AudioDecompressor,
+     "AudioDecompressor",
+     TextId::FilterNameAudioDecompressor,
+     TextId::FilterDescriptionAudioDecompressor,
+     DecoderPage,
+     "MPDecoder",
+     kCompressed,
+     kCompressed,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x0000FF,
+     0xC800C8},
+    {CdBurner,
+     "CdBurner",
+     TextId::FilterNameCdBurner,
+     TextId::FilterDescriptionCdBurner,
+     Dialog,
+     "BURNPARAMS",
+     {},
+     {},
+     kBurnable,
+     DestinationKinds::File,
+     kPanelDiscDrives,
+     0x00FFFF,
+     0x004040},
+    {CdGrabber, "CdGrabber", TextId::FilterNameCdGrabber, TextId::FilterDescriptionCdGrabber, Dialog,
+     "GRABPARAMS", kTracks, kTracks, kTracks, DestinationKinds::File, kPanelFile, 0xFFFF00, 0x404000},
+    {CdCopier,
+     "CdCopier",
+     TextId::FilterNameCdCopier,
+     TextId::FilterDescriptionCdCopier,
+     Dialog,
+     "COPYPARAMS",
+     {},
+     {},
+     {},
+     DestinationKinds::File,
+     kPanelDiscDrives,
+     0xC8C800,
+     0x202000},
+    {ScorePlayer,
+     "ScorePlayer",
+     TextId::FilterNameScorePlayer,
+     TextId::FilterDescriptionScorePlayer,
+     Playback,
+     "",
+     kScoresOfEngine,
+     kScoresOfEngine,
+     {},
+     DestinationKinds::File,
+     kPanelMidiDevices,
+     0xC80000,
+     0x200000},
+    {Artworker,
+     "Artworker",
+     TextId::FilterNameArtworker,
+     TextId::FilterDescriptionArtworker,
+     Modeless,
+     "ARTWORKERPARAMS",
+     {},
+     {},
+     {},
+     DestinationKinds::File,
+     kPanelPrinters,
+     0xFFFFFF,
+     0x000000},
+    {XmlConverter,
+     "XmlConverter",
+     TextId::FilterNameXmlConverter,
+     TextId::FilterDescriptionXmlConverter,
+     Dialog,
+     "XMLCONVPARAMS",
+     kXml,
+     kXml,
+     {},
+     DestinationKinds::File,
+     kPanelFile,
+     0x77A4FF,
+     0x0042CC},
+});
+// clang-format on
+
+constexpr bool InOrder() {
+  for (std::size_t i = 0; i < kFilters.size(); ++i) {
+    if (static_cast<std::size_t>(kFilters[i].id) != i) return false;
+  }
+  return kFilters.size() == kFilterCount;
+}
+static_assert(InOrder());
+
+}  // namespace
+
+std::span<const FilterDescriptor, kFilterCount> FilterCatalogue() {
+  return kFilters;
+}
+
+const FilterDescriptor& Descriptor(FilterId id) {
+  return kFilters.at(static_cast<std::size_t>(id));
+}
+
+FilterId FindFilter(std::string_view text) {
+  const auto number = ParseInteger(text);
+  const auto row = std::ranges::find_if(kFilters, [&](const FilterDescriptor& filter) {
+    return EqualsIgnoringCase(filter.identifier, text) || EqualsIgnoringCase(filter.Name(), text) ||
+           number == static_cast<std::int64_t>(filter.id);
+  });
+  return row == kFilters.end() ? None : row->id;
+}
+
+std::string_view TargetFileFilter(FilterId id, TargetFilterContext context) {
+  switch (id) {
+    case ScoreToMidi:
+    case MidiConverter:
+      return Text(TextId::FileFilterMidi);
+    case MidiToScore:
+      return Text(TextId::FileFilterScore);
+    case ScoreSearch:
+    case MidiSearch:
+      return Text(TextId::FileFilterText);
+    case AudioCompressor:
+      return Text(context.wmaInterface ? TextId::FileFilterWma : TextId::FileFilterMp);
+    case XmlConverter:
+      return Text(context.sourceIsXml ? TextId::FileFilterStvXml : TextId::FileFilterMusicXml);
+    default:
+      return Text(TextId::FileFilterWave);
+  }
+}
+
+std::vector<FileFilter> ParseFileFilter(std::string_view text) {
+  std::vector<FileFilter> filters;
+  const auto parts = Split(text, '|');
+  for (std::size_t i = 0; i + 1 < parts.size(); i += 2) {
+    FileFilter& filter = filters.emplace_back(FileFilter{std::string(parts[i]), {}});
+    for (const std::string_view pattern : Split(parts[i + 1], ';')) {
+      if (!Trim(pattern).empty()) filter.patterns.emplace_back(Trim(pattern));
+    }
+  }
+  return filters;
+}
+
+}  // namespace ts5
