@@ -1,0 +1,100 @@
+#include "app/command_table.h"
+
+#include <algorithm>
+#include <array>
+
+namespace ts5 {
+namespace {
+
+using enum MenuId;
+using C = CommandId;
+using T = TextId;
+constexpr FilterId kAlways = FilterId::None;
+
+constexpr std::array kCommands{
+    Command{C::OpenList, File, false, T::MenuOpenList, "Ctrl+O", "", "Befehle-Datei-Öffnen.htm", kAlways},
+    Command{C::SaveList, File, false, T::MenuSaveList, "Ctrl+S", "", "Befehle-Datei-Speichern.htm", kAlways},
+    Command{C::PickFiles, File, true, T::MenuPickFiles, "Ctrl+A", "", "quellmedium.htm", kAlways},
+    Command{C::FindFiles, File, false, T::MenuFindFiles, "F3", "", "quellmedium.htm", kAlways},
+    Command{C::ClearList, File, true, T::MenuClearList, "Ctrl+Del", "", "quellmedium.htm", kAlways},
+    Command{C::Delete, File, false, T::MenuDelete, "Del", "", "quellmedium.htm", kAlways},
+    Command{C::MoveUp, File, false, T::MenuMoveUp, "Ctrl+Up", "", "quellmedium.htm", kAlways},
+    Command{C::MoveDown, File, false, T::MenuMoveDown, "Ctrl+Down", "", "quellmedium.htm", kAlways},
+    Command{C::Rename, File, false, T::MenuRename, "", "", "quellmedium.htm", kAlways},
+    Command{C::PrinterSetup, File, true, T::MenuPrinterSetup, "", "", "", FilterId::Artworker},
+    Command{C::Properties, File, true, T::MenuProperties, "Ctrl+E", "", "quellmedium.htm", kAlways},
+    Command{C::Quit, File, true, T::MenuQuit, "Ctrl+W", "", "", kAlways},
+
+    Command{C::MaximiseList, View, false, T::MenuMaximiseList, "F5", "", "quellmedium.htm", kAlways},
+    Command{C::SwitchListMode, View, false, T::MenuSwitchListMode, "F10", "", "quellmedium.htm", kAlways},
+    Command{C::SearchResults, View, true, T::MenuSearchResults, "", "", "", FilterId::MidiSearch},
+
+    Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
+    Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "Esc", "zielmedium.htm", kAlways},
+    Command{C::CreateMp3Interface, Action, true, T::MenuCreateMp3Interface, "", "", "",
+            FilterId::AudioCompressor},
+    Command{C::ManageMp3Interfaces, Action, false, T::MenuManageMp3Interfaces, "", "", "",
+            FilterId::AudioCompressor},
+    Command{C::EraseDisc, Action, true, T::MenuEraseDisc, "", "", "", FilterId::CdBurner},
+    Command{C::DiscInformation, Action, false, T::MenuDiscInformation, "", "", "", FilterId::CdBurner},
+    Command{C::TrackPause, Action, false, T::MenuTrackPause, "", "", "", FilterId::CdBurner},
+    Command{C::ShowSearchResult, Action, true, T::MenuShowSearchResult, "", "", "", FilterId::MidiSearch},
+    Command{C::PrintSearchResults, Action, false, T::MenuPrintSearchResults, "Ctrl+P", "", "",
+            FilterId::MidiSearch},
+    Command{C::Settings, Action, true, T::MenuSettings, "", "", "Befehle-Aktion-Einstellungen-Allgemein.htm",
+            kAlways},
+
+    Command{C::NewJob, Job, false, T::MenuNewJob, "Ctrl+N", "", "Befehle-Job-Neu.htm", kAlways},
+    Command{C::DeleteJob, Job, false, T::MenuDeleteJob, "Shift+Del", "", "", kAlways},
+    Command{C::RenameJob, Job, false, T::MenuRenameJob, "", "", "Befehle-Job-Umbenennen.htm", kAlways},
+
+    Command{C::HelpContents, Help, false, T::MenuHelpContents, "F1", "", "", kAlways},
+    Command{C::ContextHelp, Help, false, T::MenuContextHelp, "Ctrl+F1", "", "", kAlways},
+    Command{C::HelpUse, Help, true, T::MenuHelpUse, "", "", "hilfeverwenden.htm", kAlways},
+    Command{C::HelpKeys, Help, false, T::MenuHelpKeys, "", "", "tastenkürzel.htm", kAlways},
+    Command{C::About, Help, true, T::MenuAbout, "", "", "", kAlways},
+
+    Command{C::StopByEscape, None, false, T::MenuStop, "Esc", "", "zielmedium.htm", kAlways},
+    Command{C::TakeDrive, None, false, T::DriveSelectorName, "", "", "quellmedium.htm", kAlways},
+    Command{C::NextArea, None, false, T::CommandNextArea, "F6", "", "tastenkürzel.htm", kAlways},
+    Command{C::PreviousArea, None, false, T::CommandPreviousArea, "Shift+F6", "", "tastenkürzel.htm",
+            kAlways},
+    Command{C::ClearListSilently, None, false, T::MenuClearList, "", "", "quellmedium.htm", kAlways},
+    Command{C::PlayerRestart, None, false, T::CommandPlayerRestart, "", "Backspace", "",
+            FilterId::MidiPlayer},
+    Command{C::PlayerPrevious, None, false, T::CommandPlayerPrevious, "", "PgUp", "", FilterId::MidiPlayer},
+    Command{C::PlayerNext, None, false, T::CommandPlayerNext, "", "PgDown", "", FilterId::MidiPlayer},
+};
+
+constexpr std::array<TextId, kMenuCount> kMenuTitles{T::MenuFile,   T::MenuFile, T::MenuView,
+                                                     T::MenuAction, T::MenuJob,  T::MenuHelp};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+  return kCommands;
+}
+
+const Command& CommandOf(CommandId id) {
+  return *std::ranges::find(kCommands, id, &Command::id);
+}
+
+TextId MenuTitle(MenuId menu) {
+  return kMenuTitles.at(static_cast<std::size_t>(menu));
+}
+
+RunWording RunWordingOf(FilterId filter, bool running) {
+  if (IsPlayer(filter)) {
+    return running ? RunWording{T::RunButtonPause, T::MenuPause, T::MenuStopPlayback}
+                   : RunWording{T::RunButtonPlay, T::MenuPlay, T::MenuStopPlayback};
+  }
+  if (filter == FilterId::CdBurner) {
+    return {running ? T::RunButtonCancel : T::RunButtonBurn, T::MenuBurn, T::MenuStop};
+  }
+  if (filter == FilterId::CdCopier) {
+    return {running ? T::RunButtonCancel : T::RunButtonCopy, T::MenuCopy, T::MenuStop};
+  }
+  return {T::RunButtonRun, T::MenuRun, T::MenuStop};
+}
+
+}  // namespace ts5

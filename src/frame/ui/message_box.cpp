@@ -1,0 +1,51 @@
+#include "frame/ui/message_box.h"
+
+#include <QAbstractButton>
+#include <QMessageBox>
+
+#include "frame/ui/qt_text.h"
+
+namespace ts5 {
+namespace {
+
+// Yes and No in German, whatever translation of the toolkit is installed.
+void LabelButtons(QMessageBox& box) {
+  if (QAbstractButton* yes = box.button(QMessageBox::Yes)) yes->setText(QtText(TextId::ButtonYes));
+  if (QAbstractButton* no = box.button(QMessageBox::No)) no->setText(QtText(TextId::ButtonNo));
+}
+
+void Show(QWidget* owner, QMessageBox::Icon icon, const QString& text) {
+  QMessageBox box(icon, QtText(TextId::ApplicationTitle), text, QMessageBox::Ok, owner);
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+}  // namespace
+
+void ShowWarning(QWidget* owner, const QString& text) {
+  Show(owner, QMessageBox::Warning, text);
+}
+void ShowWarning(QWidget* owner, TextId text) {
+  ShowWarning(owner, QtText(text));
+}
+void ShowNotice(QWidget* owner, const QString& text) {
+  Show(owner, QMessageBox::Information, text);
+}
+void ShowNotice(QWidget* owner, TextId text) {
+  ShowNotice(owner, QtText(text));
+}
+
+bool AskYesNo(QWidget* owner, const QString& text, DefaultButton preset) {
+  QMessageBox box(QMessageBox::Question, QtText(TextId::ApplicationTitle), text,
+                  QMessageBox::Yes | QMessageBox::No, owner);
+  box.setTextFormat(Qt::PlainText);
+  LabelButtons(box);
+  box.setDefaultButton(preset == DefaultButton::Yes ? QMessageBox::Yes : QMessageBox::No);
+  box.setEscapeButton(QMessageBox::No);
+  return box.exec() == QMessageBox::Yes;
+}
+bool AskYesNo(QWidget* owner, TextId text, DefaultButton preset) {
+  return AskYesNo(owner, QtText(text), preset);
+}
+
+}  // namespace ts5
