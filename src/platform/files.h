@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/bytes.h"
+#include "platform/descriptor.h"
 #include "platform/outcome.h"
 
 namespace ts5 {
@@ -19,9 +20,10 @@ inline constexpr std::uint64_t kMaxFileInMemory = std::uint64_t{1} << 30;
 // At most count bytes from the start of the file.
 [[nodiscard]] Result<Bytes> ReadFileStart(const std::string& path, std::size_t count);
 
-[[nodiscard]] bool FileExists(const std::string& path);       // anything of that name
+[[nodiscard]] bool FileExists(const std::string& path);  // anything of that name
 [[nodiscard]] bool IsDirectory(const std::string& path);
-[[nodiscard]] Outcome RemoveFile(const std::string& path);    // TargetFailed
+[[nodiscard]] Outcome RemoveFile(const std::string& path);       // TargetFailed
+[[nodiscard]] Outcome MakeDirectories(const std::string& path);  // with all above it; TargetFailed
 // SourceFailed when from cannot be moved, TargetFailed when to exists or cannot be made. Works across file
 // systems by copying, and then removes the source only after the copy is flushed.
 [[nodiscard]] Outcome RenameFile(const std::string& from, const std::string& to);
@@ -32,19 +34,22 @@ inline constexpr std::uint64_t kMaxFileInMemory = std::uint64_t{1} << 30;
 
 // A target that comes into being whole or not at all: written under a temporary name in the target's
 // directory, flushed, and renamed over the target on Commit. Destroyed without Commit, it leaves nothing and
-// the target as it was. An existing target keeps its permissions.
+// the target as it was. An existing target keeps its permissions and owner; a target that is a symbolic link
+// stays one, and the file it leads to is written.
 class StagedFile {
  public:
-  // TargetFailed: the directory does not exist or cannot be written, or the target is a directory.
+  // TargetFailed: the directory does not exist or cannot be written, or the target is a directory, a device
+  // or write-protected (the owner's write permission is off). WriteFailed: the disk is full.
   [[nodiscard]] static Result<StagedFile> Create(const std::string& target);
   StagedFile(StagedFile&& other) noexcept;
   StagedFile& operator=(StagedFile&& other) noexcept;
   ~StagedFile();
 
-  [[nodiscard]] Outcome Write(ByteView bytes);                               // appends; WriteFailed
-  [[nodiscard]] Outcome WriteAt(std::uint64_t offset, ByteView bytes);       // overwrites what was written
-  [[nodiscard]] Outcome Flush();                                             // to the disk; WriteFailed
-  // Flushes and renames over the target: WriteFailed, TargetFailed.
+  [[nodiscard]] Outcome Write(ByteView bytes);  // appends; WriteFailed
+  // Overwrites bytes that were written already; WriteFailed, also behind the end.
+  [[nodiscard]] Outcome WriteAt(std::uint64_t offset, ByteView bytes);
+  [[nodiscard]] Outcome Flush();  // to the disk; WriteFailed
+  // Flushes and renames over the target: WriteFailed (also after any failed write), TargetFailed.
   [[nodiscard]] Outcome Commit();
   // The same onto another name in the same directory, for a name that is settled only now.
   [[nodiscard]] Outcome CommitAs(const std::string& target);
@@ -57,9 +62,10 @@ class StagedFile {
   void Discard();
 
   std::string target_;
-  std::string temporary_;
-  int descriptor_ = -1;
+  std::string temporary_;  // "" when there is none any more
+  Descriptor descriptor_;
   std::uint64_t size_ = 0;
+  bool failed_ = false;
 };
 
 // The whole content in one step: staged, flushed, renamed.
