@@ -1,0 +1,62 @@
+// The run of a filter that makes one file per source: check, name the target, convert, count, one item after
+// the other. Targets are staged, so a failed, cancelled or killed conversion leaves what was there before.
+//
+//   constexpr auto run = [](Run& run) {
+//     RunItems(run, {.independent = true, .check = CheckHeader, .convert = ConvertOne});
+//   };
+//
+// Items that are independent of each other are converted on all cores. What comes out (results, remarks,
+// names and their numbers, questions and their order) is what one after the other gives: names are settled
+// and targets are put in place in the order of the items.
+//
+// When a target turns out to be the source itself: with the suffix rule switched off and the format kept, the
+// settings say to convert in place, and the source is replaced in one step once its conversion is complete.
+// In every other case an automatic name is numbered instead, so that no source is lost by surprise.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+
+#include "frame/parameters.h"
+#include "frame/remarks.h"
+#include "platform/files.h"
+#include "platform/outcome.h"
+
+namespace ts5 {
+
+class Run;
+
+// One conversion at work. May run on any thread beside others of its kind when the filter is independent.
+struct ItemWork {
+  Run& run;  // Cancelled() and the parameters; questions only when the filter is not independent
+  const FilterParameters& parameters;
+  const std::string& source;
+  StagedFile& target;
+  std::function<void(double)> progress;  // fraction of this item, 0 to 1
+
+  // May be filled in: see Status.
+  bool extended = false;
+  std::int32_t number = 0;
+
+  [[nodiscard]] bool Cancelled() const;
+};
+
+struct ItemFilter {
+  // Items have nothing to do with each other and convert() is safe on several threads at once.
+  bool independent = false;
+  // Looks at the source before its target is named; empty: no check.
+  std::function<Outcome(const FilterParameters&, const std::string& source)> check = {};
+  // Success or a positive code of the filter's own; on a failure the target is dropped. Cancelled ends the
+  // run.
+  std::function<Outcome(ItemWork&)> convert;
+  std::span<const Remark> remarks = ConversionRemarks();
+  // After an item's target is in place; for what is done with a finished file.
+  std::function<void(Run&, std::size_t item, const std::string& target)> converted = {};
+};
+
+// Fills run.Result(): line 1 the successes, line 2 all others.
+void RunItems(Run& run, const ItemFilter& filter);
+
+}  // namespace ts5

@@ -1,0 +1,58 @@
+// Starts and stops the runs of jobs: one worker thread per running job, several jobs at once. Used from the
+// thread that owns the jobs only.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "frame/filter_module.h"
+#include "frame/job.h"
+#include "frame/job_dialogs.h"
+#include "frame/run.h"
+#include "frame/run_host.h"
+
+namespace ts5 {
+
+struct RunRequest {
+  Settings settings;
+  DestinationRules destination;
+  DestinationFiles files = SystemDestinationFiles();
+};
+
+class JobRunner {
+ public:
+  explicit JobRunner(ModuleFinder modules);
+  // Stops what still runs and waits for it; see Shutdown.
+  ~JobRunner();
+  JobRunner(const JobRunner&) = delete;
+  JobRunner& operator=(const JobRunner&) = delete;
+
+  // Checks the destination (a bare name is completed in the job), devices and discs that other runs hold, and
+  // starts the worker on a copy of the job. False when it did not start; the user has been told why then, and
+  // the host has not been called.
+  [[nodiscard]] bool Start(Job& job, RunRequest request, std::shared_ptr<RunHost> host, JobDialogs& dialogs);
+
+  // Asks the run of the job to end. What to show until it does, if anything. A second stop changes nothing.
+  std::optional<TextId> Stop(const Job& job);
+
+  [[nodiscard]] bool AnyRunning() const;
+  // Waits until the job's run has ended and its thread is gone.
+  void Wait(const Job& job);
+
+  // Stops all runs for good: open questions are answered with Cancelled. True when all have ended within the
+  // time; otherwise those left own all that they use, and the program may save and leave without them.
+  bool Shutdown(std::chrono::milliseconds patience = std::chrono::seconds(5));
+
+ private:
+  struct Worker;
+  void Reap();
+
+  ModuleFinder modules_;
+  std::vector<std::unique_ptr<Worker>> workers_;
+};
+
+}  // namespace ts5

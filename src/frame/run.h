@@ -1,0 +1,110 @@
+// A run as its filter sees it: the job (a copy of its own), the items, the way out to the user, the cancel
+// request and the list of outcomes. The filter fills Result() and returns; whatever happens, the run ends
+// with exactly one RunHost::Finished.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frame/destination.h"
+#include "frame/filter_module.h"
+#include "frame/job.h"
+#include "frame/remarks.h"
+#include "frame/run_host.h"
+#include "frame/run_result.h"
+#include "frame/settings.h"
+#include "platform/outcome.h"
+
+namespace ts5 {
+
+// Progress events closer together than this are left out.
+inline constexpr std::chrono::milliseconds kProgressInterval{50};
+// How often a waiting run looks at its cancel request.
+inline constexpr std::chrono::milliseconds kCancelPoll{20};
+
+struct RunSetup {
+  Job job;  // the run's own copy
+  Settings settings;
+  DestinationRules destination;
+  DestinationFiles files = SystemDestinationFiles();
+};
+
+class Run {
+ public:
+  // state: the run fields of the job that was copied into setup.
+  Run(RunSetup setup, const FilterModule& module, std::shared_ptr<JobRun> state,
+      std::shared_ptr<RunHost> host);
+
+  [[nodiscard]] const Job& GetJob() const { return setup_.job; }
+  [[nodiscard]] const FilterModule& Module() const { return *module_; }
+  [[nodiscard]] const Settings& GetSettings() const { return setup_.settings; }
+  [[nodiscard]] const DestinationRules& Destination() const { return setup_.destination; }
+  [[nodiscard]] const DestinationFiles& Files() const { return setup_.files; }
+  // The parameters; P must be the type that the module creates.
+  template <typename P>
+  [[nodiscard]] const P& Parameters() const {
+    return static_cast<const P&>(*setup_.job.parameters);
+  }
+
+  [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }
+  [[nodiscard]] std::string Source(std::size_t index) const { return ItemSource(setup_.job, index); }
+
+  // May be called from any thread of the run, and often.
+  [[nodiscard]] bool Cancelled() const { return state_->Cancelled(); }
+  [[nodiscard]] std::int32_t CancelRequest() const { return state_->cancelRequest.load(); }
+  // Sleeps; false as soon as the run is cancelled.
+  [[nodiscard]] bool Sleep(std::chrono::milliseconds duration) const;
+  void SetState(RunState state);
+  [[nodiscard]] RunState State() const { return state_->state.load(); }
+
+  // From any thread of the run. item counts from 1.
+  void Progress(std::uint32_t item, std::uint32_t items, double fraction = 0);
+  void StatusText(std::string_view text);
+  void ProtocolLine(std::string_view line);
+  void Notice(std::string_view text, MessageIcon icon = MessageIcon::Exclamation);
+  Outcome Hit(const SearchHit& hit);
+
+  // Blocks until the user answered. Cancelled when the run is stopped meanwhile or there is no window any
+  // more.
+  [[nodiscard]] Answer Ask(QuestionText question);
+  // For filters that ask before they obey a stop: takes the request back and asks; true when the run is to
+  // end (the request is set again then), false when it goes on. Without a request it is false at once.
+  [[nodiscard]] bool ConfirmStop(std::string_view question);
+
+  // Adds an outcome to the status list unless its kind is there already.
+  void AddStatus(const Status& status);
+  void AddCode(Outcome outcome, std::int32_t number = 0) { AddStatus({Code(outcome), false, number}); }
+  [[nodiscard]] const std::vector<Status>& StatusList() const { return statusList_; }
+
+  // The remark lines of the status list.
+  [[nodiscard]] std::vector<std::string> Remarks(std::span<const Remark> table) const;
+  // Title and labels are those of the filter from the start.
+  [[nodiscard]] RunResult& Result() { return result_; }
+
+  // The end: the last progress event, the job idle, the result out. Called once by whoever made the run.
+  void Finish();
+
+ private:
+  void SendProgress(const RunProgress& progress);
+
+  RunSetup setup_;
+  const FilterModule* module_;
+  std::shared_ptr<JobRun> state_;
+  std::shared_ptr<RunHost> host_;
+  std::vector<Status> statusList_;
+  RunResult result_;
+
+  std::mutex hostMutex_;  // guards the host and what follows
+  RunProgress lastProgress_;
+  bool progressPending_ = false;
+  bool progressSent_ = false;
+  std::chrono::steady_clock::time_point lastSent_;
+};
+
+}  // namespace ts5

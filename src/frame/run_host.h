@@ -1,0 +1,81 @@
+// The surroundings of a run, as the run sees them: the desktop posts what comes here to its window, the
+// console prints it, tests record it. All calls come from the worker thread of the run (never two at a time)
+// and must return at once; a question is answered later through its Question object, from any thread.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "frame/run_result.h"
+#include "frame/run_state.h"
+#include "frame/search_hit.h"
+
+namespace ts5 {
+
+// The one kind of progress event. Events come in order and at most kProgressInterval apart from each other
+// but for the first and the last, which come always.
+struct RunProgress {
+  std::uint32_t item = 0;   // number of the item at work, from 1; 0 before the first
+  std::uint32_t items = 0;  // how many there are; 0 when that is not known
+  double fraction = 0;      // of this item, 0 to 1
+
+  bool operator==(const RunProgress&) const = default;
+};
+
+enum class Answer : std::uint8_t { Yes, No, Cancelled };
+enum class QuestionButtons : std::uint8_t { YesNo, YesNoCancel, OkCancel };  // OK answers Yes
+enum class MessageIcon : std::uint8_t { Information, Question, Exclamation };
+
+struct QuestionText {
+  std::string text;
+  QuestionButtons buttons = QuestionButtons::YesNo;
+  MessageIcon icon = MessageIcon::Question;
+  Answer preset = Answer::Yes;            // the button that Enter presses
+  std::optional<RunResult> results = {};  // shown in the results dialog in place of a message box
+};
+
+class QuestionState;  // what the asking thread waits on
+
+// A question that waits for the user. The first reply counts; a question that is dropped without a reply,
+// because its window went away, is answered with Cancelled.
+class Question {
+ public:
+  Question(QuestionText text, std::shared_ptr<QuestionState> state);
+  ~Question();
+  Question(const Question&) = delete;
+  Question& operator=(const Question&) = delete;
+
+  [[nodiscard]] const QuestionText& Text() const { return text_; }
+  void Reply(Answer answer);
+  // The run was stopped meanwhile and nobody waits for the reply any more.
+  [[nodiscard]] bool Withdrawn() const;
+  // Called once when the question is withdrawn, at once if it is already, on the thread of the run: post a
+  // message that closes the dialog, and nothing else.
+  void OnWithdrawn(std::function<void()> action);
+
+ private:
+  QuestionText text_;
+  std::shared_ptr<QuestionState> state_;
+};
+
+class RunHost {
+ public:
+  virtual ~RunHost() = default;
+
+  virtual void Progress(const RunProgress& progress) = 0;
+  virtual void StatusText(std::string_view text) = 0;    // what is done now; replaces the last one
+  virtual void ProtocolLine(std::string_view line) = 0;  // a line that stays
+  // One hit of a search. OutOfMemory ends the search.
+  virtual Outcome Hit(const SearchHit& hit) = 0;
+  virtual void Ask(std::shared_ptr<Question> question) = 0;
+  virtual void Notice(std::string_view text, MessageIcon icon) = 0;
+  virtual void StateChanged(RunState state) = 0;
+  // The end of the run, exactly once and after everything else; the job is idle by then.
+  virtual void Finished(const RunResult& result) = 0;
+};
+
+}  // namespace ts5
