@@ -1,0 +1,145 @@
+#include "search/note_editor.h"
+
+#include <algorithm>
+#include <array>
+
+#include "search/note_layout.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::array<int, 7> kNoteKeys = {60, 62, 64, 65, 67, 69, 71};
+
+bool Within(NoteCommand command, NoteCommand first, NoteCommand last) {
+  return command >= first && command <= last;
+}
+int Offset(NoteCommand command, NoteCommand first) {
+  return static_cast<int>(command) - static_cast<int>(first);
+}
+
+using C = NoteCommand;
+bool IsOctave(C c) {
+  return Within(c, C::OctaveDown, C::OctaveUp);
+}
+bool IsAccidental(C c) {
+  return Within(c, C::Flat, C::Sharp);
+}
+bool IsClef(C c) {
+  return Within(c, C::TrebleClef, C::BassClef);
+}
+bool IsNoteValue(C c) {
+  return Within(c, C::Whole, C::ThirtySecond);
+}
+bool IsNote(C c) {
+  return Within(c, C::LowC, C::HighH);
+}
+bool IsDeletion(C c) {
+  return Within(c, C::DeleteAtCursor, C::DeleteAll);
+}
+
+std::int32_t OctaveOf(C c) {
+  return 12 * (Offset(c, C::OctaveDown) - 1);
+}
+Accidental AccidentalOf(C c) {
+  return static_cast<Accidental>(Offset(c, C::Flat) - 1);
+}
+Clef ClefOf(C c) {
+  return c == C::BassClef ? Clef::Bass : Clef::Treble;
+}
+std::int32_t NoteValueOf(C c) {
+  return 960 >> Offset(c, C::Whole);
+}
+
+std::int16_t PitchOf(C command, const SearchMelody& melody) {
+  const int note = Offset(command, C::LowC);
+  const int key = kNoteKeys[static_cast<std::size_t>(note % 7)] + 12 * (note / 7) + melody.octaveOffset -
+                  (melody.clef == Clef::Bass ? 24 : 0);
+  return PitchCode(key + static_cast<int>(melody.accidental), melody.accidental);
+}
+
+template <typename T>
+EditResult Choose(T& field, T value) {
+  const bool changed = field != value;
+  field = value;
+  return {changed, {}};
+}
+
+}  // namespace
+
+NoteEditor::NoteEditor(SearchMelody& melody) : melody_(melody) {
+  if (melody_.elements.empty()) return;
+  melody_.clef = HasBassMark(melody_.elements.front().pitch) ? Clef::Bass : Clef::Treble;
+  melody_.cursor = std::min(melody_.cursor, melody_.elements.size());
+}
+
+bool NoteEditor::IsEnabled(NoteCommand command) const {
+  const bool empty = melody_.elements.empty();
+  if (IsClef(command)) return empty && !playing_;
+  if (command == C::Play) return !empty;
+  if (command == C::Save || command == C::DeleteAll) return !empty && !playing_;
+  if (IsNote(command) || command == C::Rest || IsDeletion(command) || command == C::Manage) return !playing_;
+  return true;
+}
+
+bool NoteEditor::IsChosen(NoteCommand command) const {
+  if (IsOctave(command)) return melody_.octaveOffset == OctaveOf(command);
+  if (IsAccidental(command)) return melody_.accidental == AccidentalOf(command);
+  if (IsClef(command)) return melody_.clef == ClefOf(command);
+  if (IsNoteValue(command)) return melody_.noteValue == NoteValueOf(command);
+  return command == C::ToggleDot && melody_.dotted;
+}
+
+EditResult NoteEditor::Execute(NoteCommand command) {
+  if (!IsEnabled(command)) return {};
+  if (IsOctave(command)) return Choose(melody_.octaveOffset, OctaveOf(command));
+  if (IsAccidental(command)) return Choose(melody_.accidental, AccidentalOf(command));
+  if (IsClef(command)) return Choose(melody_.clef, ClefOf(command));
+  if (IsNoteValue(command)) return Choose(melody_.noteValue, NoteValueOf(command));
+  if (IsNote(command)) return Enter(PitchOf(command, melody_));
+  const std::size_t count = melody_.elements.size();
+  const std::size_t cursor = melody_.cursor;
+  switch (command) {
+    case C::ToggleDot:
+      return Choose(melody_.dotted, !melody_.dotted);
+    case C::Rest:
+      return Enter(kRestCode);
+    case C::DeleteAtCursor:
+      return cursor < count ? Delete(cursor, 1, cursor) : EditResult{};
+    case C::DeleteBeforeCursor:
+      return cursor > 0 ? Delete(cursor - 1, 1, cursor - 1) : EditResult{};
+    case C::DeleteAll:
+      return Delete(0, count, 0);
+    case C::Home:
+      return MoveCursor(0);
+    case C::End:
+      return MoveCursor(count);
+    case C::Left:
+      return MoveCursor(cursor - std::min<std::size_t>(cursor, 1));
+    case C::Right:
+      return MoveCursor(std::min(cursor + 1, count));
+    default:
+      return {};
+  }
+}
+
+EditResult NoteEditor::Enter(std::int16_t pitch) {
+  if (pitch == kRestCode && melody_.cursor == 0) return {false, TextId::RestAtStart};
+  if (!HasRoomForNote(melody_.elements, width_)) return {false, TextId::NoRoomForNote};
+  const auto duration =
+      static_cast<std::int16_t>(melody_.noteValue + (melody_.dotted ? melody_.noteValue / 2 : 0));
+  if (!InsertMelodyElement(melody_, {pitch, duration}, melody_.cursor)) return {false, TextId::NoRoomForNote};
+  ++melody_.cursor;
+  return {true, {}};
+}
+
+EditResult NoteEditor::Delete(std::size_t position, std::size_t count, std::size_t cursor) {
+  if (!RemoveMelodyElements(melody_, position, count)) return {false, TextId::NoteNotDeleted};
+  melody_.cursor = cursor;
+  return {true, {}};
+}
+
+EditResult NoteEditor::MoveCursor(std::size_t position) {
+  return Choose(melody_.cursor, position);
+}
+
+}  // namespace ts5
