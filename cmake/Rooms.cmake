@@ -28,7 +28,7 @@ function(ts5_room name)
         list(APPEND present ${target})
       endif()
     endforeach()
-    target_link_libraries(ts5_${name}_ui PUBLIC ts5_${name} ${present} Qt6::Widgets Qt6::Svg Qt6::PrintSupport)
+    target_link_libraries(ts5_${name}_ui PUBLIC ts5_${name} ${present} ts5_resources Qt6::Widgets Qt6::Svg Qt6::PrintSupport)
   endif()
 endfunction()
 
