@@ -1,0 +1,232 @@
+#include "frame/filter_bar.h"
+
+#include <gmock/gmock.h>
+
+#include "frame/filter_catalogue.h"
+
+namespace ts5 {
+namespace {
+
+using enum FilterId;
+using testing::ElementsAre;
+
+constexpr DeviceCounts kAllDevices{.audioOutputs = 1, .midiOutputs = 1, .printers = 1, .writers = 1};
+
+FreeFileList ListOf(const std::vector<std::string>& paths, std::vector<std::size_t> selected = {}) {
+  FreeFileList list;
+  for (const std::string& path : paths) list.Append(EntryFromPath(path));
+  list.Select(std::move(selected));
+  if (!list.Selection().empty()) list.SetFocus(list.Selection().front());
+  return list;
+}
+
+std::vector<FilterId> ShownIn(const FilterBar& bar) {
+  std::vector<FilterId> shown;
+  for (const FilterDescriptor& filter : FilterCatalogue()) {
+    const auto index = static_cast<std::size_t>(filter.id);
+    const FilterTile& tile = bar.tiles[index];
+    EXPECT_EQ(tile.shown, (bar.words[index] & kStatusShown) != 0);
+    EXPECT_EQ(tile.position, tile.shown ? static_cast<int>(shown.size()) : -1) << filter.identifier;
+    if (tile.shown) shown.push_back(filter.id);
+  }
+  return shown;
+}
+
+std::vector<FilterId> ShownFor(SourceContext source) {
+  return ShownIn(
+      RefreshFilterBar({.source = std::move(source), .devices = kAllDevices, .filter = MidiConverter}));
+}
+
+TEST(FilterBar, OffersWhatFitsTheFreeFileList) {
+  const std::vector<std::string> waves = {"/m/a.wav", "/m/b.WAV"};
+  EXPECT_THAT(ShownFor(ListContext(ListOf(waves))),
+              ElementsAre(ScoreSearch, MidiSearch, CdBurner, Artworker));
+  EXPECT_THAT(ShownFor(ListContext(ListOf(waves, {1}))),
+              ElementsAre(AudioPlayer, WaveConverter, AudioCompressor, Artworker));
+  EXPECT_THAT(ShownFor(ListContext(ListOf(waves, {0, 1}))),
+              ElementsAre(AudioPlayer, WaveConverter, AudioCompressor, Artworker));
+  const std::vector<std::string> mixed = {"/m/a.mid",  "/m/b.wav", "/m/c.rdl",
+                                          "/m/d.stvx", "/m/e.xyz", "/m/f"};
+  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {0, 1}))), ElementsAre(Artworker));
+  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {0, 2}))),
+              ElementsAre(MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker));
+  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {3}))),
+              ElementsAre(ScoreToMidi, ScoreSearch, ScorePlayer, Artworker, XmlConverter));
+  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {4}))), ElementsAre(Artworker));
+  // A file without an extension matches the grabber's empty one.
+  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {5}))), ElementsAre(CdGrabber, Artworker));
+}
+
+TEST(FilterBar, OffersWhatFitsADirectory) {
+  EXPECT_THAT(ShownFor(DirectoryContext({"/m", {}, {}}, false)),
+              ElementsAre(ScoreSearch, MidiSearch, Artworker));
+  EXPECT_THAT(ShownFor(DirectoryContext({"/m", {"A.MID"}, {0}}, false)),
+              ElementsAre(MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker));
+  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {}, {}}, true)),
+              ElementsAre(AudioPlayer, CdGrabber, CdCopier, Artworker));
+  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {"Track 01"}, {0}}, true)),
+              ElementsAre(AudioPlayer, CdGrabber, Artworker));
+  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {"Track 01", "Track 02"}, {0, 1}}, true)),
+              ElementsAre(AudioPlayer, CdGrabber, Artworker));
+}
+
+TEST(FilterBar, TakesCdTracksOnlyFromAnAudioCdOrTheList) {
+  SourceContext source =
+      ListContext(ListOf({"PLEXTOR CDR\\Track 3", "PLEXTOR CDR\\Track 4", "/m/a.mp3"}, {0}));
+  EXPECT_TRUE(source.sourceIsAudioCd);
+  EXPECT_THAT(ShownFor(source), ElementsAre(AudioPlayer, CdGrabber, Artworker));
+  source.listMode = false;
+  source.sourceIsAudioCd = false;
+  EXPECT_FALSE(Accepts(AudioPlayer, source));
+  EXPECT_FALSE(Accepts(CdGrabber, source));
+
+  // Tracks and files together: the player takes both, the grabber tracks alone.
+  EXPECT_THAT(ShownFor(ListContext(ListOf({"P C\\Track 3", "/m/a.mp3"}, {0, 1}))),
+              ElementsAre(AudioPlayer, Artworker));
+  EXPECT_THAT(ShownFor(ListContext(ListOf({"P C\\Track 3", "P C\\Track 4"}, {0, 1}))),
+              ElementsAre(AudioPlayer, CdGrabber, Artworker));
+}
+
+TEST(FilterBar, FocusedSelectedTrackMakesTheListAnAudioCd) {
+  FreeFileList list = ListOf({"P C\\Track 3", "/m/a.mp3"}, {0});
+  EXPECT_TRUE(ListSourceIsAudioCd(list));
+  list.Select({1});
+  EXPECT_FALSE(ListSourceIsAudioCd(list)) << "the track has the focus but is not selected";
+  list.Clear();
+  EXPECT_FALSE(ListSourceIsAudioCd(list));
+}
+
+TEST(FilterBar, FixedFilterIsTheOnlyTileAndItsDisabledBitFollowsTheSelection) {
+  FilterBarInput input{.source = ListContext(ListOf({"/m/a.wav", "/m/b.mid"}, {0})),
+                       .devices = kAllDevices,
+                       .filter = MidiConverter,
+                       .filterFixed = true};
+  FilterBar bar = RefreshFilterBar(input);
+  EXPECT_THAT(ShownIn(bar), ElementsAre(MidiConverter));
+  EXPECT_FALSE(bar.CanRun());
+  EXPECT_EQ(bar.words[5], kStatusExpanded | kStatusShown | kStatusNotApplicable | kStatusDisabled);
+  EXPECT_FALSE(bar.tiles[5].buttonEnabled);
+
+  input.words = bar.words;
+  input.source = ListContext(ListOf({"/m/a.wav", "/m/b.mid"}, {1}));
+  bar = RefreshFilterBar(input);
+  EXPECT_THAT(ShownIn(bar), ElementsAre(MidiConverter));
+  EXPECT_TRUE(bar.CanRun());
+  EXPECT_EQ(bar.words[5], kStatusExpanded | kStatusShown);
+
+  // A current filter that went out of sight must not run either.
+  input.filterFixed = false;
+  input.source = ListContext(ListOf({"/m/a.wav"}, {0}));
+  EXPECT_FALSE(RefreshFilterBar(input).CanRun());
+}
+
+TEST(FilterBar, JobWithoutFilterGetsTheScoreSearchUnfixed) {
+  const FilterBar bar = RefreshFilterBar({.source = ListContext(ListOf({"/m/a.mid"})),
+                                          .devices = kAllDevices,
+                                          .filter = None,
+                                          .filterFixed = true});
+  EXPECT_EQ(bar.filter, ScoreSearch);
+  EXPECT_FALSE(bar.filterFixed);
+  EXPECT_THAT(ShownIn(bar), ElementsAre(ScoreSearch, MidiSearch, CdBurner, Artworker));
+}
+
+TEST(FilterBar, MissingDeviceDisablesItsFilterButKeepsItsTile) {
+  const struct {
+    FilterId filter;
+    const char* path;
+    DeviceCounts devices;
+  } kCases[] = {
+      {MidiPlayer, "/m/a.mid", {.audioOutputs = 1, .printers = 1, .writers = 1}},
+      {ScorePlayer, "/m/a.stv", {.audioOutputs = 1, .printers = 1, .writers = 1}},
+      {AudioPlayer, "/m/a.ape", {.midiOutputs = 1, .printers = 1, .writers = 1}},
+      {Artworker, "/m/a.mid", {.audioOutputs = 1, .midiOutputs = 1, .writers = 1}},
+      {CdBurner, nullptr, {.audioOutputs = 1, .midiOutputs = 1, .printers = 1}},
+  };
+  for (const auto& test : kCases) {
+    const FreeFileList list = test.path != nullptr ? ListOf({test.path}, {0}) : ListOf({"/m/a.mid"});
+    const auto index = static_cast<std::size_t>(test.filter);
+    FilterBar bar =
+        RefreshFilterBar({.source = ListContext(list), .devices = test.devices, .filter = test.filter});
+    EXPECT_TRUE(bar.tiles[index].shown) << index;
+    EXPECT_FALSE(bar.tiles[index].buttonEnabled) << index;
+    EXPECT_FALSE(bar.tiles[index].toggleEnabled) << index;
+    EXPECT_EQ(bar.words[index], kStatusExpanded | kStatusShown | kStatusDeviceMissing | kStatusDisabled)
+        << index;
+    bar = RefreshFilterBar(
+        {.source = ListContext(list), .devices = kAllDevices, .filter = test.filter, .words = bar.words});
+    EXPECT_EQ(bar.words[index], kStatusExpanded | kStatusShown) << index;
+    EXPECT_TRUE(bar.tiles[index].buttonEnabled) << index;
+  }
+}
+
+TEST(FilterBar, WhileTheJobRunsOnlyAPlayingPlayersTileStaysUsable) {
+  FilterBarInput input{.source = ListContext(ListOf({"/m/a.mid"}, {0})),
+                       .devices = kAllDevices,
+                       .jobIsIdle = false,
+                       .filter = MidiPlayer};
+  FilterBar bar = RefreshFilterBar(input);
+  EXPECT_TRUE(bar.tiles[4].buttonEnabled);
+  EXPECT_FALSE(bar.tiles[5].buttonEnabled);
+  EXPECT_TRUE(bar.tiles[5].toggleEnabled);
+  input.filter = MidiConverter;
+  bar = RefreshFilterBar(input);
+  EXPECT_FALSE(bar.tiles[4].buttonEnabled);
+  EXPECT_FALSE(bar.tiles[5].buttonEnabled);
+}
+
+TEST(FilterBar, TilesAreLaidOutFromTheTop) {
+  FilterBarInput input{
+      .source = ListContext(ListOf({"/m/a.wav"}, {0})), .devices = kAllDevices, .filter = AudioPlayer};
+  input.words[8] = ToggledStatus(input.words[8]);
+  FilterBar bar = RefreshFilterBar(input);
+  EXPECT_EQ(bar.tiles[7].top, 0);
+  EXPECT_EQ(bar.tiles[8].top, 63);
+  EXPECT_EQ(bar.tiles[9].top, 63 + 19);
+  EXPECT_EQ(bar.tiles[15].top, 63 + 19 + 63);
+  input.appearance = SkinLayout::Windows;
+  EXPECT_EQ(RefreshFilterBar(input).tiles[9].top, 66 + 19);
+}
+
+TEST(FilterBar, ToggleKeepsExpandedAndCollapsedApart) {
+  const std::uint32_t word = kStatusExpanded | kStatusShown;
+  EXPECT_EQ(ToggledStatus(word), kStatusCollapsed | kStatusShown);
+  EXPECT_EQ(ToggledStatus(ToggledStatus(word)), word);
+  EXPECT_EQ(ToggledStatus(0), kStatusCollapsed);
+  EXPECT_EQ(TileToolTip(MidiPlayer, word), "Spielt Midi-Dateien ab (MID, RMI, RDL)");
+  EXPECT_EQ(TileToolTip(MidiPlayer, ToggledStatus(word)), "Midi-Player");
+}
+
+TEST(FilterBar, GradientRunsFromColour2ToColour1) {
+  EXPECT_EQ(TileRowColour(XmlConverter, 0, 64), 0x0042CCU);
+  EXPECT_EQ(TileRowColour(XmlConverter, 63, 64), 0x77A4FFU);
+  EXPECT_EQ(TileRowColour(Artworker, 32, 65), 0x7F7F7FU);
+  EXPECT_EQ(TileRowColour(Artworker, 0, 1), 0x000000U);
+  EXPECT_EQ(TileRowColour(Artworker, 99, 10), 0xFFFFFFU);
+}
+
+TEST(FilterSwitch, AsksOnlyAroundTheBurnerWithAFilledList) {
+  using enum FilterSwitch::Kind;
+  const struct {
+    FilterId current, next;
+    bool listIsEmpty, idle;
+    FilterSwitch::Kind kind;
+    std::optional<TextId> question;
+  } kCases[] = {
+      {MidiConverter, CdBurner, false, true, Ask, TextId::AskSwitchToBurner},
+      {CdBurner, MidiConverter, false, true, Ask, TextId::AskSwitchFromBurner},
+      {CdBurner, MidiConverter, true, true, Free, {}},
+      {MidiConverter, CdBurner, true, true, Free, {}},
+      {CdBurner, CdBurner, false, true, Same, {}},
+      {MidiConverter, MidiPlayer, false, true, Free, {}},
+      {MidiConverter, MidiPlayer, false, false, Refused, {}},
+      {CdBurner, CdBurner, false, false, Refused, {}},
+  };
+  for (const auto& test : kCases) {
+    const FilterSwitch plan = PlanFilterSwitch(test.current, test.next, test.listIsEmpty, test.idle);
+    EXPECT_EQ(plan.kind, test.kind);
+    EXPECT_EQ(plan.question, test.question);
+  }
+}
+
+}  // namespace
+}  // namespace ts5
