@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+#include "platform/audio_out.h"
+#include "platform/midi_out.h"
+#include "platform/synthesizer.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+using test::FailsWith;
+using test::IsOk;
+using namespace std::chrono_literals;
+
+constexpr std::uint32_t kRate = 44100;
+
+double Peak(std::span<const float> block) {
+  double peak = 0;
+  for (const float sample : block) peak = std::max(peak, std::abs(static_cast<double>(sample)));
+  return peak;
+}
+
+TEST(AudioOut, TheNullDevicePullsInRealTimeAndStops) {
+  std::atomic<std::uint64_t> frames{0};
+  auto output =
+      OpenAudioOutput("null", {kRate, 2}, [&](std::span<float> block) { frames += block.size() / 2; });
+  ASSERT_THAT(output, IsOk());
+  ASSERT_THAT((*output)->Start(), IsOk());
+  const auto start = std::chrono::steady_clock::now();
+  std::this_thread::sleep_for(200ms);
+  ASSERT_THAT((*output)->Stop(), IsOk());
+  const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
+  const std::uint64_t pulled = frames;
+  EXPECT_GT(pulled, 0U);
+  EXPECT_LE(static_cast<double>(pulled), passed.count() * kRate + 2 * 512);
+  std::this_thread::sleep_for(30ms);
+  EXPECT_EQ(frames, pulled) << "rendered after Stop";
+}
+
+TEST(AudioOut, AWaveFileHoldsWhatWasRenderedLimitedAtFullScale) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.File("aus.wav");
+  std::atomic<std::uint32_t> frames{0};
+  {
+    auto output = OpenAudioOutput("wave:" + path, {8000, 1}, [&](std::span<float> block) {
+      for (float& sample : block) sample = frames % 2 == 0 ? 3.0F : -0.5F;
+      frames += static_cast<std::uint32_t>(block.size());
+    });
+    ASSERT_THAT(output, IsOk());
+    ASSERT_THAT((*output)->Start(), IsOk());
+    while (frames == 0) std::this_thread::sleep_for(1ms);
+    EXPECT_FALSE(test::Listing(directory.Path()).starts_with("aus.wav"))
+        << "the target appears only when it is whole";
+    ASSERT_THAT((*output)->Stop(), IsOk());
+    ASSERT_THAT((*output)->Stop(), IsOk());
+  }
+  const std::string file = test::Content(path);
+  ByteReader in(AsBytes(file));
+  EXPECT_EQ(in.Tag(), "RIFF");
+  EXPECT_EQ(in.U32Le(), file.size() - 8);
+  in.Skip(8 + 4 + 4);
+  EXPECT_EQ(in.U32Le(), 8000U);
+  in.Skip(8 + 4);
+  EXPECT_EQ(in.U32Le(), frames * 2U);
+  EXPECT_EQ(in.U16Le(), 32767) << "limited, not wrapped";
+  EXPECT_EQ(in.Remaining(), frames * 2U - 2);
+}
+
+TEST(AudioOut, WhatCannotBeOpenedIsRefused) {
+  const auto silence = [](std::span<float> block) { std::ranges::fill(block, 0.0F); };
+  EXPECT_THAT(OpenAudioOutput("Karte, die es nicht gibt", {}, silence), FailsWith(Outcome::TargetFailed));
+  EXPECT_THAT(OpenAudioOutput("wave:/gibt/es/nicht/a.wav", {}, silence), FailsWith(Outcome::TargetFailed));
+  EXPECT_THAT(OpenAudioOutput("", {}, silence), IsOk()) << "a machine without sound plays all the same";
+}
+
+TEST(Synthesizer, ANoteSoundsAndAResetEndsIt) {
+  auto synth = Synthesizer::Create(kRate);
+  ASSERT_THAT(synth, IsOk());
+  std::vector<float> block(std::size_t{kRate} / 5 * 2);
+  (*synth)->Render(block);
+  EXPECT_LT(Peak(block), 1e-4);
+  (*synth)->ShortMessage(ShortMidiMessage(0x90, 60, 100));
+  (*synth)->Render(block);
+  EXPECT_GT(Peak(block), 0.01);
+  (*synth)->Reset();
+  for (int i = 0; i < 20; ++i) (*synth)->Render(block);
+  EXPECT_LT(Peak(block), 1e-3);
+}
+
+TEST(Synthesizer, HostileMessagesAndFontsDoNoHarm) {
+  const test::TemporaryDirectory directory;
+  EXPECT_THAT(Synthesizer::Create(kRate, directory.Write("kein.sf2", "RIFF0000WAVE")),
+              FailsWith(Outcome::SourceFailed));
+  EXPECT_THAT(
+      Synthesizer::Create(kRate, directory.Write("halb.sf2", std::string("RIFF\xFF\xFF\xFF\x7Fsfbk", 12))),
+      FailsWith(Outcome::SourceFailed));
+  EXPECT_THAT(Synthesizer::Create(kRate, directory.File("fehlt.sf2")), FailsWith(Outcome::SourceFailed));
+
+  auto synth = Synthesizer::Create(kRate);
+  ASSERT_THAT(synth, IsOk());
+  for (std::uint32_t status = 0; status < 256; ++status) (*synth)->ShortMessage(status | 0xFFFFFF00U);
+  const Bytes longMessage(100000, 0xF7);
+  (*synth)->SystemExclusive({});
+  (*synth)->SystemExclusive(longMessage);
+  Bytes framed = longMessage;
+  framed.front() = 0xF0;
+  (*synth)->SystemExclusive(framed);
+  std::vector<float> block(1024);
+  (*synth)->Render(block);
+}
+
+TEST(MidiOut, TheBuiltInSynthesizerIsADeviceAndSounds) {
+  const auto devices = MidiOutputDevices();
+  ASSERT_FALSE(devices.empty());
+  EXPECT_EQ(devices.back(), kSynthesizerName);
+
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.File("klang.wav");
+  auto output = OpenMidiOutput(kSynthesizerName, "wave:" + path);
+  ASSERT_THAT(output, IsOk());
+  ASSERT_THAT((*output)->Send(ShortMidiMessage(0xC0, 19)), IsOk());
+  ASSERT_THAT((*output)->Send(ShortMidiMessage(0x90, 60, 120)), IsOk());
+  std::this_thread::sleep_for(150ms);
+  ASSERT_THAT((*output)->Close(), IsOk());
+
+  const std::string file = test::Content(path);
+  ByteReader in(AsBytes(file));
+  in.Skip(44);
+  int peak = 0;
+  while (in.Remaining() >= 2) peak = std::max(peak, std::abs(static_cast<int>(in.I16Le())));
+  EXPECT_GT(peak, 300);
+}
+
+TEST(MidiOut, UnknownDevicesAreRefusedAndNullTakesAll) {
+  EXPECT_THAT(OpenMidiOutput("Kein solches Gerät"), FailsWith(Outcome::TargetFailed));
+  auto null = OpenMidiOutput("null");
+  ASSERT_THAT(null, IsOk());
+  EXPECT_THAT((*null)->Send(ShortMidiMessage(0x90, 60, 100)), IsOk());
+  EXPECT_THAT((*null)->Close(), IsOk());
+  EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xC5, 1)), 2U);
+  EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xE5, 1, 2)), 3U);
+}
+
+}  // namespace
+}  // namespace ts5
