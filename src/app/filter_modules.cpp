@@ -1,1 +1,30 @@
 #include "app/filter_modules.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace ts5 {
+namespace {
+
+// One line per filter.
+const std::vector<FilterModule>& Table() {
+  static const std::vector<FilterModule> table = [] {
+    std::vector<FilterModule> modules;
+    std::ranges::sort(modules, {}, &FilterModule::id);
+    return modules;
+  }();
+  return table;
+}
+
+}  // namespace
+
+std::span<const FilterModule> Modules() {
+  return Table();
+}
+
+const FilterModule* FindModule(FilterId id) {
+  const auto found = std::ranges::find(Table(), id, &FilterModule::id);
+  return found == Table().end() ? nullptr : &*found;
+}
+
+}  // namespace ts5
