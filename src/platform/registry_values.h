@@ -46,12 +46,16 @@ class RegistryValues {
     return AsBytes(value->data);
   }
 
-  void SetText(std::string_view name, std::string_view text) { Set(name, {RegistryValue::Kind::Text, std::string(text)}); }
+  void SetText(std::string_view name, std::string_view text) {
+    Set(name, {RegistryValue::Kind::Text, std::string(text)});
+  }
   void SetInteger(std::string_view name, std::int64_t value) { SetText(name, std::to_string(value)); }
   void SetBinary(std::string_view name, ByteView bytes) {
     Set(name, {RegistryValue::Kind::Binary, std::string(AsText(bytes))});
   }
-  void Set(std::string_view name, RegistryValue value) { values_.insert_or_assign(std::string(name), std::move(value)); }
+  void Set(std::string_view name, RegistryValue value) {
+    values_.insert_or_assign(std::string(name), std::move(value));
+  }
   bool Erase(std::string_view name) {
     const auto found = values_.find(name);
     if (found == values_.end()) return false;

@@ -51,7 +51,10 @@ Decoded DecodeUtf8(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const unsigned char first = byte(0);
   if (first < 0x80) return {first, 1, true};
-  const std::size_t length = first >= 0xF0 && first < 0xF5 ? 4 : first >= 0xE0 && first < 0xF0 ? 3 : first >= 0xC2 && first < 0xE0 ? 2 : 0;
+  const std::size_t length = first >= 0xF0 && first < 0xF5   ? 4
+                             : first >= 0xE0 && first < 0xF0 ? 3
+                             : first >= 0xC2 && first < 0xE0 ? 2
+                                                             : 0;
   if (length == 0 || length > text.size()) return {kReplacement, 1, false};
   char32_t c = first & (0xFFU >> (length + 1));
   for (std::size_t i = 1; i < length; ++i) {
@@ -138,7 +141,8 @@ std::string Windows1252FromUtf8(std::string_view text) {
       out += static_cast<char>(c);
       return;
     }
-    const auto* const found = std::ranges::find(kHighControls, c, [](char16_t known) { return char32_t{known}; });
+    const auto* const found =
+        std::ranges::find(kHighControls, c, [](char16_t known) { return char32_t{known}; });
     out += found == kHighControls.end() ? '?' : static_cast<char>(0x80 + (found - kHighControls.begin()));
   });
   return out;
@@ -191,8 +195,12 @@ std::string_view FirstCharacters(std::string_view text, std::size_t count) {
   return text.substr(0, length);
 }
 
-std::string ToLower(std::string_view text) { return MapCharacters(text, Lower); }
-std::string ToUpper(std::string_view text) { return MapCharacters(text, Upper); }
+std::string ToLower(std::string_view text) {
+  return MapCharacters(text, Lower);
+}
+std::string ToUpper(std::string_view text) {
+  return MapCharacters(text, Upper);
+}
 
 std::string LowerAfterFirst(std::string_view text) {
   const std::string_view first = FirstCharacters(text, 1);
@@ -200,18 +208,30 @@ std::string LowerAfterFirst(std::string_view text) {
 }
 
 std::weak_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
+  // Equal beginnings need no decoding, up to the last character that cannot have been cut.
+  auto equal = static_cast<std::size_t>(
+      std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(std::min(a.size(), b.size())),
+                    b.begin())
+          .first -
+      a.begin());
+  while (equal > 0 && static_cast<unsigned char>(a[equal - 1]) >= 0x80) --equal;
+  a.remove_prefix(equal);
+  b.remove_prefix(equal);
   while (!a.empty() && !b.empty()) {
     if (const auto order = TakeLower(a) <=> TakeLower(b); order != 0) return order;
   }
   return a.size() <=> b.size();
 }
 
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) { return CompareIgnoringCase(a, b) == 0; }
+bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
+  return CompareIgnoringCase(a, b) == 0;
+}
 
 std::vector<std::string_view> Split(std::string_view text, char separator) {
   std::vector<std::string_view> parts;
   std::size_t start = 0;
-  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator, start)) {
+  for (std::size_t end = text.find(separator); end != std::string_view::npos;
+       end = text.find(separator, start)) {
     parts.push_back(text.substr(start, end - start));
     start = end + 1;
   }
@@ -238,8 +258,12 @@ std::optional<Number> ParseWhole(std::string_view text) {
 
 }  // namespace
 
-std::optional<std::int64_t> ParseInteger(std::string_view text) { return ParseWhole<std::int64_t>(text); }
-std::optional<double> ParseNumber(std::string_view text) { return ParseWhole<double>(text); }
+std::optional<std::int64_t> ParseInteger(std::string_view text) {
+  return ParseWhole<std::int64_t>(text);
+}
+std::optional<double> ParseNumber(std::string_view text) {
+  return ParseWhole<double>(text);
+}
 
 std::int32_t LeadingInteger(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
@@ -266,6 +290,8 @@ std::string FormatPrintf(std::string_view format, std::initializer_list<FormatAr
   }
 }
 
-std::uint64_t TakeFormatFaults() { return formatFaults.exchange(0); }
+std::uint64_t TakeFormatFaults() {
+  return formatFaults.exchange(0);
+}
 
 }  // namespace ts5

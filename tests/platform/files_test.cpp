@@ -5,13 +5,12 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
-#include <functional>
 
+#include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -21,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using test::Content;
 using test::FailsWith;
+using test::InChild;
 using test::IsOk;
 using test::Listing;
 using test::TemporaryDirectory;
@@ -28,15 +28,6 @@ using test::TemporaryDirectory;
 mode_t ModeOf(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
-}
-
-// Runs the checks in a child process, which may change its limits or its user; its exit status is returned.
-int InChild(const std::function<bool()>& checks) {
-  const pid_t child = ::fork();
-  if (child == 0) ::_exit(checks() ? 0 : 1);
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(Files, ReadWhole) {

@@ -19,10 +19,10 @@ TEST(Text, EveryByteSurvivesTheCodePage) {
 
 TEST(Text, WhatHasNoPlaceBecomesAQuestionMark) {
   EXPECT_EQ(Windows1252FromUtf8("Dvořák Ω 𝄞"), "Dvo?\xE1k ? ?");
-  EXPECT_EQ(Windows1252FromUtf8("a\xC3"), "a?");                 // cut short
-  EXPECT_EQ(Windows1252FromUtf8("\xC0\xAF"), "??");              // overlong
-  EXPECT_EQ(Windows1252FromUtf8("\xED\xA0\x80"), "???");         // a surrogate
-  EXPECT_EQ(Windows1252FromUtf8("\xF5\x80\x80\x80"), "????");    // beyond Unicode
+  EXPECT_EQ(Windows1252FromUtf8("a\xC3"), "a?");               // cut short
+  EXPECT_EQ(Windows1252FromUtf8("\xC0\xAF"), "??");            // overlong
+  EXPECT_EQ(Windows1252FromUtf8("\xED\xA0\x80"), "???");       // a surrogate
+  EXPECT_EQ(Windows1252FromUtf8("\xF5\x80\x80\x80"), "????");  // beyond Unicode
 }
 
 TEST(Text, Utf16) {
