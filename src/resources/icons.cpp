@@ -12,6 +12,10 @@
 #include <array>
 #include <utility>
 
+#include "frame/file_types.h"
+#include "frame/filter_catalogue.h"
+#include "platform/text.h"
+
 // Outside of the namespace, as the toolkit asks for it.
 static void InitializeQrc() {
   Q_INIT_RESOURCE(resources);
@@ -38,29 +42,6 @@ constexpr std::array<std::pair<const char*, const char*>, 14> kInks{{
     {"#fefefe", "#1b2127"},  // writing on a coloured ground
 }};
 
-constexpr std::array<std::string_view, kStripSize / 2> kStrip{
-    "diskicon",         "cdicon",          "closeddiricon",     "opendiricon",
-    "nofilesicon",      "waveicon",        "mp3icon",           "mp2icon",
-    "midicon",          "stopicon",        "compicon",          "stvicon",
-    "txticon",          "devicon",         "nodevicon",         "rdlicon",
-    "filesicon",        "burnicon",        "noburnicon",        "mmicon",
-    "mmicon2",          "melodysearchresulticon", "interfaceicon", "nointerfaceicon",
-    "interfacesicon",   "paramseticon",    "nointerfacesicon",  "wmaicon",
-    "burnlogicon",      "cdtrackicon",     "wavdevicon",        "middevicon",
-    "closeddiricon_gray", "staveicon",     "printericon",       "noprintericon",
-    "printlogicon",     "nofilesicon1",    "mpgaicon",          "attributeconsticon",
-    "attributevaricon", "filepropicon",    "aificon",           "encoderparamicon",
-    "pictureicon",      "xmlicon",         "stvxicon",          "oggicon",
-    "apeicon"};
-constexpr int kNotSupported = 19;
-
-constexpr std::array<std::string_view, kFilterCount> kFilterIcons{
-    "filter_scoretomidi",   "filter_miditoscore",     "filter_scoresearch",   "filter_midisearch",
-    "filter_midiplayer",    "filter_midiconverter",   "filter_miditowave",    "filter_audioplayer",
-    "filter_waveconverter", "filter_audiocompressor", "filter_audiodecompressor", "filter_cdburner",
-    "filter_cdgrabber",     "filter_cdcopier",        "filter_scoreplayer",   "filter_artworker",
-    "filter_xmlconverter"};
-
 class IconEngine : public QIconEngine {
  public:
   IconEngine(QString name, QByteArray drawing) : name_(std::move(name)), drawing_(std::move(drawing)) {}
@@ -83,8 +64,12 @@ class IconEngine : public QIconEngine {
  private:
   [[nodiscard]] QPixmap Rendered(const QSize& size, QIcon::Mode mode) const {
     const bool dark = IsDarkPalette();
-    const QString cached =
-        QStringLiteral("ts5/%1/%2x%3/%4%5").arg(name_).arg(size.width()).arg(size.height()).arg(int(mode)).arg(int(dark));
+    const QString cached = QStringLiteral("ts5/%1/%2x%3/%4%5")
+                               .arg(name_)
+                               .arg(size.width())
+                               .arg(size.height())
+                               .arg(int(mode))
+                               .arg(int(dark));
     QPixmap pixmap;
     if (QPixmapCache::find(cached, &pixmap)) return pixmap;
 
@@ -125,17 +110,13 @@ QIcon Icon(std::string_view name) {
   return icon;
 }
 
-std::string_view StripName(int index) {
-  const int known = index >= 0 && index < kStripSize ? index : kNotSupported;
-  return kStrip[static_cast<std::size_t>(known / 2)];
-}
-
 QIcon StripIcon(int index) {
-  return Icon(StripName(index));
+  const std::string_view name = FileIconName(index);
+  return Icon(ToLower(name.empty() ? FileIconName(FileTypeId::Unsupported) : name));
 }
 
 QIcon FilterIcon(FilterId id) {
-  return IsFilter(id) ? Icon(kFilterIcons[static_cast<std::size_t>(id)]) : QIcon();
+  return IsFilter(id) ? Icon("filter_" + ToLower(Descriptor(id).identifier)) : QIcon();
 }
 
 bool IsDarkPalette() {

@@ -23,9 +23,6 @@ void InitializeResources();
 // The icon at an index of the file-icon strip. Every drawing has two indices, so a file type's number is the
 // index of its icon; an index beyond the strip gives the icon of files that are not supported.
 [[nodiscard]] QIcon StripIcon(int index);
-// Number of indices of the strip, and the name of the drawing at one, e.g. "midicon".
-inline constexpr int kStripSize = 98;
-[[nodiscard]] std::string_view StripName(int index);
 
 // The icon of a filter, for its tile.
 [[nodiscard]] QIcon FilterIcon(FilterId id);
