@@ -1,9 +1,13 @@
 # A room is one library below src/: its logic, and beside it (never inside it) its windows in <room>/ui.
 
-# What a target with windows needs: moc, and the dialog templates compiled as ui_NAME.h.
+# What a target with windows needs: moc, and the dialog templates compiled as ui_NAME.h. Naming the files makes
+# moc and uic run again when one is added, which the build would otherwise not notice.
 function(ts5_windows target)
+  get_target_property(sources ${target} SOURCES)
+  file(GLOB templates CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/resources/dialogs/*.ui)
   set_target_properties(${target} PROPERTIES
-    AUTOMOC ON AUTOUIC ON AUTOUIC_SEARCH_PATHS ${CMAKE_SOURCE_DIR}/src/resources/dialogs)
+    AUTOMOC ON AUTOUIC ON AUTOUIC_SEARCH_PATHS ${CMAKE_SOURCE_DIR}/src/resources/dialogs
+    AUTOGEN_TARGET_DEPENDS "${sources};${templates}")
 endfunction()
 
 # ts5_room(NAME [DEPENDS room...] [PUBLIC_LIBRARIES lib...] [PRIVATE_LIBRARIES lib...])

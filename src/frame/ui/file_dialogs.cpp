@@ -1,0 +1,121 @@
+#include "frame/ui/file_dialogs.h"
+
+#include <QAbstractButton>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QStringList>
+
+#include "frame/filter_catalogue.h"
+#include "frame/ui/qt_text.h"
+
+namespace ts5 {
+namespace {
+
+enum class Kind { Open, Save, SaveUnasked, Directory };
+
+// Paths are byte strings; a name that is not UTF-8 goes through the toolkit's own decoding unharmed.
+QString PathText(const std::string& path) {
+  return QFile::decodeName(QByteArray::fromStdString(path));
+}
+
+std::string PathBytes(const QString& path) {
+  return QFile::encodeName(QDir::cleanPath(path)).toStdString();
+}
+
+// Starts at the nearest directory that exists, with the file name of the preset.
+void StartAt(QFileDialog& dialog, const std::string& start, Kind kind) {
+  QString directory = PathText(start);
+  QString name;
+  if (!QFileInfo(directory).isDir()) {
+    name = QFileInfo(directory).fileName();
+    directory = QFileInfo(directory).path();
+    if (start.find('/') == std::string::npos) directory = QDir::homePath();
+  }
+  while (!QFileInfo(directory).isDir() && directory != QFileInfo(directory).path()) {
+    directory = QFileInfo(directory).path();
+  }
+  dialog.setDirectory(directory);
+  if (kind != Kind::Directory && !name.isEmpty() && !name.contains('*')) dialog.selectFile(name);
+}
+
+std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost* host, QWidget* parent) {
+  QFileDialog dialog(parent, question.title);
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setObjectName(QStringLiteral("fileDialog"));
+  dialog.setAcceptMode(kind == Kind::Save || kind == Kind::SaveUnasked ? QFileDialog::AcceptSave
+                                                                       : QFileDialog::AcceptOpen);
+  dialog.setFileMode(kind == Kind::Directory ? QFileDialog::Directory
+                     : kind == Kind::Open    ? QFileDialog::ExistingFile
+                                             : QFileDialog::AnyFile);
+  dialog.setOption(QFileDialog::ShowDirsOnly, kind == Kind::Directory);
+  dialog.setOption(QFileDialog::DontConfirmOverwrite, kind == Kind::SaveUnasked);
+  if (kind != Kind::Directory) dialog.setNameFilters(DialogFilters(question.filter));
+
+  dialog.setLabelText(QFileDialog::LookIn, QtText(TextId::DialogLookIn));
+  dialog.setLabelText(QFileDialog::FileName,
+                      QtText(kind == Kind::Directory ? TextId::DialogDirectory : TextId::DialogFileName));
+  dialog.setLabelText(QFileDialog::FileType, QtText(TextId::DialogFileType));
+  dialog.setLabelText(QFileDialog::Accept, QtText(kind == Kind::Directory ? TextId::DialogChoose
+                                                  : kind == Kind::Open    ? TextId::DialogOpen
+                                                                          : TextId::DialogSave));
+  dialog.setLabelText(QFileDialog::Reject, QtText(TextId::ButtonCancel));
+  StartAt(dialog, question.start, kind);
+
+  const auto filters = ParseFileFilter(question.filter);
+  if (kind != Kind::Open && kind != Kind::Directory && filters.size() == 1 &&
+      filters.front().patterns.size() == 1) {
+    dialog.setDefaultSuffix(QFileInfo(ToQt(filters.front().patterns.front())).suffix().toLower());
+  }
+  if (auto* box = dialog.findChild<QDialogButtonBox*>(); box != nullptr && host != nullptr) {
+    if (!question.helpTopic.isEmpty()) {
+      const auto* help = box->addButton(QtText(TextId::ButtonHelp), QDialogButtonBox::HelpRole);
+      QObject::connect(help, &QAbstractButton::clicked, &dialog,
+                       [host, topic = question.helpTopic] { host->OpenHelp(topic); });
+    }
+  }
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  return PathBytes(dialog.selectedFiles().constFirst());
+}
+
+}  // namespace
+
+QStringList DialogFilters(std::string_view filter) {
+  QStringList filters;
+  for (const FileFilter& row : ParseFileFilter(filter)) {
+    QStringList patterns;
+    // The file names of this system tell case apart, the file types do not.
+    for (const std::string& pattern : row.patterns) {
+      const QString lower = ToQt(pattern).toLower();
+      patterns << lower << lower.toUpper();
+    }
+    patterns.removeDuplicates();
+    const QString label = ToQt(row.label).section(QStringLiteral(" ("), 0, 0);
+    filters << QStringLiteral("%1 (%2)").arg(
+        label, patterns.contains(QStringLiteral("*.*")) ? QStringLiteral("*") : patterns.join(' '));
+  }
+  return filters;
+}
+
+std::optional<std::string> AskFileToOpen(const FileQuestion& question, DialogHost& host, QWidget* parent) {
+  return Ask(question, Kind::Open, &host, parent);
+}
+
+std::optional<std::string> AskFileToSave(const FileQuestion& question, DialogHost& host, QWidget* parent) {
+  return Ask(question, Kind::Save, &host, parent);
+}
+
+std::optional<std::string> AskDestination(const FileQuestion& question, DialogHost& host, QWidget* parent) {
+  return Ask(question, Kind::SaveUnasked, &host, parent);
+}
+
+std::optional<std::string> AskDirectory(const QString& title, std::string& folder, QWidget* parent) {
+  auto chosen =
+      Ask({.title = title, .start = folder, .filter = {}, .helpTopic = {}}, Kind::Directory, nullptr, parent);
+  if (chosen) folder = *chosen;
+  return chosen;
+}
+
+}  // namespace ts5
