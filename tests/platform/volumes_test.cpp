@@ -1,0 +1,118 @@
+#include "platform/volumes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/directories.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::string_view kMounts =
+    "26 1 254:0 / / rw,relatime - ext4 /dev/vda rw\n"
+    "24 23 0:22 / /dev/shm rw - tmpfs tmpfs rw\n"
+    "50 26 8:17 / /media/anna/USB\\040STICK rw,nosuid shared:5 master:1 - vfat /dev/sdb1 rw\n"
+    "51 26 11:0 / /media/anna/MOZART ro - iso9660 /dev/sr1 ro\n"
+    "52 26 0:60 / /mnt/noten rw - nfs4 server:/noten rw\n"
+    "53 26 0:61 / /mnt/tmp rw - tmpfs tmpfs rw\n"
+    "54 26 8:33 / /mnt/noten rw - ext4 /dev/sdc1 rw\n"
+    "55 26 0:99 / /media/x\n"
+    "broken line -\n";
+
+TEST(Volumes, LettersInOrder) {
+  const VolumeTable table = VolumeTable::Of("/home/anna/", kMounts, {"/dev/sr0", "/dev/sr1"});
+  const std::vector<Volume> expected = {
+      {Volume::Kind::Home, "Persönlicher Ordner", "/home/anna", ""},
+      {Volume::Kind::Root, "Dateisystem", "/", ""},
+      {Volume::Kind::Medium, "USB STICK", "/media/anna/USB STICK", "/dev/sdb1"},
+      {Volume::Kind::Medium, "noten", "/mnt/noten", "/dev/sdc1"},
+      {Volume::Kind::Optical, "CD-Laufwerk", "", "/dev/sr0"},
+      {Volume::Kind::Optical, "MOZART", "/media/anna/MOZART", "/dev/sr1"},
+  };
+  EXPECT_EQ(table.Volumes(), expected);
+  EXPECT_EQ(table.DisplayText(0), "Persönlicher Ordner (c:)");
+  EXPECT_EQ(table.DisplayText(5), "MOZART (h:)");
+  EXPECT_EQ(table.DisplayText(6), "");
+  for (int drive = 0; drive < 6; ++drive) EXPECT_EQ(DriveOfText(table.DisplayText(drive)), drive);
+
+  EXPECT_EQ(table.DriveOfPath("/home/anna/Musik"), 0);
+  EXPECT_EQ(table.DriveOfPath("/home/annabell"), 1);
+  EXPECT_EQ(table.DriveOfPath("/media/anna/USB STICK"), 2);
+  EXPECT_EQ(table.DriveOfPath("relativ"), kNoDrive);
+}
+
+TEST(Volumes, LettersAndTexts) {
+  EXPECT_EQ(DriveOfText("C:\\Musik"), 0);
+  EXPECT_EQ(DriveOfText("d:"), 1);
+  EXPECT_EQ(DriveOfText("Meine (z:)"), 23);
+  for (const char* none : {"", "a:", "(c:) Platte", "----- Freie Dateiliste -----", "c:x", "(1:)", ":)"}) {
+    EXPECT_EQ(DriveOfText(none), kNoDrive) << none;
+  }
+}
+
+TEST(Volumes, NoMoreThanTheAlphabet) {
+  std::string mounts;
+  for (int i = 0; i < 40; ++i)
+    mounts += "1 1 8:1 / /media/m" + std::to_string(i) + " rw - vfat /dev/sdx rw\n";
+  EXPECT_EQ(VolumeTable::Of("/root", mounts, {}).Volumes().size(), 24U);
+}
+
+TEST(Volumes, PathsAreFoundWithoutRegardToCase) {
+  const test::TemporaryDirectory home;
+  for (const char* name : {"Musik/Größe.mid", "Musik/LIED.mid", "Musik/Lied.mid", "datei"})
+    home.Write(name, "x");
+  const VolumeTable table = VolumeTable::Of(home.Path(), "", {"/dev/sr0"});
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"c:\\musik\\GRÖSSE.MID", ""},  // ß is no SS
+      {"C:\\MUSIK\\GRÖßE.MID", "Musik/Größe.mid"},
+      {"c:/Musik/Lied.mid", "Musik/Lied.mid"},
+      {"c:\\musik\\lied.MID", "Musik/LIED.mid"},
+      {"c:musik\\..\\Datei", "datei"},
+      {"c:\\..\\..\\datei\\", "datei"},
+      {"c:\\datei\\x", ""},
+      {"c:\\nichts\\Musik", ""},
+      {"e:\\", ""},  // no disc
+      {"x:\\datei", ""},
+      {"datei", ""},
+      {"", ""},
+  };
+  for (const auto& [path, expected] : cases) {
+    const auto found = table.FindPath(path);
+    EXPECT_EQ(found.value_or(""), expected.empty() ? "" : home.File(expected)) << path;
+  }
+  EXPECT_EQ(table.FindPath("c:\\"), home.Path());
+  EXPECT_EQ(table.FindPath("d:" + home.File("DATEI")), home.File("datei"));
+  EXPECT_EQ(table.FindPath(home.File("datei")), home.File("datei"));
+  EXPECT_EQ(table.NativePath("c:\\musik\\Neu\\a.MID"), home.File("Musik/Neu/a.MID"));
+  EXPECT_EQ(table.NativePath("x:\\a"), std::nullopt);
+}
+
+TEST(Volumes, ThisMachineHasItsHomeAndRoot) {
+  const VolumeTable table = VolumeTable::OfThisMachine();
+  ASSERT_GE(table.Volumes().size(), 2U);
+  EXPECT_EQ(table.Volumes()[0].path, HomeDirectory());
+  EXPECT_EQ(table.FindPath("d:\\PROC\\Self"), "/proc/self");
+}
+
+TEST(Directories, FollowTheBaseDirectoryRules) {
+  const test::TemporaryDirectory home;
+  const std::string realHome = HomeDirectory();
+  ::setenv("HOME", home.Path().c_str(), 1);
+  ::setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
+  ::setenv("XDG_DATA_HOME", "/daten", 1);
+  EXPECT_EQ(ConfigurationDirectory(), home.File(".config/stavora-ts5"));
+  EXPECT_EQ(ProgramDirectory(), "/daten/stavora-ts5");
+  ::unsetenv("XDG_CONFIG_HOME");
+  ::unsetenv("XDG_DATA_HOME");
+  EXPECT_EQ(ConfigurationDirectory(), home.File(".config/stavora-ts5"));
+  EXPECT_EQ(ProgramDirectory(), home.File(".local/share/stavora-ts5"));
+  EXPECT_TRUE(std::filesystem::exists(InstalledDirectory() + "/strings.def"))
+      << "not installed: the source tree";
+  ::setenv("HOME", realHome.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace ts5
