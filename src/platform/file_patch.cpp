@@ -29,26 +29,15 @@ Result<FilePatch> FilePatch::Open(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return Failure(Outcome::SourceFailed);
   if ((status.st_mode & S_IWUSR) == 0) (void)chmod(path.c_str(), (status.st_mode & 07777) | S_IWUSR);
-  const int descriptor = open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK);
-  if (descriptor < 0) return Failure(Outcome::SourceFailed);
-  return FilePatch(descriptor);
-}
-
-FilePatch::FilePatch(FilePatch&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-
-FilePatch& FilePatch::operator=(FilePatch&& other) noexcept {
-  std::swap(descriptor_, other.descriptor_);
-  return *this;
-}
-
-FilePatch::~FilePatch() {
-  if (descriptor_ >= 0) close(descriptor_);
+  Descriptor descriptor(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+  if (!descriptor) return Failure(Outcome::SourceFailed);
+  return FilePatch(std::move(descriptor));
 }
 
 Result<Bytes> FilePatch::ReadAt(std::uint64_t offset, std::size_t count) const {
   Bytes bytes(count);
   const bool whole = TransferAll(count, [&](std::size_t done, std::size_t left) {
-    return pread(descriptor_, bytes.data() + done, left, static_cast<off_t>(offset + done));
+    return pread(descriptor_.Get(), bytes.data() + done, left, static_cast<off_t>(offset + done));
   });
   if (!whole) return Failure(Outcome::ReadFailed);
   return bytes;
@@ -56,7 +45,7 @@ Result<Bytes> FilePatch::ReadAt(std::uint64_t offset, std::size_t count) const {
 
 Outcome FilePatch::WriteAt(std::uint64_t offset, ByteView bytes) const {
   const bool whole = TransferAll(bytes.size(), [&](std::size_t done, std::size_t left) {
-    return pwrite(descriptor_, bytes.data() + done, left, static_cast<off_t>(offset + done));
+    return pwrite(descriptor_.Get(), bytes.data() + done, left, static_cast<off_t>(offset + done));
   });
   return whole ? Outcome::Success : Outcome::WriteFailed;
 }

@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "platform/bytes.h"
+#include "platform/descriptor.h"
 #include "platform/outcome.h"
 
 namespace ts5 {
@@ -15,17 +17,13 @@ class FilePatch {
   // Gives the owner write permission first when it is missing (and leaves it so). SourceFailed: it is not a
   // regular file, or cannot be opened for reading and writing.
   [[nodiscard]] static Result<FilePatch> Open(const std::string& path);
-  FilePatch(FilePatch&& other) noexcept;
-  FilePatch& operator=(FilePatch&& other) noexcept;
-  ~FilePatch();
-
   // Exactly count bytes; ReadFailed when the file holds fewer.
   [[nodiscard]] Result<Bytes> ReadAt(std::uint64_t offset, std::size_t count) const;
   [[nodiscard]] Outcome WriteAt(std::uint64_t offset, ByteView bytes) const;  // WriteFailed on a short write
 
  private:
-  explicit FilePatch(int descriptor) : descriptor_(descriptor) {}
-  int descriptor_ = -1;
+  explicit FilePatch(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+  Descriptor descriptor_;
 };
 
 }  // namespace ts5

@@ -1,0 +1,192 @@
+#include "frame/directory_listing.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "frame/filter_catalogue.h"
+#include "platform/paths.h"
+#include "platform/strings.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kBatchSize = 1000;
+
+using PatternRanks = std::map<std::string, std::size_t, LessIgnoringCase>;
+
+// The place of each listed extension in the order of the patterns. Made anew for each listing: a thread that
+// waits for a disc may outlive everything static.
+PatternRanks MakeRanks() {
+  PatternRanks ranks;
+  for (const std::string& pattern : ListedPatterns()) ranks.emplace(ExtensionOf(pattern), ranks.size());
+  return ranks;
+}
+
+struct FoundFile {
+  std::size_t rank;
+  std::string sortKey;
+  std::string name;
+};
+
+void Deliver(std::vector<FoundFile> files, const std::stop_token& stop, const ItemSink& sink) {
+  std::ranges::sort(files, {}, [](const FoundFile& f) { return std::tie(f.rank, f.sortKey, f.name); });
+  std::vector<DirectoryItem> batch;
+  for (FoundFile& file : files) {
+    if (stop.stop_requested()) return;
+    const FileTypeId type = FileTypeOf(file.name);
+    batch.push_back({std::move(file.name), type});
+    if (batch.size() == kBatchSize) sink(std::exchange(batch, {}));
+  }
+  if (!batch.empty()) sink(std::move(batch));
+}
+
+void DeliverTracks(const std::vector<std::uint32_t>& seconds, const ItemSink& sink) {
+  std::vector<DirectoryItem> items;
+  for (std::size_t i = 0; i < seconds.size(); ++i) {
+    items.push_back({Format(Text(TextId::TrackName), i + 1), FileTypeId::CdTrack, true, seconds[i]});
+  }
+  if (!items.empty()) sink(std::move(items));
+}
+
+// Calls visit with every entry until it returns false. False when the directory cannot be opened or breaks
+// off; opened tells the two apart.
+template <typename Visit>
+bool ForEachEntry(const std::string& directory, bool& opened, Visit visit) {
+  std::error_code error;
+  fs::directory_iterator entry(directory, error);
+  opened = !error;
+  while (!error && entry != fs::directory_iterator()) {
+    if (!visit(*entry)) return true;
+    entry.increment(error);
+  }
+  return !error;
+}
+
+bool IsDirectoryEntry(const fs::directory_entry& entry) {
+  std::error_code error;
+  return entry.is_directory(error) && !error;
+}
+
+bool IsTreeDirectory(const fs::directory_entry& entry) {
+  const std::string name = entry.path().filename().string();
+  return !name.starts_with('.') && IsDirectoryEntry(entry) && IsUsablePath(entry.path().native());
+}
+
+}  // namespace
+
+std::vector<std::string> ListedPatterns() {
+  return ParseFileFilter(Text(TextId::FileFilterMedia)).at(0).patterns;
+}
+
+ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,
+                         const std::stop_token& stop, const ItemSink& sink) {
+  if (const auto tracks = audioCd ? audioCd(directory) : std::nullopt) {
+    if (stop.stop_requested()) return {Outcome::Cancelled};
+    DeliverTracks(*tracks, sink);
+    return {};
+  }
+
+  const PatternRanks ranks = MakeRanks();
+  ListingEnd end;
+  std::vector<FoundFile> files;
+  bool opened = false;
+  const bool complete = ForEachEntry(directory, opened, [&](const fs::directory_entry& entry) {
+    std::string name = entry.path().filename().string();
+    const auto rank = ranks.find(ExtensionOf(name));
+    if (rank == ranks.end() || IsDirectoryEntry(entry)) return !stop.stop_requested();
+    if (IsUsablePath(entry.path().native())) {
+      files.push_back({rank->second, ToLower(name), std::move(name)});
+    } else {
+      ++end.refused;
+    }
+    return !stop.stop_requested();
+  });
+  Deliver(std::move(files), stop, sink);
+  if (stop.stop_requested()) {
+    end.outcome = Outcome::Cancelled;
+  } else if (!complete) {
+    end.outcome = opened ? Outcome::ReadFailed : Outcome::SourceFailed;
+  }
+  return end;
+}
+
+// Shared with the worker, which may outlive the lister when the disc does not answer.
+struct DirectoryLister::Job {
+  std::stop_source stop;
+  std::mutex mutex;
+  Post post;  // taken away by Cancel(): the event loop may be gone from then on
+
+  void Send(std::function<void()> event) {
+    const std::lock_guard lock(mutex);
+    if (post) post(std::move(event));
+  }
+};
+
+DirectoryLister::DirectoryLister(Post post, AudioCdQuery audioCd)
+    : post_(std::move(post)), audioCd_(std::move(audioCd)) {}
+
+DirectoryLister::~DirectoryLister() {
+  Cancel();
+}
+
+bool DirectoryLister::Start(const std::string& directory, ItemSink sink,
+                            std::function<void(ListingEnd)> end) {
+  if (Running()) return false;
+  job_ = std::make_shared<Job>();
+  job_->post = post_;
+  // Events of a listing that was cancelled meanwhile are dropped where they arrive: there the stop request is
+  // seen.
+  const auto deliver = [job = job_, sink = std::move(sink)](std::vector<DirectoryItem> batch) {
+    job->Send([job, sink, batch = std::move(batch)]() mutable {
+      if (!job->stop.stop_requested()) sink(std::move(batch));
+    });
+  };
+  std::thread([this, job = job_, directory, audioCd = audioCd_, deliver, end = std::move(end)] {
+    const ListingEnd result = ListDirectory(directory, audioCd, job->stop.get_token(), deliver);
+    job->Send([this, job, end, result] {
+      if (job->stop.stop_requested()) return;
+      job_.reset();
+      end(result);
+    });
+  }).detach();
+  return true;
+}
+
+void DirectoryLister::Cancel() {
+  const std::shared_ptr<Job> job = std::exchange(job_, nullptr);
+  if (!job) return;
+  job->stop.request_stop();
+  const std::lock_guard lock(job->mutex);
+  job->post = nullptr;
+}
+
+bool HasSubdirectories(const std::string& directory) {
+  bool found = false;
+  bool opened = false;
+  (void)ForEachEntry(directory, opened, [&](const fs::directory_entry& entry) {
+    found = IsTreeDirectory(entry);
+    return !found;
+  });
+  return found;
+}
+
+std::vector<std::string> Subdirectories(const std::string& directory) {
+  std::vector<std::string> names;
+  bool opened = false;
+  (void)ForEachEntry(directory, opened, [&](const fs::directory_entry& entry) {
+    if (IsTreeDirectory(entry)) names.push_back(entry.path().filename().string());
+    return true;
+  });
+  std::ranges::sort(names, LessIgnoringCase{});
+  return names;
+}
+
+}  // namespace ts5

@@ -1,0 +1,134 @@
+#include "frame/file_drop.h"
+
+#include <algorithm>
+
+#include "platform/casts.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::uint64_t kUnitsPerSecond = 10'000'000;  // of 100 ns
+constexpr int kMaxTrack = 99;
+
+std::string CleanDriveName(std::string_view name) {
+  std::string clean(Trim(name));
+  std::ranges::replace_if(
+      clean, [](char c) { return c == '.' || c == ':'; }, ' ');
+  return clean;
+}
+
+// Nothing when the file is not taken at all.
+std::optional<FileListEntry> EntryFor(const std::string& path, const DropEnvironment& environment) {
+  if (FileTypeOf(path) != FileTypeId::CdTrack) return FileListEntry{path};
+  const auto track = TrackNumberOf(FileNameOf(path));
+  const auto drive = track && environment.driveOf ? environment.driveOf(path) : std::nullopt;
+  if (!drive) return std::nullopt;
+  return FileListEntry{CdTrackEntry(*drive, *track), true};
+}
+
+bool IsTaken(const FileListEntry& entry, FilterId filter) {
+  if (!IsUsablePath(entry.path)) return false;
+  if (entry.cdTrack) return true;
+  const FileTypeId type = FileTypeOf(entry.path);
+  if (type == FileTypeId::Unsupported || type == FileTypeId::CdTrack) return false;
+  if (type == FileTypeId::Score && filter == FilterId::CdBurner) return false;
+  return !IsDirectory(entry.path);
+}
+
+std::uint32_t WholeSeconds(std::uint64_t units) {
+  return std::max(std::uint32_t{1}, ClampTo<std::uint32_t>(units / kUnitsPerSecond));
+}
+
+class Dropper {
+ public:
+  Dropper(FreeFileList& list, FilterId filter, const DropEnvironment& environment)
+      : list_(list), burner_(filter == FilterId::CdBurner), filter_(filter), environment_(environment) {}
+
+  void Reject() { ++result_.rejected; }
+
+  // False when the list takes no more.
+  bool Add(FileListEntry entry) {
+    if (!IsTaken(entry, filter_)) {
+      Reject();
+      return true;
+    }
+    if (burner_) {
+      if (list_.Size() >= kMaxBurnerEntries) {
+        result_.messages.push_back({TextId::TooManyTracks, std::string(Text(TextId::TooManyTracks))});
+        return false;
+      }
+      entry.duration = WholeSeconds(environment_.durationOf ? environment_.durationOf(entry) : 0);
+      entry.pause = 0;
+    }
+    list_.Append(std::move(entry));
+    ++result_.added;
+    return true;
+  }
+
+  DropResult Finish() {
+    if (result_.rejected > 0) {
+      result_.messages.push_back(
+          {TextId::FilesRejected, Format(Text(TextId::FilesRejected), result_.rejected)});
+    }
+    return std::move(result_);
+  }
+
+ private:
+  FreeFileList& list_;
+  bool burner_;
+  FilterId filter_;
+  const DropEnvironment& environment_;
+  DropResult result_;
+};
+
+}  // namespace
+
+std::string CdTrackEntry(const DriveName& drive, int track) {
+  return Format(Text(TextId::DriveTrackNumber), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
+                track);
+}
+
+std::string CdTrackEntry(const DriveName& drive, std::string_view trackName) {
+  return Format(Text(TextId::DriveTrackName), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
+                trackName);
+}
+
+std::optional<int> TrackNumberOf(std::string_view cdaName) {
+  const std::string_view stem = WithoutExtension(cdaName);
+  const std::size_t end = stem.find_last_not_of("0123456789");
+  const auto number = ParseInteger(stem.substr(end == std::string_view::npos ? 0 : end + 1));
+  if (!number || *number < 1 || *number > kMaxTrack) return std::nullopt;
+  return static_cast<int>(*number);
+}
+
+DropResult DropFiles(FreeFileList& list, FilterId filter, const std::vector<std::string>& paths,
+                     const DropEnvironment& environment) {
+  Dropper dropper(list, filter, environment);
+  for (const std::string& path : paths) {
+    auto entry = EntryFor(path, environment);
+    if (!entry) {
+      dropper.Reject();
+    } else if (!dropper.Add(std::move(*entry))) {
+      break;
+    }
+  }
+  return dropper.Finish();
+}
+
+DropResult DropEntries(FreeFileList& list, FilterId filter, std::vector<FileListEntry> entries,
+                       const DropEnvironment& environment) {
+  Dropper dropper(list, filter, environment);
+  for (FileListEntry& entry : entries) {
+    if (!dropper.Add(std::move(entry))) break;
+  }
+  return dropper.Finish();
+}
+
+UserMessage DropWithoutList() {
+  return {TextId::NoWindowForFiles, std::string(Text(TextId::NoWindowForFiles))};
+}
+
+}  // namespace ts5

@@ -1,0 +1,100 @@
+#include "frame/file_view.h"
+
+#include <array>
+
+#include "platform/paths.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+constexpr auto kListColumns = std::to_array<ColumnTitle>({
+    {FileColumn::Name, TextId::FileColumnName},
+    {FileColumn::Directory, TextId::FileColumnDirectory},
+    {FileColumn::Time, TextId::FileColumnTime},
+    {FileColumn::Pause, TextId::FileColumnPause},
+});
+constexpr auto kAudioCdColumns = std::to_array<ColumnTitle>({
+    {FileColumn::Name, TextId::FileColumnTracks},
+    {FileColumn::Time, TextId::FileColumnTime},
+});
+
+constexpr std::int32_t kDriveCount = 'z' - 'c' + 1;
+
+}  // namespace
+
+std::span<const ColumnTitle> ListColumns(FilterId filter) {
+  return std::span(kListColumns).first(filter == FilterId::CdBurner ? 4 : 2);
+}
+
+std::span<const ColumnTitle> DirectoryColumns(bool audioCd) {
+  if (audioCd) return kAudioCdColumns;
+  return std::span(kListColumns).first(1);
+}
+
+std::string ColumnText(const FileListEntry& entry, FileColumn column) {
+  switch (column) {
+    case FileColumn::Name:
+      return std::string(FileNameOf(entry.path));
+    case FileColumn::Directory:
+      return std::string(DirectoryOf(entry.path));
+    case FileColumn::Time:
+      return TimeText(entry.duration);
+    case FileColumn::Pause:
+      return std::to_string(entry.pause);
+  }
+  return {};
+}
+
+std::string TimeText(std::uint32_t seconds) {
+  return Format(Text(TextId::MinutesAndSeconds), seconds / 60, seconds % 60);
+}
+
+char DriveLetter(std::int32_t driveIndex) {
+  return driveIndex >= 0 && driveIndex < kDriveCount ? static_cast<char>('c' + driveIndex) : '?';
+}
+
+std::optional<std::int32_t> DriveIndexOf(char letter) {
+  if (letter >= 'C' && letter <= 'Z') return letter - 'C';
+  if (letter >= 'c' && letter <= 'z') return letter - 'c';
+  return std::nullopt;
+}
+
+std::string DriveText(std::string_view label, std::int32_t driveIndex) {
+  std::string text(Trim(label));
+  if (!text.empty()) text += ' ';
+  return text + '(' + DriveLetter(driveIndex) + ":)";
+}
+
+std::optional<std::int32_t> DriveIndexFromText(std::string_view driveText) {
+  if (driveText.size() < 4 || !driveText.ends_with(":)") || driveText[driveText.size() - 4] != '(')
+    return std::nullopt;
+  return DriveIndexOf(driveText[driveText.size() - 3]);
+}
+
+std::string DriveFailedText(std::int32_t driveIndex) {
+  return Format(Text(TextId::DriveFailed), std::string{DriveLetter(driveIndex), ':'});
+}
+
+std::string TreeRootText(std::int32_t driveIndex) {
+  return Format(Text(TextId::TreeRoot), DriveLetter(driveIndex));
+}
+
+std::optional<std::int32_t> SwitchedSourceDrive(std::int32_t current, std::string_view sourcePath,
+                                                std::int32_t driveOfSourcePath, bool preparingPlayback) {
+  if (preparingPlayback) return std::nullopt;
+  if (current != kListModeDrive) return kListModeDrive;
+  if (sourcePath.empty()) return std::nullopt;
+  return driveOfSourcePath;
+}
+
+std::string DeleteQuestion(bool listMode, std::size_t count, std::string_view name) {
+  if (count == 1) return Format(Text(listMode ? TextId::AskRemoveEntry : TextId::AskDeleteFile), name);
+  return Format(Text(listMode ? TextId::AskRemoveEntries : TextId::AskDeleteFiles), count);
+}
+
+std::string FileNotDeletedText(std::string_view path) {
+  return Format(Text(TextId::FileNotDeleted), path);
+}
+
+}  // namespace ts5
