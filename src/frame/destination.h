@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "frame/filter_id.h"
+#include "frame/job.h"
 #include "platform/outcome.h"
 #include "platform/strings.h"
 
@@ -49,9 +49,8 @@ struct DestinationMode {
   bool editable = false;   // the user may edit the destination field
   bool operator==(const DestinationMode&) const = default;
 };
-// listMode: the job works on its free file list.
-[[nodiscard]] DestinationMode DestinationModeOf(FilterId filter, std::size_t items, bool listMode,
-                                                bool noPreset);
+// Several items allow automatic names only; one item allows an edited one as well.
+[[nodiscard]] DestinationMode DestinationModeOf(const Job& job, bool noPreset);
 
 // What a filter says about the target of one source.
 struct TargetRule {

@@ -9,9 +9,10 @@
 // names and their numbers, questions and their order) is what one after the other gives: names are settled
 // and targets are put in place in the order of the items.
 //
-// When a target turns out to be the source itself: with the suffix rule switched off and the format kept, the
-// settings say to convert in place, and the source is replaced in one step once its conversion is complete.
-// In every other case an automatic name is numbered instead, so that no source is lost by surprise.
+// When a target turns out to be the source itself: with the format kept and the suffix rule switched off, or
+// with a name chosen by hand, the user said to convert in place, and the source is replaced in one step once
+// its conversion is complete. In every other case an automatic name is numbered instead, so that no source is
+// lost by surprise.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +20,7 @@
 #include <span>
 #include <string>
 
-#include "frame/parameters.h"
+#include "frame/filter_module.h"
 #include "frame/remarks.h"
 #include "platform/files.h"
 #include "platform/outcome.h"
@@ -52,9 +53,14 @@ struct ItemFilter {
   // run.
   std::function<Outcome(ItemWork&)> convert;
   std::span<const Remark> remarks = ConversionRemarks();
-  // After an item's target is in place; for what is done with a finished file.
-  std::function<void(Run&, std::size_t item, const std::string& target)> converted = {};
+  unsigned workers = 0;  // threads for independent items; 0: one per core
 };
+};
+
+// The name that the destination field shows for the job's first item: the automatic one, numbered as a run
+// would number it now. "" when the filter makes no files.
+[[nodiscard]] std::string AutomaticDestination(const Job& job, const FilterModule& module,
+                                               const DestinationRules& rules, const DestinationFiles& files);
 
 // Fills run.Result(): line 1 the successes, line 2 all others.
 void RunItems(Run& run, const ItemFilter& filter);

@@ -25,8 +25,6 @@ namespace ts5 {
 
 // Progress events closer together than this are left out.
 inline constexpr std::chrono::milliseconds kProgressInterval{50};
-// How often a waiting run looks at its cancel request.
-inline constexpr std::chrono::milliseconds kCancelPoll{20};
 
 struct RunSetup {
   Job job;  // the run's own copy
@@ -91,7 +89,7 @@ class Run {
   void Finish();
 
  private:
-  void SendProgress(const RunProgress& progress);
+  void SendProgress();  // under hostMutex_
 
   RunSetup setup_;
   const FilterModule* module_;

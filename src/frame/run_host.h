@@ -4,12 +4,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
 
+#include "frame/question.h"
 #include "frame/run_result.h"
 #include "frame/run_state.h"
 #include "frame/search_hit.h"
@@ -24,42 +22,6 @@ struct RunProgress {
   double fraction = 0;      // of this item, 0 to 1
 
   bool operator==(const RunProgress&) const = default;
-};
-
-enum class Answer : std::uint8_t { Yes, No, Cancelled };
-enum class QuestionButtons : std::uint8_t { YesNo, YesNoCancel, OkCancel };  // OK answers Yes
-enum class MessageIcon : std::uint8_t { Information, Question, Exclamation };
-
-struct QuestionText {
-  std::string text;
-  QuestionButtons buttons = QuestionButtons::YesNo;
-  MessageIcon icon = MessageIcon::Question;
-  Answer preset = Answer::Yes;            // the button that Enter presses
-  std::optional<RunResult> results = {};  // shown in the results dialog in place of a message box
-};
-
-class QuestionState;  // what the asking thread waits on
-
-// A question that waits for the user. The first reply counts; a question that is dropped without a reply,
-// because its window went away, is answered with Cancelled.
-class Question {
- public:
-  Question(QuestionText text, std::shared_ptr<QuestionState> state);
-  ~Question();
-  Question(const Question&) = delete;
-  Question& operator=(const Question&) = delete;
-
-  [[nodiscard]] const QuestionText& Text() const { return text_; }
-  void Reply(Answer answer);
-  // The run was stopped meanwhile and nobody waits for the reply any more.
-  [[nodiscard]] bool Withdrawn() const;
-  // Called once when the question is withdrawn, at once if it is already, on the thread of the run: post a
-  // message that closes the dialog, and nothing else.
-  void OnWithdrawn(std::function<void()> action);
-
- private:
-  QuestionText text_;
-  std::shared_ptr<QuestionState> state_;
 };
 
 class RunHost {

@@ -35,6 +35,7 @@ struct RunResult {
   std::string title;
   std::array<RunLine, 4> lines;
   std::vector<std::string> remarks;  // one line each, in the order in which the outcomes first came
+  bool show = true;                  // false: the user does not want to see the dialog of this run
   bool cancelButton = false;         // the dialog offers "Abbrechen"
   bool cancelled = false;            // the user ended the run: neither a success nor a failure
   std::vector<RunItem> items;        // those that were begun, in order
