@@ -60,8 +60,8 @@ struct TargetRule {
 
 // An automatic name before its number is settled.
 struct TargetName {
-  std::string head;       // directory, base name
-  std::string tail;       // ".mid"; "" when the name cannot be numbered
+  std::string head = {};  // directory, base name
+  std::string tail = {};  // ".mid"; "" when the name cannot be numbered
   bool numbered = false;  // has a number in any case
 
   [[nodiscard]] std::string Plain() const { return head + tail; }
@@ -87,7 +87,7 @@ struct TargetName {
 // message that keeps the run from starting. source: the first item.
 struct DestinationCheck {
   std::string name;
-  std::optional<TextId> message;
+  std::optional<TextId> message = {};
 };
 [[nodiscard]] DestinationCheck CheckDestination(const std::string& field, const DestinationRules& rules,
                                                 const std::string& source, const DestinationFiles& files);

@@ -28,10 +28,10 @@ constexpr std::size_t kAheadPerWorker = 8;
 // One item on its way. code: what the check or the conversion said.
 struct Item {
   std::size_t index = 0;
-  std::string source;
+  std::string source = {};
   Outcome code = Outcome::Success;
   bool suitable = false;  // passed its check: it gets a target
-  std::optional<StagedFile> target;
+  std::optional<StagedFile> target = {};
   bool extended = false;
   std::int32_t number = 0;
 };
@@ -44,6 +44,16 @@ struct Target {
 
 std::uint32_t Count(std::size_t number) {
   return ClampTo<std::uint32_t>(number);
+}
+
+// The automatic name of a source's target as things stand now; nothing when no number is free.
+std::optional<std::string> AutomaticTarget(const TargetRule& rule, const DestinationRules& rules,
+                                           const std::string& source, const DestinationFiles& files) {
+  const TargetName name = TargetNameFor(rule, rules, source, files);
+  const bool inPlace = rule.formatKept && !rules.useSuffix;
+  const bool number =
+      rules.overwrite == OverwritePolicy::Number || (!inPlace && IsSameFile(name.Plain(), source));
+  return SettledName(name, number, files);
 }
 
 class ItemRun {
@@ -81,17 +91,14 @@ class ItemRun {
     for (std::size_t i = 0; i < count_; ++i) {
       PlannedItem& item = plan.emplace_back();
       item.source = run_.Source(i);
-      if (IsUsablePath(item.source)) item.target = AutomaticName(item.source, Rule(item.source));
+      if (!IsUsablePath(item.source)) continue;
+      item.target = TargetNameFor(Rule(item.source), run_.Destination(), item.source, run_.Files());
     }
     return plan;
   }
 
   [[nodiscard]] TargetRule Rule(const std::string& source) const {
     return run_.Module().target(*run_.GetJob().parameters, source);
-  }
-
-  [[nodiscard]] TargetName AutomaticName(const std::string& source, const TargetRule& rule) const {
-    return TargetNameFor(rule, run_.Destination(), source, run_.Files());
   }
 
   // The name of an item's target as things stand now.
@@ -101,14 +108,9 @@ class ItemRun {
     if (mode_.editable && !run_.GetJob().destinationName.empty()) {
       target.name = run_.GetJob().destinationName;
     } else {
-      const TargetRule rule = Rule(source);
-      const TargetName automatic = AutomaticName(source, rule);
-      const bool inPlace = rule.formatKept && !rules.useSuffix;
-      const bool number =
-          rules.overwrite == OverwritePolicy::Number || (!inPlace && IsSameFile(automatic.Plain(), source));
-      const auto settled = SettledName(automatic, number, run_.Files());
+      const auto settled = AutomaticTarget(Rule(source), rules, source, run_.Files());
       if (!settled) target.code = Outcome::TargetFailed;
-      target.name = settled.value_or(automatic.Plain());
+      target.name = settled.value_or("");
     }
     if (!IsUsablePath(target.name)) target.code = Outcome::TargetFailed;
     target.mustAsk = rules.overwrite != OverwritePolicy::Replace && run_.Files().exists(target.name);
@@ -317,16 +319,14 @@ bool ItemWork::Cancelled() const {
 std::string AutomaticDestination(const Job& job, const FilterModule& module, const DestinationRules& rules,
                                  const DestinationFiles& files) {
   const std::string source = ItemSource(job, 0);
-  const bool number = rules.overwrite == OverwritePolicy::Number;
   if (IsSearch(job.filter)) {
     const bool wholeList = job.ListMode() ? job.files.Selection().empty() : job.directory.names.empty();
-    const std::string place = !job.ListMode() && wholeList ? JoinPath(job.directory.path, "") : source;
-    const TargetName name = ResultFileNameFor(rules, place, ItemCount(job), wholeList, files);
-    return SettledName(name, number, files).value_or("");
+    const std::string first = source.empty() ? JoinPath(job.directory.path, "*") : source;
+    const TargetName name = ResultFileNameFor(rules, first, ItemCount(job), wholeList, files);
+    return SettledName(name, rules.overwrite == OverwritePolicy::Number, files).value_or("");
   }
   if (!module.target || !job.parameters || source.empty()) return {};
-  const TargetName name = TargetNameFor(module.target(*job.parameters, source), rules, source, files);
-  return SettledName(name, number, files).value_or("");
+  return AutomaticTarget(module.target(*job.parameters, source), rules, source, files).value_or("");
 }
 
 void RunItems(Run& run, const ItemFilter& filter) {

@@ -55,7 +55,6 @@ struct ItemFilter {
   std::span<const Remark> remarks = ConversionRemarks();
   unsigned workers = 0;  // threads for independent items; 0: one per core
 };
-};
 
 // The name that the destination field shows for the job's first item: the automatic one, numbered as a run
 // would number it now. "" when the filter makes no files.

@@ -31,9 +31,10 @@ class JobRunner {
   JobRunner(const JobRunner&) = delete;
   JobRunner& operator=(const JobRunner&) = delete;
 
-  // Checks the destination (a bare name is completed in the job), devices and discs that other runs hold, and
-  // starts the worker on a copy of the job. False when it did not start; the user has been told why then, and
-  // the host has not been called.
+  // Checks the sources, the destination (a bare name is completed in the job; a name that the user may edit
+  // must be there: AutomaticDestination gives it), devices and discs that other runs hold, and starts the
+  // worker on a copy of the job. False when it did not start; the user has been told why then, and the host
+  // has not been called.
   [[nodiscard]] bool Start(Job& job, RunRequest request, std::shared_ptr<RunHost> host, JobDialogs& dialogs);
 
   // Asks the run of the job to end. What to show until it does, if anything. A second stop changes nothing.
@@ -49,9 +50,12 @@ class JobRunner {
 
  private:
   struct Worker;
+  [[nodiscard]] Worker* FindWorker(const Job& job) const;
+  [[nodiscard]] bool HoldsDevice(const Worker& starting) const;
   void Reap();
 
   ModuleFinder modules_;
+  bool closed_ = false;
   std::vector<std::unique_ptr<Worker>> workers_;
 };
 

@@ -23,7 +23,7 @@ enum class QuestionButtons : std::uint8_t { YesNo, YesNoCancel, OkCancel };  // 
 enum class MessageIcon : std::uint8_t { Information, Question, Exclamation };
 
 struct QuestionText {
-  std::string text;
+  std::string text = {};
   QuestionButtons buttons = QuestionButtons::YesNo;
   MessageIcon icon = MessageIcon::Question;
   Answer preset = Answer::Yes;            // the button that Enter presses

@@ -7,16 +7,16 @@
 
 namespace ts5 {
 
-class Descriptor {
+class FileDescriptor {
  public:
-  Descriptor() = default;
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
+  FileDescriptor() = default;
+  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
     return *this;
   }
-  ~Descriptor() { (void)Close(); }
+  ~FileDescriptor() { (void)Close(); }
 
   [[nodiscard]] explicit operator bool() const { return descriptor_ >= 0; }
   [[nodiscard]] int Get() const { return descriptor_; }

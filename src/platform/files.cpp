@@ -59,7 +59,7 @@ std::string RandomName(std::string_view prefix, std::string_view extension) {
 }
 
 struct CreatedFile {
-  Descriptor descriptor;
+  FileDescriptor descriptor;
   std::string path;
 };
 
@@ -67,7 +67,7 @@ Result<CreatedFile> CreateUnique(const std::string& directory, std::string_view 
                                  std::string_view extension, mode_t mode) {
   for (int attempt = 0; attempt < kMaxNameAttempts; ++attempt) {
     std::string path = directory + "/" + RandomName(prefix, extension);
-    Descriptor descriptor(Retry(
+    FileDescriptor descriptor(Retry(
         [&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode); }));
     if (descriptor) return CreatedFile{std::move(descriptor), std::move(path)};
     if (errno != EEXIST) return Failure(OutcomeOfCreating(errno));
@@ -76,9 +76,9 @@ Result<CreatedFile> CreateUnique(const std::string& directory, std::string_view 
 }
 
 // A regular file, opened without waiting for the other end of a pipe or a device.
-Result<Descriptor> OpenRegular(const std::string& path, struct stat& status) {
+Result<FileDescriptor> OpenRegular(const std::string& path, struct stat& status) {
   if (!Reachable(path)) return Failure(Outcome::SourceFailed);
-  Descriptor descriptor(
+  FileDescriptor descriptor(
       Retry([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK); }));
   if (!descriptor || ::fstat(descriptor.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return Failure(Outcome::SourceFailed);
@@ -112,7 +112,7 @@ Outcome WriteAll(int descriptor, std::uint64_t offset, ByteView bytes) {
 // A rename is on the disk only when its directory is. Some file systems cannot flush directories; they are
 // taken at their word.
 Outcome FlushDirectory(const std::string& directory) {
-  const Descriptor descriptor(
+  const FileDescriptor descriptor(
       Retry([&] { return ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (!descriptor || Retry([&] { return ::fsync(descriptor.Get()); }) == 0) return Outcome::Success;
   return errno == EIO || errno == ENOSPC || errno == EDQUOT ? Outcome::WriteFailed : Outcome::Success;

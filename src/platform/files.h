@@ -63,7 +63,7 @@ class StagedFile {
 
   std::string target_;
   std::string temporary_;  // "" when there is none any more
-  Descriptor descriptor_;
+  FileDescriptor descriptor_;
   std::uint64_t size_ = 0;
   bool failed_ = false;
 };
