@@ -27,7 +27,7 @@ enum class OverwritePolicy : std::uint8_t {
 // The destination settings of a run.
 struct DestinationRules {
   bool sourceDirectory = true;  // write beside the source
-  std::string directory;        // where to write otherwise; "" writes beside the source as well
+  std::string directory = {};   // where to write otherwise; "" writes beside the source as well
   bool useSuffix = true;        // rename targets of the same format
   std::string suffix = "cnv";
   bool noPreset = false;  // single items get no automatic name

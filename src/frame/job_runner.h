@@ -18,8 +18,8 @@
 namespace ts5 {
 
 struct RunRequest {
-  Settings settings;
-  DestinationRules destination;
+  Settings settings = {};
+  DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
 };
 

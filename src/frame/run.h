@@ -28,8 +28,8 @@ inline constexpr std::chrono::milliseconds kProgressInterval{50};
 
 struct RunSetup {
   Job job;  // the run's own copy
-  Settings settings;
-  DestinationRules destination;
+  Settings settings = {};
+  DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
 };
 

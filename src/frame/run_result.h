@@ -15,7 +15,7 @@ namespace ts5 {
 
 // A count with its label; a line without a label is not shown.
 struct RunLine {
-  std::string label;
+  std::string label = {};
   std::uint32_t count = 0;
 
   bool operator==(const RunLine&) const = default;
@@ -23,8 +23,8 @@ struct RunLine {
 
 // One source of the run and what became of it. Code 0 or above: it succeeded, and the number may say how.
 struct RunItem {
-  std::string source;
-  std::string destination;  // "" when none was settled or written
+  std::string source = {};
+  std::string destination = {};  // "" when none was settled or written
   std::int32_t code = 0;
 
   bool operator==(const RunItem&) const = default;
