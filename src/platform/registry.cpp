@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <utility>
@@ -145,7 +146,8 @@ std::string_view LastPartOf(std::string_view key) {
 }
 
 bool IsKeyPart(std::string_view part) {
-  return IsUtf8(part) && part.find('\0') == std::string_view::npos && CharacterCount(part) <= kMaxKeyPart;
+  const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20; };
+  return IsUtf8(part) && std::ranges::none_of(part, isControl) && CharacterCount(part) <= kMaxKeyPart;
 }
 
 std::optional<std::string_view> RootOf(std::string_view name) {
