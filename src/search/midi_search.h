@@ -1,0 +1,38 @@
+// The melody search of one MIDI file.
+//
+// The first track of a file with several tracks only tells time signatures and tempo and is not searched.
+// Hits count the tracks behind it from 0.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/bytes.h"
+#include "search/hit_sink.h"
+#include "search/search_melody.h"
+#include "search/search_options.h"
+
+namespace ts5 {
+
+inline constexpr std::uint32_t kDefaultTempo = 120;  // of a file without Set Tempo
+
+// What is looked for.
+struct MelodyQuery {
+  std::vector<MelodyElement> elements;
+  SearchOptions options;
+};
+
+// Polled while a file is searched; may be empty.
+using CancelCheck = std::function<bool()>;
+
+// The image of a whole file. WrongFormat: no MIDI file. DamagedMidi: a track is missing or breaks off; the
+// hits of the tracks before it were sent. Else what the sink or the cancel check ended it with.
+[[nodiscard]] SearchOutcome SearchMidiImage(ByteView file, const std::string& path, const MelodyQuery& query,
+                                            const HitSink& sink, const CancelCheck& cancelled);
+
+// The file itself. WrongFormat also when it cannot be opened; SourceFailed when it cannot be read whole.
+[[nodiscard]] SearchOutcome SearchMidiFile(const std::string& path, const MelodyQuery& query,
+                                           const HitSink& sink, const CancelCheck& cancelled);
+
+}  // namespace ts5

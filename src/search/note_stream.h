@@ -1,0 +1,69 @@
+// The note-ons of a track in order, with a look ahead to the next onset. The track is walked block by block
+// in bounded memory; every byte is decoded at most twice, whatever the track holds.
+//
+// Note-ons with velocity 0 are note-offs and do not appear.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "midi/midi_events.h"
+#include "platform/bytes.h"
+
+namespace ts5 {
+
+// Notes closer than this to an onset sound with it, like the other notes of a chord.
+inline constexpr std::uint64_t kChordTicks = 10;
+
+class NoteStream {
+ public:
+  // stopAtDrums: the stream ends at the first event of channel 10. The look ahead goes on behind it.
+  NoteStream(ByteView track, bool stopAtDrums) : cursor_(track), stopAtDrums_(stopAtDrums) {}
+
+  // Decodes the next block; it may be empty. False when there are no more, at the end of the track or of the
+  // stream, or at damage.
+  [[nodiscard]] bool NextBlock();
+  // The track breaks off, and not behind the end of the stream.
+  [[nodiscard]] bool Damaged() const { return cursor_.Damaged() && !stopped_; }
+
+  // Of the current block.
+  [[nodiscard]] std::size_t Size() const { return stopped_ ? stop_ : size_; }
+  [[nodiscard]] std::uint8_t Key(std::size_t note) const {
+    return keys_[note];
+  }  // above 127 in damaged files
+  [[nodiscard]] std::uint64_t Tick(std::size_t note) const { return ticks_[note]; }
+  // How many notes of the block, from its start, are certain to have their next onset inside it.
+  [[nodiscard]] std::size_t Settled() const { return settled_; }
+
+  // Ticks from the note to the next note-on that lies more than kChordTicks behind it, on any channel. At the
+  // end of the track the ticks up to there, but at least kChordTicks. Nothing when the track breaks off
+  // before. Notes must be asked for in order.
+  [[nodiscard]] std::optional<std::uint64_t> NextOnset(std::size_t note);
+
+ private:
+  static constexpr std::size_t kBlock = 2048;  // events
+
+  [[nodiscard]] std::optional<std::uint64_t> NextOnsetBehindBlock(std::uint64_t tick);
+
+  std::array<std::uint8_t, kBlock> keys_;
+  std::array<std::uint64_t, kBlock> ticks_;
+  std::size_t size_ = 0;  // decoded notes
+  std::size_t settled_ = 0;
+  std::size_t ahead_ = 0;   // where the last look ahead ended, inside the block
+  MidiEventCursor cursor_;  // behind the block
+  // For looks behind the block: stays where the last look ended, so that looks never walk twice. It stands
+  // behind a note-on at farTick_, or at the end of the track.
+  MidiEventCursor far_;
+  bool farUsed_ = false;
+  bool farNote_ = false;
+  std::uint64_t farTick_ = 0;
+  bool stopAtDrums_;
+  bool stopped_ = false;
+  bool last_ = false;
+  std::size_t stop_ = 0;
+};
+
+}  // namespace ts5
