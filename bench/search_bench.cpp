@@ -20,7 +20,7 @@ namespace {
 // little off the beat as they are played.
 Bytes MusicTrack(std::size_t size, unsigned seed) {
   std::mt19937 random(seed);
-  const auto pick = [&](unsigned most) { return random() % (most + 1); };
+  const auto pick = [&](unsigned most) { return static_cast<unsigned>(random() % (most + 1)); };
   ByteWriter out;
   out.Reserve(size + 64);
   int running = 0;

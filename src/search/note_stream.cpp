@@ -11,31 +11,33 @@ constexpr std::uint8_t kDrumChannel = 9;
 
 bool NoteStream::NextBlock() {
   if (last_) return false;
-  size_ = 0;
   ahead_ = 0;
+  std::size_t size = 0;
+  bool watchDrums = stopAtDrums_ && !stopped_;
   MidiEventCursor cursor = cursor_;
+  MidiEvent event;
   for (std::size_t events = 0; events < kBlock; ++events) {
-    MidiEvent event;
     if (!cursor.Next(event)) {
       last_ = true;
       break;
     }
-    if (stopAtDrums_ && event.Channel() == kDrumChannel && event.IsChannelMessage() && !stopped_)
-        [[unlikely]] {
+    if (watchDrums && event.Channel() == kDrumChannel && event.IsChannelMessage()) [[unlikely]] {
       stopped_ = last_ = true;
-      stop_ = size_;
+      stop_ = size;
+      watchDrums = false;
     }
-    // Written always and kept only for a note-on: a branch here could not be predicted.
-    keys_[size_] = event.data1;
-    ticks_[size_] = event.tick;
-    size_ += static_cast<std::size_t>(event.IsNoteOn());
+    // Written always and kept only for a note-on: what comes next cannot be predicted.
+    keys_[size] = event.data1;
+    ticks_[size] = event.tick;
+    size += static_cast<std::size_t>(event.IsNoteOn());
   }
   cursor_ = cursor;
+  size_ = size;
   settled_ = 0;
-  if (size_ > 0 && ticks_[size_ - 1] > kChordTicks) {
+  if (size > 0 && ticks_[size - 1] > kChordTicks) {
     const auto* const begin = ticks_.data();
     settled_ = static_cast<std::size_t>(
-        std::lower_bound(begin, begin + size_, ticks_[size_ - 1] - kChordTicks) - begin);
+        std::lower_bound(begin, begin + size, ticks_[size - 1] - kChordTicks) - begin);
   }
   settled_ = std::min(settled_, Size());
   return true;

@@ -31,9 +31,10 @@ class NoteStream {
 
   // Of the current block.
   [[nodiscard]] std::size_t Size() const { return stopped_ ? stop_ : size_; }
-  [[nodiscard]] std::uint8_t Key(std::size_t note) const {
+  [[nodiscard]] std::int16_t Key(std::size_t note) const {
     return keys_[note];
   }  // above 127 in damaged files
+  [[nodiscard]] const std::int16_t* Keys() const { return keys_.data(); }
   [[nodiscard]] std::uint64_t Tick(std::size_t note) const { return ticks_[note]; }
   // How many notes of the block, from its start, are certain to have their next onset inside it.
   [[nodiscard]] std::size_t Settled() const { return settled_; }
@@ -48,7 +49,7 @@ class NoteStream {
 
   [[nodiscard]] std::optional<std::uint64_t> NextOnsetBehindBlock(std::uint64_t tick);
 
-  std::array<std::uint8_t, kBlock> keys_;
+  std::array<std::int16_t, kBlock> keys_;  // not bytes, whose stores would alias all other state
   std::array<std::uint64_t, kBlock> ticks_;
   std::size_t size_ = 0;  // decoded notes
   std::size_t settled_ = 0;

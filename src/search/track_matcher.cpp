@@ -13,11 +13,12 @@ namespace {
 constexpr float kPerMelodyTick = 0.004166667F;  // 1/240
 constexpr float kHundredth = 0.01F;
 
-// Toward zero; what is too large for 64 bits stays at their end.
+// Toward zero; what is too large for the result stays at its end.
 std::uint64_t Truncated(double value) {
-  constexpr double kEnd = 18446744073709551616.0;
+  constexpr double kEnd = 9223372036854775808.0;
   if (!(value > 0)) return 0;
-  return value >= kEnd ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(value);
+  return static_cast<std::uint64_t>(value >= kEnd ? std::numeric_limits<std::int64_t>::max()
+                                                  : static_cast<std::int64_t>(value));
 }
 
 bool Within(std::uint64_t value, std::uint64_t centre, std::uint64_t tolerance) {
@@ -61,12 +62,39 @@ class TrackMatcher {
     const std::size_t size = notes_.Size();
     if (melody_.size() > 1 && context_.options.pitch != PitchMode::Ignore) {
       const int interval = melody_[1].key - melody_[0].key;
-      for (const std::size_t end = std::min(notes_.Settled(), size - 1); note < end; ++note) {
-        if (notes_.Key(note + 1) - notes_.Key(note) == interval && first_[notes_.Key(note)]) return note;
+      const std::size_t end = std::min(notes_.Settled(), size - 1);
+      while (note < end) {
+        if (note + kStride <= end && !MayBeginIn(note, interval)) {
+          note += kStride;
+          continue;
+        }
+        for (const std::size_t stop = std::min(note + kStride, end); note < stop; ++note) {
+          if (notes_.Key(note + 1) - notes_.Key(note) == interval && first_[KeyIndex(note)]) return note;
+        }
       }
     }
-    while (note < size && !first_[notes_.Key(note)]) ++note;
+    while (note < size && !first_[KeyIndex(note)]) ++note;
     return note;
+  }
+
+  std::size_t KeyIndex(std::size_t note) const { return static_cast<std::size_t>(notes_.Key(note)); }
+
+  // Whether one of the next kStride notes has the interval behind it, and in the absolute mode the first key.
+  // Without a branch inside, so that the compiler compares many notes at once.
+  static constexpr std::size_t kStride = 16;
+  bool MayBeginIn(std::size_t note, int interval) const {
+    const std::int16_t* const keys = notes_.Keys() + note;
+    const auto step = static_cast<std::int16_t>(interval);
+    const auto firstKey = static_cast<std::int16_t>(melody_[0].key);
+    const auto anyKey = static_cast<std::int16_t>(context_.options.pitch == PitchMode::Absolute ? 0 : -1);
+    std::int16_t found = 0;
+    for (std::size_t i = 0; i < kStride; ++i) {
+      const auto hasStep =
+          static_cast<std::int16_t>(static_cast<std::int16_t>(keys[i + 1] - keys[i]) == step ? -1 : 0);
+      const auto hasKey = static_cast<std::int16_t>((keys[i] == firstKey ? -1 : 0) | anyKey);
+      found = static_cast<std::int16_t>(found | (hasStep & hasKey));
+    }
+    return found != 0;
   }
 
   // One note-on, and when it breaks a match, the same one again as a first note.
