@@ -29,7 +29,7 @@ Result<FilePatch> FilePatch::Open(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return Failure(Outcome::SourceFailed);
   if ((status.st_mode & S_IWUSR) == 0) (void)chmod(path.c_str(), (status.st_mode & 07777) | S_IWUSR);
-  Descriptor descriptor(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+  FileDescriptor descriptor(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
   if (!descriptor) return Failure(Outcome::SourceFailed);
   return FilePatch(std::move(descriptor));
 }

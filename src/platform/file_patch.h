@@ -22,8 +22,8 @@ class FilePatch {
   [[nodiscard]] Outcome WriteAt(std::uint64_t offset, ByteView bytes) const;  // WriteFailed on a short write
 
  private:
-  explicit FilePatch(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
-  Descriptor descriptor_;
+  explicit FilePatch(FileDescriptor descriptor) : descriptor_(std::move(descriptor)) {}
+  FileDescriptor descriptor_;
 };
 
 }  // namespace ts5
