@@ -1,0 +1,58 @@
+// The note editor: the staff with its toolbar. It edits a melody of its own; playing, saving and managing are
+// left to whoever listens to its signals.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+#include <vector>
+
+#include "search/note_editor.h"
+#include "search/search_melody.h"
+
+class QToolButton;
+
+namespace ts5 {
+
+class StaffView;
+
+class NoteEditorPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit NoteEditorPanel(QWidget* parent = nullptr);
+  ~NoteEditorPanel() override;
+
+  void SetMelody(SearchMelody melody);
+  [[nodiscard]] const SearchMelody& Melody() const { return melody_; }
+  // While it plays, nothing can be entered or deleted.
+  void SetPlaying(bool playing);
+  // Without a MIDI device there is nothing to play on.
+  void SetCanPlay(bool can);
+  void Execute(NoteCommand command);
+
+ signals:
+  void PlayRequested();  // or stop, while it plays
+  void SaveRequested();
+  void ManageRequested();
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  struct Button {
+    NoteCommand command;
+    QToolButton* button;
+  };
+  void MakeToolbar();
+  void PaintIcons();
+  void ShowState();
+
+  SearchMelody melody_;
+  std::unique_ptr<NoteEditor> editor_;
+  bool canPlay_ = true;
+  StaffView* staff_;
+  QWidget* toolbar_;
+  std::vector<Button> buttons_;
+};
+
+}  // namespace ts5
