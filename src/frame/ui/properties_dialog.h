@@ -16,8 +16,8 @@ class PropertiesDialog : public HostedDialog {
 
  public:
   // The dialog takes the page over.
-  PropertiesDialog(const QString& title, const QString& prompt, std::unique_ptr<QWidget> page, DialogHost& host,
-                   QWidget* parent);
+  PropertiesDialog(const QString& title, const QString& prompt, std::unique_ptr<QWidget> page,
+                   DialogHost& host, QWidget* parent);
   ~PropertiesDialog() override;
 
   [[nodiscard]] QString HelpTopic() const override;

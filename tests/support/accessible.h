@@ -1,0 +1,105 @@
+// What assistive technology sees of a window: a walk over its accessible tree that finds controls which a
+// screen reader could not name, and one over its widgets that finds texts which do not fit.
+#pragma once
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QStringList>
+#include <QWidget>
+
+namespace ts5 {
+
+inline bool IsInteractive(QAccessible::Role role) {
+  switch (role) {
+    case QAccessible::Button:
+    case QAccessible::ButtonDropDown:
+    case QAccessible::ButtonMenu:
+    case QAccessible::CheckBox:
+    case QAccessible::RadioButton:
+    case QAccessible::ComboBox:
+    case QAccessible::EditableText:
+    case QAccessible::Dial:
+    case QAccessible::Slider:
+    case QAccessible::SpinBox:
+    case QAccessible::List:
+    case QAccessible::Tree:
+    case QAccessible::Table:
+    case QAccessible::MenuItem:
+    case QAccessible::PageTab:
+    case QAccessible::HotkeyField:
+    case QAccessible::Link:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Lists hold data, and the parts of a combo or number field bear the name of the whole.
+inline bool IsLeaf(QAccessible::Role role) {
+  return role == QAccessible::List || role == QAccessible::Tree || role == QAccessible::Table ||
+         role == QAccessible::ComboBox || role == QAccessible::SpinBox;
+}
+
+inline void WalkAccessible(QAccessibleInterface* node, const QString& path, QStringList& nameless) {
+  if (node == nullptr || !node->isValid() || node->state().invisible) return;
+  const QString name = node->text(QAccessible::Name);
+  const QString type = node->object() != nullptr
+                           ? QStringLiteral("%1 %2").arg(QLatin1String(node->object()->metaObject()->className()),
+                                                         node->object()->objectName())
+                           : QStringLiteral("role %1").arg(int(node->role()));
+  const QString here = path + QLatin1Char('/') + (name.isEmpty() ? type : name);
+  if (IsInteractive(node->role()) && name.trimmed().isEmpty()) nameless << here;
+  if (IsLeaf(node->role())) return;
+  for (int i = 0; i < node->childCount(); ++i) WalkAccessible(node->child(i), here, nameless);
+}
+
+// The paths of the visible controls of a shown window that have no accessible name.
+inline QStringList NamelessControls(QWidget& window) {
+  QStringList nameless;
+  WalkAccessible(QAccessible::queryAccessibleInterface(&window), {}, nameless);
+  return nameless;
+}
+
+// The visible controls of a shown window that the keyboard cannot reach although they can be operated.
+inline QStringList UnreachableControls(QWidget& window) {
+  QStringList unreachable;
+  for (QAbstractButton* button : window.findChildren<QAbstractButton*>()) {
+    if (!button->isVisible() || !button->isEnabled() || button->focusPolicy() != Qt::NoFocus) continue;
+    if (qobject_cast<QGroupBox*>(button->parentWidget()) != nullptr) continue;
+    if (button->inherits("QTabBar") || button->inherits("QLineEditIconButton")) continue;
+    unreachable << button->objectName() + QLatin1Char(' ') + button->text();
+  }
+  return unreachable;
+}
+
+// The visible labels, buttons and group titles of a shown window whose text does not fit.
+inline QStringList ClippedTexts(QWidget& window) {
+  QStringList clipped;
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    if (!widget->isVisible()) continue;
+    QString text;
+    bool fits = true;
+    if (const auto* label = qobject_cast<QLabel*>(widget)) {
+      text = label->text();
+      const QSize need = label->sizeHint();
+      fits = label->wordWrap() ? label->heightForWidth(label->width()) <= label->height()
+                               : need.width() <= label->width() && need.height() <= label->height();
+    } else if (const auto* button = qobject_cast<QAbstractButton*>(widget)) {
+      text = button->text();
+      const QSize need = button->minimumSizeHint();
+      fits = need.width() <= button->width() && need.height() <= button->height();
+    } else if (const auto* group = qobject_cast<QGroupBox*>(widget)) {
+      text = group->title();
+      fits = group->minimumSizeHint().width() <= group->width();
+    }
+    if (!text.isEmpty() && !fits) {
+      clipped << QStringLiteral("%1 (%2x%3)").arg(text).arg(widget->width()).arg(widget->height());
+    }
+  }
+  return clipped;
+}
+
+}  // namespace ts5
