@@ -133,35 +133,38 @@ class MidiEventCursor {
   State state_ = State::Walking;
 };
 
-// The road of nearly all events, without a branch that depends on how long the delta time is or whether there
-// is a status byte: which of these comes next cannot be predicted, and a wrong guess costs more than the
-// event.
+// The road of nearly all events: a delta time of one or two bytes and a channel message, so far from the end
+// of the track that no byte needs its own check. Whether a status byte or a second delta byte comes is left
+// to branches: real tracks repeat their patterns, and a guess that is right costs nothing, where arithmetic
+// without branches makes each event wait for the lengths of the one before (measured: half the speed).
 inline bool MidiEventCursor::Next(MidiEvent& event) {
-  if (end_ - at_ >= kFastBytes && state_ == State::Walking) [[likely]] {
-    const std::uint8_t* at = at_;
-    const std::uint32_t two = at[0] >> 7;
-    const std::uint32_t delta = two != 0 ? (at[0] & 0x7FU) << 7 | at[1] : at[0];
-    const bool longDelta = two != 0 && at[1] >= 0x80;
-    at += 1 + two;
-    const std::uint8_t* start = at;
-    const std::uint32_t hasStatus = *at >> 7;
-    const std::uint8_t status = hasStatus != 0 ? *at : runningStatus_;
-    at += hasStatus;
-    if (!longDelta && static_cast<std::uint8_t>(status - 0x80) < 0x70) [[likely]] {
-      const std::size_t size = ChannelDataSize(status);
-      runningStatus_ = status;
-      tick_ += delta;
-      at_ = at + size;
-      event.tick = tick_;
-      event.delta = delta;
-      event.status = status;
-      event.data1 = at[0];
-      event.data2 = size == 2 ? at[1] : std::uint8_t{0};
-      event.encoded = {start, at_};
-      return true;
-    }
+  if (end_ - at_ < kFastBytes || state_ != State::Walking) return NextSlowly(event);
+  const std::uint8_t* at = at_;
+  std::uint32_t delta = *at++;
+  if (delta >= 0x80) {
+    const std::uint32_t low = *at++;
+    if (low >= 0x80) return NextSlowly(event);
+    delta = (delta & 0x7FU) << 7 | low;
   }
-  return NextSlowly(event);
+  const std::uint8_t* start = at;
+  std::uint8_t status = *at;
+  if (status < 0x80) {
+    status = runningStatus_;
+  } else {
+    ++at;
+  }
+  if (status < 0x80 || status >= 0xF0) return NextSlowly(event);
+  runningStatus_ = status;
+  tick_ += delta;
+  event.tick = tick_;
+  event.delta = delta;
+  event.status = status;
+  event.data1 = *at++;
+  event.data2 = 0;
+  if (ChannelDataSize(status) == 2) event.data2 = *at++;
+  event.encoded = {start, at};
+  at_ = at;
+  return true;
 }
 
 inline bool MidiEventCursor::NextSlowly(MidiEvent& event) {
