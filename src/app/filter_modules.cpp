@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "midi/midi_converter.h"
+
 namespace ts5 {
 namespace {
 
@@ -10,6 +12,7 @@ namespace {
 const std::vector<FilterModule>& Table() {
   static const std::vector<FilterModule> table = [] {
     std::vector<FilterModule> modules;
+    modules.push_back(MidiConverterModule());
     std::ranges::sort(modules, {}, &FilterModule::id);
     return modules;
   }();

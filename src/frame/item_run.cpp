@@ -156,6 +156,10 @@ class ItemRun {
     item.code = Guarded([&] { return filter_.convert(work); });
     item.extended = work.extended;
     item.number = work.number;
+    if (Succeeded(item.code) && item.target->Size() == 0) {
+      item.target.reset();  // nothing to change, nothing to put in place
+      return;
+    }
     // Here and not when its turn comes: flushes of several files overlap.
     if (Succeeded(item.code)) {
       if (const Outcome flushed = item.target->Flush(); Failed(flushed)) item.code = flushed;
@@ -211,6 +215,7 @@ class ItemRun {
   }
 
   bool Commit(Item& item, const std::string& target) {
+    if (Succeeded(item.code) && !item.target) return Finish(item, {});
     if (Succeeded(item.code)) {
       if (const Outcome done = item.target->CommitAs(target); Failed(done)) item.code = done;
     }

@@ -49,8 +49,8 @@ struct ItemFilter {
   bool independent = false;
   // Looks at the source before its target is named; empty: no check.
   std::function<Outcome(const FilterParameters&, const std::string& source)> check = {};
-  // Success or a positive code of the filter's own; on a failure the target is dropped. Cancelled ends the
-  // run.
+  // Success or a positive code of the filter's own; on a failure the target is dropped, and so is one into
+  // which nothing was written. Cancelled ends the run.
   std::function<Outcome(ItemWork&)> convert;
   std::span<const Remark> remarks = ConversionRemarks();
   unsigned workers = 0;  // threads for independent items; 0: one per core
