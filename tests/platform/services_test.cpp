@@ -1,0 +1,72 @@
+// The small services of the desktop and the system: clock, wastebasket.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/clock.h"
+#include "platform/wastebasket.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono;
+using test::FailsWith;
+using test::IsOk;
+
+TEST(Clock, CivilDates) {
+  const auto at = [](std::int64_t seconds) {
+    return system_clock::time_point(std::chrono::seconds(seconds));
+  };
+  EXPECT_EQ(UtcTime(at(0)), (CivilTime{1970, 1, 1, 0, 0, 0}));
+  EXPECT_EQ(UtcTime(at(951782399)), (CivilTime{2000, 2, 28, 23, 59, 59}));
+  EXPECT_EQ(UtcTime(at(951782400)), (CivilTime{2000, 2, 29, 0, 0, 0}));
+  EXPECT_EQ(UtcTime(at(-1)), (CivilTime{1969, 12, 31, 23, 59, 59}));
+  EXPECT_EQ(UtcTime(at(0) - milliseconds(1)), (CivilTime{1969, 12, 31, 23, 59, 59}));
+
+  ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+  ::tzset();
+  EXPECT_EQ(LocalTime(at(1719835200)), (CivilTime{2024, 7, 1, 14, 0, 0}));
+  EXPECT_EQ(LocalTime(at(1704110400)), (CivilTime{2024, 1, 1, 13, 0, 0}));
+  ::unsetenv("TZ");
+  ::tzset();
+}
+
+TEST(Clock, ModificationTimeOfFiles) {
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.Write("a", "x");
+  const timespec times[] = {{0, 0}, {951782399, 500'000'000}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+  EXPECT_EQ(UtcTime(*ModificationTime(path)), (CivilTime{2000, 2, 28, 23, 59, 59}));
+  EXPECT_THAT(ModificationTime(directory.File("none")), FailsWith(Outcome::SourceFailed));
+}
+
+TEST(Wastebasket, KeepsWhatItTakes) {
+  const test::TemporaryDirectory directory;
+  ::setenv("XDG_DATA_HOME", directory.Path().c_str(), 1);
+  const std::string path = directory.Write("musik/Übung 1.mid", "MThd");
+  EXPECT_THAT(MoveToTrash(path), IsOk());
+  EXPECT_FALSE(fs::exists(path));
+  EXPECT_THAT(MoveToTrash(path), FailsWith(Outcome::SourceFailed));
+  std::vector<std::string> kept;
+  for (const auto& entry : fs::recursive_directory_iterator(directory.Path())) {
+    if (entry.path().extension() == ".mid") kept.push_back(test::Content(entry.path()));
+  }
+  EXPECT_EQ(kept, std::vector<std::string>{"MThd"});
+
+  // A wastebasket that cannot be made leaves the file where it is.
+  directory.Write("file", "x");
+  ::setenv("XDG_DATA_HOME", directory.File("file").c_str(), 1);
+  const std::string stays = directory.Write("musik/b.mid", "MThd");
+  const Outcome moved = MoveToTrash(stays);
+  EXPECT_EQ(Failed(moved), fs::exists(stays));
+  ::unsetenv("XDG_DATA_HOME");
+}
+
+}  // namespace
+}  // namespace ts5
