@@ -1,0 +1,143 @@
+#!/usr/bin/env python3
+"""The rules of the house that no compiler checks.
+
+  arrows.py ROOT
+
+Every source file is read once; each fault is one line on standard output. Status 0: none.
+"""
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+# Room -> the rooms that it may include, itself included. app/filter_modules.* knows all rooms for both programs.
+LOGIC = ["midi", "score", "audio", "search", "disc", "artworker", "converters"]
+BASE = ["platform", "frame"]
+ARROWS = {
+    "platform": ["platform"],
+    "frame": BASE,
+    "midi": BASE + ["midi"],
+    "score": BASE + ["score", "midi"],
+    "audio": BASE + ["audio", "midi"],
+    "search": BASE + ["search", "score", "midi", "converters"],
+    "disc": BASE + ["disc", "audio", "midi"],
+    "artworker": BASE + ["artworker"],
+    "converters": BASE + ["converters", "midi", "score"],
+    "batch": BASE + LOGIC + ["batch", "app"],
+    "app": BASE + LOGIC + ["app"],
+}
+OPEN_FROM_APP = {"app/filter_modules.h"}  # all that batch may take from app
+
+# Headers that any room may include. Those of Qt belong to platform (Core), artworker (Gui), and all windows.
+ANYWHERE = {"tl/expected.hpp"}
+WINDOW_CLASSES = re.compile(
+    r"^(QtWidgets|QtPrintSupport|QtSvgWidgets|QApplication|QWidget|QDialog|QMainWindow|QMessageBox|QFileDialog|"
+    r"QStyle\w*|QLayout|QGridLayout|Q\w*BoxLayout|QFormLayout|QSplitter|QLabel|Q\w*Button|QLineEdit|QComboBox|"
+    r"QSpinBox|QSlider|QProgressBar|Q\w*View|QListWidget|QTreeWidget|QTableWidget|QTabWidget|QTabBar|QMenu\w*|"
+    r"QToolBar|QStatusBar|QPrinter\w*|QPrintDialog|QGraphics\w+)(/|$)")
+LIBRARY_OF = [
+    (re.compile(r"^(Q[A-Z]|Qt)"), "Qt"),
+    (re.compile(r"^fmt/"), "fmt"),
+    (re.compile(r"^sqlite3"), "SQLite"),
+    (re.compile(r"^CLI/"), "CLI11"),
+    (re.compile(r"^nlohmann/"), "nlohmann-json"),
+    (re.compile(r"^pugi"), "pugixml"),
+    (re.compile(r"^lib(av|sw)\w+/"), "FFmpeg"),
+    (re.compile(r"^soxr"), "libsoxr"),
+    (re.compile(r"^(vorbis|ogg)/"), "Vorbis"),
+    (re.compile(r"^lame/"), "libmp3lame"),
+    (re.compile(r"^shine/"), "libshine"),
+    (re.compile(r"^taglib|^(fileref|tag|.*tag)\.h$"), "TagLib"),
+    (re.compile(r"^(rtmidi/)?RtMidi"), "RtMidi"),
+    (re.compile(r"^(rtaudio/)?RtAudio"), "RtAudio"),
+    (re.compile(r"^fluidsynth"), "FluidSynth"),
+    (re.compile(r"^scsi/"), "SG"),
+]
+
+# Put together here, so that this file does not find itself.
+FORBIDDEN = re.compile(
+    r"\b" + "speci" + r"fications?\b|" + r"\bspec" + r"\.md\b|\bPart" + r" \d+\.\d+\b", re.IGNORECASE)
+TEXT_SUFFIXES = {".cpp", ".h", ".def", ".ui", ".py", ".md", ".txt", ".cmake", ".json", ".sh", ".svg", ".htm", ".html",
+                 ".1", ".yml", ".yaml", ""}
+INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
+
+
+def is_window(path):
+    return path[0] == "app" or (len(path) > 2 and path[1] == "ui")
+
+
+def check_include(path, quoted, header, libraries):
+    """What is wrong with one include of a file below src/; libraries collects library -> rooms."""
+    room = path[0]
+    if quoted:
+        target = header.split("/")[0]
+        if target not in ARROWS:
+            return None if target == "resources" or header.startswith("ui_") else f"includes unknown {header}"
+        if "/ui/" in header and not is_window(path):
+            return f"logic includes the window {header}"
+        # The table of filters is the one place below app that serves both programs.
+        if room == "batch" and target == "app" and header not in OPEN_FROM_APP:
+            return f"batch includes {header}"
+        return None if target in ARROWS[room] else f"{room} may not use {target} ({header})"
+    if header in ANYWHERE:
+        return None
+    if WINDOW_CLASSES.match(header) and not is_window(path):
+        return f"logic includes Qt Widgets ({header})"
+    for pattern, library in LIBRARY_OF:
+        if pattern.match(header) and not (library == "Qt" and (is_window(path) or room == "artworker")):
+            libraries.setdefault(library, {}).setdefault(room, header)
+    return None
+
+
+def faults_of(root, files):
+    libraries = {}
+    for name in files:
+        path = Path(name)
+        if path.suffix not in TEXT_SUFFIXES or name.startswith("tests/data/") or "/corpus/" in name:
+            continue
+        text = (root / path).read_text(encoding="utf-8", errors="replace")
+        for match in FORBIDDEN.finditer(text):
+            yield f"{name}:{text.count(chr(10), 0, match.start()) + 1}: mentions \"{match.group()}\""
+        if path.parts[0] != "src" or path.suffix not in {".cpp", ".h"} or path.parts[1] not in ARROWS:
+            continue
+        for match in INCLUDE.finditer(text):
+            fault = check_include(path.parts[1:], match.group(1) == '"', match.group(2), libraries)
+            if fault:
+                yield f"{name}:{text.count(chr(10), 0, match.start()) + 1}: {fault}"
+    for library, rooms in libraries.items():
+        if len(rooms) > 1:
+            yield f"{library} is included in more than one room: {', '.join(sorted(rooms))}"
+
+
+def self_check():
+    """The rules must find what they are for."""
+    cases = [
+        (("frame", "a.h"), True, "midi/x.h", True),
+        (("midi", "a.h"), True, "frame/x.h", False),
+        (("batch", "a.cpp"), True, "app/main_window.h", True),
+        (("batch", "a.cpp"), True, "app/filter_modules.h", False),
+        (("frame", "a.cpp"), True, "frame/ui/x.h", True),
+        (("frame", "a.cpp"), False, "QPushButton", True),
+        (("frame", "ui", "a.cpp"), False, "QPushButton", False),
+        (("artworker", "a.cpp"), False, "QPainter", False),
+    ]
+    for path, quoted, header, wrong in cases:
+        assert (check_include(path, quoted, header, {}) is not None) == wrong, (path, header)
+    assert FORBIDDEN.search("see Part" + " 1.2 of it") and not FORBIDDEN.search("a part of it")
+
+
+def main():
+    self_check()
+    root = Path(sys.argv[1]).resolve()
+    listed = subprocess.run(["git", "-C", root, "ls-files", "-co", "--exclude-standard"], capture_output=True, text=True)
+    files = [name for name in listed.stdout.splitlines() if (root / name).is_file()]
+    if listed.returncode != 0:  # a source archive
+        files = [str(p.relative_to(root)) for p in root.rglob("*")
+                 if p.is_file() and p.relative_to(root).parts[0] not in {"build", ".git"}]
+    faults = list(faults_of(root, files))
+    print("\n".join(faults) if faults else f"{len(files)} files keep the rules")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
