@@ -4,6 +4,7 @@
 
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "platform/volumes.h"
 
 namespace ts5 {
 namespace {
@@ -18,8 +19,6 @@ constexpr auto kAudioCdColumns = std::to_array<ColumnTitle>({
     {FileColumn::Name, TextId::FileColumnTracks},
     {FileColumn::Time, TextId::FileColumnTime},
 });
-
-constexpr std::int32_t kDriveCount = 'z' - 'c' + 1;
 
 }  // namespace
 
@@ -50,34 +49,12 @@ std::string TimeText(std::uint32_t seconds) {
   return Format(Text(TextId::MinutesAndSeconds), seconds / 60, seconds % 60);
 }
 
-char DriveLetter(std::int32_t driveIndex) {
-  return driveIndex >= 0 && driveIndex < kDriveCount ? static_cast<char>('c' + driveIndex) : '?';
-}
-
-std::optional<std::int32_t> DriveIndexOf(char letter) {
-  if (letter >= 'C' && letter <= 'Z') return letter - 'C';
-  if (letter >= 'c' && letter <= 'z') return letter - 'c';
-  return std::nullopt;
-}
-
-std::string DriveText(std::string_view label, std::int32_t driveIndex) {
-  std::string text(Trim(label));
-  if (!text.empty()) text += ' ';
-  return text + '(' + DriveLetter(driveIndex) + ":)";
-}
-
-std::optional<std::int32_t> DriveIndexFromText(std::string_view driveText) {
-  if (driveText.size() < 4 || !driveText.ends_with(":)") || driveText[driveText.size() - 4] != '(')
-    return std::nullopt;
-  return DriveIndexOf(driveText[driveText.size() - 3]);
-}
-
 std::string DriveFailedText(std::int32_t driveIndex) {
-  return Format(Text(TextId::DriveFailed), std::string{DriveLetter(driveIndex), ':'});
+  return Format(Text(TextId::DriveFailed), std::string{LetterOfDrive(driveIndex), ':'});
 }
 
 std::string TreeRootText(std::int32_t driveIndex) {
-  return Format(Text(TextId::TreeRoot), DriveLetter(driveIndex));
+  return Format(Text(TextId::TreeRoot), LetterOfDrive(driveIndex));
 }
 
 std::optional<std::int32_t> SwitchedSourceDrive(std::int32_t current, std::string_view sourcePath,

@@ -28,12 +28,8 @@ struct ColumnTitle {
 [[nodiscard]] std::string ColumnText(const FileListEntry& entry, FileColumn column);
 [[nodiscard]] std::string TimeText(std::uint32_t seconds);  // 185 -> "3:05"
 
-// Drives in the drive selector: entry 0 is the free file list, entry k + 1 the drive of index k (0 is c:).
-[[nodiscard]] char DriveLetter(std::int32_t driveIndex);
-[[nodiscard]] std::optional<std::int32_t> DriveIndexOf(char letter);  // c..z, any case
-[[nodiscard]] std::string DriveText(std::string_view label,
-                                    std::int32_t driveIndex);  // "Persönlicher Ordner (c:)"
-[[nodiscard]] std::optional<std::int32_t> DriveIndexFromText(std::string_view driveText);
+// Texts of a drive by its index; its entry in the drive selector stands one below, as the first entry is the
+// free file list (TextId::ListModeDrive).
 [[nodiscard]] std::string DriveFailedText(std::int32_t driveIndex);  // with the drive as "x:"
 [[nodiscard]] std::string TreeRootText(std::int32_t driveIndex);
 

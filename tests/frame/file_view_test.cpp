@@ -34,16 +34,7 @@ TEST(FileView, ColumnsOfEntries) {
   EXPECT_EQ(Text(DirectoryColumns(false)[0].title), "Dateiname");
 }
 
-TEST(FileView, DrivesAreFoundByTheirTexts) {
-  for (const std::int32_t drive : {0, 1, 23}) {
-    EXPECT_EQ(DriveIndexFromText(DriveText("Medien (alt)", drive)), drive);
-    EXPECT_EQ(DriveIndexFromText(DriveText("", drive)), drive);
-  }
-  EXPECT_EQ(DriveText("Persönlicher Ordner", 0), "Persönlicher Ordner (c:)");
-  for (const char* wrong : {"", "(c:", "c:)", "----- Freie Dateiliste -----", "Disk (a:)", "Disk (1:)"}) {
-    EXPECT_EQ(DriveIndexFromText(wrong), std::nullopt) << wrong;
-  }
-  EXPECT_EQ(DriveIndexOf('D'), 1);
+TEST(FileView, DriveTexts) {
   EXPECT_EQ(DriveFailedText(1), "Laufwerk d: kann nicht geöffnet werden.");
   EXPECT_EQ(TreeRootText(0), "Verzeichnisse auf c:");
 }

@@ -1,0 +1,31 @@
+// The list of named two-colour backgrounds, kept below the settings in the registry.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/outcome.h"
+#include "platform/registry.h"
+
+namespace ts5 {
+
+inline constexpr std::size_t kMaxBackgroundName = 63;  // characters
+
+struct Background {
+  std::uint32_t colour1 = 0;  // 0x00BBGGRR
+  std::uint32_t colour2 = 0;
+  std::uint32_t gradient = 0;  // kind of gradient, 0 none
+  std::string name;
+
+  bool operator==(const Background&) const = default;
+};
+
+// Never fails: what cannot be read is left out, values that do not fit are 0, a name is cut. Never empty:
+// without a stored background the list holds plain white.
+[[nodiscard]] std::vector<Background> LoadBackgrounds(const Registry& registry);
+// Part of a transaction that is open, or one of its own.
+[[nodiscard]] Outcome SaveBackgrounds(Registry& registry, const std::vector<Background>& backgrounds);
+
+}  // namespace ts5

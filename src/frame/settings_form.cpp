@@ -1,0 +1,70 @@
+#include "frame/settings_form.h"
+
+#include "frame/settings_store.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+
+namespace ts5 {
+namespace {
+
+bool IsUsableDirectory(const std::string& path) {
+  return IsUsablePath(path) && IsDirectory(path);
+}
+
+}  // namespace
+
+SettingsForm FormOf(const Settings& settings) {
+  return {settings.jobSaving,
+          settings.oldSearchResults,
+          settings.searchWholePath,
+          settings.pendingSkinLayout,
+          settings.artworkerLayoutDirectory,
+          settings.playbackParameterDirectory,
+          settings.noTargetDefault,
+          settings.sourceDirectoryAsTarget,
+          settings.targetDirectory,
+          settings.useSuffix,
+          settings.suffix,
+          settings.overwriteTarget};
+}
+
+ConversionPageEnabling EnablingOf(const SettingsForm& form) {
+  const bool choices = !form.noTargetDefault;
+  return {.directoryChoice = choices,
+          .directory = choices && !form.sourceDirectoryAsTarget,
+          .suffixChoice = choices,
+          .suffix = choices && form.useSuffix};
+}
+
+SettingsCheck ValidateSettings(const Settings& current, const SettingsForm& form) {
+  Settings next = current;
+  next.jobSaving = form.jobSaving;
+  next.oldSearchResults = form.oldSearchResults;
+  next.searchWholePath = form.searchWholePath;
+  next.pendingSkinLayout = form.skinLayout;
+  next.artworkerLayoutDirectory = NormalisedPath(form.artworkerLayoutDirectory);
+  next.playbackParameterDirectory = NormalisedPath(form.playbackParameterDirectory);
+  next.noTargetDefault = form.noTargetDefault;
+  next.sourceDirectoryAsTarget = form.sourceDirectoryAsTarget;
+  next.targetDirectory = NormalisedPath(form.targetDirectory);
+  next.useSuffix = form.useSuffix;
+  next.overwriteTarget = form.overwriteTarget;
+  next.suffix = CleanSuffix(form.suffix);
+
+  const auto refused = [&](TextId message, SettingsField field) {
+    return SettingsCheck{current, message, field, false};
+  };
+  if (!IsUsableDirectory(next.artworkerLayoutDirectory)) {
+    return refused(TextId::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
+  }
+  if (!IsUsableDirectory(next.playbackParameterDirectory)) {
+    return refused(TextId::InvalidDirectory, SettingsField::PlaybackParameterDirectory);
+  }
+  if (!next.sourceDirectoryAsTarget && !next.noTargetDefault && !IsUsableDirectory(next.targetDirectory)) {
+    return refused(TextId::InvalidDestinationDirectory, SettingsField::TargetDirectory);
+  }
+  if (next.useSuffix && next.suffix.empty()) return refused(TextId::NoSuffix, SettingsField::Suffix);
+  return {next, std::nullopt, SettingsField::None, next.searchWholePath != current.searchWholePath};
+}
+
+}  // namespace ts5
