@@ -1,15 +1,18 @@
 #include "frame/destination.h"
 
+#include <memory>
+
 #include "frame/filter_catalogue.h"
 #include "frame/settings.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "platform/volumes.h"
 
 namespace ts5 {
 namespace {
 
-constexpr std::uint32_t kMaxNumber = 999999;
+constexpr std::uint32_t kMaxNumber = 99999;
 
 // Filters that play, print or write a disc settle no file names.
 bool MakesFiles(FilterId filter) {
@@ -39,10 +42,13 @@ DestinationRules DestinationRulesOf(const Settings& settings) {
           .overwrite = settings.overwriteTarget ? OverwritePolicy::Replace : OverwritePolicy::Number};
 }
 
-const DestinationFiles& SystemDestinationFiles() {
-  static const DestinationFiles files{
-      .exists = FileExists, .isDirectory = IsDirectory, .onCdRom = [](const std::string&) { return false; }};
-  return files;
+DestinationFiles SystemDestinationFiles() {
+  const auto volumes = std::make_shared<const VolumeTable>(VolumeTable::OfThisMachine());
+  const auto onCdRom = [volumes](const std::string& path) {
+    const Volume* const volume = volumes->Find(volumes->DriveOfPath(path));
+    return volume != nullptr && volume->kind == Volume::Kind::Optical;
+  };
+  return {.exists = FileExists, .isDirectory = IsDirectory, .onCdRom = onCdRom};
 }
 
 DestinationMode DestinationModeOf(const Job& job, bool noPreset) {

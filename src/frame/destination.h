@@ -40,8 +40,8 @@ struct DestinationFiles {
   std::function<bool(const std::string&)> isDirectory;
   std::function<bool(const std::string&)> onCdRom;  // the path lies on a disc that cannot be written
 };
-// The real ones.
-[[nodiscard]] const DestinationFiles& SystemDestinationFiles();
+// The real ones, with the volumes as they are mounted now.
+[[nodiscard]] DestinationFiles SystemDestinationFiles();
 
 // Neither flag: the filter makes no file whose name the run settles.
 struct DestinationMode {

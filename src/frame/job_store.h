@@ -17,12 +17,10 @@
 namespace ts5 {
 
 class Registry;
+class VolumeTable;
 
 // More jobs than this are not read, whatever "Job Number" says.
 inline constexpr std::size_t kMaxJobs = 9999;
-// More entries than this are not read into one list.
-inline constexpr std::size_t kMaxStoredFiles = 1000000;
-
 // What loading depends on outside the store.
 struct JobSurroundings {
   ModuleFinder modules;
@@ -38,6 +36,9 @@ struct JobSurroundings {
   std::function<bool(const std::string&)> onDataDisc;
 };
 
+// On this machine; the lengths of the device lists are left at 0.
+[[nodiscard]] JobSurroundings JobSurroundingsOf(const VolumeTable& volumes, ModuleFinder modules);
+
 struct StoredJobs {
   Job defaultJob;
   std::vector<Job> saved;
@@ -49,7 +50,8 @@ struct StoredJobs {
 // The whole content of the job's key.
 [[nodiscard]] RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules);
 
-[[nodiscard]] StoredJobs LoadJobs(Registry& registry, const JobSurroundings& surroundings);
+// Fails only when the registry itself cannot be read.
+[[nodiscard]] Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& surroundings);
 // All jobs and "Job Number" in one transaction: the store holds all of it or what it held before.
 [[nodiscard]] Outcome SaveJobs(Registry& registry, const Job& defaultJob,
                                const std::vector<const Job*>& saved, const ModuleFinder& modules);

@@ -78,7 +78,7 @@ class Jobs {
   bool Remove(std::size_t number, JobWindow& window);
 
   // Gives the job another filter with the values stored for it. Asks when the free file list would be lost
-  // (switch to or from the burner). False when nothing was changed.
+  // (switch to or from the burner). False when the job keeps the filter it had.
   bool SwitchFilter(Job& job, FilterId filter, JobDialogs& dialogs);
 
   [[nodiscard]] std::vector<const Job*> Saved() const;
@@ -86,7 +86,8 @@ class Jobs {
 
  private:
   void TakeSnapshot();
-  [[nodiscard]] bool LeaveActive(JobSaving policy, JobWindow& window);
+  void Commit(JobWindow& window);
+  void Leave(JobSaving policy, JobWindow& window);
 
   ModuleFinder modules_;
   Job default_;
