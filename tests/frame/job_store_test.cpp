@@ -1,6 +1,9 @@
 #include "frame/job_store.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <random>
 
@@ -318,21 +321,47 @@ TEST(JobStore, FewerJobsLeaveTheOldKeysUnread) {
   EXPECT_EQ(registry->Read(kRoot)->Text("Job Number"), "2");
 }
 
-TEST(JobStore, SaveThatFailsChangesNothing) {
-  auto registry = Registry::Open(kRegistryInMemory);
-  ASSERT_TRUE(registry);
-  Job a;
-  a.title = "a";
-  ASSERT_THAT(SaveJobs(*registry, Job(), {&a}, FindCopyModule), IsOk());
-  Job other = a;
-  other.title = "b";
-  Job tooLarge;
-  tooLarge.stored.SetText("Value", std::string(std::size_t{257} << 20, 'x'));
-  EXPECT_THAT(SaveJobs(*registry, Job(), {&other, &tooLarge}, FindCopyModule),
-              FailsWith(Outcome::WriteFailed));
-  const auto jobs = LoadJobs(*registry, Surroundings());
-  ASSERT_EQ(jobs->saved.size(), 1U);
-  EXPECT_EQ(jobs->saved[0].title, "a");
+// A program that saves one generation of jobs after the other is killed; what is left is one of them, whole.
+TEST(JobStore, SurvivesAKillAtAnyMoment) {
+  const test::TemporaryDirectory place;
+  const std::string path = place.File("registry");
+  ASSERT_TRUE(Registry::Open(path));
+  std::mt19937 random(99);
+  for (int round = 0; round < 8; ++round) {
+    const pid_t child = fork();
+    if (child == 0) {
+      auto registry = Registry::Open(path);
+      if (!registry) _exit(1);
+      for (int generation = 0;; ++generation) {
+        std::vector<Job> jobs(static_cast<std::size_t>(5 + generation % 20));
+        std::vector<const Job*> pointers;
+        for (Job& job : jobs) {
+          job.title = std::to_string(generation);
+          for (int i = 0; i < 50; ++i) job.files.Append({.path = "/x/" + job.title});
+          pointers.push_back(&job);
+        }
+        if (Failed(SaveJobs(*registry, jobs.front(), pointers, FindCopyModule))) _exit(1);
+      }
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(30 + random() % 60));
+    ASSERT_EQ(kill(child, SIGKILL), 0);
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status)) << "the child failed by itself";
+
+    const auto registry = Registry::Open(path);
+    ASSERT_TRUE(registry);
+    EXPECT_EQ(registry->Notice(), "");
+    const auto jobs = LoadJobs(*registry, Surroundings());
+    ASSERT_TRUE(jobs);
+    const std::string generation = jobs->defaultJob.title;
+    if (generation == "Default Job") continue;  // killed before the first save
+    ASSERT_EQ(jobs->saved.size(), 5U + std::stoul(generation) % 20);
+    for (const Job& job : jobs->saved) {
+      ASSERT_EQ(job.title, generation);
+      ASSERT_EQ(job.files.Size(), 50U);
+    }
+  }
 }
 
 TEST(JobStore, PathsOfTheOldSystemAreFound) {
