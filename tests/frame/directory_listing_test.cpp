@@ -6,14 +6,13 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <ctime>
-#include <deque>
 #include <filesystem>
 #include <mutex>
 #include <optional>
 #include <thread>
 
+#include "platform/event_loop.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -124,41 +123,17 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
   EXPECT_LT(seconds, 2.0);
 }
 
-// An event loop of the test's own: events wait until they are taken.
-class EventQueue {
- public:
-  DirectoryLister::Post Poster() {
-    return [this](std::function<void()> event) {
-      const std::lock_guard lock(mutex_);
-      events_.push_back(std::move(event));
-      added_.notify_one();
-    };
-  }
-  // Runs events until done says so; false after ten seconds.
-  template <typename Done>
-  bool RunUntil(Done done) {
-    while (!done()) {
-      std::unique_lock lock(mutex_);
-      if (!added_.wait_for(lock, std::chrono::seconds(10), [this] { return !events_.empty(); })) return false;
-      const auto event = std::move(events_.front());
-      events_.pop_front();
-      lock.unlock();
-      event();
-    }
-    return true;
-  }
+constexpr std::chrono::seconds kPatience{30};
 
- private:
-  std::mutex mutex_;
-  std::condition_variable added_;
-  std::deque<std::function<void()>> events_;
-};
+DirectoryLister::Post PostTo(EventLoop& loop) {
+  return [&loop](std::function<void()> event) { loop.Post(std::move(event)); };
+}
 
 TEST(DirectoryLister, RunsOneListingAtATime) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  EventQueue queue;
-  DirectoryLister lister(queue.Poster());
+  StandardEventLoop loop;
+  DirectoryLister lister(PostTo(loop));
   std::vector<std::string> names;
   int ends = 0;
   const auto sink = [&](std::vector<DirectoryItem> batch) {
@@ -171,10 +146,10 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
   };
   EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
   EXPECT_FALSE(lister.Start(directory.Path(), sink, end)) << "ignored while the first one runs";
-  EXPECT_TRUE(queue.RunUntil([&] { return ends == 1; }));
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }, kPatience));
   EXPECT_THAT(names, ElementsAre("a.mid"));
   EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_TRUE(queue.RunUntil([&] { return ends == 2; }));
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }, kPatience));
 }
 
 // A disc that does not answer holds up neither Cancel nor the next listing, and what it says later is
@@ -182,11 +157,11 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
 TEST(DirectoryLister, CancelDoesNotWait) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  EventQueue queue;
+  StandardEventLoop loop;
   std::mutex hold;
   std::unique_lock held(hold);
   std::atomic<int> answered = 0;
-  std::optional<DirectoryLister> lister(std::in_place, queue.Poster(), [&](const std::string& path) {
+  std::optional<DirectoryLister> lister(std::in_place, PostTo(loop), [&](const std::string& path) {
     if (path != "/slow") return std::optional<std::vector<std::uint32_t>>{};
     const std::lock_guard wait(hold);
     ++answered;
@@ -199,7 +174,7 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   EXPECT_FALSE(lister->Running());
   ASSERT_TRUE(lister->Start(
       directory.Path(), [](auto) {}, [&](ListingEnd) { ended = true; }));
-  EXPECT_TRUE(queue.RunUntil([&] { return ended; }));
+  EXPECT_TRUE(loop.RunUntil([&] { return ended; }, kPatience));
 
   ASSERT_TRUE(lister->Start(directory.Path(), never, never));
   lister.reset();
@@ -207,8 +182,8 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   while (answered == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   bool marker = false;
-  queue.Poster()([&] { marker = true; });
-  EXPECT_TRUE(queue.RunUntil([&] { return marker; }));
+  loop.Post([&] { marker = true; });
+  EXPECT_TRUE(loop.RunUntil([&] { return marker; }, kPatience));
 }
 
 TEST(DirectoryTree, ShowsWhatCanBeExpanded) {
