@@ -7,11 +7,11 @@ namespace ts5 {
 namespace {
 
 constexpr auto kTexts = [] {
-  std::array rows{
+  auto rows = std::to_array<TextRow>({
 #define TEXT(name, number, text) TextRow{TextId::name, text},
 #include "resources/strings.def"
 #undef TEXT
-  };
+  });
   std::ranges::sort(rows, {}, &TextRow::id);
   return rows;
 }();
