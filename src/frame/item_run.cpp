@@ -150,6 +150,7 @@ class ItemRun {
                   .parameters = *run_.GetJob().parameters,
                   .source = item.source,
                   .target = *item.target,
+                  .abandoned = abandoned_,
                   .progress = [this, index = item.index](double fraction) {
                     if (front_.load(std::memory_order_relaxed) == index) ShowProgress(index, fraction);
                   }};
@@ -292,6 +293,7 @@ class ItemRun {
       room.notify_all();
     }
     if (front == count_ && run_.Cancelled()) EndCancelled();
+    abandoned_ = true;
     {
       const std::lock_guard lock(mutex);
       ending = true;
@@ -313,12 +315,13 @@ class ItemRun {
   const DestinationMode mode_;
   std::size_t successes_ = 0;
   std::atomic<std::size_t> front_ = 0;
+  std::atomic<bool> abandoned_ = false;
 };
 
 }  // namespace
 
 bool ItemWork::Cancelled() const {
-  return run.Cancelled();
+  return run.Cancelled() || abandoned.load(std::memory_order_relaxed);
 }
 
 std::string AutomaticDestination(const Job& job, const FilterModule& module, const DestinationRules& rules,

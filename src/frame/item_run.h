@@ -15,6 +15,7 @@
 // lost by surprise.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -35,12 +36,14 @@ struct ItemWork {
   const FilterParameters& parameters;
   const std::string& source;
   StagedFile& target;
+  const std::atomic<bool>& abandoned;    // the run ends before this item has its turn
   std::function<void(double)> progress;  // fraction of this item, 0 to 1
 
   // May be filled in: see Status.
   bool extended = false;
   std::int32_t number = 0;
 
+  // To be polled by every loop over data.
   [[nodiscard]] bool Cancelled() const;
 };
 

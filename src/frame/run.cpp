@@ -102,6 +102,7 @@ std::vector<std::string> Run::Remarks(std::span<const Remark> table) const {
 void Run::Finish() {
   const std::lock_guard lock(hostMutex_);
   SendProgress();
+  for (const Status& status : statusList_) result_.cancelled |= status.code == Code(Outcome::Cancelled);
   state_->currentItem = 0;
   state_->state = RunState::Idle;
   host_->StateChanged(RunState::Idle);

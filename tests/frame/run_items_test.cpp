@@ -352,6 +352,18 @@ TEST(RunItems, StopEndsAnOpenQuestion) {
   EXPECT_EQ(test::Content(place.File("a.out")), "old");
 }
 
+TEST(RunItems, RefusalAbandonsWhatIsAlreadyAtWork) {
+  const TemporaryDirectory place;
+  const FilterModule module = CopyModule(FilterId::MidiConverter, 3);
+  const Job job = ListJob(
+      {place.Write("a.mid", "ok"), place.Write("b.mid", "block"), place.Write("c.mid", "ok")}, module);
+  place.Write("a.out", "old");
+  const auto host = std::make_shared<RecordingHost>(std::deque{Answer::No});
+  const RunResult result = RunJob(job, module, {.overwrite = OverwritePolicy::Ask}, host);
+  EXPECT_THAT(Codes(result), ElementsAre(-5));
+  EXPECT_EQ(test::Listing(place.Path()), "a.mid a.out b.mid c.mid");
+}
+
 TEST(RunItems, QuestionWhoseWindowGoesAwayIsCancelled) {
   const TemporaryDirectory place;
   const FilterModule module = CopyModule();
