@@ -2,7 +2,7 @@
 # Read by ./run, ./test and .ci/run after scripts/common.sh.
 
 # Compiler and tools.
-packages_tools="g++ cmake ninja-build pkg-config ccache git"
+packages_tools="g++ cmake ninja-build pkg-config ccache git python3"
 # What the programs are made of; each is there for one job (docs/architecture.md says which).
 packages_libraries="
   libfmt-dev libexpected-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev libpugixml-dev

@@ -1,1 +1,13 @@
-int main() { return 0; }
+// The console program ts5-batch.
+#include <string>
+#include <vector>
+
+#include "batch/commands.h"
+#include "batch/terminal.h"
+
+int main(int count, char** words) {
+  ts5::batch::CatchInterrupts();
+  const std::vector<std::string> line(words + (count > 0 ? 1 : 0), words + count);
+  ts5::batch::Console console = ts5::batch::TerminalConsole();
+  return ts5::batch::RunBatch(line, console);
+}

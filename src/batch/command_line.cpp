@@ -1,0 +1,77 @@
+#include "batch/command_line.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "platform/strings.h"
+#include "platform/text.h"
+
+namespace ts5::batch {
+
+std::optional<Setting> ParseSetting(std::string_view text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string_view::npos) return std::nullopt;
+  const std::string_view name = Trim(text.substr(0, equals));
+  if (name.empty()) return std::nullopt;
+  return Setting{name, text.substr(equals + 1)};
+}
+
+std::optional<OverwritePolicy> ParseOverwrite(std::string_view text) {
+  struct Row {
+    std::string_view word;
+    OverwritePolicy policy;
+  };
+  constexpr std::array rows{Row{"yes", OverwritePolicy::Replace}, Row{"number", OverwritePolicy::Number},
+                            Row{"ask", OverwritePolicy::Ask}};
+  for (const Row& row : rows) {
+    if (EqualsIgnoringCase(text, row.word)) return row.policy;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> ApplySettings(std::span<const ParameterField> fields, FilterParameters& parameters,
+                                         std::span<const std::string> settings) {
+  for (const std::string& text : settings) {
+    const auto setting = ParseSetting(text);
+    if (!setting) return Format(Text(TextId::BatchSettingShape), text);
+    const auto field = std::ranges::find_if(
+        fields, [&](const ParameterField& row) { return EqualsIgnoringCase(row.name, setting->name); });
+    if (field == fields.end()) {
+      std::string names;
+      for (const ParameterField& row : fields) names += (names.empty() ? "" : ", ") + row.name;
+      if (names.empty()) return std::string(Text(TextId::BatchNoParameters));
+      return Format(Text(TextId::BatchParameterUnknown), setting->name, names);
+    }
+    if (!field->set(parameters, setting->value)) {
+      return Format(Text(TextId::BatchValueWrong), setting->value, field->name, field->description);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> ParseHexBytes(std::string_view text) {
+  std::string bytes;
+  for (std::size_t i = 0; i < text.size();) {
+    if (text[i] == ' ' || text[i] == ',') {
+      ++i;
+      continue;
+    }
+    if (i + 2 > text.size()) return std::nullopt;
+    unsigned value = 0;
+    const char* const end = text.data() + i + 2;
+    const auto [stop, fault] = std::from_chars(text.data() + i, end, value, 16);
+    if (fault != std::errc() || stop != end) return std::nullopt;
+    bytes.push_back(static_cast<char>(value));
+    i += 2;
+  }
+  return bytes;
+}
+
+bool MeansYes(std::string_view reply) {
+  constexpr std::array words{"j", "ja", "y", "yes"};
+  const std::string_view word = Trim(reply);
+  return std::ranges::any_of(words, [&](std::string_view yes) { return EqualsIgnoringCase(word, yes); });
+}
+
+}  // namespace ts5::batch

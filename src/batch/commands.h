@@ -1,0 +1,42 @@
+// The commands of the console program.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "batch/console.h"
+#include "platform/strings.h"
+
+namespace ts5::batch {
+
+using CommandLine = std::span<const std::string>;
+
+struct Command {
+  std::string_view name;  // "run", "registry list"
+  TextId summary;
+  int (*run)(CommandLine line, Console& console);  // the exit status
+};
+
+int FiltersCommand(CommandLine line, Console& console);
+int JobsCommand(CommandLine line, Console& console);
+int TypeCommand(CommandLine line, Console& console);
+int InfoCommand(CommandLine line, Console& console);
+int RunCommand(CommandLine line, Console& console);
+int JobCommand(CommandLine line, Console& console);
+int RegistryCommand(CommandLine line, Console& console);
+
+// One of several commands by the first argument; help, and what is said of a wrong one, come from the table.
+// prefix: what stands before the command on the line, "" or "registry".
+struct CommandGroup {
+  std::string_view prefix;
+  std::span<const Command> commands;
+  TextId overview;
+  TextId examples;
+};
+int Dispatch(const CommandGroup& group, CommandLine line, Console& console);
+
+// The whole program: its arguments without its own name. Never throws.
+int RunBatch(CommandLine line, Console& console);
+
+}  // namespace ts5::batch

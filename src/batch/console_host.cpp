@@ -1,0 +1,155 @@
+#include "batch/console_host.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "batch/command_line.h"
+#include "batch/run_output.h"
+#include "platform/strings.h"
+#include "platform/text.h"
+
+namespace ts5::batch {
+namespace {
+
+// How often the main thread looks whether Ctrl+C was pressed.
+constexpr std::chrono::milliseconds kInterruptPoll{50};
+
+// Texts of message boxes have line ends of their own; on the console one line is easier to read.
+std::string OnOneLine(std::string_view text) {
+  std::string line;
+  for (const std::string_view part : Split(text, '\n')) {
+    const std::string_view words = Trim(part);
+    if (!words.empty()) line += (line.empty() ? "" : " ") + std::string(words);
+  }
+  return line;
+}
+
+}  // namespace
+
+Answer AskOnConsole(Console& console, const QuestionText& question) {
+  const std::string text = OnOneLine(question.text);
+  const Answer no = question.buttons == QuestionButtons::OkCancel ? Answer::Cancelled : Answer::No;
+  if (!console.readLine) {
+    console.err << Format(Text(TextId::BatchAnsweredNo), text) << '\n';
+    return no;
+  }
+  const bool presetYes = question.preset == Answer::Yes;
+  console.err << Format(Text(presetYes ? TextId::BatchQuestionYesNoPreset : TextId::BatchQuestionYesNo), text)
+              << std::flush;
+  const auto reply = console.readLine();
+  if (!reply) {
+    console.err << '\n';
+    return Answer::Cancelled;
+  }
+  const bool yes = Trim(*reply).empty() ? presetYes : MeansYes(*reply);
+  return yes ? Answer::Yes : no;
+}
+
+ConsoleHost::ConsoleHost(Console& console, OutputOptions options)
+    : console_(console), options_(options), line_(console, Talks()) {}
+
+void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()>& stop) {
+  std::deque<Action> actions;
+  while (!finished_) {
+    {
+      std::unique_lock lock(mutex_);
+      arrived_.wait_for(lock, kInterruptPoll, [this] { return !actions_.empty(); });
+      actions.swap(actions_);
+    }
+    if (!stopping_ && console_.Interrupted()) {
+      stopping_ = true;
+      const auto text = stop();
+      status_ = Text(text.value_or(TextId::BatchStopping));
+    }
+    for (const Action& action : actions) action();
+    actions.clear();
+    if (!finished_) ShowProgress();
+  }
+  line_.Clear();
+}
+
+void ConsoleHost::ShowProgress() {
+  std::string text;
+  if (progress_.items > 0) {
+    const double done =
+        (progress_.item > 0 ? progress_.item - 1 : 0) + std::clamp(progress_.fraction, 0.0, 1.0);
+    text = Format(Text(TextId::BatchProgress), progress_.item, progress_.items,
+                  static_cast<int>(100 * std::min(done / progress_.items, 1.0)));
+  }
+  if (!status_.empty()) text += (text.empty() ? "" : "  ") + status_;
+  if (!text.empty()) line_.Show(text);
+}
+
+void ConsoleHost::Queue(Action action) {
+  {
+    const std::lock_guard lock(mutex_);
+    actions_.push_back(std::move(action));
+  }
+  arrived_.notify_one();
+}
+
+void ConsoleHost::Progress(const RunProgress& progress) {
+  Queue([this, progress] { progress_ = progress; });
+}
+
+void ConsoleHost::StatusText(std::string_view text) {
+  Queue([this, status = OnOneLine(text)] {
+    if (!stopping_) status_ = status;
+  });
+}
+
+void ConsoleHost::ProtocolLine(std::string_view text) {
+  if (!Talks()) return;
+  Queue([this, protocol = std::string(text)] {
+    line_.Clear();
+    console_.err << protocol << '\n';
+  });
+}
+
+Outcome ConsoleHost::Hit(const SearchHit& hit) {
+  Queue([this, hit] {
+    hits_.push_back(hit);
+    if (options_.json) return;
+    line_.Clear();
+    console_.out << HitText(hit) << '\n';
+  });
+  return Outcome::Success;
+}
+
+void ConsoleHost::Ask(std::shared_ptr<Question> question) {
+  Queue([this, question = std::move(question)] {
+    if (question->Withdrawn()) return;
+    line_.Clear();
+    if (question->Text().results && !options_.json) console_.out << ResultText(*question->Text().results);
+    question->Reply(stopping_ ? Answer::Cancelled : AskOnConsole(console_, question->Text()));
+  });
+}
+
+void ConsoleHost::Notice(std::string_view text, MessageIcon icon) {
+  if (icon == MessageIcon::Information && !Talks()) return;
+  Queue([this, notice = OnOneLine(text)] {
+    line_.Clear();
+    PrintError(console_, notice);
+  });
+}
+
+void ConsoleHost::StateChanged(RunState /*state*/) {}
+
+void ConsoleHost::Finished(const RunResult& result) {
+  Queue([this, result] {
+    result_ = result;
+    finished_ = true;
+  });
+}
+
+bool ConsoleDialogs::Confirm(std::string_view question, MessageIcon icon, Answer preset) {
+  return AskOnConsole(console_, {.text = std::string(question), .icon = icon, .preset = preset}) ==
+         Answer::Yes;
+}
+
+void ConsoleDialogs::Tell(std::string_view text, MessageIcon icon) {
+  if (icon == MessageIcon::Information && options_.quiet) return;
+  PrintError(console_, OnOneLine(text));
+}
+
+}  // namespace ts5::batch

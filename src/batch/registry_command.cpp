@@ -1,0 +1,235 @@
+// "ts5-batch registry": what the program remembers, for scripts and for those who bring it from elsewhere.
+#include <array>
+
+#include "batch/arguments.h"
+#include "batch/command_line.h"
+#include "batch/commands.h"
+#include "batch/store.h"
+#include "platform/files.h"
+#include "platform/reg_file.h"
+#include "platform/text.h"
+
+namespace ts5::batch {
+namespace {
+
+// Said when the registry could not be read or saved.
+int StoreFailed(Console& console, Outcome outcome) {
+  PrintError(console, RegistryFailureText(outcome, DefaultRegistryPath()));
+  return kExitFailed;
+}
+
+std::string ValueText(const RegistryValue& value) {
+  if (value.kind == RegistryValue::Kind::Text) return value.data;
+  std::string hex;
+  for (const char byte : value.data) {
+    hex += (hex.empty() ? "" : " ") + Format("%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
+  }
+  return hex;
+}
+
+// A line of "registry list": texts in quotes, so that blanks at the end are seen.
+std::string ValueLine(std::string_view name, const RegistryValue& value) {
+  const bool text = value.kind == RegistryValue::Kind::Text;
+  return std::string(name) + " = " + (text ? "\"" + value.data + "\"" : "hex: " + ValueText(value));
+}
+
+// The key of a command line; nothing after saying that it is none.
+std::optional<std::string> KeyOrComplain(Console& console, std::string_view text) {
+  auto key = KeyOf(text);
+  if (!key) PrintError(console, Format(Text(TextId::BatchKeyWrong), text));
+  return key;
+}
+
+// Prints a key, and all below it when recursive.
+Outcome PrintKey(Console& console, const Registry& registry, const std::string& key, bool recursive) {
+  const auto values = registry.Read(key);
+  if (!values) return values.error();
+  const auto subkeys = registry.Subkeys(key);
+  if (!subkeys) return subkeys.error();
+  console.out << '[' << key << "]\n";
+  for (const auto& [name, value] : values->All()) console.out << ValueLine(name, value) << '\n';
+  for (const std::string& subkey : *subkeys) {
+    const std::string below = key + "\\" + subkey;
+    if (!recursive) {
+      console.out << '[' << below << "]\n";
+      continue;
+    }
+    if (const Outcome outcome = PrintKey(console, registry, below, true); Failed(outcome)) return outcome;
+  }
+  return Outcome::Success;
+}
+
+int ListCommand(CommandLine line, Console& console) {
+  std::optional<std::string> keyText;
+  bool recursive = false;
+  Arguments arguments("registry list", TextId::BatchRegistryListSummary, TextId::BatchRegistryListExamples);
+  arguments.Flag("--recursive", recursive, TextId::BatchHelpRecursive);
+  arguments.Optional("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  const auto key = KeyOrComplain(console, keyText.value_or(""));
+  if (!key) return kExitUsage;
+  const auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+
+  const auto exists = registry->Exists(*key);
+  if (!exists) return StoreFailed(console, exists.error());
+  if (!*exists && keyText) {
+    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    return kExitFailed;
+  }
+  const Outcome outcome = PrintKey(console, *registry, *key, recursive);
+  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+}
+
+int GetCommand(CommandLine line, Console& console) {
+  std::string keyText;
+  std::string name;
+  Arguments arguments("registry get", TextId::BatchRegistryGetSummary, TextId::BatchRegistryGetExamples);
+  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  arguments.Required("NAME", name, TextId::BatchHelpValueName);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  const auto key = KeyOrComplain(console, keyText);
+  if (!key) return kExitUsage;
+  const auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+
+  const auto values = registry->Read(*key);
+  if (!values) return StoreFailed(console, values.error());
+  const RegistryValue* value = values->Find(name);
+  if (value == nullptr) {
+    PrintError(console, Format(Text(TextId::BatchValueMissing), name, *key));
+    return kExitFailed;
+  }
+  console.out << ValueText(*value) << '\n';
+  return kExitSuccess;
+}
+
+int SetCommand(CommandLine line, Console& console) {
+  std::string keyText;
+  std::string name;
+  std::string valueText;
+  bool binary = false;
+  Arguments arguments("registry set", TextId::BatchRegistrySetSummary, TextId::BatchRegistrySetExamples);
+  arguments.Flag("--binary", binary, TextId::BatchHelpBinary);
+  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  arguments.Required("NAME", name, TextId::BatchHelpValueName);
+  arguments.Required("WERT", valueText, TextId::BatchHelpValue);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  const auto key = KeyOrComplain(console, keyText);
+  if (!key) return kExitUsage;
+  RegistryValue value{RegistryValue::Kind::Text, valueText};
+  if (binary) {
+    const auto bytes = ParseHexBytes(valueText);
+    if (!bytes) return WrongUsage(console, "registry set", Format(Text(TextId::BatchHexWrong), valueText));
+    value = {RegistryValue::Kind::Binary, *bytes};
+  }
+  auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+  const Outcome outcome = registry->SetValue(*key, name, std::move(value));
+  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+}
+
+int DeleteCommand(CommandLine line, Console& console) {
+  std::string keyText;
+  std::optional<std::string> name;
+  Arguments arguments("registry delete", TextId::BatchRegistryDeleteSummary,
+                      TextId::BatchRegistryDeleteExamples);
+  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  arguments.Optional("NAME", name, TextId::BatchHelpValueName);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  const auto key = KeyOrComplain(console, keyText);
+  if (!key) return kExitUsage;
+  auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+
+  const auto values = registry->Read(*key);
+  if (!values) return StoreFailed(console, values.error());
+  if (name && values->Find(*name) == nullptr) {
+    PrintError(console, Format(Text(TextId::BatchValueMissing), *name, *key));
+    return kExitFailed;
+  }
+  const auto exists = registry->Exists(*key);
+  if (exists && !*exists) {
+    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    return kExitFailed;
+  }
+  const Outcome outcome = name ? registry->DeleteValue(*key, *name) : registry->DeleteKey(*key);
+  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+}
+
+int ImportCommand(CommandLine line, Console& console) {
+  std::string path;
+  Arguments arguments("registry import", TextId::BatchRegistryImportSummary,
+                      TextId::BatchRegistryImportExamples);
+  arguments.Required("DATEI.reg", path, TextId::BatchHelpRegFile);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+
+  const auto content = ReadFile(path, kMaxRegFileSize);
+  if (!content) {
+    PrintError(console, Format(Text(TextId::BatchFileUnreadable), path));
+    return kExitFailed;
+  }
+  const auto report = ImportRegText(*content, *registry);
+  if (!report) {
+    if (report.error() != Outcome::WrongFormat) return StoreFailed(console, report.error());
+    PrintError(console, Format(Text(TextId::BatchNotARegFile), path));
+    return kExitFailed;
+  }
+  for (const RegFileError& error : report->errors) {
+    PrintError(console, Format(Text(TextId::BatchRegLine), path, error.line, error.text));
+  }
+  if (report->errorCount > report->errors.size()) {
+    PrintError(console, Format(Text(TextId::BatchRegMoreLines), report->errorCount - report->errors.size()));
+  }
+  console.out << Format(Text(TextId::BatchImported), report->keys, report->values) << '\n';
+  if (report->skipped > 0) console.out << Format(Text(TextId::BatchSkipped), report->skipped) << '\n';
+  return report->errorCount > 0 ? kExitFailed : kExitSuccess;
+}
+
+int ExportCommand(CommandLine line, Console& console) {
+  std::string path;
+  std::optional<std::string> keyText;
+  Arguments arguments("registry export", TextId::BatchRegistryExportSummary,
+                      TextId::BatchRegistryExportExamples);
+  arguments.Required("DATEI.reg", path, TextId::BatchHelpRegFile);
+  arguments.Optional("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  const auto key = KeyOrComplain(console, keyText.value_or(""));
+  if (!key) return kExitUsage;
+  const auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+
+  const auto exists = registry->Exists(*key);
+  if (exists && !*exists) {
+    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    return kExitFailed;
+  }
+  const auto text = ExportRegText(*registry, *key);
+  if (!text) return StoreFailed(console, text.error());
+  if (Failed(WriteFile(path, *text))) {
+    PrintError(console, Format(Text(TextId::BatchFileUnwritable), path));
+    return kExitFailed;
+  }
+  return kExitSuccess;
+}
+
+constexpr std::array kCommands{
+    Command{"list", TextId::BatchRegistryListSummary, ListCommand},
+    Command{"get", TextId::BatchRegistryGetSummary, GetCommand},
+    Command{"set", TextId::BatchRegistrySetSummary, SetCommand},
+    Command{"delete", TextId::BatchRegistryDeleteSummary, DeleteCommand},
+    Command{"import", TextId::BatchRegistryImportSummary, ImportCommand},
+    Command{"export", TextId::BatchRegistryExportSummary, ExportCommand},
+};
+constexpr CommandGroup kGroup{"registry", kCommands, TextId::BatchRegistrySummary,
+                              TextId::BatchRegistryOverviewExamples};
+
+}  // namespace
+
+int RegistryCommand(CommandLine line, Console& console) {
+  return Dispatch(kGroup, line, console);
+}
+
+}  // namespace ts5::batch

@@ -1,0 +1,205 @@
+// "ts5-batch run": a filter over files, with parameters from the command line.
+#include <algorithm>
+
+#include "app/filter_modules.h"
+#include "batch/arguments.h"
+#include "batch/command_line.h"
+#include "batch/commands.h"
+#include "batch/run_session.h"
+#include "batch/store.h"
+#include "frame/directory_listing.h"
+#include "frame/file_list_file.h"
+#include "frame/filter_bar.h"
+#include "frame/filter_catalogue.h"
+#include "frame/settings_store.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "platform/volumes.h"
+
+namespace ts5::batch {
+namespace {
+
+constexpr std::string_view kCommand = "run";
+
+struct Request {
+  std::string filter;
+  std::vector<std::string> settings;
+  std::optional<std::string> destination;
+  std::optional<std::string> destinationDirectory;
+  std::optional<std::string> overwrite;
+  std::optional<std::string> list;
+  std::optional<std::string> directory;
+  OutputOptions output;
+  std::vector<std::string> files;
+};
+
+// Identifiers of the filters, of all or of those that this build can run.
+std::string FilterNames(bool runnable) {
+  std::string names;
+  for (const FilterDescriptor& filter : FilterCatalogue()) {
+    if (runnable && FindModule(filter.id) == nullptr) continue;
+    names += (names.empty() ? "" : ", ") + std::string(filter.identifier);
+  }
+  return names;
+}
+
+// The help of the filter's parameters, with the defaults; how to get it while no filter is named.
+std::string ParameterHelp(const std::string& filter) {
+  const FilterModule* module = FindModule(FindFilter(filter));
+  if (module == nullptr) return "\n" + std::string(Text(TextId::BatchHelpParameterTail)) + "\n";
+  const auto parameters = module->create();
+  std::string help = "\n" + std::string(Text(TextId::BatchHelpParameters)) + "\n";
+  std::size_t width = 0;
+  for (const ParameterField& field : module->fields) width = std::max(width, field.name.size());
+  for (const ParameterField& field : module->fields) {
+    RegistryValues values;
+    field.save(*parameters, values);
+    const std::string preset(values.Text(field.name).value_or(""));
+    help += "  " + Padded(field.name, width + 2) + field.description +
+            (preset.empty() ? "" : "  (" + preset + ")") + "\n";
+  }
+  return help;
+}
+
+// A path of a command line counts from the current directory; a bare name would be completed with the
+// directory of the source.
+std::string FromCurrentDirectory(const std::string& path) {
+  return DirectoryOf(path).empty() ? JoinPath(".", path) : path;
+}
+
+// The first number that is free, for a destination that is there already.
+std::string NumberedIfThere(const std::string& path) {
+  if (!HasExtension(path)) return path;
+  const std::string_view head = WithoutExtension(path);
+  const TargetName name{.head = std::string(head), .tail = path.substr(head.size())};
+  return SettledName(name, true, SystemDestinationFiles()).value_or(path);
+}
+
+// What cannot be right whatever the files hold; nothing when all is well.
+std::optional<std::string> Contradiction(const Request& request) {
+  const bool names = !request.files.empty() || request.list;
+  if (request.directory && names) return std::string(Text(TextId::BatchDirAlone));
+  if (!request.directory && !names) return std::string(Text(TextId::BatchNoSources));
+  if (request.destination && request.destinationDirectory) return std::string(Text(TextId::BatchDestTwice));
+  if (request.overwrite && !ParseOverwrite(*request.overwrite)) {
+    return Format(Text(TextId::BatchOverwriteWrong), *request.overwrite);
+  }
+  for (const auto& directory : {request.destinationDirectory, request.directory}) {
+    if (directory && !IsDirectory(*directory)) return Format(Text(TextId::BatchNoDirectory), *directory);
+  }
+  return std::nullopt;
+}
+
+// The files of a directory that the filter takes, all selected. False after saying what is wrong.
+bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
+  job.sourceDrive = 0;
+  job.directory.path = directory;
+  std::uint32_t index = 0;
+  const auto take = [&](const std::vector<DirectoryItem>& items) {
+    for (const DirectoryItem& item : items) {
+      SourceContext one;
+      one.selection.Add(item.name, item.cdTrack);
+      if (Accepts(job.filter, one)) {
+        job.directory.names.push_back(item.name);
+        job.directory.indices.push_back(index);
+      }
+      ++index;
+    }
+  };
+  const ListingEnd end = ListDirectory(directory, {}, {}, take);
+  if (Failed(end.outcome)) {
+    PrintError(console, Format(Text(TextId::BatchDirectoryUnreadable), directory));
+    return false;
+  }
+  if (job.directory.names.empty()) {
+    PrintError(console, Format(Text(TextId::BatchDirectoryEmpty), directory));
+    return false;
+  }
+  return true;
+}
+
+// Takes the entries of a file list, and says what is missing of it. Nothing when it cannot be used at all,
+// else whether all files were there.
+std::optional<bool> TakeList(Console& console, Job& job, const std::string& path) {
+  const bool burner = job.filter == FilterId::CdBurner;
+  auto loaded = LoadFileList(path, burner, VolumeTable::OfThisMachine());
+  if (const auto message = LoadMessage(loaded, path)) PrintError(console, message->text);
+  if (!loaded) return std::nullopt;
+  const bool complete = loaded->missing == 0;
+  if (TakeLoadedList(job.files, std::move(*loaded), true, burner)) {
+    PrintError(console, Text(TextId::TooManyTracks));
+  }
+  return complete;
+}
+
+}  // namespace
+
+int RunCommand(CommandLine line, Console& console) {
+  Request request;
+  Arguments arguments(kCommand, TextId::BatchRunSummary, TextId::BatchRunExamples);
+  arguments.Required("FILTER", request.filter, TextId::BatchHelpFilter);
+  arguments.Repeated("--set", "NAME=WERT", request.settings, TextId::BatchHelpSet);
+  arguments.Option("--dest", "DATEI", request.destination, TextId::BatchHelpDest);
+  arguments.Option("--dest-dir", "VERZ", request.destinationDirectory, TextId::BatchHelpDestDir);
+  arguments.Option("--overwrite", "yes|number|ask", request.overwrite, TextId::BatchHelpOverwrite);
+  arguments.Option("--list", "LISTE.sts", request.list, TextId::BatchHelpList);
+  arguments.Option("--dir", "VERZ", request.directory, TextId::BatchHelpDir);
+  arguments.Flag("--json", request.output.json, TextId::BatchHelpJson);
+  arguments.Flag("--quiet", request.output.quiet, TextId::BatchHelpQuiet);
+  arguments.Rest("DATEI", request.files, TextId::BatchHelpFiles, 0);
+  arguments.HelpTail([&] { return ParameterHelp(request.filter); });
+  if (const auto status = arguments.Read(line, console)) return *status;
+
+  Job job;
+  job.filter = FindFilter(request.filter);
+  if (job.filter == FilterId::None) {
+    return WrongUsage(console, kCommand,
+                      Format(Text(TextId::BatchFilterUnknown), request.filter, FilterNames(false)));
+  }
+  const FilterModule* module = FindModule(job.filter);
+  if (module == nullptr) {
+    return WrongUsage(
+        console, kCommand,
+        Format(Text(TextId::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
+  }
+  job.parameters = module->create();
+  if (const auto fault = ApplySettings(module->fields, *job.parameters, request.settings)) {
+    return WrongUsage(console, kCommand, *fault);
+  }
+  if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
+
+  const auto registry = OpenRegistry(console);
+  if (!registry) return kExitFailed;
+  const Settings settings = LoadSettings(*registry, DefaultSettingsGround());
+  DestinationRules rules = DestinationRulesOf(settings);
+  rules.overwrite = ParseOverwrite(request.overwrite.value_or("ask")).value_or(OverwritePolicy::Ask);
+  if (request.destinationDirectory) {
+    rules.sourceDirectory = false;
+    rules.directory = *request.destinationDirectory;
+  }
+
+  bool complete = true;
+  if (request.directory) {
+    if (!TakeDirectory(console, job, *request.directory)) return kExitFailed;
+  } else {
+    job.sourceDrive = kListModeDrive;
+    if (request.list) {
+      const auto taken = TakeList(console, job, *request.list);
+      if (!taken) return kExitFailed;
+      complete = *taken;
+    }
+    for (const std::string& file : request.files) job.files.Append({.path = file});
+    job.files.SelectAll();
+  }
+  if (request.destination) {
+    if (ItemCount(job) > 1) return WrongUsage(console, kCommand, Text(TextId::BatchDestForOne));
+    job.destinationName = FromCurrentDirectory(*request.destination);
+    if (rules.overwrite == OverwritePolicy::Number)
+      job.destinationName = NumberedIfThere(job.destinationName);
+  }
+  const int status = RunOnConsole(console, job, settings, rules, request.output);
+  return status == kExitSuccess && !complete ? kExitFailed : status;
+}
+
+}  // namespace ts5::batch

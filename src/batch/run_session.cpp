@@ -1,0 +1,40 @@
+#include "batch/run_session.h"
+
+#include <memory>
+
+#include "app/filter_modules.h"
+#include "batch/run_output.h"
+#include "frame/item_run.h"
+#include "frame/job_runner.h"
+#include "platform/text.h"
+
+namespace ts5::batch {
+
+int RunOnConsole(Console& console, Job& job, const Settings& settings, const DestinationRules& rules,
+                 OutputOptions options) {
+  const FilterModule* module = FindModule(job.filter);
+  if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0) {
+    job.destinationName = AutomaticDestination(job, *module, rules, SystemDestinationFiles());
+  }
+  const auto host = std::make_shared<ConsoleHost>(console, options);
+  ConsoleDialogs dialogs(console, options);
+  JobRunner runner(FindModule);
+  if (!runner.Start(job, {.settings = settings, .destination = rules}, host, dialogs)) return kExitFailed;
+  host->PrintUntilFinished([&] { return runner.Stop(job); });
+  runner.Wait(job);
+
+  const RunResult& result = host->Result();
+  if (options.json) {
+    console.out << ResultJson(result, host->Hits());
+  } else {
+    for (const RunItem& item : result.items) {
+      if (const std::string remark = ItemRemark(item); !remark.empty()) {
+        PrintError(console, Format(Text(TextId::BatchItemFailed), item.source, remark));
+      }
+    }
+    console.out << ResultText(result);
+  }
+  return ExitStatusOf(result);
+}
+
+}  // namespace ts5::batch

@@ -1,0 +1,328 @@
+// The program from end to end, on real files.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "batch/captured_console.h"
+#include "batch/run_program.h"
+#include "support/test_data.h"
+
+namespace ts5::batch {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Content;
+using test::DataPath;
+using test::Listing;
+using test::TemporaryDirectory;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// A folder of MIDI files and a registry of its own.
+class ProgramTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directory(folder_.File("lieder"));
+    fs::create_directory(folder_.File("neu"));
+    setenv("STAVORA_REGISTRY", registry_.c_str(), 1);
+  }
+
+  std::string Song(const std::string& name) {
+    const std::string path = folder_.File("lieder/" + name);
+    fs::copy_file(DataPath("midi/jazzsoft_test-multichannel-chords-1.mid"), path);
+    return path;
+  }
+  std::string NewFiles() { return Listing(folder_.File("neu")); }
+  // In this process.
+  int Run(const std::vector<std::string>& line) {
+    captured_.emplace();
+    return captured_->Run(line);
+  }
+  std::string Out() { return captured_->out.str(); }
+  std::string Err() { return captured_->err.str(); }
+  // As a child process, in the folder.
+  ProgramEnd RunChild(const std::vector<std::string>& line) {
+    return Program(line, folder_.Path(), registry_).Wait();
+  }
+
+  TemporaryDirectory folder_;
+  TemporaryDirectory home_;
+  std::string registry_ = home_.File("registry.sqlite");
+  std::optional<CapturedConsole> captured_;
+};
+
+TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
+  Song("eins.mid");
+  folder_.Write("lieder/kaputt.mid", "MThd ist das keine");
+  const std::string tooLong = "lieder/" + std::string(260, 'x') + ".mid";
+  const ProgramEnd end = RunChild({"run", "midiconverter", "--json", "--dest-dir", "neu", "lieder/eins.mid",
+                                   "lieder/kaputt.mid", "lieder/fehlt.mid", tooLong, "lieder/\xFF.mid"});
+  EXPECT_EQ(end.status, kExitFailed) << end.err;
+  const auto json = nlohmann::json::parse(end.out);
+  EXPECT_EQ(json["filter"], "MidiConverter");
+  EXPECT_EQ(json["lines"][0]["count"], 1);
+  EXPECT_EQ(json["lines"][1]["count"], 4);
+  ASSERT_EQ(json["items"].size(), 5U);
+  EXPECT_GE(json["items"][0]["code"], 0);
+  EXPECT_EQ(json["items"][0]["source"], "lieder/eins.mid");
+  EXPECT_EQ(json["items"][0]["destination"], "neu/eins.cnv.mid");
+  EXPECT_EQ(json["items"][1]["code"], -104);
+  for (const int missing : {2, 3, 4}) EXPECT_EQ(json["items"][missing]["code"], -300) << missing;
+  EXPECT_EQ(NewFiles(), "eins.cnv.mid");
+  // Format 0, one track.
+  EXPECT_THAT(Content(folder_.File("neu/eins.cnv.mid")), StartsWith(std::string("MThd\0\0\0\6\0\0\0\1", 12)));
+}
+
+TEST_F(ProgramTest, NormalOutputIsTheResultsDialog) {
+  Song("eins.mid");
+  EXPECT_EQ(RunChild({"run", "5", "lieder/eins.mid"}).out,
+            "Ergebnisse der Midi-Konvertierung\n"
+            "  Erfolgreich konvertierte Dateien:                 1\n"
+            "  Nicht (ordnungsgemäß) konvertierte Dateien:       0\n"
+            "Bemerkungen:\n"
+            "  Die Datei wurde erfolgreich nach Midi-0 konvertiert.\n");
+  EXPECT_EQ(Listing(folder_.File("lieder")), "eins.cnv.mid eins.mid");
+}
+
+TEST_F(ProgramTest, AnExistingTargetIsReplacedNumberedOrAskedFor) {
+  const std::string song = Song("eins.mid");
+  const std::string target = folder_.Write("neu/ziel.mid", "alt");
+  const auto run = [&](std::vector<std::string> more, std::optional<std::deque<std::string>> replies) {
+    captured_.emplace();
+    if (replies) captured_->Answering(*replies);
+    std::vector<std::string> line{"run", "MidiConverter", "--dest", target, song};
+    line.insert(line.begin() + 2, more.begin(), more.end());
+    return captured_->Run(line);
+  };
+  EXPECT_EQ(run({}, std::nullopt), kExitCancelled);
+  EXPECT_THAT(Err(), HasSubstr("Die Zieldatei ist bereits vorhanden."));
+  EXPECT_THAT(Out(), HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
+  EXPECT_EQ(run({"--overwrite", "ask"}, {{"n"}}), kExitCancelled);
+  EXPECT_EQ(Content(target), "alt");
+
+  EXPECT_EQ(run({"--overwrite", "number"}, std::nullopt), kExitSuccess);
+  EXPECT_EQ(run({"--overwrite", "number"}, std::nullopt), kExitSuccess);
+  EXPECT_EQ(NewFiles(), "ziel.mid ziel001.mid ziel002.mid");
+  EXPECT_EQ(Content(target), "alt");
+
+  EXPECT_EQ(run({"--overwrite", "ask"}, {{"ja"}}), kExitSuccess);
+  const std::string converted = Content(target);
+  EXPECT_THAT(converted, StartsWith("MThd"));
+  folder_.Write("neu/ziel.mid", "alt");
+  EXPECT_EQ(run({"--overwrite", "yes"}, std::nullopt), kExitSuccess);
+  EXPECT_EQ(Content(target), converted);
+}
+
+TEST_F(ProgramTest, ADirectoryAndAFileListAreSources) {
+  Song("b.mid");
+  Song("A.MID");
+  folder_.Write("lieder/ton.wav", "RIFF");
+  folder_.Write("lieder/text.txt", "kein Lied");
+  EXPECT_EQ(Run({"run", "MidiConverter", "--dir", folder_.File("lieder"), "--dest-dir", folder_.File("neu")}),
+            kExitSuccess)
+      << Err();
+  EXPECT_EQ(NewFiles(), "A.cnv.MID b.cnv.mid");
+
+  const std::string list =
+      folder_.Write("Liste.sts", "[sts5 Filelist]\r\nFiles=2\r\n1=" + folder_.File("lieder/b.mid") +
+                                     "\r\n2=/gibt/es/nicht.mid\r\n");
+  EXPECT_EQ(Run({"run", "MidiConverter", "--list", list, "--overwrite", "number", "--dest-dir",
+                 folder_.File("neu")}),
+            kExitFailed)
+      << Err();
+  EXPECT_THAT(Err(), HasSubstr("1 Datei(en) konnten nicht geladen werden."));
+  EXPECT_EQ(NewFiles(), "A.cnv.MID b.cnv.mid b.cnv001.mid");
+  EXPECT_EQ(Run({"run", "MidiConverter", "--list", folder_.File("lieder/text.txt")}), kExitFailed);
+  EXPECT_THAT(Err(), HasSubstr("konnte nicht geladen werden."));
+}
+
+TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
+  const std::string song = Song("eins.mid");
+  struct Case {
+    std::vector<std::string> line;
+    std::string part;  // of what is said
+  };
+  const std::vector<Case> cases{
+      {{}, "filters, jobs, type, info, run, job, registry"},
+      {{"spiele"}, "filters, jobs, type, info, run, job, registry"},
+      {{"run", "MidiKonverter", song}, "MidiConverter"},
+      {{"run", "17", song}, "MidiConverter"},
+      {{"run", "AudioCompressor", song}, "Möglich sind: MidiConverter"},
+      {{"run", "MidiConverter"}, "--list oder --dir"},
+      {{"run", "MidiConverter", "--set", "Format=1", song}, "FormatSmall, Option1, FormatBig"},
+      {{"run", "MidiConverter", "--set", "NewTimebase=15", song}, "0..14"},
+      {{"run", "MidiConverter", "--overwrite", "no", song}, "yes, number, ask"},
+      {{"run", "MidiConverter", "--dest-dir", "/gibt/es/nicht", song}, "/gibt/es/nicht"},
+      {{"run", "MidiConverter", "--dest", "x.mid", song, song}, "--dest-dir"},
+      {{"run", "MidiConverter", "--dir", folder_.Path(), song}, "--dir"},
+      {{"job", "Nirgends"}, "Default Job"},
+      {{"registry", "lies"}, "list, get, set, delete, import, export"},
+      {{"registry", "set", "--binary", ".", "x", "0g"}, "0g"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Run(c.line), kExitUsage) << c.part;
+    EXPECT_THAT(Err(), HasSubstr(c.part));
+    EXPECT_EQ(Out(), "");
+  }
+  EXPECT_EQ(Listing(folder_.File("lieder")), "eins.mid");
+}
+
+TEST_F(ProgramTest, EveryCommandHasHelp) {
+  const std::vector<std::vector<std::string>> commands{{},
+                                                       {"filters"},
+                                                       {"jobs"},
+                                                       {"type"},
+                                                       {"info"},
+                                                       {"run"},
+                                                       {"job"},
+                                                       {"registry"},
+                                                       {"registry", "list"},
+                                                       {"registry", "get"},
+                                                       {"registry", "set"},
+                                                       {"registry", "delete"},
+                                                       {"registry", "import"},
+                                                       {"registry", "export"}};
+  for (std::vector<std::string> line : commands) {
+    line.emplace_back("--help");
+    EXPECT_EQ(Run(line), kExitSuccess);
+    EXPECT_THAT(Out(), StartsWith("Aufruf: ts5-batch"));
+    EXPECT_THAT(Out(), HasSubstr("Beispiele:\n  "));
+  }
+  EXPECT_EQ(Run({"run", "MidiConverter", "--help"}), kExitSuccess);
+  EXPECT_THAT(Out(), HasSubstr("NewTimebase"));
+}
+
+TEST_F(ProgramTest, TypesAndProperties) {
+  EXPECT_EQ(Run({"type", "a.MID", "Track 3", "a.b.mp3", "c:\\lied"}), kExitSuccess);
+  EXPECT_EQ(Out(),
+            "17  MIDICON       a.MID\n"
+            "59  CDTRACKICON   Track 3\n"
+            "13  MP3ICON       a.b.mp3\n"
+            "19  STOPICON      c:\\lied\n");
+  const std::string song = Song("eins.mid");
+  const std::string text = folder_.Write("text.txt", "kein Lied");
+  EXPECT_EQ(Run({"info", "--json", song, text, folder_.File("fehlt.mid")}), kExitFailed);
+  const auto json = nlohmann::json::parse(Out());
+  EXPECT_EQ(json["files"][0]["code"], 0);
+  EXPECT_EQ(json["files"][0]["properties"][0]["label"], "Dateiformat");
+  EXPECT_EQ(json["files"][0]["properties"][0]["value"], "MIDI-1");
+  EXPECT_EQ(json["files"][1]["code"], -104);
+  EXPECT_EQ(json["files"][2]["code"], -300);
+  EXPECT_EQ(Run({"filters"}), kExitSuccess);
+  EXPECT_THAT(Out(), HasSubstr(" 5 * MidiConverter"));
+}
+
+TEST_F(ProgramTest, RegistryValuesComeBackAsTheyWent) {
+  EXPECT_EQ(Run({"registry", "set", "Jobs\\Job 0001", "Title", "Chor"}), kExitSuccess) << Err();
+  EXPECT_EQ(Run({"registry", "set", ".", "Job Number", "1"}), kExitSuccess);
+  EXPECT_EQ(Run({"registry", "set", "Suchmelodien", "Kuckuck", "3c00f000", "--binary"}), kExitSuccess);
+  EXPECT_EQ(Run({"registry", "get", "HKLM\\Software\\QLW\\stavora-dialog\\5.0\\jobs\\job 0001", "title"}),
+            kExitSuccess);
+  EXPECT_EQ(Out(), "Chor\n");
+  EXPECT_EQ(Run({"registry", "get", "Suchmelodien", "Kuckuck"}), kExitSuccess);
+  EXPECT_EQ(Out(), "3c 00 f0 00\n");
+
+  const std::string file = folder_.File("sicherung.reg");
+  EXPECT_EQ(Run({"registry", "export", file}), kExitSuccess) << Err();
+  EXPECT_EQ(Run({"registry", "list", "--recursive"}), kExitSuccess);
+  const std::string before = Out();
+  EXPECT_THAT(before, HasSubstr("Title = \"Chor\""));
+  EXPECT_EQ(Run({"registry", "delete", "."}), kExitSuccess);
+  EXPECT_EQ(Run({"registry", "get", "Suchmelodien", "Kuckuck"}), kExitFailed);
+  EXPECT_EQ(Run({"registry", "import", file}), kExitSuccess) << Err();
+  EXPECT_EQ(Run({"registry", "list", "--recursive"}), kExitSuccess);
+  EXPECT_EQ(Out(), before);
+
+  const std::string faulty = folder_.Write("fehler.reg",
+                                           "REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\software\\qlw\\Stavora-"
+                                           "dialog\\5.0]\r\n\"Gut\"=\"ja\"\r\nmurks\r\n");
+  EXPECT_EQ(Run({"registry", "import", faulty}), kExitFailed);
+  EXPECT_THAT(Err(), HasSubstr("Zeile 5"));
+  EXPECT_EQ(Run({"registry", "get", ".", "Gut"}), kExitSuccess);
+  EXPECT_EQ(Run({"registry", "import", Song("eins.mid")}), kExitFailed);
+}
+
+TEST_F(ProgramTest, AJobRunsWithItsFilesParametersAndTheSettings) {
+  const std::string song = Song("eins.mid");
+  const std::vector<std::pair<std::string, std::string>> values{
+      {"Title", "Chor"},
+      {"Filter", "5"},
+      {"SourcePath", folder_.Path()},
+      {"SourceDrive", "-1"},
+      {"SourceFilelistNum", "1"},
+      {"SourceListFile 0001", song},
+      {"FormatBig", "0"},
+      {"FormatSmall", "1"},
+      {"Option1", "1"},
+  };
+  ASSERT_EQ(Run({"registry", "set", ".", "Job Number", "1"}), kExitSuccess);
+  for (const auto& [name, value] : values) {
+    ASSERT_EQ(Run({"registry", "set", "Jobs\\Job 0001", name, value}), kExitSuccess) << Err();
+  }
+  EXPECT_EQ(Run({"jobs"}), kExitSuccess);
+  EXPECT_THAT(Out(), HasSubstr("  1  Chor          Midi-Konverter"));
+  EXPECT_EQ(Run({"job", "chor", "--json"}), kExitSuccess) << Err();
+  const auto json = nlohmann::json::parse(Out());
+  EXPECT_EQ(json["items"][0]["destination"], folder_.File("lieder/eins.rmi"));
+  EXPECT_THAT(Content(folder_.File("lieder/eins.rmi")), StartsWith("RIFF"));
+  // The settings say what happens to a target that is there.
+  ASSERT_EQ(Run({"registry", "set", ".", "OverwriteTarget", "0"}), kExitSuccess);
+  EXPECT_EQ(Run({"job", "1"}), kExitSuccess) << Err();
+  EXPECT_EQ(Listing(folder_.File("lieder")), "eins.mid eins.rmi eins001.rmi");
+}
+
+TEST_F(ProgramTest, ABrokenRegistryIsSetAsideAndTheRunGoesOn) {
+  home_.Write("registry.sqlite", "Das ist keine Datenbank, aber lang genug, um eine sein zu wollen.");
+  const ProgramEnd end = RunChild({"jobs"});
+  EXPECT_EQ(end.status, kExitSuccess) << end.err;
+  EXPECT_THAT(end.err, HasSubstr("beiseite"));
+  EXPECT_THAT(end.out, HasSubstr("Default Job"));
+  EXPECT_EQ(RunChild({"jobs"}).err, "");
+}
+
+TEST_F(ProgramTest, CtrlCLeavesWholeFilesOnly) {
+  const std::string song = Song("0000.mid");
+  constexpr int kSongs = 4000;
+  for (int i = 1; i < kSongs; ++i)
+    fs::create_hard_link(song, folder_.File("lieder/" + std::to_string(10000 + i) + ".mid"));
+  Program program({"run", "MidiConverter", "--dir", "lieder", "--dest-dir", "neu", "--json"}, folder_.Path(),
+                  registry_);
+  while (fs::is_empty(folder_.File("neu"))) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  const auto stopped = std::chrono::steady_clock::now();
+  for (int i = 0; i < 3; ++i) {
+    program.Signal(SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  const ProgramEnd end = program.Wait();
+  const auto took = std::chrono::steady_clock::now() - stopped;
+  EXPECT_EQ(end.status, kExitCancelled) << end.err;
+  EXPECT_LT(took, std::chrono::seconds(2));
+
+  const auto json = nlohmann::json::parse(end.out);
+  std::size_t written = 0;
+  std::string whole;
+  for (const auto& entry : fs::directory_iterator(folder_.File("neu"))) {
+    EXPECT_EQ(entry.path().extension(), ".mid");
+    const std::string content = Content(entry.path().string());
+    if (whole.empty()) whole = content;
+    EXPECT_EQ(content, whole);
+    ++written;
+  }
+  EXPECT_EQ(json["lines"][0]["count"], written);
+  EXPECT_LT(written, static_cast<std::size_t>(kSongs));
+}
+
+TEST_F(ProgramTest, OutputThatCannotBeWrittenIsAFailure) {
+  captured_.emplace();
+  captured_->out.setstate(std::ios::badbit);
+  EXPECT_EQ(captured_->Run({"filters"}), kExitFailed);
+  EXPECT_THAT(Err(), HasSubstr("Ausgabe"));
+}
+
+}  // namespace
+}  // namespace ts5::batch
