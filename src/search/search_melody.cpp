@@ -86,7 +86,7 @@ void TrimMelodyRests(SearchMelody& melody) {
   elements.erase(elements.begin(), firstNote);
   while (!elements.empty() && IsRest(elements.back())) elements.pop_back();
   melody.cursor = std::min(melody.cursor, elements.size());
-  MarkClef(melody);
+  if (melody.clef == Clef::Bass) MarkClef(melody);  // a stored melody brings its mark along
 }
 
 Bytes StoredMelody(const std::vector<MelodyElement>& elements) {
