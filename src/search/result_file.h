@@ -1,0 +1,46 @@
+// Result files of melody searches: plain text in Windows-1252 with CR LF. A file may hold several searches,
+// one behind the other; it is recognised by the first line of its first one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "frame/search_hit.h"
+#include "platform/files.h"
+#include "platform/outcome.h"
+#include "search/search_record.h"
+
+namespace ts5 {
+
+// Result files longer than this are not shown (256 MiB).
+inline constexpr std::uint64_t kMaxResultFile = std::uint64_t{256} << 20;
+
+// Writes one search. The file comes into being, or is extended, only with Finish; until then the old one
+// stays as it is.
+class ResultFileWriter {
+ public:
+  // append: behind what the file holds. TargetFailed, WriteFailed, ReadFailed (the old file cannot be read).
+  [[nodiscard]] static Result<ResultFileWriter> Create(const std::string& path, bool append,
+                                                       const SearchRecord& record);
+
+  [[nodiscard]] Outcome Write(const SearchHit& hit);  // WriteFailed
+  // The foot; then the file is put in its place. WriteFailed, TargetFailed.
+  [[nodiscard]] Outcome Finish(const SearchRecord& record);
+
+ private:
+  ResultFileWriter(StagedFile file, SearchKind kind) : file_(std::move(file)), kind_(kind) {}
+  [[nodiscard]] Outcome Append(std::string_view bytes);
+  [[nodiscard]] Outcome FlushBuffer();
+
+  StagedFile file_;
+  SearchKind kind_;
+  std::string buffer_;
+};
+
+// The text of a result file. SourceFailed: it cannot be opened; WrongFormat: it does not begin as a result
+// file does; ReadFailed: it cannot be read whole; OutOfMemory.
+[[nodiscard]] Result<std::string> LoadResultFile(const std::string& path);
+// What to tell the user then.
+[[nodiscard]] std::string_view ResultFileFailureText(Outcome outcome);
+
+}  // namespace ts5

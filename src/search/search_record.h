@@ -1,0 +1,36 @@
+// What is kept of a search beside its hits: for the head and foot of result files and printed results.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "frame/filter_id.h"
+#include "platform/clock.h"
+
+namespace ts5 {
+
+enum class SearchKind : std::uint8_t { Midi, Score };
+[[nodiscard]] constexpr SearchKind SearchKindOf(FilterId filter) {
+  return filter == FilterId::ScoreSearch ? SearchKind::Score : SearchKind::Midi;
+}
+
+enum class SearchEnd : std::uint8_t { Cancelled, Finished, Failed };
+
+struct SearchStatistics {
+  std::uint32_t searched = 0;    // files whose search ended without an error
+  std::uint32_t unsuitable = 0;  // all others
+  std::uint64_t hits = 0;        // in the searched files
+
+  bool operator==(const SearchStatistics&) const = default;
+};
+
+struct SearchRecord {
+  SearchKind kind = SearchKind::Midi;
+  std::string melodyName;  // "" for a melody without a name
+  CivilTime start;         // local times
+  CivilTime end;
+  SearchEnd ending = SearchEnd::Finished;
+  SearchStatistics statistics;
+};
+
+}  // namespace ts5

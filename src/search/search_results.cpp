@@ -1,0 +1,62 @@
+#include "search/search_results.h"
+
+#include <new>
+#include <utility>
+
+#include "platform/text.h"
+
+namespace ts5 {
+
+void SearchResults::Begin(SearchRecord record, OldSearchResults policy, const std::function<bool()>& ask) {
+  const bool otherKind = record.kind != record_.kind;
+  if (!rows_.empty()) {
+    const bool clear =
+        otherKind || policy == OldSearchResults::Delete || (policy == OldSearchResults::Ask && ask());
+    if (clear) Clear();
+  }
+  record_ = std::move(record);
+}
+
+void SearchResults::Clear() {
+  files_ = {};
+  rows_ = {};
+}
+
+Outcome SearchResults::Add(const SearchHit& hit) {
+  try {
+    if (files_.empty() || files_.back() != hit.file) files_.push_back(hit.file);
+    rows_.push_back({hit, files_.size() - 1});
+    rows_.back().hit.file = {};
+  } catch (const std::bad_alloc&) {
+    return Outcome::OutOfMemory;
+  }
+  return Outcome::Success;
+}
+
+SearchHit SearchResults::Hit(std::size_t index) const {
+  SearchHit hit = rows_[index].hit;
+  hit.file = files_[rows_[index].file];
+  return hit;
+}
+
+HitRow SearchResults::Columns(std::size_t index, bool wholePath) const {
+  return HitColumns(record_.kind, Hit(index), wholePath);
+}
+
+std::string SearchResults::CopyText(std::span<const std::size_t> indices, bool wholePath) const {
+  std::string text;
+  for (const std::size_t index : indices) {
+    const HitRow row = Columns(index, wholePath);
+    text.append(row[0]).append("\t").append(row[1]).append("\t").append(row[2]).append("\t").append(row[3]);
+    text.append("\n");
+  }
+  return text;
+}
+
+std::string SearchResults::AsResultText() const {
+  std::string text = ResultHeader(record_);
+  for (std::size_t i = 0; i < rows_.size(); ++i) text += Utf8FromWindows1252(HitLine(record_.kind, Hit(i)));
+  return text + ResultFooter(record_);
+}
+
+}  // namespace ts5

@@ -1,0 +1,51 @@
+// The hits of the screen list with what is known of the search: the data behind the list view, the viewer and
+// the printer. Used from one thread. Hits of one file share its name, so that a million of them fit easily.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "frame/search_hit.h"
+#include "frame/settings.h"
+#include "platform/outcome.h"
+#include "search/hit_texts.h"
+#include "search/search_record.h"
+
+namespace ts5 {
+
+class SearchResults {
+ public:
+  // The start of a search: clears the old hits after the setting; ask is called when the user is to be asked
+  // whether they are cleared (AskClearResults). A search of another kind always clears.
+  void Begin(SearchRecord record, OldSearchResults policy, const std::function<bool()>& ask);
+  void End(const SearchRecord& record) { record_ = record; }
+  void Clear();
+
+  // OutOfMemory: the hit is not kept.
+  [[nodiscard]] Outcome Add(const SearchHit& hit);
+
+  [[nodiscard]] std::size_t Size() const { return rows_.size(); }
+  [[nodiscard]] SearchHit Hit(std::size_t index) const;
+  [[nodiscard]] HitRow Columns(std::size_t index, bool wholePath) const;
+  [[nodiscard]] const SearchRecord& Record() const { return record_; }
+  // The rows as lines of text, columns separated by tabs, for the clipboard.
+  [[nodiscard]] std::string CopyText(std::span<const std::size_t> indices, bool wholePath) const;
+  // All hits as a result file shows them, in UTF-8.
+  [[nodiscard]] std::string AsResultText() const;
+
+ private:
+  struct Row {
+    SearchHit hit;  // without its file name
+    std::size_t file;
+  };
+
+  SearchRecord record_;
+  std::vector<std::string> files_;
+  std::vector<Row> rows_;
+};
+
+}  // namespace ts5
