@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "midi/midi_converter.h"
+#include "search/search_run.h"
 
 namespace ts5 {
 namespace {
@@ -13,6 +14,8 @@ const std::vector<FilterModule>& Table() {
   static const std::vector<FilterModule> table = [] {
     std::vector<FilterModule> modules;
     modules.push_back(MidiConverterModule());
+    modules.push_back(SearchModule(FilterId::ScoreSearch, {}));
+    modules.push_back(MidiSearchModule());
     std::ranges::sort(modules, {}, &FilterModule::id);
     return modules;
   }();

@@ -118,6 +118,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
     return false;
   }
   std::optional<TextId> problem = MissingSources(job, *module);
+  if (!problem && module->missing) problem = module->missing(job);
   if (!problem) problem = SettleDestination(job, *module, request);
   if (problem) {
     dialogs.Tell(Text(*problem), MessageIcon::Information);

@@ -24,9 +24,11 @@ enum class [[nodiscard]] Outcome : std::int32_t {
   WrongFormat = -104,      // not in the format that the operation takes
   NotAFileList = -105,
   TargetFailed = -200,     // the target cannot be created or replaced
+  TargetNameMissing = -201,
   InUse = -210,            // another program keeps the file locked
   SourceFailed = -300,     // the source cannot be opened
   DamagedMidi = -601,      // a MIDI file that breaks off or contradicts itself
+  XmlNotWritten = -1400,   // an XML file that is made on the way
 };
 
 [[nodiscard]] constexpr std::int32_t Code(Outcome outcome) { return static_cast<std::int32_t>(outcome); }

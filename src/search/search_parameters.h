@@ -1,0 +1,35 @@
+// The parameters of the two melody searches: what is looked for, how strictly, and with what it is played.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "frame/filter_id.h"
+#include "frame/parameters.h"
+#include "search/search_melody.h"
+#include "search/search_options.h"
+
+namespace ts5 {
+
+inline constexpr std::int32_t kMidiMapper = -1;
+inline constexpr std::int32_t kNoMidiOutput = 1000;  // there is no MIDI output device at all
+inline constexpr std::int32_t kLeastTempo = 10;
+inline constexpr std::int32_t kMostTempo = 240;
+
+struct SearchParameters : ClonableParameters<SearchParameters> {
+  SearchMelody melody;
+  SearchOptions options;
+  std::int32_t device = kMidiMapper;  // index of the output device that plays the melody
+  std::int32_t tempo = 120;           // beats per minute, kLeastTempo..kMostTempo
+  std::int32_t instrument = 0;        // General MIDI program, 0..127
+};
+
+// The field table; only the MIDI search has a tolerance. "--set Melody" takes the text of MelodyFromNumbers.
+[[nodiscard]] std::vector<ParameterField> SearchFields(FilterId filter);
+
+// Whether there is a note to look for.
+[[nodiscard]] bool HasMelody(const SearchParameters& parameters);
+// The German name of a General MIDI program, 0..127.
+[[nodiscard]] std::string_view InstrumentName(std::int32_t program);
+
+}  // namespace ts5

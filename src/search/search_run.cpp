@@ -1,0 +1,197 @@
+#include "search/search_run.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "platform/casts.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "search/directory_walk.h"
+#include "search/hit_texts.h"
+#include "search/result_file.h"
+
+namespace ts5 {
+namespace {
+
+constexpr unsigned kMostThreads = 16;
+
+constexpr std::array kRemarks = {
+    Remark{-104, TextId::RemarkWrongFormat}, Remark{-100, TextId::RemarkReadFailed},
+    Remark{-101, TextId::RemarkWriteFailed}, Remark{-5, TextId::RemarkCancelled},
+    Remark{-2, TextId::SearchOutOfMemory},   Remark{-200, TextId::SearchTargetFailed},
+    Remark{-201, TextId::NoTargetName},      Remark{-300, TextId::SearchSourceFailed},
+    Remark{-601, TextId::RemarkDamagedMidi}, Remark{-1400, TextId::SearchXmlFailed},
+};
+
+// What ends the run; every other code counts its file as unsuitable.
+bool EndsRun(Outcome code) {
+  return code == Outcome::OutOfMemory || code == Outcome::Cancelled || code == Outcome::WriteFailed;
+}
+
+class SearchRun {
+ public:
+  SearchRun(Run& run, const FileSearch& search, unsigned threads)
+      : run_(run), search_(search), threads_(threads) {}
+
+  void Execute() {
+    record_.kind = SearchKindOf(run_.Module().id);
+    record_.melodyName = run_.Parameters<SearchParameters>().melody.name;
+    record_.start = LocalNow();
+    last_ = OpenTarget();
+    if (Succeeded(last_)) {
+      SearchFiles();
+      CloseTarget();
+    } else if (last_ != Outcome::Cancelled) {
+      run_.Result().items.push_back({"", run_.GetJob().destinationName, Code(last_)});
+    }
+    FillResult();
+  }
+
+ private:
+  Outcome OpenTarget() {
+    const Job& job = run_.GetJob();
+    if (job.destinationIsScreen) return Outcome::Success;
+    const std::string& name = job.destinationName;
+    if (name.empty()) return Outcome::TargetNameMissing;
+    if (IsSource(name)) return Outcome::TargetFailed;
+    bool append = false;
+    if (run_.Files().exists(name) && run_.Destination().overwrite != OverwritePolicy::Replace) {
+      const Answer answer = run_.Ask(
+          {.text = std::string(Text(TextId::ResultFileExists)), .buttons = QuestionButtons::YesNoCancel});
+      if (answer == Answer::Cancelled) return Outcome::Cancelled;
+      append = answer == Answer::No;
+    }
+    auto writer = ResultFileWriter::Create(name, append, record_);
+    if (!writer) return writer.error() == Outcome::WriteFailed ? Outcome::WriteFailed : Outcome::TargetFailed;
+    writer_.emplace(std::move(*writer));
+    return Outcome::Success;
+  }
+
+  // A result file never takes the place of a file that is searched.
+  bool IsSource(const std::string& name) const {
+    if (!FileExists(name)) return false;
+    for (std::size_t i = 0; i < run_.ItemCount(); ++i) {
+      if (IsSameFile(run_.Source(i), name)) return true;
+    }
+    return false;
+  }
+
+  void SearchFiles() {
+    const std::size_t count = run_.ItemCount();
+    const CancelCheck cancelled = [this] { return run_.Cancelled(); };
+    DirectoryWalk walk(run_.GetJob().directory.path, cancelled);
+    std::size_t taken = 0;
+    OrderedSearchEvents events;
+    events.next = [&]() -> std::optional<std::string> {
+      if (run_.Cancelled()) return std::nullopt;
+      if (count == 0) return run_.GetJob().ListMode() ? std::nullopt : walk.Next();
+      return taken < count ? std::optional(run_.Source(taken++)) : std::nullopt;
+    };
+    events.begin = [&](const std::string& path) {
+      const bool whole = run_.GetSettings().searchWholePath;
+      run_.StatusText(whole ? std::string_view(path) : FileNameOf(path));
+      run_.Progress(ClampTo<std::uint32_t>(run_.Result().items.size() + 1), ClampTo<std::uint32_t>(count));
+    };
+    events.hit = [this](const SearchHit& hit) { return writer_ ? writer_->Write(hit) : run_.Hit(hit); };
+    events.end = [this](const std::string& path, const SearchOutcome& outcome) {
+      return Count(path, outcome);
+    };
+    SearchInOrder(
+        [this](const std::string& path, const HitSink& sink, const CancelCheck& stopped) {
+          if (!IsUsablePath(path)) return SearchOutcome{Outcome::SourceFailed, 0};
+          return search_(path, sink, stopped);
+        },
+        events, cancelled, threads_);
+    if (run_.Cancelled()) last_ = Outcome::Cancelled;
+  }
+
+  bool Count(const std::string& path, const SearchOutcome& outcome) {
+    last_ = outcome.code;
+    const std::string& target = writer_ ? run_.GetJob().destinationName : std::string();
+    run_.Result().items.push_back({path, target, Code(outcome.code)});
+    if (EndsRun(outcome.code)) return false;
+    if (Succeeded(outcome.code)) {
+      ++record_.statistics.searched;
+      record_.statistics.hits += outcome.hits;
+    } else {
+      ++record_.statistics.unsuitable;
+    }
+    return !run_.Cancelled();
+  }
+
+  void CloseTarget() {
+    record_.end = LocalNow();
+    const bool failed = last_ == Outcome::OutOfMemory || last_ == Outcome::WriteFailed;
+    record_.ending = failed             ? SearchEnd::Failed
+                     : run_.Cancelled() ? SearchEnd::Cancelled
+                                        : SearchEnd::Finished;
+    if (!writer_ || last_ == Outcome::WriteFailed) return;
+    const Outcome finished = writer_->Finish(record_);
+    if (Failed(finished)) {
+      last_ = finished;
+      run_.Result().items.push_back({"", run_.GetJob().destinationName, Code(finished)});
+    }
+  }
+
+  void FillResult() {
+    const SearchStatistics& counts = record_.statistics;
+    RunResult& result = run_.Result();
+    result.lines[0].count = counts.searched + counts.unsuitable;
+    result.lines[1].count = ClampTo<std::uint32_t>(counts.hits);
+    result.lines[2].count = counts.unsuitable;
+    result.cancelled = last_ == Outcome::Cancelled;
+    if (Failed(last_)) run_.AddCode(last_);
+    result.remarks = run_.Remarks(kRemarks);
+  }
+
+  Run& run_;
+  const FileSearch& search_;
+  unsigned threads_;
+  SearchRecord record_;
+  std::optional<ResultFileWriter> writer_;
+  Outcome last_ = Outcome::Success;  // decides the remark
+};
+
+}  // namespace
+
+void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads) {
+  if (threads == 0) threads = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
+  SearchRun(run, search, threads).Execute();
+}
+
+FilterModule SearchModule(FilterId filter, SearchFactory factory) {
+  FilterModule module;
+  module.id = filter;
+  module.create = [filter] {
+    auto parameters = std::make_unique<SearchParameters>();
+    if (filter != FilterId::MidiSearch) parameters->options.tolerance = Tolerance::None;
+    return parameters;
+  };
+  module.fields = SearchFields(filter);
+  module.missing = [](const Job& job) -> std::optional<TextId> {
+    if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
+    return TextId::MelodyMissing;
+  };
+  if (factory) {
+    module.run = [factory = std::move(factory)](Run& run) {
+      RunMelodySearch(run, factory(run.Parameters<SearchParameters>()));
+    };
+  }
+  return module;
+}
+
+FilterModule MidiSearchModule() {
+  return SearchModule(FilterId::MidiSearch, [](const SearchParameters& parameters) -> FileSearch {
+    MelodyQuery query = {parameters.melody.elements, parameters.options};
+    return [query = std::move(query)](const std::string& path, const HitSink& sink,
+                                      const CancelCheck& cancelled) {
+      return SearchMidiFile(path, query, sink, cancelled);
+    };
+  });
+}
+
+}  // namespace ts5

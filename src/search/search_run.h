@@ -1,0 +1,23 @@
+// The run of a melody search: the target, the files, statistics and the end, on the worker thread of the job.
+#pragma once
+
+#include "frame/filter_module.h"
+#include "frame/run.h"
+#include "search/ordered_search.h"
+#include "search/search_parameters.h"
+
+namespace ts5 {
+
+// Makes the search of one file out of a job's parameters.
+using SearchFactory = std::function<FileSearch(const SearchParameters&)>;
+
+// Fills run.Result(): files searched, hits, unsuitable files, and the remark of the last file's outcome. Hits
+// go to the screen or to the result file, as the job says. Without selected files a directory job walks its
+// tree. threads: 0 for as many as there are cores.
+void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads = 0);
+
+// Without a factory the module has the parameters and cannot run.
+[[nodiscard]] FilterModule SearchModule(FilterId filter, SearchFactory factory);
+[[nodiscard]] FilterModule MidiSearchModule();
+
+}  // namespace ts5
