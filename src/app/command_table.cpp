@@ -30,7 +30,7 @@ constexpr std::array kCommands{
     Command{C::SearchResults, View, true, T::MenuSearchResults, "", "", "", FilterId::MidiSearch},
 
     Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
-    Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "Esc", "zielmedium.htm", kAlways},
+    Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "", "zielmedium.htm", kAlways},
     Command{C::CreateMp3Interface, Action, true, T::MenuCreateMp3Interface, "", "", "",
             FilterId::AudioCompressor},
     Command{C::ManageMp3Interfaces, Action, false, T::MenuManageMp3Interfaces, "", "", "",

@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/filter_id.h"
+#include "frame/filter_catalogue.h"
 #include "platform/strings.h"
 
 namespace ts5 {
@@ -81,9 +81,6 @@ struct Command {
 
 // Which keys are live. Off: while a list label is edited.
 enum class AcceleratorTable : std::uint8_t { Off, Standard, Player };
-[[nodiscard]] constexpr bool IsPlayer(FilterId filter) {
-  return filter == FilterId::MidiPlayer || filter == FilterId::AudioPlayer || filter == FilterId::ScorePlayer;
-}
 [[nodiscard]] constexpr AcceleratorTable AcceleratorsOf(FilterId filter) {
   return IsPlayer(filter) ? AcceleratorTable::Player : AcceleratorTable::Standard;
 }

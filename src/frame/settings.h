@@ -41,6 +41,8 @@ struct Settings {
   bool fileSearchSubdirectories = true;
   std::string fileSearchPattern;
   std::string fileSearchDirectories;
+  std::optional<WindowRectangle> mainWindowPosition;
+  bool mainWindowMaximised = true;
 
   // General
   JobSaving jobSaving = JobSaving::Automatic;

@@ -129,6 +129,8 @@ const std::vector<SettingRow>& Rows() {
       Flag("FileSearchSubDirs", &Settings::fileSearchSubdirectories),
       FreeText("FileSearchPattern", &Settings::fileSearchPattern),
       FreeText("FileSearchDirs", &Settings::fileSearchDirectories),
+      Rectangle("MainWindowPos", &Settings::mainWindowPosition),
+      Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
       Number("Job Saving", &Settings::jobSaving, 0, 2),
       Number("MelSearchResults", &Settings::oldSearchResults, 0, 2),
       Flag("MelSearchWholePath", &Settings::searchWholePath),

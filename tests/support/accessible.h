@@ -46,10 +46,11 @@ inline bool IsLeaf(QAccessible::Role role) {
 inline void WalkAccessible(QAccessibleInterface* node, const QString& path, QStringList& nameless) {
   if (node == nullptr || !node->isValid() || node->state().invisible) return;
   const QString name = node->text(QAccessible::Name);
-  const QString type = node->object() != nullptr
-                           ? QStringLiteral("%1 %2").arg(QLatin1String(node->object()->metaObject()->className()),
-                                                         node->object()->objectName())
-                           : QStringLiteral("role %1").arg(int(node->role()));
+  const QString type =
+      node->object() != nullptr
+          ? QStringLiteral("%1 %2").arg(QLatin1String(node->object()->metaObject()->className()),
+                                        node->object()->objectName())
+          : QStringLiteral("role %1").arg(int(node->role()));
   const QString here = path + QLatin1Char('/') + (name.isEmpty() ? type : name);
   if (IsInteractive(node->role()) && name.trimmed().isEmpty()) nameless << here;
   if (IsLeaf(node->role())) return;

@@ -1,0 +1,47 @@
+# What `cmake --install` puts where, and the Debian package of it (`cpack` in the build directory).
+include(GNUInstallDirs)
+
+install(TARGETS ts5-batch)
+if(EXISTS ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1)
+  install(FILES ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
+install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
+
+if(TARGET stavora-ts5)
+  set(icons ${CMAKE_SOURCE_DIR}/src/resources/icons)
+  set(themed ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable)
+  install(TARGETS stavora-ts5)
+  install(FILES ${CMAKE_SOURCE_DIR}/packaging/stavora-ts5.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+  install(FILES ${CMAKE_SOURCE_DIR}/packaging/stavora-ts5.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
+  install(FILES ${icons}/stavora-ts5.svg DESTINATION ${themed}/apps)
+  # The files of the system show in file managers with the icons that they have in the program.
+  foreach(pair "filelist:filesicon" "score:stvicon" "score+xml:stvxicon" "parameterset:paramseticon"
+               "artwork:pictureicon")
+    string(REPLACE ":" ";" pair ${pair})
+    list(GET pair 0 type)
+    list(GET pair 1 icon)
+    install(FILES ${icons}/${icon}.svg DESTINATION ${themed}/mimetypes RENAME application-x-stavora-${type}.svg)
+  endforeach()
+  install(FILES ${icons}/rdlicon.svg DESTINATION ${themed}/mimetypes RENAME application-x-rondelis-sequence.svg)
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME stavora-ts5)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_CONTACT "Die Entwickler von Stavora Tonstudio 5 <stavora-ts5@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Werkbank für MIDI-, Noten- und Audio-Dateien")
+set(CPACK_PACKAGE_DESCRIPTION
+"Siebzehn Filter für Musiker spielen, durchsuchen, wandeln, brennen und drucken
+MIDI-, Noten- und Audio-Dateien, einzeln oder ganze Verzeichnisse in einem Zug.
+Zum Paket gehören die Arbeitsfläche stavora-ts5 und das Konsolenprogramm
+ts5-batch mit denselben Filtern, Jobs und Ergebnissen.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# What is not linked but needed at run time: the sound font of the built-in synthesiser.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "timgm6mb-soundfont")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, shared-mime-info, hicolor-icon-theme, qt6-wayland")
+include(CPack)

@@ -1,0 +1,100 @@
+#include "app/application.h"
+
+#include <QPrinterInfo>
+
+#include "app/filter_modules.h"
+#include "frame/settings_store.h"
+#include "platform/audio_out.h"
+#include "platform/directories.h"
+#include "platform/files.h"
+#include "platform/midi_out.h"
+
+namespace ts5 {
+namespace {
+
+JobSurroundings SurroundingsOf(const VolumeTable& volumes, const DeviceLists& devices,
+                               const ModuleFinder& modules) {
+  JobSurroundings surroundings;
+  surroundings.modules = modules;
+  surroundings.homeDirectory = HomeDirectory();
+  surroundings.audioDevices = devices.audioOutputs.size();
+  surroundings.midiDevices = devices.midiOutputs.size();
+  surroundings.isDirectory = [](const std::string& path) { return IsDirectory(path); };
+  surroundings.nativePath = [&volumes](const std::string& path) {
+    return volumes.NativePath(path).value_or(path);
+  };
+  surroundings.driveOf = [&volumes](const std::string& path) { return volumes.DriveOfPath(path); };
+  surroundings.onDataDisc = [&volumes](const std::string& path) {
+    const Volume* volume = volumes.Find(volumes.DriveOfPath(path));
+    return volume != nullptr && volume->kind == Volume::Kind::Optical;
+  };
+  return surroundings;
+}
+
+std::vector<std::string> Printers() {
+  std::vector<std::string> names;
+  for (const QString& name : QPrinterInfo::availablePrinterNames()) names.push_back(name.toStdString());
+  return names;
+}
+
+}  // namespace
+
+Application::Application(const StartOptions& options, const std::function<void(TextId)>& announce)
+    : announce_(announce ? announce : [](TextId) {}),
+      registryPath_(options.registryPath),
+      modules_(options.modules ? options.modules : ModuleFinder(&FindModule)),
+      runner_(modules_) {
+  OpenRegistry(registryPath_);
+  siblings_ = FindSiblings(*registry_);
+
+  announce_(TextId::StartDrives);
+  volumes_ = options.volumes ? *options.volumes : VolumeTable::OfThisMachine();
+  announce_(TextId::StartAudioInputs);
+  announce_(TextId::StartAudioOutputs);
+  devices_ = options.devices.value_or(DeviceLists{});
+  if (!options.devices) devices_.audioOutputs = AudioOutputDevices();
+  announce_(TextId::StartMidiDevices);
+  if (!options.devices) devices_.midiOutputs = MidiOutputDevices();
+  announce_(TextId::StartCodecs);
+  announce_(TextId::StartPrinters);
+  if (!options.devices) devices_.printers = Printers();
+  settings_ = LoadSettings(*registry_, DefaultSettingsGround());
+  announce_(TextId::StartMp3Interfaces);
+
+  announce_(TextId::StartMainWindow);
+  const JobSurroundings surroundings = SurroundingsOf(volumes_, devices_, modules_);
+  auto stored = LoadJobs(*registry_, surroundings);
+  if (!stored) {
+    // Jobs that could not be read must not be replaced by what is made up now.
+    notices_.push_back(RegistryFailureText(stored.error(), registryPath_));
+    jobsReadable_ = false;
+    stored = StoredJobs{JobFromValues({}, 0, surroundings), {}};
+  }
+  jobs_ = std::make_unique<Jobs>(std::move(*stored), modules_);
+}
+
+Application::~Application() = default;
+
+void Application::OpenRegistry(const std::string& path) {
+  auto opened = Registry::Open(path);
+  if (!opened) {
+    // The program works without its store; what is set up lasts until the end then.
+    notices_.push_back(RegistryFailureText(opened.error(), path));
+    opened = Registry::Open(kRegistryInMemory);
+    registryPath_ = kRegistryInMemory;
+  }
+  registry_.emplace(std::move(*opened));
+  if (!registry_->Notice().empty()) notices_.push_back(registry_->Notice());
+}
+
+std::optional<std::string> Application::Save() {
+  const Outcome outcome = registry_->Transaction([this] {
+    const Outcome settings = SaveSettings(*registry_, settings_);
+    if (Failed(settings) || !jobsReadable_) return settings;
+    return SaveJobs(*registry_, (*jobs_)[0], jobs_->Saved(), modules_);
+  });
+  if (Failed(outcome)) return RegistryFailureText(outcome, registryPath_);
+  return std::nullopt;
+}
+
+}  // namespace ts5

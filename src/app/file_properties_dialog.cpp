@@ -1,0 +1,43 @@
+#include "app/file_properties_dialog.h"
+
+#include <vector>
+
+#include "frame/file_properties.h"
+#include "frame/ui/message_box.h"
+#include "midi/midi_file.h"
+#include "midi/midi_properties.h"
+#include "midi/ui/midi_properties_dialog.h"
+
+namespace ts5 {
+namespace {
+
+// The readers of the rooms in the order in which they are tried.
+const std::vector<PropertiesStep>& Steps() {
+  static const std::vector<PropertiesStep> steps{
+      {{},
+       [](const FileListEntry& file) -> Result<PropertiesWindow> {
+         const auto header = ReadMidiFileHeader(file.path);
+         if (!header) return Failure(header.error());
+         return PropertiesWindow::Midi;
+       },
+       ReaderFailure::StopAtSource},
+  };
+  return steps;
+}
+
+}  // namespace
+
+void ShowFileProperties(const FileListEntry& file, DialogHost& host, QWidget* owner) {
+  const PropertiesChoice choice = ChooseProperties(file, Steps());
+  if (choice.window == PropertiesWindow::Midi) {
+    if (const auto properties = ReadMidiProperties(file.path)) {
+      MidiPropertiesDialog(*properties, host, owner)->exec();
+      return;
+    }
+    ShowWarning(owner, TextId::FileNotOpened);  // it went away since
+  } else {
+    ShowWarning(owner, choice.message);
+  }
+}
+
+}  // namespace ts5

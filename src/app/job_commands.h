@@ -1,0 +1,23 @@
+// The commands on jobs: switching, creating, renaming, deleting.
+#pragma once
+
+#include <QObject>
+
+namespace ts5 {
+
+class MainWindow;
+
+class JobCommands : public QObject {
+ public:
+  explicit JobCommands(MainWindow& window);
+
+ private:
+  void Activate(int number);
+  void Create();
+  void Rename();
+  void Remove();
+
+  MainWindow& window_;
+};
+
+}  // namespace ts5

@@ -1,0 +1,120 @@
+#include "app/run_panel.h"
+
+#include <QHeaderView>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <cmath>
+
+#include "frame/filter_catalogue.h"
+#include "frame/ui/qt_text.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+constexpr int kItemSteps = 1000;
+constexpr int kMostProtocolLines = 5000;  // older lines go
+
+}  // namespace
+
+RunPanel::RunPanel(QWidget* parent)
+    : QWidget(parent),
+      status_(new QLabel(this)),
+      files_(new QProgressBar(this)),
+      item_(new QProgressBar(this)),
+      hitView_(new QTreeView(this)),
+      protocolView_(new QListView(this)) {
+  setObjectName("runPanel");
+  status_->setObjectName("runStatus");
+  status_->setTextFormat(Qt::PlainText);
+  status_->setAccessibleName(QtText(TextId::RunStatusName));
+  status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  files_->setObjectName("filesProgress");
+  files_->setAccessibleName(QtText(TextId::FilesProgressName));
+  item_->setObjectName("itemProgress");
+  item_->setAccessibleName(QtText(TextId::ItemProgressName));
+  item_->setRange(0, kItemSteps);
+  item_->setTextVisible(false);
+  hitView_->setObjectName("hits");
+  hitView_->setAccessibleName(QtText(TextId::HitListName));
+  hitView_->setModel(&hits_);
+  hitView_->setRootIsDecorated(false);
+  hitView_->setUniformRowHeights(true);
+  hitView_->setAlternatingRowColors(true);
+  hitView_->setTabKeyNavigation(false);
+  hitView_->header()->setStretchLastSection(false);
+  hitView_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  protocolView_->setObjectName("protocol");
+  protocolView_->setAccessibleName(QtText(TextId::ProtocolName));
+  protocolView_->setModel(&protocol_);
+  protocolView_->setUniformItemSizes(true);
+  protocolView_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  protocolView_->setTabKeyNavigation(false);
+  protocolView_->hide();
+
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(4);
+  layout->addWidget(status_);
+  layout->addWidget(files_);
+  layout->addWidget(item_);
+  layout->addWidget(hitView_, 1);
+  layout->addWidget(protocolView_, 1);
+  layout->addStretch(0);
+  SetFilter(FilterId::None);
+  Reset();
+}
+
+void RunPanel::SetFilter(FilterId filter) {
+  const bool search = IsFilter(filter) && IsSearch(filter);
+  files_->setVisible(!search);
+  item_->setVisible(!search);
+  hitView_->setVisible(search);
+  if (filter == filter_) return;
+  filter_ = filter;
+  hits_.Clear();
+  hits_.SetScores(filter == FilterId::ScoreSearch);
+  Reset();
+}
+
+void RunPanel::Reset() {
+  files_->setRange(0, 1);
+  files_->setValue(0);
+  files_->setTextVisible(false);
+  item_->setRange(0, kItemSteps);
+  item_->setValue(0);
+  SetStatus({});
+  protocol_.setStringList({});
+  protocolView_->hide();
+}
+
+void RunPanel::SetStatus(const QString& text) {
+  status_->setText(text);
+  status_->setToolTip(text);
+}
+
+void RunPanel::SetProgress(const RunProgress& progress) {
+  files_->setTextVisible(progress.items > 0);
+  files_->setFormat(QStringLiteral("%v / %m"));
+  files_->setRange(0, static_cast<int>(progress.items));  // 0 to 0: how many is not known
+  files_->setValue(static_cast<int>(progress.item));
+  item_->setValue(static_cast<int>(std::lround(std::clamp(progress.fraction, 0.0, 1.0) * kItemSteps)));
+}
+
+void RunPanel::Take(const RunNews& news) {
+  if (news.progress) SetProgress(*news.progress);
+  if (news.status) SetStatus(ToQt(*news.status));
+  hits_.Append(news.hits);
+  if (news.lines.empty()) return;
+  const int first = protocol_.rowCount();
+  protocol_.insertRows(first, static_cast<int>(news.lines.size()));
+  for (int i = 0; i < static_cast<int>(news.lines.size()); ++i) {
+    protocol_.setData(protocol_.index(first + i), ToQt(news.lines[static_cast<std::size_t>(i)]));
+  }
+  if (const int surplus = protocol_.rowCount() - kMostProtocolLines; surplus > 0)
+    protocol_.removeRows(0, surplus);
+  protocolView_->show();
+  protocolView_->scrollToBottom();
+}
+
+}  // namespace ts5

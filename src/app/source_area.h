@@ -1,0 +1,93 @@
+// The source area of the main window: drive selector, directory tree and file view, which shows the files of
+// the directory or the free file list. While the directory is shown, a strip below stands for the free file
+// list, so that files can be dragged over.
+#pragma once
+
+#include <QLabel>
+#include <QSplitter>
+#include <QTreeView>
+#include <QWidget>
+#include <string>
+#include <vector>
+
+#include "app/directory_tree_model.h"
+#include "app/drive_selector.h"
+#include "app/file_view.h"
+
+namespace ts5 {
+
+// The strip that stands for the free file list; files may be dropped on it.
+class FreeListStrip : public QLabel {
+  Q_OBJECT
+
+ public:
+  explicit FreeListStrip(QWidget* parent = nullptr);
+  void SetCount(std::size_t files);
+
+ signals:
+  void FilesDropped(const std::vector<std::string>& paths);
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void Mark(bool marked);
+};
+
+class SourceArea : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit SourceArea(QWidget* parent = nullptr);
+
+  // Shows the free file list; the tree goes.
+  void ShowList(const FreeFileList& list, FilterId filter);
+  // Shows a directory of a drive, without its files; they come with AddFiles.
+  void ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path);
+  void ClearFiles();
+  void AddFiles(const std::vector<FileListEntry>& files) { model_.Append(files); }
+  // The free file list that is shown has changed.
+  void ListChanged() { model_.Changed(); }
+  void SetFreeListCount(std::size_t files) { strip_->SetCount(files); }
+
+  struct Enabling {
+    bool drives = true;
+    bool tree = true;
+    bool files = true;
+  };
+  void Enable(const Enabling& enabling);
+  // Only the file view, over the whole area.
+  void SetMaximised(bool maximised);
+
+  [[nodiscard]] DriveSelector* Drives() const { return drives_; }
+  [[nodiscard]] QTreeView* Tree() const { return tree_; }
+  [[nodiscard]] DirectoryTreeModel& TreeModel() { return treeModel_; }
+  [[nodiscard]] FileView* Files() const { return files_; }
+  [[nodiscard]] FreeListStrip* Strip() const { return strip_; }
+  [[nodiscard]] QSplitter* Splitter() const { return splitter_; }
+  [[nodiscard]] const FileViewModel& Model() const { return model_; }
+
+ signals:
+  void DirectoryChosen(const std::string& path);
+
+ private:
+  void TakeTreeIndex(const QModelIndex& index);
+  void UpdateVisibility();
+
+  DriveSelector* drives_;
+  QLabel* driveLabel_;
+  QSplitter* splitter_;
+  QTreeView* tree_;
+  DirectoryTreeModel treeModel_;
+  FileViewModel model_;
+  FileView* files_;
+  FreeListStrip* strip_;
+  std::string shownDirectory_;
+  bool listMode_ = false;
+  bool maximised_ = false;
+  bool revealing_ = false;
+};
+
+}  // namespace ts5

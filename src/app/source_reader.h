@@ -1,0 +1,43 @@
+// Reads the source directory for the file view, in the background, and again when the directory changes.
+#pragma once
+
+#include <QFileSystemWatcher>
+#include <QObject>
+#include <QTimer>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "frame/directory_listing.h"
+#include "frame/file_list.h"
+
+namespace ts5 {
+
+class SourceReader : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit SourceReader(QObject* parent = nullptr);
+
+  // Reads the directory; an earlier reading is given up. The files come with Found, then Done.
+  void Read(const std::string& directory);
+  void Stop();
+  [[nodiscard]] bool Reading() const { return lister_.Running(); }
+
+ signals:
+  void Begun();
+  void Found(const std::vector<ts5::FileListEntry>& files);
+  void Done(ts5::Outcome outcome);
+  // The directory was changed by somebody since it was read.
+  void Changed();
+
+ private:
+  void Finish(ListingEnd end);
+
+  DirectoryLister lister_;
+  QFileSystemWatcher watcher_;
+  QTimer changed_;
+  std::string directory_;
+};
+
+}  // namespace ts5

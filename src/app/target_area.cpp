@@ -1,0 +1,219 @@
+#include "app/target_area.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "frame/ui/qt_text.h"
+#include "resources/icons.h"
+
+namespace ts5 {
+namespace {
+
+struct DeviceRow {
+  PanelFlags flag;
+  TextId name;
+  TextId none;
+  std::string_view icon;
+};
+constexpr std::array<DeviceRow, kDeviceKinds> kDevices{{
+    {kPanelMidiDevices, TextId::MidiDevicesName, TextId::NoMidiDevices, "middevicon"},
+    {kPanelAudioDevices, TextId::AudioDevicesName, TextId::NoAudioDevices, "wavdevicon"},
+    {kPanelDiscDrives, TextId::DrivesName, TextId::NoDrives, "burnicon"},
+    {kPanelPrinters, TextId::PrintersName, TextId::NoPrinters, "printericon"},
+}};
+
+constexpr int kListHeight = 92;
+
+}  // namespace
+
+TargetArea::TargetArea(QWidget* parent)
+    : QWidget(parent),
+      file_(new QRadioButton(QtText(TextId::TargetFile), this)),
+      screen_(new QRadioButton(QtText(TextId::TargetScreen), this)),
+      field_(new QLineEdit(this)),
+      browse_(new QPushButton(QtText(TextId::BrowseTarget), this)),
+      protocolLine_(new QLabel(QtText(TextId::ProtocolLineEmpty), this)),
+      filePanel_(MakeFilePanel()),
+      devicePanel_(new QStackedWidget(this)),
+      run_(new QPushButton(QtText(TextId::RunButtonRun), this)),
+      stop_(new QPushButton(QtText(TextId::StopButton), this)) {
+  setObjectName("targetArea");
+  setAccessibleName(QtText(TextId::TargetAreaName));
+  for (std::size_t i = 0; i < kDeviceKinds; ++i) {
+    auto* list = new QListWidget(devicePanel_);
+    list->setAccessibleName(QtText(kDevices[i].name));
+    list->setToolTip(QtText(kDevices[i].name));
+    list->setMaximumHeight(kListHeight);
+    list->setMinimumHeight(44);
+    list->setTabKeyNavigation(false);
+    lists_[i] = list;
+    devicePanel_->addWidget(list);
+    SetDevices(static_cast<DeviceKind>(i), {});
+  }
+  devicePanel_->setMaximumHeight(kListHeight);
+
+  run_->setObjectName("runButton");
+  run_->setIcon(Icon("run"));
+  run_->setMinimumWidth(124);
+  run_->setAutoDefault(false);
+  run_->setToolTip(QtText(TextId::HintRun));
+  run_->setAccessibleDescription(QtText(TextId::HintRun));
+  stop_->setObjectName("stopButton");
+  stop_->setIcon(Icon("stop"));
+  stop_->setAutoDefault(false);
+  stop_->setToolTip(QtText(TextId::HintStop));
+  stop_->setAccessibleDescription(QtText(TextId::HintStop));
+  connect(run_, &QPushButton::clicked, this, &TargetArea::RunClicked);
+  connect(stop_, &QPushButton::clicked, this, &TargetArea::StopClicked);
+
+  auto* title = new QLabel(QtText(TextId::TargetAreaName), this);
+  title->setProperty("role", "areaTitle");
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(run_);
+  buttons->addWidget(stop_);
+  buttons->addStretch(1);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 4, 0, 0);
+  layout->setSpacing(6);
+  layout->addWidget(title);
+  layout->addWidget(filePanel_);
+  layout->addWidget(devicePanel_);
+  layout->addLayout(buttons);
+
+  QWidget* last = file_;
+  for (QWidget* next : std::initializer_list<QWidget*>{field_, browse_, screen_, lists_[0], lists_[1],
+                                                       lists_[2], lists_[3], run_, stop_}) {
+    setTabOrder(last, next);
+    last = next;
+  }
+}
+
+QWidget* TargetArea::MakeFilePanel() {
+  auto* panel = new QWidget(this);
+  auto* grid = new QGridLayout(panel);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setVerticalSpacing(4);
+  file_->setObjectName("targetFile");
+  screen_->setObjectName("targetScreen");
+  field_->setObjectName("targetField");
+  field_->setAccessibleName(QtText(TextId::TargetFieldName));
+  field_->setToolTip(QtText(TextId::TargetFieldName));
+  browse_->setObjectName("targetBrowse");
+  browse_->setIcon(Icon("browse"));
+  browse_->setAutoDefault(false);
+  browse_->setToolTip(QtText(TextId::BrowseTargetTip));
+  browse_->setAccessibleDescription(QtText(TextId::BrowseTargetTip));
+  protocolLine_->setObjectName("protocolLine");
+  protocolLine_->setAccessibleName(QtText(TextId::ProtocolLineName));
+  protocolLine_->setTextFormat(Qt::PlainText);
+  protocolLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  grid->addWidget(file_, 0, 0);
+  grid->addWidget(field_, 0, 1);
+  grid->addWidget(browse_, 0, 2);
+  grid->addWidget(screen_, 1, 0);
+  grid->addWidget(protocolLine_, 1, 1, 1, 2);
+  grid->setColumnStretch(1, 1);
+  file_->setChecked(true);
+  connect(file_, &QRadioButton::clicked, this, [this] { emit ChoiceChanged(false); });
+  connect(screen_, &QRadioButton::clicked, this, [this] { emit ChoiceChanged(true); });
+  connect(file_, &QRadioButton::toggled, this, &TargetArea::UpdateField);
+  connect(field_, &QLineEdit::textEdited, this, &TargetArea::NameEdited);
+  connect(browse_, &QPushButton::clicked, this, &TargetArea::BrowseClicked);
+  return panel;
+}
+
+void TargetArea::SetDevices(DeviceKind kind, const QStringList& names) {
+  const DeviceRow& row = kDevices.at(static_cast<std::size_t>(kind));
+  QListWidget* list = DeviceList(kind);
+  list->clear();
+  for (const QString& name : names) list->addItem(new QListWidgetItem(Icon(row.icon), name));
+  if (names.isEmpty()) {
+    auto* none = new QListWidgetItem(QtText(row.none), list);
+    none->setFlags(Qt::ItemIsEnabled);
+    none->setData(Qt::UserRole, true);
+  } else {
+    list->setCurrentRow(0);
+  }
+}
+
+void TargetArea::ShowPanels(std::uint32_t panels) {
+  const bool file = (panels & kPanelFile) != 0;
+  const bool screen = (panels & kPanelScreen) != 0;
+  filePanel_->setVisible(file);
+  screen_->setVisible(screen);
+  protocolLine_->setVisible(screen);
+  if (!screen) file_->setChecked(true);
+  bool device = false;
+  for (std::size_t i = 0; i < kDeviceKinds; ++i) {
+    if ((panels & kDevices[i].flag) == 0) continue;
+    devicePanel_->setCurrentIndex(static_cast<int>(i));
+    device = true;
+  }
+  devicePanel_->setVisible(device);
+  SetProtocolLine({});
+}
+
+void TargetArea::SetProtocolLine(const QString& text) {
+  const QString shown = text.isEmpty() ? QtText(TextId::ProtocolLineEmpty) : text;
+  protocolLine_->setText(shown);
+  protocolLine_->setToolTip(text);
+}
+
+void TargetArea::SetPanel(const DestinationPanel& panel) {
+  SetName(ToQt(panel.name));
+  const bool screen = panel.screen && !screen_->isHidden();
+  (screen ? screen_ : file_)->setChecked(true);
+  const std::array rows{panel.midiDevice, panel.audioDevice, panel.drive, panel.printer};
+  for (std::size_t i = 0; i < kDeviceKinds; ++i) {
+    if (rows[i] >= 0 && rows[i] < lists_[i]->count()) lists_[i]->setCurrentRow(rows[i]);
+  }
+}
+
+int TargetArea::SelectedDevice(DeviceKind kind) const {
+  const QListWidget* list = DeviceList(kind);
+  const QListWidgetItem* item = list->currentItem();
+  return item == nullptr || item->data(Qt::UserRole).toBool() ? -1 : list->currentRow();
+}
+
+DestinationPanel TargetArea::Panel() const {
+  DestinationPanel panel;
+  panel.name = FromQt(field_->text());
+  panel.screen = screen_->isChecked();
+  panel.midiDevice = SelectedDevice(DeviceKind::Midi);
+  panel.audioDevice = SelectedDevice(DeviceKind::Audio);
+  panel.drive = SelectedDevice(DeviceKind::Drive);
+  panel.printer = SelectedDevice(DeviceKind::Printer);
+  return panel;
+}
+
+void TargetArea::SetName(const QString& name) {
+  if (field_->text() != name) field_->setText(name);
+}
+
+void TargetArea::Enable(const Enabling& enabling) {
+  enabling_ = enabling;
+  file_->setEnabled(enabling.choice);
+  screen_->setEnabled(enabling.choice);
+  devicePanel_->setEnabled(enabling.devices);
+  UpdateField();
+  // The focus goes along with the button that can be pressed next.
+  const bool hadFocus = run_->hasFocus() || stop_->hasFocus();
+  run_->setEnabled(enabling.run);
+  stop_->setEnabled(enabling.stop);
+  if (hadFocus && !QWidget::hasFocus()) (enabling.run ? run_ : stop_)->setFocus();
+}
+
+void TargetArea::UpdateField() {
+  const bool usable = enabling_.field && file_->isChecked();
+  field_->setEnabled(usable);
+  browse_->setEnabled(usable);
+}
+
+void TargetArea::SetRunTexts(const QString& run, const QString& stop) {
+  run_->setText(run);
+  stop_->setText(stop);
+}
+
+}  // namespace ts5

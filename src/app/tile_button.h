@@ -1,0 +1,57 @@
+// One tile of the filter bar: a button with the filter's vertical gradient, its name and, while it is
+// expanded, its description.
+#pragma once
+
+#include <QAbstractButton>
+#include <QColor>
+
+namespace ts5 {
+
+// How tiles are drawn: plain is the bare gradient, the other two are drawn in the manner of their appearance.
+enum class TileStyle { Plain, Classic, Modern };
+
+inline constexpr int kCollapsedTileHeight = 19;
+[[nodiscard]] constexpr int ExpandedTileHeight(TileStyle style) {
+  return style == TileStyle::Plain ? 66 : 63;
+}
+
+class TileButton : public QAbstractButton {
+  Q_OBJECT
+
+ public:
+  struct Look {
+    QString name;
+    QString description;
+    QColor top;
+    QColor bottom;
+  };
+
+  TileButton(Look look, TileStyle style, QWidget* parent);
+
+  void SetExpanded(bool expanded);
+  void SetCurrent(bool current);
+  [[nodiscard]] bool IsCurrent() const { return current_; }
+  [[nodiscard]] bool IsExpanded() const { return expanded_; }
+
+  [[nodiscard]] QSize sizeHint() const override;
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void enterEvent(QEnterEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+
+ private:
+  void PaintPlain(QPainter& painter) const;
+  void PaintClassic(QPainter& painter) const;
+  void PaintModern(QPainter& painter) const;
+  void PaintTexts(QPainter& painter, const QRect& area, const QColor& ink, const QColor& faint,
+                  bool halo) const;
+
+  Look look_;
+  TileStyle style_;
+  bool expanded_ = true;
+  bool current_ = false;
+};
+
+}  // namespace ts5

@@ -1,0 +1,17 @@
+#include "midi/converter_form.h"
+
+namespace ts5 {
+
+ConverterForm ConverterFormOf(const ConverterParameters& parameters, std::optional<MidiContainer> source) {
+  ConverterForm form;
+  const bool sourceIsRiff = source == MidiContainer::Riff;
+  form.containerEnabled = parameters.changeContainer;
+  form.attributesShown = !sourceIsRiff;
+  form.attributesEnabled = parameters.changeContainer && parameters.toRiff && !sourceIsRiff;
+  form.timeBaseEnabled = parameters.changeTimeBase;
+  if (sourceIsRiff) form.riffLabel = TextId::ConverterPlain;
+  if (source == MidiContainer::Sequencer) form.sequencerLabel = TextId::ConverterPlain;
+  return form;
+}
+
+}  // namespace ts5

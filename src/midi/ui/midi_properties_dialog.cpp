@@ -1,0 +1,51 @@
+#include "midi/ui/midi_properties_dialog.h"
+
+#include <QTreeWidget>
+#include <QWidget>
+
+#include "frame/ui/message_box.h"
+#include "frame/ui/qt_text.h"
+#include "ui_FILEPROPS_MIDI.h"
+
+namespace ts5 {
+namespace {
+
+void Fill(QTreeWidget* list, const std::vector<PropertyRow>& rows) {
+  for (const PropertyRow& row : rows) {
+    auto* item = new QTreeWidgetItem(list, {ToQt(row.label), ToQt(row.value)});
+    item->setToolTip(1, ToQt(row.value).toHtmlEscaped());
+  }
+  list->resizeColumnToContents(0);
+  if (list->topLevelItemCount() > 0) list->setCurrentItem(list->topLevelItem(0));
+}
+
+}  // namespace
+
+std::unique_ptr<QWidget> MidiPropertiesPage(const MidiProperties& properties) {
+  auto page = std::make_unique<QWidget>();
+  Ui::FILEPROPS_MIDI ui;
+  ui.setupUi(page.get());
+  Fill(ui.propertyList, properties.rows);
+  Fill(ui.attributeList, properties.attributes);
+  ui.attributesLabel->setVisible(properties.isRiff);
+  ui.attributeList->setVisible(properties.isRiff);
+  return page;
+}
+
+std::unique_ptr<PropertiesDialog> MidiPropertiesDialog(const MidiProperties& properties, DialogHost& host,
+                                                       QWidget* parent) {
+  return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(TextId::PropertiesPrompt),
+                                            MidiPropertiesPage(properties), host, parent);
+}
+
+void ShowMidiProperties(const std::string& path, DialogHost& host, QWidget* owner) {
+  const Result<MidiProperties> properties = ReadMidiProperties(path);
+  if (!properties) {
+    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? TextId::PropertyUnknownFormat
+                                                                  : TextId::PropertyFileNotOpened);
+    return;
+  }
+  MidiPropertiesDialog(*properties, host, owner)->exec();
+}
+
+}  // namespace ts5

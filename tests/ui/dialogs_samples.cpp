@@ -1,0 +1,121 @@
+#include "app/about_dialog.h"
+#include "app/help_window.h"
+#include "app/splash.h"
+#include "dialogs_support.h"
+#include "frame/ui/job_dialog.h"
+#include "frame/ui/results_dialog.h"
+#include "frame/ui/settings_dialog.h"
+#include "midi/ui/midi_convert_dialog.h"
+#include "midi/ui/midi_properties_dialog.h"
+#include "midi/ui/riff_attributes_dialog.h"
+#include "platform/strings.h"
+
+namespace ts5 {
+namespace {
+
+RunResult SampleResult() {
+  RunResult result;
+  result.filter = FilterId::MidiConverter;
+  result.title = "Ergebnisse der Midi-Konvertierung";
+  result.lines = {{{"Erfolgreich konvertierte Dateien:", 118},
+                   {"Nicht (ordnungsgemäß) konvertierte Dateien:", 2},
+                   {"Erfolgreich komprimierte Tracks:", 17},
+                   {"Nicht (ordnungsgemäß) gebrannte Tracks:", 0}}};
+  result.remarks = {
+      "Die Datei wurde erfolgreich nach Midi-0 konvertiert.",
+      "Die Konvertierung der Zeitbasis war erfolgreich. Die Startzeiten der Audio-Segmente wurden nicht "
+      "angepasst.",
+      "Die Quelle hat ein ungültiges Dateiformat."};
+  result.cancelButton = true;
+  return result;
+}
+
+Settings SampleSettings() {
+  Settings settings;
+  settings.artworkerLayoutDirectory = "/home/clara/.local/share/stavora-ts5/layoutdir";
+  settings.playbackParameterDirectory = "/home/clara/.local/share/stavora-ts5/stvparamsets";
+  settings.sourceDirectoryAsTarget = false;
+  settings.targetDirectory = "/home/clara/Musik/Chor/Fertig";
+  return settings;
+}
+
+MidiProperties SampleProperties() {
+  MidiProperties properties;
+  properties.title = "Eigenschaften von \"Abendlied.rmi\"";
+  properties.rows = {{"Dateiformat", "RIFF"},
+                     {"Letzte Bearbeitung am", "12-03-2024"},
+                     {"Spuranzahl", "5"},
+                     {"Zeitformat", "Ticks per Quarternote"},
+                     {"Ticks pro Viertelnote", "480"}};
+  properties.isRiff = true;
+  properties.attributes = {{"Komponist/Künstler", "Josef Rheinberger"},
+                           {"Copyright", "gemeinfrei"},
+                           {"Ansicht", "Sechsstimmige Motette, op. 69 Nr. 3"},
+                           {"Erstellt am", "12/3/2024"}};
+  return properties;
+}
+
+std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
+  auto dialog = std::make_unique<SettingsDialog>(SampleSettings(), host, nullptr);
+  Child<QTabWidget>(*dialog, "pages").setCurrentIndex(page);
+  return dialog;
+}
+
+}  // namespace
+
+const std::vector<WindowSample>& WindowSamples() {
+  static const std::vector<WindowSample> samples{
+      {"RESULTS",
+       [](DialogHost& host) { return std::make_unique<ResultsDialog>(SampleResult(), host, nullptr); }},
+      {"CREATEJOB",
+       [](DialogHost& host) {
+         return std::make_unique<JobDialog>(JobDialog::Purpose::Create,
+                                            JobNames{"Job 3", "Beschreibung von Job 3"}, host, nullptr);
+       }},
+      {"CREATEJOB-umbenennen",
+       [](DialogHost& host) {
+         return std::make_unique<JobDialog>(
+             JobDialog::Purpose::Rename, JobNames{"Chor Midi-0", "Alle Chorsätze für das Keyboard umwandeln"},
+             host, nullptr);
+       }},
+      {"EINSTELLUNGEN-allgemein", [](DialogHost& host) { return SettingsPage(host, 0); }},
+      {"EINSTELLUNGEN-konvertierung", [](DialogHost& host) { return SettingsPage(host, 1); }},
+      {"MIDICONVERT",
+       [](DialogHost& host) {
+         ConverterParameters parameters;
+         parameters.changeContainer = true;
+         parameters.changeTimeBase = true;
+         return std::make_unique<MidiConvertDialog>(parameters, std::string(), host, nullptr);
+       }},
+      {"RIFFATTRIBUTES",
+       [](DialogHost& host) {
+         return std::make_unique<RiffAttributesDialog>(
+             RiffAttributes{"Abendlied", "Josef Rheinberger", "gemeinfrei",
+                            "Sechsstimmige Motette, op. 69 Nr. 3"},
+             host, nullptr);
+       }},
+      {"FILEPROPS-midi",
+       [](DialogHost& host) -> std::unique_ptr<QWidget> {
+         return MidiPropertiesDialog(SampleProperties(), host, nullptr);
+       }},
+      {"ABOUT", [](DialogHost&) { return std::make_unique<AboutDialog>(nullptr); }},
+      {"TITELBILD",
+       [](DialogHost&) {
+         auto splash = std::make_unique<Splash>(9);
+         for (const char* step : {"Ermittle die CD-Laufwerke...", "Ermittle die Audio-Eingabegeräte...",
+                                  "Ermittle die Mpeg-Codecs und -Treiber..."}) {
+           splash->ShowStep(step);
+         }
+         return splash;
+       }},
+      {"Hilfe",
+       [](DialogHost&) {
+         auto window = std::make_unique<HelpWindow>();
+         window->OpenTopic(QStringLiteral("quellmedium.htm"));
+         return window;
+       }},
+  };
+  return samples;
+}
+
+}  // namespace ts5

@@ -1,0 +1,76 @@
+// What the tests of the dialogs share: a host that writes down what it is asked for, answers to message
+// boxes, and one sample of every dialog.
+#pragma once
+
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QString>
+#include <QStringList>
+#include <QTimer>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "frame/ui/dialog_host.h"
+
+namespace ts5 {
+
+class RecordingHost : public DialogHost {
+ public:
+  void OpenHelp(const QString& topic) override { topics << topic; }
+  void ShowPrompt(const QString& prompt) override { prompts << prompt; }
+
+  QStringList topics;
+  QStringList prompts;
+};
+
+// Presses a button of the next message box that appears and keeps the box's text. Made before the action.
+class NextMessage {
+ public:
+  explicit NextMessage(QMessageBox::StandardButton answer = QMessageBox::Ok) : answer_(answer) {
+    timer_.setInterval(5);
+    QObject::connect(&timer_, &QTimer::timeout, [this] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      text_ = box->text();
+      icon_ = box->icon();
+      title_ = box->windowTitle();
+      timer_.stop();
+      if (auto* button = box->button(answer_)) button->click();
+    });
+    timer_.start();
+  }
+
+  [[nodiscard]] const QString& Text() const { return text_; }
+  [[nodiscard]] QMessageBox::Icon Icon() const { return icon_; }
+  [[nodiscard]] const QString& Title() const { return title_; }
+
+ private:
+  QMessageBox::StandardButton answer_;
+  QTimer timer_;
+  QString text_;
+  QString title_;
+  QMessageBox::Icon icon_ = QMessageBox::NoIcon;
+};
+
+template <typename Widget>
+Widget& Child(QWidget& window, const char* name) {
+  auto* widget = window.findChild<Widget*>(QLatin1String(name));
+  if (widget == nullptr) qFatal("there is no %s", name);
+  return *widget;
+}
+
+inline void Press(QWidget& window, const char* button) {
+  Child<QAbstractButton>(window, button).click();
+}
+
+// One window of every kind, with something in it.
+struct WindowSample {
+  const char* name;
+  std::function<std::unique_ptr<QWidget>(DialogHost&)> make;
+};
+[[nodiscard]] const std::vector<WindowSample>& WindowSamples();
+
+}  // namespace ts5

@@ -1,0 +1,218 @@
+// What holds for every window: names for screen readers, texts that fit, every appearance, a small screen;
+// and that icons, skins and help pages are whole.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTextBrowser>
+#include <cmath>
+
+#include "app/appearance.h"
+#include "app/command_table.h"
+#include "app/help_window.h"
+#include "dialogs_support.h"
+#include "frame/file_types.h"
+#include "frame/ui/qt_text.h"
+#include "resources/icons.h"
+#include "support/accessible.h"
+
+namespace ts5 {
+namespace {
+
+using testing::IsEmpty;
+
+constexpr SkinLayout kLayouts[] = {SkinLayout::Windows, SkinLayout::Stavora4, SkinLayout::Stavora5};
+
+class WindowTest : public testing::TestWithParam<std::size_t> {
+ protected:
+  ~WindowTest() override { ApplyAppearance(*qApp, SkinLayout::Stavora5, false); }
+  [[nodiscard]] static const WindowSample& Sample() { return WindowSamples().at(GetParam()); }
+};
+
+TEST_P(WindowTest, EveryControlHasANameAndCanBeReached) {
+  RecordingHost host;
+  const auto window = Sample().make(host);
+  window->show();
+  EXPECT_THAT(NamelessControls(*window), IsEmpty());
+  EXPECT_THAT(UnreachableControls(*window), IsEmpty());
+}
+
+TEST_P(WindowTest, TextsFitAndSmallScreensHoldIt) {
+  for (const SkinLayout layout : kLayouts) {
+    SCOPED_TRACE(static_cast<int>(layout));
+    ApplyAppearance(*qApp, layout, false);
+    RecordingHost host;
+    const auto window = Sample().make(host);
+    window->show();
+    QTest::qWait(1);
+    EXPECT_THAT(ClippedTexts(*window), IsEmpty());
+    EXPECT_LE(window->width(), 1024);
+    EXPECT_LE(window->height(), 700);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WindowTest, testing::Range(std::size_t{0}, WindowSamples().size()),
+                         [](const auto& info) {
+                           QString name = QLatin1String(WindowSamples().at(info.param).name);
+                           return name.remove('-').toStdString();
+                         });
+
+TEST(AccessibleWalkTest, FindsNamelessControlsAndClippedTexts) {
+  QWidget window;
+  auto* field = new QLineEdit(&window);
+  auto* label = new QLabel("Ein Text, der breiter ist als sein Platz", &window);
+  label->setFixedWidth(30);
+  window.show();
+  EXPECT_EQ(NamelessControls(window).size(), 1);
+  EXPECT_EQ(ClippedTexts(window).size(), 1);
+  field->setAccessibleName("Name");
+  label->setText("ok");
+  EXPECT_THAT(NamelessControls(window), IsEmpty());
+  EXPECT_THAT(ClippedTexts(window), IsEmpty());
+}
+
+TEST(AppearanceTest, EverySkinIsFilledInAndItsPicturesExist) {
+  const QRegularExpression url("url\\(([^)]*)\\)");
+  for (const SkinLayout layout : kLayouts) {
+    for (const bool dark : {false, true}) {
+      const QString sheet = StyleSheet(layout, dark);
+      EXPECT_FALSE(sheet.isEmpty());
+      EXPECT_FALSE(sheet.contains('@')) << sheet.mid(sheet.indexOf('@'), 40).toStdString();
+      for (auto matches = url.globalMatch(sheet); matches.hasNext();) {
+        const QString path = matches.next().captured(1);
+        EXPECT_TRUE(QFile::exists(path)) << path.toStdString();
+      }
+    }
+  }
+}
+
+double Luminance(const QColor& colour) {
+  const auto linear = [](double channel) {
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+double Contrast(const QColor& a, const QColor& b) {
+  const double x = Luminance(a) + 0.05;
+  const double y = Luminance(b) + 0.05;
+  return x > y ? x / y : y / x;
+}
+
+// WCAG 2.1: 4.5 to 1 for texts.
+TEST(AppearanceTest, TextsStandOutFromTheirGround) {
+  for (const SkinLayout layout : kLayouts) {
+    for (const bool dark : {false, true}) {
+      SCOPED_TRACE(testing::Message() << static_cast<int>(layout) << dark);
+      ApplyAppearance(*qApp, layout, dark);
+      const QPalette palette = QApplication::palette();
+      EXPECT_EQ(IsDarkPalette(), dark);
+      const std::pair<QPalette::ColorRole, QPalette::ColorRole> pairs[] = {
+          {QPalette::WindowText, QPalette::Window},
+          {QPalette::Text, QPalette::Base},
+          {QPalette::Text, QPalette::AlternateBase},
+          {QPalette::ButtonText, QPalette::Button},
+          {QPalette::HighlightedText, QPalette::Highlight},
+          {QPalette::PlaceholderText, QPalette::Window},
+          {QPalette::Link, QPalette::Base}};
+      for (const auto& [ink, ground] : pairs) {
+        EXPECT_GE(Contrast(palette.color(ink), palette.color(ground)), 4.5)
+            << int(ink) << " on " << int(ground);
+      }
+      const QRegularExpression role("role=\"(explanation|warning)\"\\] \\{ color: ([^;]*);");
+      for (auto matches = role.globalMatch(StyleSheet(layout, dark)); matches.hasNext();) {
+        const auto match = matches.next();
+        EXPECT_GE(Contrast(QColor(match.captured(2)), palette.color(QPalette::Window)), 4.5)
+            << match.captured(1).toStdString();
+      }
+    }
+  }
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
+}
+
+TEST(IconTest, TheWholeStripAndAllFiltersAreDrawn) {
+  for (int index = 0; index < static_cast<int>(FileIcons().size()) * 2; ++index) {
+    EXPECT_FALSE(StripIcon(index).isNull()) << FileIconName(index);
+  }
+  EXPECT_EQ(StripIcon(11).pixmap(16).toImage(), Icon("waveicon").pixmap(16).toImage());
+  EXPECT_EQ(StripIcon(-1).pixmap(16).toImage(), Icon("stopicon").pixmap(16).toImage());
+  EXPECT_EQ(StripIcon(1000).pixmap(16).toImage(), Icon("stopicon").pixmap(16).toImage());
+  for (std::size_t id = 0; id < kFilterCount; ++id) {
+    EXPECT_FALSE(FilterIcon(static_cast<FilterId>(id)).isNull()) << id;
+  }
+  EXPECT_TRUE(FilterIcon(FilterId::None).isNull());
+  EXPECT_TRUE(Icon("gibt-es-nicht").isNull());
+}
+
+TEST(IconTest, FollowsThePaletteIntoTheDark) {
+  const QIcon icon = Icon("save");
+  const QImage light = icon.pixmap(32).toImage();
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, true);
+  EXPECT_NE(icon.pixmap(32).toImage(), light);
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
+  EXPECT_EQ(icon.pixmap(32).toImage(), light);
+}
+
+QStringList Pages() {
+  InitializeResources();
+  return QDir(":/help").entryList({"*.htm"}, QDir::Files);
+}
+QString PageText(const QString& page) {
+  QFile file(":/help/" + page);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << page.toStdString();
+  return QString::fromUtf8(file.readAll());
+}
+
+TEST(HelpTest, EveryLinkLeadsToAPageAndEveryPageStandsInTheContents) {
+  QStringList listed{"inhalt.htm", "über.htm"};
+  for (const HelpEntry& entry : HelpContents()) listed << entry.topic;
+  const QRegularExpression link("href=\"([^\"#]*)");
+  for (const QString& page : Pages()) {
+    EXPECT_TRUE(listed.contains(page)) << page.toStdString();
+    for (auto matches = link.globalMatch(PageText(page)); matches.hasNext();) {
+      const QString target = matches.next().captured(1);
+      EXPECT_TRUE(Pages().contains(target)) << page.toStdString() << " -> " << target.toStdString();
+    }
+  }
+}
+
+TEST(HelpTest, EveryCommandHasItsTopicAndItsKeysStandInTheTable) {
+  const QString keys = PageText("tastenkürzel.htm");
+  for (const Command& command : Commands()) {
+    if (!command.helpTopic.empty()) {
+      EXPECT_EQ(HelpPage(ToQt(command.helpTopic)), ToQt(command.helpTopic)) << command.helpTopic;
+    }
+    const QString menuKeys = QtText(command.text).section('\t', 1);
+    for (const QString& key : menuKeys.split(',', Qt::SkipEmptyParts)) {
+      EXPECT_TRUE(keys.contains(key.trimmed())) << key.toStdString();
+    }
+  }
+}
+
+TEST(HelpTest, TopicsAreFoundWithoutRegardToCase) {
+  EXPECT_EQ(HelpPage("befehle-aktion-Ausführen-Ergebnisse.htm"), "Befehle-aktion-ausführen-ergebnisse.htm");
+  EXPECT_EQ(HelpPage(""), "inhalt.htm");
+  EXPECT_EQ(HelpPage("gibtesnicht.htm"), "inhalt.htm");
+}
+
+TEST(HelpTest, OpensGoesBackAndFinds) {
+  HelpWindow window;
+  window.OpenTopic("quellmedium.htm");
+  EXPECT_EQ(window.CurrentTopic(), "quellmedium.htm");
+  EXPECT_TRUE(window.windowTitle().startsWith("Quellmedium"));
+  window.OpenTopic("zielmedium.htm");
+  QTest::keyClick(&window, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(window.CurrentTopic(), "quellmedium.htm");
+
+  EXPECT_TRUE(window.FindNext("Papierkorb"));
+  EXPECT_EQ(window.findChild<QTextBrowser*>()->textCursor().selectedText(), "Papierkorb");
+  EXPECT_TRUE(window.FindNext("Papierkorb")) << "around the end of the page";
+  EXPECT_FALSE(window.FindNext("Kontrafagott"));
+  EXPECT_FALSE(window.FindNext(""));
+}
+
+}  // namespace
+}  // namespace ts5
