@@ -96,7 +96,9 @@ class Query {
   }
 
   Query& Text(int place, std::string_view text) {
-    sqlite3_bind_text64(statement_, place, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    // A null pointer would bind NULL.
+    const char* const data = text.empty() ? "" : text.data();
+    sqlite3_bind_text64(statement_, place, data, text.size(), SQLITE_STATIC, SQLITE_UTF8);
     return *this;
   }
   Query& Integer(int place, std::int64_t value) {

@@ -1,33 +1,38 @@
 #include "platform/strings.h"
 
 #include <algorithm>
-#include <array>
+#include <vector>
 
 namespace ts5 {
-namespace {
 
-constexpr auto kTexts = [] {
-  auto rows = std::to_array<TextRow>({
+// A switch, because it takes a table of any length and the compiler refuses a number that stands twice.
+std::optional<std::string_view> TextByNumber(int number) {
+  switch (number) {
+#define TEXT(name, number, text) \
+  case number:                   \
+    return text;
+#include "resources/strings.def"
+#undef TEXT
+    default:
+      return std::nullopt;
+  }
+}
+
+std::string_view Text(TextId id) {
+  return TextByNumber(static_cast<int>(id)).value_or(std::string_view{});
+}
+
+std::span<const TextRow> AllTexts() {
+  static const std::vector<TextRow> rows = [] {
+    std::vector<TextRow> all{
 #define TEXT(name, number, text) TextRow{TextId::name, text},
 #include "resources/strings.def"
 #undef TEXT
-  });
-  std::ranges::sort(rows, {}, &TextRow::id);
+    };
+    std::ranges::sort(all, {}, &TextRow::id);
+    return all;
+  }();
   return rows;
-}();
-
-static_assert(std::ranges::adjacent_find(kTexts, {}, &TextRow::id) == kTexts.end(), "a text number stands twice");
-
-}  // namespace
-
-std::optional<std::string_view> TextByNumber(int number) {
-  const auto row = std::ranges::lower_bound(kTexts, number, {}, [](const TextRow& r) { return static_cast<int>(r.id); });
-  if (row == kTexts.end() || static_cast<int>(row->id) != number) return std::nullopt;
-  return row->text;
 }
-
-std::string_view Text(TextId id) { return TextByNumber(static_cast<int>(id)).value_or(std::string_view{}); }
-
-std::span<const TextRow> AllTexts() { return kTexts; }
 
 }  // namespace ts5

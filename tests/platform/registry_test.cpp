@@ -53,6 +53,14 @@ TEST(Registry, KeysAreFoundWithoutRegardToCaseAndKeepTheirSpelling) {
   EXPECT_EQ(*registry.Read("hkcu\\software"), RegistryValues{});
 }
 
+TEST(Registry, RootsHaveValuesLikeAnyKey) {
+  Registry registry = InMemory();
+  EXPECT_THAT(registry.Write("HKCU", Some("a")), IsOk());
+  EXPECT_THAT(registry.Write("HKCU\\b", {}), IsOk());
+  EXPECT_EQ(*registry.Read("hkey_current_user"), Some("a"));
+  EXPECT_EQ(*registry.Subkeys("HKCU"), Names{"b"});
+}
+
 TEST(Registry, RefusesWhatIsNoKey) {
   Registry registry = InMemory();
   const std::string deep = [] {
