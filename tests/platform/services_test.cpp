@@ -63,8 +63,8 @@ TEST(Wastebasket, KeepsWhatItTakes) {
   directory.Write("file", "x");
   ::setenv("XDG_DATA_HOME", directory.File("file").c_str(), 1);
   const std::string stays = directory.Write("musik/b.mid", "MThd");
-  const Outcome moved = MoveToTrash(stays);
-  EXPECT_EQ(Failed(moved), fs::exists(stays));
+  EXPECT_THAT(MoveToTrash(stays), FailsWith(Outcome::TargetFailed));
+  EXPECT_EQ(test::Content(stays), "MThd");
   ::unsetenv("XDG_DATA_HOME");
 }
 
