@@ -25,7 +25,7 @@ constexpr std::string_view kSourceListFile = "SourceListFile ";
 constexpr std::size_t kShortestFallback = 4;  // characters of a directory that a vanished one falls back to
 
 // Every other value of a job's key belongs to a filter.
-constexpr std::array<std::string_view, 17> kOwnValues = {"Title",
+constexpr std::array<std::string_view, 18> kOwnValues = {"Title",
                                                          "Description",
                                                          "SourcePath",
                                                          "SourceDrive",
@@ -40,6 +40,7 @@ constexpr std::array<std::string_view, 17> kOwnValues = {"Title",
                                                          "FilterFixed",
                                                          "Filter",
                                                          "SourceMediumFileWinMax",
+                                                         "DestFilename",
                                                          "DestScreen?",
                                                          "DestDevice"};
 
@@ -67,10 +68,8 @@ bool HasPrefix(std::string_view name, std::string_view prefix) {
   return name.size() >= prefix.size() && EqualsIgnoringCase(name.substr(0, prefix.size()), prefix);
 }
 
-// The number of "SourceFile 0012"; nothing for a name that is not written like that.
-std::optional<std::size_t> NumberIn(std::string_view name, std::string_view prefix) {
-  if (!HasPrefix(name, prefix)) return std::nullopt;
-  const std::string_view digits = name.substr(prefix.size());
+// The number of "0012"; nothing for a text that is not written like that.
+std::optional<std::size_t> NumberIn(std::string_view digits) {
   std::size_t number = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (digits.size() < 4 || error != std::errc{} || end != digits.data() + digits.size() || number == 0) {
@@ -91,7 +90,7 @@ std::vector<std::string_view> NumberedTexts(const RegistryValues& values, std::s
   std::vector<std::string_view> texts(StoredCount(values, countName));
   for (auto value = values.All().lower_bound(prefix);
        value != values.All().end() && HasPrefix(value->first, prefix); ++value) {
-    const auto number = NumberIn(value->first, prefix);
+    const auto number = NumberIn(std::string_view(value->first).substr(prefix.size()));
     if (number && *number <= texts.size() && value->second.kind == RegistryValue::Kind::Text) {
       texts[*number - 1] = value->second.data;
     }
@@ -125,6 +124,10 @@ std::string Joined(const Range& numbers) {
   std::string text;
   for (const auto number : numbers) text.append(text.empty() ? "" : " ").append(std::to_string(number));
   return text;
+}
+
+bool HasDriveLetter(std::string_view path) {
+  return path.size() >= 2 && path[1] == ':';
 }
 
 // --- loading, group by group
@@ -189,7 +192,7 @@ void LoadFiles(Job& job, const RegistryValues& values, const JobSurroundings& ar
     FileListEntry entry =
         job.filter == FilterId::CdBurner ? ParseStoredEntry(text) : EntryFromPath(std::string(text));
     if (!IsUsablePath(entry.path)) continue;
-    if (!entry.cdTrack) entry.path = around.nativePath(entry.path);
+    if (!entry.cdTrack && HasDriveLetter(entry.path)) entry.path = around.nativePath(entry.path);
     job.files.Append(std::move(entry));
   }
   job.files.Select(StoredNumbers<std::size_t>(values, "SourceFilelistSelNum", "SourceFilelistSels"));
@@ -221,25 +224,23 @@ void LoadDestination(Job& job, const RegistryValues& values, const JobSurroundin
   job.destinationDevice = device;
 }
 
+// The values of a job's key that belong to a filter.
 RegistryValues FilterValues(const RegistryValues& values) {
   RegistryValues others;
   for (const auto& [name, value] : values.All()) {
-    const bool own =
-        std::ranges::any_of(kOwnValues, [&](auto known) { return EqualsIgnoringCase(known, name); }) ||
-        EqualsIgnoringCase(name, "DestFilename");
-    if (own || HasPrefix(name, kSourceFile) || HasPrefix(name, kSourceListFile)) continue;
-    others.Set(name, value);
+    if (HasPrefix(name, kSourceFile) || HasPrefix(name, kSourceListFile)) continue;
+    const bool own = std::ranges::any_of(
+        kOwnValues, [&](std::string_view known) { return EqualsIgnoringCase(known, name); });
+    if (!own) others.Set(name, value);
   }
   return others;
 }
 
 void SaveFiles(const Job& job, RegistryValues& values) {
-  values.SetInteger("SourceFileNum", static_cast<std::int64_t>(job.directory.names.size()));
   for (std::size_t i = 0; i < job.directory.names.size(); ++i) {
     values.SetText(NumberedName(kSourceFile, i + 1), job.directory.names[i]);
   }
   const bool burner = job.filter == FilterId::CdBurner;
-  values.SetInteger("SourceFilelistNum", static_cast<std::int64_t>(job.files.Size()));
   for (std::size_t i = 0; i < job.files.Size(); ++i) {
     const std::string name = NumberedName(kSourceListFile, i + 1);
     if (burner) {
@@ -248,6 +249,8 @@ void SaveFiles(const Job& job, RegistryValues& values) {
       values.SetText(name, job.files[i].path);
     }
   }
+  values.SetInteger("SourceFileNum", static_cast<std::int64_t>(job.directory.names.size()));
+  values.SetInteger("SourceFilelistNum", static_cast<std::int64_t>(job.files.Size()));
   values.SetInteger("SourceFileSelNum", static_cast<std::int64_t>(job.directory.indices.size()));
   values.SetText("SourceFileSels", Joined(job.directory.indices));
   values.SetInteger("SourceFilelistSelNum", static_cast<std::int64_t>(job.files.Selection().size()));
@@ -290,17 +293,17 @@ Job JobFromValues(const RegistryValues& values, std::size_t number, const JobSur
 
 RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules) {
   RegistryValues values;
+  SaveFiles(job, values);  // first, as long lists are put at the end at no cost
   const FilterModule* const module = IsFilter(job.filter) ? modules(job.filter) : nullptr;
   if (module != nullptr && job.parameters) {
     SaveParameters(*module, *job.parameters, values);
   } else {
-    values = job.stored;
+    for (const auto& [name, value] : job.stored.All()) values.Set(name, value);
   }
   values.SetText("Title", job.title);
   values.SetText("Description", job.description);
   values.SetText("SourcePath", job.directory.path);
   values.SetInteger("SourceDrive", job.sourceDrive);
-  SaveFiles(job, values);
   values.SetText("SourceMediumFileWinMax", job.fileWindowMaximised ? "1" : "0");
   const SizingRectangle& sizing = job.sizing;
   values.SetText("SizingRect", Joined(std::array{sizing.left, sizing.top, sizing.right, sizing.bottom}));

@@ -36,7 +36,7 @@ std::size_t DotOf(std::string_view path) {
 
 bool IsUsablePath(std::string_view path) {
   return !path.empty() && path.find('\0') == std::string_view::npos && IsUtf8(path) &&
-         CharacterCount(path) <= kMaxPathCharacters;
+         (path.size() <= kMaxPathCharacters || CharacterCount(path) <= kMaxPathCharacters);
 }
 
 std::string_view FileNameOf(std::string_view path) {

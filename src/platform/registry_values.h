@@ -54,7 +54,12 @@ class RegistryValues {
     Set(name, {RegistryValue::Kind::Binary, std::string(AsText(bytes))});
   }
   void Set(std::string_view name, RegistryValue value) {
-    values_.insert_or_assign(std::string(name), std::move(value));
+    // Values that come in order, as those of long lists do, need no search.
+    if (!values_.empty() && values_.key_comp()(values_.rbegin()->first, name)) {
+      values_.emplace_hint(values_.end(), std::string(name), std::move(value));
+    } else {
+      values_.insert_or_assign(std::string(name), std::move(value));
+    }
   }
   bool Erase(std::string_view name) {
     const auto found = values_.find(name);
