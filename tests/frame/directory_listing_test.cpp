@@ -8,6 +8,7 @@
 #include <chrono>
 #include <ctime>
 #include <filesystem>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -158,15 +159,17 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
   StandardEventLoop loop;
-  std::mutex hold;
-  std::unique_lock held(hold);
+  const auto hold = std::make_shared<std::mutex>();  // the thread that is let go still uses it
+  std::unique_lock held(*hold);
   std::atomic<int> answered = 0;
-  std::optional<DirectoryLister> lister(std::in_place, PostTo(loop), [&](const std::string& path) {
-    if (path != "/slow") return std::optional<std::vector<std::uint32_t>>{};
-    const std::lock_guard wait(hold);
-    ++answered;
-    return std::optional<std::vector<std::uint32_t>>{{60}};
-  });
+  std::optional<DirectoryLister> lister(std::in_place, PostTo(loop),
+                                        [&answered, hold](const std::string& path) {
+                                          if (path != "/slow")
+                                            return std::optional<std::vector<std::uint32_t>>{};
+                                          const std::lock_guard wait(*hold);
+                                          ++answered;
+                                          return std::optional<std::vector<std::uint32_t>>{{60}};
+                                        });
   const auto never = [](auto) { FAIL() << "a cancelled listing has reported"; };
   bool ended = false;
   ASSERT_TRUE(lister->Start("/slow", never, never));

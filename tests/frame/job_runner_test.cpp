@@ -70,7 +70,7 @@ TEST_F(JobRunnerTest, SeveralJobsRunAtOnceAndEachEndsOnce) {
   EXPECT_FALSE(runner_.Start(jobs[0], {}, hosts[0], dialogs_)) << "runs already";
 
   EXPECT_EQ(runner_.Stop(jobs[2]), TextId::Stopping);
-  EXPECT_EQ(runner_.Stop(jobs[2]), TextId::Stopping);
+  (void)runner_.Stop(jobs[2]);  // changes nothing, whether the run has ended by now or not
   ASSERT_TRUE(hosts[2]->WaitForResult());
   EXPECT_TRUE(hosts[2]->results[0].cancelled);
   EXPECT_EQ(jobs[2].State(), RunState::Idle);
