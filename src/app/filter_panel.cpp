@@ -38,6 +38,8 @@ FilterPanel::FilterPanel(std::span<const TileButton::Look> looks, TileStyle styl
     auto* tile = new TileButton(looks[i], style, line);
     auto* toggle = new QToolButton(line);
     toggle->setAutoRaise(true);
+    toggle->setIconSize({12, 12});
+    toggle->setStyleSheet("padding: 0");
     toggle->setFixedSize(kToggleWidth, kCollapsedTileHeight);
     columns->addWidget(tile, 1);
     columns->addWidget(toggle, 0, Qt::AlignTop);
@@ -90,7 +92,7 @@ void FilterPanel::Show(std::span<const Tile> tiles, FilterId current, bool fixed
     row.tile->SetCurrent(shown.filter == current);
     row.tile->setEnabled(shown.enabled);
     row.toggle->setEnabled(shown.toggleEnabled);
-    row.toggle->setArrowType(shown.expanded ? Qt::UpArrow : Qt::DownArrow);
+    row.toggle->setIcon(Icon(shown.expanded ? "collapse" : "expand"));
     const QString label = ToQt(
         Format(Text(shown.expanded ? TextId::CollapseTile : TextId::ExpandTile), FromQt(row.tile->text())));
     row.toggle->setToolTip(label);

@@ -21,6 +21,7 @@ void JobCommands::Activate(int number) {
     (void)jobs.Activate(static_cast<std::size_t>(number), window_.App().GetSettings().jobSaving, window_);
   }
   window_.RefreshJobBar();
+  window_.RefreshCommands();
 }
 
 void JobCommands::Create() {

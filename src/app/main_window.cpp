@@ -573,21 +573,23 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     return;
   }
-  if (!ended_) End();
+  if (!ended_) End(application_.GetSettings().jobSaving);
   event->accept();
 }
 
 void MainWindow::EndWithoutQuestion() {
-  if (!ended_) End();
+  // Nobody may be there to answer: what was edited is kept.
+  const JobSaving policy = application_.GetSettings().jobSaving;
+  if (!ended_) End(policy == JobSaving::Ask ? JobSaving::Automatic : policy);
   close();
 }
 
-void MainWindow::End() {
+void MainWindow::End(JobSaving policy) {
   TakeSelection();
   StorePlace();
   reader_.Stop();
   help_.reset();
-  application_.GetJobs().CommitAtEnd(application_.GetSettings().jobSaving, *this);
+  application_.GetJobs().CommitAtEnd(policy, *this);
   ended_ = true;
   dialogs_.Clear();
   runs_->Close();

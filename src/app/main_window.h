@@ -108,7 +108,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   void StoreLayout(Job& job) const;
   void RestorePlace();
   void StorePlace();
-  void End();
+  void End(JobSaving policy);
   void TakeSourceDone(Outcome outcome);
   void SelectStoredFiles();
 

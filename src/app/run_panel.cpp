@@ -35,6 +35,7 @@ RunPanel::RunPanel(QWidget* parent)
   item_->setAccessibleName(QtText(TextId::ItemProgressName));
   item_->setRange(0, kItemSteps);
   item_->setTextVisible(false);
+  item_->setMaximumHeight(10);
   hitView_->setObjectName("hits");
   hitView_->setAccessibleName(QtText(TextId::HitListName));
   hitView_->setModel(&hits_);

@@ -131,7 +131,12 @@ void TileButton::PaintPlain(QPainter& painter) const {
   }
   inner.end();
   painter.drawImage(0, 0, image);
-  PaintTexts(painter, rect().adjusted(8, 4, -8, -4), Qt::white, Qt::white, true);
+  if (isEnabled()) {
+    PaintTexts(painter, rect().adjusted(8, 4, -8, -4), Qt::white, Qt::white, true);
+  } else {
+    const QColor ink(70, 70, 70);
+    PaintTexts(painter, rect().adjusted(8, 4, -8, -4), ink, ink, false);
+  }
   if (hasFocus()) {
     painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
     painter.drawRect(rect().adjusted(4, 4, -5, -5));
@@ -215,8 +220,9 @@ void TileButton::PaintTexts(QPainter& painter, const QRect& area, const QColor& 
       QPainterPath outline;
       outline.addText(at, painter.font(), text);
       painter.setRenderHint(QPainter::Antialiasing);
-      painter.strokePath(outline, QPen(QColor(0, 0, 0, 190), 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-      painter.fillPath(outline, isEnabled() ? colour : QColor(225, 225, 225));
+      painter.strokePath(outline,
+                         QPen(QColor(0, 0, 0, 170), 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+      painter.fillPath(outline, colour);
       painter.setRenderHint(QPainter::Antialiasing, false);
     } else {
       painter.setPen(colour);

@@ -1,0 +1,217 @@
+// File lists and the directory view in the window.
+#include <gmock/gmock.h>
+
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QUrl>
+#include <filesystem>
+
+#include "workbench_support.h"
+
+namespace ts5 {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class ListStory : public WorkbenchTest {
+ protected:
+  // A directory with three files, shown by its place in the tree.
+  void StartInDirectory() {
+    WriteMidi("Musik/a.mid");
+    WriteMidi("Musik/b.mid");
+    directory_.Write("Musik/c.wav", "RIFF");
+    Start();
+    ASSERT_TRUE(WaitForListing());
+    emit W().Source().DirectoryChosen(directory_.File("Musik"));
+    ASSERT_TRUE(WaitForListing());
+    ASSERT_EQ(W().Source().Model().Size(), 3U);
+  }
+  std::size_t RowOf(const std::string& name) {
+    for (std::size_t row = 0; row < W().Source().Model().Size(); ++row) {
+      if (W().Source().Model().At(row).path.ends_with("/" + name)) return row;
+    }
+    return W().Source().Model().Size();
+  }
+  // Renames in place, as with the keyboard.
+  void RenameTo(const QString& name) {
+    W().Trigger(CommandId::Rename);
+    auto* editor = W().Source().Files()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    EXPECT_EQ(W().Actions().Accelerators(), AcceleratorTable::Off);
+    editor->setText(name);
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_TRUE(WaitFor([this] { return W().Actions().Accelerators() == AcceleratorTable::Standard; }));
+    ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
+    QApplication::processEvents();
+  }
+};
+
+TEST_F(ListStory, UnsupportedFilesAreCountedAndLeftOut) {
+  Start();
+  ToListMode();
+  std::vector<std::string> files;
+  for (int i = 0; i < 8; ++i) files.push_back(WriteMidi("lied" + std::to_string(i) + ".mid"));
+  files.insert(files.begin() + 3, directory_.Write("a.txt", ""));
+  files.push_back(directory_.Write("b.txt", ""));
+  script_.ExpectBox(QMessageBox::Ok);
+  Drop(files);
+  EXPECT_EQ(ActiveJob().files.Size(), 8U);
+  EXPECT_EQ(W().Source().Files()->model()->rowCount(), 8);
+  EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("2 Datei(en)"));
+}
+
+TEST_F(ListStory, AHundredThousandFilesComeAtOnce) {
+  Start();
+  ToListMode();
+  std::vector<std::string> files;
+  for (int i = 0; i < 100'000; ++i) files.push_back("/musik/ordner/lied" + std::to_string(i) + ".mid");
+  QElapsedTimer time;
+  time.start();
+  Drop(files);
+  W().Source().Files()->selectAll();
+  QApplication::processEvents();
+  W().Source().Files()->scrollToTop();
+  QApplication::processEvents();
+  EXPECT_EQ(ActiveJob().files.Selection().size(), 100'000U);
+  EXPECT_LT(time.elapsed(), 5000);
+  RecordProperty("milliseconds", static_cast<int>(time.elapsed()));
+  script_.ExpectBox(QMessageBox::Yes);
+  W().Trigger(CommandId::Delete);
+  EXPECT_TRUE(ActiveJob().files.Empty());
+  EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("100000 Dateien"));
+}
+
+TEST_F(ListStory, EntriesMoveAndTheSelectionGoesAlong) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid"), WriteMidi("c.mid")});
+  Select({2});
+  Press(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_TRUE(ActiveJob().files[1].path.ends_with("c.mid"));
+  EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{1});
+  Select({0});
+  EXPECT_FALSE(W().Actions().Action(CommandId::MoveUp)->isEnabled()) << "the first one does not move up";
+}
+
+TEST_F(ListStory, AListIsSavedLoadedAndReplaced) {
+  Start();
+  ToListMode();
+  const std::string present = WriteMidi("da.mid");
+  const std::string list = directory_.Write("liste.sts", "[sts5 Filelist]\r\nFiles=2\r\n1=" + present +
+                                                             "\r\n2=" + directory_.File("weg.mid") + "\r\n");
+  script_.ExpectBox(QMessageBox::Ok);
+  W().LoadFileList(list);
+  EXPECT_TRUE(ActiveJob().ListMode());
+  ASSERT_EQ(ActiveJob().files.Size(), 1U);
+  EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("1 Datei(en) konnten nicht geladen werden."));
+  script_.ExpectBox(QMessageBox::No);
+  W().Trigger(CommandId::ClearList);
+  EXPECT_EQ(ActiveJob().files.Size(), 1U);
+  script_.ExpectBox(QMessageBox::Yes);
+  W().Trigger(CommandId::ClearList);
+  EXPECT_TRUE(ActiveJob().files.Empty());
+  EXPECT_FALSE(W().Actions().Action(CommandId::ClearList)->isEnabled());
+}
+
+TEST_F(ListStory, ADropThatMeetsNoListSaysSo) {
+  StartInDirectory();
+  script_.ExpectBox(QMessageBox::Ok);
+  Drop({WriteMidi("x.mid")});
+  EXPECT_EQ(script_.LastText(), QtText(TextId::NoWindowForFiles));
+  EXPECT_TRUE(ActiveJob().files.Empty());
+  // The strip below the directory stands for the list.
+  emit W().Source().Strip()->FilesDropped({directory_.File("x.mid")});
+  EXPECT_EQ(ActiveJob().files.Size(), 1U);
+  EXPECT_THAT(W().Source().Strip()->text().toStdString(), HasSubstr("(1)"));
+}
+
+TEST_F(ListStory, CopiedFilesArePastedIntoTheList) {
+  StartInDirectory();
+  Select({RowOf("a.mid"), RowOf("b.mid")});
+  QTest::keyClick(W().Source().Files(), Qt::Key_C, Qt::ControlModifier);
+  ToListMode();
+  QTest::keyClick(W().Source().Files(), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(ActiveJob().files.Size(), 2U);
+}
+
+TEST_F(ListStory, RenamingAsksAboutExtensionsThatNoFilterTakes) {
+  StartInDirectory();
+  Select({RowOf("a.mid")});
+  script_.ExpectBox(QMessageBox::No);
+  RenameTo("a");
+  EXPECT_EQ(script_.LastText(), QtText(TextId::AskRenameUnsupported));
+  EXPECT_THAT(test::Listing(directory_.File("Musik")), HasSubstr("a.mid"));
+  RenameTo("neu.mid");
+  EXPECT_THAT(test::Listing(directory_.File("Musik")), HasSubstr("neu.mid"));
+  ASSERT_TRUE(WaitForListing());
+  EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("neu.mid")});
+  script_.ExpectBox(QMessageBox::Ok);
+  RenameTo("b.mid");
+  EXPECT_EQ(script_.LastText(), QtText(TextId::RenameFailed)) << "never over another file";
+}
+
+TEST_F(ListStory, TheSourceDirectoryGoesAndComesBack) {
+  StartInDirectory();
+  Select({0, 1});
+  EXPECT_EQ(ActiveJob().directory.names.size(), 2U);
+  std::filesystem::remove_all(directory_.File("Musik"));
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 0; }));
+  ASSERT_TRUE(WaitForListing());
+  EXPECT_TRUE(ActiveJob().directory.names.empty());
+  EXPECT_FALSE(W().Actions().Action(CommandId::Delete)->isEnabled());
+  WriteMidi("Musik/neu.mid");
+  W().ReloadSource();
+  EXPECT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1; }));
+}
+
+TEST_F(ListStory, NewFilesAppearByThemselvesAndTheSelectionStays) {
+  StartInDirectory();
+  Select({RowOf("b.mid")});
+  WriteMidi("Musik/aa.mid");
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 4 && WaitForListing(); }));
+  EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("b.mid")});
+}
+
+TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
+  options_.volumes = VolumeTable::Of(directory_.Path(), "", {"/dev/sr0"});
+  Start();
+  ASSERT_TRUE(WaitForListing());
+  const std::int32_t drive = ActiveJob().sourceDrive;
+  script_.ExpectBox(QMessageBox::Ok);
+  emit W().Source().Drives()->DriveTaken(2);
+  EXPECT_EQ(script_.LastText(), ToQt(DriveFailedText(2)));
+  EXPECT_EQ(ActiveJob().sourceDrive, drive);
+  EXPECT_EQ(W().Source().Drives()->currentData().toInt(), drive);
+}
+
+TEST_F(ListStory, ArrowsGoThroughTheDrivesAndEnterTakesOne) {
+  Start();
+  ASSERT_TRUE(WaitForListing());
+  DriveSelector* drives = W().Source().Drives();
+  drives->setFocus();
+  QTest::keyClick(drives, Qt::Key_Home);
+  EXPECT_FALSE(ActiveJob().ListMode()) << "looked at, not taken";
+  QTest::keyClick(drives, Qt::Key_Return);
+  EXPECT_TRUE(ActiveJob().ListMode());
+  EXPECT_FALSE(W().Source().Tree()->isVisible());
+}
+
+TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {
+  WriteMidi("Musik/Chor/Alt/a.mid");
+  Start();
+  W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Alt"));
+  ASSERT_TRUE(WaitFor([this] {
+    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor/Alt");
+  }));
+  EXPECT_FALSE(W().Source().TreeModel().hasChildren(W().Source().Tree()->currentIndex()));
+  // A path that does not exist leads as far as there is something.
+  W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Bass"));
+  EXPECT_TRUE(WaitFor([this] {
+    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor");
+  }));
+}
+
+}  // namespace
+}  // namespace ts5

@@ -1,0 +1,204 @@
+// The window itself: its commands, keys, filter bar, and what assistive technology sees of it.
+#include <gmock/gmock.h>
+
+#include <QMenuBar>
+#include <QStatusBar>
+#include <set>
+
+#include "app/help_commands.h"
+#include "support/accessible.h"
+#include "workbench_support.h"
+
+namespace ts5 {
+namespace {
+
+using testing::IsEmpty;
+
+TEST(CommandTable, EveryCommandHasItsHintAndItsKeysAreItsOwn) {
+  std::map<std::string, CommandId> taken;
+  for (const Command& command : Commands()) {
+    const int number = static_cast<int>(command.id);
+    EXPECT_TRUE(TextByNumber(number).has_value()) << number;
+    for (const std::string_view keys : {command.keys, command.playerKeys}) {
+      for (const std::string_view key : Split(keys, ' ')) {
+        if (key.empty()) continue;
+        const QKeySequence sequence(ToQt(key), QKeySequence::PortableText);
+        ASSERT_FALSE(sequence.toString().isEmpty()) << key;
+        EXPECT_TRUE(taken.emplace(sequence.toString().toStdString(), command.id).second)
+            << key << " stands twice";
+      }
+    }
+  }
+}
+
+class WindowStory : public WorkbenchTest {};
+
+TEST_F(WindowStory, MenusHoldTheTableAndUnbuiltRoomsAreDisabled) {
+  Start();
+  const auto menus = W().menuBar()->actions();
+  ASSERT_EQ(menus.size(), 5);
+  EXPECT_EQ(menus[0]->text(), "&Datei");
+  std::size_t entries = 0;
+  for (const QAction* menu : menus) {
+    std::set<QChar> mnemonics;
+    for (const QAction* action : menu->menu()->actions()) {
+      if (action->isSeparator()) continue;
+      ++entries;
+      EXPECT_FALSE(action->statusTip().isEmpty()) << action->text().toStdString();
+    }
+  }
+  EXPECT_EQ(entries, static_cast<std::size_t>(std::ranges::count_if(
+                         Commands(), [](const Command& command) { return command.menu != MenuId::None; })));
+  for (const Command& command : Commands()) {
+    if (command.needs == FilterId::None || FindModule(command.needs) != nullptr) continue;
+    EXPECT_FALSE(W().Actions().Action(command.id)->isEnabled()) << QtText(command.text).toStdString();
+  }
+}
+
+TEST_F(WindowStory, EveryControlHasANameAndCanBeReached) {
+  WriteMidi("Musik/a.mid");
+  Start();
+  for (const FilterId filter : {FilterId::MidiConverter, FilterId::MidiSearch, FilterId::MidiPlayer,
+                                FilterId::AudioPlayer, FilterId::CdBurner, FilterId::Artworker}) {
+    ActiveJob().filter = filter;
+    W().ShowFilter();
+    for (const bool list : {false, true}) {
+      if (ActiveJob().ListMode() != list) W().Trigger(CommandId::SwitchListMode);
+      EXPECT_THAT(NamelessControls(W()).join("\n").toStdString(), IsEmpty());
+      EXPECT_THAT(UnreachableControls(W()).join("\n").toStdString(), IsEmpty());
+    }
+  }
+}
+
+TEST_F(WindowStory, TabGoesThroughTheAreasInReadingOrder) {
+  WriteMidi("a.mid");
+  Start();
+  ToListMode();
+  Drop({directory_.File("a.mid")});
+  Select({0});
+  ChooseConverter();
+  std::vector<const QWidget*> areas{&W().JobButtons(), &W().Filters(), &W().Source(), &W().Target()};
+  W().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&W()));
+  W().JobButtons().JobButton(0)->setFocus();
+  std::vector<std::size_t> visited;
+  for (int i = 0; i < 40; ++i) {
+    for (std::size_t area = 0; area < areas.size(); ++area) {
+      if (areas[area]->isAncestorOf(W().focusWidget()) && (visited.empty() || visited.back() != area)) {
+        visited.push_back(area);
+      }
+    }
+    if (visited.size() > areas.size()) break;
+    QTest::keyClick(W().focusWidget(), Qt::Key_Tab);
+  }
+  EXPECT_THAT(visited, testing::ElementsAre(0, 1, 2, 3, 0));
+}
+
+TEST_F(WindowStory, TilesCollapseByKeyAndTheirStateIsTheJobs) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Select({0});
+  TileButton* tile = W().Filters().TileOf(FilterId::MidiConverter);
+  ASSERT_TRUE(tile->isVisible());
+  const int tall = tile->height();
+  tile->setFocus();
+  QTest::keyClick(tile, Qt::Key_Minus);
+  QApplication::processEvents();
+  EXPECT_EQ(tile->height(), kCollapsedTileHeight);
+  EXPECT_EQ(tall, ExpandedTileHeight(TileStyle::Modern));
+  EXPECT_EQ(tile->toolTip(), "Midi-Konverter");
+  EXPECT_TRUE(IsCollapsed(ActiveJob().filterStatus[static_cast<std::size_t>(FilterId::MidiConverter)]));
+  QTest::keyClick(tile, Qt::Key_Right);
+  EXPECT_TRUE(W().Filters().ToggleOf(FilterId::MidiConverter)->hasFocus());
+  QTest::keyClick(W().Filters().ToggleOf(FilterId::MidiConverter), Qt::Key_Space);
+  EXPECT_FALSE(IsCollapsed(ActiveJob().filterStatus[static_cast<std::size_t>(FilterId::MidiConverter)]));
+}
+
+TEST_F(WindowStory, FixingHidesAllOtherFilters) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Select({0});
+  ChooseConverter();
+  W().Filters().FixControl()->click();
+  int shown = 0;
+  for (int i = 0; i < static_cast<int>(kFilterCount); ++i) {
+    shown += W().Filters().TileOf(static_cast<FilterId>(i))->isVisible() ? 1 : 0;
+  }
+  EXPECT_EQ(shown, 1);
+  EXPECT_TRUE(W().Filters().TileOf(FilterId::MidiConverter)->isVisible());
+  Select({});
+  EXPECT_FALSE(W().Actions().Action(CommandId::Run)->isEnabled()) << "nothing that the converter could take";
+}
+
+TEST_F(WindowStory, WithoutDevicesThePanelsSaySo) {
+  Start();
+  const auto expectOnly = [&](FilterId filter, DeviceKind kind, TextId text) {
+    ActiveJob().filter = filter;
+    W().ShowFilter();
+    const QListWidget* list = W().Target().DeviceList(kind);
+    EXPECT_TRUE(list->isVisible());
+    ASSERT_EQ(list->count(), 1);
+    EXPECT_EQ(list->item(0)->text(), QtText(text));
+    EXPECT_FALSE(W().Target().Field()->isVisible());
+  };
+  expectOnly(FilterId::MidiPlayer, DeviceKind::Midi, TextId::NoMidiDevices);
+  EXPECT_EQ(W().Target().RunButton()->text(), "Play");
+  EXPECT_EQ(W().Actions().Action(CommandId::Run)->text(), "&Play\tLeertaste,Strg-Enter");
+  EXPECT_EQ(W().Actions().Accelerators(), AcceleratorTable::Player);
+  expectOnly(FilterId::AudioPlayer, DeviceKind::Audio, TextId::NoAudioDevices);
+}
+
+TEST_F(WindowStory, ContextHelpKnowsTheAreas) {
+  Start();
+  const HelpCommands help(W());
+  const std::vector<std::pair<const QWidget*, QString>> expected{
+      {W().Source().Files(), "quellmedium.htm"},
+      {W().Source().Drives(), "quellmedium.htm"},
+      {W().Filters().FixControl(), "filtersektion.htm"},
+      {W().Target().RunButton(), "zielmedium.htm"},
+      {W().JobButtons().NewJobButton(), ""},
+      {nullptr, ""}};
+  for (const auto& [widget, topic] : expected) EXPECT_EQ(help.TopicOf(widget), topic);
+}
+
+TEST_F(WindowStory, HelpTopicsOfTheCommandsExist) {
+  for (const Command& command : Commands()) {
+    const QString topic = ToQt(command.helpTopic);
+    if (topic.isEmpty()) continue;
+    EXPECT_NE(HelpPage(topic), HelpPage({})) << topic.toStdString();
+  }
+}
+
+TEST_F(WindowStory, SplittersAndPlaceAreRemembered) {
+  Start();
+  ASSERT_TRUE(WaitForListing());
+  ActiveJob().sizing = {300, 0, 520, 333};
+  ASSERT_TRUE(W().Show(ActiveJob()));
+  QApplication::processEvents();
+  EXPECT_NEAR(W().Filters().width(), 300, 12);
+  EXPECT_NEAR(W().Source().Tree()->width(), 220, 12);
+  W().setGeometry(40, 50, 1000, 700);
+  Start();
+  ASSERT_TRUE(application_->GetSettings().mainWindowPosition.has_value());
+  EXPECT_EQ(application_->GetSettings().mainWindowPosition->left, 40);
+  EXPECT_EQ(ActiveJob().sizing, (SizingRectangle{300, 0, 520, 333}));
+}
+
+TEST_F(WindowStory, MaximisingTheListHidesTheRest) {
+  Start();
+  ToListMode();
+  W().Trigger(CommandId::MaximiseList);
+  EXPECT_TRUE(ActiveJob().fileWindowMaximised);
+  EXPECT_FALSE(W().Filters().isVisible());
+  EXPECT_FALSE(W().Target().isVisible());
+  EXPECT_EQ(W().Actions().Action(CommandId::MaximiseList)->text(), "&Dateiliste normalisieren\tF5");
+  Start();
+  EXPECT_FALSE(W().Filters().isVisible()) << "list mode keeps it";
+  Press(Qt::Key_F5);
+  EXPECT_TRUE(W().Filters().isVisible());
+}
+
+}  // namespace
+}  // namespace ts5
