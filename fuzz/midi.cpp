@@ -10,8 +10,8 @@ namespace {
 
 using namespace ts5;
 
-// What a conversion makes must be read again; a plain file that only changed its container may be as damaged as
-// it was.
+// What a conversion makes must be read again; a plain file that only changed its container may be as damaged
+// as it was.
 void CheckWhole(const ConvertedMidi& converted) {
   const MidiFileInfo info = DetectMidiKind(converted.bytes);
   if (info.kind == MidiFileKind::None) abort();

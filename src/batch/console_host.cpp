@@ -120,6 +120,9 @@ void ConsoleHost::Ask(std::shared_ptr<Question> question) {
   Queue([this, question = std::move(question)] {
     if (question->Withdrawn()) return;
     line_.Clear();
+    // What the run is at, mostly the file that is asked about.
+    if (!status_.empty()) console_.err << status_ << '\n';
+    status_.clear();
     if (question->Text().results && !options_.json) console_.out << ResultText(*question->Text().results);
     question->Reply(stopping_ ? Answer::Cancelled : AskOnConsole(console_, question->Text()));
   });

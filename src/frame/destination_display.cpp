@@ -8,8 +8,7 @@ namespace ts5 {
 DestinationDisplay DisplayedDestination(const Job& job, const FilterModule* module,
                                         const DestinationRules& rules, const DestinationFiles& files) {
   const std::size_t items = ItemCount(job);
-  DestinationDisplay display{DestinationModeOf(job, rules.noPreset),
-                             std::nullopt};
+  DestinationDisplay display{DestinationModeOf(job, rules.noPreset), std::nullopt};
   if (!display.mode.automatic || items == 0) return display;
   const std::string source = ItemSource(job, 0);
   std::optional<TargetName> target;

@@ -38,8 +38,8 @@ struct FilterModule {
   StopRule stop = {};
   // The MIDI output device (index, -1 the mapper) that a run of the job would hold; empty or nothing: none.
   std::function<std::optional<std::int32_t>(const Job&)> midiDevice = {};
-  // What the job's parameters lack to be run at all: the user is told instead of a start. Empty or nothing: it
-  // can run.
+  // What the job's parameters lack to be run at all: the user is told instead of a start. Empty or nothing:
+  // it can run.
   std::function<std::optional<TextId>(const Job&)> missing = {};
 };
 

@@ -1,8 +1,9 @@
 // Filter parameters and their field tables.
 //
-// A filter's parameters are a plain struct derived from FilterParameters. One table of fields is the only list
-// of them: it loads them from a job's key, saves them there, and serves --set of the console program. The
-// defaults are the initialisers of the struct's members: a value that is missing or does not fit leaves them.
+// A filter's parameters are a plain struct derived from FilterParameters. One table of fields is the only
+// list of them: it loads them from a job's key, saves them there, and serves --set of the console program.
+// The defaults are the initialisers of the struct's members: a value that is missing or does not fit leaves
+// them.
 //
 //   struct ConverterParameters : ClonableParameters<ConverterParameters> {
 //     bool changeTimeBase = false;
@@ -59,58 +60,63 @@ class FieldTable {
   // A whole number in [least, most], stored in decimal.
   template <std::integral T>
   FieldTable& Integer(std::string name, T P::*member, T least, T most) {
-    return Single(std::move(name), std::to_string(least) + ".." + std::to_string(most),
-                  [member](const P& p) { return std::to_string(p.*member); },
-                  [member, least, most](P& p, std::string_view text) {
-                    const auto value = ParseInteger(Trim(text));
-                    if (!value || std::cmp_less(*value, least) || std::cmp_greater(*value, most)) return false;
-                    p.*member = static_cast<T>(*value);
-                    return true;
-                  });
+    return Single(
+        std::move(name), std::to_string(least) + ".." + std::to_string(most),
+        [member](const P& p) { return std::to_string(p.*member); },
+        [member, least, most](P& p, std::string_view text) {
+          const auto value = ParseInteger(Trim(text));
+          if (!value || std::cmp_less(*value, least) || std::cmp_greater(*value, most)) return false;
+          p.*member = static_cast<T>(*value);
+          return true;
+        });
   }
 
   // "1" for true, "0" for false; any other number is false as well.
   FieldTable& Flag(std::string name, bool P::*member) {
-    return Single(std::move(name), "0|1", [member](const P& p) { return std::string(p.*member ? "1" : "0"); },
-                  [member](P& p, std::string_view text) {
-                    const auto value = ParseInteger(Trim(text));
-                    if (!value) return false;
-                    p.*member = *value == 1;
-                    return true;
-                  });
+    return Single(
+        std::move(name), "0|1", [member](const P& p) { return std::string(p.*member ? "1" : "0"); },
+        [member](P& p, std::string_view text) {
+          const auto value = ParseInteger(Trim(text));
+          if (!value) return false;
+          p.*member = *value == 1;
+          return true;
+        });
   }
 
   // Text of at most so many characters; a longer one does not fit.
   FieldTable& Text(std::string name, std::string P::*member, std::size_t most) {
-    return Single(std::move(name), "Text (max. " + std::to_string(most) + ")", [member](const P& p) { return p.*member; },
-                  [member, most](P& p, std::string_view text) {
-                    if (CharacterCount(text) > most) return false;
-                    p.*member = std::string(text);
-                    return true;
-                  });
+    return Single(
+        std::move(name), "Text (max. " + std::to_string(most) + ")",
+        [member](const P& p) { return p.*member; },
+        [member, most](P& p, std::string_view text) {
+          if (CharacterCount(text) > most) return false;
+          p.*member = std::string(text);
+          return true;
+        });
   }
 
   // A fixed number of whole numbers in one value, separated by single blanks.
   template <std::integral T, std::size_t N>
   FieldTable& Numbers(std::string name, std::array<T, N> P::*member, T least, T most) {
-    return Single(std::move(name), std::to_string(N) + " x " + std::to_string(least) + ".." + std::to_string(most),
-                  [member](const P& p) {
-                    std::string text;
-                    for (const T number : p.*member) text += (text.empty() ? "" : " ") + std::to_string(number);
-                    return text;
-                  },
-                  [member, least, most](P& p, std::string_view text) {
-                    const auto parts = Split(Trim(text), ' ');
-                    if (parts.size() != N) return false;
-                    std::array<T, N> numbers{};
-                    for (std::size_t i = 0; i < N; ++i) {
-                      const auto value = ParseInteger(parts[i]);
-                      if (!value || std::cmp_less(*value, least) || std::cmp_greater(*value, most)) return false;
-                      numbers[i] = static_cast<T>(*value);
-                    }
-                    p.*member = numbers;
-                    return true;
-                  });
+    return Single(
+        std::move(name), std::to_string(N) + " x " + std::to_string(least) + ".." + std::to_string(most),
+        [member](const P& p) {
+          std::string text;
+          for (const T number : p.*member) text += (text.empty() ? "" : " ") + std::to_string(number);
+          return text;
+        },
+        [member, least, most](P& p, std::string_view text) {
+          const auto parts = Split(Trim(text), ' ');
+          if (parts.size() != N) return false;
+          std::array<T, N> numbers{};
+          for (std::size_t i = 0; i < N; ++i) {
+            const auto value = ParseInteger(parts[i]);
+            if (!value || std::cmp_less(*value, least) || std::cmp_greater(*value, most)) return false;
+            numbers[i] = static_cast<T>(*value);
+          }
+          p.*member = numbers;
+          return true;
+        });
   }
 
   // One stored text, written and read by functions of the filter.

@@ -133,7 +133,8 @@ class ByteWriter {
 
   // Overwrite bytes that are written already; the position must lie inside the buffer.
   void PatchU32Be(std::size_t position, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; ++i) bytes_.at(position + i) = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+    for (std::size_t i = 0; i < 4; ++i)
+      bytes_.at(position + i) = static_cast<std::uint8_t>(value >> (24 - 8 * i));
   }
   void PatchU32Le(std::size_t position, std::uint32_t value) {
     for (std::size_t i = 0; i < 4; ++i) bytes_.at(position + i) = static_cast<std::uint8_t>(value >> (8 * i));

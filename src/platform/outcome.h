@@ -12,33 +12,41 @@
 
 namespace ts5 {
 
-enum class [[nodiscard]] Outcome : std::int32_t {
-  Success = 0,
-  LibraryFailed = -1,      // a conversion component cannot be used
-  OutOfMemory = -2,
-  Cancelled = -5,          // by the user: a stop, or a question answered with No
-  ChunkNotWritten = -6,    // a RIFF chunk
-  NotABurnerList = -7,     // a file list without playing times
-  ReadFailed = -100,       // a short read or an I/O error
-  WriteFailed = -101,      // a short write, a full disk
-  WrongFormat = -104,      // not in the format that the operation takes
-  NotAFileList = -105,
-  TargetFailed = -200,     // the target cannot be created or replaced
-  TargetNameMissing = -201,
-  InUse = -210,            // another program keeps the file locked
-  SourceFailed = -300,     // the source cannot be opened
-  DamagedMidi = -601,      // a MIDI file that breaks off or contradicts itself
-  XmlNotWritten = -1400,   // an XML file that is made on the way
+enum class [[nodiscard]] Outcome : std::int32_t{
+    Success = 0,
+    LibraryFailed = -1,  // a conversion component cannot be used
+    OutOfMemory = -2,
+    Cancelled = -5,        // by the user: a stop, or a question answered with No
+    ChunkNotWritten = -6,  // a RIFF chunk
+    NotABurnerList = -7,   // a file list without playing times
+    ReadFailed = -100,     // a short read or an I/O error
+    WriteFailed = -101,    // a short write, a full disk
+    WrongFormat = -104,    // not in the format that the operation takes
+    NotAFileList = -105,
+    TargetFailed = -200,  // the target cannot be created or replaced
+    TargetNameMissing = -201,
+    InUse = -210,           // another program keeps the file locked
+    SourceFailed = -300,    // the source cannot be opened
+    DamagedMidi = -601,     // a MIDI file that breaks off or contradicts itself
+    XmlNotWritten = -1400,  // an XML file that is made on the way
 };
 
-[[nodiscard]] constexpr std::int32_t Code(Outcome outcome) { return static_cast<std::int32_t>(outcome); }
-[[nodiscard]] constexpr bool Succeeded(Outcome outcome) { return Code(outcome) >= 0; }
-[[nodiscard]] constexpr bool Failed(Outcome outcome) { return Code(outcome) < 0; }
+[[nodiscard]] constexpr std::int32_t Code(Outcome outcome) {
+  return static_cast<std::int32_t>(outcome);
+}
+[[nodiscard]] constexpr bool Succeeded(Outcome outcome) {
+  return Code(outcome) >= 0;
+}
+[[nodiscard]] constexpr bool Failed(Outcome outcome) {
+  return Code(outcome) < 0;
+}
 
 template <typename T>
 using Result = tl::expected<T, Outcome>;
 
-[[nodiscard]] inline tl::unexpected<Outcome> Failure(Outcome outcome) { return tl::unexpected<Outcome>(outcome); }
+[[nodiscard]] inline tl::unexpected<Outcome> Failure(Outcome outcome) {
+  return tl::unexpected<Outcome>(outcome);
+}
 
 // How GoogleTest and logs show a code, e.g. "Outcome(-104)".
 std::string ToString(Outcome outcome);

@@ -64,9 +64,9 @@ class FormatArgument {
       value_ = static_cast<unsigned long long>(value);
     }
   }
-  FormatArgument(char value) : value_(value) {}                     // NOLINT(google-explicit-constructor)
-  FormatArgument(double value) : value_(value) {}                   // NOLINT(google-explicit-constructor)
-  FormatArgument(std::string_view value) : value_(value) {}         // NOLINT(google-explicit-constructor)
+  FormatArgument(char value) : value_(value) {}              // NOLINT(google-explicit-constructor)
+  FormatArgument(double value) : value_(value) {}            // NOLINT(google-explicit-constructor)
+  FormatArgument(std::string_view value) : value_(value) {}  // NOLINT(google-explicit-constructor)
   FormatArgument(const std::string& value) : value_(std::string_view(value)) {}  // NOLINT
   FormatArgument(const char* value) : value_(std::string_view(value)) {}         // NOLINT
 
@@ -79,7 +79,8 @@ class FormatArgument {
 // A printf format filled in, checked at run time: %i %u %x %c %s %f with flags, width and precision. An
 // argument that does not fit its format never crashes: the text comes back unfilled, and TakeFormatFaults()
 // counts it (the tests' listener fails on any).
-[[nodiscard]] std::string FormatPrintf(std::string_view format, std::initializer_list<FormatArgument> arguments);
+[[nodiscard]] std::string FormatPrintf(std::string_view format,
+                                       std::initializer_list<FormatArgument> arguments);
 
 template <typename... Arguments>
 [[nodiscard]] std::string Format(std::string_view format, const Arguments&... arguments) {

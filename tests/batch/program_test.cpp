@@ -100,7 +100,7 @@ TEST_F(ProgramTest, AnExistingTargetIsReplacedNumberedOrAskedFor) {
     return captured_->Run(line);
   };
   EXPECT_EQ(run({}, std::nullopt), kExitCancelled);
-  EXPECT_THAT(Err(), HasSubstr("Die Zieldatei ist bereits vorhanden."));
+  EXPECT_THAT(Err(), HasSubstr(target + "\nDie Zieldatei ist bereits vorhanden."));
   EXPECT_THAT(Out(), HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_EQ(run({"--overwrite", "ask"}, {{"n"}}), kExitCancelled);
   EXPECT_EQ(Content(target), "alt");

@@ -7,7 +7,9 @@
 
 namespace ts5::test {
 
-inline Outcome CodeOf(Outcome outcome) { return outcome; }
+inline Outcome CodeOf(Outcome outcome) {
+  return outcome;
+}
 template <typename T>
 Outcome CodeOf(const Result<T>& result) {
   return result ? Outcome::Success : result.error();

@@ -13,7 +13,9 @@ namespace ts5::test {
 
 namespace fs = std::filesystem;
 
-std::string DataPath(std::string_view name) { return std::string(TS5_TEST_DATA "/") + std::string(name); }
+std::string DataPath(std::string_view name) {
+  return std::string(TS5_TEST_DATA "/") + std::string(name);
+}
 
 TemporaryDirectory::TemporaryDirectory() {
   std::string pattern = (fs::temp_directory_path() / "ts5-test-XXXXXX").string();
@@ -26,7 +28,9 @@ TemporaryDirectory::~TemporaryDirectory() {
   fs::remove_all(path_, ignored);
 }
 
-std::string TemporaryDirectory::File(std::string_view name) const { return path_ + "/" + std::string(name); }
+std::string TemporaryDirectory::File(std::string_view name) const {
+  return path_ + "/" + std::string(name);
+}
 
 std::string TemporaryDirectory::Write(std::string_view name, std::string_view content) const {
   const std::string path = File(name);
@@ -43,7 +47,8 @@ std::string Content(const std::string& path) {
 
 std::string Listing(const std::string& directory) {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(directory)) names.push_back(entry.path().filename().string());
+  for (const auto& entry : fs::directory_iterator(directory))
+    names.push_back(entry.path().filename().string());
   std::ranges::sort(names);
   std::string all;
   for (const auto& name : names) all += (all.empty() ? "" : " ") + name;

@@ -34,8 +34,8 @@ int main(int argc, char** argv) {
       for (const bool list : {false, true}) {
         ts5::SampleWorkbench workbench(TS5_DEMO, layout, list);
         const QString file = QStringLiteral("hauptfenster-%1-%2-%3.png")
-                                 .arg(QLatin1String(list ? "liste" : "verzeichnis"), QLatin1String(layoutName),
-                                      QLatin1String(dark ? "dunkel" : "hell"));
+                                 .arg(QLatin1String(list ? "liste" : "verzeichnis"),
+                                      QLatin1String(layoutName), QLatin1String(dark ? "dunkel" : "hell"));
         if (!workbench.Window().grab().save(directory.filePath(file))) {
           std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
           return 1;
