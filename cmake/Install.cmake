@@ -2,9 +2,9 @@
 include(GNUInstallDirs)
 
 install(TARGETS ts5-batch)
-if(EXISTS ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1)
-  install(FILES ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-endif()
+install(FILES ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${CMAKE_SOURCE_DIR}/scripts/completion.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ts5-batch)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 
 if(TARGET stavora-ts5)
