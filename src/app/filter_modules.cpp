@@ -33,4 +33,9 @@ const FilterModule* FindModule(FilterId id) {
   return found == Table().end() ? nullptr : &*found;
 }
 
+bool CanRun(FilterId id) {
+  const FilterModule* module = FindModule(id);
+  return module != nullptr && module->run;
+}
+
 }  // namespace ts5

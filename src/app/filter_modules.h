@@ -12,4 +12,7 @@ namespace ts5 {
 // nullptr for a filter that this build does not have.
 [[nodiscard]] const FilterModule* FindModule(FilterId id);
 
+// Whether this build can run the filter; of some it has only the parameters.
+[[nodiscard]] bool CanRun(FilterId id);
+
 }  // namespace ts5

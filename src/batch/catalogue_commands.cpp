@@ -47,7 +47,7 @@ int FiltersCommand(CommandLine line, Console& console) {
       row["name"] = filter.Name();
       row["description"] = filter.Description();
       row["extensions"] = Extensions(filter);
-      row["available"] = FindModule(filter.id) != nullptr;
+      row["available"] = CanRun(filter.id);
       filters.push_back(std::move(row));
     }
     console.out << JsonText({{"filters", filters}});
@@ -60,7 +60,7 @@ int FiltersCommand(CommandLine line, Console& console) {
     nameWidth = std::max(nameWidth, CharacterCount(filter.Name()));
   }
   for (const FilterDescriptor& filter : FilterCatalogue()) {
-    const bool here = FindModule(filter.id) != nullptr;
+    const bool here = CanRun(filter.id);
     console.out << Format("%2i ", static_cast<int>(filter.id))
                 << Padded(here ? Text(TextId::BatchFilterHere) : "", 2)
                 << Padded(filter.identifier, identifierWidth + 2) << Padded(filter.Name(), nameWidth + 2)

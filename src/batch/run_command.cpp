@@ -5,6 +5,7 @@
 #include "batch/arguments.h"
 #include "batch/command_line.h"
 #include "batch/commands.h"
+#include "batch/melody_options.h"
 #include "batch/run_session.h"
 #include "batch/store.h"
 #include "frame/directory_listing.h"
@@ -30,6 +31,7 @@ struct Request {
   std::optional<std::string> overwrite;
   std::optional<std::string> list;
   std::optional<std::string> directory;
+  MelodyOptions melody;
   OutputOptions output;
   std::vector<std::string> files;
 };
@@ -38,7 +40,7 @@ struct Request {
 std::string FilterNames(bool runnable) {
   std::string names;
   for (const FilterDescriptor& filter : FilterCatalogue()) {
-    if (runnable && FindModule(filter.id) == nullptr) continue;
+    if (runnable && !CanRun(filter.id)) continue;
     names += (names.empty() ? "" : ", ") + std::string(filter.identifier);
   }
   return names;
@@ -91,10 +93,12 @@ std::optional<std::string> Contradiction(const Request& request) {
   return std::nullopt;
 }
 
-// The files of a directory that the filter takes, all selected. False after saying what is wrong.
+// The files of a directory that the filter takes, all selected; a search walks the whole tree. False after
+// saying what is wrong.
 bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
   job.sourceDrive = 0;
   job.directory.path = directory;
+  if (IsSearch(job.filter)) return true;
   std::uint32_t index = 0;
   const auto take = [&](const std::vector<DirectoryItem>& items) {
     for (const DirectoryItem& item : items) {
@@ -145,6 +149,7 @@ int RunCommand(CommandLine line, Console& console) {
   arguments.Option("--overwrite", "yes|number|ask", request.overwrite, TextId::BatchHelpOverwrite);
   arguments.Option("--list", "LISTE.sts", request.list, TextId::BatchHelpList);
   arguments.Option("--dir", "VERZ", request.directory, TextId::BatchHelpDir);
+  AddMelodyOptions(arguments, request.melody);
   arguments.Flag("--json", request.output.json, TextId::BatchHelpJson);
   arguments.Flag("--quiet", request.output.quiet, TextId::BatchHelpQuiet);
   arguments.Rest("DATEI", request.files, TextId::BatchHelpFiles, 0);
@@ -158,7 +163,7 @@ int RunCommand(CommandLine line, Console& console) {
                       Format(Text(TextId::BatchFilterUnknown), request.filter, FilterNames(false)));
   }
   const FilterModule* module = FindModule(job.filter);
-  if (module == nullptr) {
+  if (!CanRun(job.filter)) {
     return WrongUsage(
         console, kCommand,
         Format(Text(TextId::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
@@ -169,8 +174,13 @@ int RunCommand(CommandLine line, Console& console) {
   }
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
 
-  const auto registry = OpenRegistry(console);
+  auto registry = OpenRegistry(console);
   if (!registry) return kExitFailed;
+  if (const auto fault = TakeMelody(request.melody, *registry, job))
+    return WrongUsage(console, kCommand, *fault);
+  if (module->missing) {
+    if (const auto text = module->missing(job)) return WrongUsage(console, kCommand, Text(*text));
+  }
   const Settings settings = LoadSettings(*registry, DefaultSettingsGround());
   DestinationRules rules = DestinationRulesOf(settings);
   rules.overwrite = ParseOverwrite(request.overwrite.value_or("ask")).value_or(OverwritePolicy::Ask);
@@ -192,9 +202,12 @@ int RunCommand(CommandLine line, Console& console) {
     for (const std::string& file : request.files) job.files.Append({.path = file});
     job.files.SelectAll();
   }
+  job.destinationIsScreen = IsSearch(job.filter) && !request.destination;
   if (request.destination) {
-    if (ItemCount(job) > 1) return WrongUsage(console, kCommand, Text(TextId::BatchDestForOne));
+    if (ItemCount(job) > 1 && !IsSearch(job.filter))
+      return WrongUsage(console, kCommand, Text(TextId::BatchDestForOne));
     job.destinationName = FromCurrentDirectory(*request.destination);
+    rules.chosenName = true;
     if (rules.overwrite == OverwritePolicy::Number)
       job.destinationName = NumberedIfThere(job.destinationName);
   }

@@ -13,7 +13,7 @@ namespace ts5::batch {
 int RunOnConsole(Console& console, Job& job, const Settings& settings, const DestinationRules& rules,
                  OutputOptions options) {
   const FilterModule* module = FindModule(job.filter);
-  if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0) {
+  if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0 && !job.destinationIsScreen) {
     job.destinationName = AutomaticDestination(job, *module, rules, SystemDestinationFiles());
   }
   const auto host = std::make_shared<ConsoleHost>(console, options);

@@ -32,6 +32,7 @@ struct DestinationRules {
   std::string suffix = "cnv";
   bool noPreset = false;  // single items get no automatic name
   OverwritePolicy overwrite = OverwritePolicy::Replace;
+  bool chosenName = false;  // the destination's name was chosen by the user, however many items there are
 };
 [[nodiscard]] DestinationRules DestinationRulesOf(const Settings& settings);
 

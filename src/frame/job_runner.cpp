@@ -78,7 +78,7 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, co
   if (!Descriptor(job.filter).Shows(kPanelFile)) return std::nullopt;
   if (IsSearch(job.filter) && job.destinationIsScreen) return std::nullopt;
   const DestinationRules& rules = request.destination;
-  if (DestinationModeOf(job, rules.noPreset).editable) {
+  if (rules.chosenName || DestinationModeOf(job, rules.noPreset).editable) {
     const DestinationCheck check =
         CheckDestination(job.destinationName, rules, ItemSource(job, 0), request.files);
     if (!check.message) job.destinationName = check.name;

@@ -152,7 +152,12 @@ TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
       {{"spiele"}, "filters, jobs, type, info, run, job, registry"},
       {{"run", "MidiKonverter", song}, "MidiConverter"},
       {{"run", "17", song}, "MidiConverter"},
-      {{"run", "AudioCompressor", song}, "Möglich sind: MidiConverter"},
+      {{"run", "AudioCompressor", song}, "Möglich sind: MidiSearch, MidiConverter"},
+      {{"run", "MidiSearch", song}, "Definieren Sie zuerst eine Suchmelodie"},
+      {{"run", "MidiSearch", "--melody", "60:0", song}, "60:0"},
+      {{"run", "MidiSearch", "--melody-name", "Lied", song}, "\"Lied\""},
+      {{"run", "MidiSearch", "--keys", "c", "--melody", "60:240", song}, "--melody-name"},
+      {{"run", "MidiConverter", "--keys", "c", song}, "Melodiesucher"},
       {{"run", "MidiConverter"}, "--list oder --dir"},
       {{"run", "MidiConverter", "--set", "Format=1", song}, "FormatSmall, Option1, FormatBig"},
       {{"run", "MidiConverter", "--set", "NewTimebase=15", song}, "0..14"},
@@ -170,6 +175,33 @@ TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
     EXPECT_EQ(Out(), "");
   }
   EXPECT_EQ(Listing(folder_.File("lieder")), "eins.mid");
+}
+
+TEST_F(ProgramTest, SearchesFilesAndTreesForAMelody) {
+  for (const char* name : {"a.mid", "b/tief.mid"}) {
+    folder_.Write(std::string("lieder/") + name, Content(DataPath("midi/jazzsoft_test-c-major-scale.mid")));
+  }
+  // The melody by its keys, as numbers and by the name under which the registry keeps it.
+  ASSERT_EQ(Run({"registry", "set", "--binary", "Suchmelodien", "Leiter", "3c00f0003e00f0004000f000"}),
+            kExitSuccess)
+      << Err();
+  for (const std::vector<std::string>& melody : std::vector<std::vector<std::string>>{
+           {"--keys", "4cde"}, {"--melody", "60:240,62:240,64:240"}, {"--melody-name", "Leiter"}}) {
+    ASSERT_EQ(Run({"run", "MidiSearch", "--json", melody[0], melody[1], "--dir", folder_.File("lieder")}),
+              kExitSuccess)
+        << Err();
+    const auto json = nlohmann::json::parse(Out());
+    EXPECT_EQ(json["lines"][0]["count"], 2);
+    ASSERT_EQ(json["hits"].size(), 2U);
+    EXPECT_EQ(json["hits"][1]["file"], folder_.File("lieder/b/tief.mid"));
+    EXPECT_EQ(json["hits"][1]["bar"], 0);
+  }
+  // Several files into the result file that was named.
+  const std::string result = folder_.File("treffer.txt");
+  const std::string song = folder_.File("lieder/a.mid");
+  ASSERT_EQ(Run({"run", "MidiSearch", "--keys", "cde", "--dest", result, song, song}), kExitSuccess) << Err();
+  EXPECT_THAT(Content(result), HasSubstr("2 Melodie(n) gefunden"));
+  EXPECT_THAT(Out(), HasSubstr("Fundergebnis:"));
 }
 
 TEST_F(ProgramTest, EveryCommandHasHelp) {
