@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/item_run.h"
@@ -91,7 +92,10 @@ std::uint32_t RunOver(const Tree& tree, const FilterModule& module) {
   for (const std::string& file : tree.Files()) job.files.Append({.path = file});
   const DestinationRules rules{.sourceDirectory = false, .directory = tree.FreshTarget(), .useSuffix = false};
   const auto host = std::make_shared<SilentHost>();
-  Run run({.job = job, .settings = {}, .destination = rules}, module, job.run.Shared(), host);
+  RunSetup setup;
+  setup.job = job;
+  setup.destination = rules;
+  Run run(std::move(setup), module, job.run.Shared(), host);
   module.run(run);
   run.Finish();
   return host->converted;

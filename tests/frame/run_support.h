@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "frame/filter_module.h"
@@ -178,7 +179,10 @@ inline Job ListJob(const std::vector<std::string>& files, const FilterModule& mo
 // One whole run on this thread.
 inline RunResult RunJob(const Job& job, const FilterModule& module, const DestinationRules& rules = {},
                         const std::shared_ptr<RecordingHost>& host = std::make_shared<RecordingHost>()) {
-  Run run({.job = job, .settings = {}, .destination = rules}, module, job.run.Shared(), host);
+  RunSetup setup;
+  setup.job = job;
+  setup.destination = rules;
+  Run run(std::move(setup), module, job.run.Shared(), host);
   module.run(run);
   run.Finish();
   return host->results.at(0);

@@ -97,6 +97,8 @@ TEST(SettingsStore, EverySettingSurvivesTheRegistry) {
                     .fileSearchSubdirectories = false,
                     .fileSearchPattern = std::string(5000, '*'),
                     .fileSearchDirectories = "/a;/b",
+                    .mainWindowPosition = WindowRectangle{10, 20, 1200, 900},
+                    .mainWindowMaximised = false,
                     .jobSaving = JobSaving::Ask,
                     .oldSearchResults = OldSearchResults::Extend,
                     .searchWholePath = true,
