@@ -204,6 +204,7 @@ TEST(HelpTest, OpensGoesBackAndFinds) {
   EXPECT_EQ(window.CurrentTopic(), "quellmedium.htm");
   EXPECT_TRUE(window.windowTitle().startsWith("Quellmedium"));
   window.OpenTopic("zielmedium.htm");
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
   QTest::keyClick(&window, Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(window.CurrentTopic(), "quellmedium.htm");
 

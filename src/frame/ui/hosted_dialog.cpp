@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QLineEdit>
 #include <utility>
 
@@ -30,6 +31,10 @@ void HostedDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void HostedDialog::showEvent(QShowEvent* event) {
+  // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
+  // dialogs on small screens.
+  const int needed = layout() != nullptr ? layout()->totalHeightForWidth(width()) : 0;
+  if (needed > height()) resize(width(), needed);
   if (!prompt_.isEmpty()) host_.ShowPrompt(prompt_);
   QDialog::showEvent(event);
 }

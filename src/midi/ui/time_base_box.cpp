@@ -34,4 +34,8 @@ QValidator::State TimeBaseBox::validate(QString& text, int& /*position*/) const 
              : QValidator::Intermediate;
 }
 
+void TimeBaseBox::fixup(QString& text) const {
+  if (!text.isEmpty()) text = textFromValue(valueFromText(text));
+}
+
 }  // namespace ts5

@@ -16,6 +16,7 @@ class TimeBaseBox : public QSpinBox {
   [[nodiscard]] QString textFromValue(int value) const override;
   [[nodiscard]] int valueFromText(const QString& text) const override;
   [[nodiscard]] QValidator::State validate(QString& text, int& position) const override;
+  void fixup(QString& text) const override;  // any number becomes the nearest value
 };
 
 }  // namespace ts5
