@@ -33,7 +33,7 @@ void PreviewAndPrint(QWidget* parent, Draw draw) {
   QPageSetupDialog setup(&printer, parent);
   if (setup.exec() != QDialog::Accepted) return;
   QPrintPreviewDialog preview(&printer, parent);
-  preview.setWindowTitle(QtText(TextId::PrintTitle));
+  preview.setWindowTitle(QtText(TextId::PrintJobName));
   QObject::connect(&preview, &QPrintPreviewDialog::paintRequested, &preview, draw);
   preview.exec();
 }

@@ -45,7 +45,7 @@ class Page {
 
   void Head(const SearchRecord& record, int number) {
     painter_.setFont(title_);
-    Draw(0, 0, width_, QtText(TextId::PrintTitle), Qt::AlignLeft);
+    Draw(0, 0, width_, QtText(TextId::PrintJobName), Qt::AlignLeft);
     painter_.setFont(text_);
     Draw(0, 0, width_, ToQt(Format(Text(TextId::PrintPage), number)), Qt::AlignRight);
     const double second = titleMetrics_.lineSpacing() * 1.5;
@@ -95,7 +95,7 @@ class Page {
 
 bool PrintResults(const SearchResults& results, bool wholePaths, QPrinter& printer,
                   const PageProceed& proceed) {
-  printer.setDocName(QtText(TextId::PrintTitle));
+  printer.setDocName(QtText(TextId::PrintJobName));
   QPainter painter;
   if (!painter.begin(&printer)) return false;
   Page page(painter, printer);
