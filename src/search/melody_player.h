@@ -14,11 +14,9 @@
 
 #include "platform/midi_out.h"
 #include "search/search_melody.h"
+#include "search/search_parameters.h"
 
 namespace ts5 {
-
-inline constexpr int kLeastTempo = 10;  // quarter notes per minute
-inline constexpr int kMostTempo = 240;
 
 // One element as it is played: the message that starts it (nothing for a rest), how long it lasts, and the
 // message that ends the key that was started last (nothing before the first one).

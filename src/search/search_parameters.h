@@ -6,12 +6,12 @@
 
 #include "frame/filter_id.h"
 #include "frame/parameters.h"
+#include "platform/midi_out.h"
 #include "search/search_melody.h"
 #include "search/search_options.h"
 
 namespace ts5 {
 
-inline constexpr std::int32_t kMidiMapper = -1;
 inline constexpr std::int32_t kNoMidiOutput = 1000;  // there is no MIDI output device at all
 inline constexpr std::int32_t kLeastTempo = 10;
 inline constexpr std::int32_t kMostTempo = 240;
