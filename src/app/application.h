@@ -55,6 +55,7 @@ class Application {
   [[nodiscard]] const SiblingPrograms& Siblings() const { return siblings_; }
   [[nodiscard]] Jobs& GetJobs() { return *jobs_; }
   [[nodiscard]] JobRunner& Runner() { return runner_; }
+  [[nodiscard]] Registry& GetRegistry() { return *registry_; }
   [[nodiscard]] EventLoop& Loop() { return loop_; }
   [[nodiscard]] const FilterModule* Module(FilterId filter) const { return modules_(filter); }
   // What the user has to be told after the start, e.g. about a registry that was damaged.

@@ -38,7 +38,7 @@ void FilterCommands::EditParameters() {
     ShowNotice(&window_, TextId::NoDecoderPage);
     return;
   }
-  if (dialog->edit(job, window_, &window_)) {
+  if (dialog->edit(job, window_.App(), window_, &window_)) {
     window_.RefreshDestination();
     window_.Refresh();
   }

@@ -3,16 +3,31 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/application.h"
 #include "frame/job.h"
+#include "midi/midi_capture.h"
 #include "midi/midi_converter.h"
 #include "midi/ui/midi_convert_dialog.h"
+#include "search/melody_store.h"
+#include "search/search_parameters.h"
+#include "search/ui/search_dialog.h"
 
 namespace ts5 {
 namespace {
 
-bool EditConverter(Job& job, DialogHost& host, QWidget* owner) {
+bool EditConverter(Job& job, Application& /*application*/, DialogHost& host, QWidget* owner) {
   auto& parameters = static_cast<ConverterParameters&>(*job.parameters);
   MidiConvertDialog dialog(parameters, ItemSource(job, 0), host, owner);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  parameters = dialog.Parameters();
+  return true;
+}
+
+bool EditSearch(Job& job, Application& application, DialogHost& host, QWidget* owner) {
+  auto& parameters = static_cast<SearchParameters&>(*job.parameters);
+  MelodyStore store(application.GetRegistry());
+  const auto open = [](const std::string& device) { return OpenMidiDevice(device); };
+  SearchDialog dialog(job.filter, parameters, store, application.Devices().midiOutputs, open, host, owner);
   if (dialog.exec() != QDialog::Accepted) return false;
   parameters = dialog.Parameters();
   return true;
@@ -21,6 +36,8 @@ bool EditConverter(Job& job, DialogHost& host, QWidget* owner) {
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
       {FilterId::MidiConverter, EditConverter},
+      {FilterId::ScoreSearch, EditSearch},
+      {FilterId::MidiSearch, EditSearch},
   };
   return dialogs;
 }

@@ -12,10 +12,12 @@ class QWidget;
 
 namespace ts5 {
 
+class Application;
+
 struct ParameterDialog {
   FilterId filter;
   // Edits the job's parameters in a modal dialog; true when they were taken over.
-  std::function<bool(Job& job, DialogHost& host, QWidget* owner)> edit;
+  std::function<bool(Job& job, Application& application, DialogHost& host, QWidget* owner)> edit;
 };
 
 // nullptr for a filter without one.
