@@ -7,6 +7,7 @@
 #include <array>
 
 #include "frame/ui/qt_text.h"
+#include "platform/text.h"
 #include "search/hit_texts.h"
 
 namespace ts5 {
