@@ -227,11 +227,12 @@ void LoadDestination(Job& job, const RegistryValues& values, const JobSurroundin
 // The values of a job's key that belong to a filter.
 RegistryValues FilterValues(const RegistryValues& values) {
   RegistryValues others;
-  for (const auto& [name, value] : values.All()) {
+  for (const auto& entry : values.All()) {
+    const std::string& name = entry.first;
     if (HasPrefix(name, kSourceFile) || HasPrefix(name, kSourceListFile)) continue;
     const bool own = std::ranges::any_of(
         kOwnValues, [&](std::string_view known) { return EqualsIgnoringCase(known, name); });
-    if (!own) others.Set(name, value);
+    if (!own) others.Set(name, entry.second);
   }
   return others;
 }
