@@ -26,7 +26,7 @@ namespace ts5 {
 namespace {
 
 constexpr QSize kSmallestWindow{900, 620};
-constexpr int kFilterBarWidth = 226;
+constexpr int kFilterBarWidth = 262;
 constexpr int kTreeWidth = 250;
 
 TileStyle StyleOf(SkinLayout layout) {
@@ -51,7 +51,7 @@ std::vector<TileButton::Look> TileLooks() {
   std::vector<TileButton::Look> looks;
   for (const FilterDescriptor& filter : FilterCatalogue()) {
     looks.push_back({ToQt(filter.Name()), ToQt(filter.Description()), ColourOf(filter.colour2),
-                     ColourOf(filter.colour1)});
+                     ColourOf(filter.colour1), FilterIcon(filter.id)});
   }
   return looks;
 }

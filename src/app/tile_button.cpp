@@ -213,8 +213,27 @@ void TileButton::PaintModern(QPainter& painter) const {
   PaintTexts(painter, rect().adjusted(16, 4, -8, -4), ink, Mix(ink, base, isEnabled() ? 0.25 : 0.0), false);
 }
 
-void TileButton::PaintTexts(QPainter& painter, const QRect& area, const QColor& ink, const QColor& faint,
+QRect TileButton::PaintIcon(QPainter& painter, const QRect& area) const {
+  if (look_.icon.isNull()) return area;
+  constexpr int kRim = 2;
+  const int side = expanded_ ? 28 : height() - 4;
+  const QRect chip(area.left(), expanded_ ? area.top() + 1 : 2, side, side);
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  QColor ground = palette().color(QPalette::Base);
+  if (!isEnabled()) ground.setAlphaF(0.5F);
+  painter.setBrush(ground);
+  painter.drawRoundedRect(chip, 4, 4);
+  painter.restore();
+  look_.icon.paint(&painter, expanded_ ? chip.adjusted(kRim, kRim, -kRim, -kRim) : chip, Qt::AlignCenter,
+                   isEnabled() ? QIcon::Normal : QIcon::Disabled);
+  return area.adjusted(side + 7, 0, 0, 0);
+}
+
+void TileButton::PaintTexts(QPainter& painter, const QRect& whole, const QColor& ink, const QColor& faint,
                             bool halo) const {
+  const QRect area = PaintIcon(painter, whole);
   const auto draw = [&](const QPoint& at, const QString& text, const QColor& colour) {
     if (halo) {
       QPainterPath outline;

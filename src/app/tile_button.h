@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QColor>
+#include <QIcon>
 
 namespace ts5 {
 
@@ -24,6 +25,7 @@ class TileButton : public QAbstractButton {
     QString description;
     QColor top;
     QColor bottom;
+    QIcon icon;
   };
 
   TileButton(Look look, TileStyle style, QWidget* parent);
@@ -45,6 +47,8 @@ class TileButton : public QAbstractButton {
   void PaintPlain(QPainter& painter) const;
   void PaintClassic(QPainter& painter) const;
   void PaintModern(QPainter& painter) const;
+  // The icon on a chip of its own ground, as the gradients have every colour; gives the area beside it.
+  [[nodiscard]] QRect PaintIcon(QPainter& painter, const QRect& area) const;
   void PaintTexts(QPainter& painter, const QRect& area, const QColor& ink, const QColor& faint,
                   bool halo) const;
 

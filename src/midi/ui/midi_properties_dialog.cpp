@@ -16,6 +16,7 @@ void Fill(QTreeWidget* list, const std::vector<PropertyRow>& rows) {
     item->setToolTip(1, ToQt(row.value).toHtmlEscaped());
   }
   list->resizeColumnToContents(0);
+  list->setColumnWidth(0, list->columnWidth(0) + list->fontMetrics().averageCharWidth() * 2);
   if (list->topLevelItemCount() > 0) list->setCurrentItem(list->topLevelItem(0));
 }
 
