@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/area_commands.h"
 #include "app/filter_commands.h"
 #include "app/help_commands.h"
 #include "app/job_commands.h"
@@ -84,6 +85,7 @@ MainWindow::MainWindow(Application& application)
   filterCommands_ = std::make_unique<FilterCommands>(*this);
   runs_ = std::make_unique<RunCommands>(*this);
   helpCommands_ = std::make_unique<HelpCommands>(*this);
+  areaCommands_ = std::make_unique<AreaCommands>(*this);
   On(CommandId::Quit, [this] { close(); });
   ConnectAreas();
 }

@@ -26,6 +26,7 @@
 
 namespace ts5 {
 
+class AreaCommands;
 class FilterCommands;
 class HelpCommands;
 class JobCommands;
@@ -136,6 +137,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;
   std::unique_ptr<HelpCommands> helpCommands_;
+  std::unique_ptr<AreaCommands> areaCommands_;
 
   DestinationMode destinationMode_;
   QPointer<QWidget> focusBeforeRun_;

@@ -1,7 +1,10 @@
 // The window itself: its commands, keys, filter bar, and what assistive technology sees of it.
 #include <gmock/gmock.h>
 
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QStatusBar>
 #include <set>
 
@@ -92,6 +95,55 @@ TEST_F(WindowStory, TabGoesThroughTheAreasInReadingOrder) {
     QTest::keyClick(W().focusWidget(), Qt::Key_Tab);
   }
   EXPECT_THAT(visited, testing::ElementsAre(0, 1, 2, 3, 0));
+}
+
+TEST_F(WindowStory, AKeyGoesFromAreaToAreaInBothDirections) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Select({0});
+  ChooseConverter();
+  const std::vector<const QWidget*> areas{&W().JobButtons(), &W().Filters(), &W().Source(), &W().Target()};
+  W().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&W()));
+  W().JobButtons().JobButton(0)->setFocus();
+  const auto here = [&] {
+    std::size_t area = 0;
+    while (area < areas.size() && !areas[area]->isAncestorOf(W().focusWidget())) ++area;
+    return area;
+  };
+  std::vector<std::size_t> visited;
+  for (std::size_t i = 0; i < areas.size(); ++i) {
+    Press(Qt::Key_F6);
+    visited.push_back(here());
+  }
+  EXPECT_THAT(visited, testing::ElementsAre(1, 2, 3, 0));
+  Press(Qt::Key_F6, Qt::ShiftModifier);
+  EXPECT_EQ(here(), 3U);
+}
+
+TEST_F(WindowStory, TheDestinationIsChosenInAFileDialog) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Select({0});
+  ChooseConverter();
+  script_.Expect([](QDialog& dialog) { dialog.reject(); });
+  const QString before = W().Target().Field()->text();
+  W().Target().BrowseButton()->click();
+  EXPECT_EQ(W().Target().Field()->text(), before) << "left without a choice";
+
+  const QString chosen = ToQt(directory_.File("neu.mid"));
+  script_.Expect([&](QDialog& dialog) {
+    auto* files = qobject_cast<QFileDialog*>(&dialog);
+    ASSERT_NE(files, nullptr);
+    EXPECT_EQ(W().StatusText(), "Wählen Sie bitte eine Datei als Zielmedium:");
+    files->selectFile(chosen);
+    dialog.accept();
+  });
+  W().Target().BrowseButton()->click();
+  EXPECT_EQ(W().Target().Field()->text(), chosen);
+  EXPECT_EQ(W().StatusText(), "Bereit");
 }
 
 TEST_F(WindowStory, TilesCollapseByKeyAndTheirStateIsTheJobs) {
