@@ -268,7 +268,9 @@ class Import {
     }
     if (!name.rest.starts_with('=') || whole.find('\0') != std::string::npos)
       return Complain(TextId::RegFileBadLine, number);
-    const std::string_view data = Trim(name.rest.substr(1));
+    std::string_view data = Trim(name.rest.substr(1));
+    if (whole.size() == line.size() && data.starts_with('"') && !TakeQuoted(data))
+      data = WithTheLinesOfItsText(line.substr(static_cast<std::size_t>(data.data() - whole.data())));
     if (data.starts_with('-') && IsEndOfLine(Trim(data.substr(1)))) {
       values_.Erase(name.text);
     } else if (auto value = ParseData(data, wide_)) {
@@ -278,6 +280,23 @@ class Import {
     }
     ++report.values;
     return Outcome::Success;
+  }
+
+  // A text that holds line ends goes on in the next lines up to its closing quote; `start` is its opening
+  // one. Where that quote does not end its line, or a key comes first, the text was never closed: then it is
+  // `start` to the end of its own line.
+  std::string_view WithTheLinesOfItsText(std::string_view start) {
+    const std::string_view all(start.data(),
+                               static_cast<std::size_t>(text_.data() - start.data()) + text_.size());
+    std::size_t quote = 1;
+    while (quote < all.size() && all[quote] != '"' && !all.substr(quote).starts_with("\n["))
+      quote += all[quote] == '\\' ? 2 : 1;
+    if (quote >= all.size() || all[quote] != '"') return start;
+    const std::size_t end = std::min(all.find('\n', quote), all.size());
+    if (!IsEndOfLine(Trim(all.substr(quote + 1, end - quote - 1)))) return start;
+    line_ += static_cast<std::size_t>(std::ranges::count(all.substr(0, end), '\n'));
+    text_ = all.substr(std::min(end + 1, all.size()));
+    return all.substr(0, end);
   }
 
   std::string_view text_;

@@ -146,6 +146,30 @@ TEST(RegFile, ErrorsAreReportedWithTheirLineAndTheRestGoesOn) {
   EXPECT_EQ(registry.Read("HKLM\\d")->Text("auch gut"), "2");
 }
 
+TEST(RegFile, TextsGoOnInTheNextLinesUpToTheirQuote) {
+  const std::string text =
+      "REGEDIT4\r\n"
+      "[HKEY_LOCAL_MACHINE\\a]\r\n"
+      "\"drei\"=\"eins  \r\n"
+      "  \\\"zwei\\\"\r\n"
+      "drei\"  ; endlich\r\n"
+      "\"kurz\"=\"1\"\r\n"
+      "\"offen\"=\"bis\r\n"  // 7
+      "zum Schlüssel\r\n"    // 8
+      "[HKEY_LOCAL_MACHINE\\b]\r\n"
+      "\"gut\"=\"2\"\r\n"
+      "\"bis zuletzt\"=\"offen";  // 11
+  Registry registry = InMemory();
+  const auto report = ImportRegText(AsBytes(Windows1252FromUtf8(text)), registry);
+  ASSERT_THAT(report, IsOk());
+  std::vector<std::size_t> lines;
+  for (const RegFileError& error : report->errors) lines.push_back(error.line);
+  EXPECT_EQ(lines, (std::vector<std::size_t>{7, 8, 11}));
+  EXPECT_EQ(registry.Read("HKLM\\a")->Text("drei"), "eins  \r\n  \"zwei\"\r\ndrei");
+  EXPECT_EQ(registry.Read("HKLM\\a")->Text("kurz"), "1");
+  EXPECT_EQ(registry.Read("HKLM\\b")->Text("gut"), "2");
+}
+
 TEST(RegFile, WhatIsNoSuchFileChangesNothing) {
   Registry registry = InMemory();
   for (const std::string& text :
