@@ -11,12 +11,14 @@ packages_libraries="
   librtmidi-dev librtaudio-dev libfluidsynth-dev timgm6mb-soundfont"
 # The desktop; its base package also holds Qt Core, which everything uses.
 packages_desktop="qt6-base-dev qt6-svg-dev libqt6svg6 libqt6svgwidgets6"
-# The tests and benchmarks.
-packages_tests="libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth"
+# The libraries of the tests and benchmarks, which every build is configured with.
+packages_test_libraries="libgtest-dev libgmock-dev libbenchmark-dev"
+# What the tests start.
+packages_tests="xvfb xauth"
 # What only the checks of .ci/run need.
 packages_checks="clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 groff-base man-db"
 
-packages_run="$packages_tools $packages_libraries $packages_desktop"
+packages_run="$packages_tools $packages_libraries $packages_desktop $packages_test_libraries"
 packages_test="$packages_run $packages_tests"
 packages_ci="$packages_test $packages_checks"
 
