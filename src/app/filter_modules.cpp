@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "audio/wave_converter.h"
 #include "midi/midi_converter.h"
 #include "search/search_run.h"
 
@@ -16,6 +17,7 @@ const std::vector<FilterModule>& Table() {
     modules.push_back(MidiConverterModule());
     modules.push_back(SearchModule(FilterId::ScoreSearch, {}));
     modules.push_back(MidiSearchModule());
+    modules.push_back(WaveConverterModule());
     std::ranges::sort(modules, {}, &FilterModule::id);
     return modules;
   }();

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "midi/work_watch.h"
+#include "platform/work_watch.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
 

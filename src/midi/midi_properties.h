@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frame/property_row.h"
 #include "midi/midi_file.h"
 #include "midi/riff_info.h"
 #include "platform/calendar.h"
@@ -13,13 +14,6 @@
 #include "platform/strings.h"
 
 namespace ts5 {
-
-struct PropertyRow {
-  std::string label;
-  std::string value;
-
-  friend bool operator==(const PropertyRow&, const PropertyRow&) = default;
-};
 
 struct MidiProperties {
   std::string title;                    // of the page: with the file's name

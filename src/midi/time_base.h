@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "midi/work_watch.h"
+#include "platform/work_watch.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
 

@@ -16,19 +16,32 @@ enum class [[nodiscard]] Outcome : std::int32_t{
     Success = 0,
     LibraryFailed = -1,  // a conversion component cannot be used
     OutOfMemory = -2,
+    InvalidParameter = -4,
     Cancelled = -5,        // by the user: a stop, or a question answered with No
     ChunkNotWritten = -6,  // a RIFF chunk
     NotABurnerList = -7,   // a file list without playing times
-    ReadFailed = -100,     // a short read or an I/O error
-    WriteFailed = -101,    // a short write, a full disk
-    WrongFormat = -104,    // not in the format that the operation takes
+    NotNecessary = -7,     // an action that would change nothing, or that the source does not allow
+    LibraryNotLoaded = -9,
+    EncoderNotStarted = -10,
+    ReadFailed = -100,            // a short read or an I/O error
+    WriteFailed = -101,           // a short write, a full disk
+    AttributesNotWritten = -102,  // at least one of an audio file
+    SourceNotOpened = -103,       // an audio source
+    WrongFormat = -104,           // not in the format that the operation takes
     NotAFileList = -105,
-    TargetFailed = -200,  // the target cannot be created or replaced
+    TargetNotCreated = -106,  // an audio target
+    TargetFailed = -200,      // the target cannot be created or replaced
     TargetNameMissing = -201,
-    InUse = -210,           // another program keeps the file locked
-    SourceFailed = -300,    // the source cannot be opened
-    DamagedMidi = -601,     // a MIDI file that breaks off or contradicts itself
-    XmlNotWritten = -1400,  // an XML file that is made on the way
+    TargetFormatUnknown = -202,
+    InUse = -210,         // another program keeps the file locked
+    SourceFailed = -300,  // the source cannot be opened
+    ConverterFailed = -400,
+    ConverterNotOpened = -401,
+    PcmConverterMissing = -402,
+    EncoderFailed = -403,         // it says so itself; what it wrote may be of no use
+    DamagedMidi = -601,           // a MIDI file that breaks off or contradicts itself
+    XmlNotWritten = -1400,        // an XML file that is made on the way
+    FormatRefused = -2147220992,  // a target format that the converter does not make
 };
 
 [[nodiscard]] constexpr std::int32_t Code(Outcome outcome) {

@@ -1,0 +1,32 @@
+// What the properties page shows of an audio file, as data: labels and values in the order of the page.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "audio/loudness.h"
+#include "audio/media_probe.h"
+#include "frame/property_row.h"
+#include "platform/calendar.h"
+#include "platform/outcome.h"
+#include "platform/work_watch.h"
+
+namespace ts5 {
+
+struct AudioProperties {
+  std::string title;  // of the page: with the file's name
+  MediaKind kind = MediaKind::None;
+  std::vector<PropertyRow> rows;
+};
+
+// What the file says about itself; quick. SourceFailed: the file cannot be opened. WrongFormat: no audio.
+[[nodiscard]] Result<AudioProperties> ReadAudioProperties(const std::string& path);
+[[nodiscard]] std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten);
+
+// What only all of its samples tell: loudness and true peak. Takes a moment for a long file. Also Cancelled,
+// ReadFailed.
+[[nodiscard]] Result<std::vector<PropertyRow>> MeasureAudioProperties(const std::string& path,
+                                                                      const WorkWatch& watch = {});
+[[nodiscard]] std::vector<PropertyRow> LoudnessRows(const Loudness& loudness);
+
+}  // namespace ts5

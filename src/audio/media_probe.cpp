@@ -1,0 +1,114 @@
+#include "audio/media_probe.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "audio/wave_file.h"
+#include "platform/files.h"
+#include "platform/media_reader.h"
+
+namespace ts5 {
+namespace {
+
+constexpr double kMostSeconds = 1e9;
+
+// "FORM", the size, "AIFF" or "AIFC", "COMM".
+bool BeginsAsAiff(const std::string& path) {
+  const auto start = ReadFileStart(path, 16);
+  if (!start) return false;
+  ByteReader in(*start);
+  const bool form = in.Tag() == "FORM";
+  in.Skip(4);
+  const std::string_view type = in.Tag();
+  return form && (type == "AIFF" || type == "AIFC") && in.Tag() == "COMM";
+}
+
+MediaKind KindOf(const MediaInfo& info, const std::string& path) {
+  switch (info.codec) {
+    case MediaCodec::WindowsMedia:
+      return info.container == MediaContainer::WindowsMedia ? MediaKind::WindowsMedia : MediaKind::Wave;
+    case MediaCodec::Vorbis:
+      return info.container == MediaContainer::Ogg ? MediaKind::OggVorbis : MediaKind::None;
+    case MediaCodec::Ape:
+      return MediaKind::MonkeysAudio;
+    default:
+      break;
+  }
+  switch (info.container) {
+    case MediaContainer::Wave:
+      return MediaKind::Wave;
+    case MediaContainer::Aiff:
+      return BeginsAsAiff(path) ? MediaKind::Aiff : MediaKind::Wave;
+    case MediaContainer::WindowsMedia:
+      return MediaKind::WindowsMedia;
+    case MediaContainer::Mpeg:
+      if (info.codec == MediaCodec::MpegLayer1) return MediaKind::MpegLayer1;
+      if (info.codec == MediaCodec::MpegLayer2) return MediaKind::MpegLayer2;
+      if (info.codec == MediaCodec::MpegLayer3) return MediaKind::MpegLayer3;
+      return MediaKind::None;
+    default:
+      return MediaKind::None;
+  }
+}
+
+void SetDuration(MediaProbe& probe, double seconds) {
+  probe.seconds = std::clamp(seconds, 0.0, kMostSeconds);
+  probe.dataLength = static_cast<std::uint64_t>(std::llround(probe.seconds * probe.format.bytesPerSecond));
+}
+
+}  // namespace
+
+std::uint64_t MediaProbe::Milliseconds() const {
+  if (format.bytesPerSecond == 0) return 0;
+  const std::uint64_t whole = dataLength / format.bytesPerSecond;
+  return whole * 1000 + dataLength % format.bytesPerSecond * 1000 / format.bytesPerSecond;
+}
+
+MediaProbe ProbeMedia(const std::string& path) {
+  MediaProbe probe;
+  auto wave = WaveFile::Open(path);
+  if (wave) {
+    probe.format = wave->Format();
+    if (const auto type = SampleTypeOf(probe.format)) {
+      probe.kind = MediaKind::Wave;
+      probe.frames = wave->DataSize() / (SampleSize(*type) * probe.format.channels);
+      SetDuration(probe, static_cast<double>(*probe.frames) / probe.format.sampleRate);
+      return probe;
+    }
+  }
+  const auto reader = MediaReader::Open(path);
+  if (!reader) return {};
+  const MediaInfo& info = (*reader)->Info();
+  probe.kind = KindOf(info, path);
+  if (probe.kind == MediaKind::None) return {};
+  if (!wave) probe.format = info.format;
+  if (probe.kind == MediaKind::Aiff) probe.frames = (*reader)->Frames();
+  SetDuration(probe, info.seconds);
+  return probe;
+}
+
+TextId KindName(MediaKind kind) {
+  switch (kind) {
+    case MediaKind::None:
+      break;
+    case MediaKind::Wave:
+      return TextId::AudioKindWave;
+    case MediaKind::MpegLayer1:
+      return TextId::AudioKindLayer1;
+    case MediaKind::MpegLayer2:
+      return TextId::AudioKindLayer2;
+    case MediaKind::MpegLayer3:
+      return TextId::AudioKindLayer3;
+    case MediaKind::Aiff:
+      return TextId::AudioKindAiff;
+    case MediaKind::WindowsMedia:
+      return TextId::AudioKindWindowsMedia;
+    case MediaKind::OggVorbis:
+      return TextId::AudioKindOgg;
+    case MediaKind::MonkeysAudio:
+      return TextId::AudioKindApe;
+  }
+  return TextId::UnknownFileFormat;
+}
+
+}  // namespace ts5

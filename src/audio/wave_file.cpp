@@ -1,0 +1,101 @@
+#include "audio/wave_file.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/directories.h"
+#include "platform/paths.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::uint32_t kFactWhileWriting = 0xFFFFFFFF;
+constexpr std::uint32_t kFactWhenClosed = 0;
+
+// Sounds that came with the program, by the kinds of resources in which they may lie.
+Result<InputFile> OpenResource(const std::string& name) {
+  for (const char* kind : {"WAVE", "WAV"}) {
+    auto file = InputFile::Open(JoinPath(JoinPath(InstalledDirectory(), kind), FileNameOf(name)));
+    if (file) return file;
+  }
+  return Failure(Outcome::SourceFailed);
+}
+
+}  // namespace
+
+Result<WaveFile> WaveFile::Open(const std::string& name) {
+  auto file = InputFile::Open(name);
+  if (!file && !FileExists(name)) file = OpenResource(name);
+  if (!file) return Failure(file.error());
+  return Read(std::move(*file));
+}
+
+Result<WaveFile> WaveFile::Read(InputFile file) {
+  auto layout = ReadWaveLayout(file);
+  if (!layout) return Failure(layout.error());
+  file.ExpectSequentialReads();
+  WaveFile wave;
+  wave.layout_ = std::move(*layout);
+  wave.source_ = std::move(file);
+  return wave;
+}
+
+Result<WaveFile> WaveFile::Create(const std::string& name, WaveFormat format, std::uint64_t expectedData) {
+  auto target = StagedFile::Create(name);
+  if (!target) return Failure(target.error());
+  WaveFile wave;
+  wave.own_ = std::move(*target);
+  if (const Outcome begun = wave.Begin(std::move(format), expectedData); Failed(begun)) return Failure(begun);
+  return wave;
+}
+
+Result<WaveFile> WaveFile::CreateIn(StagedFile& target, WaveFormat format, std::uint64_t expectedData) {
+  WaveFile wave;
+  wave.external_ = &target;
+  if (const Outcome begun = wave.Begin(std::move(format), expectedData); Failed(begun)) return Failure(begun);
+  return wave;
+}
+
+Outcome WaveFile::Begin(WaveFormat format, std::uint64_t expectedData) {
+  layout_.format = std::move(format);
+  written_ = true;
+  rf64_ = NeedsRf64(layout_.format, expectedData);
+  start_ = Target().Size();
+  return Target().Write(WaveHeader(layout_.format, 0, kFactWhileWriting, rf64_));
+}
+
+Result<std::size_t> WaveFile::Read(std::span<std::uint8_t> buffer) {
+  if (!source_) return Failure(Outcome::ReadFailed);
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), DataSize()));
+  const auto got = source_->ReadAt(layout_.dataOffset + position_, buffer.first(wanted));
+  if (!got) return Failure(got.error());
+  if (*got < wanted) return Failure(Outcome::ReadFailed);
+  position_ += *got;
+  return *got;
+}
+
+void WaveFile::SeekTo(std::uint64_t dataByte) {
+  if (!written_) position_ = std::min(dataByte, layout_.dataSize);
+}
+
+Outcome WaveFile::Write(ByteView samples) {
+  if (!written_ || closed_) return Outcome::WriteFailed;
+  if (!rf64_ && NeedsRf64(layout_.format, position_ + samples.size())) return Outcome::WriteFailed;
+  const Outcome written = Target().Write(samples);
+  if (Succeeded(written)) position_ += samples.size();
+  return written;
+}
+
+Outcome WaveFile::Close() {
+  if (!written_ || closed_) return Outcome::Success;
+  closed_ = true;
+  constexpr std::uint8_t kPadding[] = {0};
+  if (position_ % 2 != 0) {
+    if (const Outcome padded = Target().Write(kPadding); Failed(padded)) return padded;
+  }
+  const Bytes header = WaveHeader(layout_.format, position_, kFactWhenClosed, rf64_);
+  if (const Outcome patched = Target().WriteAt(start_, header); Failed(patched)) return patched;
+  return own_ ? own_->Commit() : Outcome::Success;
+}
+
+}  // namespace ts5

@@ -1,0 +1,72 @@
+// Wave files: the one way in which uncompressed samples are read and written.
+//
+//   auto wave = WaveFile::Open(name);              // or Create(name, format)
+//   while (wave->DataSize() > 0) { auto got = wave->Read(buffer); ... }
+//
+// A file that is written becomes visible whole, when Close() succeeds; until then its target is as it was.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "audio/wave_layout.h"
+#include "platform/bytes.h"
+#include "platform/files.h"
+#include "platform/input_file.h"
+#include "platform/outcome.h"
+#include "platform/wave_format.h"
+
+namespace ts5 {
+
+class WaveFile {
+ public:
+  // For reading. Where no file of that name can be opened, a sound of that name among the resources is taken.
+  // SourceFailed: there is none. WrongFormat: no wave file. ReadFailed.
+  [[nodiscard]] static Result<WaveFile> Open(const std::string& name);
+  // The same for a file that is open already, or lies in memory.
+  [[nodiscard]] static Result<WaveFile> Read(InputFile file);
+
+  // For writing. expectedData: bytes that will come, when that is known; only then can the file become longer
+  // than 4 GiB (as RF64). Codes of StagedFile::Create; WriteFailed.
+  [[nodiscard]] static Result<WaveFile> Create(const std::string& name, WaveFormat format,
+                                               std::uint64_t expectedData = 0);
+  // The same into a staged file of the caller's, which stays with him and is not committed here.
+  [[nodiscard]] static Result<WaveFile> CreateIn(StagedFile& target, WaveFormat format,
+                                                 std::uint64_t expectedData = 0);
+
+  [[nodiscard]] const WaveFormat& Format() const { return layout_.format; }
+  // Data bytes that are not read yet; for a written file those that were written.
+  [[nodiscard]] std::uint64_t DataSize() const { return written_ ? position_ : layout_.dataSize - position_; }
+
+  // Fills the buffer as far as there is data left, and says how far. ReadFailed: an I/O error, or the file
+  // has become shorter since.
+  [[nodiscard]] Result<std::size_t> Read(std::span<std::uint8_t> buffer);
+  // Moves reading to a byte of the data; one behind the end is the end.
+  void SeekTo(std::uint64_t dataByte);
+  void Reset() { SeekTo(0); }
+
+  // Appends samples. WriteFailed: also when the file would become longer than its header can say.
+  [[nodiscard]] Outcome Write(ByteView samples);
+  // Completes a written file: sizes, padding, the "fact" value 0; then puts it in place. Of no effect for one
+  // that is read.
+  [[nodiscard]] Outcome Close();
+
+ private:
+  WaveFile() = default;
+  [[nodiscard]] StagedFile& Target() { return external_ != nullptr ? *external_ : *own_; }
+  [[nodiscard]] Outcome Begin(WaveFormat format, std::uint64_t expectedData);
+
+  WaveLayout layout_;
+  std::uint64_t position_ = 0;  // in the data
+  std::optional<InputFile> source_;
+  std::optional<StagedFile> own_;
+  StagedFile* external_ = nullptr;
+  std::uint64_t start_ = 0;  // of the header in the target
+  bool written_ = false;
+  bool rf64_ = false;
+  bool closed_ = false;
+};
+
+}  // namespace ts5
