@@ -41,7 +41,7 @@ struct Scheme {
 // Plain, the look of before, our own; each light and dark.
 constexpr std::array<std::array<Scheme, 2>, 3> kSchemes{{
     {{{"#f0f0f0", "#ffffff", "#f5f5f5", "#f0f0f0", "#e5eef8", "#cfdff0", "#c8c8c8", "#9a9a9a", "#000000",
-       "#4d4d4d", "#8a8a8a", "#2a62a8", "#ffffff", "#d6e4f5", "#007000", "#c00000"},
+       "#4d4d4d", "#8a8a8a", "#2a62a8", "#ffffff", "#d6e4f5", "#008000", "#c00000"},
       {"#2b2b2b", "#1e1e1e", "#252525", "#363636", "#40464e", "#2f4257", "#474747", "#6a6a6a", "#f0f0f0",
        "#b8b8b8", "#7d7d7d", "#5c9be0", "#101010", "#2f4257", "#7fd08b", "#ff8a80"}}},
     {{{"#dde3ea", "#fbfcfd", "#eff3f7", "#e8edf3", "#f4f7fa", "#c6d1de", "#b3bfcc", "#8494a6", "#17212b",

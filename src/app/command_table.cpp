@@ -23,7 +23,7 @@ constexpr std::array kCommands{
     Command{C::Rename, File, false, T::MenuRename, "", "", "quellmedium.htm", kAlways},
     Command{C::PrinterSetup, File, true, T::MenuPrinterSetup, "", "", "", FilterId::Artworker},
     Command{C::Properties, File, true, T::MenuProperties, "Ctrl+E", "", "quellmedium.htm", kAlways},
-    Command{C::Quit, File, true, T::MenuQuit, "Ctrl+W", "", "", kAlways},
+    Command{C::Quit, File, true, T::MenuQuit, "Ctrl+W", "", "hauptfenster.htm", kAlways},
 
     Command{C::MaximiseList, View, false, T::MenuMaximiseList, "F5", "", "quellmedium.htm", kAlways},
     Command{C::SwitchListMode, View, false, T::MenuSwitchListMode, "F10", "", "quellmedium.htm", kAlways},
@@ -45,7 +45,7 @@ constexpr std::array kCommands{
             kAlways},
 
     Command{C::NewJob, Job, false, T::MenuNewJob, "Ctrl+N", "", "Befehle-Job-Neu.htm", kAlways},
-    Command{C::DeleteJob, Job, false, T::MenuDeleteJob, "Shift+Del", "", "", kAlways},
+    Command{C::DeleteJob, Job, false, T::MenuDeleteJob, "Shift+Del", "", "Befehle-Job-Löschen.htm", kAlways},
     Command{C::RenameJob, Job, false, T::MenuRenameJob, "", "", "Befehle-Job-Umbenennen.htm", kAlways},
 
     Command{C::HelpContents, Help, false, T::MenuHelpContents, "F1", "", "", kAlways},
@@ -83,10 +83,12 @@ TextId MenuTitle(MenuId menu) {
   return kMenuTitles.at(static_cast<std::size_t>(menu));
 }
 
-RunWording RunWordingOf(FilterId filter, bool running) {
+RunWording RunWordingOf(FilterId filter, RunState state) {
+  const bool running = state != RunState::Idle;
   if (IsPlayer(filter)) {
-    return running ? RunWording{T::RunButtonPause, T::MenuPause, T::MenuStopPlayback}
-                   : RunWording{T::RunButtonPlay, T::MenuPlay, T::MenuStopPlayback};
+    const bool plays = running && state != RunState::Paused && state != RunState::Stopped;
+    return plays ? RunWording{T::RunButtonPause, T::MenuPause, T::MenuStopPlayback}
+                 : RunWording{T::RunButtonPlay, T::MenuPlay, T::MenuStopPlayback};
   }
   if (filter == FilterId::CdBurner) {
     return {running ? T::RunButtonCancel : T::RunButtonBurn, T::MenuBurn, T::MenuStop};
@@ -95,6 +97,10 @@ RunWording RunWordingOf(FilterId filter, bool running) {
     return {running ? T::RunButtonCancel : T::RunButtonCopy, T::MenuCopy, T::MenuStop};
   }
   return {T::RunButtonRun, T::MenuRun, T::MenuStop};
+}
+
+bool RunButtonStops(FilterId filter, RunState state) {
+  return (filter == FilterId::CdBurner || filter == FilterId::CdCopier) && state != RunState::Idle;
 }
 
 }  // namespace ts5

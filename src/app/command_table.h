@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "frame/filter_catalogue.h"
+#include "frame/run_state.h"
 #include "platform/strings.h"
 
 namespace ts5 {
@@ -92,6 +93,8 @@ struct RunWording {
   TextId menu;
   TextId stopMenu;
 };
-[[nodiscard]] RunWording RunWordingOf(FilterId filter, bool running);
+[[nodiscard]] RunWording RunWordingOf(FilterId filter, RunState state);
+// While a disc is written, the run button is the one that cancels.
+[[nodiscard]] bool RunButtonStops(FilterId filter, RunState state);
 
 }  // namespace ts5

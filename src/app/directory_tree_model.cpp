@@ -6,6 +6,7 @@
 #include "frame/directory_listing.h"
 #include "frame/ui/qt_text.h"
 #include "platform/paths.h"
+#include "platform/strings.h"
 #include "platform/text.h"
 #include "resources/icons.h"
 
@@ -20,11 +21,22 @@ struct DirectoryTreeModel::Node {
   bool mayHaveChildren = true;
   Reading reading = Reading::Not;
   std::vector<std::unique_ptr<Node>> children;
+
+  // What stands below a directory until its own directories have been read.
+  static std::unique_ptr<Node> Placeholder(Node* parent) {
+    auto node = std::make_unique<Node>();
+    node->label = QtText(TextId::TreePlaceholder);
+    node->parent = parent;
+    node->mayHaveChildren = false;
+    return node;
+  }
+  [[nodiscard]] bool IsPlaceholder() const { return path.empty(); }
 };
 
 namespace {
 
 bool IsInside(std::string_view path, std::string_view directory) {
+  if (directory.empty()) return false;
   if (directory == "/") return path.starts_with('/');
   return path == directory ||
          (path.starts_with(directory) && path.size() > directory.size() && path[directory.size()] == '/');
@@ -104,12 +116,17 @@ QVariant DirectoryTreeModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleTextRole:
       return NodeOf(index)->label;
     case Qt::DecorationRole:
-      return closedIcon_;
+      return NodeOf(index)->IsPlaceholder() ? QVariant() : QVariant(closedIcon_);
     case Qt::ToolTipRole:
       return ToQt(NodeOf(index)->path);
     default:
       return {};
   }
+}
+
+Qt::ItemFlags DirectoryTreeModel::flags(const QModelIndex& index) const {
+  if (!index.isValid() || NodeOf(index)->IsPlaceholder()) return Qt::NoItemFlags;
+  return Qt::ItemIsEnabled | Qt::ItemIsSelectable;
 }
 
 bool DirectoryTreeModel::canFetchMore(const QModelIndex& parent) const {
@@ -131,6 +148,7 @@ void DirectoryTreeModel::Load(Node& node) {
       made->path = JoinPath(path, name);
       made->label = ToQt(name);
       made->mayHaveChildren = HasSubdirectories(made->path);
+      if (made->mayHaveChildren) made->children.push_back(Node::Placeholder(made.get()));
       found->push_back(std::move(made));
     }
     return [this, path, found] { TakeChildren(path, std::move(*found)); };

@@ -16,6 +16,7 @@
 #include "app/splash.h"
 #include "app/toolkit_texts.h"
 #include "frame/ui/qt_text.h"
+#include "platform/write_signals.h"
 #include "resources/icons.h"
 
 namespace {
@@ -27,6 +28,7 @@ constexpr int kSplashSteps = 9;
 
 int main(int argc, char** argv) {
   using namespace ts5;
+  TurnWriteSignalsIntoErrors();
   QApplication qt(argc, argv);
   QApplication::setApplicationName("stavora-ts5");
   QApplication::setApplicationDisplayName(QtText(TextId::ApplicationTitle));

@@ -415,7 +415,7 @@ void MainWindow::RefreshRunDisplay() {
   destinationMode_ = DestinationModeOf(job, settings.noTargetDefault);
   const bool idle = job.MayChange();
   const bool running = job.State() != RunState::Idle;
-  const RunWording wording = RunWordingOf(job.filter, running);
+  const RunWording wording = RunWordingOf(job.filter, job.State());
   target_->SetRunTexts(QtText(wording.button), WithoutKeys(wording.stopMenu));
   actions_->SetText(CommandId::Run, wording.menu);
   actions_->SetText(CommandId::Stop, wording.stopMenu);
@@ -425,7 +425,7 @@ void MainWindow::RefreshRunDisplay() {
   target_->Enable({.field = idle && destinationMode_.editable,
                    .choice = idle,
                    .devices = idle,
-                   .run = mayRun,
+                   .run = mayRun || RunButtonStops(job.filter, job.State()),
                    .stop = running});
   source_->Enable(
       {.drives = idle, .tree = idle, .files = idle && (source_->Model().Size() > 0 || job.ListMode())});

@@ -53,7 +53,10 @@ RunCommands::RunCommands(MainWindow& window) : window_(window) {
   window_.On(CommandId::Run, [this] { Start(); });
   window_.On(CommandId::Stop, [this] { Stop(); });
   window_.On(CommandId::StopByEscape, [this] { Stop(); });
-  connect(&window_.Target(), &TargetArea::RunClicked, this, [this] { window_.Trigger(CommandId::Run); });
+  connect(&window_.Target(), &TargetArea::RunClicked, this, [this] {
+    const Job& job = window_.ActiveJob();
+    window_.Trigger(RunButtonStops(job.filter, job.State()) ? CommandId::Stop : CommandId::Run);
+  });
   connect(&window_.Target(), &TargetArea::StopClicked, this, [this] { window_.Trigger(CommandId::Stop); });
 }
 

@@ -56,8 +56,6 @@ void CatchInterrupts() {
     if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) continue;
     sigaction(signal, &action, nullptr);
   }
-  action.sa_handler = SIG_IGN;
-  sigaction(SIGPIPE, &action, nullptr);
 }
 
 bool Interrupted() {

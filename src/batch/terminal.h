@@ -9,8 +9,7 @@
 namespace ts5::batch {
 
 // Makes Ctrl+C and a request to end from outside a flag that Interrupted() shows, so that the run can end in
-// good order; however often they come, nothing is killed half-way. A reader of our output that goes away is
-// noticed as a failed write. Call once, before any thread is started.
+// good order; however often they come, nothing is killed half-way. Call once, before any thread is started.
 void CatchInterrupts();
 [[nodiscard]] bool Interrupted();
 

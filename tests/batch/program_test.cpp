@@ -78,6 +78,24 @@ TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
   EXPECT_THAT(Content(folder_.File("neu/eins.cnv.mid")), StartsWith(std::string("MThd\0\0\0\6\0\0\0\1", 12)));
 }
 
+TEST_F(ProgramTest, AFileBeyondTheAllowedSizeIsAFailedWrite) {
+  Song("klein.mid");
+  // One track with a long text.
+  std::string track =
+      std::string("\0\xFF\x01\x86\x8D\x20", 6) + std::string(100'000, 't') + std::string("\0\xFF\x2F\0", 4);
+  const std::string size{'\0', static_cast<char>(track.size() >> 16 & 0xFF),
+                         static_cast<char>(track.size() >> 8 & 0xFF), static_cast<char>(track.size() & 0xFF)};
+  folder_.Write("lieder/lang.mid", std::string("MThd\0\0\0\6\0\1\0\1\0\x60MTrk", 18) + size + track);
+  const std::vector<std::string> line{"run", "MidiConverter",   "--json",          "--dest-dir",
+                                      "neu", "lieder/lang.mid", "lieder/klein.mid"};
+  const ProgramEnd end = Program(line, folder_.Path(), registry_, 64 * 1024).Wait();
+  EXPECT_EQ(end.status, kExitFailed) << end.err;
+  const auto json = nlohmann::json::parse(end.out);
+  EXPECT_EQ(json["items"][0]["code"], -101);
+  EXPECT_EQ(NewFiles(), "klein.cnv.mid") << "the run goes on, nothing half-written is left";
+  EXPECT_EQ(RunChild(line).status, kExitSuccess);
+}
+
 TEST_F(ProgramTest, NormalOutputIsTheResultsDialog) {
   Song("eins.mid");
   EXPECT_EQ(RunChild({"run", "5", "lieder/eins.mid"}).out,

@@ -13,7 +13,7 @@
 namespace ts5::batch {
 
 Program::Program(const std::vector<std::string>& line, const std::string& directory,
-                 const std::string& registry)
+                 const std::string& registry, rlim_t fileLimit)
     : outPath_(registry + ".out"), errPath_(registry + ".err") {
   std::vector<char*> words{const_cast<char*>(TS5_BATCH_PROGRAM)};
   for (const std::string& word : line) words.push_back(const_cast<char*>(word.c_str()));
@@ -23,6 +23,8 @@ Program::Program(const std::vector<std::string>& line, const std::string& direct
   if (child_ > 0) return;
   // The child: only calls that are safe here.
   setenv("STAVORA_REGISTRY", registry.c_str(), 1);
+  const rlimit limit{fileLimit, fileLimit};
+  if (fileLimit > 0 && setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(125);
   const int input = open("/dev/null", O_RDONLY);
   const int output = open(outPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   const int errors = open(errPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);

@@ -1,6 +1,7 @@
 // The real program as a child process, with what it wrote and how it ended.
 #pragma once
 
+#include <sys/resource.h>
 #include <sys/types.h>
 
 #include <string>
@@ -16,8 +17,10 @@ struct ProgramEnd {
 
 class Program {
  public:
-  // Starts it without a terminal, its input empty, in that directory, with that registry file.
-  Program(const std::vector<std::string>& line, const std::string& directory, const std::string& registry);
+  // Starts it without a terminal, its input empty, in that directory, with that registry file. fileLimit: the
+  // longest file that it may write, as with ulimit -f; 0 for any.
+  Program(const std::vector<std::string>& line, const std::string& directory, const std::string& registry,
+          rlim_t fileLimit = 0);
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;

@@ -1,10 +1,12 @@
 #!/bin/bash
-# A user's story with real mouse and keys: start the workbench, go to a directory, choose the MIDI converter, set its
-# parameters, run, read the results, end. Needs Xvfb, xdotool and ImageMagick's import.
+# A user's story with real mouse and keys: start the workbench, go to a directory, drag files to the free list, choose
+# the MIDI converter, set its parameters, run, read the results, throw a file away, end. Needs Xvfb, xdotool and
+# ImageMagick's import.
 #
 #   tests/desktop/story.sh PROGRAM [PICTURES]
 #
-# Exit status 0 when the converted files are there and the program ended by itself.
+# Exit status 0 when the converted files are there, the file is in the wastebasket, the job holds what was dragged and
+# the program ended by itself.
 set -eu
 program=$(realpath "$1")
 pictures=${2:-}
@@ -80,6 +82,19 @@ keys shift+End
 sleep 0.7
 picture 3-selected
 
+# The selected files are dragged with the mouse over the free list, which stands below the directory's files.
+xdotool mousemove $((X + 620)) $((Y + 155)) mousedown 1
+for step in 1 2 3 4 5 6 7 8; do
+  xdotool mousemove $((X + 620 + step * 20)) $((Y + 155 + step * 42))
+  sleep 0.1
+done
+xdotool mousemove $((X + 780)) $((Y + 497))
+sleep 0.4
+picture 3b-dragged
+xdotool mouseup 1
+sleep 0.7
+picture 3c-dropped
+
 # The tile of the converter, wherever it stands: Tab from the job bar reaches the filter bar; its keys go through it.
 tile=
 for y in $(seq 90 20 700); do
@@ -106,6 +121,21 @@ picture 5-results
 keys Return
 file "Maple Leaf Rag.cnv.mid" || fail "no converted file: $(ls "$HOME/Musik")"
 
+# The first file goes to the wastebasket, after the question.
+sleep 1.5
+xdotool windowfocus "$main" || true
+xdotool mousemove $((X + 620)) $((Y + 135)) click 1
+sleep 0.5
+keys Delete
+picture 5b-delete
+keys alt+j
+for _ in $(seq 100); do
+  [ -e "$XDG_DATA_HOME/Trash/files/Abgebrochene Datei.mid" ] && break
+  sleep 0.1
+done
+[ -e "$XDG_DATA_HOME/Trash/files/Abgebrochene Datei.mid" ] || fail "nothing in the wastebasket"
+[ ! -e "$HOME/Musik/Abgebrochene Datei.mid" ] || fail "the deleted file is still there"
+
 # The end, by its key and with its question.
 sleep 0.5
 xdotool windowfocus "$main" || true
@@ -119,4 +149,8 @@ for _ in $(seq 100); do
 done
 [ -z "$app" ] || fail "the program did not end"
 [ -s "$STAVORA_REGISTRY" ] || fail "nothing was saved"
+console=$(dirname "$program")/ts5-batch
+[ -x "$console" ] || console=$(dirname "$program")/../batch/ts5-batch
+dragged=$("$console" registry get 'Jobs\Job 0000' SourceFilelistNum)
+[ "$dragged" = 4 ] || fail "$dragged files in the free list instead of 4"
 echo "story: $(ls "$HOME/Musik" | grep -c cnv) files converted, ended in order"

@@ -55,6 +55,12 @@ MidiProperties SampleProperties() {
   return properties;
 }
 
+// After the others, those of the room of searches.
+std::vector<WindowSample> WithSearch(std::vector<WindowSample> samples) {
+  for (WindowSample& sample : SearchWindowSamples()) samples.push_back(std::move(sample));
+  return samples;
+}
+
 std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
   auto dialog = std::make_unique<SettingsDialog>(SampleSettings(), host, nullptr);
   Child<QTabWidget>(*dialog, "pages").setCurrentIndex(page);
@@ -64,7 +70,7 @@ std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
 }  // namespace
 
 const std::vector<WindowSample>& WindowSamples() {
-  static const std::vector<WindowSample> samples{
+  static const std::vector<WindowSample> samples = WithSearch({
       {"RESULTS",
        [](DialogHost& host) { return std::make_unique<ResultsDialog>(SampleResult(), host, nullptr); }},
       {"CREATEJOB",
@@ -114,7 +120,7 @@ const std::vector<WindowSample>& WindowSamples() {
          window->OpenTopic(QStringLiteral("quellmedium.htm"));
          return window;
        }},
-  };
+  });
   return samples;
 }
 

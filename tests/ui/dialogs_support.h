@@ -72,5 +72,6 @@ struct WindowSample {
   std::function<std::unique_ptr<QWidget>(DialogHost&)> make;
 };
 [[nodiscard]] const std::vector<WindowSample>& WindowSamples();
+[[nodiscard]] std::vector<WindowSample> SearchWindowSamples();  // those of the melody search, among them
 
 }  // namespace ts5

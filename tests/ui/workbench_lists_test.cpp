@@ -174,6 +174,35 @@ TEST_F(ListStory, NewFilesAppearByThemselvesAndTheSelectionStays) {
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("b.mid")});
 }
 
+TEST_F(ListStory, DeletedFilesGoToTheWastebasket) {
+  const test::TemporaryDirectory data;
+  qputenv("XDG_DATA_HOME", QByteArray::fromStdString(data.Path()));
+  StartInDirectory();
+  Select({RowOf("a.mid"), RowOf("b.mid")});
+  script_.ExpectBox(QMessageBox::No);
+  Press(Qt::Key_Delete);
+  EXPECT_EQ(script_.LastText(), "Wollen Sie die ausgewählten 2 Dateien wirklich löschen?");
+  EXPECT_EQ(test::Listing(directory_.File("Musik")), "a.mid b.mid c.wav");
+  script_.ExpectBox(QMessageBox::Yes);
+  Press(Qt::Key_Delete);
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1 && WaitForListing(); }));
+  EXPECT_EQ(test::Listing(directory_.File("Musik")), "c.wav");
+  EXPECT_EQ(test::Listing(data.File("Trash/files")), "a.mid b.mid");
+  EXPECT_TRUE(ActiveJob().directory.names.empty());
+
+  // Without a wastebasket nothing is deleted, and the user is told.
+  std::filesystem::remove_all(data.File("Trash"));
+  data.Write("Trash", "hier kann kein Verzeichnis entstehen");
+  Select({RowOf("c.wav")});
+  script_.ExpectBox(QMessageBox::Yes);
+  script_.ExpectBox(QMessageBox::Ok);
+  Press(Qt::Key_Delete);
+  ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
+  EXPECT_EQ(script_.LastText(), ToQt(FileNotDeletedText(directory_.File("Musik/c.wav"))));
+  EXPECT_EQ(test::Listing(directory_.File("Musik")), "c.wav");
+  qunsetenv("XDG_DATA_HOME");
+}
+
 TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
   options_.volumes = VolumeTable::Of(directory_.Path(), "", {"/dev/sr0"});
   Start();
@@ -205,12 +234,29 @@ TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {
   ASSERT_TRUE(WaitFor([this] {
     return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor/Alt");
   }));
-  EXPECT_FALSE(W().Source().TreeModel().hasChildren(W().Source().Tree()->currentIndex()));
+  DirectoryTreeModel& tree = W().Source().TreeModel();
+  EXPECT_FALSE(tree.hasChildren(W().Source().Tree()->currentIndex()));
   // A path that does not exist leads as far as there is something.
   W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Bass"));
   EXPECT_TRUE(WaitFor([this] {
     return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor");
   }));
+}
+
+TEST_F(ListStory, ADirectoryHasAPlaceholderUntilItIsOpened) {
+  WriteMidi("Musik/Chor/a.mid");
+  Start();
+  DirectoryTreeModel& tree = W().Source().TreeModel();
+  ASSERT_TRUE(WaitFor([&] { return tree.rowCount(tree.RootIndex()) == 1; }));
+  const QPersistentModelIndex music = tree.index(0, 0, tree.RootIndex());
+  ASSERT_EQ(tree.rowCount(music), 1);
+  const QModelIndex placeholder = tree.index(0, 0, music);
+  EXPECT_EQ(placeholder.data().toString(), "::::::::::");
+  EXPECT_EQ(tree.flags(placeholder), Qt::NoItemFlags);
+  EXPECT_EQ(tree.PathOf(placeholder), "");
+  W().Source().Tree()->expand(music);
+  ASSERT_TRUE(WaitFor([&] { return tree.index(0, 0, music).data().toString() == "Chor"; }));
+  EXPECT_EQ(tree.rowCount(music), 1);
 }
 
 }  // namespace

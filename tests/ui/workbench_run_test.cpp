@@ -122,6 +122,34 @@ TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
   EXPECT_EQ(first, second);
 }
 
+TEST_F(RunStory, AJobThatIsShownGoesAsSoonAsItsRunHasEnded) {
+  const auto gate = std::make_shared<GatedRun>();
+  UseGatedConverter(gate);
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Select({0});
+  ChooseConverter();
+  script_.Expect([](QDialog& dialog) { dialog.accept(); });
+  W().Trigger(CommandId::NewJob);
+  W().JobButtons().JobButton(1)->click();
+  W().Trigger(CommandId::Run);
+  ASSERT_TRUE(WaitFor([&] { return gate->running == 1; }));
+  EXPECT_FALSE(W().Actions().Action(CommandId::DeleteJob)->isEnabled()) << "not under a run";
+  gate->open = true;
+  std::string results;
+  ExpectResults(&results);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  EXPECT_TRUE(W().Actions().Action(CommandId::DeleteJob)->isEnabled());
+  script_.ExpectBox(QMessageBox::Yes);
+  W().Trigger(CommandId::DeleteJob);
+  EXPECT_EQ(W().JobButtons().JobCount(), 1);
+  EXPECT_TRUE(W().JobButtons().JobButton(0)->isChecked());
+  W().Trigger(CommandId::Run);  // the default job runs as before
+  ExpectResults(&results);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
+}
+
 TEST_F(RunStory, AQuestionThatNobodyAnsweredGoesWithTheStop) {
   const auto gate = std::make_shared<GatedRun>();
   std::atomic<int> answer = -1;

@@ -34,6 +34,37 @@ TEST(CommandTable, EveryCommandHasItsHintAndItsKeysAreItsOwn) {
   }
 }
 
+TEST(CommandTable, TheRunCommandsAreCalledByFilterAndState) {
+  struct Case {
+    FilterId filter;
+    RunState state;
+    const char* button;
+    const char* menu;
+    const char* stop;
+  };
+  constexpr const char* kCancel = "A&bbrechen\tStrg-Ende";
+  constexpr const char* kStop = "&Stopp\tEsc, Strg-Ende";
+  const Case cases[] = {
+      {FilterId::MidiConverter, RunState::Idle, "Ausführen", "&Ausführen\tStrg-Enter", kCancel},
+      {FilterId::MidiSearch, RunState::Running, "Ausführen", "&Ausführen\tStrg-Enter", kCancel},
+      {FilterId::MidiPlayer, RunState::Idle, "Play", "&Play\tLeertaste,Strg-Enter", kStop},
+      {FilterId::ScorePlayer, RunState::Running, "Pause", "&Pause\tLeertaste,Strg-Enter", kStop},
+      {FilterId::AudioPlayer, RunState::Waiting, "Pause", "&Pause\tLeertaste,Strg-Enter", kStop},
+      {FilterId::AudioPlayer, RunState::Paused, "Play", "&Play\tLeertaste,Strg-Enter", kStop},
+      {FilterId::CdBurner, RunState::Idle, "Brennen", "&Brennen\tStrg-Enter", kCancel},
+      {FilterId::CdCopier, RunState::Idle, "Kopieren", "&Kopieren\tStrg-Enter", kCancel},
+      {FilterId::CdCopier, RunState::Running, "Abbrechen", "&Kopieren\tStrg-Enter", kCancel},
+      {FilterId::Artworker, RunState::Idle, "Ausführen", "&Ausführen\tStrg-Enter", kCancel}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << int(c.filter) << " " << int(c.state));
+    const RunWording wording = RunWordingOf(c.filter, c.state);
+    EXPECT_EQ(Text(wording.button), c.button);
+    EXPECT_EQ(Text(wording.menu), c.menu);
+    EXPECT_EQ(Text(wording.stopMenu), c.stop);
+    EXPECT_EQ(RunButtonStops(c.filter, c.state), std::string_view(c.button) == "Abbrechen");
+  }
+}
+
 class WindowStory : public WorkbenchTest {};
 
 TEST_F(WindowStory, MenusHoldTheTableAndUnbuiltRoomsAreDisabled) {
