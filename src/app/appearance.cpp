@@ -4,15 +4,16 @@
 #include <QColor>
 #include <QFile>
 #include <QPalette>
+#include <QPointer>
 #include <QString>
 #include <QStyle>
-#include <QStyleFactory>
 #include <QStyleHints>
 #include <QToolTip>
 #include <array>
 #include <string_view>
 #include <utility>
 
+#include "app/house_style.h"
 #include "resources/icons.h"
 
 namespace ts5 {
@@ -126,8 +127,10 @@ QString StyleSheet(SkinLayout layout, bool dark) {
 void ApplyAppearance(QApplication& application, SkinLayout layout, bool dark) {
   const QPalette palette = PaletteOf(SchemeOf(layout, dark));
   // One style under all skins, so that a skin looks the same on every desktop.
-  if (application.style()->name() != QLatin1String("fusion")) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  static QPointer<QStyle> house;
+  if (house == nullptr) {
+    house = new HouseStyle;  // the application owns it from here
+    QApplication::setStyle(house);
   }
   QApplication::setPalette(palette);
   QToolTip::setPalette(palette);

@@ -188,7 +188,12 @@ void MainWindow::ConnectAreas() {
 void MainWindow::Begin() {
   RestorePlace();
   (void)Show(application_.GetJobs()[0]);
-  source_->Files()->setFocus();
+  // The files of a directory are still to come.
+  if (ActiveJob().ListMode()) {
+    source_->Files()->setFocus();
+  } else {
+    source_->Tree()->setFocus();
+  }
   for (const std::string& notice : application_.Notices()) {
     dialogs_.Add([this, text = ToQt(notice)]() -> QDialog* {
       return new QMessageBox(QMessageBox::Information, QtText(TextId::ApplicationTitle), text,

@@ -134,7 +134,8 @@ void TileButton::PaintPlain(QPainter& painter) const {
   if (isEnabled()) {
     PaintTexts(painter, rect().adjusted(8, 4, -8, -4), Qt::white, Qt::white, true);
   } else {
-    const QColor ink(70, 70, 70);
+    const bool dark = Luminance(palette().color(QPalette::Window)) < 0.5;
+    const QColor ink = dark ? QColor(190, 190, 190) : QColor(70, 70, 70);
     PaintTexts(painter, rect().adjusted(8, 4, -8, -4), ink, ink, false);
   }
   if (hasFocus()) {

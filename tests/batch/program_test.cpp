@@ -86,8 +86,9 @@ TEST_F(ProgramTest, AFileBeyondTheAllowedSizeIsAFailedWrite) {
   const std::string size{'\0', static_cast<char>(track.size() >> 16 & 0xFF),
                          static_cast<char>(track.size() >> 8 & 0xFF), static_cast<char>(track.size() & 0xFF)};
   folder_.Write("lieder/lang.mid", std::string("MThd\0\0\0\6\0\1\0\1\0\x60MTrk", 18) + size + track);
-  const std::vector<std::string> line{"run", "MidiConverter",   "--json",          "--dest-dir",
-                                      "neu", "lieder/lang.mid", "lieder/klein.mid"};
+  const std::vector<std::string> line{
+      "run",         "MidiConverter", "--json",          "--dest-dir",      "neu",
+      "--overwrite", "yes",           "lieder/lang.mid", "lieder/klein.mid"};
   const ProgramEnd end = Program(line, folder_.Path(), registry_, 64 * 1024).Wait();
   EXPECT_EQ(end.status, kExitFailed) << end.err;
   const auto json = nlohmann::json::parse(end.out);
