@@ -28,6 +28,7 @@ class DirectoryTreeModel : public QAbstractItemModel {
   // Reads down to the directory and reports Revealed with the index of it, or of its nearest parent that
   // exists.
   void Reveal(const std::string& path);
+  [[nodiscard]] bool Revealing() const { return wanted_.has_value(); }
   // Reads the children again, e.g. when a directory is opened a second time.
   void Refresh(const QModelIndex& index);
 

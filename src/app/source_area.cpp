@@ -111,6 +111,8 @@ SourceArea::SourceArea(QWidget* parent)
 void SourceArea::TakeTreeIndex(const QModelIndex& index) {
   const std::string path = treeModel_.PathOf(index);
   if (revealing_ || path.empty() || path == shownDirectory_) return;
+  // A tree that gets the focus before its directory has been found goes to its root by itself.
+  if (treeModel_.Revealing() && index == treeModel_.RootIndex()) return;
   shownDirectory_ = path;
   emit DirectoryChosen(path);
 }

@@ -243,6 +243,18 @@ TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {
   }));
 }
 
+TEST_F(ListStory, TheDirectoryOfTheJobIsShownWhereverTheFocusIs) {
+  WriteMidi("Musik/Chor/a.mid");
+  Start();
+  ActiveJob().directory.path = directory_.File("Musik/Chor");
+  Start();  // the focus is in the tree, which has not found its directory yet
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1; }));
+  EXPECT_EQ(ActiveJob().directory.path, directory_.File("Musik/Chor"));
+  EXPECT_TRUE(WaitFor([this] {
+    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor");
+  }));
+}
+
 TEST_F(ListStory, ADirectoryHasAPlaceholderUntilItIsOpened) {
   WriteMidi("Musik/Chor/a.mid");
   Start();
