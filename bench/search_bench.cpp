@@ -1,16 +1,22 @@
-// The melody search: from memory, beside the walk over the same bytes and the mere reading of them; and over
-// a tree of files, beside the reading of every byte of it.
+// The melody search: from memory, on one core, beside the walk over the same bytes and the mere reading of
+// them; and over a tree of files, beside the reading of every byte of it.
 
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 
 #include "midi/midi_events.h"
+#include "midi/midi_file.h"
 #include "platform/files.h"
+#include "search/directory_walk.h"
 #include "search/midi_search.h"
+#include "search/ordered_search.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
@@ -47,9 +53,36 @@ Bytes MusicTrack(std::size_t size, unsigned seed) {
   return out.Release();
 }
 
-const Bytes& Music() {
-  static const Bytes kTrack = MusicTrack(std::size_t{32} << 20, 1);
-  return kTrack;
+// What is searched: a player's track that no branch predictor foresees, and the tracks of the real files.
+struct Source {
+  const char* name;
+  std::vector<Bytes> tracks;
+  std::size_t size = 0;
+};
+
+std::vector<Bytes> RealTracks() {
+  std::vector<Bytes> tracks;
+  DirectoryWalk walk(TS5_TEST_DATA "/midi");
+  while (const auto path = walk.Next()) {
+    const auto file = ReadFile(*path);
+    const MidiFileInfo info = file ? DetectMidiKind(*file) : MidiFileInfo{};
+    if (info.kind == MidiFileKind::None) continue;
+    MidiTrackReader reader(MidiBytesOf(*file), info.header.trackCount);
+    for (ByteView track; reader.Next(track);) tracks.emplace_back(track.begin(), track.end());
+  }
+  return tracks;
+}
+
+const Source& SourceOf(std::int64_t index) {
+  static const std::vector<Source> kSources = [] {
+    std::vector<Source> sources = {{"played", {MusicTrack(std::size_t{32} << 20, 1)}},
+                                   {"real", RealTracks()}};
+    for (Source& source : sources) {
+      for (const Bytes& track : source.tracks) source.size += track.size();
+    }
+    return sources;
+  }();
+  return kSources[static_cast<std::size_t>(index)];
 }
 
 void SetRate(benchmark::State& state, std::size_t bytes) {
@@ -57,34 +90,48 @@ void SetRate(benchmark::State& state, std::size_t bytes) {
 }
 
 void BM_SearchReadingFloor(benchmark::State& state) {
+  const Source& source = SourceOf(state.range(0));
   for (auto _ : state) {
     std::uint64_t sum = 0;
-    for (const std::uint8_t byte : Music()) sum += byte;
+    for (const Bytes& track : source.tracks) {
+      for (const std::uint8_t byte : track) sum += byte;
+    }
     benchmark::DoNotOptimize(sum);
   }
-  SetRate(state, Music().size());
+  SetRate(state, source.size);
+  state.SetLabel(source.name);
 }
-BENCHMARK(BM_SearchReadingFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SearchReadingFloor)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 void BM_SearchWalkFloor(benchmark::State& state) {
+  const Source& source = SourceOf(state.range(0));
   for (auto _ : state) {
     std::size_t notes = 0;
-    MidiEventCursor cursor(Music());
-    for (MidiEvent event; cursor.Next(event);) notes += static_cast<std::size_t>(event.IsNoteOn());
+    for (const Bytes& track : source.tracks) {
+      MidiEventCursor cursor(track);
+      for (MidiEvent event; cursor.Next(event);) notes += static_cast<std::size_t>(event.IsNoteOn());
+    }
     benchmark::DoNotOptimize(notes);
   }
-  SetRate(state, Music().size());
+  SetRate(state, source.size);
+  state.SetLabel(source.name);
 }
-BENCHMARK(BM_SearchWalkFloor)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SearchWalkFloor)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
-// Eight notes that hardly ever come: rhythm mode, pitch mode.
-void BM_SearchTrack(benchmark::State& state) {
+// Eight notes that hardly ever come.
+MelodyQuery RareMelody() {
   MelodyQuery query;
   for (const int key : {60, 67, 64, 72, 71, 55, 60, 48})
     query.elements.push_back({static_cast<std::int16_t>(key), 240});
-  query.options.rhythm = static_cast<RhythmMode>(state.range(0));
-  query.options.pitch = static_cast<PitchMode>(state.range(1));
   query.options.drumTrack = true;
+  return query;
+}
+
+void BM_SearchTrack(benchmark::State& state) {
+  const Source& source = SourceOf(state.range(0));
+  MelodyQuery query = RareMelody();
+  query.options.rhythm = static_cast<RhythmMode>(state.range(1));
+  query.options.pitch = static_cast<PitchMode>(state.range(2));
   const std::vector<PreparedNote> melody = PrepareMelody(query.elements, 480);
   const TimeSignatureMap signatures = {{}};
   const std::string file = "x.mid";
@@ -92,14 +139,99 @@ void BM_SearchTrack(benchmark::State& state) {
   const HitSink sink = [](const SearchHit&) { return Outcome::Success; };
   const TrackContext context = {melody, query.options, signatures, 480, 120, file, sink, never};
   std::uint64_t hits = 0;
-  for (auto _ : state) hits = SearchMidiTrack(Music(), 0, context).hits;
+  for (auto _ : state) {
+    hits = 0;
+    for (const Bytes& track : source.tracks) hits += SearchMidiTrack(track, 0, context).hits;
+  }
   state.counters["hits"] = static_cast<double>(hits);
-  SetRate(state, Music().size());
+  SetRate(state, source.size);
+  state.SetLabel(source.name);
 }
 BENCHMARK(BM_SearchTrack)
-    ->ArgNames({"rhythm", "pitch"})
-    ->ArgsProduct({{0, 1, 2}, {0, 1, 2, 3}})
-    ->Unit(benchmark::kMillisecond);
+    ->ArgNames({"source", "rhythm", "pitch"})
+    ->ArgsProduct({{0, 1}, {0, 1, 2}, {0, 1, 2, 3}})
+    ->Unit(benchmark::kMicrosecond);
+
+// --- a tree of files
+
+constexpr int kTreeFiles = 5000;
+
+// 5,000 files of 10 to 90 KB in 50 directories, removed at the end.
+class Tree {
+ public:
+  Tree()
+      : path_(std::filesystem::temp_directory_path() / ("ts5-search-bench-" + std::to_string(::getpid()))) {
+    const Bytes conductor = {0x00, 0xFF, 0x2F, 0x00};
+    for (int i = 0; i < kTreeFiles; ++i) {
+      const auto directory = path_ / std::to_string(i % 50);
+      std::filesystem::create_directories(directory);
+      const Bytes track =
+          MusicTrack(static_cast<std::size_t>(10'000 + i * 7919 % 80'000), static_cast<unsigned>(i));
+      ByteWriter out;
+      out.Append("MThd");
+      out.U32Be(6);
+      for (const std::uint16_t value : {1, 2, 480}) out.U16Be(value);
+      for (const Bytes& chunk : {conductor, track}) {
+        out.Append("MTrk");
+        out.U32Be(static_cast<std::uint32_t>(chunk.size()));
+        out.Append(ByteView(chunk));
+      }
+      std::ofstream file(directory / (std::to_string(i) + ".mid"), std::ios::binary);
+      file << AsText(out.View());
+      size_ += out.Size();
+    }
+  }
+  ~Tree() { std::filesystem::remove_all(path_); }
+  Tree(const Tree&) = delete;
+  Tree& operator=(const Tree&) = delete;
+  [[nodiscard]] std::string Path() const { return path_.string(); }
+  [[nodiscard]] std::size_t Size() const { return size_; }
+
+ private:
+  std::filesystem::path path_;
+  std::size_t size_ = 0;
+};
+
+const Tree& TheTree() {
+  static const Tree kTree;
+  return kTree;
+}
+
+void BM_SearchTreeReadingFloor(benchmark::State& state) {
+  const std::string command = "find '" + TheTree().Path() + "' -type f -print0 | xargs -0 cat > /dev/null";
+  for (auto _ : state) {
+    if (std::system(command.c_str()) != 0) state.SkipWithError("cat failed");
+  }
+  SetRate(state, TheTree().Size());
+}
+BENCHMARK(BM_SearchTreeReadingFloor)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+void BM_SearchTree(benchmark::State& state) {
+  const MelodyQuery query = RareMelody();
+  const FileSearch search = [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
+    return SearchMidiFile(path, query, sink, cancelled);
+  };
+  int searched = 0;
+  for (auto _ : state) {
+    DirectoryWalk walk(TheTree().Path());
+    searched = 0;
+    OrderedSearchEvents events;
+    events.next = [&] { return walk.Next(); };
+    events.begin = [](const std::string&) {};
+    events.hit = [](const SearchHit&) { return Outcome::Success; };
+    events.end = [&](const std::string&, const SearchOutcome& outcome) {
+      searched += Succeeded(outcome.code) ? 1 : 0;
+      return true;
+    };
+    SearchInOrder(search, events, {}, static_cast<unsigned>(state.range(0)));
+  }
+  if (searched != kTreeFiles) state.SkipWithError("files were not searched");
+  rusage usage{};
+  (void)::getrusage(RUSAGE_SELF, &usage);
+  state.counters["peak_rss_MB"] = static_cast<double>(usage.ru_maxrss) / 1024;  // of the whole program
+  SetRate(state, TheTree().Size());
+}
+BENCHMARK(BM_SearchTree)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ts5
