@@ -118,11 +118,10 @@ void BM_SearchWalkFloor(benchmark::State& state) {
 }
 BENCHMARK(BM_SearchWalkFloor)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
-// Eight notes that hardly ever come.
+// Eight notes that hardly ever come: neither the intervals nor the rhythm.
 MelodyQuery RareMelody() {
   MelodyQuery query;
-  for (const int key : {60, 67, 64, 72, 71, 55, 60, 48})
-    query.elements.push_back({static_cast<std::int16_t>(key), 240});
+  query.elements = {{60, 240}, {67, 120}, {64, 360}, {72, 60}, {71, 480}, {55, 180}, {60, 90}, {48, 720}};
   query.options.drumTrack = true;
   return query;
 }
@@ -170,7 +169,7 @@ class Tree {
       ByteWriter out;
       out.Append("MThd");
       out.U32Be(6);
-      for (const std::uint16_t value : {1, 2, 480}) out.U16Be(value);
+      for (const int value : {1, 2, 480}) out.U16Be(static_cast<std::uint16_t>(value));
       for (const Bytes& chunk : {conductor, track}) {
         out.Append("MTrk");
         out.U32Be(static_cast<std::uint32_t>(chunk.size()));

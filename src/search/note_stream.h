@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 
 #include "midi/midi_events.h"
 #include "platform/bytes.h"
@@ -21,7 +20,9 @@ inline constexpr std::uint64_t kChordTicks = 10;
 class NoteStream {
  public:
   // stopAtDrums: the stream ends at the first event of channel 10. The look ahead goes on behind it.
-  NoteStream(ByteView track, bool stopAtDrums) : cursor_(track), stopAtDrums_(stopAtDrums) {}
+  // measures: Distances are wanted.
+  NoteStream(ByteView track, bool stopAtDrums, bool measures)
+      : cursor_(track), stopAtDrums_(stopAtDrums), measures_(measures) {}
 
   // Decodes the next block; it may be empty. False when there are no more, at the end of the track or of the
   // stream, or at damage.
@@ -31,26 +32,39 @@ class NoteStream {
 
   // Of the current block.
   [[nodiscard]] std::size_t Size() const { return stopped_ ? stop_ : size_; }
-  [[nodiscard]] std::int16_t Key(std::size_t note) const {
-    return keys_[note];
-  }  // above 127 in damaged files
+  [[nodiscard]] int Key(std::size_t note) const { return keys_[note]; }  // above 127 in damaged files
   [[nodiscard]] const std::int16_t* Keys() const { return keys_.data(); }
-  [[nodiscard]] std::uint64_t Tick(std::size_t note) const { return ticks_[note]; }
+  [[nodiscard]] std::uint64_t Tick(std::size_t note) const {
+    return base_ + static_cast<std::uint32_t>(offsets_[note]);
+  }
+  // Ticks from each note to the one behind it, and to its next onset; 0 where the block ends before. An onset
+  // that is not among the next three notes is 0 as well.
+  [[nodiscard]] const std::int32_t* Gaps() const { return gaps_.data(); }
+  [[nodiscard]] const std::int32_t* Distances() const { return distances_.data(); }
   // How many notes of the block, from its start, are certain to have their next onset inside it.
   [[nodiscard]] std::size_t Settled() const { return settled_; }
 
   // Ticks from the note to the next note-on that lies more than kChordTicks behind it, on any channel. At the
   // end of the track the ticks up to there, but at least kChordTicks. Nothing when the track breaks off
   // before. Notes must be asked for in order.
-  [[nodiscard]] std::optional<std::uint64_t> NextOnset(std::size_t note);
+  [[nodiscard]] std::optional<std::uint64_t> NextOnset(std::size_t note) {
+    if (measures_ && distances_[note] != 0) return static_cast<std::uint64_t>(distances_[note]);
+    return LookAhead(note);
+  }
 
- private:
   static constexpr std::size_t kBlock = 2048;  // events
 
+ private:
+  [[nodiscard]] bool DecodeBlock();
+  void Measure();
+  [[nodiscard]] std::optional<std::uint64_t> LookAhead(std::size_t note);
   [[nodiscard]] std::optional<std::uint64_t> NextOnsetBehindBlock(std::uint64_t tick);
 
-  std::array<std::int16_t, kBlock> keys_;  // not bytes, whose stores would alias all other state
-  std::array<std::uint64_t, kBlock> ticks_;
+  std::array<std::int16_t, kBlock> keys_;         // not bytes, whose stores would alias all other state
+  std::array<std::int32_t, kBlock + 3> offsets_;  // from base_, below 2^31
+  std::array<std::int32_t, kBlock> gaps_;
+  std::array<std::int32_t, kBlock> distances_;
+  std::uint64_t base_ = 0;
   std::size_t size_ = 0;  // decoded notes
   std::size_t settled_ = 0;
   std::size_t ahead_ = 0;   // where the last look ahead ended, inside the block
@@ -62,6 +76,7 @@ class NoteStream {
   bool farNote_ = false;
   std::uint64_t farTick_ = 0;
   bool stopAtDrums_;
+  bool measures_;
   bool stopped_ = false;
   bool last_ = false;
   std::size_t stop_ = 0;

@@ -1,10 +1,10 @@
 #include "search/track_matcher.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 
 #include "platform/casts.h"
+#include "search/match_starts.h"
 #include "search/note_stream.h"
 
 namespace ts5 {
@@ -32,21 +32,19 @@ class TrackMatcher {
         melody_(context.melody),
         percent_(Percent(context.options.tolerance)),
         trackNumber_(trackNumber),
-        notes_(track, !context.options.drumTrack) {
-    for (int key = 0; key < 256; ++key) {
-      first_[static_cast<std::size_t>(key)] =
-          FirstNoteMatches(context.options.pitch, melody_.front().key, key).has_value();
+        notes_(track, !context.options.drumTrack, MatchStarts::NeedsDistances(context.options)),
+        starts_(context.melody, context.options) {
+    for (const PreparedNote& note : melody_) {
+      tolerances_.push_back(DurationTolerance(note.duration, context.options.tolerance));
     }
   }
 
   SearchOutcome Search() {
     while (notes_.NextBlock()) {
       if (context_.cancelled && context_.cancelled()) return {Outcome::Cancelled, hits_};
-      for (std::size_t note = 0; note < notes_.Size(); ++note) {
-        if (matched_ == 0 && (note = NextCandidate(note)) == notes_.Size()) break;
-        if (const Outcome outcome = Try(note); Failed(outcome)) {
-          return {outcome, outcome == Outcome::DamagedMidi ? 0 : hits_};
-        }
+      starts_.Sift(notes_);
+      if (const Outcome outcome = SearchBlock(); Failed(outcome)) {
+        return {outcome, outcome == Outcome::DamagedMidi ? 0 : hits_};
       }
     }
     if (notes_.Damaged()) return {Outcome::DamagedMidi, 0};
@@ -56,64 +54,29 @@ class TrackMatcher {
  private:
   enum class Fit { Accepted, Refused, Damaged };
 
-  // The next note of the block that may begin a match. Where the onset behind a note is certain to be found,
-  // a note whose successor has the wrong interval is passed over: it would be given up there anyway.
-  std::size_t NextCandidate(std::size_t note) const {
-    const std::size_t size = notes_.Size();
-    if (melody_.size() > 1 && context_.options.pitch != PitchMode::Ignore) {
-      const int interval = melody_[1].key - melody_[0].key;
-      const std::size_t end = std::min(notes_.Settled(), size - 1);
-      while (note < end) {
-        if (note + kStride <= end && !MayBeginIn(note, interval)) {
-          note += kStride;
-          continue;
-        }
-        for (const std::size_t stop = std::min(note + kStride, end); note < stop; ++note) {
-          if (notes_.Key(note + 1) - notes_.Key(note) == interval && first_[KeyIndex(note)]) return note;
-        }
-      }
-    }
-    while (note < size && !first_[KeyIndex(note)]) ++note;
-    return note;
-  }
-
-  std::size_t KeyIndex(std::size_t note) const { return static_cast<std::size_t>(notes_.Key(note)); }
-
-  // Whether one of the next kStride notes has the interval behind it, and in the absolute mode the first key.
-  // Without a branch inside, so that the compiler compares many notes at once.
-  static constexpr std::size_t kStride = 16;
-  bool MayBeginIn(std::size_t note, int interval) const {
-    const std::int16_t* const keys = notes_.Keys() + note;
-    const auto step = static_cast<std::int16_t>(interval);
-    const auto firstKey = static_cast<std::int16_t>(melody_[0].key);
-    const auto anyKey = static_cast<std::int16_t>(context_.options.pitch == PitchMode::Absolute ? 0 : -1);
-    std::int16_t found = 0;
-    for (std::size_t i = 0; i < kStride; ++i) {
-      const auto hasStep =
-          static_cast<std::int16_t>(static_cast<std::int16_t>(keys[i + 1] - keys[i]) == step ? -1 : 0);
-      const auto hasKey = static_cast<std::int16_t>((keys[i] == firstKey ? -1 : 0) | anyKey);
-      found = static_cast<std::int16_t>(found | (hasStep & hasKey));
-    }
-    return found != 0;
-  }
-
-  // One note-on, and when it breaks a match, the same one again as a first note.
-  Outcome Try(std::size_t note) {
-    const int key = notes_.Key(note);
-    if (matched_ > 0 && !IntervalFits(key)) matched_ = 0;
-    for (;;) {
-      if (matched_ == 0 && !first_[static_cast<std::size_t>(key)]) return Outcome::Success;
-      const Fit fit = Rhythm(note);
+  Outcome SearchBlock() {
+    for (std::size_t note = 0; note < notes_.Size();) {
+      if (matched_ == 0 && (note = starts_.Next(note)) == notes_.Size()) break;
+      const Fit fit = PitchFits(notes_.Key(note)) ? Rhythm(note) : Fit::Refused;
       if (fit == Fit::Damaged) return Outcome::DamagedMidi;
-      if (fit == Fit::Accepted) break;
-      if (matched_ == 0) return Outcome::Success;
+      if (fit == Fit::Refused) {
+        // A note that breaks a match is tried again as a first one.
+        if (matched_ == 0) ++note;
+        matched_ = 0;
+        continue;
+      }
+      previousKey_ = notes_.Key(note++);
+      if (++matched_ < melody_.size()) continue;
       matched_ = 0;
+      ++hits_;
+      if (const Outcome sent = SendHit(); Failed(sent)) return sent;
     }
-    previousKey_ = key;
-    if (++matched_ < melody_.size()) return Outcome::Success;
-    matched_ = 0;
-    ++hits_;
-    return SendHit();
+    return Outcome::Success;
+  }
+
+  bool PitchFits(int key) const {
+    if (matched_ == 0) return FirstNoteMatches(context_.options.pitch, melody_[0].key, key).has_value();
+    return IntervalFits(key);
   }
 
   bool IntervalFits(int key) const {
@@ -122,29 +85,33 @@ class TrackMatcher {
   }
 
   Fit Rhythm(std::size_t note) {
+    const std::uint64_t tick = notes_.Tick(note);
+    if (matched_ == 0) firstTick_ = tick;
+    const bool last = matched_ + 1 == melody_.size();
+    if (last || context_.options.rhythm == RhythmMode::Any) {
+      // The distance does not matter, but the track must not break off before its end.
+      return note < notes_.Settled() || notes_.NextOnset(note) ? Fit::Accepted : Fit::Damaged;
+    }
     const auto distance = notes_.NextOnset(note);
     if (!distance) return Fit::Damaged;
-    const std::uint64_t tick = notes_.Tick(note);
     const std::uint16_t wanted = melody_[matched_].duration;
     if (matched_ == 0) {
-      firstTick_ = tick;
       const bool relative = context_.options.rhythm == RhythmMode::Relative;
       factor_ = relative ? static_cast<float>(wanted) / static_cast<float>(*distance) : 1.0F;
     }
     const std::uint64_t scaled = Scaled(*distance);
-    const bool last = matched_ + 1 == melody_.size();
-    if (context_.options.rhythm != RhythmMode::Any && !last) {
-      if (!Within(scaled, wanted, Truncated(wanted * double{kHundredth} * percent_))) return Fit::Refused;
-      if (matched_ > 0 && !OnsetFits(tick)) return Fit::Refused;
-    }
+    if (!Within(scaled, wanted, tolerances_[matched_])) return Fit::Refused;
+    if (matched_ > 0 && !OnsetFits(tick - previousOnset_)) return Fit::Refused;
     previousOnset_ = tick;
+    previousDistance_ = *distance;
     previousScaled_ = scaled;
     return Fit::Accepted;
   }
 
-  bool OnsetFits(std::uint64_t tick) const {
+  bool OnsetFits(std::uint64_t gap) const {
+    if (gap == previousDistance_) return true;  // but for chords
     const std::uint64_t tolerance = Truncated(percent_ * (static_cast<double>(previousScaled_) * 0.01));
-    return Within(Scaled(tick - previousOnset_), previousScaled_, tolerance);
+    return Within(Scaled(gap), previousScaled_, tolerance);
   }
 
   std::uint64_t Scaled(std::uint64_t ticks) const {
@@ -162,14 +129,16 @@ class TrackMatcher {
 
   const TrackContext& context_;
   const std::vector<PreparedNote>& melody_;
+  std::vector<std::uint64_t> tolerances_;  // of its durations
   const int percent_;
   const std::int32_t trackNumber_;
   NoteStream notes_;
-  std::array<bool, 256> first_{};  // keys that may be the first note
+  MatchStarts starts_;
 
   std::size_t matched_ = 0;
   int previousKey_ = 0;
   std::uint64_t previousOnset_ = 0;
+  std::uint64_t previousDistance_ = 0;
   std::uint64_t previousScaled_ = 0;
   std::uint64_t firstTick_ = 0;
   float factor_ = 1.0F;
@@ -205,6 +174,10 @@ std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey
       break;
   }
   return playedKey;
+}
+
+std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance) {
+  return Truncated(duration * double{kHundredth} * Percent(tolerance));
 }
 
 std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t tempo) {

@@ -39,6 +39,9 @@ struct PreparedNote {
 // The played key when it may be the melody's first note.
 [[nodiscard]] std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey);
 
+// By how many ticks a played duration may differ from a prepared one; truncated.
+[[nodiscard]] std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance);
+
 // Milliseconds of a tick at one tempo, truncated; 0 for a file of division 0.
 [[nodiscard]] std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t tempo);
 
