@@ -53,6 +53,20 @@ Bytes MusicTrack(std::size_t size, unsigned seed) {
   return out.Release();
 }
 
+void AppendHeader(std::uint16_t tracks, ByteWriter& out) {
+  out.Append("MThd");
+  out.U32Be(6);
+  out.U16Be(1);
+  out.U16Be(tracks);
+  out.U16Be(480);
+}
+
+void AppendTrack(const Bytes& track, ByteWriter& out) {
+  out.Append("MTrk");
+  out.U32Be(static_cast<std::uint32_t>(track.size()));
+  out.Append(ByteView(track));
+}
+
 // What is searched: a player's track that no branch predictor foresees, and the tracks of the real files.
 struct Source {
   const char* name;
@@ -151,6 +165,28 @@ BENCHMARK(BM_SearchTrack)
     ->ArgsProduct({{0, 1}, {0, 1, 2}, {0, 1, 2, 3}})
     ->Unit(benchmark::kMicrosecond);
 
+// Whole files: one with a conductor track of its own, and one whose only track holds everything.
+void BM_SearchFile(benchmark::State& state) {
+  const bool conductor = state.range(0) != 0;
+  const Bytes& track = SourceOf(0).tracks.front();
+  ByteWriter out;
+  AppendHeader(conductor ? 2 : 1, out);
+  if (conductor) AppendTrack(Bytes{0x00, 0xFF, 0x2F, 0x00}, out);
+  AppendTrack(track, out);
+  MelodyQuery query = RareMelody();
+  query.options.rhythm = static_cast<RhythmMode>(state.range(1));
+  query.options.pitch = static_cast<PitchMode>(state.range(2));
+  const HitSink sink = [](const SearchHit&) { return Outcome::Success; };
+  for (auto _ : state) {
+    if (Failed(SearchMidiImage(out.View(), "x.mid", query, sink, {}).code)) state.SkipWithError("failed");
+  }
+  SetRate(state, out.Size());
+}
+BENCHMARK(BM_SearchFile)
+    ->ArgNames({"conductor", "rhythm", "pitch"})
+    ->ArgsProduct({{0, 1}, {0, 1}, {0, 3}})
+    ->Unit(benchmark::kMillisecond);
+
 // --- a tree of files
 
 constexpr int kTreeFiles = 5000;
@@ -167,14 +203,9 @@ class Tree {
       const Bytes track =
           MusicTrack(static_cast<std::size_t>(10'000 + i * 7919 % 80'000), static_cast<unsigned>(i));
       ByteWriter out;
-      out.Append("MThd");
-      out.U32Be(6);
-      for (const int value : {1, 2, 480}) out.U16Be(static_cast<std::uint16_t>(value));
-      for (const Bytes& chunk : {conductor, track}) {
-        out.Append("MTrk");
-        out.U32Be(static_cast<std::uint32_t>(chunk.size()));
-        out.Append(ByteView(chunk));
-      }
+      AppendHeader(2, out);
+      AppendTrack(conductor, out);
+      AppendTrack(track, out);
       std::ofstream file(directory / (std::to_string(i) + ".mid"), std::ios::binary);
       file << AsText(out.View());
       size_ += out.Size();

@@ -33,7 +33,9 @@ Result<Conductor> ScanConductorTrack(ByteView track, std::uint16_t division) {
   Conductor conductor;
   TimeSignatureEntry current;
   MidiEventCursor cursor(track);
-  for (MidiEvent event; cursor.Next(event);) {
+  const auto passOver = [](std::uint64_t, std::uint8_t, std::uint8_t, std::uint8_t) {};
+  MidiEvent event;
+  while (cursor.TakeShortMessages(track.size(), passOver), cursor.Next(event)) {
     if (event.status != kMetaStatus) continue;
     if (event.metaType == kMetaTimeSignature) {
       AddSignature(event, division, current, conductor.signatures);

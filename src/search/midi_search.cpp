@@ -13,37 +13,75 @@ std::size_t TracksToRead(const MidiFileHeader& header, bool firstTrackOnly) {
   return firstTrackOnly ? 2 : header.trackCount;
 }
 
+// One file on its way through the search.
+class FileSearcher {
+ public:
+  FileSearcher(const MidiFileHeader& header, const std::string& path, const MelodyQuery& query,
+               const HitSink& sink, const CancelCheck& cancelled)
+      : header_(header),
+        melody_(PrepareMelody(query.elements, header.division)),
+        path_(path),
+        query_(query),
+        sink_(sink),
+        cancelled_(cancelled) {}
+
+  SearchOutcome Search(ByteView midi) {
+    const bool several = header_.trackCount >= 2;
+    MidiTrackReader tracks(midi, TracksToRead(header_, query_.options.firstTrackOnly));
+    ByteView track;
+    for (std::int32_t index = 0; tracks.Next(track); ++index) {
+      if (index == 0) {
+        if (header_.trackCount == 1 && IsWithoutHits(track)) continue;
+        auto scanned = ScanConductorTrack(track, header_.division);
+        if (!scanned) return {scanned.error(), 0};
+        conductor_ = std::move(*scanned);
+        if (several) continue;
+      }
+      const SearchOutcome found = SearchMidiTrack(track, several ? index - 1 : 0, Context(sink_));
+      outcome_.hits += found.hits;
+      outcome_.code = found.code;
+      if (Failed(outcome_.code)) return outcome_;
+    }
+    if (tracks.HasFault()) outcome_.code = Outcome::DamagedMidi;
+    return outcome_;
+  }
+
+ private:
+  // Signatures and tempo are wanted only for hits. Where the only track of a file has none, as in most files
+  // of a search, it need not be walked for them.
+  bool IsWithoutHits(ByteView track) const {
+    const HitSink stop = [](const SearchHit&) { return Outcome::Cancelled; };
+    return SearchMidiTrack(track, 0, Context(stop)).whole;
+  }
+
+  TrackContext Context(const HitSink& sink) const {
+    return {melody_,
+            query_.options,
+            conductor_.signatures,
+            header_.division,
+            conductor_.tempo.value_or(kDefaultTempo),
+            path_,
+            sink,
+            cancelled_};
+  }
+
+  const MidiFileHeader& header_;
+  const std::vector<PreparedNote> melody_;
+  const std::string& path_;
+  const MelodyQuery& query_;
+  const HitSink& sink_;
+  const CancelCheck& cancelled_;
+  Conductor conductor_;
+  SearchOutcome outcome_;
+};
+
 }  // namespace
 
 SearchOutcome SearchMidiImage(ByteView file, const std::string& path, const MelodyQuery& query,
                               const HitSink& sink, const CancelCheck& cancelled) {
   const MidiFileInfo info = DetectMidiKind(file);
   if (info.kind == MidiFileKind::None) return {Outcome::WrongFormat, 0};
-  const std::uint16_t division = info.header.division;
-  const std::vector<PreparedNote> melody = PrepareMelody(query.elements, division);
-  const bool several = info.header.trackCount >= 2;
-
-  SearchOutcome outcome;
-  Conductor conductor;
-  MidiTrackReader tracks(MidiBytesOf(file), TracksToRead(info.header, query.options.firstTrackOnly));
-  ByteView track;
-  for (std::int32_t index = 0; tracks.Next(track); ++index) {
-    if (index == 0) {
-      auto scanned = ScanConductorTrack(track, division);
-      if (!scanned) return {scanned.error(), 0};
-      conductor = std::move(*scanned);
-      if (several) continue;
-    }
-    const std::uint32_t tempo = conductor.tempo.value_or(kDefaultTempo);
-    const TrackContext context = {melody, query.options, conductor.signatures, division, tempo, path,
-                                  sink,   cancelled};
-    const SearchOutcome found = SearchMidiTrack(track, several ? index - 1 : 0, context);
-    outcome.hits += found.hits;
-    outcome.code = found.code;
-    if (Failed(outcome.code)) return outcome;
-  }
-  if (tracks.HasFault()) outcome.code = Outcome::DamagedMidi;
-  return outcome;
+  return FileSearcher(info.header, path, query, sink, cancelled).Search(MidiBytesOf(file));
 }
 
 SearchOutcome SearchMidiFile(const std::string& path, const MelodyQuery& query, const HitSink& sink,

@@ -30,6 +30,8 @@ class NoteStream {
   // The track breaks off, and not behind the end of the stream.
   [[nodiscard]] bool Damaged() const { return cursor_.Damaged() && !stopped_; }
 
+  [[nodiscard]] bool Stopped() const { return stopped_; }  // at drums
+
   // Of the current block.
   [[nodiscard]] std::size_t Size() const { return stopped_ ? stop_ : size_; }
   [[nodiscard]] int Key(std::size_t note) const { return keys_[note]; }  // above 127 in damaged files

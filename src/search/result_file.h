@@ -26,6 +26,8 @@ class ResultFileWriter {
   [[nodiscard]] Outcome Write(const SearchHit& hit);  // WriteFailed
   // The foot; then the file is put in its place. WriteFailed, TargetFailed.
   [[nodiscard]] Outcome Finish(const SearchRecord& record);
+  // Where it is written until then.
+  [[nodiscard]] const std::string& TemporaryPath() const { return file_.TemporaryPath(); }
 
  private:
   ResultFileWriter(StagedFile file, SearchKind kind) : file_(std::move(file)), kind_(kind) {}

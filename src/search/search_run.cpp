@@ -74,10 +74,31 @@ class SearchRun {
   // A result file never takes the place of a file that is searched.
   bool IsSource(const std::string& name) const {
     if (!FileExists(name)) return false;
+    if (Walks()) {
+      const HitSink ignore = [](const SearchHit&) { return Outcome::Success; };
+      return Succeeded(search_(name, ignore, [this] { return run_.Cancelled(); }).code);
+    }
     for (std::size_t i = 0; i < run_.ItemCount(); ++i) {
       if (IsSameFile(run_.Source(i), name)) return true;
     }
     return false;
+  }
+
+  bool Walks() const { return run_.ItemCount() == 0 && !run_.GetJob().ListMode(); }
+
+  // The result file itself, the old one and the one that is being written, may lie in the tree.
+  bool IsTarget(const std::string& path) const {
+    if (!writer_) return false;
+    for (const std::string& own : {run_.GetJob().destinationName, writer_->TemporaryPath()}) {
+      if (FileNameOf(path) == FileNameOf(own) && IsSameFile(path, own)) return true;
+    }
+    return false;
+  }
+
+  std::optional<std::string> NextOf(DirectoryWalk& walk) const {
+    auto path = walk.Next();
+    while (path && IsTarget(*path)) path = walk.Next();
+    return path;
   }
 
   void SearchFiles() {
@@ -88,7 +109,7 @@ class SearchRun {
     OrderedSearchEvents events;
     events.next = [&]() -> std::optional<std::string> {
       if (run_.Cancelled()) return std::nullopt;
-      if (count == 0) return run_.GetJob().ListMode() ? std::nullopt : walk.Next();
+      if (Walks()) return NextOf(walk);
       return taken < count ? std::optional(run_.Source(taken++)) : std::nullopt;
     };
     events.begin = [&](const std::string& path) {

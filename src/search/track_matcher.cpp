@@ -39,16 +39,16 @@ class TrackMatcher {
     }
   }
 
-  SearchOutcome Search() {
+  TrackOutcome Search() {
     while (notes_.NextBlock()) {
-      if (context_.cancelled && context_.cancelled()) return {Outcome::Cancelled, hits_};
+      if (context_.cancelled && context_.cancelled()) return {{Outcome::Cancelled, hits_}};
       starts_.Sift(notes_);
       if (const Outcome outcome = SearchBlock(); Failed(outcome)) {
-        return {outcome, outcome == Outcome::DamagedMidi ? 0 : hits_};
+        return {{outcome, outcome == Outcome::DamagedMidi ? 0 : hits_}};
       }
     }
-    if (notes_.Damaged()) return {Outcome::DamagedMidi, 0};
-    return {Outcome::Success, hits_};
+    if (notes_.Damaged()) return {{Outcome::DamagedMidi, 0}};
+    return {{Outcome::Success, hits_}, !notes_.Stopped()};
   }
 
  private:
@@ -186,7 +186,7 @@ std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t t
   return ClampTo<std::int32_t>(Truncated(time));
 }
 
-SearchOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber, const TrackContext& context) {
+TrackOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber, const TrackContext& context) {
   if (context.melody.empty()) return {};
   return TrackMatcher(track, trackNumber, context).Search();
 }

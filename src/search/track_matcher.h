@@ -57,10 +57,14 @@ struct TrackContext {
   const std::function<bool()>& cancelled;
 };
 
+struct TrackOutcome : SearchOutcome {
+  bool whole = false;  // the track was walked to its end and is sound
+};
+
 // Searches a track image. DamagedMidi: the track breaks off, or does so behind a possible match; hits that
 // were sent before stay sent. OutOfMemory and what else the sink answers end it, and so does Cancelled. An
 // empty melody finds nothing.
-[[nodiscard]] SearchOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber,
-                                            const TrackContext& context);
+[[nodiscard]] TrackOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber,
+                                           const TrackContext& context);
 
 }  // namespace ts5

@@ -1,5 +1,6 @@
 #include "reference_matcher.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace ts5::test {
@@ -123,8 +124,9 @@ ReferenceResult ReferenceSearch(ByteView bytes, std::int32_t trackNumber, const 
         hit.file = context.file;
         hit.track = trackNumber;
         hit.bar = static_cast<std::int32_t>(BarOf(context.signatures, context.division, event.tick));
-        hit.time = static_cast<std::int32_t>((1000.0 / context.division) * (60.0 / context.tempo) *
-                                             static_cast<double>(event.tick));
+        const double time =
+            (1000.0 / context.division) * (60.0 / context.tempo) * static_cast<double>(event.tick);
+        hit.time = static_cast<std::int32_t>(std::min(time, 2147483647.0));
       }
       const double s = std::trunc(static_cast<double>(d) * factor);
       const double wanted = melody[k].duration;

@@ -241,6 +241,24 @@ TEST_F(SearchRunTest, WalksTheTreeOfADirectoryJob) {
   EXPECT_EQ(Search().items.size(), 1u);
 }
 
+// Neither as it is written nor the old one, and never over a file of music.
+TEST_F(SearchRunTest, TheResultFileInTheTreeIsNoSource) {
+  (void)directory_.Write("a.mid", TuneFile(1));
+  job_.sourceDrive = 0;
+  job_.directory.path = directory_.Path();
+  job_.destinationIsScreen = false;
+  job_.destinationName = directory_.File("treffer.txt");
+  for (const char* round : {"new", "old"}) {
+    const RunResult result = Search();
+    EXPECT_THAT(Codes(result), ElementsAre(0)) << round;
+    EXPECT_EQ(result.lines[0].count, 1u) << round;
+    EXPECT_EQ(test::Listing(directory_.Path()), "a.mid treffer.txt") << round;
+  }
+  job_.destinationName = directory_.File("a.mid");
+  EXPECT_THAT(Codes(Search()), ElementsAre(-200));
+  EXPECT_EQ(test::Content(directory_.File("a.mid")), TuneFile(1));
+}
+
 TEST(SearchInOrderTest, FirstHitsComeWhileTheFileIsSearched) {
   std::atomic<bool> seen = false;
   const FileSearch search = [&](const std::string& path, const HitSink& sink, const CancelCheck&) {

@@ -182,6 +182,56 @@ TEST(TrackMatcherTest, RhythmModes) {
             1u);
 }
 
+// The gap between two onsets differs from the duration only inside a chord: the duration goes to the next
+// onset more than 10 ticks behind.
+TEST(TrackMatcherTest, OnsetsInsideChords) {
+  const SearchOptions high = Options(RhythmMode::Exact, PitchMode::Absolute, Tolerance::High);
+  const Setting twelve = {{{60, 12}, {62, 12}, {64, 12}}, high};
+  // Durations 12 and 12. 30 % of 12 allow 3 ticks: a gap of 10 or 9 fits, one of 8 does not.
+  EXPECT_EQ(Count(Played({{0, 60}, {10, 62}, {2, 64}, {10, 65}}), twelve), 1u);
+  EXPECT_EQ(Count(Played({{0, 60}, {9, 62}, {3, 64}, {9, 65}}), twelve), 1u);
+  EXPECT_EQ(Count(Played({{0, 60}, {8, 62}, {4, 64}, {8, 65}}), twelve), 0u);
+  // At the end of the track every duration is 10. Of a gap 30 % of 10 are 3 ticks, formed in double precision
+  // only; of a duration they are 2, because its hundredth is single precision.
+  const Setting ten = {{{60, 10}, {60, 10}, {60, 10}}, high};
+  EXPECT_EQ(Count(Played({{0, 60}, {7, 60}, {3, 60}}, 0), ten), 1u);
+  EXPECT_EQ(Count(Played({{0, 60}, {6, 60}, {4, 60}}, 0), ten), 0u);
+  const Setting seven = {{{60, 7}, {60, 10}, {60, 10}}, high};
+  EXPECT_EQ(Count(Played({{0, 60}, {7, 60}, {3, 60}}, 0), seven), 0u);
+}
+
+TEST(TrackMatcherTest, LongMelodiesAreFound) {
+  std::vector<PreparedNote> melody;
+  std::vector<std::pair<std::uint32_t, int>> notes;
+  for (int i = 0; i < 500; ++i) {
+    melody.push_back({40 + i * 7 % 50, 240});
+    notes.emplace_back(i == 0 ? 0 : 240, 40 + i * 7 % 50);
+  }
+  const SearchOptions exact = Options(RhythmMode::Exact, PitchMode::Absolute);
+  EXPECT_EQ(Count(Played(notes), {melody, exact}), 1u);
+  melody[498].key += 1;
+  EXPECT_EQ(Count(Played(notes), {melody, exact}), 0u);
+  EXPECT_EQ(Count(Played(notes), {{}, exact}), 0u);
+}
+
+// Ticks of a track do not end at 32 bits.
+TEST(TrackMatcherTest, LongSilencesAreMeasured) {
+  TrackBuilder track;
+  track.Note(0, 60).Note(240, 62);
+  for (int i = 0; i < 40; ++i) track.Message(kMaxVarLen, 0xB0, {7, 100});
+  track.Note(240, 64).Note(0x4000, 60).Note(240, 62).Note(240, 64);
+  const Bytes bytes = track.End(240);
+  Setting setting = {kMelody, Options(RhythmMode::Exact, PitchMode::Absolute)};
+  setting.tempo = 60'000'000;
+  setting.signatures = {{}};
+  EXPECT_EQ(Count(bytes, setting), 1u);
+  setting.options.rhythm = RhythmMode::Any;
+  const Found any = Find(bytes, setting);
+  ASSERT_EQ(any.hits.size(), 2u);
+  const std::uint64_t second = 480 + 40 * std::uint64_t{kMaxVarLen} + 0x4000;
+  EXPECT_EQ(any.hits[1].bar, static_cast<std::int32_t>(second / 960));
+}
+
 TEST(TrackMatcherTest, ChordsRestartsAndOverlaps) {
   const Setting exact = {kMelody, Options(RhythmMode::Exact, PitchMode::Absolute)};
   const Setting relativePitch = {kMelody, Options(RhythmMode::Exact, PitchMode::Relative)};
@@ -343,10 +393,13 @@ TEST(TrackMatcherTest, HostileTracksTakeLinearTime) {
 Bytes RandomTrack(std::mt19937& random, std::size_t events) {
   const auto pick = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most + 1)); };
   static constexpr std::array<std::uint32_t, 12> kDeltas = {0, 0, 5, 10, 11, 24, 30, 48, 60, 120, 130, 240};
+  static constexpr std::array<std::uint32_t, 6> kLongDeltas = {128,      0x3FFF,    0x4000,
+                                                               0x1FFFFF, 0x7FFFFFF, kMaxVarLen};
   const int chords = pick(3);
   TrackBuilder track;
   for (std::size_t i = 0; i < events; ++i) {
-    const std::uint32_t delta = pick(3) < chords ? 0 : kDeltas[static_cast<std::size_t>(pick(11))];
+    std::uint32_t delta = pick(3) < chords ? 0 : kDeltas[static_cast<std::size_t>(pick(11))];
+    if (pick(99) == 0) delta = kLongDeltas[static_cast<std::size_t>(pick(5))];
     switch (pick(19)) {
       case 0:
         track.Raw(delta, {0xFF, 0x01, 0x01, 0x90});
