@@ -78,6 +78,16 @@ std::string NumberedIfThere(const std::string& path) {
   return SettledName(name, true, SystemDestinationFiles()).value_or(path);
 }
 
+// The result file of a search in a directory: named after the only file, else with the first free number. A
+// directory counts as several files, as its tree is not known yet.
+std::string ResultFileIn(const Job& job, const DestinationRules& rules, bool wholeDirectory) {
+  const DestinationFiles files = SystemDestinationFiles();
+  const std::string first = wholeDirectory ? JoinPath(job.directory.path, "") : job.files[0].path;
+  const TargetName name =
+      ResultFileNameFor(rules, first, wholeDirectory ? 2 : ItemCount(job), wholeDirectory, files);
+  return SettledName(name, rules.overwrite == OverwritePolicy::Number, files).value_or(name.Plain());
+}
+
 // What cannot be right whatever the files hold; nothing when all is well.
 std::optional<std::string> Contradiction(const Request& request) {
   const bool names = !request.files.empty() || request.list;
@@ -202,7 +212,8 @@ int RunCommand(CommandLine line, Console& console) {
     for (const std::string& file : request.files) job.files.Append({.path = file});
     job.files.SelectAll();
   }
-  job.destinationIsScreen = IsSearch(job.filter) && !request.destination;
+  const bool resultFile = request.destination || request.destinationDirectory;
+  job.destinationIsScreen = IsSearch(job.filter) && !resultFile;
   if (request.destination) {
     if (ItemCount(job) > 1 && !IsSearch(job.filter))
       return WrongUsage(console, kCommand, Text(TextId::BatchDestForOne));
@@ -210,6 +221,10 @@ int RunCommand(CommandLine line, Console& console) {
     rules.chosenName = true;
     if (rules.overwrite == OverwritePolicy::Number)
       job.destinationName = NumberedIfThere(job.destinationName);
+  }
+  if (request.destinationDirectory && IsSearch(job.filter) && (request.directory || ItemCount(job) > 0)) {
+    job.destinationName = ResultFileIn(job, rules, request.directory.has_value());
+    rules.chosenName = true;
   }
   const int status = RunOnConsole(console, job, settings, rules, request.output);
   return status == kExitSuccess && !complete ? kExitFailed : status;

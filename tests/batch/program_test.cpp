@@ -221,6 +221,19 @@ TEST_F(ProgramTest, SearchesFilesAndTreesForAMelody) {
   ASSERT_EQ(Run({"run", "MidiSearch", "--keys", "cde", "--dest", result, song, song}), kExitSuccess) << Err();
   EXPECT_THAT(Content(result), HasSubstr("2 Melodie(n) gefunden"));
   EXPECT_THAT(Out(), HasSubstr("Fundergebnis:"));
+  // Into a directory: one file gives its name, several the next free number.
+  const std::vector<std::string> search{"run", "MidiSearch", "--keys",
+                                        "cde", "--dest-dir", folder_.File("neu")};
+  const auto into = [&](std::vector<std::string> sources) {
+    std::vector<std::string> line = search;
+    line.insert(line.end(), sources.begin(), sources.end());
+    EXPECT_EQ(Run(line), kExitSuccess) << Err();
+  };
+  into({song});
+  into({song, song});
+  into({"--dir", folder_.File("lieder")});
+  EXPECT_EQ(NewFiles(), "Suchergebnisse001.txt Suchergebnisse002.txt a.txt");
+  EXPECT_THAT(Content(folder_.File("neu/Suchergebnisse002.txt")), HasSubstr("2 Melodie(n) gefunden"));
 }
 
 TEST_F(ProgramTest, EveryCommandHasHelp) {
