@@ -26,7 +26,7 @@ _ts5_batch() {
   local options="--help"
   case "$command" in
     filters | jobs | type | info) options="$options --json" ;;
-    run) options="$options --set --dest --dest-dir --overwrite --list --dir --json --quiet" ;;
+    run) options="$options --set --dest --dest-dir --overwrite --list --dir --melody --melody-name --keys --json --quiet" ;;
     job) options="$options --json --quiet" ;;
     registry) options="$options --recursive --binary" ;;
   esac

@@ -108,8 +108,10 @@ void ConsoleHost::ProtocolLine(std::string_view text) {
 
 Outcome ConsoleHost::Hit(const SearchHit& hit) {
   Queue([this, hit] {
-    hits_.push_back(hit);
-    if (options_.json) return;
+    if (options_.json) {
+      hits_.push_back(hit);
+      return;
+    }
     line_.Clear();
     console_.out << HitText(hit) << '\n';
   });

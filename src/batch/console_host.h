@@ -36,6 +36,7 @@ class ConsoleHost final : public RunHost {
 
   // After the end.
   [[nodiscard]] const RunResult& Result() const { return result_; }
+  // Kept only for JSON.
   [[nodiscard]] const std::vector<SearchHit>& Hits() const { return hits_; }
 
   void Progress(const RunProgress& progress) override;

@@ -29,7 +29,9 @@ int RunOnConsole(Console& console, Job& job, const Settings& settings, const Des
   } else {
     for (const RunItem& item : result.items) {
       if (const std::string remark = ItemRemark(item); !remark.empty()) {
-        PrintError(console, Format(Text(TextId::BatchItemFailed), item.source, remark));
+        // What concerns no source is the failure of the destination.
+        const std::string& name = item.source.empty() ? item.destination : item.source;
+        PrintError(console, Format(Text(TextId::BatchItemFailed), name, remark));
       }
     }
     console.out << ResultText(result);
