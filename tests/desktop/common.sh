@@ -1,0 +1,72 @@
+# What the stories on a display of their own share. Needs Xvfb, xdotool and ImageMagick's import.
+# Set before: program, the workbench; pictures, a directory for pictures or "".
+set -eu
+desktop=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
+demo=$(realpath "$desktop/../../demo")
+program=$(realpath "$program")
+console=$(dirname "$program")/ts5-batch
+[ -x "$console" ] || console=$(dirname "$program")/../batch/ts5-batch
+work=$(mktemp -d)
+display=:$((90 + RANDOM % 9))
+Xvfb "$display" -screen 0 1280x860x24 >/dev/null 2>&1 &
+server=$!
+app=
+cleanup() {
+  [ -z "$app" ] || kill "$app" 2>/dev/null || true
+  kill "$server" 2>/dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+export DISPLAY=$display HOME=$work/home XDG_RUNTIME_DIR=$work/run XDG_DATA_HOME=$work/data
+export STAVORA_REGISTRY=$work/registry.sqlite QT_QPA_PLATFORM=xcb
+mkdir -p "$HOME/Musik" "$XDG_RUNTIME_DIR"
+chmod 700 "$XDG_RUNTIME_DIR"
+[ -z "$pictures" ] || mkdir -p "$pictures"
+
+fail() {
+  echo "${0##*/}: $*" >&2
+  [ -z "$pictures" ] || import -window root "$pictures/failure.png" || true
+  exit 1
+}
+# within SECONDS COMMAND...: waits until the command succeeds.
+within() {
+  local end=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    [ "$SECONDS" -lt "$end" ] || return 1
+    sleep 0.1
+  done
+}
+shown() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -1 | grep .; }
+# window NAME: waits until a window whose title holds NAME is on the screen, and prints its number.
+window() { within 20 shown "$1"; }
+gone() { ! kill -0 "$app" 2>/dev/null; }
+picture() { [ -z "$pictures" ] || { sleep 0.5; import -window root "$pictures/$1.png"; }; }
+keys() { for key in "$@"; do xdotool key --clearmodifiers "$key"; sleep 0.25; done; }
+click() { xdotool mousemove $((X + $1)) $((Y + $2)) click 1; }
+to_main() { xdotool windowfocus "$main" || true; }
+
+# start_program [FILE.sts]: starts it and waits for the main window, not the splash of the same name: main, X, Y.
+start_program() {
+  "$program" "$@" &
+  app=$!
+  is_main() {
+    main=$(shown '^Stavora Tonstudio 5$') || return 1
+    eval "$(xdotool getwindowgeometry --shell "$main" 2>/dev/null)"
+    [ "${WIDTH:-0}" -ge 800 ]
+  }
+  within 60 is_main || fail "no main window"
+  sleep 1
+  to_main
+}
+# end_program: the end by its key and with its question.
+end_program() {
+  to_main
+  keys ctrl+w
+  sleep 0.7
+  picture "${1:-end}"
+  keys alt+j
+  within 10 gone || fail "the program did not end"
+  app=
+}

@@ -1,0 +1,66 @@
+#!/bin/bash
+# Trouble in the real window: a list of 100,000 files, a run that is stopped, a window that is closed during a run, a
+# directory that vanishes while it is shown. Prints how long the long list takes.
+#
+#   tests/desktop/trouble.sh PROGRAM [PICTURES]
+#
+# Exit status 0 when the program stood it all and left nothing half-written.
+program=$1
+pictures=${2:-}
+. "$(dirname "$0")/common.sh"
+count=${TS5_TROUBLE_FILES:-100000}
+
+cp "$demo/Maple Leaf Rag.mid" "$HOME/lied.mid"
+mkdir "$work/viele"
+python3 - "$HOME/lied.mid" "$work/viele" "$count" <<'PYTHON'
+import os, sys
+for i in range(int(sys.argv[3])):
+    os.link(sys.argv[1], f"{sys.argv[2]}/lied{i + 1:06}.mid")
+PYTHON
+{
+  printf '[sts5 Filelist]\r\nFiles=%d\r\n' "$count"
+  seq "$count" | awk -v d="$work/viele" '{ printf "%d=%s/lied%06d.mid\r\n", $1, d, $1 }'
+} >"$work/liste.sts"
+"$console" registry set 'Jobs\Job 0000' Filter 5
+left_over() { find "$work/viele" -name '*.cnv.mid' -size 0 -o -name '.*' -type f | grep -q .; }
+
+# The list comes with the start; all of it is selected by mouse and key.
+began=$(date +%s%N)
+start_program "$work/liste.sts"
+echo "$count files: $((($(date +%s%N) - began) / 1000000 - 1000)) ms from the start to the window with the list"
+click 620 135
+keys shift+End
+sleep 1
+picture 1-list
+keys ctrl+Return
+sleep 2
+picture 2-running
+keys Escape
+window '^Ergebnisse der Midi-Konvertierung' >/dev/null || fail "no results after a stop"
+picture 3-stopped
+converted=$(find "$work/viele" -name '*.cnv.mid' | wc -l)
+[ "$converted" -gt 0 ] && [ "$converted" -lt "$count" ] || fail "$converted files converted by a run that was stopped"
+keys Return
+! left_over || fail "something half-written after the stop"
+
+# Closed in the middle of a run.
+to_main
+keys ctrl+Return
+sleep 1
+end_program 4-closing
+! left_over || fail "something half-written after the end"
+
+# A directory vanishes under the view, and comes back.
+mkdir "$HOME/Musik/Chor"
+cp "$demo"/*.mid "$HOME/Musik/Chor"
+"$console" registry set 'Jobs\Job 0000' SourcePath "$HOME/Musik/Chor"
+"$console" registry set 'Jobs\Job 0000' SourceDrive 0
+start_program
+click 620 135
+rm -rf "$HOME/Musik/Chor"
+sleep 2
+picture 5-vanished
+keys ctrl+Return Escape
+! gone || fail "the program went with the directory"
+end_program
+echo "trouble: $converted of $count files converted before the stop; closed during a run; directory gone: all in order"
