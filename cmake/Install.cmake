@@ -1,8 +1,22 @@
 # What `cmake --install` puts where, and the Debian package of it (`cpack` in the build directory).
 include(GNUInstallDirs)
 
+# A package holds the programs only: `cpack` after the target `programs`, without tests and benchmarks.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
+# ts5_compressed(FILE DIRECTORY): installs the file as FILE.gz, as the system wants manual pages and changelogs.
+function(ts5_compressed file directory)
+  get_filename_component(name ${file} NAME)
+  set(packed ${CMAKE_BINARY_DIR}/${name}.gz)
+  file(ARCHIVE_CREATE OUTPUT ${packed} PATHS ${CMAKE_SOURCE_DIR}/${file} FORMAT raw COMPRESSION GZip
+       COMPRESSION_LEVEL 9)
+  set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${file})
+  install(FILES ${packed} DESTINATION ${directory})
+endfunction()
+
 install(TARGETS ts5-batch)
-install(FILES ${CMAKE_SOURCE_DIR}/docs/ts5-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+ts5_compressed(docs/ts5-batch.1 ${CMAKE_INSTALL_MANDIR}/man1)
+ts5_compressed(packaging/changelog ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 install(FILES ${CMAKE_SOURCE_DIR}/scripts/completion.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ts5-batch)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
@@ -11,6 +25,7 @@ if(TARGET stavora-ts5)
   set(icons ${CMAKE_SOURCE_DIR}/src/resources/icons)
   set(themed ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable)
   install(TARGETS stavora-ts5)
+  ts5_compressed(docs/stavora-ts5.1 ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${CMAKE_SOURCE_DIR}/packaging/stavora-ts5.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${CMAKE_SOURCE_DIR}/packaging/stavora-ts5.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
   install(FILES ${icons}/stavora-ts5.svg DESTINATION ${themed}/apps)

@@ -121,7 +121,8 @@ void FilterPanel::UpdateTabStop() {
 
 bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
   const auto kind = event->type();
-  if (kind != QEvent::KeyPress && kind != QEvent::FocusIn && kind != QEvent::Enter && kind != QEvent::Leave) {
+  const bool leaves = kind == QEvent::FocusOut || kind == QEvent::Leave;
+  if (kind != QEvent::KeyPress && kind != QEvent::FocusIn && kind != QEvent::Enter && !leaves) {
     return QWidget::eventFilter(watched, event);
   }
   for (std::size_t i = 0; i < kFilterCount; ++i) {
@@ -133,7 +134,7 @@ bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
     if (kind == QEvent::Enter || kind == QEvent::FocusIn) {
       emit Hint(onToggle ? rows_[i].toggle->toolTip() : rows_[i].tile->accessibleDescription());
     }
-    if (kind == QEvent::Leave) emit Hint({});
+    if (leaves) emit Hint({});
     break;
   }
   return QWidget::eventFilter(watched, event);

@@ -140,6 +140,7 @@ bool JobBar::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Enter:
       emit Hint(button->accessibleDescription());
       break;
+    case QEvent::FocusOut:
     case QEvent::Leave:
       emit Hint({});
       break;

@@ -88,7 +88,7 @@ class ItemRun {
   [[nodiscard]] std::vector<PlannedItem> Plan() const {
     std::vector<PlannedItem> plan;
     plan.reserve(count_);
-    for (std::size_t i = 0; i < count_; ++i) {
+    for (std::size_t i = 0; i < count_ && !run_.Cancelled(); ++i) {
       PlannedItem& item = plan.emplace_back();
       item.source = run_.Source(i);
       if (!IsUsablePath(item.source)) continue;

@@ -33,7 +33,9 @@ keys shift+End
 sleep 1
 picture 1-list
 keys ctrl+Return
-sleep 2
+begun() { find "$work/viele" -name '*.cnv.mid' | grep -q .; }
+within 60 begun || fail "nothing is converted"
+sleep 1
 picture 2-running
 keys Escape
 window '^Ergebnisse der Midi-Konvertierung' >/dev/null || fail "no results after a stop"

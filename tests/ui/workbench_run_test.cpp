@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QStatusBar>
 #include <QTextEdit>
 
 #include "app/filter_modules.h"
@@ -89,6 +90,7 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
+  EXPECT_EQ(W().statusBar()->currentMessage(), "") << "no hint of a control that the focus only passed";
 }
 
 TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
