@@ -8,8 +8,8 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 function(ts5_compressed file directory)
   get_filename_component(name ${file} NAME)
   set(packed ${CMAKE_BINARY_DIR}/${name}.gz)
-  file(ARCHIVE_CREATE OUTPUT ${packed} PATHS ${CMAKE_SOURCE_DIR}/${file} FORMAT raw COMPRESSION GZip
-       COMPRESSION_LEVEL 9)
+  # Without a time stamp, so that the same sources give the same package.
+  execute_process(COMMAND gzip -9nc ${CMAKE_SOURCE_DIR}/${file} OUTPUT_FILE ${packed} COMMAND_ERROR_IS_FATAL ANY)
   set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/${file})
   install(FILES ${packed} DESTINATION ${directory})
 endfunction()

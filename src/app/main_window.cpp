@@ -9,6 +9,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <array>
 
 #include "app/area_commands.h"
 #include "app/filter_commands.h"
@@ -29,6 +30,10 @@ namespace {
 constexpr QSize kSmallestWindow{900, 620};
 constexpr int kFilterBarWidth = 262;
 constexpr int kTreeWidth = 250;
+
+// What can be done with the files under the mouse, in the order of the menu.
+constexpr std::array kFileCommands{CommandId::Properties, CommandId::Rename, CommandId::MoveUp,
+                                   CommandId::MoveDown, CommandId::Delete};
 
 TileStyle StyleOf(SkinLayout layout) {
   switch (layout) {
@@ -79,6 +84,8 @@ MainWindow::MainWindow(Application& application)
   setMinimumSize(kSmallestWindow);
   BuildAreas();
   actions_->FillMenuBar(*menuBar());
+  source_->Files()->setContextMenuPolicy(Qt::ActionsContextMenu);
+  for (const CommandId command : kFileCommands) source_->Files()->addAction(actions_->Action(command));
   menuBar()->setAccessibleName(QtText(TextId::MenuBarName));
   lists_ = std::make_unique<ListCommands>(*this);
   jobCommands_ = std::make_unique<JobCommands>(*this);

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QUrl>
 #include <filesystem>
@@ -81,6 +83,28 @@ TEST_F(ListStory, AHundredThousandFilesComeAtOnce) {
   W().Trigger(CommandId::Delete);
   EXPECT_TRUE(ActiveJob().files.Empty());
   EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("100000 Dateien"));
+}
+
+TEST_F(ListStory, TheContextMenuActsOnTheFilesUnderTheMouse) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  Select({1});
+  FileView& view = *W().Source().Files();
+  bool shown = false;
+  QTimer::singleShot(50, [&] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    shown = true;
+    EXPECT_EQ(menu->actions().front()->text(), "&Eigenschaften...\tStrg-E");
+    QTest::keyClick(menu, Qt::Key_O);  // "Nach oben"
+  });
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5),
+                          view.viewport()->mapToGlobal(QPoint(5, 5)));
+  QApplication::sendEvent(view.viewport(), &event);
+  EXPECT_TRUE(shown);
+  EXPECT_TRUE(ActiveJob().files[0].path.ends_with("b.mid"));
+  if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
 }
 
 TEST_F(ListStory, EntriesMoveAndTheSelectionGoesAlong) {
