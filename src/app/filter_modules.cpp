@@ -5,6 +5,7 @@
 
 #include "audio/wave_converter.h"
 #include "midi/midi_converter.h"
+#include "score/score_filter.h"
 #include "search/search_run.h"
 
 namespace ts5 {
@@ -14,6 +15,7 @@ namespace {
 const std::vector<FilterModule>& Table() {
   static const std::vector<FilterModule> table = [] {
     std::vector<FilterModule> modules;
+    modules.push_back(ScoreToMidiModule());
     modules.push_back(MidiConverterModule());
     modules.push_back(SearchModule(FilterId::ScoreSearch, {}));
     modules.push_back(MidiSearchModule());

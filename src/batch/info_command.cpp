@@ -9,6 +9,7 @@
 #include "midi/midi_properties.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "score/score_properties.h"
 
 namespace ts5::batch {
 namespace {
@@ -26,10 +27,16 @@ Result<Page> MidiPage(const std::string& path) {
   return Page{"midi", properties->rows, properties->attributes};
 }
 
+Result<Page> ScorePage(const std::string& path) {
+  const auto properties = ReadScoreProperties(path);
+  if (!properties) return Failure(properties.error());
+  return Page{"score", properties->rows, {}};
+}
+
 // The readers in the order in which they are tried. SourceFailed ends the search, every other failure means
 // that the file has another format.
 using PageReader = Result<Page> (*)(const std::string& path);
-constexpr std::array<PageReader, 1> kReaders{MidiPage};
+constexpr std::array<PageReader, 2> kReaders{MidiPage, ScorePage};
 
 Result<Page> ReadPage(const std::string& path) {
   if (!IsUsablePath(path)) return Failure(Outcome::SourceFailed);

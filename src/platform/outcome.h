@@ -23,6 +23,7 @@ enum class [[nodiscard]] Outcome : std::int32_t{
     NotNecessary = -7,     // an action that would change nothing, or that the source does not allow
     LibraryNotLoaded = -9,
     EncoderNotStarted = -10,
+    NoPlayingTime = -12,          // a score that lasts no time
     ReadFailed = -100,            // a short read or an I/O error
     WriteFailed = -101,           // a short write, a full disk
     AttributesNotWritten = -102,  // at least one of an audio file
@@ -40,6 +41,9 @@ enum class [[nodiscard]] Outcome : std::int32_t{
     PcmConverterMissing = -402,
     EncoderFailed = -403,         // it says so itself; what it wrote may be of no use
     DamagedMidi = -601,           // a MIDI file that breaks off or contradicts itself
+    MidiDeviceFailed = -602,      // the MIDI output device cannot be opened
+    DamagedScore = -1000,         // a score with an invalid record
+    OldScore = -1001,             // a score of an older format, of which only the information is read
     XmlNotWritten = -1400,        // an XML file that is made on the way
     FormatRefused = -2147220992,  // a target format that the converter does not make
 };

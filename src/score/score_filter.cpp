@@ -1,0 +1,108 @@
+#include "score/score_filter.h"
+
+#include <memory>
+
+#include "frame/item_run.h"
+#include "frame/run.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "score/parameter_set.h"
+#include "score/playback_fields.h"
+#include "score/score_midi.h"
+
+namespace ts5 {
+namespace {
+
+constexpr Remark kRemarks[] = {
+    {-1, TextId::RemarkLibraryFailed},    {-2, TextId::RemarkOutOfMemory},
+    {-5, TextId::RemarkCancelled},        {-6, TextId::ScoreRemarkUnexpected},
+    {-7, TextId::ScoreRemarkNotDone},     {-12, TextId::ScoreRemarkNoPlayingTime},
+    {-100, TextId::RemarkReadFailed},     {-101, TextId::RemarkWriteFailed},
+    {-103, TextId::ScoreRemarkNotOpened}, {-104, TextId::RemarkWrongFormat},
+    {-1001, TextId::RemarkWrongFormat},   {-200, TextId::ScoreRemarkTargetFailed},
+    {-300, TextId::RemarkSourceFailed},   {-602, TextId::ScoreRemarkMidiDevice},
+    {-1000, TextId::ScoreRemarkDamaged},
+};
+
+constexpr std::string_view kMidiExtension = "mid";
+
+Outcome CheckItem(const FilterParameters& parameters, const std::string& source) {
+  const auto& own = static_cast<const ScoreToMidiParameters&>(parameters);
+  PlaybackParameters playback = own.playback;
+  const auto score = OpenAndScan(source, playback, own.playRepeats);
+  if (!score) return score.error();
+  return score->scan.time == 0 ? Outcome::NoPlayingTime : Outcome::Success;
+}
+
+// The set of the score's name takes the place of the job's values.
+void LoadAutomaticSet(Run& run, const std::string& source, const OpenScore& score,
+                      PlaybackParameters& playback) {
+  const std::string set = AutomaticParameterSet(run.GetSettings().playbackParameterDirectory, source);
+  if (set.empty() || !FileExists(set)) return;
+  if (Failed(LoadParameterSet(playback, score.voices, set))) run.Notice(Text(TextId::ParameterSetNotLoaded));
+}
+
+Outcome ConvertItem(ItemWork& work) {
+  const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
+  work.run.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(work.source)));
+  PlaybackParameters playback = own.playback;
+  const auto score = OpenAndScan(work.source, playback, own.playRepeats);
+  if (!score) return score.error();
+  if (own.automaticSet) LoadAutomaticSet(work.run, work.source, *score, playback);
+
+  const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
+  ScoreOptions options;
+  options.repeats = own.playRepeats;
+  const auto midi = ScoreToMidi(*score, playback, options, watch);
+  return midi ? work.target.Write(*midi) : midi.error();
+}
+
+}  // namespace
+
+std::span<const Remark> ScoreRemarks() {
+  return kRemarks;
+}
+
+std::vector<ParameterField> ScoreToMidiFields() {
+  using P = ScoreToMidiParameters;
+  FieldTable<P> table;
+  table.Integer("NewMethod", &P::method, INT32_MIN, INT32_MAX)
+      .Flag("Lyrics", &P::lyrics)
+      .Integer("NoteValue%", &P::noteValue, 0, 100)
+      .Flag("Invisible", &P::invisible)
+      .Flag("Repeats", &P::repeats)
+      .Flag("PlayRepeats", &P::playRepeats);
+  AddPlaybackFields(table);
+  table.Flag("ParamSetAuto", &P::automaticSet);
+  return table.Build();
+}
+
+void RunScoreToMidi(Run& run) {
+  ItemFilter filter;
+  filter.independent = true;
+  filter.check = CheckItem;
+  filter.convert = ConvertItem;
+  filter.remarks = ScoreRemarks();
+  RunItems(run, filter);
+}
+
+FilterModule ScoreToMidiModule() {
+  FilterModule module;
+  module.id = FilterId::ScoreToMidi;
+  module.create = [] { return std::make_unique<ScoreToMidiParameters>(); };
+  module.fields = ScoreToMidiFields();
+  module.run = RunScoreToMidi;
+  module.target = [](const FilterParameters&, const std::string&) {
+    return TargetRule{std::string(kMidiExtension), false};
+  };
+  module.stop.status = TextId::Stopping;
+  module.missing = [](const Job& job) -> std::optional<TextId> {
+    const auto* parameters = dynamic_cast<const ScoreToMidiParameters*>(job.parameters.Get());
+    if (parameters == nullptr || parameters->UsesEngine()) return std::nullopt;
+    return TextId::ScoreLibraryMethodMissing;
+  };
+  return module;
+}
+
+}  // namespace ts5

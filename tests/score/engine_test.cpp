@@ -1,0 +1,347 @@
+// The score engine: files worked out by hand, and one rule of the music at a time.
+#include <gmock/gmock.h>
+
+#include <map>
+#include <random>
+
+#include "platform/text.h"
+#include "score_log.h"
+#include "support/matchers.h"
+
+namespace ts5 {
+namespace {
+
+using namespace test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int8_t kD = -6;
+constexpr std::int8_t kE = -5;
+constexpr std::int8_t kF = -4;
+
+ScoreItem With(ScoreItem item, DrawingItem drawing) {
+  item.drawings.push_back(std::move(drawing));
+  return item;
+}
+ScoreItem Flagged(ScoreItem item, std::uint8_t flags) {
+  item.group.flags = flags;
+  return item;
+}
+ScoreItem Grace(std::int8_t position, std::uint8_t form) {
+  ScoreItem item = Flagged(Quarter(position), kGroupZeroDuration | kGroupGrace);
+  item.group.graceForm = form;
+  return item;
+}
+ScoreItem Tied(ScoreItem item, bool before, bool onward) {
+  item.group.tieFromBefore = before;
+  item.group.tieOnward = onward;
+  return item;
+}
+
+std::string Hex(ByteView bytes) {
+  std::string text;
+  for (const std::uint8_t byte : bytes) text += Format("%02X ", byte);
+  return text;
+}
+
+TEST(ScoreMidiFile, IsExactToTheByte) {
+  PlaybackParameters parameters;
+  ScoreDocument document = OneVoice({ClefItem(0), KeyItem(-1), Quarter(), RestItem(1, 1), BarItem()}, 60);
+  document.staves.push_back(StaffNamed("leer"));
+  const auto score = OpenAndScan(WriteScore(document), parameters);
+  ASSERT_THAT(score, IsOk());
+  const auto midi = ScoreToMidi(*score, parameters, {});
+  ASSERT_THAT(midi, IsOk());
+  EXPECT_EQ(Hex(*midi),
+            "4D 54 68 64 00 00 00 06 00 01 00 02 01 E0 "
+            "4D 54 72 6B 00 00 00 1E "
+            "00 FF 51 03 0F 42 3F "     // 999 999 us
+            "00 FF 58 04 04 02 18 08 "  // 4/4
+            "00 FF 59 02 FF 00 "        // one flat
+            "8F 00 FF 30 00 "           // the bar line, 1920 ticks on
+            "00 FF 2F 00 "
+            "4D 54 72 6B 00 00 00 1A "
+            "00 C0 00 00 B0 07 64 00 FF 03 01 41 "
+            "00 90 41 5A "     // F by the key
+            "83 33 90 41 00 "  // 432 ticks, at the next step: 435
+            "8B 4D FF 2F 00 ");
+}
+
+TEST(ScoreTiming, CountsInSteps) {
+  EXPECT_EQ(StepMilliseconds(120), 15U);
+  EXPECT_EQ(StepMilliseconds(60), 31U);
+  EXPECT_EQ(StepMilliseconds(65535), 0U);
+  EXPECT_EQ(TempoMicroseconds(1), 0xFFFFFFU);  // what three bytes hold
+
+  ScoreItem triplet = ChordItem(3, {Note(kMiddleC)});
+  triplet.group.tuplet.number = 3;
+  const Played played = Play(OneVoice({triplet, triplet, triplet, Quarter(kD)}));
+  EXPECT_THAT(Strikes(played), ElementsAre("0 3C", "165 3C", "330 3C", "480 3E"));
+  EXPECT_EQ(played.ticks, 960U);
+  EXPECT_EQ(played.scan.time, 64U * 15 * 10'000);
+}
+
+TEST(ScoreTiming, TempoOfASystemHoldsFromThere) {
+  ScoreDocument document = OneVoice({Quarter(), BarItem()}, 0);
+  document.systems[0].staves[0].time = {1, 2};
+  document.systems.push_back(document.systems[0]);
+  document.systems[1].tempo = 60;
+  document.systems[1].staves[0].time = {3, 2};
+  const Played played = Play(document);
+  EXPECT_THAT(test::With(played.lines, " FF 5"),
+              ElementsAre("480 0 FF 58 03 02 18 08", "480 0 FF 51 0F 42 3F"));
+  EXPECT_THAT(Strikes(played), ElementsAre("0 3C", "480 3C"));
+}
+
+TEST(PlayedNotes, FollowTheArticulation) {
+  PlaybackParameters parameters;
+  EXPECT_EQ(PlayedLength(parameters, 0, 480), 432U);
+  EXPECT_EQ(PlayedLength(parameters, 3, 480), 432U);
+  EXPECT_EQ(PlayedLength(parameters, 1, 480), 216U);
+  EXPECT_EQ(PlayedLength(parameters, 2, 480), 475U);
+  EXPECT_EQ(PlayedLength(parameters, 6, 480), 260U);
+  parameters.shortening = 50;
+  EXPECT_EQ(PlayedLength(parameters, 0, 20), 15U);
+  EXPECT_EQ(PlayedLength(parameters, 0, 7), 15U);
+  EXPECT_EQ(PlayedVelocity(parameters, 4), 99);
+  EXPECT_EQ(PlayedVelocity(parameters, 5), 110);
+  EXPECT_EQ(PlayedVelocity(parameters, 6), 118);
+  EXPECT_EQ(PlayedVelocity(parameters, 7), 102);
+  EXPECT_EQ(PlayedVelocity(parameters, 8), 127);
+  parameters.articulations[static_cast<std::size_t>(Articulation::HardBeat)].velocity = 0;
+  EXPECT_EQ(PlayedVelocity(parameters, 8), 90);
+  parameters.articulation = false;
+  EXPECT_EQ(PlayedVelocity(parameters, 5), 90);
+  EXPECT_EQ(PlayedLength(parameters, 1, 480), 240U);
+}
+
+TEST(PlayedNotes, AreTiedAndKeptFull) {
+  EXPECT_THAT(Play(OneVoice({Tied(Quarter(), false, true), Tied(Quarter(), true, false), Quarter(kD)})).lines,
+              ElementsAre("0 1 90 3C 5A", "915 1 90 3C 00", "960 1 90 3E 5A", "1395 1 90 3E 00"));
+  EXPECT_THAT(Play(OneVoice({Tied(Quarter(), false, true), RestItem(2), Quarter(kD)})).lines,
+              ElementsAre("0 1 90 3C 5A", "495 1 90 3C 00", "960 1 90 3E 5A", "1395 1 90 3E 00"));
+  EXPECT_THAT(Play(OneVoice({With(Quarter(), CurveDrawing(2)), Quarter(), Quarter()})).lines,
+              ElementsAre("0 1 90 3C 5A", "480 1 90 3C 00", "480 1 90 3C 5A", "960 1 90 3C 00",
+                          "960 1 90 3C 5A", "1395 1 90 3C 00"));
+}
+
+TEST(PlayedNotes, GraceSilentAndMarkedGroups) {
+  EXPECT_THAT(Play(OneVoice({Grace(kD, 1), Quarter(), Quarter(kE)})).lines,
+              ElementsAre("0 1 90 3E 5A", "30 1 90 3E 00", "30 1 90 3C 5A", "435 1 90 3C 00",
+                          "480 1 90 40 5A", "915 1 90 40 00"));
+  EXPECT_THAT(Strikes(Play(OneVoice({Grace(kD, 0), Quarter()}))), ElementsAre("0 3C"));
+  EXPECT_THAT(Strikes(Play(OneVoice({Flagged(Quarter(), kGroupSilent), Quarter(kD)}))),
+              ElementsAre("480 3E"));
+  EXPECT_THAT(Play(OneVoice({With(Quarter(), TextDrawing("u"))})).lines,
+              ElementsAre("0 1 FF 31", "0 1 90 3C 5A", "435 1 90 3C 00"));
+}
+
+TEST(PlayedNotes, OfADrumStaffGoThroughItsMap) {
+  ScoreDocument document = OneVoice({Quarter()});
+  document.staves[0].usesNoteMap = true;
+  document.staves[0].noteMap.fill(38);
+  document.staves[0].transpose = -60;
+  EXPECT_THAT(Play(document).lines, ElementsAre("0 1 99 26 5A", "435 1 99 26 00"));
+}
+
+TEST(Channels, AreCountedPastTheDrums) {
+  ScoreFileInfo info;
+  std::vector<std::uint8_t> voices(26, 1);
+  info.staves.resize(26);
+  info.staves[1].usesNoteMap = true;
+  std::vector<VoiceChannels> channels(1, kNoChannels);
+  AssignChannels(info, voices, channels);
+  std::vector<int> first;
+  for (const VoiceChannels& staff : channels) first.push_back(staff[0]);
+  EXPECT_THAT(
+      first, ElementsAre(0, 9, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14, 15, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9));
+}
+
+std::vector<std::string> Volumes(VoiceItems items, const PlaybackParameters& parameters = {}) {
+  std::vector<std::string> found;
+  for (const std::string& line : test::With(Play(OneVoice(std::move(items)), parameters).lines, " B0 07"))
+    found.push_back(line.substr(0, line.find(' ')) + line.substr(line.size() - 3));
+  return found;
+}
+
+TEST(Dynamics, MarksHairpinsAndAccentsSetTheVolume) {
+  const ScoreItem plain = Quarter();
+  const ScoreItem p = With(plain, TextDrawing("p"));
+  EXPECT_THAT(Volumes({p, plain, With(plain, TextDrawing("f"))}), ElementsAre("0 2C", "960 5A"));
+  EXPECT_THAT(Volumes({With(p, HairpinDrawing(4, false)), plain, plain, plain, plain, plain}),
+              ElementsAre("0 2C", "480 37", "960 42", "1440 4D", "1920 58"));
+  // From the channel's volume of 100 down to 50.
+  EXPECT_THAT(Volumes({With(plain, HairpinDrawing(2, true)), plain, plain, plain}),
+              ElementsAre("480 4B", "960 32"));
+  EXPECT_THAT(Volumes({With(plain, TextDrawing("fp")), plain, plain}), ElementsAre("0 5A", "480 2C"));
+  EXPECT_THAT(Volumes({With(plain, TextDrawing("sf")), plain, plain}), ElementsAre("0 7F", "480 64"));
+  EXPECT_THAT(Volumes({p, With(plain, TextDrawing("{")), plain}), ElementsAre("0 2C", "480 58", "960 2C"));
+  EXPECT_THAT(Volumes({With(p, HairpinDrawing(4, false)), plain, With(plain, TextDrawing("f")), plain}),
+              ElementsAre("0 2C", "480 37", "960 5A"));
+  PlaybackParameters parameters;
+  parameters.dynamicVelocities[5] = 40;
+  EXPECT_THAT(Volumes({p}, parameters), ElementsAre("0 28"));
+  parameters.dynamics = false;
+  EXPECT_THAT(Volumes({p}, parameters), IsEmpty());
+}
+
+TEST(Dynamics, ReachAsFarAsTheScopeSays) {
+  ScoreDocument document = OneVoice({With(Quarter(), TextDrawing("p"))});
+  document.systems[0].staves[0].voices.push_back({Quarter()});
+  document.staves.push_back(StaffNamed("B"));
+  document.systems[0].staves.push_back({1, {}, {{Quarter()}}});
+  PlaybackParameters parameters;
+  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+              ElementsAre("0 1 B0 07 2C", "0 1 B1 07 2C"));
+  parameters.markForAllStaves = true;
+  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+              ElementsAre("0 1 B0 07 2C", "0 1 B1 07 2C", "0 2 B2 07 2C"));
+  parameters.markForAllVoices = false;
+  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+              ElementsAre("0 1 B0 07 2C", "0 2 B2 07 2C"));
+}
+
+TEST(Upbeats, AreTheEndOfAFullBar) {
+  const Played played =
+      Play(OneVoice({TimeItem(4, 2), Quarter(), BarItem(), ChordItem(0, {Note(kD)}), BarItem(3)}));
+  EXPECT_EQ(played.scan.leadIn, 1440U);
+  EXPECT_THAT(Strikes(played), ElementsAre("1440 3C", "1920 3E", "3840 3C", "4320 3E"));
+  EXPECT_EQ(played.ticks, played.scan.ticks);
+}
+
+// The keys in order; one step of a quarter note each.
+std::string Order(ScoreDocument document, bool repeats = true) {
+  for (SystemItems& system : document.systems) system.staves[0].time = {1, 2};
+  ScoreOptions options;
+  options.repeats = repeats;
+  const Played played = Play(document, {}, options);
+  if (Failed(played.outcome)) return ToString(played.outcome);
+  std::string order;
+  std::uint64_t tick = 0;
+  for (const std::string& strike : Strikes(played)) {
+    if (strike.substr(0, strike.find(' ')) != std::to_string(tick)) order += "@" + strike + " ";
+    order += strike.substr(strike.size() - 2) == "3C"   ? 'C'
+             : strike.substr(strike.size() - 2) == "3E" ? 'D'
+             : strike.substr(strike.size() - 2) == "40" ? 'E'
+                                                        : 'F';
+    tick += 480;
+  }
+  EXPECT_EQ(played.ticks, tick);
+  EXPECT_EQ(played.scan.ticks, tick);
+  return order;
+}
+
+TEST(Repeats, GoBackOnce) {
+  const ScoreItem c = Quarter();
+  const ScoreItem d = Quarter(kD);
+  const ScoreItem e = Quarter(kE);
+  const ScoreItem f = Quarter(kF);
+  EXPECT_EQ(Order(OneVoice({f, BarItem(4), c, d, BarItem(3), e})), "FCDCDE");
+  EXPECT_EQ(Order(OneVoice({f, BarItem(4), c, d, BarItem(3), e}), false), "FCDE");
+  EXPECT_EQ(Order(OneVoice({c, d, BarItem(3), e})), "CDCDE");
+  EXPECT_EQ(Order(OneVoice({c, d, BarItem(3)})), "CDCD");
+  EXPECT_EQ(Order(OneVoice({c, BarItem(3), d, BarItem(3), e})), "CCDDE");
+  EXPECT_EQ(Order(OneVoice({c, BarItem(5), d, BarItem(3), e})), "CCDDE");
+  EXPECT_EQ(Order(OneVoice({c, BarItem(3), BarItem(4), d, BarItem(3), e})), "CCDDE");
+  const ScoreItem first = With(d, VoltaDrawing(1));
+  const ScoreItem second = With(e, VoltaDrawing(2));
+  EXPECT_EQ(Order(OneVoice({BarItem(4), c, first, f, BarItem(3), second, f})), "CDFCEF");
+  EXPECT_EQ(Order(OneVoice({c, first, BarItem(3), second, BarItem(4), f, first, BarItem(3), second, c})),
+            "CDCEFDFEC");
+}
+
+TEST(Repeats, ReachAcrossSystemsAndStaves) {
+  ScoreDocument document = OneVoice({BarItem(4), Quarter(), BarItem()});
+  document.systems.push_back(document.systems[0]);
+  document.systems[1].staves[0].voices[0] = {Quarter(kD), BarItem(3), Quarter(kE)};
+  EXPECT_EQ(Order(document), "CDCDE");
+
+  document.staves.push_back(StaffNamed("B"));
+  for (SystemItems& system : document.systems) {
+    system.staves[0].time = {1, 2};
+    StaffItems low = system.staves[0];
+    low.layout = 1;
+    system.staves.push_back(low);
+  }
+  const Played played = Play(document);
+  EXPECT_THAT(Strikes(played), ElementsAre("0 3C", "0 3C", "480 3E", "480 3E", "960 3C", "960 3C", "1440 3E",
+                                           "1440 3E", "1920 40", "1920 40"));
+}
+
+TEST(DamagedScores, EndTheRun) {
+  EXPECT_EQ(Play(OneVoice({Quarter(), ScoreItem{.kind = 6}})).outcome, Outcome::DamagedScore);
+  EXPECT_EQ(Play(OneVoice({Quarter(), ScoreItem{.kind = 8}})).outcome, Outcome::DamagedScore);
+  ScoreDocument document = OneVoice({Quarter()});
+  document.systems[0].staves[0].layout = 1;
+  EXPECT_EQ(Play(document).outcome, Outcome::DamagedScore);
+  ScoreDocument empty = OneVoice({});
+  empty.systems.clear();
+  EXPECT_EQ(Play(empty).scan.time, 0U);
+  // Longer than a file can say, and more repeats than a score has.
+  EXPECT_EQ(Play(OneVoice({WholeBarRest(10'000'000)})).outcome, Outcome::DamagedScore);
+  VoiceItems items(12'000, BarItem(3));
+  EXPECT_EQ(Play(OneVoice(items)).outcome, Outcome::DamagedScore);
+}
+
+ScoreItem RandomItem(std::mt19937& random, bool repeats) {
+  const auto below = [&random](unsigned n) { return static_cast<std::uint8_t>(random() % n); };
+  switch (below(12)) {
+    case 0:
+      return BarItem(repeats ? below(6) : 0);
+    case 1:
+      return RestItem(below(7), below(3));
+    case 2:
+      return KeyItem(below(15) - 7);
+    case 3:
+      return Grace(static_cast<std::int8_t>(below(20) - 10), below(3));
+    default:
+      break;
+  }
+  ScoreItem item = ChordItem(below(7), {}, below(2));
+  for (unsigned i = 0; i <= below(4); ++i)
+    item.group.notes.push_back(Note(static_cast<std::int8_t>(below(30) - 15)));
+  item.group.articulation = below(9);
+  item.group.tuplet.number = below(8) < 7 ? 0 : static_cast<std::uint8_t>(2 + below(6));
+  item.group.flags = below(20) == 0 ? kGroupZeroDuration : 0;
+  item = Tied(item, below(6) == 0, below(6) == 0);
+  if (below(8) == 0) item.drawings.push_back(HairpinDrawing(below(6), below(2) == 0));
+  if (below(8) == 0) item.drawings.push_back(TextDrawing(std::string(1, "fghijpqrsz{|"[below(12)])));
+  if (below(8) == 0) item.drawings.push_back(VoltaDrawing(static_cast<std::uint8_t>(1 + below(2))));
+  if (below(8) == 0) item.drawings.push_back(CurveDrawing(below(4)));
+  return item;
+}
+
+TEST(RandomScores, AreBalancedAndLastWhatTheScanSays) {
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    std::mt19937 random(seed);
+    ScoreDocument document;
+    document.staves = {StaffNamed("A"), StaffNamed("B", 40)};
+    for (int s = 0; s < 3; ++s) {
+      SystemItems system;
+      for (std::uint8_t layout = 0; layout < 2; ++layout) {
+        StaffItems staff{layout, {}, {}};
+        for (int v = 0; v < 2; ++v) {
+          VoiceItems items;
+          for (int i = 0; i < 30; ++i) items.push_back(RandomItem(random, seed % 2 == 0));
+          staff.voices.push_back(std::move(items));
+        }
+        system.staves.push_back(std::move(staff));
+      }
+      document.systems.push_back(std::move(system));
+    }
+    const Played played = Play(document);
+    ASSERT_THAT(played.outcome, IsOk()) << seed;
+    EXPECT_EQ(played.ticks, played.scan.ticks) << seed;
+    std::map<std::string, int> sounding;
+    for (const std::string& line : test::With(played.lines, " 9")) {
+      if (line.find(" 9") + 8 != line.size() - 1 && line.find(" 9") + 9 != line.size()) continue;
+      const std::string key = line.substr(line.size() - 8, 5);
+      sounding[key] += line.compare(line.size() - 2, 2, "00") == 0 ? -1 : 1;
+      ASSERT_GE(sounding[key], 0) << seed << ": " << line;
+    }
+    for (const auto& [key, count] : sounding) EXPECT_EQ(count, 0) << seed << ": " << key;
+  }
+}
+
+}  // namespace
+}  // namespace ts5

@@ -1,0 +1,170 @@
+// The information part of score files: the current format and the older ones, damaged and whole.
+#include <gmock/gmock.h>
+
+#include "score/score_properties.h"
+#include "score/score_source.h"
+#include "score_log.h"
+#include "support/matchers.h"
+
+namespace ts5 {
+namespace {
+
+using namespace test;
+using testing::ElementsAre;
+
+ScoreDocument Sample() {
+  ScoreDocument score = OneVoice({ClefItem(0), KeyItem(-2), TimeItem(3, 2), Quarter(), BarItem()});
+  score.author = "Müller";
+  score.comment = "Zeile";
+  score.landscape = true;
+  score.gallery = {Bytes(300, 1), Bytes(2, 1)};
+  StaffLayout drums = StaffNamed("", 300);
+  drums.usesNoteMap = true;
+  drums.noteMap.fill(0);
+  drums.noteMap[5] = 77;
+  drums.transpose = -12;
+  score.staves.push_back(drums);
+  return score;
+}
+
+TEST(ScoreSourceFields, CompactNumbersKeepTheirFormsApart) {
+  const Bytes bytes = {0x80, 0xFF, 0xFF, 0x7F, 0xFE, 0xFF, 0xFF, 0xFF, 0x81,
+                       0xFD, 0xFE, 0x00, 0x01, 0xFF, 0x00, 0x00, 0x01, 0x00};
+  ScoreSource in{ByteView(bytes)};
+  EXPECT_EQ(in.CompactSigned(), 65535);  // no sign
+  EXPECT_EQ(in.CompactSigned(), -2);
+  EXPECT_EQ(in.CompactSigned(), -127);
+  EXPECT_EQ(in.CompactUnsigned(), 253U);
+  EXPECT_EQ(in.CompactUnsigned(), 256U);
+  EXPECT_EQ(in.CompactUnsigned(), 65536U);
+  EXPECT_TRUE(in.Ok());
+  const Bytes colours = {9, 16, 1, 2, 3};
+  ScoreSource colour{ByteView(colours)};
+  EXPECT_EQ(colour.Colour(), 0x0000FFU);
+  EXPECT_EQ(colour.Colour(), 0x030201U);
+}
+
+TEST(ScoreInfo, HoldsWhatWasWritten) {
+  const auto info = ReadScoreInfo(WriteScore(Sample()));
+  ASSERT_THAT(info, IsOk());
+  EXPECT_EQ(info->author, "Müller");
+  EXPECT_EQ(info->keywords, "");
+  EXPECT_TRUE(info->landscape);
+  EXPECT_EQ(info->galleryObjects, 2U);
+  EXPECT_EQ(info->systems, 1U);
+  ASSERT_EQ(info->staves.size(), 2U);
+  EXPECT_EQ(info->staves[0].name, "A");
+  EXPECT_EQ(info->staves[0].volume, 100);
+  EXPECT_EQ(info->staves[0].noteMap[127], 127);
+  EXPECT_EQ(info->staves[1].name, "(ohne Bezeichnung)");
+  EXPECT_EQ(info->staves[1].sound, 300);
+  EXPECT_EQ(info->staves[1].transpose, -12);
+  EXPECT_TRUE(info->staves[1].usesNoteMap);
+  EXPECT_EQ(info->staves[1].noteMap[5], 77);
+}
+
+TEST(ScoreInfo, BreaksOffAtEveryByte) {
+  const Bytes file = WriteScore(Sample());
+  const auto whole = ReadScoreInfo(file);
+  ASSERT_THAT(whole, IsOk());
+  for (std::size_t size = 0; size < file.size(); ++size) {
+    const auto info = ReadScoreInfo(ByteView(file).first(size));
+    const Outcome expected = size < 6                   ? Outcome::WrongFormat
+                             : size < whole->bodyOffset ? Outcome::ReadFailed
+                                                        : Outcome::Success;
+    ASSERT_EQ(CodeOf(info), expected) << size;
+    if (!info) continue;
+    PlaybackParameters parameters;
+    ASSERT_THAT(
+        OpenAndScan(Bytes(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size)), parameters),
+        FailsWith(Outcome::DamagedScore));
+  }
+}
+
+TEST(ScoreInfo, TellsFormatsApart) {
+  Bytes file = WriteScore(Sample());
+  file[5] = 'w';
+  EXPECT_THAT(ReadScoreInfo(file), FailsWith(Outcome::WrongFormat));
+  file[0] = 'x';
+  EXPECT_THAT(ReadScoreInfo(file), FailsWith(Outcome::WrongFormat));
+}
+
+Bytes OldScore(unsigned version, bool landscape) {
+  ByteWriter out;
+  out.U32Le(kOldScoreMagic + version);
+  out.Fill(4, 7);
+  out.U16Le(landscape ? 2 : 1);
+  out.Fill(30, 7);
+  out.Fill(version == 0 ? 60 : version == 1 ? 62 : 121, 7);
+  out.U16Le(2);  // a text of two bytes and its terminator, 60 bytes
+  out.Fill(63, 7);
+  out.U16Le(0xFFFF);
+  out.Fill(66, 7);
+  out.U16Le(2);
+  out.Fill(version == 0 ? 18 : 32, 7);
+  for (int staff = 0; staff < 2; ++staff) {
+    out.Fill(4, 7);
+    out.U8(staff == 0 ? 0x41 : 3);
+    out.Fill(8, 7);
+    out.U16Le(12);
+    out.Fill(3, 7);
+    for (int name = 0; name < 3; ++name) {
+      const bool named = staff == 0 && name < 2;
+      out.U16Le(named ? 1 : 0);
+      if (named) out.U8(static_cast<std::uint8_t>('A' + name));
+      out.U8(0);
+    }
+  }
+  out.U16Le(5);
+  return out.Release();
+}
+
+TEST(ScoreInfo, ReadsTheOlderFormats) {
+  for (const unsigned version : {0U, 1U, 2U}) {
+    const Bytes file = OldScore(version, version != 1);
+    const auto info = ReadScoreInfo(file);
+    ASSERT_THAT(info, IsOk()) << version;
+    EXPECT_EQ(info->landscape, version != 1);
+    EXPECT_EQ(info->systems, 5U);
+    ASSERT_EQ(info->staves.size(), 2U);
+    EXPECT_EQ(info->staves[0].name, "B");  // the second name counts
+    EXPECT_FALSE(info->staves[0].usesNoteMap);
+    EXPECT_EQ(info->staves[0].transpose, 12);
+    EXPECT_EQ(info->staves[1].name, "(ohne Bezeichnung)");
+    EXPECT_TRUE(info->staves[1].usesNoteMap);
+    for (std::size_t size = 4; size < file.size(); ++size)
+      ASSERT_THAT(ReadScoreInfo(ByteView(file).first(size)), FailsWith(Outcome::ReadFailed)) << size;
+
+    std::vector<std::string> values;
+    for (const PropertyRow& row : ScorePropertyRows(*info, CalendarDate{})) values.push_back(row.value);
+    ASSERT_EQ(values.size(), 5U);
+    EXPECT_EQ(values[0], "Stavora 2 (1000)");
+    EXPECT_EQ(values[4], "2 :\r\n1\tB\r\n2\t(ohne Bezeichnung)\r\n");
+    PlaybackParameters parameters;
+    EXPECT_THAT(OpenAndScan(file, parameters), FailsWith(Outcome::OldScore));
+  }
+}
+
+TEST(ScoreInfo, ShowsTheRowsOfTheCurrentFormat) {
+  const auto info = ReadScoreInfo(WriteScore(Sample()));
+  ASSERT_THAT(info, IsOk());
+  std::vector<std::string> lines;
+  for (const PropertyRow& row : ScorePropertyRows(*info, CalendarDate{})) lines.push_back(row.label);
+  EXPECT_THAT(lines, ElementsAre("Dateiformat", "Letzte Bearbeitung am", "Autor", "Schlüsselbegriffe",
+                                 "Kommentar", "Seitenformat", "Anzahl Galerie-Objekte", "Anzahl Systeme",
+                                 "Notenzeilen pro System"));
+  const auto rows = ScorePropertyRows(*info, CalendarDate{});
+  EXPECT_EQ(rows[0].value, "Stavora 3 (2000)");
+  EXPECT_EQ(rows[3].value, "(nicht verfügbar!)");
+  EXPECT_EQ(rows[5].value, "Querformat");
+}
+
+TEST(ScoreInfo, PromisesOfGigabytesCostNothing) {
+  Bytes file = WriteScore(Sample());
+  file.resize(8);
+  file.insert(file.end(), {0xFF, 0xFF, 0xFF, 0xFF, 0xFF});  // the author's length
+  EXPECT_THAT(ReadScoreInfo(file), FailsWith(Outcome::ReadFailed));
+}
+
+}  // namespace
+}  // namespace ts5
