@@ -279,7 +279,8 @@ TEST(DamagedScores, EndTheRun) {
   EXPECT_EQ(Play(empty).scan.time, 0U);
   // Longer than a file can say, and more repeats than a score has.
   EXPECT_EQ(Play(OneVoice({WholeBarRest(10'000'000)})).outcome, Outcome::DamagedScore);
-  VoiceItems items(12'000, BarItem(3));
+  VoiceItems items;
+  for (int i = 0; i < 5000; ++i) items.insert(items.end(), {Quarter(), BarItem(3)});
   EXPECT_EQ(Play(OneVoice(items)).outcome, Outcome::DamagedScore);
 }
 
