@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "audio/audio_player.h"
+#include "audio/midi_to_wave.h"
 #include "audio/wave_converter.h"
 #include "midi/midi_converter.h"
+#include "midi/midi_player.h"
 #include "score/score_filter.h"
 #include "search/search_run.h"
 
@@ -17,6 +20,9 @@ const std::vector<FilterModule>& Table() {
     std::vector<FilterModule> modules;
     modules.push_back(ScoreToMidiModule());
     modules.push_back(MidiConverterModule());
+    modules.push_back(MidiPlayerModule());
+    modules.push_back(MidiToWaveModule());
+    modules.push_back(AudioPlayerModule());
     modules.push_back(SearchModule(FilterId::ScoreSearch, {}));
     modules.push_back(MidiSearchModule());
     modules.push_back(WaveConverterModule());

@@ -104,7 +104,9 @@ int JobCommand(CommandLine line, Console& console) {
     PrintError(console, Format(Text(TextId::BatchJobWithoutFilter), job->title));
     return kExitFailed;
   }
-  return RunOnConsole(console, *job, store->settings, DestinationRulesOf(store->settings), output);
+  return RunOnConsole(console, *job,
+                      {.settings = store->settings, .destination = DestinationRulesOf(store->settings)},
+                      output);
 }
 
 }  // namespace ts5::batch

@@ -31,6 +31,8 @@ struct Request {
   std::optional<std::string> overwrite;
   std::optional<std::string> list;
   std::optional<std::string> directory;
+  std::optional<std::string> device;
+  std::optional<std::string> input;
   MelodyOptions melody;
   OutputOptions output;
   std::vector<std::string> files;
@@ -159,6 +161,8 @@ int RunCommand(CommandLine line, Console& console) {
   arguments.Option("--overwrite", "yes|number|ask", request.overwrite, TextId::BatchHelpOverwrite);
   arguments.Option("--list", "LISTE.sts", request.list, TextId::BatchHelpList);
   arguments.Option("--dir", "VERZ", request.directory, TextId::BatchHelpDir);
+  arguments.Option("--device", "NAME", request.device, TextId::BatchHelpDevice);
+  arguments.Option("--input", "NAME", request.input, TextId::BatchHelpInput);
   AddMelodyOptions(arguments, request.melody);
   arguments.Flag("--json", request.output.json, TextId::BatchHelpJson);
   arguments.Flag("--quiet", request.output.quiet, TextId::BatchHelpQuiet);
@@ -226,7 +230,9 @@ int RunCommand(CommandLine line, Console& console) {
     job.destinationName = ResultFileIn(job, rules, request.directory.has_value());
     rules.chosenName = true;
   }
-  const int status = RunOnConsole(console, job, settings, rules, request.output);
+  const RunDevices devices{.output = request.device.value_or(""), .input = request.input.value_or("")};
+  const int status = RunOnConsole(
+      console, job, {.settings = settings, .devices = devices, .destination = rules}, request.output);
   return status == kExitSuccess && !complete ? kExitFailed : status;
 }
 

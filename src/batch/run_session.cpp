@@ -1,25 +1,24 @@
 #include "batch/run_session.h"
 
 #include <memory>
+#include <utility>
 
 #include "app/filter_modules.h"
 #include "batch/run_output.h"
 #include "frame/item_run.h"
-#include "frame/job_runner.h"
 #include "platform/text.h"
 
 namespace ts5::batch {
 
-int RunOnConsole(Console& console, Job& job, const Settings& settings, const DestinationRules& rules,
-                 OutputOptions options) {
+int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions options) {
   const FilterModule* module = FindModule(job.filter);
   if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0 && !job.destinationIsScreen) {
-    job.destinationName = AutomaticDestination(job, *module, rules, SystemDestinationFiles());
+    job.destinationName = AutomaticDestination(job, *module, request.destination, SystemDestinationFiles());
   }
   const auto host = std::make_shared<ConsoleHost>(console, options);
   ConsoleDialogs dialogs(console, options);
   JobRunner runner(FindModule);
-  if (!runner.Start(job, {.settings = settings, .destination = rules}, host, dialogs)) return kExitFailed;
+  if (!runner.Start(job, std::move(request), host, dialogs)) return kExitFailed;
   host->PrintUntilFinished([&] { return runner.Stop(job); });
   runner.Wait(job);
 

@@ -141,6 +141,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
   JobRun& state = *worker->state;
   auto run = std::make_shared<Run>(RunSetup{.job = job,
                                             .settings = std::move(request.settings),
+                                            .devices = std::move(request.devices),
                                             .destination = std::move(request.destination),
                                             .files = std::move(request.files)},
                                    *module, worker->state, std::move(host));

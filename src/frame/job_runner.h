@@ -19,6 +19,7 @@ namespace ts5 {
 
 struct RunRequest {
   Settings settings = {};
+  RunDevices devices = {};
   DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
 };

@@ -26,9 +26,16 @@ namespace ts5 {
 // Progress events closer together than this are left out.
 inline constexpr std::chrono::milliseconds kProgressInterval{50};
 
+// Devices by name, for runs that sound or record; "" leaves the choice to the job's parameters.
+struct RunDevices {
+  std::string output = {};
+  std::string input = {};
+};
+
 struct RunSetup {
   Job job;  // the run's own copy
   Settings settings = {};
+  RunDevices devices = {};
   DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
 };
@@ -44,6 +51,8 @@ class Run {
   [[nodiscard]] const Settings& GetSettings() const { return setup_.settings; }
   [[nodiscard]] const DestinationRules& Destination() const { return setup_.destination; }
   [[nodiscard]] const DestinationFiles& Files() const { return setup_.files; }
+  [[nodiscard]] const RunDevices& Devices() const { return setup_.devices; }
+  [[nodiscard]] PlayerControl& Player() const { return state_->player; }
   // The parameters; P must be the type that the module creates.
   template <typename P>
   [[nodiscard]] const P& Parameters() const {

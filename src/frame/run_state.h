@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "frame/player_control.h"
+
 namespace ts5 {
 
 enum class RunState : std::uint32_t {
@@ -31,6 +33,7 @@ struct JobRun {
   std::atomic<std::int32_t> cancelRequest = kNoCancel;
   std::atomic<bool> closing = false;  // the program ends: a stop that nothing takes back
   std::atomic<std::uint32_t> currentItem = 0;
+  PlayerControl player;  // of a player
 
   [[nodiscard]] bool Cancelled() const {
     return cancelRequest.load(std::memory_order_relaxed) != kNoCancel ||

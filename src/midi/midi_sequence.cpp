@@ -95,6 +95,15 @@ std::chrono::nanoseconds MidiSequence::TimeOf(std::uint64_t tick) const {
   return Nanoseconds(change.seconds + static_cast<double>(tick - change.tick) * change.secondsPerTick);
 }
 
+std::uint64_t MidiSequence::TickAt(std::chrono::nanoseconds time) const {
+  const double seconds = static_cast<double>(std::max<std::int64_t>(time.count(), 0)) / 1e9;
+  const auto next = std::ranges::upper_bound(tempoMap_, seconds, {}, &TempoChange::seconds);
+  const TempoChange& change = *std::prev(next);
+  const auto ticks = static_cast<std::uint64_t>((seconds - change.seconds) / change.secondsPerTick);
+  const std::uint64_t tick = change.tick + ticks;
+  return TimeOf(tick + 1) <= time ? tick + 1 : tick;  // where the division fell short of a whole number
+}
+
 std::size_t MidiSequence::FirstAt(std::chrono::nanoseconds time) const {
   return static_cast<std::size_t>(std::ranges::lower_bound(messages_, time, {}, &SequenceMessage::time) -
                                   messages_.begin());

@@ -48,6 +48,8 @@ class MidiSequence {
 
   // Where a tick lies in time.
   [[nodiscard]] std::chrono::nanoseconds TimeOf(std::uint64_t tick) const;
+  // The last tick at or before the time.
+  [[nodiscard]] std::uint64_t TickAt(std::chrono::nanoseconds time) const;
   // The first message at or behind the time.
   [[nodiscard]] std::size_t FirstAt(std::chrono::nanoseconds time) const;
   // What must be sent so that the device stands as if everything before that message had been played, but for

@@ -1,0 +1,135 @@
+#include "audio/midi_recording.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "audio/wave_file.h"
+#include "audio/wave_stream.h"
+#include "midi/midi_capture.h"
+#include "midi/midi_sequence.h"
+#include "midi/midi_sequencer.h"
+#include "platform/audio_in.h"
+#include "platform/midi_out.h"
+#include "platform/sample_fifo.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint32_t kFifoSeconds = 4;
+constexpr auto kPoll = 10ms;
+constexpr auto kTail = 1s;  // what still sounds behind the last event
+
+std::string NameAt(const std::vector<std::string>& names, std::int32_t index) {
+  return index >= 0 && std::cmp_less(index, names.size()) ? names[static_cast<std::size_t>(index)]
+                                                          : std::string();
+}
+
+// Moves what has come from the device's thread into the file.
+class Recorder {
+ public:
+  Recorder(PcmSink& sink, const WaveFormat& format)
+      : sink_(sink), fifo_(std::size_t{format.sampleRate} * format.channels * kFifoSeconds) {}
+
+  // On the device's thread.
+  void Take(std::span<const float> block) {
+    if (fifo_.Put(block) < block.size()) overrun_ = true;
+  }
+  Outcome Drain() {
+    if (overrun_) return Outcome::ReadFailed;
+    taken_.resize(fifo_.Size());
+    taken_.resize(fifo_.Take(taken_));
+    if (taken_.empty()) return Outcome::Success;
+    samples_.assign(taken_.begin(), taken_.end());
+    return sink_.Write(samples_);
+  }
+
+ private:
+  PcmSink& sink_;
+  SampleFifo fifo_;
+  std::atomic<bool> overrun_ = false;
+  std::vector<float> taken_;
+  std::vector<double> samples_;
+};
+
+}  // namespace
+
+std::string RecordingSource(const std::vector<std::string>& inputs, std::string_view sum) {
+  if (sum.empty()) return {};
+  const std::string wanted = ToLower(sum);
+  const auto found = std::ranges::find_if(
+      inputs, [&](const std::string& name) { return ToLower(name).find(wanted) != std::string::npos; });
+  return found == inputs.end() ? std::string() : *found;
+}
+
+RecordingDevices RecordingDevicesOf(const MidiToWaveParameters& parameters, const std::string& midi,
+                                    const std::string& input) {
+  RecordingDevices devices{midi, input};
+  if (midi.empty()) devices.midi = NameAt(MidiOutputDevices(), parameters.midiDevice);
+  if (!input.empty()) return devices;
+  const auto inputs = AudioInputDevices();
+  if (parameters.configureMixer) devices.input = RecordingSource(inputs, parameters.recordingSource);
+  if (devices.input.empty()) devices.input = NameAt(inputs, parameters.waveDevice);
+  return devices;
+}
+
+Outcome RecordMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
+                   const RecordingDevices& devices, const WorkWatch& watch) {
+  const auto file = ReadFile(source);
+  if (!file) return file.error();
+  const auto sequence = MidiSequence::FromFile(*file);
+  if (!sequence) return sequence.error();
+
+  const PcmShape shape{.sampleRate = format.sampleRate, .channels = format.channels};
+  auto wave = WaveFile::CreateIn(target, format);
+  if (!wave) return wave.error();
+  auto sink = WaveSink(*std::move(wave), shape);
+  if (!sink) return sink.error();
+  Recorder recorder(**sink, format);
+  auto output = OpenMidiDevice(devices.midi);
+  if (!output) return Outcome::ConverterNotOpened;
+  auto input = OpenAudioInput(devices.input, {format.sampleRate, format.channels},
+                              [&recorder](std::span<const float> block) { recorder.Take(block); });
+  if (!input || Failed((*input)->Start())) return Outcome::EncoderNotStarted;
+
+  MidiSequencer sequencer(*sequence, **output);
+  std::atomic<bool> ended = false;
+  Outcome played = Outcome::Success;
+  std::jthread player([&] {
+    played = sequencer.Run();
+    ended = true;
+  });
+  Outcome recorded = Outcome::Success;
+  const auto record = [&](auto goOn) {
+    while (Succeeded(recorded) && goOn()) {
+      std::this_thread::sleep_for(kPoll);
+      recorded = recorder.Drain();
+      if (Succeeded(recorded) && watch.cancelled && watch.cancelled()) recorded = Outcome::Cancelled;
+      if (Succeeded(recorded) && !(*input)->Alive()) recorded = Outcome::ReadFailed;
+      if (watch.progress && sequence->Duration() > 0ns) {
+        watch.progress(std::min(1.0, static_cast<double>(sequencer.Position().count()) /
+                                         static_cast<double>(sequence->Duration().count())));
+      }
+    }
+  };
+  record([&] { return !ended.load(); });
+  sequencer.Stop();
+  player.join();
+  const auto end = std::chrono::steady_clock::now() + kTail;
+  if (Succeeded(played)) record([end] { return std::chrono::steady_clock::now() < end; });
+  (*input)->Stop();
+  if (Succeeded(recorded)) recorded = recorder.Drain();
+  const Outcome closed = (*output)->Close();
+  if (Failed(recorded)) return recorded;
+  if (Failed(played)) return played == Outcome::WriteFailed ? Outcome::ConverterFailed : played;
+  if (Failed(closed)) return closed;
+  return (*sink)->Finish();
+}
+
+}  // namespace ts5

@@ -1,0 +1,43 @@
+// The parameters of the MIDI-to-wave conversion and their field table.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "audio/normalise.h"
+#include "frame/parameters.h"
+#include "platform/wave_format.h"
+
+namespace ts5 {
+
+// As it is stored in jobs.
+enum class MidiWaveMethod : std::int32_t { SoundCard = 0, Synthesis = 1 };
+
+inline constexpr std::array<std::int32_t, 3> kSynthesisRates = {11025, 22050, 44100};
+
+struct MidiToWaveParameters : ClonableParameters<MidiToWaveParameters> {
+  // Needs no hardware.
+  std::int32_t method = static_cast<std::int32_t>(MidiWaveMethod::Synthesis);
+  std::int32_t midiDevice = 0;  // index of the MIDI output device; -1: the mapper
+  std::int32_t waveDevice = 0;  // index of the audio input device
+  std::int32_t normalise = 0;   // NormaliseMode
+  // Rate, channels, bits; a rate that is none of kSynthesisRates is kept and refused when it is used.
+  std::array<std::int32_t, 3> format = {44100, 2, 16};
+  bool configureMixer = false;
+  std::array<std::int32_t, 3> recordingFormat = {0, 0, 0};  // the same for the input device; 0: not chosen
+  std::string recordingSource;                              // name of the mixer's line
+
+  [[nodiscard]] MidiWaveMethod Method() const { return static_cast<MidiWaveMethod>(method); }
+  [[nodiscard]] NormaliseMode Normalising() const { return static_cast<NormaliseMode>(normalise); }
+  [[nodiscard]] bool HasSynthesisFormat() const;
+  [[nodiscard]] bool HasRecordingFormat() const { return recordingFormat[0] != 0; }
+  [[nodiscard]] WaveFormat SynthesisFormat() const;
+  // The audio-CD format when none is chosen.
+  [[nodiscard]] WaveFormat RecordingFormat() const;
+};
+
+[[nodiscard]] std::vector<ParameterField> MidiToWaveFields();
+
+}  // namespace ts5

@@ -1,0 +1,54 @@
+#include "frame/playback_form.h"
+
+#include <cstdlib>
+
+#include "platform/paths.h"
+#include "platform/strings.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+using std::chrono::milliseconds;
+
+std::string BalanceText(std::int32_t balance) {
+  const std::int32_t percent = std::abs(balance) / (kFarBalance / 100);
+  if (percent == 0) return std::string(Text(TextId::PlaybackBalanceMiddle));
+  return Format(Text(balance < 0 ? TextId::PlaybackBalanceLeft : TextId::PlaybackBalanceRight), percent);
+}
+
+}  // namespace
+
+milliseconds PositionStep(PositionKey key, bool control) {
+  const milliseconds step(key == PositionKey::Left || key == PositionKey::Right ? 10 : 1000);
+  const milliseconds width = control ? step * 10 : step;
+  return key == PositionKey::Left || key == PositionKey::PageDown ? -width : width;
+}
+
+std::string PositionText(std::chrono::nanoseconds position, const std::optional<BarBeat>& place,
+                         bool inBars) {
+  if (inBars && place) return Format(Text(TextId::PlaybackTimeBars), place->bar, place->beat);
+  const auto total = std::chrono::duration_cast<milliseconds>(position).count();
+  return Format(Text(TextId::PlaybackTimeMinutes), total / 60'000, total / 1000 % 60, total % 1000);
+}
+
+PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunState state,
+                            const PlayerStatus& status) {
+  PlaybackForm form;
+  const bool playing = !status.title.empty();
+  form.optionsEnabled = MayChangeJob(state);
+  form.shortSecondsEnabled = form.optionsEnabled && options.shortPlay;
+  form.barsEnabled = form.optionsEnabled && filter != FilterId::AudioPlayer;
+  form.positionEnabled = playing && status.duration.count() > 0;
+  form.meterShown = filter == FilterId::AudioPlayer;
+  form.title = playing ? std::string(FileNameOf(status.title)) : std::string(Text(TextId::PlaybackNothing));
+  const std::string_view none = Text(TextId::PlaybackZeroTime);
+  form.elapsed =
+      playing ? PositionText(status.position, status.place, options.timeInBars) : std::string(none);
+  form.duration = playing ? PositionText(status.duration, {}, false) : std::string(none);
+  form.volume = Format(Text(TextId::PlaybackVolumeValue), options.volume / 100);
+  form.balance = BalanceText(options.balance);
+  return form;
+}
+
+}  // namespace ts5

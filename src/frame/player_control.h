@@ -1,0 +1,88 @@
+// Where the window of a player and its worker meet: the window gives orders, the worker carries them out and
+// reports where it is. There is one per job, so the window can stay open from title to title. Every member
+// may be used from any thread.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "frame/level_meter.h"
+
+namespace ts5 {
+
+// A place in a piece as musicians count it, from 1.
+struct BarBeat {
+  std::uint64_t bar = 1;
+  std::uint32_t beat = 1;
+  bool operator==(const BarBeat&) const = default;
+};
+
+struct PlayerSound {
+  std::int32_t volume = 0;   // hundredths of a decibel, -10000..0
+  std::int32_t balance = 0;  // -10000 left .. 10000 right
+  bool operator==(const PlayerSound&) const = default;
+};
+
+// The outline of a title from its start to its end: the peak of each of its equal parts, 0 to 1.
+using Waveform = std::vector<float>;
+
+struct PlayerStatus {
+  std::string title = {};  // path of what is played; "" while nothing is
+  std::chrono::nanoseconds position{};
+  std::chrono::nanoseconds duration{};
+  std::optional<BarBeat> place = {};  // where the title has bars
+  bool paused = false;
+  std::shared_ptr<const Waveform> waveform = {};
+};
+
+enum class PlayerStep : std::int8_t { Previous = -1, Restart = 0, Next = 1 };
+
+struct PlayerOrders {
+  bool togglePause = false;
+  std::optional<PlayerStep> step;
+  std::optional<std::chrono::nanoseconds> seek;
+  bool sound = false;  // volume or balance has changed
+};
+
+class PlayerControl {
+ public:
+  // --- the window's side
+  void TogglePause();
+  void Step(PlayerStep step);
+  void Seek(std::chrono::nanoseconds position);
+  void Move(std::chrono::nanoseconds by);  // from where it is, or where it is sent already
+  void SetSound(PlayerSound sound);
+  [[nodiscard]] PlayerStatus Status() const;
+  // Fed by players that have samples.
+  [[nodiscard]] LevelTap& Levels() { return levels_; }
+
+  // --- the worker's side
+  // The orders since the last call, as soon as there are some or Wake is called, at the latest after
+  // patience.
+  [[nodiscard]] PlayerOrders Take(std::chrono::milliseconds patience);
+  void Wake();
+  // Forgets orders that were meant for what is over.
+  void Clear();
+  [[nodiscard]] PlayerSound Sound() const;
+  void Report(PlayerStatus status);
+  void ReportPosition(std::chrono::nanoseconds position, std::optional<BarBeat> place, bool paused);
+  void ReportWaveform(const std::string& title, std::shared_ptr<const Waveform> waveform);
+
+ private:
+  LevelTap levels_;
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  bool woken_ = false;
+  PlayerOrders orders_;
+  PlayerSound sound_;
+  PlayerStatus status_;
+};
+
+}  // namespace ts5

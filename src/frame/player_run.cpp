@@ -1,0 +1,211 @@
+#include "frame/player_run.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <utility>
+
+#include "frame/run.h"
+#include "platform/casts.h"
+#include "platform/paths.h"
+#include "platform/strings.h"
+#include "platform/text.h"
+
+namespace ts5 {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+
+// How often the position is reported: as often as a window can show it.
+constexpr milliseconds kReportInterval{15};
+
+class PlayerRun {
+ public:
+  PlayerRun(Run& run, const PlayerOptions& options, const PlayerFilter& filter)
+      : run_(run), control_(run.Player()), options_(options), filter_(filter), count_(run.ItemCount()) {}
+
+  void Execute() {
+    control_.Clear();
+    control_.SetSound({options_.volume, options_.balance});
+    auto device = filter_.open(run_);
+    if (device) {
+      device_ = *std::move(device);
+      device_->SetSound(control_.Sound());
+      PlayAll();
+      if (const Outcome closed = device_->Close(); Failed(closed)) run_.AddCode(closed);
+    } else {
+      run_.AddCode(device.error());
+      if (count_ > 0) run_.Result().items.push_back({run_.Source(0), "", Code(device.error())});
+      ++failed_;
+      run_.Notice(Format(Text(TextId::PlaybackNotStarted), Code(device.error())));
+    }
+    control_.Report({});
+    Conclude();
+  }
+
+ private:
+  // Where the user or the end of a title leads.
+  struct Turn {
+    Outcome code = Outcome::Success;
+    std::optional<PlayerStep> step;
+  };
+
+  void PlayAll() {
+    for (std::size_t index = 0; index < count_;) {
+      if (run_.Cancelled()) return EndCancelled();
+      const Turn turn = PlayItem(index);
+      if (run_.Cancelled()) return EndCancelled();
+      if (deviceGone_) return;
+      std::size_t next = Next(index, turn.step);
+      if (!turn.step && next < count_) {
+        if (const auto step = PauseBefore(next)) next = Next(index, step);
+        if (run_.Cancelled()) return EndCancelled();
+      }
+      index = next;
+    }
+  }
+
+  [[nodiscard]] std::size_t Next(std::size_t index, std::optional<PlayerStep> step) const {
+    switch (step.value_or(PlayerStep::Next)) {
+      case PlayerStep::Previous:
+        return index == 0 ? 0 : index - 1;
+      case PlayerStep::Restart:
+        return index;
+      case PlayerStep::Next:
+        break;
+    }
+    // There is nothing behind the last title: it goes on from its start.
+    return step && index + 1 == count_ ? index : index + 1;
+  }
+
+  Turn PlayItem(std::size_t index) {
+    const std::string source = run_.Source(index);
+    run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), 0);
+    run_.StatusText(Format(Text(TextId::PlayerNowPlaying), FileNameOf(source)));
+    run_.SetState(RunState::Preparing);
+    auto title = IsUsablePath(source) ? device_->Open(source)
+                                      : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
+    if (!title) {
+      ReportFailure(source, title.error());
+      return {title.error(), {}};
+    }
+    ++started_;
+    run_.SetState(RunState::Running);
+    const Turn turn = Supervise(index, source, **title);
+    if (Succeeded(turn.code)) ++finished_;
+    if (turn.code == Outcome::WriteFailed) deviceGone_ = true;
+    if (Failed(turn.code) && turn.code != Outcome::Cancelled) {
+      ReportFailure(source, turn.code);
+    } else {
+      run_.Result().items.push_back({source, "", Code(turn.code)});
+    }
+    return turn;
+  }
+
+  Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
+    nanoseconds end = title.Duration();
+    if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
+    control_.Report({.title = source, .duration = title.Duration(), .place = title.PlaceOf({})});
+
+    Turn turn;
+    std::atomic<bool> ended = false;
+    bool paused = false;
+    std::jthread thread([&] {
+      turn.code = title.Play(end);
+      ended = true;
+      control_.Wake();
+    });
+    while (!ended) {
+      const PlayerOrders orders = control_.Take(kReportInterval);
+      if (orders.sound) device_->SetSound(control_.Sound());
+      if (orders.step || run_.Cancelled()) {
+        title.Stop();
+        thread.join();
+        // What had come to its end meanwhile has done so.
+        if (Succeeded(turn.code)) turn.code = Outcome::Cancelled;
+        turn.step = orders.step;
+        return turn;
+      }
+      if (orders.seek) title.Seek(std::min(*orders.seek, end));
+      if (orders.togglePause) {
+        paused = !paused;
+        paused ? title.Pause() : title.Resume();
+        run_.SetState(paused ? RunState::Paused : RunState::Running);
+      }
+      const nanoseconds position = title.Position();
+      control_.ReportPosition(position, title.PlaceOf(position), paused);
+      const double fraction =
+          end.count() > 0 ? static_cast<double>(position.count()) / static_cast<double>(end.count()) : 0;
+      run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), fraction);
+    }
+    thread.join();
+    return turn;
+  }
+
+  // The silence before the next title; what the user chose to end it with, if anything.
+  std::optional<PlayerStep> PauseBefore(std::size_t next) {
+    if (options_.interval <= 0 || next >= count_) return std::nullopt;
+    run_.SetState(RunState::Waiting);
+    run_.StatusText(Text(TextId::PlayerWaiting));
+    control_.Report({});
+    const auto until = std::chrono::steady_clock::now() + options_.Pause();
+    while (!run_.Cancelled()) {
+      const auto left = until - std::chrono::steady_clock::now();
+      if (left <= left.zero()) break;
+      const PlayerOrders orders = control_.Take(std::min(kCancelPoll, std::chrono::ceil<milliseconds>(left)));
+      if (orders.sound) device_->SetSound(control_.Sound());
+      if (orders.step) return orders.step;
+    }
+    return std::nullopt;
+  }
+
+  void ReportFailure(const std::string& source, Outcome code) {
+    ++failed_;
+    run_.AddCode(code);
+    run_.Result().items.push_back({source, "", Code(code)});
+    const std::string_view text = Text(TextId::PlayerTitleFailed);
+    if (count_ == 1) {
+      run_.Notice(text);
+    } else {
+      run_.ProtocolLine(source + ": " + std::string(text));
+    }
+  }
+
+  void EndCancelled() {
+    run_.AddCode(Outcome::Cancelled);
+    run_.Result().cancelled = true;
+  }
+
+  void Conclude() {
+    RunResult& result = run_.Result();
+    result.lines[0].count = started_;
+    result.lines[1].count = finished_;
+    result.lines[2].count = ClampTo<std::uint32_t>(result.items.size()) -
+                            std::min(ClampTo<std::uint32_t>(result.items.size()), finished_);
+    result.remarks = run_.Remarks(filter_.remarks);
+    result.show = options_.resultDialog;
+    if (!device_ || failed_ == 0 || count_ == 1) return;
+    result.remarks.emplace_back(Text(TextId::PlayerSomeFailed));
+    if (!result.show) run_.Notice(Text(TextId::PlayerSomeFailed));
+  }
+
+  Run& run_;
+  PlayerControl& control_;
+  const PlayerOptions& options_;
+  const PlayerFilter& filter_;
+  std::size_t count_;
+  std::unique_ptr<PlayerDevice> device_;
+  bool deviceGone_ = false;
+  std::uint32_t started_ = 0;
+  std::uint32_t finished_ = 0;
+  std::uint32_t failed_ = 0;
+};
+
+}  // namespace
+
+void RunPlayer(Run& run, const PlayerOptions& options, const PlayerFilter& filter) {
+  PlayerRun(run, options, filter).Execute();
+}
+
+}  // namespace ts5

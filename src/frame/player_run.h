@@ -1,0 +1,59 @@
+// The run of a player: the titles of a job one after another, with the pauses between them, short play, and
+// what the user does meanwhile. What a title is and where it sounds belongs to each player.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "frame/player_control.h"
+#include "frame/player_parameters.h"
+#include "frame/remarks.h"
+#include "platform/outcome.h"
+
+namespace ts5 {
+
+class Run;
+
+// One title, ready to be played. Play blocks on a thread of its own; all else comes from the worker
+// meanwhile.
+class PlayedTitle {
+ public:
+  virtual ~PlayedTitle() = default;
+  // From the start to end, or to the end of the title. Success, Cancelled after Stop, WriteFailed when the
+  // device has gone, ReadFailed when the file cannot be read on.
+  [[nodiscard]] virtual Outcome Play(std::chrono::nanoseconds end) = 0;
+  virtual void Stop() = 0;
+  virtual void Pause() = 0;
+  virtual void Resume() = 0;
+  virtual void Seek(std::chrono::nanoseconds position) = 0;
+  [[nodiscard]] virtual std::chrono::nanoseconds Position() const = 0;
+  [[nodiscard]] virtual std::chrono::nanoseconds Duration() const = 0;
+  [[nodiscard]] virtual std::optional<BarBeat> PlaceOf(std::chrono::nanoseconds /*position*/) const {
+    return std::nullopt;
+  }
+};
+
+// The device that the titles of a run are played on; it stays open from the first to the last.
+class PlayerDevice {
+ public:
+  virtual ~PlayerDevice() = default;
+  [[nodiscard]] virtual Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) = 0;
+  virtual void SetSound(PlayerSound sound) = 0;
+  // The end of the run; a device that makes a file completes it.
+  [[nodiscard]] virtual Outcome Close() = 0;
+};
+
+struct PlayerFilter {
+  std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)> open;
+  std::span<const Remark> remarks;
+};
+
+// Fills run.Result(): titles that were begun, that were played to their end (short play: to its end), and all
+// that were not. A title that cannot be played is reported, and the run goes on.
+void RunPlayer(Run& run, const PlayerOptions& options, const PlayerFilter& filter);
+
+}  // namespace ts5

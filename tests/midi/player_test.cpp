@@ -1,0 +1,198 @@
+// The MIDI player on real files: what a device gets is what the file says.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "frame/player_run.h"
+#include "frame/run_support.h"
+#include "midi/midi_capture.h"
+#include "midi/midi_level.h"
+#include "midi/midi_player.h"
+#include "midi/midi_sequence.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::nanoseconds;
+using test::DataPath;
+using test::IsOk;
+using testing::ElementsAre;
+
+MidiSequence Sequence(const std::string& path) {
+  const std::string content = test::Content(path);
+  auto sequence = MidiSequence::FromFile(AsBytes(content));
+  EXPECT_THAT(sequence, IsOk()) << path;
+  return sequence ? *std::move(sequence) : MidiSequence();
+}
+
+// A message without its time.
+Bytes Sent(const MidiSequence& sequence, const SequenceMessage& message) {
+  if (message.message == 0) {
+    const ByteView bytes = sequence.Exclusive(message);
+    return {bytes.begin(), bytes.end()};
+  }
+  Bytes bytes;
+  for (std::size_t i = 0; i < ShortMidiLength(message.message); ++i)
+    bytes.push_back(static_cast<std::uint8_t>(message.message >> (8 * i)));
+  return bytes;
+}
+
+class MidiPlayerTest : public testing::Test {
+ protected:
+  // Plays the files; meanwhile steers.
+  RunResult Play(const std::vector<std::string>& files, PlayerParameters parameters,
+                 const std::function<void(PlayerControl&)>& steer = {}) {
+    Job job = test::ListJob(files, module_);
+    job.parameters = ParametersValue(std::make_unique<PlayerParameters>(parameters));
+    RunSetup setup;
+    setup.job = job;
+    setup.devices.output = "capture:" + capture_;
+    ts5::Run run(std::move(setup), module_, job.run.Shared(), host_);
+    std::jthread user;
+    if (steer) user = std::jthread([&] { steer(job.run->player); });
+    module_.run(run);
+    if (user.joinable()) user.join();
+    run.Finish();
+    return host_->results.back();
+  }
+  static void WaitForPosition(PlayerControl& control, nanoseconds position) {
+    for (int i = 0; i < 1000 && control.Status().position < position; ++i) std::this_thread::sleep_for(5ms);
+  }
+
+  test::TemporaryDirectory folder_;
+  std::string capture_ = folder_.File("mitschnitt.mid");
+  FilterModule module_ = MidiPlayerModule();
+  std::shared_ptr<test::RecordingHost> host_ = std::make_shared<test::RecordingHost>();
+};
+
+TEST_F(MidiPlayerTest, TheDeviceGetsEveryEventOfTheFile) {
+  // Short ones, in all containers, with exclusive messages and karaoke texts.
+  for (const char* name :
+       {"made_c_major_scale.rmi", "jazzsoft_test-multichannel-chords-1.mid",
+        "jazzsoft_test-sysex-gs-40-1x-15-drum-part-change.mid", "jazzsoft_test-rpn-00-01-fine-tuning.mid"}) {
+    const std::string path = DataPath(std::string("midi/") + name);
+    const MidiSequence file = Sequence(path);
+    ASSERT_LT(file.Duration(), 30s) << name;
+    const RunResult result = Play({path}, {});
+    EXPECT_EQ(result.lines[1].count, 1U) << name;
+    const MidiSequence played = Sequence(capture_);
+    ASSERT_EQ(played.Messages().size(), file.Messages().size()) << name;
+    std::vector<nanoseconds> late;
+    for (std::size_t i = 0; i < file.Messages().size(); ++i) {
+      ASSERT_EQ(Sent(played, played.Messages()[i]), Sent(file, file.Messages()[i])) << name << " event " << i;
+      late.push_back((played.Messages()[i].time - played.Messages()[0].time) -
+                     (file.Messages()[i].time - file.Messages()[0].time));
+    }
+    std::ranges::nth_element(late, late.begin() + static_cast<std::ptrdiff_t>(late.size() / 2));
+    // The build machine is busy: half of the events must be in time.
+    EXPECT_LT(std::chrono::abs(late[late.size() / 2]), 20ms) << name;
+  }
+}
+
+TEST_F(MidiPlayerTest, AShortPlayEndsEachTitleAndThePauseLiesBetweenThem) {
+  const std::string song = DataPath("midi/mutopia_maple-leaf-rag.mid");
+  PlayerParameters parameters;
+  parameters.shortPlay = true;
+  parameters.shortSeconds = 1;
+  parameters.interval = 1;
+  const auto start = std::chrono::steady_clock::now();
+  const RunResult result = Play({song, song}, parameters);
+  const auto took = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(took, 2900ms);
+  EXPECT_LT(took, 8s);
+  EXPECT_EQ(result.lines[0].count, 2U);
+  EXPECT_EQ(result.lines[1].count, 2U);
+  EXPECT_FALSE(result.show);
+  EXPECT_THAT(host_->states, testing::Contains(RunState::Waiting).Times(1));
+}
+
+TEST_F(MidiPlayerTest, WhatCannotBePlayedIsCountedAndTheRestIsPlayed) {
+  const std::string broken = folder_.Write("kaputt.mid", "MThdx");
+  PlayerParameters parameters;
+  parameters.shortPlay = true;
+  parameters.shortSeconds = 1;
+  const RunResult result =
+      Play({broken, DataPath("midi/made_gymnopedie.rdl"), folder_.File("fehlt.mid")}, parameters);
+  EXPECT_THAT((std::vector{result.lines[0].count, result.lines[1].count, result.lines[2].count}),
+              ElementsAre(1, 1, 2));
+  EXPECT_EQ(result.remarks.back(), Text(TextId::PlayerSomeFailed));
+  EXPECT_GT(Sequence(capture_).Messages().size(), 0U) << "the sequencer file sounds";
+}
+
+TEST_F(MidiPlayerTest, TheUserPausesSeeksSkipsAndGoesBack) {
+  const std::string song = DataPath("midi/mutopia_debussy-arabesque-no1.mid");
+  nanoseconds paused{};
+  std::string afterSkip;
+  const RunResult result =
+      Play({song, DataPath("midi/mutopia_satie-gymnopedie-no1.mid")}, {}, [&](PlayerControl& control) {
+        WaitForPosition(control, 100ms);
+        control.Seek(60s);
+        WaitForPosition(control, 60s);
+        control.TogglePause();
+        std::this_thread::sleep_for(100ms);
+        paused = control.Status().position;
+        std::this_thread::sleep_for(100ms);
+        EXPECT_EQ(control.Status().position, paused);
+        EXPECT_TRUE(control.Status().paused);
+        control.Step(PlayerStep::Next);
+        for (int i = 0; i < 1000 && control.Status().title == song; ++i) std::this_thread::sleep_for(5ms);
+        afterSkip = control.Status().title;
+        WaitForPosition(control, 50ms);
+        control.Seek(10h);  // the end
+      });
+  EXPECT_GE(paused, 60s);
+  EXPECT_LT(paused, 62s);
+  EXPECT_THAT(afterSkip, testing::HasSubstr("gymnopedie"));
+  EXPECT_EQ(result.lines[0].count, 2U);
+  EXPECT_EQ(result.lines[1].count, 1U) << "the one that was left did not end";
+  EXPECT_FALSE(result.cancelled);
+}
+
+TEST(MidiSequence, TicksAndTimesBelongTogether) {
+  for (const char* name : {"midi/freedoom_d_e2m7.mid", "midi/music21_test10.mid"}) {
+    const MidiSequence sequence = Sequence(DataPath(name));
+    for (const SequenceMessage& message : sequence.Messages())
+      ASSERT_EQ(sequence.TickAt(message.time + 1us), message.tick) << name;
+  }
+}
+
+// Remembers what arrives.
+class Device final : public MidiOutput {
+ public:
+  explicit Device(std::vector<std::uint32_t>& messages) : messages_(messages) {}
+  Outcome Send(std::uint32_t message) override {
+    messages_.push_back(message);
+    return Outcome::Success;
+  }
+  Outcome SendSystemExclusive(ByteView /*message*/) override { return Outcome::Success; }
+
+ private:
+  std::vector<std::uint32_t>& messages_;
+};
+
+TEST(MidiLevel, ScalesVolumesMovesPlacesAndLeavesAllElse) {
+  std::vector<std::uint32_t> messages;
+  MidiLevel level(std::make_unique<Device>(messages));
+  EXPECT_THAT(level.Send(0x5A07B0), IsOk());  // volume 90
+  EXPECT_THAT(messages, ElementsAre(0x5A07B0U));
+  level.SetSound({.volume = -4000, .balance = 5000});
+  ASSERT_EQ(messages.size(), 33U) << "two controllers on every channel";
+  EXPECT_EQ(messages[1], 0x0907B0U) << "a tenth of 90";
+  EXPECT_EQ(messages[2], 0x600AB0U) << "from the middle half way to the right";
+  EXPECT_EQ(messages[3], 0x0A07B1U) << "a channel that was never set counts as 100";
+  messages.clear();
+  for (const std::uint32_t message : {0x7F07B0U, 0x7F0AB0U, 0x643C90U, 0x7F0BB0U})
+    EXPECT_THAT(level.Send(message), IsOk());
+  EXPECT_THAT(messages, ElementsAre(0x0D07B0U, 0x7F0AB0U, 0x643C90U, 0x7F0BB0U));
+  messages.clear();
+  level.SetSound({});
+  EXPECT_EQ(messages[0], 0x7F07B0U) << "the music's own volume again";
+}
+
+}  // namespace
+}  // namespace ts5
