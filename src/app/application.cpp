@@ -34,6 +34,7 @@ JobSurroundings SurroundingsOf(const VolumeTable& volumes, const DeviceLists& de
 std::vector<std::string> Printers() {
   std::vector<std::string> names;
   for (const QString& name : QPrinterInfo::availablePrinterNames()) names.push_back(name.toStdString());
+  names.emplace_back(Text(TextId::PdfPrinter));  // built in, so that there is always one
   return names;
 }
 

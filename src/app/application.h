@@ -63,6 +63,8 @@ class Application {
 
   // Name of the last file-list file of this session.
   std::string lastFileList;
+  // The result file of a melody search that was looked at last.
+  std::string lastResultFile;
 
   // Settings and jobs to the registry, in one step; a text for the user when that failed.
   [[nodiscard]] std::optional<std::string> Save();

@@ -36,6 +36,7 @@ constexpr std::array kIcons{
     CommandIcon{CommandId::HelpContents, "help"},
     CommandIcon{CommandId::About, "about"},
     CommandIcon{CommandId::PrintSearchResults, "print"},
+    CommandIcon{CommandId::PlayHit, "play"},
 };
 
 void AddKeys(QList<QKeySequence>& keys, std::string_view names) {

@@ -27,7 +27,8 @@ constexpr std::array kCommands{
 
     Command{C::MaximiseList, View, false, T::MenuMaximiseList, "F5", "", "quellmedium.htm", kAlways},
     Command{C::SwitchListMode, View, false, T::MenuSwitchListMode, "F10", "", "quellmedium.htm", kAlways},
-    Command{C::SearchResults, View, true, T::MenuSearchResults, "", "", "", FilterId::MidiSearch},
+    Command{C::SearchResults, View, true, T::MenuSearchResults, "", "", "Befehle-Aktion-Suchergebnisse.htm",
+            FilterId::MidiSearch},
 
     Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
     Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "", "zielmedium.htm", kAlways},
@@ -38,9 +39,14 @@ constexpr std::array kCommands{
     Command{C::EraseDisc, Action, true, T::MenuEraseDisc, "", "", "", FilterId::CdBurner},
     Command{C::DiscInformation, Action, false, T::MenuDiscInformation, "", "", "", FilterId::CdBurner},
     Command{C::TrackPause, Action, false, T::MenuTrackPause, "", "", "", FilterId::CdBurner},
-    Command{C::ShowSearchResult, Action, true, T::MenuShowSearchResult, "", "", "", FilterId::MidiSearch},
-    Command{C::PrintSearchResults, Action, false, T::MenuPrintSearchResults, "Ctrl+P", "", "",
+    Command{C::ShowSearchResult, Action, true, T::MenuShowSearchResult, "", "",
+            "Befehle-Aktion-Suchergebnisse.htm", FilterId::MidiSearch},
+    Command{C::PlayHit, Action, false, T::PlayHit, "F9", "", "Befehle-Aktion-Suchergebnisse.htm",
             FilterId::MidiSearch},
+    Command{C::CopyHits, Action, false, T::CopyHits, "", "", "Befehle-Aktion-Suchergebnisse.htm",
+            FilterId::MidiSearch},
+    Command{C::PrintSearchResults, Action, false, T::MenuPrintSearchResults, "Ctrl+P", "",
+            "Befehle-Aktion-Suchergebnisse.htm", FilterId::MidiSearch},
     Command{C::Settings, Action, true, T::MenuSettings, "", "", "Befehle-Aktion-Einstellungen-Allgemein.htm",
             kAlways},
 

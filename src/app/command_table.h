@@ -54,6 +54,8 @@ enum class CommandId : std::uint16_t {
   PrintSearchResults = 40173,
   PrinterSetup = 40174,
   EraseDisc = 40178,
+  PlayHit = 40180,
+  CopyHits = 40181,
 };
 
 // Commands with a running number: job buttons, filter tiles and the collapse buttons of the tiles.

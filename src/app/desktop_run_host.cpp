@@ -1,5 +1,7 @@
 #include "app/desktop_run_host.h"
 
+#include <atomic>
+
 namespace ts5 {
 namespace {
 
@@ -14,7 +16,7 @@ struct DesktopRunHost::Mailbox {
   std::function<void(RunNews)> deliver;
   RunNews news;
   bool posted = false;
-  std::size_t hits = 0;
+  std::atomic<std::size_t> hits = 0;
 };
 
 DesktopRunHost::DesktopRunHost(QObject* context, std::function<void(RunNews)> deliver)
@@ -28,6 +30,10 @@ void DesktopRunHost::Close() {
   const std::lock_guard lock(mailbox_->mutex);
   mailbox_->context = nullptr;
   std::swap(dropped, mailbox_->news);
+}
+
+void DesktopRunHost::RefuseHits() {
+  mailbox_->hits = kMostHits;
 }
 
 template <typename Put>

@@ -35,6 +35,8 @@ class DesktopRunHost : public RunHost {
 
   // The window goes: nothing is delivered any more, and every question is answered with Cancelled.
   void Close();
+  // The window has no room for more hits: the next one is refused with OutOfMemory.
+  void RefuseHits();
 
   void Progress(const RunProgress& progress) override;
   void StatusText(std::string_view text) override;

@@ -1,11 +1,10 @@
-// The list of hits of a melody search: one row per place where the melody was found.
+// The rows of the list of hits: a view on the results of a search, with one row per place where the melody
+// was found. It keeps nothing but how many of the results it shows.
 #pragma once
 
 #include <QAbstractTableModel>
-#include <vector>
 
-#include "frame/filter_id.h"
-#include "frame/search_hit.h"
+#include "search/search_results.h"
 
 namespace ts5 {
 
@@ -13,14 +12,16 @@ class HitModel : public QAbstractTableModel {
   Q_OBJECT
 
  public:
-  explicit HitModel(QObject* parent = nullptr);
+  // The results outlive the model.
+  explicit HitModel(const SearchResults& results, QObject* parent = nullptr);
 
-  // scores: the rows name staff line, voice and beat instead of track and time.
-  void SetScores(bool scores);
   void SetWholePaths(bool wholePaths);
-  void Append(const std::vector<SearchHit>& hits);
-  void Clear();
-  [[nodiscard]] const std::vector<SearchHit>& Hits() const { return hits_; }
+  [[nodiscard]] bool WholePaths() const { return wholePaths_; }
+  // The results have grown: rows for what is new.
+  void ShowNew();
+  // The results were begun anew or cleared.
+  void ShowAnew();
+  [[nodiscard]] const SearchResults& Results() const { return results_; }
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
@@ -28,8 +29,8 @@ class HitModel : public QAbstractTableModel {
   [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
  private:
-  std::vector<SearchHit> hits_;
-  bool scores_ = false;
+  const SearchResults& results_;
+  int shown_ = 0;
   bool wholePaths_ = false;
 };
 

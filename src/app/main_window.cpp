@@ -17,6 +17,7 @@
 #include "app/job_commands.h"
 #include "app/list_commands.h"
 #include "app/run_commands.h"
+#include "app/search_commands.h"
 #include "frame/destination_display.h"
 #include "frame/file_drop.h"
 #include "frame/ui/message_box.h"
@@ -91,6 +92,7 @@ MainWindow::MainWindow(Application& application)
   jobCommands_ = std::make_unique<JobCommands>(*this);
   filterCommands_ = std::make_unique<FilterCommands>(*this);
   runs_ = std::make_unique<RunCommands>(*this);
+  searches_ = std::make_unique<SearchCommands>(*this);
   helpCommands_ = std::make_unique<HelpCommands>(*this);
   areaCommands_ = std::make_unique<AreaCommands>(*this);
   On(CommandId::Quit, [this] { close(); });
@@ -362,6 +364,7 @@ RunPanel& MainWindow::PanelOf(const Job& job) {
     panel = new RunPanel(panels_);
     panel->Hits().SetWholePaths(application_.GetSettings().searchWholePath);
     panels_->addWidget(panel);
+    searches_->Attach(*panel);
   }
   return *panel;
 }
@@ -450,7 +453,7 @@ void MainWindow::RefreshRunDisplay() {
   }
   actions_->SetEnabled(CommandId::Run, mayRun);
   actions_->SetEnabled(CommandId::Stop, running);
-  actions_->SetEnabled(CommandId::StopByEscape, running);
+  actions_->SetEnabled(CommandId::StopByEscape, running || searches_->PlaysHit());
 }
 
 void MainWindow::RefreshJobBar() {
@@ -489,6 +492,7 @@ void MainWindow::RefreshCommands() {
   actions_->SetEnabled(CommandId::TakeDrive, idle);
   actions_->SetEnabled(CommandId::NewJob, jobs.MayCreate());
   actions_->SetEnabled(CommandId::DeleteJob, jobs.MayRemove(jobs.ActiveNumber()));
+  searches_->Refresh();
 }
 
 void MainWindow::SetMaximised(bool maximised) {
@@ -607,6 +611,7 @@ void MainWindow::End(JobSaving policy) {
   ended_ = true;
   dialogs_.Clear();
   runs_->Close();
+  searches_->Close();
   if (const auto failure = application_.Save()) Tell(*failure, MessageIcon::Exclamation);
   hide();
   (void)application_.StopRuns();

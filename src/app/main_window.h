@@ -32,6 +32,7 @@ class HelpCommands;
 class JobCommands;
 class ListCommands;
 class RunCommands;
+class SearchCommands;
 
 class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   Q_OBJECT
@@ -136,6 +137,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   std::unique_ptr<JobCommands> jobCommands_;
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;
+  std::unique_ptr<SearchCommands> searches_;
   std::unique_ptr<HelpCommands> helpCommands_;
   std::unique_ptr<AreaCommands> areaCommands_;
 

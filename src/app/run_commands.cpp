@@ -11,6 +11,7 @@
 #include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
 #include "platform/paths.h"
+#include "search/search_run.h"
 
 namespace ts5 {
 namespace {
@@ -72,6 +73,14 @@ void RunCommands::Start() {
   RunRequest request;
   request.settings = settings;
   request.destination = DestinationRulesOf(settings);
+  if (IsSearch(job.filter) && job.destinationIsScreen) {
+    request.begin = [this, &job, policy = settings.oldSearchResults] {
+      const auto& parameters = static_cast<const SearchParameters&>(*job.parameters);
+      window_.PanelOf(job).BeginSearch(RecordAtStart(job.filter, parameters), policy, [this] {
+        return window_.Confirm(Text(TextId::AskClearResults), MessageIcon::Question, Answer::Yes);
+      });
+    };
+  }
   const auto run = job.run.Shared();
   const auto host =
       std::make_shared<DesktopRunHost>(this, [this, run](RunNews news) { Take(run, std::move(news)); });
@@ -105,10 +114,12 @@ void RunCommands::Take(const std::shared_ptr<JobRun>& run, RunNews news) {
   if (job != nullptr) {
     const bool stopping = run->Cancelled() && !news.result;
     if (stopping) news.status.reset();  // "Breche ab" stays until the end
-    window_.PanelOf(*job).Take(news);
+    const auto host = hosts_.find(run.get());
+    if (!window_.PanelOf(*job).Take(news) && host != hosts_.end()) host->second->RefuseHits();
     if (job == &window_.ActiveJob()) {
       if (news.status && IsSearch(job->filter)) window_.Target().SetProtocolLine(ToQt(*news.status));
       if (news.state) window_.Refresh();
+      if (!news.hits.empty()) window_.RefreshCommands();
     }
     if (news.state) window_.RefreshJobBar();
   }
@@ -126,7 +137,9 @@ void RunCommands::Take(const std::shared_ptr<JobRun>& run, RunNews news) {
 
 void RunCommands::Finish(Job* job, const RunResult& result) {
   if (job != nullptr) {
-    window_.PanelOf(*job).Reset();
+    RunPanel& panel = window_.PanelOf(*job);
+    panel.Reset();
+    if (panel.Searching()) panel.EndSearch(RecordAtEnd(panel.Results().Record(), result));
     if (job == &window_.ActiveJob()) {
       window_.Target().SetProtocolLine({});
       window_.RefreshFilterBar();

@@ -1,6 +1,6 @@
 #include "app/run_panel.h"
 
-#include <QHeaderView>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
@@ -13,7 +13,10 @@ namespace ts5 {
 namespace {
 
 constexpr int kItemSteps = 1000;
-constexpr int kMostProtocolLines = 5000;  // older lines go
+// New hits appear so often; a view of many rows is laid out anew each time, so that it grows more rarely.
+constexpr int kHitInterval = 50;                   // milliseconds
+constexpr std::size_t kRowsPerMillisecond = 1500;  // that wait longer
+constexpr int kMostProtocolLines = 5000;           // older lines go
 
 }  // namespace
 
@@ -22,7 +25,7 @@ RunPanel::RunPanel(QWidget* parent)
       status_(new QLabel(this)),
       files_(new QProgressBar(this)),
       item_(new QProgressBar(this)),
-      hitView_(new QTreeView(this)),
+      hitView_(new HitView(hits_, this)),
       protocolView_(new QListView(this)) {
   setObjectName("runPanel");
   status_->setObjectName("runStatus");
@@ -36,15 +39,10 @@ RunPanel::RunPanel(QWidget* parent)
   item_->setRange(0, kItemSteps);
   item_->setTextVisible(false);
   item_->setMaximumHeight(10);
-  hitView_->setObjectName("hits");
-  hitView_->setAccessibleName(QtText(TextId::HitListName));
-  hitView_->setModel(&hits_);
-  hitView_->setRootIsDecorated(false);
-  hitView_->setUniformRowHeights(true);
-  hitView_->setAlternatingRowColors(true);
-  hitView_->setTabKeyNavigation(false);
-  hitView_->header()->setStretchLastSection(false);
-  hitView_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  hitTimer_.setSingleShot(true);
+  connect(&hitTimer_, &QTimer::timeout, this, [this] {
+    if (hits_.rowCount() < static_cast<int>(results_.Size())) ShowHits();
+  });
   protocolView_->setObjectName("protocol");
   protocolView_->setAccessibleName(QtText(TextId::ProtocolName));
   protocolView_->setModel(&protocol_);
@@ -73,8 +71,12 @@ void RunPanel::SetFilter(FilterId filter) {
   hitView_->setVisible(search);
   if (filter == filter_) return;
   filter_ = filter;
-  hits_.Clear();
-  hits_.SetScores(filter == FilterId::ScoreSearch);
+  if (search && results_.Size() == 0) {
+    SearchRecord none;  // names the columns
+    none.kind = SearchKindOf(filter);
+    results_.End(none);
+    hits_.ShowAnew();
+  }
   Reset();
 }
 
@@ -102,11 +104,35 @@ void RunPanel::SetProgress(const RunProgress& progress) {
   item_->setValue(static_cast<int>(std::lround(std::clamp(progress.fraction, 0.0, 1.0) * kItemSteps)));
 }
 
-void RunPanel::Take(const RunNews& news) {
+void RunPanel::BeginSearch(SearchRecord record, OldSearchResults policy, const std::function<bool()>& ask) {
+  results_.Begin(std::move(record), policy, ask);
+  searching_ = true;
+  hits_.ShowAnew();
+}
+
+void RunPanel::EndSearch(const SearchRecord& record) {
+  results_.End(record);
+  searching_ = false;
+  hitTimer_.stop();
+  ShowHits();
+}
+
+// The end of the list stays in view, unless the user looks at something else.
+void RunPanel::ShowHits() {
+  const QScrollBar* bar = hitView_->verticalScrollBar();
+  const bool follow = bar->value() == bar->maximum();
+  hits_.ShowNew();
+  if (follow) hitView_->scrollToBottom();
+  hitTimer_.start(kHitInterval + static_cast<int>(results_.Size() / kRowsPerMillisecond));
+}
+
+bool RunPanel::Take(const RunNews& news) {
+  bool kept = true;
+  for (const SearchHit& hit : news.hits) kept = kept && Succeeded(results_.Add(hit));
+  if (!news.hits.empty() && !hitTimer_.isActive()) ShowHits();
   if (news.progress) SetProgress(*news.progress);
   if (news.status) SetStatus(ToQt(*news.status));
-  hits_.Append(news.hits);
-  if (news.lines.empty()) return;
+  if (news.lines.empty()) return kept;
   const int first = protocol_.rowCount();
   protocol_.insertRows(first, static_cast<int>(news.lines.size()));
   for (int i = 0; i < static_cast<int>(news.lines.size()); ++i) {
@@ -116,6 +142,7 @@ void RunPanel::Take(const RunNews& news) {
     protocol_.removeRows(0, surplus);
   protocolView_->show();
   protocolView_->scrollToBottom();
+  return kept;
 }
 
 }  // namespace ts5

@@ -138,6 +138,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
     return false;
   }
 
+  if (request.begin) request.begin();
   JobRun& state = *worker->state;
   auto run = std::make_shared<Run>(RunSetup{.job = job,
                                             .settings = std::move(request.settings),

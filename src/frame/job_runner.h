@@ -22,6 +22,8 @@ struct RunRequest {
   RunDevices devices = {};
   DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
+  std::function<void()> begin =
+      {};  // called when nothing keeps the run from starting any more, before it does
 };
 
 class JobRunner {

@@ -35,18 +35,18 @@ std::vector<MelodyStep> MelodySteps(std::span<const MelodyElement> elements, int
 }
 
 void MelodyPlayer::Start(std::span<const MelodyElement> elements, std::unique_ptr<MidiOutput> device,
-                         int tempo, std::uint8_t program, std::function<void()> ended) {
+                         int tempo, std::uint8_t program, std::function<void(Outcome)> ended) {
   Stop();
   playing_ = true;
   thread_ = std::jthread([this, steps = MelodySteps(elements, tempo), device = std::move(device), program,
                           ended = std::move(ended)](const std::stop_token& stop) {
-    Play(stop, steps, *device, program);
-    (void)device->Close();
+    Outcome played = Play(stop, steps, *device, program);
+    if (const Outcome closed = device->Close(); Succeeded(played)) played = closed;
     {
       const std::lock_guard lock(mutex_);
       playing_ = false;
     }
-    if (!stop.stop_requested() && ended) ended();
+    if (!stop.stop_requested() && ended) ended(played);
   });
 }
 
@@ -60,19 +60,21 @@ bool MelodyPlayer::Playing() const {
   return playing_;
 }
 
-void MelodyPlayer::Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps, MidiOutput& device,
-                        std::uint8_t program) {
-  if (Failed(device.Send(ShortMidiMessage(kProgramChange, program)))) return;
+Outcome MelodyPlayer::Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
+                           MidiOutput& device, std::uint8_t program) {
+  Outcome sent = device.Send(ShortMidiMessage(kProgramChange, program));
   auto due = std::chrono::steady_clock::now();
   for (const MelodyStep& step : steps) {
-    if (stop.stop_requested() || (step.start && Failed(device.Send(*step.start)))) return;
+    if (stop.stop_requested() || Failed(sent)) break;
+    if (step.start && Failed(sent = device.Send(*step.start))) break;
     due += step.length;
     {
       std::unique_lock lock(mutex_);
       stopped_.wait_until(lock, stop, due, [] { return false; });
     }
-    if (step.end && Failed(device.Send(*step.end))) return;
+    if (step.end) sent = device.Send(*step.end);
   }
+  return sent;
 }
 
 }  // namespace ts5

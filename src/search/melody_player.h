@@ -39,16 +39,16 @@ class MelodyPlayer {
   MelodyPlayer& operator=(const MelodyPlayer&) = delete;
 
   // Stops what still plays, takes the open device and starts. ended is called on the player's thread when the
-  // melody has come to its end or the device has gone, but not after Stop.
+  // melody has come to its end (Success) or the device has gone (WriteFailed), but not after Stop.
   void Start(std::span<const MelodyElement> elements, std::unique_ptr<MidiOutput> device, int tempo,
-             std::uint8_t program, std::function<void()> ended);
+             std::uint8_t program, std::function<void(Outcome)> ended);
   // The sound ends at once and the device is closed when it returns.
   void Stop();
   [[nodiscard]] bool Playing() const;
 
  private:
-  void Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps, MidiOutput& device,
-            std::uint8_t program);
+  [[nodiscard]] Outcome Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
+                             MidiOutput& device, std::uint8_t program);
 
   mutable std::mutex mutex_;
   std::condition_variable_any stopped_;

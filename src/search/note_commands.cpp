@@ -28,7 +28,7 @@ constexpr std::array kRows = {
     NoteCommandRow{C::Play, 0, K::F9, TextId::TipPlay},
     NoteCommandRow{C::DeleteAll, 0, K::CtrlDelete, TextId::TipDeleteMelody},
     NoteCommandRow{C::Save, 0, K::None, TextId::SaveMelodyTitle},
-    NoteCommandRow{C::Manage, 0, K::None, TextId::ManageMelodiesTitle},
+    NoteCommandRow{C::Manage, 0, K::None, TextId::TipManageMelodies},
     NoteCommandRow{C::LowC, 'c', K::None, {}},
     NoteCommandRow{C::LowD, 'd', K::None, {}},
     NoteCommandRow{C::LowE, 'e', K::None, {}},

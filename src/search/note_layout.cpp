@@ -8,7 +8,9 @@ namespace ts5 {
 namespace {
 
 constexpr double kFirstNote = 48.0;  // behind the clef
-constexpr double kAccidentalWidth = 10.0;
+constexpr double kAccidentalWidth = 12.0;
+constexpr int kMiddlePlace = 4;
+constexpr double kStemLength = 3.5;
 constexpr double kDotWidth = 6.0;
 constexpr double kHeadWidth = 10.0;
 constexpr double kCursorGap = 4.0;                                    // before the head or its accidental
@@ -95,7 +97,10 @@ std::vector<NotePlace> LayOutNotes(std::span<const MelodyElement> elements, Clef
     if (!note.rest) {
       note.place = StaffPlace(element.pitch, clef);
       note.accidental = DrawnAccidental(element.pitch);
-      note.stemUp = note.place < 4;
+      note.stemUp = note.place < kMiddlePlace;
+      // Room for the second and third flag.
+      const double plain = kStemLength + (note.flags > 2 ? 0.75 : 0.0);
+      note.stemLength = std::max(plain, std::abs(note.place - kMiddlePlace) / 2.0);
       note.ledgerLines = LedgerLines(note.place);
     }
     places.push_back(std::move(note));

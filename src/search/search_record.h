@@ -1,6 +1,7 @@
 // What is kept of a search beside its hits: for the head and foot of result files and printed results.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -27,6 +28,7 @@ struct SearchStatistics {
 struct SearchRecord {
   SearchKind kind = SearchKind::Midi;
   std::string melodyName;  // "" for a melody without a name
+  std::size_t notes = 0;   // of the melody; rests do not count
   CivilTime start;         // local times
   CivilTime end;
   SearchEnd ending = SearchEnd::Finished;

@@ -38,9 +38,7 @@ class SearchRun {
       : run_(run), search_(search), threads_(threads) {}
 
   void Execute() {
-    record_.kind = SearchKindOf(run_.Module().id);
-    record_.melodyName = run_.Parameters<SearchParameters>().melody.name;
-    record_.start = LocalNow();
+    record_ = RecordAtStart(run_.Module().id, run_.Parameters<SearchParameters>());
     last_ = OpenTarget();
     if (Succeeded(last_)) {
       SearchFiles();
@@ -182,6 +180,29 @@ class SearchRun {
 void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads) {
   if (threads == 0) threads = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
   SearchRun(run, search, threads).Execute();
+}
+
+SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters) {
+  SearchRecord record;
+  record.kind = SearchKindOf(filter);
+  record.melodyName = parameters.melody.name;
+  record.notes = static_cast<std::size_t>(
+      std::ranges::count_if(parameters.melody.elements, [](const auto& e) { return !IsRest(e); }));
+  record.start = LocalNow();
+  return record;
+}
+
+SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result) {
+  record.end = LocalNow();
+  record.statistics.unsuitable = result.lines[2].count;
+  record.statistics.searched = result.lines[0].count - std::min(result.lines[0].count, result.lines[2].count);
+  record.statistics.hits = result.lines[1].count;
+  const bool noMemory = std::ranges::any_of(
+      result.items, [](const RunItem& item) { return item.code == Code(Outcome::OutOfMemory); });
+  record.ending = noMemory           ? SearchEnd::Failed
+                  : result.cancelled ? SearchEnd::Cancelled
+                                     : SearchEnd::Finished;
+  return record;
 }
 
 FilterModule SearchModule(FilterId filter, SearchFactory factory) {

@@ -5,6 +5,7 @@
 #include "frame/run.h"
 #include "search/ordered_search.h"
 #include "search/search_parameters.h"
+#include "search/search_record.h"
 
 namespace ts5 {
 
@@ -15,6 +16,10 @@ using SearchFactory = std::function<FileSearch(const SearchParameters&)>;
 // go to the screen or to the result file, as the job says. Without selected files a directory job walks its
 // tree. threads: 0 for as many as there are cores.
 void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads = 0);
+
+// What the screen list keeps of a search: as it begins (now), and as it has ended (now).
+[[nodiscard]] SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters);
+[[nodiscard]] SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result);
 
 // Without a factory the module has the parameters and cannot run.
 [[nodiscard]] FilterModule SearchModule(FilterId filter, SearchFactory factory);

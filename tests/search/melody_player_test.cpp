@@ -60,7 +60,7 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
   Sent sent;
   std::atomic<int> ended = 0;
   MelodyPlayer player;
-  player.Start(melody, std::make_unique<SharedOutput>(sent, false), 240, 19, [&] { ++ended; });
+  player.Start(melody, std::make_unique<SharedOutput>(sent, false), 240, 19, [&](Outcome) { ++ended; });
   while (ended == 0) std::this_thread::sleep_for(1ms);
   EXPECT_FALSE(player.Playing());
   EXPECT_TRUE(sent.closed);
@@ -69,7 +69,7 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
   Sent stopped;
   const std::vector<MelodyElement> endless(1000, Note(60, 32767));
   const auto start = std::chrono::steady_clock::now();
-  player.Start(endless, std::make_unique<SharedOutput>(stopped, false), 10, 0, [&] { ++ended; });
+  player.Start(endless, std::make_unique<SharedOutput>(stopped, false), 10, 0, [&](Outcome) { ++ended; });
   EXPECT_TRUE(player.Playing());
   player.Stop();
   EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
@@ -80,11 +80,12 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
 
 TEST(MelodyPlayer, ADeviceThatHasGoneEndsIt) {
   Sent sent;
-  std::atomic<bool> ended = false;
+  std::atomic<int> ended = 1;
   MelodyPlayer player;
   player.Start(std::vector(100, Note(60, 32767)), std::make_unique<SharedOutput>(sent, true), 10, 0,
-               [&] { ended = true; });
-  while (!ended) std::this_thread::sleep_for(1ms);
+               [&](Outcome outcome) { ended = Code(outcome); });
+  while (ended == 1) std::this_thread::sleep_for(1ms);
+  EXPECT_EQ(ended, Code(Outcome::WriteFailed));
   EXPECT_EQ(sent.messages.size(), 1U);
 }
 

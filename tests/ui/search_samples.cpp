@@ -1,12 +1,15 @@
-// Samples of the windows of the melody search, with a melody, some stored ones and a list of hits.
+// Samples of the windows of the melody search, with melodies, some stored ones and a list of hits.
 #include <QTabWidget>
 
 #include "dialogs_support.h"
 #include "platform/registry.h"
 #include "search/melody_store.h"
+#include "search/melody_text.h"
 #include "search/search_results.h"
 #include "search/ui/manage_melodies_dialog.h"
 #include "search/ui/print_abort_dialog.h"
+#include "search/ui/print_preview_dialog.h"
+#include "search/ui/print_setup_dialog.h"
 #include "search/ui/result_viewer_dialog.h"
 #include "search/ui/save_melody_dialog.h"
 #include "search/ui/search_dialog.h"
@@ -14,11 +17,12 @@
 namespace ts5 {
 namespace {
 
-SearchMelody SampleMelody() {
-  SearchMelody melody;
-  melody.elements = {{67, 240}, {64, 240}, {kRestCode, 240}, {1066, 120}, {67, 360}, {72, 480}};
-  melody.name = "Kuckuck";
-  return melody;
+// All values, accidentals and heights, in both clefs.
+constexpr const char* kTreble = "4.c.8d4e+f8g0a6h<F4>c<F3>2C 1c6+d3-h<F2>3-e08 4.g.<F3>-h+f";
+constexpr const char* kBass = "<F8>4cd-e2f8gah<F4>CH<F2>4cd3 6 8 4 2 1 c";
+
+SearchMelody Melody(const char* keys) {
+  return *MelodyFromKeys(keys);
 }
 
 // What the dialogs work on; it outlives them all.
@@ -29,19 +33,25 @@ struct Ground {
   SearchResults results;
 
   Ground() {
-    for (const char* name : {"Kuckuck", "Ein feste Burg", "Bruder Jakob"}) {
-      (void)store.Save(name, SampleMelody());
-    }
+    for (const char* name : {"Kuckuck", "Ode an die Freude: Thema", "Bruder Jakob"})
+      (void)store.Save(name, Melody(*name == 'K' ? "ge" : "eefggfedccdee"));
     SearchRecord record;
-    record.melodyName = "Kuckuck";
-    record.statistics = {3, 1, 3};
-    results.Begin(record, OldSearchResults::Delete, [] { return true; });
-    for (const char* file : {"Abendlied.mid", "Frühling.mid", "Wiegenlied.rmi"}) {
+    record.melodyName = "Ode an die Freude: Thema";
+    record.start = {2024, 3, 12, 17, 4, 5};
+    record.end = {2024, 3, 12, 17, 4, 7};
+    record.statistics = {117, 2, 60};
+    results.Begin(record, OldSearchResults::Delete, {});
+    const char* files[] = {"/home/clara/Musik/Beethoven/Sinfonie Nr. 9 d-Moll op. 125, 4. Satz.mid",
+                           "/home/clara/Musik/Chor/Freude, schöner Götterfunken.rmi",
+                           "/home/clara/Musik/Klavier/Variationen.rdl"};
+    for (int i = 0; i < 60; ++i) {
       SearchHit hit;
-      hit.file = std::string("/home/clara/Musik/Chor/") + file;
+      hit.file = files[i / 25];
+      hit.track = i % 5;
+      hit.bar = 8 * (i % 25) + 3;
+      hit.time = 7430 * (i % 25) + 1200;
       (void)results.Add(hit);
     }
-    results.End(record);
   }
   static MidiOpener Opener() {
     return [](const std::string&) { return Failure(Outcome::TargetFailed); };
@@ -53,9 +63,9 @@ Ground& TheGround() {
   return *ground;
 }
 
-std::unique_ptr<QWidget> SearchPage(DialogHost& host, FilterId filter, int page) {
+std::unique_ptr<QWidget> SearchPage(DialogHost& host, FilterId filter, int page, const char* keys) {
   SearchParameters parameters;
-  parameters.melody = SampleMelody();
+  parameters.melody = Melody(keys);
   auto dialog = std::make_unique<SearchDialog>(filter, parameters, TheGround().store,
                                                std::vector<std::string>{"Stavora-Synthesizer"},
                                                Ground::Opener(), host, nullptr);
@@ -63,29 +73,53 @@ std::unique_ptr<QWidget> SearchPage(DialogHost& host, FilterId filter, int page)
   return dialog;
 }
 
+Printed DrawHits(QPagedPaintDevice& device, const PrintJob& job) {
+  return PrintResults(TheGround().results, false, device, job);
+}
+
 }  // namespace
 
 std::vector<WindowSample> SearchWindowSamples() {
   return {
-      {"MIDIFINDPARAMS-melodie", [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 0); }},
-      {"MIDIFINDPARAMS-optionen", [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 1); }},
+      {"MIDIFINDPARAMS-melodie",
+       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 0, kTreble); }},
+      {"MIDIFINDPARAMS-bass",
+       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 0, kBass); }},
+      {"MIDIFINDPARAMS-optionen",
+       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 1, "cde"); }},
       {"MIDIFINDPARAMS-partitur",
-       [](DialogHost& host) { return SearchPage(host, FilterId::ScoreSearch, 1); }},
+       [](DialogHost& host) { return SearchPage(host, FilterId::ScoreSearch, 1, "cde"); }},
       {"SAVEMELODY",
        [](DialogHost& host) {
-         return std::make_unique<SaveMelodyDialog>(TheGround().store, SampleMelody(), host, nullptr);
+         return std::make_unique<SaveMelodyDialog>(TheGround().store, Melody("cde"), host, nullptr);
        }},
       {"MANAGEMELODIES",
        [](DialogHost& host) {
-         return std::make_unique<ManageMelodiesDialog>(TheGround().store, SampleMelody(), TheGround().sound,
+         return std::make_unique<ManageMelodiesDialog>(TheGround().store, Melody("cde"), TheGround().sound,
                                                        MelodyVoice{}, host, nullptr);
        }},
       {"RESULTVIEWER",
        [](DialogHost& host) {
-         return std::make_unique<ResultViewerDialog>(&TheGround().results, false, std::string(), host,
-                                                     nullptr);
+         static auto* printing = new ResultsPrinting({}, host);
+         return std::make_unique<ResultViewerDialog>(TheGround().results, false, std::string(), *printing,
+                                                     host, nullptr);
        }},
-      {"PRINTABORT", [](DialogHost&) { return std::make_unique<PrintAbortDialog>(nullptr); }},
+      {"PRINTSETUP",
+       [](DialogHost& host) {
+         const QString pdf = QStringLiteral("PDF-Datei");
+         return std::make_unique<PrintSetupDialog>(QStringList{"Büro", pdf}, DefaultPrintSetup(pdf), host,
+                                                   nullptr);
+       }},
+      {"PRINTPREVIEW",
+       [](DialogHost& host) {
+         return std::make_unique<PrintPreviewDialog>(DefaultPrintSetup({}).layout, DrawHits, host, nullptr);
+       }},
+      {"PRINTABORT",
+       [](DialogHost&) {
+         auto dialog = std::make_unique<PrintAbortDialog>(nullptr);
+         (void)dialog->Proceed(30, 200);
+         return dialog;
+       }},
   };
 }
 

@@ -16,11 +16,13 @@ bool MelodySound::Start(std::span<const MelodyElement> elements, const MelodyVoi
   if (!device) return false;
   const int round = ++round_;
   const auto program = static_cast<std::uint8_t>(std::clamp(voice.instrument, 0, 127));
-  player_.Start(elements, *std::move(device), voice.tempo, program, [this, round] {
+  player_.Start(elements, *std::move(device), voice.tempo, program, [this, round](Outcome outcome) {
     QMetaObject::invokeMethod(
         this,
-        [this, round] {
-          if (round == round_) SetPlaying(false);
+        [this, round, outcome] {
+          if (round != round_) return;
+          SetPlaying(false);
+          if (Failed(outcome)) emit DeviceGone();
         },
         Qt::QueuedConnection);
   });

@@ -39,6 +39,7 @@ class MelodySound : public QObject {
 
  signals:
   void PlayingChanged(bool playing);
+  void DeviceGone();  // the playing ended for it
 
  private:
   void SetPlaying(bool playing);

@@ -7,7 +7,6 @@
 namespace ts5 {
 namespace {
 
-constexpr double kStemLength = 3.5;
 constexpr double kStemWidth = 0.13;
 constexpr double kFilledWidth = 1.25;
 constexpr double kWholeWidth = 1.7;
@@ -187,11 +186,9 @@ QPainterPath HeadShape(NoteHead head) {
   return shape.translated(HeadWidth(head) / 2, 0);
 }
 
-QPainterPath StemShape(NoteHead head, bool up, int flags) {
+QPainterPath StemShape(NoteHead head, bool up, int flags, double length) {
   const double x = up ? HeadWidth(head) - kStemWidth : 0.0;
   const double direction = up ? -1.0 : 1.0;
-  // Room for the second and third flag.
-  const double length = kStemLength + (flags > 2 ? 0.75 : 0.0);
   QPainterPath shape = Rectangle(x, up ? -length : 0.1, kStemWidth, length - 0.1);
   for (int i = 0; i < flags; ++i) {
     const double y = direction * (length - 0.78 * i);

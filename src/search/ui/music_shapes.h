@@ -17,8 +17,8 @@ namespace ts5 {
 // Origin: left edge, middle.
 [[nodiscard]] QPainterPath HeadShape(NoteHead head);
 [[nodiscard]] double HeadWidth(NoteHead head);
-// A stem of 3.5 spaces with 0 to 3 flags. Origin: the middle of the head's left edge.
-[[nodiscard]] QPainterPath StemShape(NoteHead head, bool up, int flags);
+// A stem of that length with 0 to 3 flags. Origin: the middle of the head's left edge.
+[[nodiscard]] QPainterPath StemShape(NoteHead head, bool up, int flags, double length = 3.5);
 // Origin: left edge, on the middle line.
 [[nodiscard]] QPainterPath RestShape(NoteHead value, int flags);
 // Origin: its middle.

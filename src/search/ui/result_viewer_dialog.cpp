@@ -1,18 +1,12 @@
 #include "search/ui/result_viewer_dialog.h"
 
 #include <QFontDatabase>
-#include <QPageSetupDialog>
-#include <QPrintPreviewDialog>
-#include <QPrinter>
-#include <QTextDocument>
 #include <utility>
 
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "search/result_file.h"
-#include "search/ui/print_abort_dialog.h"
-#include "search/ui/results_printer.h"
 #include "ui_RESULTVIEWER.h"
 
 namespace ts5 {
@@ -20,32 +14,15 @@ namespace {
 
 constexpr int kTextHeight = 12;  // pixels
 
-// Kept while the program runs, so that a page setup holds for the next printing.
-QPrinter& ResultPrinter() {
-  static QPrinter printer(QPrinter::HighResolution);
-  return printer;
-}
-
-// Page setup, then the preview, which shows and prints what draw makes.
-template <typename Draw>
-void PreviewAndPrint(QWidget* parent, Draw draw) {
-  QPrinter& printer = ResultPrinter();
-  QPageSetupDialog setup(&printer, parent);
-  if (setup.exec() != QDialog::Accepted) return;
-  QPrintPreviewDialog preview(&printer, parent);
-  preview.setWindowTitle(QtText(TextId::PrintJobName));
-  QObject::connect(&preview, &QPrintPreviewDialog::paintRequested, &preview, draw);
-  preview.exec();
-}
-
 }  // namespace
 
-ResultViewerDialog::ResultViewerDialog(const SearchResults* results, bool wholePaths, std::string lastFile,
-                                       DialogHost& host, QWidget* parent)
+ResultViewerDialog::ResultViewerDialog(const SearchResults& results, bool wholePaths, std::string lastFile,
+                                       ResultsPrinting& printing, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(TextId::ResultViewerPrompt), parent),
       results_(results),
       wholePaths_(wholePaths),
       lastFile_(std::move(lastFile)),
+      printing_(printing),
       ui_(std::make_unique<Ui::RESULTVIEWER>()) {
   ui_->setupUi(this);
   ConnectButtons();
@@ -56,7 +33,7 @@ ResultViewerDialog::ResultViewerDialog(const SearchResults* results, bool wholeP
   ui_->browseButton->setAccessibleDescription(QtText(TextId::PickResultFile));
   ui_->fileEdit->setText(ToQt(lastFile_));
 
-  const bool any = results_ != nullptr && results_->Size() > 0;
+  const bool any = results_.Size() > 0;
   ui_->screenRadio->setEnabled(any);
   (any ? ui_->screenRadio : ui_->fileRadio)->setChecked(true);
   connect(ui_->screenRadio, &QRadioButton::toggled, this, &ResultViewerDialog::ShowMedium);
@@ -76,7 +53,7 @@ ResultViewerDialog::~ResultViewerDialog() = default;
 
 void ResultViewerDialog::ShowMedium() {
   const bool screen = ui_->screenRadio->isChecked();
-  ui_->textView->setPlainText(screen && results_ != nullptr ? ToQt(results_->AsResultText()) : fileText_);
+  ui_->textView->setPlainText(screen ? ToQt(results_.AsResultText()) : fileText_);
   ui_->loadButton->setEnabled(!screen && !ui_->fileEdit->text().isEmpty());
   ui_->printButton->setEnabled(!ui_->textView->document()->isEmpty());
 }
@@ -106,25 +83,15 @@ void ResultViewerDialog::Load() {
 }
 
 void ResultViewerDialog::Print() {
-  if (ui_->screenRadio->isChecked() && results_ != nullptr) {
-    PrintResultsWithDialogs(*results_, wholePaths_, this);
-    return;
+  if (ui_->screenRadio->isChecked()) {
+    printing_.PrintHits(results_, wholePaths_, this);
+  } else {
+    printing_.PrintFile(lastFile_, fileText_, this);
   }
-  QTextDocument document(ui_->textView->toPlainText());
-  document.setDefaultFont(ui_->textView->font());
-  PreviewAndPrint(this, [&document](QPrinter* printer) { document.print(printer); });
 }
 
 QString ResultViewerDialog::HelpTopic() const {
   return QStringLiteral("Befehle-Aktion-Suchergebnisse.htm");
-}
-
-void PrintResultsWithDialogs(const SearchResults& results, bool wholePaths, QWidget* parent) {
-  PreviewAndPrint(parent, [&results, wholePaths, parent](QPrinter* printer) {
-    PrintAbortDialog abort(parent);
-    (void)PrintResults(results, wholePaths, *printer,
-                       [&abort](int page, int pages) { return abort.Proceed(page, pages); });
-  });
 }
 
 }  // namespace ts5

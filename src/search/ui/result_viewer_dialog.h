@@ -6,6 +6,7 @@
 
 #include "frame/ui/hosted_dialog.h"
 #include "search/search_results.h"
+#include "search/ui/results_printing.h"
 
 namespace Ui {
 class RESULTVIEWER;
@@ -17,10 +18,10 @@ class ResultViewerDialog : public HostedDialog {
   Q_OBJECT
 
  public:
-  // results may be null when the job has none; they outlive the dialog. lastFile is the result file that was
-  // loaded last, "" for none.
-  ResultViewerDialog(const SearchResults* results, bool wholePaths, std::string lastFile, DialogHost& host,
-                     QWidget* parent);
+  // The results and the printing outlive the dialog. lastFile is the result file that was loaded last, "" for
+  // none.
+  ResultViewerDialog(const SearchResults& results, bool wholePaths, std::string lastFile,
+                     ResultsPrinting& printing, DialogHost& host, QWidget* parent);
   ~ResultViewerDialog() override;
 
   // The result file that was loaded last.
@@ -33,14 +34,12 @@ class ResultViewerDialog : public HostedDialog {
   void Load();
   void Print();
 
-  const SearchResults* results_;
+  const SearchResults& results_;
   bool wholePaths_;
   std::string lastFile_;
+  ResultsPrinting& printing_;
   QString fileText_;
   std::unique_ptr<Ui::RESULTVIEWER> ui_;
 };
-
-// Page setup, preview and printing with the abort dialog, for the command and the viewer.
-void PrintResultsWithDialogs(const SearchResults& results, bool wholePaths, QWidget* parent);
 
 }  // namespace ts5

@@ -1,8 +1,9 @@
 #include "search/ui/results_printer.h"
 
-#include <QFontMetrics>
+#include <QFontMetricsF>
+#include <QPagedPaintDevice>
 #include <QPainter>
-#include <QPrinter>
+#include <QStringList>
 #include <algorithm>
 #include <array>
 
@@ -13,35 +14,52 @@
 namespace ts5 {
 namespace {
 
+const QString kFamily = QStringLiteral("Arial");
 constexpr int kTextPoints = 10;
 constexpr int kTitlePoints = 13;
 // Where the columns begin, in parts of the page's width; the first one is for the file.
 constexpr std::array kColumns = {0.0, 0.58, 0.74, 0.87};
-constexpr int kFooterLines = 5;  // the rule, the ending and three counts
+constexpr int kTextColumns = 82;   // of a result file
+constexpr int kTextHeadLines = 2;  // the name and the page number
+constexpr int kFooterLines = 5;    // the rule, the ending and three counts
 
-QFont PrintFont(int points, QFont::Weight weight, const QPrinter& printer) {
-  QFont font(QStringLiteral("Arial"));
-  font.setPixelSize(std::max(1, points * printer.resolution() / 72));
+QFont PrintFont(const QString& family, double points, QFont::Weight weight, const QPaintDevice& device) {
+  QFont font(family);
+  font.setPixelSize(std::max(1, static_cast<int>(points * device.logicalDpiY() / 72)));
   font.setWeight(weight);
   return font;
+}
+
+// The drawing of one page after another, as far as the job goes.
+template <typename DrawPage>
+Printed DrawPages(QPagedPaintDevice& device, QPainter& painter, int pages, const PrintJob& job,
+                  DrawPage drawPage) {
+  for (int number = 1; number <= std::min(pages, job.mostPages); ++number) {
+    if (job.proceed && !job.proceed(number, pages)) return Printed::Aborted;
+    if (number > 1 && !device.newPage()) return Printed::Failed;
+    drawPage(number);
+  }
+  return painter.end() ? Printed::Done : Printed::Failed;
 }
 
 // The page in device pixels: how many lines fit, and where they stand.
 class Page {
  public:
-  Page(QPainter& painter, const QPrinter& printer)
+  Page(QPainter& painter, const QPaintDevice& device)
       : painter_(painter),
-        title_(PrintFont(kTitlePoints, QFont::DemiBold, printer)),
-        text_(PrintFont(kTextPoints, QFont::Normal, printer)),
-        titleMetrics_(title_, painter.device()),
-        metrics_(text_, painter.device()),
-        width_(printer.pageRect(QPrinter::DevicePixel).width()),
-        height_(printer.pageRect(QPrinter::DevicePixel).height()) {}
+        title_(PrintFont(kFamily, kTitlePoints, QFont::DemiBold, device)),
+        text_(PrintFont(kFamily, kTextPoints, QFont::Normal, device)),
+        titleMetrics_(title_, &device),
+        metrics_(text_, &device),
+        width_(device.width()),
+        height_(device.height()) {
+    painter_.setPen(QPen(Qt::black, std::max(1.0, device.logicalDpiY() / 144.0)));
+  }
 
-  [[nodiscard]] int LineHeight() const { return metrics_.lineSpacing() * 5 / 4; }
-  [[nodiscard]] int HeadHeight() const { return titleMetrics_.lineSpacing() * 3 / 2 + 3 * LineHeight(); }
+  [[nodiscard]] double LineHeight() const { return metrics_.lineSpacing() * 1.25; }
+  [[nodiscard]] double HeadHeight() const { return titleMetrics_.lineSpacing() * 1.5 + 3 * LineHeight(); }
   [[nodiscard]] int Lines() const {
-    return std::max(1, static_cast<int>(height_ - HeadHeight()) / LineHeight());
+    return std::max(1, static_cast<int>((height_ - HeadHeight()) / LineHeight()));
   }
 
   void Head(const SearchRecord& record, int number) {
@@ -59,8 +77,8 @@ class Page {
       const double left = kColumns[column] * width_;
       const double right = column + 1 < row.size() ? kColumns[column + 1] * width_ : width_;
       const double width = right - left - metrics_.averageCharWidth();
-      Draw(left, LineTop(line), width,
-           metrics_.elidedText(ToQt(row[column]), Qt::ElideMiddle, static_cast<int>(width)), Qt::AlignLeft);
+      Draw(left, LineTop(line), width, metrics_.elidedText(ToQt(row[column]), Qt::ElideMiddle, width),
+           Qt::AlignLeft);
     }
   }
   void Footer(int line, const SearchRecord& record) {
@@ -74,9 +92,7 @@ class Page {
   }
 
  private:
-  [[nodiscard]] double LineTop(int line) const {
-    return HeadHeight() + static_cast<double>(line) * LineHeight();
-  }
+  [[nodiscard]] double LineTop(int line) const { return HeadHeight() + line * LineHeight(); }
   void Draw(double x, double y, double width, const QString& text, Qt::Alignment alignment) {
     painter_.drawText(QRectF(x, y, width, LineHeight() * 2.0),
                       int(alignment | Qt::AlignTop) | Qt::TextSingleLine, text);
@@ -86,44 +102,67 @@ class Page {
   QPainter& painter_;
   QFont title_;
   QFont text_;
-  QFontMetrics titleMetrics_;
-  QFontMetrics metrics_;
+  QFontMetricsF titleMetrics_;
+  QFontMetricsF metrics_;
   double width_;
   double height_;
 };
 
 }  // namespace
 
-bool PrintResults(const SearchResults& results, bool wholePaths, QPrinter& printer,
-                  const PageProceed& proceed) {
-  printer.setDocName(QtText(TextId::PrintJobName));
+Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintDevice& device,
+                     const PrintJob& job) {
   QPainter painter;
-  if (!painter.begin(&printer)) return false;
-  Page page(painter, printer);
-
+  if (!painter.begin(&device)) return Printed::Failed;
+  Page page(painter, device);
+  const SearchRecord& record = results.Record();
   const auto rows = static_cast<int>(results.Size());
   const int perPage = page.Lines();
-  const int pages = (rows + kFooterLines + perPage - 1) / perPage;
-  const SearchRecord& record = results.Record();
-  int row = 0;
-  for (int number = 1; number <= pages; ++number) {
-    if (!proceed(number, pages)) {
-      printer.abort();
-      return false;
-    }
-    if (number > 1 && !printer.newPage()) return false;
+  // The foot stays together: where too little room is left, it begins a page of its own.
+  const int lastLines = rows % perPage;
+  const bool ownPage = rows > 0 && (lastLines == 0 || lastLines + kFooterLines > perPage);
+  const int pages = rows / perPage + (lastLines > 0 ? 1 : 0) + (ownPage || rows == 0 ? 1 : 0);
+  return DrawPages(device, painter, pages, job, [&](int number) {
     page.Head(record, number);
-    int line = 0;
-    for (; line < perPage && row < rows; ++line, ++row) {
-      page.Row(line, PrintedHit(record.kind, results.Hit(static_cast<std::size_t>(row)), wholePaths));
+    const int first = (number - 1) * perPage;
+    const int count = std::clamp(rows - first, 0, perPage);
+    for (int line = 0; line < count; ++line) {
+      const SearchHit hit = results.Hit(static_cast<std::size_t>(first + line));
+      page.Row(line, PrintedHit(record.kind, hit, wholePaths));
     }
-    // The foot stays together: on a page with too little room it begins the next one.
-    if (row == rows && (line + kFooterLines <= perPage || line == 0)) {
-      page.Footer(line, record);
-      break;
+    if (number == pages) page.Footer(count, record);
+  });
+}
+
+Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDevice& device,
+                        const PrintJob& job) {
+  QPainter painter;
+  if (!painter.begin(&device)) return Printed::Failed;
+  QFont font = PrintFont(QStringLiteral("Courier New"), kTextPoints, QFont::Normal, device);
+  font.setStyleHint(QFont::TypeWriter);
+  // So large that the longest usual line fits the page.
+  const double fit =
+      device.width() / QFontMetricsF(font, &device).horizontalAdvance(QString(kTextColumns, '0'));
+  font.setPixelSize(std::max(1, static_cast<int>(font.pixelSize() * std::min(1.0, fit))));
+  const QFontMetricsF metrics(font, &device);
+  painter.setFont(font);
+
+  const QStringList lines = text.split('\n');
+  const auto count = static_cast<int>(lines.size()) - (lines.back().isEmpty() ? 1 : 0);
+  const int perPage = std::max(1, static_cast<int>(device.height() / metrics.lineSpacing()) - kTextHeadLines);
+  const int pages = std::max(1, (count + perPage - 1) / perPage);
+  return DrawPages(device, painter, pages, job, [&](int number) {
+    const QString page = ToQt(Format(Text(TextId::PrintPage), number));
+    const double left = device.width() - metrics.horizontalAdvance(page);
+    painter.drawText(QPointF(0, metrics.ascent()),
+                     metrics.elidedText(title, Qt::ElideMiddle, left - metrics.averageCharWidth()));
+    painter.drawText(QPointF(left, metrics.ascent()), page);
+    const int first = (number - 1) * perPage;
+    for (int line = first; line < std::min(first + perPage, count); ++line) {
+      const double y = (line - first + kTextHeadLines) * metrics.lineSpacing() + metrics.ascent();
+      painter.drawText(QPointF(0, y), lines.at(line));
     }
-  }
-  return painter.end();
+  });
 }
 
 }  // namespace ts5

@@ -1,20 +1,31 @@
-// Prints the hits of the screen list: title, melody and date, one row per hit, and the statistics at the end.
+// Draws the results of melody searches onto the pages of a printer, a PDF file or a preview.
 #pragma once
 
+#include <QString>
+#include <cstdint>
 #include <functional>
+#include <limits>
 
 #include "search/search_results.h"
 
-class QPrinter;
+class QPagedPaintDevice;
 
 namespace ts5 {
 
-// Called before every page with its number from 1 and how many there are; false aborts.
-using PageProceed = std::function<bool(int page, int pages)>;
+enum class Printed : std::uint8_t { Done, Aborted, Failed };
 
-// Whole paths after the setting. False when it was aborted or the printer refused; an aborted job is taken
-// back.
-[[nodiscard]] bool PrintResults(const SearchResults& results, bool wholePaths, QPrinter& printer,
-                                const PageProceed& proceed);
+struct PrintJob {
+  int mostPages = std::numeric_limits<int>::max();  // what follows is left out
+  // Called before every page with its number from 1 and how many there are; false aborts.
+  std::function<bool(int page, int pages)> proceed = {};
+};
+
+// The hits of the screen list: title, melody and date, one row per hit, and the statistics at the end. Whole
+// paths after the setting. Failed: the device takes no page.
+[[nodiscard]] Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintDevice& device,
+                                   const PrintJob& job);
+// A result file as it stands, in a font of fixed width, under its name.
+[[nodiscard]] Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDevice& device,
+                                      const PrintJob& job);
 
 }  // namespace ts5

@@ -1,6 +1,6 @@
 #include "search/ui/search_dialog.h"
 
-#include <QSignalBlocker>
+#include <QApplication>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -40,6 +40,10 @@ SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyS
   connect(&sound_, &MelodySound::PlayingChanged, this, [this](bool playing) {
     ui_->notePanel->SetPlaying(playing);
     ShowOptions();
+  });
+  connect(&sound_, &MelodySound::DeviceGone, this, [this] {
+    QWidget* const front = QApplication::activeModalWidget();
+    ShowWarning(front != nullptr ? front : this, TextId::MidiDeviceGone);
   });
   ui_->notePanel->setFocus();
 }

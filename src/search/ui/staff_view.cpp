@@ -20,7 +20,7 @@ constexpr int kMiddlePlace = 4;
 constexpr int kHeight = 150;
 constexpr int kMinimumWidth = 240;
 constexpr double kClefLeft = 14.0;
-constexpr double kLedgerOverhang = 4.0;
+constexpr double kLedgerOverhang = 3.0;
 
 struct KeyRow {
   int key;
@@ -70,7 +70,8 @@ void StaffView::MelodyChanged() {
 }
 
 double StaffView::PlaceY(int place) const {
-  return height() / 2.0 - (place - kMiddlePlace) * kStaffSpace / 2.0;
+  // Lines of one pixel fill whole pixels.
+  return height() / 2 + 0.5 - (place - kMiddlePlace) * kStaffSpace / 2.0;
 }
 
 void StaffView::DrawNote(QPainter& painter, const NotePlace& note) const {
@@ -92,7 +93,7 @@ void StaffView::DrawNote(QPainter& painter, const NotePlace& note) const {
     }
     fill(AccidentalShape(note.accidental), note.accidentalX, y);
     fill(HeadShape(note.head), note.x, y);
-    if (note.stem) fill(StemShape(note.head, note.stemUp, note.flags), note.x, y);
+    if (note.stem) fill(StemShape(note.head, note.stemUp, note.flags, note.stemLength), note.x, y);
   }
   // A dot beside a head on a line stands in the space above it.
   const bool onLine = !note.rest && note.place % 2 == 0;

@@ -1,0 +1,40 @@
+// The place of a MIDI hit in its file, read from the file again: where its bar begins and where the melody
+// ends, for playing it, and when it sounds by the tempo map of the file.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "frame/search_hit.h"
+#include "midi/midi_sequence.h"
+#include "platform/bytes.h"
+#include "platform/outcome.h"
+
+namespace ts5 {
+
+// In ticks.
+struct HitPassage {
+  std::uint64_t bar = 0;    // where the bar of the first note begins
+  std::uint64_t onset = 0;  // the first note
+  std::uint64_t end = 0;    // of the bar in which the last note ends
+
+  bool operator==(const HitPassage&) const = default;
+};
+
+// In the image of a whole file. notes: how many the melody has. WrongFormat: no MIDI file; DamagedMidi: the
+// file does not have the hit (any more).
+[[nodiscard]] Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size_t notes);
+
+// The music of the file with the times of the passage.
+struct PlayableHit {
+  MidiSequence sequence;
+  std::chrono::nanoseconds bar{};
+  std::chrono::nanoseconds onset{};
+  std::chrono::nanoseconds end{};
+};
+// Also SourceFailed and ReadFailed; files above kMaxSequenceFile are refused.
+[[nodiscard]] Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes);
+
+}  // namespace ts5

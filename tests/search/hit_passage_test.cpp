@@ -1,0 +1,250 @@
+// Finding a hit in its file again, and hearing it.
+#include "search/hit_passage.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "midi/conductor.h"
+#include "midi/midi_file.h"
+#include "platform/files.h"
+#include "search/hit_player.h"
+#include "search/melody_text.h"
+#include "search/midi_search.h"
+#include "search/track_matcher.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+#include "track_builder.h"
+
+namespace ts5 {
+namespace {
+
+using namespace std::chrono_literals;
+using test::TrackBuilder;
+
+std::vector<SearchHit> Search(ByteView file, const std::string& path, const char* melody,
+                              SearchOptions options) {
+  std::vector<SearchHit> hits;
+  const MelodyQuery query{MelodyFromNumbers(melody)->elements, options};
+  const HitSink sink = [&](const SearchHit& hit) {
+    hits.push_back(hit);
+    return Outcome::Success;
+  };
+  (void)SearchMidiImage(file, path, query, sink, {});
+  return hits;
+}
+
+// Quarters from key 60 upwards, 192 ticks each, every one ended.
+Bytes Scale(int notes, TrackBuilder track = {}) {
+  for (int i = 0; i < notes; ++i) {
+    track.Note(0, 60 + i);
+    track.Note(192, 60 + i, 0);
+  }
+  return track.End();
+}
+
+// 3/4 at 120, from tick 960 on at 60 quarters a minute.
+Bytes Conductor() {
+  return TrackBuilder()
+      .Raw(0, {0xFF, 0x58, 4, 3, 2, 24, 8})
+      .Raw(0, {0xFF, 0x51, 3, 0x07, 0xA1, 0x20})
+      .Raw(960, {0xFF, 0x51, 3, 0x0F, 0x42, 0x40})
+      .End();
+}
+
+TEST(HitPassageTest, FromTheBarOfTheFirstNoteToTheEndOfTheLastBar) {
+  struct Case {
+    const char* what;
+    Bytes file;
+    const char* melody;
+    HitPassage expected;
+  };
+  const Case cases[] = {
+      {"second track in 3/4",
+       test::MidiImage({Conductor(), Scale(12)}),
+       "64:240,65:240,66:240",
+       {576, 768, 1728}},
+      {"ends with its bar",
+       test::MidiImage({Conductor(), Scale(12)}),
+       "63:240,64:240,65:240",
+       {576, 576, 1152}},
+      {"one track in 4/4", test::MidiImage({Scale(12)}, 192, 0), "64:240,65:240", {768, 768, 1536}},
+      {"last notes of the track",
+       test::MidiImage({Conductor(), Scale(6)}),
+       "64:240,65:240",
+       {576, 768, 1152}},
+      {"4/4 becomes 2/4 inside a bar",
+       test::MidiImage({TrackBuilder().Raw(960, {0xFF, 0x58, 4, 2, 2, 24, 8}).End(), Scale(12)}),
+       "67:240,68:240",
+       {1152, 1344, 1920}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const auto hits = Search(c.file, "x.mid", c.melody, {});
+    ASSERT_EQ(hits.size(), 1U);
+    const auto passage = FindHitPassage(c.file, hits[0], MelodyFromNumbers(c.melody)->elements.size());
+    ASSERT_THAT(passage, test::IsOk());
+    EXPECT_EQ(passage->bar, c.expected.bar);
+    EXPECT_EQ(passage->onset, c.expected.onset);
+    EXPECT_EQ(passage->end, c.expected.end);
+  }
+}
+
+TEST(HitPassageTest, FilesThatHaveChangedOrBreakOffAreNoTrap) {
+  const Bytes file = test::MidiImage({Conductor(), Scale(12)});
+  SearchHit hit;
+  hit.track = 0;
+  hit.bar = 1;
+  hit.time = 2000;  // 768 ticks at 120
+  EXPECT_THAT(FindHitPassage(file, hit, 3), test::IsOk());
+  EXPECT_THAT(FindHitPassage(file, hit, 1'000'000), test::IsOk());
+  for (std::size_t size = 0; size < file.size(); ++size)
+    (void)FindHitPassage(ByteView(file).first(size), hit, 3);
+  hit.time = 2001;
+  EXPECT_THAT(FindHitPassage(file, hit, 3), test::FailsWith(Outcome::DamagedMidi));
+  hit.time = 2000;
+  hit.track = 7;
+  EXPECT_THAT(FindHitPassage(file, hit, 3), test::FailsWith(Outcome::DamagedMidi));
+  hit.track = -5;
+  EXPECT_THAT(FindHitPassage(file, hit, 3), test::IsOk());
+  const Bytes none(100, 0);
+  EXPECT_THAT(FindHitPassage(none, hit, 3), test::FailsWith(Outcome::WrongFormat));
+}
+
+TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {
+  SearchOptions options;
+  options.rhythm = RhythmMode::Any;
+  options.pitch = PitchMode::Relative;
+  std::size_t checked = 0;
+  for (const char* name :
+       {"midi/mutopia_maple-leaf-rag.mid", "midi/mutopia_debussy-arabesque-no1.mid",
+        "midi/freedoom_d_e2m7.mid", "midi/made_gymnopedie.rmi", "midi/made_gymnopedie.rdl"}) {
+    SCOPED_TRACE(name);
+    const std::string path = test::DataPath(name);
+    const auto file = ReadFile(path);
+    ASSERT_THAT(file, test::IsOk());
+    for (const SearchHit& hit : Search(*file, path, "60:240,62:240,64:240", options)) {
+      const auto passage = FindHitPassage(*file, hit, 3);
+      ASSERT_THAT(passage, test::IsOk());
+      EXPECT_LE(passage->bar, passage->onset);
+      EXPECT_LT(passage->onset, passage->end);
+      const auto playable = LoadPlayableHit(hit, 3);
+      ASSERT_THAT(playable, test::IsOk());
+      EXPECT_LE(playable->bar, playable->onset);
+      EXPECT_LT(playable->onset, playable->end);
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 20U);
+}
+
+TEST(HitPassageTest, TimesFollowTheTempoMap) {
+  const test::TemporaryDirectory directory;
+  const Bytes file = test::MidiImage({Conductor(), Scale(12)});
+  const std::string path = directory.Write("a.mid", AsText(file));
+  auto hits = Search(file, path, "68:240,69:240", {});
+  ASSERT_EQ(hits.size(), 1U);
+  EXPECT_EQ(hits[0].time, 4000) << "by the first tempo";
+  const auto playable = LoadPlayableHit(hits[0], 2);
+  ASSERT_THAT(playable, test::IsOk());
+  EXPECT_EQ(playable->onset, 2500ms + 3000ms) << "960 ticks at 120, 576 at 60";
+  hits[0].file += ".fehlt";
+  EXPECT_THAT(LoadPlayableHit(hits[0], 2), test::FailsWith(Outcome::SourceFailed));
+}
+
+// --- the player
+
+struct Heard {
+  std::mutex mutex;
+  std::vector<int> keys;
+  std::atomic<bool> closed = false;
+  std::atomic<int> lastUntilGone = 1'000'000;  // messages that the device still takes
+};
+
+class HeardOutput : public MidiOutput {
+ public:
+  explicit HeardOutput(Heard& heard) : heard_(heard) {}
+  Outcome Send(std::uint32_t message) override {
+    if (--heard_.lastUntilGone < 0) return Outcome::WriteFailed;
+    const std::lock_guard lock(heard_.mutex);
+    if ((message & 0xF0) == 0x90 && message >> 16 != 0)
+      heard_.keys.push_back(static_cast<int>(message >> 8 & 0x7F));
+    return Outcome::Success;
+  }
+  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
+  Outcome Close() override {
+    heard_.closed = true;
+    return Outcome::Success;
+  }
+
+ private:
+  Heard& heard_;
+};
+
+class HitPlayerTest : public testing::Test {
+ protected:
+  // At 2400 quarters a minute, so that nobody waits.
+  HitPlayerTest() {
+    const Bytes track = Scale(12, TrackBuilder().Raw(0, {0xFF, 0x51, 3, 0x00, 0x61, 0xA8}));
+    const Bytes file = test::MidiImage({track}, 192, 0);
+    const std::string path = directory_.Write("a.mid", AsText(file));
+    hit_ = Search(file, path, "65:240,66:240", {}).at(0);
+  }
+  // Plays and waits for the end.
+  Outcome Play(const HitPlayer::Opener& open) {
+    std::atomic<int> result = 1;
+    HitPlayer player;
+    player.Start(hit_, 2, open, [&](Outcome outcome) { result = Code(outcome); });
+    while (result == 1) std::this_thread::sleep_for(1ms);
+    EXPECT_FALSE(player.Playing());
+    return static_cast<Outcome>(result.load());
+  }
+
+  test::TemporaryDirectory directory_;
+  SearchHit hit_;
+  Heard heard_;
+  HitPlayer::Opener open_ = [this]() -> Result<std::unique_ptr<MidiOutput>> {
+    return std::make_unique<HeardOutput>(heard_);
+  };
+};
+
+TEST_F(HitPlayerTest, PlaysThePassageAndNothingElse) {
+  EXPECT_EQ(Play(open_), Outcome::Success);
+  EXPECT_EQ(heard_.keys, (std::vector<int>{64, 65, 66, 67})) << "the second bar";
+  EXPECT_TRUE(heard_.closed);
+}
+
+TEST_F(HitPlayerTest, SaysWhyItEnded) {
+  heard_.lastUntilGone = 3;
+  EXPECT_EQ(Play(open_), Outcome::WriteFailed);
+  EXPECT_EQ(Play([]() -> Result<std::unique_ptr<MidiOutput>> { return Failure(Outcome::TargetFailed); }),
+            Outcome::TargetFailed);
+  hit_.file += ".fehlt";
+  EXPECT_EQ(Play(open_), Outcome::SourceFailed);
+}
+
+TEST_F(HitPlayerTest, AStopEndsItAtOnceAndTheNextHitCanPlay) {
+  const Bytes slow = test::MidiImage(
+      {TrackBuilder().Raw(0, {0xFF, 0x51, 3, 0xFF, 0xFF, 0xFF}).Note(0, 60).Note(60'000, 62).End(192)}, 192,
+      0);
+  SearchHit hit;
+  hit.file = directory_.Write("slow.mid", AsText(slow));
+  std::atomic<int> result = 1;
+  HitPlayer player;
+  player.Start(hit, 1, open_, [&](Outcome outcome) { result = Code(outcome); });
+  while (heard_.lastUntilGone == 1'000'000) std::this_thread::sleep_for(1ms);
+  const auto start = std::chrono::steady_clock::now();
+  player.Stop();
+  while (result == 1) std::this_thread::sleep_for(1ms);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+  EXPECT_EQ(result, Code(Outcome::Cancelled));
+  EXPECT_TRUE(heard_.closed);
+  player.Start(hit_, 2, open_, [&](Outcome outcome) { result = Code(outcome); });
+  while (result == Code(Outcome::Cancelled)) std::this_thread::sleep_for(1ms);
+  EXPECT_EQ(result, Code(Outcome::Success));
+}
+
+}  // namespace
+}  // namespace ts5

@@ -1,0 +1,743 @@
+// The dialogs of the melody search: the note editor with all its keys and buttons, the options and what binds
+// them, stored melodies, the viewer and printing.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractScrollArea>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPrintPreviewWidget>
+#include <QRadioButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+#include <atomic>
+
+#include "dialogs_support.h"
+#include "frame/ui/qt_text.h"
+#include "platform/files.h"
+#include "platform/registry.h"
+#include "platform/text.h"
+#include "search/melody_text.h"
+#include "search/note_commands.h"
+#include "search/ui/manage_melodies_dialog.h"
+#include "search/ui/note_editor_panel.h"
+#include "search/ui/print_abort_dialog.h"
+#include "search/ui/print_preview_dialog.h"
+#include "search/ui/print_setup_dialog.h"
+#include "search/ui/result_viewer_dialog.h"
+#include "search/ui/save_melody_dialog.h"
+#include "search/ui/search_dialog.h"
+#include "search/ui/staff_view.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+MelodyElement Note(int pitch, int duration = 240) {
+  return {static_cast<std::int16_t>(pitch), static_cast<std::int16_t>(duration)};
+}
+
+// A device that takes so many messages and has gone then.
+class FakeOutput : public MidiOutput {
+ public:
+  FakeOutput(std::atomic<int>& messages, int most) : messages_(messages), most_(most) {}
+  Outcome Send(std::uint32_t) override {
+    return ++messages_ > most_ ? Outcome::WriteFailed : Outcome::Success;
+  }
+  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
+
+ private:
+  std::atomic<int>& messages_;
+  int most_;
+};
+
+class SearchDialogTest : public testing::Test {
+ public:
+  void Open(FilterId filter = FilterId::MidiSearch, std::vector<std::string> devices = {"Orgel", "Klavier"}) {
+    dialog_ = std::make_unique<SearchDialog>(
+        filter, parameters_, store_, std::move(devices),
+        [this](const std::string& name) -> Result<std::unique_ptr<MidiOutput>> {
+          opened_ = name;
+          if (!opens_) return Failure(Outcome::TargetFailed);
+          return std::make_unique<FakeOutput>(messages_, mostMessages_);
+        },
+        host_, nullptr);
+    dialog_->show();
+    QApplication::setActiveWindow(dialog_.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog_.get()));
+    ASSERT_NE(Staff(), nullptr);
+  }
+  [[nodiscard]] StaffView* Staff() const { return dialog_->findChild<StaffView*>(); }
+  [[nodiscard]] const SearchMelody& Edited() const {
+    return Child<NoteEditorPanel>(*dialog_, "notePanel").Melody();
+  }
+  void Keys(const char* text) { QTest::keyClicks(Staff(), QLatin1String(text)); }
+  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(Staff(), key, modifiers);
+  }
+  [[nodiscard]] QToolButton& Button(NoteCommand command) const {
+    const auto row = std::ranges::find(NoteCommands(), command, &NoteCommandRow::command);
+    for (auto* button : dialog_->findChildren<QToolButton*>()) {
+      if (button->toolTip() == QtText(*row->tip)) return *button;
+    }
+    qFatal("there is no such button");
+  }
+  SearchParameters Accepted() {
+    Press(*dialog_, "okButton");
+    EXPECT_EQ(dialog_->result(), QDialog::Accepted);
+    return dialog_->Parameters();
+  }
+
+  Registry registry_ = std::move(*Registry::Open(kRegistryInMemory));
+  MelodyStore store_{registry_};
+  SearchParameters parameters_;
+  RecordingHost host_;
+  bool opens_ = true;
+  std::string opened_;
+  std::atomic<int> messages_ = 0;
+  int mostMessages_ = 1'000'000;
+  std::unique_ptr<SearchDialog> dialog_;
+};
+
+TEST_F(SearchDialogTest, EveryNoteKeyEntersItsNote) {
+  struct Case {
+    std::function<void(SearchDialogTest&)> keys;
+    std::vector<MelodyElement> expected;
+  };
+  const auto keys = [](const char* text) { return [text](SearchDialogTest& test) { test.Keys(text); }; };
+  const auto with = [](Qt::Key key, const char* text) {
+    return [key, text](SearchDialogTest& test) {
+      test.Key(key);
+      test.Keys(text);
+    };
+  };
+  const Case cases[] = {
+      {keys("cdefgah"), {Note(60), Note(62), Note(64), Note(65), Note(67), Note(69), Note(71)}},
+      {keys("CDEFGAH"), {Note(72), Note(74), Note(76), Note(77), Note(79), Note(81), Note(83)}},
+      {keys("bB c"), {Note(60)}},  // b has no meaning, and no rest comes first
+      {with(Qt::Key_F4, "C"), {Note(84)}},
+      {with(Qt::Key_F2, "c"), {Note(48)}},
+      {[](SearchDialogTest& test) {
+         test.Key(Qt::Key_F4);
+         test.Key(Qt::Key_F3);
+         test.Keys("c");
+       },
+       {Note(60)}},
+      {[](SearchDialogTest& test) {
+         test.Key(Qt::Key_F8);
+         test.Key(Qt::Key_F2);
+         test.Keys("cd");
+       },
+       {Note(10024), Note(26)}},
+      {[](SearchDialogTest& test) {
+         test.Key(Qt::Key_F8);
+         test.Key(Qt::Key_F7);
+         test.Keys("c");
+       },
+       {Note(60)}},
+      {keys("+e-e0e"), {Note(1065), Note(-1063), Note(64)}},
+      {keys("1c2c4c8c6c3c"),
+       {Note(60, 960), Note(60, 480), Note(60), Note(60, 120), Note(60, 60), Note(60, 30)}},
+      {keys("4.c3c.c"), {Note(60, 360), Note(60, 45), Note(60, 30)}},
+      {keys("c d"), {Note(60), Note(kRestCode), Note(62)}},
+      {keys("8c .d"), {Note(60, 120), Note(kRestCode, 120), Note(62, 180)}},
+  };
+  for (const Case& c : cases) {
+    parameters_ = {};
+    Open();
+    // The refusal of a rest at the start is a box; it is closed.
+    NextMessage refusal;
+    c.keys(*this);
+    EXPECT_EQ(Edited().elements, c.expected);
+    EXPECT_EQ(Edited().cursor, c.expected.size());
+  }
+}
+
+TEST_F(SearchDialogTest, TheCursorMovesAndDeletes) {
+  Open();
+  Keys("cdefg");
+  Key(Qt::Key_Home);
+  EXPECT_EQ(Edited().cursor, 0U);
+  Key(Qt::Key_Backspace);
+  EXPECT_EQ(Edited().elements.size(), 5U) << "nothing stands before it";
+  Key(Qt::Key_Right);
+  Key(Qt::Key_Delete);  // d
+  Key(Qt::Key_End);
+  Key(Qt::Key_Delete);
+  Key(Qt::Key_Left);
+  Key(Qt::Key_Backspace);  // f
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(60), Note(64), Note(67)));
+  Keys("a");
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(60), Note(64), Note(69), Note(67)));
+  EXPECT_EQ(Edited().cursor, 3U);
+
+  // A click between two notes puts it there.
+  QTest::mouseClick(Staff(), Qt::LeftButton, {}, QPoint(20, Staff()->height() / 2));
+  EXPECT_EQ(Edited().cursor, 0U);
+  QTest::mouseClick(Staff(), Qt::LeftButton, {}, QPoint(Staff()->width() - 5, Staff()->height() / 2));
+  EXPECT_EQ(Edited().cursor, 4U);
+
+  Key(Qt::Key_Delete, Qt::ControlModifier);
+  EXPECT_THAT(Edited().elements, IsEmpty());
+  EXPECT_EQ(Edited().cursor, 0U);
+}
+
+TEST_F(SearchDialogTest, RefusalsSayWhyAndChangeNothing) {
+  Open();
+  {
+    NextMessage message;
+    Keys(" ");
+    EXPECT_EQ(message.Text(), QtText(TextId::RestAtStart));
+    EXPECT_THAT(Edited().elements, IsEmpty());
+  }
+  // Until the staff is full; then the dialog is made wider.
+  NextMessage full;
+  for (int i = 0; i < 200 && full.Text().isEmpty(); ++i) Keys("c");
+  EXPECT_EQ(full.Text(), QtText(TextId::NoRoomForNote));
+  const std::size_t count = Edited().elements.size();
+  EXPECT_GT(count, 10U);
+  EXPECT_LT(count, 200U);
+  dialog_->resize(dialog_->width() + 200, dialog_->height());
+  QTest::qWait(20);
+  Keys("c");
+  EXPECT_EQ(Edited().elements.size(), count + 1);
+}
+
+TEST_F(SearchDialogTest, EveryButtonOfTheToolbarDoesWhatItsTooltipSays) {
+  Open();
+  // What is chosen, and the button that shows it.
+  struct Choice {
+    NoteCommand command;
+    std::function<bool(const SearchMelody&)> holds;
+  };
+  using C = NoteCommand;
+  const Choice choices[] = {
+      {C::OctaveDown, [](const auto& m) { return m.octaveOffset == -12; }},
+      {C::OctaveUp, [](const auto& m) { return m.octaveOffset == 12; }},
+      {C::OctaveNormal, [](const auto& m) { return m.octaveOffset == 0; }},
+      {C::Flat, [](const auto& m) { return m.accidental == Accidental::Flat; }},
+      {C::Sharp, [](const auto& m) { return m.accidental == Accidental::Sharp; }},
+      {C::Natural, [](const auto& m) { return m.accidental == Accidental::None; }},
+      {C::BassClef, [](const auto& m) { return m.clef == Clef::Bass; }},
+      {C::TrebleClef, [](const auto& m) { return m.clef == Clef::Treble; }},
+      {C::ToggleDot, [](const auto& m) { return m.dotted; }},
+      {C::Whole, [](const auto& m) { return m.noteValue == 960; }},
+      {C::Half, [](const auto& m) { return m.noteValue == 480; }},
+      {C::Quarter, [](const auto& m) { return m.noteValue == 240; }},
+      {C::Eighth, [](const auto& m) { return m.noteValue == 120; }},
+      {C::Sixteenth, [](const auto& m) { return m.noteValue == 60; }},
+      {C::ThirtySecond, [](const auto& m) { return m.noteValue == 30; }},
+  };
+  for (const Choice& choice : choices) {
+    SCOPED_TRACE(static_cast<int>(choice.command));
+    QTest::mouseClick(&Button(choice.command), Qt::LeftButton);
+    EXPECT_TRUE(choice.holds(Edited()));
+    EXPECT_TRUE(Button(choice.command).isChecked());
+    EXPECT_TRUE(Staff()->hasFocus()) << "so that typing goes on";
+    // Pressed again, only the dot changes.
+    QTest::mouseClick(&Button(choice.command), Qt::LeftButton);
+    EXPECT_EQ(choice.holds(Edited()), choice.command != C::ToggleDot);
+    EXPECT_EQ(Button(choice.command).isChecked(), choice.command != C::ToggleDot);
+  }
+
+  // An empty melody: the clef can be chosen, nothing can be played, deleted or saved.
+  const auto enabled = [&](bool empty) {
+    for (const C command : {C::Play, C::DeleteAll, C::Save}) EXPECT_EQ(Button(command).isEnabled(), !empty);
+    for (const C command : {C::TrebleClef, C::BassClef}) EXPECT_EQ(Button(command).isEnabled(), empty);
+    EXPECT_TRUE(Button(C::Manage).isEnabled());
+  };
+  enabled(true);
+  Keys("c");
+  enabled(false);
+  Key(Qt::Key_F8);
+  EXPECT_EQ(Edited().clef, Clef::Treble);
+  QTest::mouseClick(&Button(C::DeleteAll), Qt::LeftButton);
+  EXPECT_THAT(Edited().elements, IsEmpty());
+  enabled(true);
+}
+
+TEST_F(SearchDialogTest, PlayingLocksTheEntryAndStops) {
+  Open();
+  Keys("1ccc");
+  Key(Qt::Key_F9);
+  EXPECT_EQ(opened_, "") << "the mapper";
+  EXPECT_FALSE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
+  Keys("d");
+  Key(Qt::Key_Backspace);
+  Key(Qt::Key_Delete, Qt::ControlModifier);
+  EXPECT_EQ(Edited().elements.size(), 3U) << "nothing is entered or deleted meanwhile";
+  EXPECT_FALSE(Button(NoteCommand::Save).isEnabled());
+  EXPECT_TRUE(Button(NoteCommand::Play).isEnabled());
+  Key(Qt::Key_F9);
+  EXPECT_TRUE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
+  Keys("d");
+  EXPECT_EQ(Edited().elements.size(), 4U);
+
+  // A short melody ends by itself, on the chosen device.
+  Key(Qt::Key_Delete, Qt::ControlModifier);
+  Keys("3c");
+  Child<QComboBox>(*dialog_, "deviceBox").setCurrentIndex(2);
+  Key(Qt::Key_F9);
+  EXPECT_EQ(opened_, "Klavier");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Child<QWidget>(*dialog_, "midiGroup").isEnabled(); }));
+
+  opens_ = false;
+  NextMessage failure;
+  Key(Qt::Key_F9);
+  EXPECT_EQ(failure.Text(), QtText(TextId::MelodyNotPlayed));
+}
+
+TEST_F(SearchDialogTest, ADeviceThatGoesEndsThePlayingWithItsMessage) {
+  Open();
+  Keys("3cdefg");
+  mostMessages_ = 3;
+  NextMessage message;
+  Key(Qt::Key_F9);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !message.Text().isEmpty(); }));
+  EXPECT_EQ(message.Text(), QtText(TextId::MidiDeviceGone));
+  EXPECT_TRUE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
+}
+
+TEST_F(SearchDialogTest, RhythmAndPitchAreNeverBothFree) {
+  Open();
+  Child<QTabWidget>(*dialog_, "tabs").setCurrentIndex(1);
+  auto& rhythmAny = Child<QRadioButton>(*dialog_, "rhythmAnyRadio");
+  auto& rhythmRelative = Child<QRadioButton>(*dialog_, "rhythmRelativeRadio");
+  auto& pitchIgnore = Child<QRadioButton>(*dialog_, "pitchIgnoreRadio");
+  auto& pitchRelative = Child<QRadioButton>(*dialog_, "pitchRelativeRadio");
+  auto& tolerance = Child<QComboBox>(*dialog_, "toleranceBox");
+  EXPECT_TRUE(tolerance.isEnabled());
+  rhythmAny.click();
+  EXPECT_FALSE(pitchIgnore.isEnabled());
+  EXPECT_FALSE(tolerance.isEnabled());
+  rhythmRelative.click();
+  EXPECT_TRUE(pitchIgnore.isEnabled());
+  EXPECT_TRUE(tolerance.isEnabled());
+  pitchIgnore.click();
+  EXPECT_FALSE(rhythmAny.isEnabled());
+  pitchRelative.click();
+  EXPECT_TRUE(rhythmAny.isEnabled());
+  rhythmAny.click();
+  Child<QCheckBox>(*dialog_, "firstTrackCheck").click();
+  Child<QCheckBox>(*dialog_, "drumTrackCheck").click();
+  tolerance.setCurrentIndex(1);
+  const SearchParameters accepted = Accepted();
+  EXPECT_EQ(accepted.options.rhythm, RhythmMode::Any);
+  EXPECT_EQ(accepted.options.pitch, PitchMode::Relative);
+  EXPECT_EQ(accepted.options.tolerance, Tolerance::Low);
+  EXPECT_TRUE(accepted.options.firstTrackOnly);
+  EXPECT_TRUE(accepted.options.drumTrack);
+}
+
+TEST_F(SearchDialogTest, DeviceTempoAndInstrumentAreStored) {
+  parameters_.device = 7;  // no longer there
+  Open();
+  EXPECT_EQ(Child<QComboBox>(*dialog_, "deviceBox").currentText(), QtText(TextId::MidiMapper));
+  EXPECT_EQ(Child<QComboBox>(*dialog_, "instrumentBox").count(), 128);
+  EXPECT_EQ(Child<QComboBox>(*dialog_, "instrumentBox").itemText(127), "Schuss");
+  Child<QComboBox>(*dialog_, "deviceBox").setCurrentIndex(1);
+  Child<QComboBox>(*dialog_, "instrumentBox").setCurrentIndex(19);
+  auto& slider = Child<QSlider>(*dialog_, "tempoSlider");
+  EXPECT_EQ(slider.minimum(), 10);
+  EXPECT_EQ(slider.maximum(), 240);
+  EXPECT_EQ(slider.pageStep(), 10);
+  slider.setValue(200);
+  EXPECT_EQ(Child<QSpinBox>(*dialog_, "tempoBox").value(), 200);
+  const SearchParameters accepted = Accepted();
+  EXPECT_EQ(accepted.device, 0);
+  EXPECT_EQ(accepted.instrument, 19);
+  EXPECT_EQ(accepted.tempo, 200);
+}
+
+TEST_F(SearchDialogTest, WithoutADeviceNothingPlaysAndTheScoreSearchHasNoTolerance) {
+  Open(FilterId::ScoreSearch, {});
+  Child<QTabWidget>(*dialog_, "tabs").setCurrentIndex(1);
+  EXPECT_FALSE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
+  EXPECT_FALSE(Child<QWidget>(*dialog_, "toleranceBox").isVisible());
+  EXPECT_EQ(Child<QCheckBox>(*dialog_, "firstTrackCheck").text(), QtText(TextId::FirstStaffOnly));
+  EXPECT_EQ(Child<QCheckBox>(*dialog_, "drumTrackCheck").text(), QtText(TextId::DrumStaffToo));
+  EXPECT_EQ(dialog_->HelpTopic(), "parm_melodiesuche-optionen.htm");
+  Child<QTabWidget>(*dialog_, "tabs").setCurrentIndex(0);
+  EXPECT_EQ(dialog_->HelpTopic(), "parm_melodiesuche-melodie.htm");
+  Staff()->setFocus();
+  Keys("c");
+  EXPECT_FALSE(Button(NoteCommand::Play).isEnabled());
+  EXPECT_EQ(Accepted().device, kNoMidiOutput);
+}
+
+TEST_F(SearchDialogTest, OkTrimsAndCancelGivesBackWhatWasThere) {
+  parameters_.melody.elements = {Note(10048), Note(50)};
+  parameters_.melody.cursor = 1;
+  Open();
+  EXPECT_EQ(Edited().clef, Clef::Bass) << "by the mark of the first element";
+  Key(Qt::Key_End);
+  Keys("c  ");
+  EXPECT_EQ(Edited().elements.size(), 5U);
+  const SearchParameters accepted = Accepted();
+  EXPECT_THAT(accepted.melody.elements, ElementsAre(Note(10048), Note(50), Note(36)));
+  EXPECT_EQ(accepted.melody.cursor, 3U);
+
+  Open();
+  Keys("c");
+  Child<QComboBox>(*dialog_, "instrumentBox").setCurrentIndex(5);
+  Child<QRadioButton>(*dialog_, "rhythmAnyRadio").click();
+  Press(*dialog_, "cancelButton");
+  EXPECT_EQ(dialog_->result(), QDialog::Rejected);
+  EXPECT_EQ(dialog_->Parameters().melody, parameters_.melody);
+}
+
+// --- stored melodies
+
+TEST_F(SearchDialogTest, SavesUnderAnyNameAndAsksBeforeItOverwrites) {
+  SearchMelody melody;
+  melody.elements = {Note(60), Note(62), Note(kRestCode)};
+  ASSERT_TRUE(Succeeded(store_.Save("Kuckuck", melody)));
+  SaveMelodyDialog dialog(store_, melody, host_, nullptr);
+  dialog.show();
+  auto& name = Child<QLineEdit>(dialog, "nameEdit");
+  {
+    NextMessage message;
+    Press(dialog, "okButton");
+    EXPECT_EQ(message.Text(), QtText(TextId::MelodyNameMissing));
+  }
+  name.setText("Kuckuck");
+  {
+    NextMessage no(QMessageBox::No);
+    Press(dialog, "okButton");
+    EXPECT_EQ(no.Text(), QtText(TextId::MelodyExists));
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(name.selectedText(), "Kuckuck") << "back in the name field";
+  }
+  name.clear();
+  QTest::keyClicks(&name, QString(100, 'x'));
+  EXPECT_EQ(name.text().size(), 80);
+  name.setText(QStringLiteral("Für \"Elise\" \\/:*?<>|"));
+  Press(dialog, "okButton");
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
+  EXPECT_THAT(store_.Load("Für \"Elise\" \\/:*?<>|").value(), ElementsAre(Note(60), Note(62)));
+}
+
+class ManageTest : public SearchDialogTest {
+ protected:
+  ManageTest() {
+    SearchMelody melody;
+    melody.elements = {Note(10048), Note(50)};
+    (void)store_.Save("bass", melody);
+    melody.elements.assign(5, Note(60, 30));
+    (void)store_.Save("Amsel", melody);
+    (void)store_.Save("Drossel", melody);
+  }
+  void OpenManager() {
+    manager_ =
+        std::make_unique<ManageMelodiesDialog>(store_, SearchMelody{}, sound_, MelodyVoice{}, host_, nullptr);
+    manager_->show();
+    list_ = &Child<QTreeView>(*manager_, "melodyList");
+  }
+  [[nodiscard]] QStringList Column(int column) const {
+    QStringList texts;
+    for (int row = 0; row < list_->model()->rowCount(); ++row)
+      texts << list_->model()->index(row, column).data().toString();
+    return texts;
+  }
+  void SelectName(const QString& name) {
+    list_->setCurrentIndex(list_->model()->index(static_cast<int>(Column(0).indexOf(name)), 0));
+  }
+  void Rename(const QString& to) {
+    Press(*manager_, "renameButton");
+    auto* editor = list_->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, to);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTest::qWait(10);
+  }
+
+  MelodySound sound_{{"Orgel"},
+                     [this](const std::string&) -> Result<std::unique_ptr<MidiOutput>> {
+                       if (!opens_) return Failure(Outcome::TargetFailed);
+                       return std::make_unique<FakeOutput>(messages_, mostMessages_);
+                     },
+                     nullptr};
+  std::unique_ptr<ManageMelodiesDialog> manager_;
+  QTreeView* list_ = nullptr;
+};
+
+TEST_F(ManageTest, SortsByBothColumnsInBothDirections) {
+  OpenManager();
+  EXPECT_EQ(host_.prompts.last(), QtText(TextId::ManageMelodiesPrompt));
+  EXPECT_EQ(Column(0), QStringList({"Amsel", "bass", "Drossel"})) << "without regard to case";
+  EXPECT_EQ(Column(1), QStringList({"5", "2", "5"}));
+  const auto click = [&](int section) {
+    auto* header = list_->header();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(section) + 5, header->height() / 2));
+  };
+  click(0);
+  EXPECT_EQ(Column(0), QStringList({"Drossel", "bass", "Amsel"}));
+  click(1);
+  EXPECT_EQ(Column(1).first(), "2");
+  click(1);
+  EXPECT_EQ(Column(1).last(), "2");
+}
+
+TEST_F(ManageTest, RenamesInPlaceAndAsksBeforeItReplaces) {
+  OpenManager();
+  SelectName("bass");
+  Rename("Zeisig");
+  EXPECT_EQ(Column(0), QStringList({"Amsel", "Drossel", "Zeisig"}));
+  EXPECT_EQ(list_->currentIndex().siblingAtColumn(0).data().toString(), "Zeisig");
+  {
+    NextMessage no(QMessageBox::No);
+    Rename("Amsel");
+    EXPECT_EQ(no.Text(), QtText(TextId::MelodyTitleExists));
+  }
+  EXPECT_EQ(Column(0).size(), 3);
+  NextMessage yes(QMessageBox::Yes);
+  Rename("Amsel");
+  EXPECT_EQ(Column(0), QStringList({"Amsel", "Drossel"}));
+  EXPECT_THAT(store_.Load("Amsel").value(), ElementsAre(Note(10048), Note(50)));
+}
+
+TEST_F(ManageTest, DeletesLoadsAndShowsAnEmptyStore) {
+  OpenManager();
+  SelectName("bass");
+  {
+    NextMessage yes(QMessageBox::Yes);
+    Press(*manager_, "loadButton");
+    EXPECT_EQ(yes.Text(), QtText(TextId::AskReplaceMelody));
+  }
+  EXPECT_TRUE(manager_->Loaded());
+  EXPECT_EQ(manager_->Melody().name, "bass");
+  EXPECT_EQ(manager_->Melody().clef, Clef::Bass);
+  {
+    NextMessage no(QMessageBox::No);
+    Press(*manager_, "deleteButton");
+    EXPECT_EQ(no.Text(), QtText(TextId::AskDeleteMelody));
+    EXPECT_EQ(Column(0).size(), 3);
+  }
+  for (int left = 3; left > 0; --left) {
+    NextMessage yes(QMessageBox::Yes);
+    Press(*manager_, "deleteButton");
+  }
+  EXPECT_EQ(Column(0), QStringList(QtText(TextId::NoMelodyFound)));
+  for (const char* button : {"renameButton", "deleteButton", "loadButton", "playButton"})
+    EXPECT_FALSE(Child<QWidget>(*manager_, button).isEnabled()) << button;
+}
+
+TEST_F(ManageTest, PlaysAndStops) {
+  OpenManager();
+  SelectName("Amsel");
+  auto& play = Child<QAbstractButton>(*manager_, "playButton");
+  play.click();
+  EXPECT_EQ(play.text(), QtText(TextId::ManageStop));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return play.text() == QtText(TextId::ManagePlay); }));
+  opens_ = false;
+  NextMessage message;
+  play.click();
+  EXPECT_EQ(message.Text(), QtText(TextId::StoredMelodyNotPlayed));
+}
+
+// --- reading and printing results
+
+SearchResults Results(int hits, SearchKind kind = SearchKind::Midi) {
+  SearchResults results;
+  SearchRecord record;
+  record.kind = kind;
+  record.melodyName = "Amsel";
+  results.Begin(record, OldSearchResults::Delete, {});
+  for (int i = 0; i < hits; ++i) {
+    SearchHit hit;
+    hit.file = "/home/clara/Musik/Lied " + std::to_string(i / 3) + ".mid";
+    hit.track = i % 4;
+    hit.bar = i;
+    hit.time = kind == SearchKind::Midi ? i * 1000 : i % 4;
+    (void)results.Add(hit);
+  }
+  record.statistics = {7, 2, static_cast<std::uint64_t>(hits)};
+  results.End(record);
+  return results;
+}
+
+class PrintingTest : public testing::Test {
+ protected:
+  [[nodiscard]] static int PagesOf(const std::string& pdf) {
+    const std::string text = test::Content(pdf);
+    int pages = 0;
+    for (std::size_t at = 0; (at = text.find("/Type /Page\n", at)) != std::string::npos; ++at) ++pages;
+    return pages;
+  }
+  test::TemporaryDirectory directory_;
+  const PrintSetup setup_ = DefaultPrintSetup(QtText(TextId::PdfPrinter));
+  RecordingHost host_;
+};
+
+TEST_F(PrintingTest, PagesHoldAllHitsAndTheFootStaysTogether) {
+  const std::string pdf = directory_.File("a.pdf");
+  int perPage = 0;
+  // Counts pages for more and more hits: one page, then exactly one more whenever it must be.
+  int before = 1;
+  for (int hits = 0; hits < 130; ++hits) {
+    const SearchResults results = Results(hits);
+    int announced = 0;
+    PrintJob job;
+    int last = 0;
+    job.proceed = [&](int page, int pages) {
+      announced = pages;
+      last = page;
+      return true;
+    };
+    const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& j) {
+      return PrintResults(results, false, device, j);
+    };
+    ASSERT_EQ(PrintWith(setup_, pdf, drawing, job), Printed::Done);
+    const int pages = PagesOf(pdf);
+    ASSERT_EQ(pages, announced) << hits;
+    ASSERT_EQ(last, announced) << hits;
+    ASSERT_TRUE(pages == before || pages == before + 1) << hits;
+    if (pages == 2 && perPage == 0) perPage = hits;
+    before = pages;
+  }
+  EXPECT_GT(perPage, 20);
+  EXPECT_GE(before, 3);
+}
+
+TEST_F(PrintingTest, AnAbortAndAFailureLeaveNothing) {
+  const SearchResults results = Results(500, SearchKind::Score);
+  const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& job) {
+    return PrintResults(results, true, device, job);
+  };
+  PrintJob job;
+  job.proceed = [](int page, int) { return page < 3; };
+  EXPECT_EQ(PrintWith(setup_, directory_.File("a.pdf"), drawing, job), Printed::Aborted);
+  EXPECT_EQ(PrintWith(setup_, directory_.File("fehlt/a.pdf"), drawing, {}), Printed::Failed);
+  EXPECT_EQ(test::Listing(directory_.Path()), "");
+  PrintSetup noPrinter = setup_;
+  noPrinter.printer = "Gibt es nicht";
+  EXPECT_EQ(PrintWith(noPrinter, {}, drawing, {}), Printed::Failed);
+}
+
+TEST_F(PrintingTest, ResultFilesPrintAsTheyStand) {
+  const SearchResults results = Results(200);
+  const QString text = ToQt(results.AsResultText());
+  const std::string pdf = directory_.File("a.pdf");
+  const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& job) {
+    return PrintResultText("Suchergebnisse001.txt", text, device, job);
+  };
+  EXPECT_EQ(PrintWith(setup_, pdf, drawing, {}), Printed::Done);
+  EXPECT_GE(PagesOf(pdf), 3);
+}
+
+TEST_F(PrintingTest, TheSetupKeepsWhatIsChosenAndRefusesImpossibleMargins) {
+  PrintSetupDialog dialog({"Büro", "PDF-Datei"}, setup_, host_, nullptr);
+  dialog.show();
+  EXPECT_EQ(Child<QComboBox>(dialog, "printerBox").currentText(), "PDF-Datei");
+  Child<QComboBox>(dialog, "printerBox").setCurrentText("Büro");
+  Child<QComboBox>(dialog, "paperBox").setCurrentIndex(2);  // A5
+  Child<QRadioButton>(dialog, "landscapeRadio").click();
+  Child<QSpinBox>(dialog, "topBox").setValue(100);
+  {
+    NextMessage message;
+    Press(dialog, "okButton");
+    EXPECT_EQ(message.Text(), QtText(TextId::MarginsTooLarge));
+    EXPECT_TRUE(dialog.isVisible());
+  }
+  Child<QSpinBox>(dialog, "topBox").setValue(30);
+  Press(dialog, "okButton");
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
+  const PrintSetup chosen = dialog.Setup();
+  EXPECT_EQ(chosen.printer, "Büro");
+  EXPECT_EQ(chosen.layout.pageSize().id(), QPageSize::A5);
+  EXPECT_EQ(chosen.layout.orientation(), QPageLayout::Landscape);
+  EXPECT_NEAR(chosen.layout.margins(QPageLayout::Millimeter).top(), 30, 0.1);
+}
+
+TEST_F(PrintingTest, ThePreviewShowsThePagesUpToItsLimit) {
+  const SearchResults results = Results(20'000);
+  PrintPreviewDialog dialog(
+      setup_.layout,
+      [&](QPagedPaintDevice& device, const PrintJob& job) {
+        return PrintResults(results, false, device, job);
+      },
+      host_, nullptr);
+  dialog.show();
+  auto& preview = Child<QPrintPreviewWidget>(dialog, "preview");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return preview.pageCount() > 1; }));
+  EXPECT_EQ(preview.pageCount(), PrintPreviewDialog::kMostPages);
+  EXPECT_THAT(Child<QLabel>(dialog, "pageLabel").text().toStdString(), HasSubstr("Seite 1 von "));
+  EXPECT_THAT(Child<QLabel>(dialog, "pageLabel").text().toStdString(), HasSubstr("die ersten 200 Seiten"));
+  Press(dialog, "nextButton");
+  EXPECT_EQ(preview.currentPage(), 2);
+  Press(dialog, "lastButton");
+  EXPECT_EQ(preview.currentPage(), 200);
+  EXPECT_FALSE(Child<QWidget>(dialog, "nextButton").isEnabled());
+  Press(dialog, "printButton");
+  EXPECT_EQ(dialog.result(), QDialog::Accepted);
+}
+
+TEST_F(PrintingTest, TheAbortDialogEndsAPrinting) {
+  PrintAbortDialog dialog(nullptr);
+  EXPECT_EQ(dialog.windowTitle(), QtText(TextId::PrintAbortTitle));
+  EXPECT_TRUE(dialog.Proceed(1, 100));
+  EXPECT_FALSE(dialog.isVisible()) << "not for a glance";
+  EXPECT_TRUE(dialog.Proceed(30, 100));
+  EXPECT_TRUE(dialog.isVisible());
+  Press(dialog, "cancelButton");
+  EXPECT_FALSE(dialog.Proceed(31, 100));
+}
+
+TEST_F(PrintingTest, TheViewerShowsTheListOrAResultFile) {
+  const SearchResults results = Results(4);
+  ResultsPrinting printing({}, host_);
+  const std::string file =
+      directory_.Write("erg.txt", Windows1252FromUtf8(Results(2).AsResultText() + "Anhang"));
+  const std::string wrong = directory_.Write("lied.txt", std::string(200, '='));
+  ResultViewerDialog dialog(results, false, {}, printing, host_, nullptr);
+  dialog.show();
+  auto& text = Child<QPlainTextEdit>(dialog, "textView");
+  auto& name = Child<QLineEdit>(dialog, "fileEdit");
+  EXPECT_EQ(name.maxLength(), 516);
+  EXPECT_TRUE(Child<QRadioButton>(dialog, "screenRadio").isChecked());
+  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("4 Melodie(n) gefunden"));
+  EXPECT_EQ(text.font().pixelSize(), 12);
+  EXPECT_FALSE(Child<QWidget>(dialog, "loadButton").isEnabled());
+
+  const std::pair<std::string, TextId> failures[] = {
+      {wrong, TextId::NotAResultFile}, {directory_.File("fehlt.txt"), TextId::RemarkSourceFailed}};
+  for (const auto& [path, message] : failures) {
+    name.setText(ToQt(path));
+    EXPECT_TRUE(Child<QWidget>(dialog, "loadButton").isEnabled());
+    NextMessage box;
+    Press(dialog, "loadButton");
+    EXPECT_EQ(box.Text(), QtText(message));
+    EXPECT_EQ(dialog.LastFile(), "") << "a failure is not remembered";
+  }
+  name.setText(ToQt(file));
+  Press(dialog, "loadButton");
+  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("2 Melodie(n) gefunden"));
+  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("Anhang")) << "the whole file";
+  EXPECT_EQ(dialog.LastFile(), file);
+  Child<QRadioButton>(dialog, "screenRadio").click();
+  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("4 Melodie(n) gefunden"));
+
+  const SearchResults none;
+  ResultViewerDialog empty(none, false, file, printing, host_, nullptr);
+  empty.show();
+  EXPECT_FALSE(Child<QWidget>(empty, "screenRadio").isEnabled());
+  EXPECT_FALSE(Child<QWidget>(empty, "printButton").isEnabled());
+  EXPECT_EQ(Child<QLineEdit>(empty, "fileEdit").text(), ToQt(file)) << "the last file is offered";
+}
+
+}  // namespace
+}  // namespace ts5

@@ -1,0 +1,408 @@
+// Melody searches in the real window: from the keys of the note editor to hits that are read, heard, copied,
+// printed, written to a file and shown in another program.
+#include <gmock/gmock.h>
+
+#include <QClipboard>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QToolButton>
+#include <thread>
+
+#include "dialogs_support.h"
+#include "midi/midi_sequence.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/registry.h"
+#include "platform/sibling_link.h"
+#include "search/melody_store.h"
+#include "search/search_parameters.h"
+#include "search/ui/note_editor_panel.h"
+#include "search/ui/staff_view.h"
+#include "support/matchers.h"
+#include "workbench_support.h"
+
+namespace ts5 {
+namespace {
+
+using testing::HasSubstr;
+
+// The click opens a dialog over the one that the script is in.
+void ClickSoon(QAbstractButton* button) {
+  QTimer::singleShot(0, button, &QAbstractButton::click);
+}
+
+class SearchStory : public WorkbenchTest {
+ protected:
+  SearchStory() {
+    capture_ = directory_.File("gehört.mid");
+    options_.devices->midiOutputs = {"capture:" + capture_};
+    for (const char* name : {"mutopia_maple-leaf-rag.mid", "mutopia_satie-gymnopedie-no1.mid",
+                             "made_gymnopedie.rmi", "made_gymnopedie.rdl", "freedoom_d_e2m7.mid"}) {
+      sources_.push_back(directory_.Write(name, test::Content(test::DataPath(std::string("midi/") + name))));
+    }
+    sources_.push_back(directory_.Write("kaputt.mid", "kein Midi"));
+  }
+
+  // A workbench with the files in its list, and the search for "cde" in any key and rhythm on the screen.
+  void BeginSearch(const char* keys = "cde") {
+    Start();
+    ToListMode();
+    Drop(sources_);
+    ASSERT_EQ(ActiveJob().files.Size(), sources_.size());
+    script_.Expect([keys](QDialog& dialog) {
+      auto* staff = dialog.findChild<StaffView*>();
+      ASSERT_NE(staff, nullptr) << dialog.metaObject()->className();
+      QTest::keyClicks(staff, QLatin1String(keys));
+      Child<QTabWidget>(dialog, "tabs").setCurrentIndex(1);
+      Child<QRadioButton>(dialog, "rhythmAnyRadio").click();
+      Child<QRadioButton>(dialog, "pitchRelativeRadio").click();
+      ts5::Press(dialog, "okButton");
+    });
+    W().Filters().TileOf(FilterId::MidiSearch)->click();
+    ASSERT_EQ(ActiveJob().filter, FilterId::MidiSearch);
+    W().Target().ScreenChoice()->click();
+  }
+  void ExpectResults(std::string* texts = nullptr) {
+    script_.Expect([texts](QDialog& dialog) {
+      ASSERT_TRUE(dialog.inherits("ts5::ResultsDialog")) << dialog.metaObject()->className();
+      if (texts != nullptr) {
+        for (const auto* field : dialog.findChildren<QLineEdit*>())
+          *texts += field->text().toStdString() + " ";
+      }
+      dialog.accept();
+    });
+  }
+  void Search(std::string* texts = nullptr) {
+    ExpectResults(texts);
+    W().Trigger(CommandId::Run);
+    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }, 30'000));
+  }
+  [[nodiscard]] RunPanel& Panel() { return W().PanelOf(ActiveJob()); }
+  [[nodiscard]] HitView& Hits() { return *Panel().Hitlist(); }
+  [[nodiscard]] QString Cell(int row, int column) {
+    return Panel().Hits().index(row, column).data().toString();
+  }
+  [[nodiscard]] bool Enabled(CommandId command) { return W().Actions().Action(command)->isEnabled(); }
+  void SelectHit(int row) {
+    Hits().setFocus();
+    Hits().setCurrentIndex(Panel().Hits().index(row, 0));
+  }
+  // Answers the print setup and the file dialog behind it.
+  void ExpectPrinting(const std::string& pdf) {
+    script_.Expect([](QDialog& dialog) {
+      ASSERT_TRUE(dialog.inherits("ts5::PrintSetupDialog")) << dialog.metaObject()->className();
+      Child<QComboBox>(dialog, "printerBox").setCurrentText("PDF-Datei");
+      ts5::Press(dialog, "okButton");
+    });
+    script_.Expect([pdf](QDialog& dialog) {
+      ASSERT_NE(qobject_cast<QFileDialog*>(&dialog), nullptr);
+      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(ToQt(pdf));
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+  }
+
+  std::string capture_;
+  std::vector<std::string> sources_;
+};
+
+TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
+  Start();
+  ToListMode();
+  Drop(sources_);
+  // Typed, saved under a name, and taken with OK.
+  script_.Expect([](QDialog& dialog) {
+    QTest::keyClicks(dialog.findChild<StaffView*>(), "8cde");
+    for (auto* button : dialog.findChildren<QToolButton*>()) {
+      if (button->toolTip() == QtText(TextId::SaveMelodyTitle)) ClickSoon(button);
+    }
+  });
+  script_.Expect([](QDialog& dialog) {
+    Child<QLineEdit>(dialog, "nameEdit").setText(QStringLiteral("Drei Töne"));
+    ts5::Press(dialog, "okButton");
+  });
+  script_.Expect([](QDialog& dialog) {
+    Child<QTabWidget>(dialog, "tabs").setCurrentIndex(1);
+    Child<QRadioButton>(dialog, "rhythmAnyRadio").click();
+    Child<QRadioButton>(dialog, "pitchRelativeRadio").click();
+    ts5::Press(dialog, "okButton");
+  });
+  W().Filters().TileOf(FilterId::MidiSearch)->click();
+  MelodyStore store(application_->GetRegistry());
+  EXPECT_THAT(store.Load("Drei Töne"), test::IsOk());
+  W().Target().ScreenChoice()->click();
+  EXPECT_FALSE(Enabled(CommandId::PrintSearchResults));
+  EXPECT_FALSE(Enabled(CommandId::PlayHit));
+
+  std::string counts;
+  Search(&counts);
+  const auto rows = static_cast<int>(Panel().Results().Size());
+  ASSERT_GT(rows, 10);
+  EXPECT_EQ(Panel().Hits().rowCount(), rows);
+  EXPECT_THAT(counts, HasSubstr("6 " + std::to_string(rows) + " 1 "));
+  const SearchHit first = Panel().Results().Hit(0);
+  EXPECT_EQ(Cell(0, 0).toStdString(), std::string(FileNameOf(first.file)));
+  EXPECT_EQ(Cell(0, 1).toInt(), first.track + 1);
+  EXPECT_EQ(Cell(0, 2).toInt(), first.bar + 1);
+  EXPECT_EQ(Panel().Results().Record().statistics.unsuitable, 1U);
+
+  // Printed.
+  const std::string pdf = directory_.File("ergebnisse.pdf");
+  ExpectPrinting(pdf);
+  Press(Qt::Key_P, Qt::ControlModifier);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  EXPECT_THAT(test::Content(pdf), HasSubstr("%PDF"));
+
+  // Heard: the device records the passage.
+  SelectHit(0);
+  Press(Qt::Key_F9);
+  EXPECT_THAT(W().StatusText().toStdString(), HasSubstr("ab Takt"));
+  ASSERT_TRUE(WaitFor([&] { return FileExists(capture_); }, 30'000));
+  ASSERT_TRUE(WaitFor([&] { return W().StatusText() == QtText(TextId::StatusReady); }));
+  const auto heard = MidiSequence::FromFile(*ReadFile(capture_));
+  ASSERT_THAT(heard, test::IsOk());
+  EXPECT_TRUE(std::ranges::any_of(heard->Messages(), &SequenceMessage::IsNoteOn));
+
+  // Copied.
+  Hits().setFocus();
+  Hits().selectionModel()->select(QItemSelection(Panel().Hits().index(0, 0), Panel().Hits().index(2, 3)),
+                                  QItemSelectionModel::ClearAndSelect);
+  QTest::keyClick(&Hits(), Qt::Key_C, Qt::ControlModifier);
+  const QStringList lines = QApplication::clipboard()->text().split('\n', Qt::SkipEmptyParts);
+  ASSERT_EQ(lines.size(), 3);
+  EXPECT_EQ(lines[1], QStringList({Cell(1, 0), Cell(1, 1), Cell(1, 2), Cell(1, 3)}).join('\t'));
+}
+
+TEST_F(SearchStory, AResultFileIsWrittenAndReadInTheViewer) {
+  BeginSearch();
+  const std::string target = directory_.File("Suchergebnisse.txt");
+  W().Target().FileChoice()->click();
+  Search();
+  ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  const std::string written = ActiveJob().destinationName;
+  ASSERT_TRUE(FileExists(written)) << written;
+  EXPECT_EQ(Panel().Results().Size(), 0U) << "nothing on the screen";
+
+  const std::string pdf = directory_.File("datei.pdf");
+  for (const bool again : {false, true}) {
+    script_.Expect([&](QDialog& dialog) {
+      auto& name = Child<QLineEdit>(dialog, "fileEdit");
+      EXPECT_EQ(name.text(), again ? ToQt(written) : QString()) << "the last file is remembered";
+      name.setText(ToQt(written));
+      ts5::Press(dialog, "loadButton");
+      EXPECT_THAT(Child<QPlainTextEdit>(dialog, "textView").toPlainText().toStdString(),
+                  HasSubstr("mutopia_maple-leaf-rag.mid"));
+      if (again) {
+        ClickSoon(&Child<QAbstractButton>(dialog, "printButton"));
+      } else {
+        ts5::Press(dialog, "closeButton");
+      }
+    });
+    if (again) {
+      ExpectPrinting(pdf);
+      script_.Expect([](QDialog& dialog) { ts5::Press(dialog, "closeButton"); });
+    }
+    W().Trigger(CommandId::SearchResults);
+    ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  }
+  EXPECT_THAT(test::Content(pdf), HasSubstr("%PDF"));
+}
+
+TEST_F(SearchStory, OldResultsGoAsTheSettingSays) {
+  BeginSearch();
+  Search();
+  const std::size_t once = Panel().Results().Size();
+  ASSERT_GT(once, 0U);
+  Search();
+  EXPECT_EQ(Panel().Results().Size(), once) << "cleared before";
+  application_->GetSettings().oldSearchResults = OldSearchResults::Extend;
+  Search();
+  EXPECT_EQ(Panel().Results().Size(), 2 * once);
+  application_->GetSettings().oldSearchResults = OldSearchResults::Ask;
+  script_.ExpectBox(QMessageBox::No);
+  Search();
+  EXPECT_EQ(script_.LastText(), QtText(TextId::AskClearResults));
+  EXPECT_EQ(Panel().Results().Size(), 3 * once);
+  script_.ExpectBox(QMessageBox::Yes);
+  Search();
+  EXPECT_EQ(Panel().Results().Size(), once);
+  EXPECT_EQ(Panel().Hits().rowCount(), static_cast<int>(once));
+
+  // A search that cannot begin asks nothing and clears nothing.
+  static_cast<SearchParameters&>(*ActiveJob().parameters).melody.elements.clear();
+  script_.ExpectBox(QMessageBox::Ok);
+  W().Trigger(CommandId::Run);
+  EXPECT_EQ(script_.LastText(), QtText(TextId::MelodyMissing));
+  EXPECT_EQ(Panel().Results().Size(), once);
+}
+
+TEST_F(SearchStory, AnotherFilterLeavesTheResults) {
+  BeginSearch();
+  Search();
+  const std::size_t hits = Panel().Results().Size();
+  Select({0});
+  ChooseConverter();
+  EXPECT_FALSE(Hits().isVisible());
+  EXPECT_TRUE(Enabled(CommandId::PrintSearchResults));
+  EXPECT_FALSE(Enabled(CommandId::PlayHit));
+  script_.Expect([](QDialog& dialog) { dialog.accept(); });
+  W().Filters().TileOf(FilterId::MidiSearch)->click();
+  EXPECT_TRUE(Hits().isVisible());
+  EXPECT_EQ(Panel().Results().Size(), hits);
+}
+
+TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
+  BeginSearch();
+  Search();
+  SelectHit(0);
+  ASSERT_TRUE(Enabled(CommandId::PlayHit));
+  // Stopped by Esc.
+  W().Trigger(CommandId::PlayHit);
+  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::StopHit));
+  Press(Qt::Key_Escape);
+  EXPECT_EQ(W().StatusText(), QtText(TextId::StatusReady));
+  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::PlayHit));
+
+  // A file that has gone.
+  const std::string file = Panel().Results().Hit(0).file;
+  const std::string content = test::Content(file);
+  (void)RemoveFile(file);
+  script_.ExpectBox(QMessageBox::Ok);
+  W().Trigger(CommandId::PlayHit);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  EXPECT_EQ(script_.LastText(), QtText(TextId::HitNotInFile));
+  (void)directory_.Write(std::string(FileNameOf(file)), content);
+
+  // A device that cannot be opened.
+  (void)RemoveFile(capture_);
+  ASSERT_TRUE(Succeeded(MakeDirectories(capture_)));
+  script_.ExpectBox(QMessageBox::Ok);
+  W().Trigger(CommandId::PlayHit);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+  EXPECT_THAT(script_.LastText(),
+              testing::AnyOf(QtText(TextId::HitDeviceFailed), QtText(TextId::MidiDeviceGone)));
+}
+
+TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
+  qputenv("XDG_RUNTIME_DIR", directory_.Path().c_str());
+  {
+    auto registry = Registry::Open(options_.registryPath);
+    ASSERT_THAT(registry, test::IsOk());
+    const std::string key = R"(HKEY_LOCAL_MACHINE\software\qlw\Rondelis)";
+    RegistryValues version;
+    version.SetText("Current Version", "3.0");
+    RegistryValues program;
+    program.SetText("WndClass", "RondelisWindow");
+    program.SetText("InstallDir", directory_.Path());
+    ASSERT_TRUE(Succeeded(registry->Write(key, version)));
+    ASSERT_TRUE(Succeeded(registry->Write(key + R"(\3.0)", program)));
+    (void)directory_.Write("rondel30.exe", "");
+  }
+  BeginSearch();
+  Search();
+  ASSERT_GT(Panel().Results().Size(), 3U);
+  SelectHit(3);
+  const SearchHit hit = Panel().Results().Hit(3);
+
+  auto receiver = SiblingReceiver::Listen("RondelisWindow");
+  ASSERT_THAT(receiver, test::IsOk());
+  std::vector<SiblingMessage> received;
+  std::jthread reader([&] {
+    for (int i = 0; i < 2; ++i) {
+      if (auto message = receiver->Receive()) received.push_back(std::move(*message));
+    }
+  });
+  // The context menu, by the key for it.
+  QStringList entries;
+  QTimer menuTimer;
+  QObject::connect(&menuTimer, &QTimer::timeout, [&] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (menu == nullptr) return;
+    menuTimer.stop();
+    for (const QAction* action : menu->actions()) entries << action->text().section('\t', 0, 0);
+    QAction* show = menu->actions().constFirst();
+    menu->close();
+    show->trigger();
+  });
+  menuTimer.start(5);
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5), Hits().mapToGlobal(QPoint(5, 5)));
+  QApplication::sendEvent(&Hits(), &event);
+  EXPECT_EQ(entries,
+            QStringList({"In &Rondelis aufsuchen", "Fundstelle &vorspielen", "Suchergebnisse &kopieren", "",
+                         "Suchergebnisse &drucken", "&Suchergebnisse..."}));
+  reader.join();
+  ASSERT_EQ(received.size(), 2U);
+  EXPECT_EQ(received[0].id, 0xD7E10001U);
+  EXPECT_EQ(received[0].data, Bytes(hit.file.c_str(), hit.file.c_str() + hit.file.size() + 1));
+  EXPECT_EQ(received[1].id, 0xD7E20002U);
+  ByteReader place(received[1].data);
+  EXPECT_EQ(place.U32Le(), static_cast<std::uint32_t>(hit.bar));
+  EXPECT_EQ(place.U32Le(), static_cast<std::uint32_t>(hit.track));
+  EXPECT_TRUE(WaitFor([&] { return Enabled(CommandId::ShowSearchResult); })) << "for the next hit";
+}
+
+// A search that brings so many hits, as fast as they can come.
+TEST_F(SearchStory, AMillionHitsAppearWhileTheWindowStaysAlive) {
+  constexpr int kHits = 1'000'000;
+  const auto sent = std::make_shared<std::atomic<bool>>(false);
+  fake_ = *FindModule(FilterId::MidiSearch);
+  fake_.run = [sent](ts5::Run& run) {
+    SearchHit hit;
+    for (int i = 0; i < kHits && !run.Cancelled(); ++i) {
+      if (i % 1000 == 0) hit.file = "/musik/Lied " + std::to_string(i / 1000) + ".mid";
+      hit.bar = i;
+      hit.time = i;
+      if (Failed(run.Hit(hit))) break;
+    }
+    run.Result().lines[1].count = kHits;
+    *sent = true;
+  };
+  options_.modules = [this](FilterId filter) {
+    return filter == FilterId::MidiSearch ? &fake_ : FindModule(filter);
+  };
+  BeginSearch();
+  ExpectResults();
+  QElapsedTimer time;
+  time.start();
+  W().Trigger(CommandId::Run);
+  // The longest time in which the window does not answer.
+  qint64 longest = 0;
+  qint64 firstRow = -1;
+  QElapsedTimer pause;
+  pause.start();
+  while (!(script_.Done() && ActiveJob().State() == RunState::Idle) && time.elapsed() < 60'000) {
+    pause.restart();
+    QApplication::processEvents(QEventLoop::AllEvents, 5);
+    longest = std::max(longest, pause.elapsed());
+    if (firstRow < 0 && Panel().Hits().rowCount() > 0) firstRow = time.elapsed();
+  }
+  EXPECT_TRUE(*sent);
+  EXPECT_EQ(Panel().Hits().rowCount(), kHits);
+  EXPECT_LT(firstRow, 1000);
+  EXPECT_LT(longest, 3000);
+  RecordProperty("total_ms", static_cast<int>(time.elapsed()));
+  RecordProperty("longest_ms", static_cast<int>(longest));
+  RecordProperty("first_ms", static_cast<int>(firstRow));
+  // Going through the list and selecting all of it.
+  time.restart();
+  Hits().scrollToTop();
+  RecordProperty("top_ms", static_cast<int>(time.elapsed()));
+  Hits().scrollToBottom();
+  RecordProperty("bottom_ms", static_cast<int>(time.elapsed()));
+  SelectHit(kHits - 1);
+  QApplication::processEvents();
+  RecordProperty("select_ms", static_cast<int>(time.elapsed()));
+  EXPECT_EQ(Cell(kHits - 1, 2).toInt(), kHits);
+  Hits().selectAll();
+  EXPECT_EQ(Hits().SelectedHits().size(), static_cast<std::size_t>(kHits));
+  EXPECT_LT(time.elapsed(), 5000);
+}
+
+}  // namespace
+}  // namespace ts5
