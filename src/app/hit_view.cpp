@@ -44,11 +44,12 @@ HitView::HitView(HitModel& model, QWidget* parent) : QTreeView(parent), model_(m
 }
 
 std::vector<std::size_t> HitView::SelectedHits() const {
+  QItemSelection selection = selectionModel()->selection();
+  std::ranges::sort(selection, {}, [](const QItemSelectionRange& range) { return range.top(); });
   std::vector<std::size_t> hits;
-  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+  for (const QItemSelectionRange& range : selection) {
     for (int row = range.top(); row <= range.bottom(); ++row) hits.push_back(static_cast<std::size_t>(row));
   }
-  std::ranges::sort(hits);
   return hits;
 }
 

@@ -25,8 +25,9 @@ void SearchResults::Clear() {
 Outcome SearchResults::Add(const SearchHit& hit) {
   try {
     if (files_.empty() || files_.back() != hit.file) files_.push_back(hit.file);
-    rows_.push_back({hit, files_.size() - 1});
-    rows_.back().hit.file = {};
+    rows_.push_back({{hit.firstSystem, hit.lastSystem, hit.firstObject, hit.lastObject, hit.verticalPosition,
+                      hit.track, hit.voice, hit.bar, hit.time},
+                     static_cast<std::uint32_t>(files_.size() - 1)});
   } catch (const std::bad_alloc&) {
     return Outcome::OutOfMemory;
   }
@@ -34,9 +35,11 @@ Outcome SearchResults::Add(const SearchHit& hit) {
 }
 
 SearchHit SearchResults::Hit(std::size_t index) const {
-  SearchHit hit = rows_[index].hit;
-  hit.file = files_[rows_[index].file];
-  return hit;
+  const Row& row = rows_[index];
+  const auto& [firstSystem, lastSystem, firstObject, lastObject, position, track, voice, bar, time] =
+      row.numbers;
+  return {files_[row.file], firstSystem, lastSystem, firstObject, lastObject,
+          position,         track,       voice,      bar,         time};
 }
 
 HitRow SearchResults::Columns(std::size_t index, bool wholePath) const {
