@@ -39,6 +39,7 @@ HitView::HitView(HitModel& model, QWidget* parent) : QTreeView(parent), model_(m
   header()->setStretchLastSection(false);
   header()->setSectionsMovable(false);
   header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  connect(this, &QTreeView::doubleClicked, this, &HitView::PlayWanted);
   for (int column = 1; column < model_.columnCount(); ++column)
     header()->resizeSection(column, kNumberColumn);
 }
@@ -65,6 +66,9 @@ std::optional<std::size_t> HitView::CurrentHit() const {
 void HitView::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) {
     emit CopyWanted();
+  } else if (event->modifiers() == Qt::NoModifier &&
+             (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+    emit PlayWanted();
   } else {
     QTreeView::keyPressEvent(event);
   }
@@ -98,19 +102,19 @@ void HitView::ShowTip(const QPoint& position, const QPoint& globalPosition) {
   }
   const SearchResults& results = model_.Results();
   const SearchHit hit = results.Hit(static_cast<std::size_t>(index.row()));
-  const QString file = ToQt(hit.file).toHtmlEscaped();
+  const QString file = QStringLiteral("<p>%1</p>").arg(ToQt(hit.file).toHtmlEscaped());
   QToolTip::showText(globalPosition, file, viewport());
   if (results.Record().kind != SearchKind::Midi) return;
-  worker_.Start([this, hit, file, globalPosition,
-                 notes = results.Record().notes]() -> BackgroundWorker::Done {
-    const auto playable = LoadPlayableHit(hit, notes);
-    if (!playable) return {};
-    const QString tip = file + QStringLiteral("<br>") + ToQt(MapTimeText(playable->onset)).toHtmlEscaped();
-    return [this, file, tip, globalPosition] {
-      if (QToolTip::isVisible() && QToolTip::text() == file)
-        QToolTip::showText(globalPosition, tip, viewport());
-    };
-  });
+  worker_.Start(
+      [this, hit, file, globalPosition, notes = results.Record().notes]() -> BackgroundWorker::Done {
+        const auto playable = LoadPlayableHit(hit, notes);
+        if (!playable) return {};
+        const QString tip = file + ToQt(MapTimeText(playable->onset)).toHtmlEscaped();
+        return [this, file, tip, globalPosition] {
+          if (QToolTip::isVisible() && QToolTip::text() == file)
+            QToolTip::showText(globalPosition, tip, viewport());
+        };
+      });
 }
 
 }  // namespace ts5

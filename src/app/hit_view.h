@@ -25,6 +25,7 @@ class HitView : public QTreeView {
  signals:
   void SelectionChanged();
   void CopyWanted();
+  void PlayWanted();  // Enter or a double click
   void MenuWanted(const QPoint& globalPosition);
 
  protected:

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMessageBox>
 #include <utility>
@@ -26,7 +27,7 @@ SearchCommands::SearchCommands(MainWindow& window)
   window_.On(CommandId::PrintSearchResults, [this] { Print(); });
   window_.On(CommandId::CopyHits, [this] { Copy(); });
   window_.On(CommandId::PlayHit, [this] { TogglePlaying(); });
-  window_.On(CommandId::ShowSearchResult, [this] { ShowInApplication(); });
+  window_.On(CommandId::ShowSearchResult, [this] { ShowHitInApplication(); });
   // Esc stops the run, and a hit that sounds before it.
   window_.On(CommandId::StopByEscape,
              [this] { playing_ ? TogglePlaying() : window_.Trigger(CommandId::Stop); });
@@ -49,7 +50,7 @@ void SearchCommands::Attach(RunPanel& panel) {
   connect(view, &HitView::SelectionChanged, this, &SearchCommands::Refresh);
   connect(view, &HitView::CopyWanted, this, [this] { window_.Trigger(CommandId::CopyHits); });
   connect(view, &HitView::MenuWanted, this, &SearchCommands::ShowMenu);
-  connect(view, &QAbstractItemView::activated, this, [this] {
+  connect(view, &HitView::PlayWanted, this, [this] {
     if (playing_) TogglePlaying();
     window_.Trigger(CommandId::PlayHit);
   });
@@ -105,9 +106,10 @@ void SearchCommands::ShowResults() {
   Settings& settings = window_.App().GetSettings();
   ResultViewerDialog dialog(Panel().Results(), settings.searchWholePath, window_.App().lastResultFile,
                             *printing_, window_, &window_);
-  if (const auto& place = settings.viewResultPosition) {
-    dialog.resize(place->right - place->left, place->bottom - place->top);
-    dialog.move(place->left, place->top);
+  if (const auto& stored = settings.viewResultPosition) {
+    const QRect place(QPoint(stored->left, stored->top), QPoint(stored->right - 1, stored->bottom - 1));
+    // A place on a screen that is no longer there is given up.
+    if (QGuiApplication::screenAt(place.center()) != nullptr) dialog.setGeometry(place);
   }
   dialog.exec();
   const QRect place = dialog.geometry();
@@ -183,7 +185,7 @@ void SearchCommands::PlayingEnded(int round, Outcome outcome) {
 
 // --- showing in the sibling programs
 
-void SearchCommands::ShowInApplication() {
+void SearchCommands::ShowHitInApplication() {
   const auto hit = Hit();
   if (!hit || (visit_ && !visit_->Ended())) return;
   visit_ = std::make_shared<SiblingVisit>(this, [this](std::optional<TextId> message) {

@@ -43,7 +43,7 @@ class SearchCommands : public QObject {
   void ShowMenu(const QPoint& position);
   void TogglePlaying();
   void PlayingEnded(int round, Outcome outcome);
-  void ShowInApplication();
+  void ShowHitInApplication();
   void Tell(TextId text);
 
   MainWindow& window_;

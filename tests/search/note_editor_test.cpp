@@ -164,6 +164,11 @@ TEST(NoteLayoutTest, ElementsStandInOrderAndDoNotOverlap) {
   EXPECT_EQ(places[3].flags, 3);
   EXPECT_EQ(places[3].accidental, Accidental::Sharp);
   EXPECT_FALSE(places[4].stemUp);
+  // Stems of notes far from the staff reach its middle line.
+  for (const auto& [pitch, length] : {std::pair{72, 3.5}, {60, 3.5}, {96, 7.5}, {48, 6.5}}) {
+    const std::vector<MelodyElement> note = {{static_cast<std::int16_t>(pitch), 240}};
+    EXPECT_EQ(LayOutNotes(note, Clef::Treble)[0].stemLength, length) << pitch;
+  }
   for (std::size_t i = 0; i <= elements.size(); ++i) EXPECT_EQ(PositionAt(elements, CursorX(elements, i)), i);
 }
 

@@ -7,12 +7,14 @@
 #include <QContextMenuEvent>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <QToolButton>
+#include <QToolTip>
 #include <thread>
 
 #include "dialogs_support.h"
@@ -168,6 +170,13 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   const auto heard = MidiSequence::FromFile(*ReadFile(capture_));
   ASSERT_THAT(heard, test::IsOk());
   EXPECT_TRUE(std::ranges::any_of(heard->Messages(), &SequenceMessage::IsNoteOn));
+
+  // Its tooltip: the whole name at once, the time by the tempo map as soon as it is known.
+  const QPoint place = Hits().visualRect(Panel().Hits().index(0, 0)).center();
+  QHelpEvent help(QEvent::ToolTip, place, Hits().viewport()->mapToGlobal(place));
+  QApplication::sendEvent(Hits().viewport(), &help);
+  EXPECT_TRUE(QToolTip::text().contains(ToQt(first.file)));
+  EXPECT_TRUE(WaitFor([] { return QToolTip::text().contains("Zeit mit allen Tempowechseln: 0"); }));
 
   // Copied.
   Hits().setFocus();

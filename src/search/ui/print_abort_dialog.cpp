@@ -24,7 +24,8 @@ bool PrintAbortDialog::Proceed(int page, int pages) {
   if (page > kPagesAtAGlance && !isVisible() && !aborted_) show();
   ui_->progressBar->setRange(0, pages);
   ui_->progressBar->setValue(page);
-  QCoreApplication::processEvents();
+  // Until it is there to keep the user from other windows, only what is drawn goes on.
+  QCoreApplication::processEvents(isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
   return !aborted_;
 }
 

@@ -126,8 +126,9 @@ Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintD
     page.Head(record, number);
     const int first = (number - 1) * perPage;
     const int count = std::clamp(rows - first, 0, perPage);
+    auto index = static_cast<std::size_t>(first);
     for (int line = 0; line < count; ++line) {
-      const SearchHit hit = results.Hit(static_cast<std::size_t>(first + line));
+      const SearchHit hit = results.Hit(index++);
       page.Row(line, PrintedHit(record.kind, hit, wholePaths));
     }
     if (number == pages) page.Footer(count, record);
