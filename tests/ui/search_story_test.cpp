@@ -92,6 +92,15 @@ class SearchStory : public WorkbenchTest {
     return Panel().Hits().index(row, column).data().toString();
   }
   [[nodiscard]] bool Enabled(CommandId command) { return W().Actions().Action(command)->isEnabled(); }
+  // A key for the window, once the dialogs before it are gone.
+  void PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    ASSERT_TRUE(WaitFor([&] {
+      if (QApplication::activeWindow() != &W()) QApplication::setActiveWindow(&W());
+      return W().Dialogs().Current() == nullptr && QApplication::activeWindow() == &W();
+    }));
+    QWidget* const focus = QApplication::focusWidget();
+    QTest::keyClick(focus != nullptr ? focus : &W(), key, modifiers);
+  }
   void SelectHit(int row) {
     Hits().setFocus();
     Hits().setCurrentIndex(Panel().Hits().index(row, 0));
@@ -157,13 +166,14 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   // Printed.
   const std::string pdf = directory_.File("ergebnisse.pdf");
   ExpectPrinting(pdf);
-  Press(Qt::Key_P, Qt::ControlModifier);
+  EXPECT_TRUE(Enabled(CommandId::PrintSearchResults));
+  PressKey(Qt::Key_P, Qt::ControlModifier);
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   EXPECT_THAT(test::Content(pdf), HasSubstr("%PDF"));
 
   // Heard: the device records the passage.
   SelectHit(0);
-  Press(Qt::Key_F9);
+  PressKey(Qt::Key_F9);
   EXPECT_THAT(W().StatusText().toStdString(), HasSubstr("ab Takt"));
   ASSERT_TRUE(WaitFor([&] { return FileExists(capture_); }, 30'000));
   ASSERT_TRUE(WaitFor([&] { return W().StatusText() == QtText(TextId::StatusReady); }));
@@ -274,7 +284,7 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   // Stopped by Esc.
   W().Trigger(CommandId::PlayHit);
   EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::StopHit));
-  Press(Qt::Key_Escape);
+  PressKey(Qt::Key_Escape);
   EXPECT_EQ(W().StatusText(), QtText(TextId::StatusReady));
   EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::PlayHit));
 
