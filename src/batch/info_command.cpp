@@ -53,7 +53,7 @@ void PrintRows(Console& console, const std::vector<PropertyRow>& rows) {
   for (const PropertyRow& row : rows) {
     // A value of several lines stays in its column.
     std::string label = row.label + ":";
-    for (const std::string_view line : Split(row.value, '\n')) {
+    for (const std::string_view line : Split(Trim(row.value), '\n')) {
       console.out << "  " << Padded(label, width + 2) << Trim(line) << '\n';
       label.clear();
     }
