@@ -1,6 +1,6 @@
 #!/bin/bash
 # Trouble in the real window: a list of 100,000 files, a run that is stopped, a window that is closed during a run, a
-# directory that vanishes while it is shown. Prints how long the long list takes.
+# directory that vanishes while it is shown, files beyond the allowed size. Prints how long the long list takes.
 #
 #   tests/desktop/trouble.sh PROGRAM [PICTURES]
 #
@@ -65,4 +65,31 @@ picture 5-vanished
 keys ctrl+Return Escape
 ! gone || fail "the program went with the directory"
 end_program
-echo "trouble: $converted of $count files converted before the stop; closed during a run; directory gone: all in order"
+# No file may be longer than 64 KiB: the long one fails, the short one does not, and the program lives.
+export STAVORA_REGISTRY=$work/small.sqlite
+mkdir "$HOME/Musik/Grenze"
+cp "$demo/Maple Leaf Rag.mid" "$HOME/Musik/Grenze/kurz.mid"
+python3 - "$HOME/Musik/Grenze/lang.mid" <<'PYTHON'
+import sys
+track = b"\0\xff\x01\x86\x8d\x20" + b"t" * 100000 + b"\0\xff\x2f\0"
+data = b"MThd\0\0\0\6\0\1\0\1\0\x60MTrk" + len(track).to_bytes(4, "big") + track
+open(sys.argv[1], "wb").write(data)
+PYTHON
+"$console" registry set 'Jobs\Job 0000' Filter 5
+"$console" registry set 'Jobs\Job 0000' SourcePath "$HOME/Musik/Grenze"
+"$console" registry set 'Jobs\Job 0000' SourceDrive 0
+ulimit -S -f 64
+start_program
+click 620 135
+keys shift+End
+sleep 0.5
+keys ctrl+Return
+window '^Ergebnisse der Midi-Konvertierung' >/dev/null || fail "no results under the limit"
+ulimit -S -f unlimited
+picture 6-limit
+[ -s "$HOME/Musik/Grenze/kurz.cnv.mid" ] || fail "the short file was not converted under the limit"
+[ ! -e "$HOME/Musik/Grenze/lang.cnv.mid" ] || fail "a file beyond the limit"
+keys Return
+end_program
+
+echo "trouble: $converted of $count files converted before the stop; closed during a run; directory gone; size limit: all in order"
