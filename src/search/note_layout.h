@@ -30,7 +30,8 @@ struct NotePlace {
   bool dotted = false;
   bool stem = true;  // whole notes and rests have none
   bool stemUp = true;
-  double stemLength = 3.5;  // in staff spaces, from the head; of notes far from the staff up to the middle line
+  double stemLength =
+      3.5;  // in staff spaces, from the head; of notes far from the staff up to the middle line
   std::vector<int> ledgerLines;  // staff places
 };
 

@@ -87,8 +87,8 @@ for y in $(seq 90 20 700); do
 done
 [ -n "$search" ] || fail "no tile opens the parameters of the melody search"
 
-# The melody, by its keys: a second up, a third down. Then its name, from the button before the last one.
-xdotool type --delay 120 '8g4.a.8f4g'
+# The melody, by its keys: three steps upwards. Then its name, from the button before the last one.
+xdotool type --delay 120 '8c4.d.8e'
 picture 1-melody
 keys shift+Tab shift+Tab space
 window '^Suchmelodie speichern' >/dev/null || fail "no dialog for the name"
@@ -99,7 +99,7 @@ gone '^Suchmelodie speichern' || fail "the melody was not saved"
 
 # Any rhythm, any key: the options by their mnemonics and arrows.
 xdotool windowfocus "$search" || true
-keys ctrl+Next
+keys ctrl+Tab
 sleep 0.3
 keys alt+r Down Down alt+t Down Down
 picture 3-options

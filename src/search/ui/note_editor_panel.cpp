@@ -79,10 +79,15 @@ void NoteEditorPanel::MakeToolbar() {
     buttons_.push_back({command.command, button});
   }
   row->addStretch(1);
-  // Tab goes through the buttons and then into the staff, as they stand.
-  for (std::size_t i = 1; i < buttons_.size(); ++i) setTabOrder(buttons_[i - 1].button, buttons_[i].button);
-  setTabOrder(buttons_.back().button, staff_);
   PaintIcons();
+}
+
+void NoteEditorPanel::PutTabStopsBehind(QWidget* widget) {
+  for (const Button& row : buttons_) {
+    setTabOrder(widget, row.button);
+    widget = row.button;
+  }
+  setTabOrder(widget, staff_);
 }
 
 void NoteEditorPanel::PaintIcons() {

@@ -29,6 +29,8 @@ class NoteEditorPanel : public QWidget {
   // Without a MIDI device there is nothing to play on.
   void SetCanPlay(bool can);
   void Execute(NoteCommand command);
+  // Tab goes from the widget through the buttons into the staff, as they stand.
+  void PutTabStopsBehind(QWidget* widget);
 
  signals:
   void PlayRequested();  // or stop, while it plays

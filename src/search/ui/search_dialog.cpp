@@ -32,6 +32,7 @@ SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyS
   ui_->setupUi(this);
   ConnectButtons();
   FillOptions();
+  ui_->notePanel->PutTabStopsBehind(ui_->tabs);
   ui_->notePanel->SetMelody(parameters_.melody);
   ui_->notePanel->SetCanPlay(sound_.Available());
   connect(ui_->notePanel, &NoteEditorPanel::PlayRequested, this, &SearchDialog::TogglePlaying);
