@@ -132,7 +132,7 @@ done
 
 # A hit is heard: the list is the last area, above the status bar.
 xdotool windowfocus "$main" || true
-xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT - 90)) click 1
+xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT - 68)) click 1
 sleep 0.3
 keys F9
 picture 7-playing
