@@ -4,6 +4,7 @@
 
 #include "app/filter_modules.h"
 #include "frame/settings_store.h"
+#include "platform/audio_in.h"
 #include "platform/audio_out.h"
 #include "platform/directories.h"
 #include "platform/files.h"
@@ -53,7 +54,10 @@ Application::Application(const StartOptions& options, const std::function<void(T
   announce_(TextId::StartAudioInputs);
   announce_(TextId::StartAudioOutputs);
   devices_ = options.devices.value_or(DeviceLists{});
-  if (!options.devices) devices_.audioOutputs = AudioOutputDevices();
+  if (!options.devices) {
+    devices_.audioInputs = AudioInputDevices();
+    devices_.audioOutputs = AudioOutputDevices();
+  }
   announce_(TextId::StartMidiDevices);
   if (!options.devices) devices_.midiOutputs = MidiOutputDevices();
   announce_(TextId::StartCodecs);

@@ -4,6 +4,7 @@
 
 #include "app/main_window.h"
 #include "app/parameter_windows.h"
+#include "app/playback_commands.h"
 #include "frame/filter_bar.h"
 #include "frame/ui/message_box.h"
 
@@ -20,6 +21,8 @@ void FilterCommands::Choose(FilterId filter) {
   window_.TakeSelection();
   Job& job = window_.ActiveJob();
   if (!job.MayChange()) {
+    // The window of a player can be opened while it plays.
+    if (IsPlayer(filter) && job.filter == filter) return EditParameters();
     QApplication::beep();
     return;
   }
@@ -33,6 +36,7 @@ void FilterCommands::Choose(FilterId filter) {
 
 void FilterCommands::EditParameters() {
   Job& job = window_.ActiveJob();
+  if (IsPlayer(job.filter) && job.parameters) return window_.Playback().Open(job);
   const ParameterDialog* dialog = FindParameterDialog(job.filter);
   if (dialog == nullptr || !job.parameters) {
     ShowNotice(&window_, TextId::NoDecoderPage);

@@ -16,6 +16,7 @@
 #include "app/help_commands.h"
 #include "app/job_commands.h"
 #include "app/list_commands.h"
+#include "app/playback_commands.h"
 #include "app/run_commands.h"
 #include "app/search_commands.h"
 #include "frame/destination_display.h"
@@ -93,6 +94,7 @@ MainWindow::MainWindow(Application& application)
   filterCommands_ = std::make_unique<FilterCommands>(*this);
   runs_ = std::make_unique<RunCommands>(*this);
   searches_ = std::make_unique<SearchCommands>(*this);
+  playback_ = std::make_unique<PlaybackCommands>(*this);
   helpCommands_ = std::make_unique<HelpCommands>(*this);
   areaCommands_ = std::make_unique<AreaCommands>(*this);
   On(CommandId::Quit, [this] { close(); });

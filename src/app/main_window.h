@@ -31,6 +31,7 @@ class FilterCommands;
 class HelpCommands;
 class JobCommands;
 class ListCommands;
+class PlaybackCommands;
 class RunCommands;
 class SearchCommands;
 
@@ -60,6 +61,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] TargetArea& Target() { return *target_; }
   [[nodiscard]] RunPanel& PanelOf(const Job& job);
   [[nodiscard]] DialogQueue& Dialogs() { return dialogs_; }
+  [[nodiscard]] PlaybackCommands& Playback() { return *playback_; }
   // What a command does; each group of commands registers its own.
   void On(CommandId command, std::function<void()> action) { handlers_[command] = std::move(action); }
   [[nodiscard]] QString StatusText() const { return status_->text(); }
@@ -138,6 +140,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;
   std::unique_ptr<SearchCommands> searches_;
+  std::unique_ptr<PlaybackCommands> playback_;
   std::unique_ptr<HelpCommands> helpCommands_;
   std::unique_ptr<AreaCommands> areaCommands_;
 

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "app/application.h"
+#include "audio/midi_to_wave_parameters.h"
+#include "audio/ui/midi_to_wave_dialog.h"
 #include "frame/job.h"
 #include "midi/midi_capture.h"
 #include "midi/midi_converter.h"
@@ -33,11 +35,21 @@ bool EditSearch(Job& job, Application& application, DialogHost& host, QWidget* o
   return true;
 }
 
+bool EditMidiToWave(Job& job, Application& application, DialogHost& host, QWidget* owner) {
+  auto& parameters = static_cast<MidiToWaveParameters&>(*job.parameters);
+  const DeviceLists& devices = application.Devices();
+  MidiToWaveDialog dialog(parameters, devices.midiOutputs, devices.audioInputs, host, owner);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  parameters = dialog.Parameters();
+  return true;
+}
+
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
       {FilterId::MidiConverter, EditConverter},
       {FilterId::ScoreSearch, EditSearch},
       {FilterId::MidiSearch, EditSearch},
+      {FilterId::MidiToWave, EditMidiToWave},
   };
   return dialogs;
 }

@@ -5,8 +5,10 @@
 #include <QPointer>
 #include <QPushButton>
 #include <algorithm>
+#include <utility>
 
 #include "app/main_window.h"
+#include "app/playback_commands.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
@@ -66,8 +68,23 @@ void RunCommands::Close() {
   hosts_.clear();
 }
 
+namespace {
+
+// The device of a player by the name that it had when the lists were made.
+std::string OutputOf(const Job& job, const DeviceLists& devices) {
+  if (!IsPlayer(job.filter)) return {};
+  const bool midi = job.filter != FilterId::AudioPlayer;
+  const auto& names = midi ? devices.midiOutputs : devices.audioOutputs;
+  const std::int32_t index = job.destinationDevice - (midi ? kMidiDeviceBase : 0);
+  return index >= 0 && std::cmp_less(index, names.size()) ? names[static_cast<std::size_t>(index)]
+                                                          : std::string();
+}
+
+}  // namespace
+
 void RunCommands::Start() {
   Job& job = window_.ActiveJob();
+  if (PlaybackCommands::TogglePause(job)) return;
   if (const auto panel = window_.Panel()) CommitDestination(job, *panel);
   const Settings& settings = window_.App().GetSettings();
   RunRequest request;
@@ -81,6 +98,7 @@ void RunCommands::Start() {
       });
     };
   }
+  request.devices.output = OutputOf(job, window_.App().Devices());
   const auto run = job.run.Shared();
   const auto host =
       std::make_shared<DesktopRunHost>(this, [this, run](RunNews news) { Take(run, std::move(news)); });
@@ -153,6 +171,7 @@ void RunCommands::Finish(Job* job, const RunResult& result) {
     }
     window_.RefreshJobBar();
   }
+  if (!result.show) return;
   window_.Dialogs().Add(
       [this, result]() -> QDialog* { return new ResultsDialog(result, window_, &window_); });
 }

@@ -14,6 +14,7 @@
 #include "midi/midi_sequencer.h"
 #include "platform/audio_out.h"
 #include "platform/files.h"
+#include "platform/thread_priority.h"
 
 namespace ts5 {
 namespace {
@@ -47,6 +48,7 @@ class MidiTitle final : public PlayedTitle {
       : sequence_(std::move(sequence)), signatures_(std::move(signatures)), sequencer_(sequence_, output) {}
 
   Outcome Play(nanoseconds end) override {
+    HurryThisThread();
     return end < sequence_.Duration() ? sequencer_.Run(end) : sequencer_.Run();
   }
   void Stop() override { sequencer_.Stop(); }

@@ -1,8 +1,12 @@
+#include <cmath>
+
 #include "app/about_dialog.h"
 #include "app/help_window.h"
 #include "app/splash.h"
+#include "audio/ui/midi_to_wave_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/job_dialog.h"
+#include "frame/ui/playback_window.h"
 #include "frame/ui/results_dialog.h"
 #include "frame/ui/settings_dialog.h"
 #include "midi/ui/midi_convert_dialog.h"
@@ -12,6 +16,8 @@
 
 namespace ts5 {
 namespace {
+
+constexpr std::size_t kOutlineParts = 1200;
 
 RunResult SampleResult() {
   RunResult result;
@@ -53,6 +59,35 @@ MidiProperties SampleProperties() {
                            {"Ansicht", "Sechsstimmige Motette, op. 69 Nr. 3"},
                            {"Erstellt am", "12/3/2024"}};
   return properties;
+}
+
+// A title in the middle, with its levels and its outline.
+std::unique_ptr<QWidget> PlayingWindow(DialogHost& host, FilterId filter) {
+  auto run = std::make_shared<JobRun>();
+  run->state = RunState::Running;
+  auto waveform = std::make_shared<Waveform>(kOutlineParts);
+  for (std::size_t i = 0; i < waveform->size(); ++i) {
+    const auto place = static_cast<float>(i);
+    (*waveform)[i] = 0.2F + 0.6F * std::abs(std::sin(place * 0.013F) * std::cos(place * 0.11F));
+  }
+  run->player.Report({.title = "/home/clara/Musik/Chor/Abendlied.wav",
+                      .position = std::chrono::milliseconds(83'250),
+                      .duration = std::chrono::minutes(4),
+                      .place = BarBeat{42, 3},
+                      .waveform = std::move(waveform)});
+  std::vector<float> samples(2 * 4410);
+  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = i % 4 == 0 ? 0.7F : -0.2F;
+  run->player.Levels().Add(samples, 2, 4410);
+  auto options = std::make_shared<PlayerOptions>();
+  options->volume = -600;
+  return std::make_unique<PlaybackWindow>(
+      PlaybackWindow::Subject{.filter = filter,
+                              .title = "Chorprobe",
+                              .run = std::move(run),
+                              .options = [options] { return options.get(); },
+                              .play = [] {},
+                              .stop = [] {}},
+      host, nullptr);
 }
 
 // After the others, those of the room of searches.
@@ -103,6 +138,14 @@ const std::vector<WindowSample>& WindowSamples() {
       {"FILEPROPS-midi",
        [](DialogHost& host) -> std::unique_ptr<QWidget> {
          return MidiPropertiesDialog(SampleProperties(), host, nullptr);
+       }},
+      {"PLAYBACK-audio", [](DialogHost& host) { return PlayingWindow(host, FilterId::AudioPlayer); }},
+      {"PLAYBACK-midi", [](DialogHost& host) { return PlayingWindow(host, FilterId::MidiPlayer); }},
+      {"MIDWAVPARAMS",
+       [](DialogHost& host) {
+         return std::make_unique<MidiToWaveDialog>(
+             MidiToWaveParameters{}, std::vector<std::string>{"Stavora-Synthesizer"},
+             std::vector<std::string>{"Monitor of Built-in Audio"}, host, nullptr);
        }},
       {"ABOUT", [](DialogHost&) { return std::make_unique<AboutDialog>(nullptr); }},
       {"TITELBILD",

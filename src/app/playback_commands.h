@@ -1,0 +1,32 @@
+// The players: their windows, one per job, and the commands that steer what plays.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <map>
+
+#include "frame/job.h"
+#include "frame/player_control.h"
+
+namespace ts5 {
+
+class MainWindow;
+class PlaybackWindow;
+
+class PlaybackCommands : public QObject {
+ public:
+  explicit PlaybackCommands(MainWindow& window);
+
+  // Opens the playback window of a job whose filter is a player, or brings it to the front.
+  void Open(Job& job);
+  // A second Run while a title plays: pauses, or goes on. False when the job does not play.
+  [[nodiscard]] static bool TogglePause(Job& job);
+
+ private:
+  void Step(PlayerStep step);
+
+  MainWindow& window_;
+  std::map<const JobRun*, QPointer<PlaybackWindow>> windows_;
+};
+
+}  // namespace ts5

@@ -1,0 +1,131 @@
+#include "frame/ui/playback_window.h"
+
+#include <QSignalBlocker>
+
+#include "frame/ui/level_meter_widget.h"
+#include "frame/ui/message_box.h"
+#include "frame/ui/position_slider.h"
+#include "frame/ui/qt_text.h"
+#include "platform/text.h"
+#include "ui_PLAYBACK.h"
+
+namespace ts5 {
+namespace {
+
+constexpr int kRefreshMilliseconds = 16;  // 60 times a second
+
+using std::chrono::milliseconds;
+
+int Milliseconds(std::chrono::nanoseconds time) {
+  return static_cast<int>(std::chrono::duration_cast<milliseconds>(time).count());
+}
+
+}  // namespace
+
+PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* parent)
+    : HostedDialog(host, QtText(TextId::PlaybackPrompt), parent),
+      subject_(std::move(subject)),
+      ui_(std::make_unique<Ui::PLAYBACK>()),
+      position_(new PositionSlider(this)),
+      meter_(new LevelMeterWidget(this)) {
+  ui_->setupUi(this);
+  ConnectButtons();
+  setWindowTitle(ToQt(Format(Text(TextId::PlaybackCaption), subject_.title)));
+  ui_->positionLayout->addWidget(position_);
+  ui_->meterLayout->addWidget(meter_);
+
+  if (const PlayerOptions* options = subject_.options()) {
+    ui_->pauseBox->setValue(options->interval);
+    ui_->shortCheck->setChecked(options->shortPlay);
+    ui_->shortBox->setValue(options->shortSeconds);
+    const bool bars = options->timeInBars && subject_.filter != FilterId::AudioPlayer;
+    ui_->barsRadio->setChecked(bars);
+    ui_->minutesRadio->setChecked(!bars);
+    ui_->resultsCheck->setChecked(options->resultDialog);
+    ui_->volumeSlider->setValue(options->volume / 100);
+    ui_->balanceSlider->setValue(options->balance / 100);
+  }
+  for (QSpinBox* box : {ui_->pauseBox, ui_->shortBox})
+    connect(box, &QSpinBox::valueChanged, this, [this] { TakeOptions(); });
+  for (QAbstractButton* button :
+       {static_cast<QAbstractButton*>(ui_->shortCheck), static_cast<QAbstractButton*>(ui_->barsRadio),
+        static_cast<QAbstractButton*>(ui_->resultsCheck)})
+    connect(button, &QAbstractButton::toggled, this, [this] { TakeOptions(); });
+  for (QSlider* slider : {ui_->volumeSlider, ui_->balanceSlider})
+    connect(slider, &QSlider::valueChanged, this, [this] { TakeSound(); });
+  connect(position_, &QSlider::valueChanged, this,
+          [this](int value) { subject_.run->player.Seek(milliseconds(value)); });
+  connect(position_, &PositionSlider::Stepped, this,
+          [this](int step) { subject_.run->player.Move(milliseconds(step)); });
+  connect(ui_->playButton, &QAbstractButton::clicked, this, [this] { subject_.play(); });
+  connect(ui_->stopButton, &QAbstractButton::clicked, this, [this] { subject_.stop(); });
+  connect(ui_->soundButton, &QAbstractButton::clicked, this,
+          [this] { ShowNotice(this, TextId::PlaybackNoSound); });
+  connect(&timer_, &QTimer::timeout, this, [this] { Refresh(); });
+  timer_.start(kRefreshMilliseconds);
+  Refresh();
+}
+
+PlaybackWindow::~PlaybackWindow() = default;
+
+QString PlaybackWindow::HelpTopic() const {
+  return QStringLiteral("playback.htm");
+}
+
+void PlaybackWindow::TakeOptions() {
+  PlayerOptions* const options = subject_.options();
+  if (options == nullptr) return;
+  options->interval = ui_->pauseBox->value();
+  options->shortPlay = ui_->shortCheck->isChecked();
+  options->shortSeconds = ui_->shortBox->value();
+  if (subject_.filter != FilterId::AudioPlayer) options->timeInBars = ui_->barsRadio->isChecked();
+  options->resultDialog = ui_->resultsCheck->isChecked();
+}
+
+void PlaybackWindow::TakeSound() {
+  PlayerOptions* const options = subject_.options();
+  if (options == nullptr) return;
+  options->volume = ui_->volumeSlider->value() * 100;
+  options->balance = ui_->balanceSlider->value() * 100;
+  subject_.run->player.SetSound({options->volume, options->balance});
+}
+
+void PlaybackWindow::Refresh() {
+  const PlayerOptions* const options = subject_.options();
+  if (options == nullptr) {
+    timer_.stop();
+    close();
+    return;
+  }
+  if (subject_.filter == FilterId::AudioPlayer) meter_->Advance(subject_.run->player.Levels());
+  const RunState state = subject_.run->state;
+  const PlayerStatus status = subject_.run->player.Status();
+  if (!position_->isSliderDown()) {
+    const QSignalBlocker quiet(position_);
+    position_->setMaximum(std::max(Milliseconds(status.duration), 1));
+    position_->setValue(Milliseconds(status.position));
+  }
+  position_->SetWaveform(status.waveform);
+  const bool active = !MayChangeJob(state);
+  ui_->playButton->setText(QtText(active && !status.paused ? TextId::RunButtonPause : TextId::RunButtonPlay));
+  ui_->stopButton->setEnabled(active);
+  PlaybackForm form = PlaybackFormOf(subject_.filter, *options, state, status);
+  if (shown_ == form) return;
+  Show(form);
+  shown_ = std::move(form);
+}
+
+void PlaybackWindow::Show(const PlaybackForm& form) {
+  ui_->PLAYBACK1->setEnabled(form.optionsEnabled);
+  ui_->shortBox->setEnabled(form.shortSecondsEnabled);
+  ui_->barsRadio->setEnabled(form.barsEnabled);
+  position_->setEnabled(form.positionEnabled);
+  meter_->setVisible(form.meterShown);
+  ui_->fileLabel->setText(ToQt(form.title));
+  ui_->elapsedLabel->setText(ToQt(form.elapsed));
+  ui_->durationLabel->setText(ToQt(form.duration));
+  ui_->volumeLabel->setText(ToQt(form.volume));
+  ui_->balanceLabel->setText(ToQt(form.balance));
+}
+
+}  // namespace ts5

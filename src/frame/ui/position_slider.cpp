@@ -1,0 +1,61 @@
+#include "frame/ui/position_slider.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <array>
+
+#include "frame/playback_form.h"
+#include "frame/ui/qt_text.h"
+
+namespace ts5 {
+namespace {
+
+struct StepKey {
+  Qt::Key key;
+  PositionKey step;
+};
+constexpr std::array kStepKeys{
+    StepKey{Qt::Key_Left, PositionKey::Left}, StepKey{Qt::Key_Right, PositionKey::Right},
+    StepKey{Qt::Key_PageUp, PositionKey::PageUp}, StepKey{Qt::Key_PageDown, PositionKey::PageDown}};
+
+}  // namespace
+
+PositionSlider::PositionSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
+  setMinimumHeight(48);
+  setAccessibleName(QtText(TextId::PlaybackPositionName));
+}
+
+void PositionSlider::SetWaveform(std::shared_ptr<const Waveform> waveform) {
+  if (waveform == waveform_) return;
+  waveform_ = std::move(waveform);
+  setAccessibleDescription(waveform_ ? QtText(TextId::PlaybackWaveformName) : QString());
+  update();
+}
+
+void PositionSlider::keyPressEvent(QKeyEvent* event) {
+  for (const StepKey& row : kStepKeys) {
+    if (event->key() != row.key) continue;
+    const bool control = event->modifiers().testFlag(Qt::ControlModifier);
+    emit Stepped(static_cast<int>(PositionStep(row.step, control).count()));
+    return;
+  }
+  QSlider::keyPressEvent(event);
+}
+
+void PositionSlider::paintEvent(QPaintEvent* event) {
+  if (waveform_ && !waveform_->empty()) {
+    QPainter painter(this);
+    QColor colour = palette().highlight().color();
+    colour.setAlpha(110);
+    painter.setPen(colour);
+    const qreal middle = height() * 0.5;
+    for (int x = 0; x < width(); ++x) {
+      const auto part = static_cast<std::size_t>(x) * waveform_->size() / static_cast<std::size_t>(width());
+      const qreal half = middle * (*waveform_)[part];
+      painter.drawLine(QPointF(x, middle - half), QPointF(x, middle + half));
+    }
+  }
+  QSlider::paintEvent(event);
+}
+
+}  // namespace ts5
