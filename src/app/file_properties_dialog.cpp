@@ -2,6 +2,9 @@
 
 #include <vector>
 
+#include "audio/audio_properties.h"
+#include "audio/media_probe.h"
+#include "audio/ui/wave_properties_dialog.h"
 #include "frame/file_properties.h"
 #include "frame/ui/message_box.h"
 #include "midi/midi_file.h"
@@ -21,6 +24,11 @@ const std::vector<PropertiesStep>& Steps() {
          return PropertiesWindow::Midi;
        },
        ReaderFailure::StopAtSource},
+      {{},
+       [](const FileListEntry& file) -> Result<PropertiesWindow> {
+         if (ProbeMedia(file.path).kind == MediaKind::None) return Failure(Outcome::WrongFormat);
+         return PropertiesWindow::Wave;
+       }},
   };
   return steps;
 }
@@ -35,6 +43,8 @@ void ShowFileProperties(const FileListEntry& file, DialogHost& host, QWidget* ow
       return;
     }
     ShowWarning(owner, TextId::FileNotOpened);  // it went away since
+  } else if (choice.window == PropertiesWindow::Wave) {
+    ShowWaveProperties(file.path, host, owner);
   } else {
     ShowWarning(owner, choice.message);
   }

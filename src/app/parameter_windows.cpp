@@ -6,6 +6,7 @@
 #include "app/application.h"
 #include "audio/midi_to_wave_parameters.h"
 #include "audio/ui/midi_to_wave_dialog.h"
+#include "audio/ui/wave_convert_dialog.h"
 #include "frame/job.h"
 #include "midi/midi_capture.h"
 #include "midi/midi_converter.h"
@@ -23,6 +24,10 @@ bool EditConverter(Job& job, Application& /*application*/, DialogHost& host, QWi
   if (dialog.exec() != QDialog::Accepted) return false;
   parameters = dialog.Parameters();
   return true;
+}
+
+bool EditWaveConverter(Job& job, Application& /*application*/, DialogHost& host, QWidget* owner) {
+  return EditWaveConverterParameters(job, host, owner);
 }
 
 bool EditSearch(Job& job, Application& application, DialogHost& host, QWidget* owner) {
@@ -47,6 +52,7 @@ bool EditMidiToWave(Job& job, Application& application, DialogHost& host, QWidge
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
       {FilterId::MidiConverter, EditConverter},
+      {FilterId::WaveConverter, EditWaveConverter},
       {FilterId::ScoreSearch, EditSearch},
       {FilterId::MidiSearch, EditSearch},
       {FilterId::MidiToWave, EditMidiToWave},

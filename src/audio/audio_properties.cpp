@@ -38,10 +38,17 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
       {Copy(TextId::PropertyLastWritten), Format(Text(TextId::PropertyDate), day, month, year)},
       {Copy(TextId::AudioPropertyCoding), Copy(CodingName(probe.format))},
       {Copy(TextId::AudioPropertyFormat), FormatText(probe.format)},
+      {Copy(TextId::AudioPropertyRate),
+       Format(Text(TextId::AudioPropertyRateValue), probe.format.sampleRate)},
       {Copy(TextId::AudioPropertyChannels), std::to_string(probe.format.channels)},
       {Copy(TextId::AudioPropertyByteRate), std::to_string(probe.format.bytesPerSecond)},
       {Copy(TextId::AudioPropertyDuration), DurationText(probe.seconds)},
   };
+  if (probe.format.bitsPerSample != 0) {
+    const auto behindRate = rows.begin() + 5;
+    rows.insert(behindRate, {Copy(TextId::AudioPropertyBits),
+                             Format(Text(TextId::AudioPropertyBitsValue), probe.format.bitsPerSample)});
+  }
   if (probe.frames) rows.push_back({Copy(TextId::AudioPropertyFrames), std::to_string(*probe.frames)});
   rows.push_back({Copy(TextId::AudioPropertyDataLength),
                   Format(Text(TextId::AudioPropertyDataLengthValue), probe.dataLength)});

@@ -77,6 +77,14 @@ MediaProbe ProbeMedia(const std::string& path) {
     }
   }
   const auto reader = MediaReader::Open(path);
+  // A compressed wave file lasts as long as its byte rate says; in a coding that nothing here decodes it is a
+  // wave file all the same.
+  if (wave && (!reader || probe.format.bytesPerSecond != 0)) {
+    probe.kind = MediaKind::Wave;
+    const std::uint32_t perSecond = std::max<std::uint32_t>(1, probe.format.bytesPerSecond);
+    SetDuration(probe, static_cast<double>(wave->DataSize()) / perSecond);
+    return probe;
+  }
   if (!reader) return {};
   const MediaInfo& info = (*reader)->Info();
   probe.kind = KindOf(info, path);

@@ -1,6 +1,6 @@
 // The layout of RIFF WAVE files: where the samples lie and what they are, and the header of a new file.
 //
-// Formats: "Multimedia Programming Interface and Data Specifications 1.0" (RIFF WAVE), WAVEFORMATEXTENSIBLE,
+// Formats: RIFF WAVE as IBM and Microsoft published it in 1991, WAVEFORMATEXTENSIBLE,
 // and EBU Tech 3306 (RF64) for files of more than 4 GiB.
 #pragma once
 

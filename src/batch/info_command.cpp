@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "audio/audio_properties.h"
 #include "batch/arguments.h"
 #include "batch/commands.h"
 #include "batch/json_text.h"
@@ -33,10 +34,20 @@ Result<Page> ScorePage(const std::string& path) {
   return Page{"score", properties->rows, {}};
 }
 
+// With what only all samples tell.
+Result<Page> AudioPage(const std::string& path) {
+  auto properties = ReadAudioProperties(path);
+  if (!properties) return Failure(properties.error());
+  if (const auto measured = MeasureAudioProperties(path)) {
+    properties->rows.insert(properties->rows.end(), measured->begin(), measured->end());
+  }
+  return Page{IsWaveKind(properties->kind) ? "wave" : "audio", properties->rows, {}};
+}
+
 // The readers in the order in which they are tried. SourceFailed ends the search, every other failure means
 // that the file has another format.
 using PageReader = Result<Page> (*)(const std::string& path);
-constexpr std::array<PageReader, 2> kReaders{MidiPage, ScorePage};
+constexpr std::array<PageReader, 3> kReaders{MidiPage, ScorePage, AudioPage};
 
 Result<Page> ReadPage(const std::string& path) {
   if (!IsUsablePath(path)) return Failure(Outcome::SourceFailed);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "audio/audio_remarks.h"
 #include "batch/console.h"
 #include "batch/json_text.h"
 #include "frame/file_types.h"
@@ -69,7 +70,8 @@ std::string HitText(const SearchHit& hit) {
 
 std::string ItemRemark(const RunItem& item) {
   if (item.code >= 0) return "";
-  const auto lines = RemarkLines(ConversionRemarks(), Status{.code = item.code});
+  auto lines = RemarkLines(ConversionRemarks(), Status{.code = item.code});
+  if (lines.empty()) lines = RemarkLines(AudioRemarks(), Status{.code = item.code});
   return lines.empty() ? Format(Text(TextId::BatchItemCode), item.code) : lines.front();
 }
 

@@ -3,16 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <optional>
 #include <utility>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
-#include <libavutil/channel_layout.h>
-#include <libavutil/mathematics.h>
-}
-
+#include "platform/ffmpeg.h"
 #include "platform/input_file.h"
 #include "platform/paths.h"
 
@@ -26,30 +21,10 @@ constexpr const char* kDecoders =
     "pcm_f64be,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt,adpcm_yamaha,adpcm_g726,adpcm_g722,"
     "gsm_ms,gsm,libgsm_ms,libgsm,truespeech,mace3,mace6,qdm2,mp1,mp1float,mp2,mp2float,mp3,mp3float,wmav1,"
     "wmav2,wmapro,wmalossless,wmavoice,vorbis,ape,flac,aac,aac_fixed";
-constexpr int kBufferSize = 1 << 16;
 constexpr int kMostChannels = 64;
 constexpr int kMostRate = 1 << 20;
 // Decoding is taken up this far before a sought place, so that codecs with a memory are warm there.
 constexpr double kPrerollSeconds = 0.5;
-
-struct FreeFormat {
-  void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct FreeCodec {
-  void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FreeFrame {
-  void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct FreePacket {
-  void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct FreeIo {
-  void operator()(AVIOContext* io) const {
-    av_freep(&io->buffer);
-    avio_context_free(&io);
-  }
-};
 
 // The file as the demuxer sees it.
 struct FileStream {
@@ -287,9 +262,13 @@ class LibraryReader final : public MediaReader {
   }
 
   Outcome Seek(std::uint64_t frame) override {
+    // Places are counted from the first block, whose stamp only decoding tells.
+    if (!firstStamp_) {
+      if (const auto first = NextBlock(); !first) return first.error();
+    }
     const double start = std::max(0.0, static_cast<double>(frame) / shape_.sampleRate - kPrerollSeconds);
     const auto rate = static_cast<double>(track_->time_base.den) / track_->time_base.num;
-    const std::int64_t stamp = firstStamp_ + std::llround(start * rate);
+    const std::int64_t stamp = firstStamp_.value_or(0) + std::llround(start * rate);
     if (av_seek_frame(container_.get(), track_->index, stamp, AVSEEK_FLAG_BACKWARD) < 0 &&
         av_seek_frame(container_.get(), track_->index, 0, AVSEEK_FLAG_BYTE) < 0) {
       return Outcome::SourceFailed;
@@ -303,10 +282,10 @@ class LibraryReader final : public MediaReader {
 
  private:
   Outcome OpenContainer(const std::string& path) {
-    auto* const buffer = static_cast<std::uint8_t*>(av_malloc(kBufferSize));
+    auto* const buffer = static_cast<std::uint8_t*>(av_malloc(ffmpeg::kBufferSize));
     if (buffer == nullptr) return Outcome::OutOfMemory;
-    io_.reset(
-        avio_alloc_context(buffer, kBufferSize, 0, &stream_, FileStream::Read, nullptr, FileStream::Seek));
+    io_.reset(avio_alloc_context(buffer, ffmpeg::kBufferSize, 0, &stream_, FileStream::Read, nullptr,
+                                 FileStream::Seek));
     if (!io_) {
       av_free(buffer);
       return Outcome::OutOfMemory;
@@ -369,7 +348,6 @@ class LibraryReader final : public MediaReader {
     } else if (container_->duration != AV_NOPTS_VALUE && container_->duration > 0) {
       info_.seconds = static_cast<double>(container_->duration) / AV_TIME_BASE;
     }
-    if (track_->start_time != AV_NOPTS_VALUE) firstStamp_ = track_->start_time;
   }
 
   // Decodes until a block of the stream's shape is there; false at the end.
@@ -385,6 +363,8 @@ class LibraryReader final : public MediaReader {
         available_ = static_cast<std::size_t>(frame_->nb_samples);
         offset_ = 0;
         anything_ = true;
+        if (!firstStamp_ && frame_->best_effort_timestamp != AV_NOPTS_VALUE)
+          firstStamp_ = frame_->best_effort_timestamp;
         if (skipUntil_) SkipToSought();
         if (offset_ < available_) return true;
         continue;
@@ -422,7 +402,7 @@ class LibraryReader final : public MediaReader {
     std::uint64_t position = 0;
     if (frame_->best_effort_timestamp != AV_NOPTS_VALUE) {
       position = static_cast<std::uint64_t>(std::max<std::int64_t>(
-          0, av_rescale_q(frame_->best_effort_timestamp - firstStamp_, track_->time_base,
+          0, av_rescale_q(frame_->best_effort_timestamp - firstStamp_.value_or(0), track_->time_base,
                           {1, static_cast<int>(shape_.sampleRate)})));
     }
     if (position >= *skipUntil_) {
@@ -435,16 +415,16 @@ class LibraryReader final : public MediaReader {
   }
 
   FileStream stream_;
-  std::unique_ptr<AVIOContext, FreeIo> io_;
-  std::unique_ptr<AVFormatContext, FreeFormat> container_;
-  std::unique_ptr<AVCodecContext, FreeCodec> codec_;
-  std::unique_ptr<AVFrame, FreeFrame> frame_;
-  std::unique_ptr<AVPacket, FreePacket> packet_;
+  ffmpeg::Io io_;
+  ffmpeg::Input container_;
+  ffmpeg::Codec codec_;
+  ffmpeg::Frame frame_;
+  ffmpeg::Packet packet_;
   AVStream* track_ = nullptr;  // of the container
   MediaInfo info_;
   PcmShape shape_;
-  std::int64_t firstStamp_ = 0;  // of the first sample, in the track's time base
-  std::size_t offset_ = 0;       // in the decoded block
+  std::optional<std::int64_t> firstStamp_;  // of the first sample, in the track's time base
+  std::size_t offset_ = 0;                  // in the decoded block
   std::size_t available_ = 0;
   std::optional<std::uint64_t> skipUntil_;
   bool ended_ = false;
@@ -455,11 +435,7 @@ class LibraryReader final : public MediaReader {
 }  // namespace
 
 Result<std::unique_ptr<MediaReader>> MediaReader::Open(const std::string& path) {
-  static const bool quiet = [] {
-    av_log_set_level(AV_LOG_QUIET);
-    return true;
-  }();
-  (void)quiet;
+  ffmpeg::Silence();
   auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   auto reader = std::make_unique<LibraryReader>(std::move(*file));

@@ -29,6 +29,7 @@ class MediaReader : public PcmSource {
   // WrongFormat: no audio that is supported. OutOfMemory. Any thread.
   [[nodiscard]] static Result<std::unique_ptr<MediaReader>> Open(const std::string& path);
 
+  // Seek() comes out at the frame; in Ogg Vorbis within a block of the codec (a few milliseconds).
   [[nodiscard]] virtual const MediaInfo& Info() const = 0;
 };
 

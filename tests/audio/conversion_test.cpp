@@ -2,19 +2,23 @@
 // measured where something is.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <numbers>
 
 #include "audio/channel_mix.h"
 #include "audio/format_texts.h"
 #include "audio/media_probe.h"
+#include "audio/normalise.h"
 #include "audio/sample_codec.h"
 #include "audio/wave_converter.h"
 #include "audio/wave_stream.h"
 #include "platform/media_engine.h"
 #include "platform/resampler.h"
+#include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 #include "wave_bytes.h"
@@ -292,6 +296,23 @@ TEST(ConversionTest, RefusesWhatIsNoAudio) {
               FailsWith(Outcome::Cancelled));
   EXPECT_THAT(ConvertWaveFile(good, "/dev/full", AudioCdFormat()), FailsWith(Outcome::TargetFailed));
   EXPECT_EQ(Listing(place.Path()), "a.wav c.wav");
+}
+
+// A disk that is full in the middle: the code for it, and nothing is left of the target.
+TEST(ConversionTest, AFullDiskLeavesNothing) {
+  const TemporaryDirectory place;
+  const std::string source = place.Write(
+      "a.wav", AsText(Wave(PcmFormat(44100, 16, 1), Samples16(std::vector<std::int16_t>(100000, 5)))));
+  EXPECT_EQ(InChild([&] {
+              (void)std::signal(SIGXFSZ, SIG_IGN);
+              const rlimit limit{50000, 50000};
+              return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 &&
+                     ConvertWaveFile(source, place.File("b.wav"), AudioCdFormat()) == Outcome::WriteFailed &&
+                     Normalise({&source, 1}, {}, 0, 1) == Outcome::WriteFailed;
+            }),
+            0);
+  EXPECT_EQ(Listing(place.Path()), "a.wav");
+  EXPECT_EQ(Content(source).size(), 200044U);
 }
 
 }  // namespace

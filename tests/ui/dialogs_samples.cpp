@@ -4,6 +4,8 @@
 #include "app/help_window.h"
 #include "app/splash.h"
 #include "audio/ui/midi_to_wave_dialog.h"
+#include "audio/ui/wave_convert_dialog.h"
+#include "audio/ui/wave_properties_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/playback_window.h"
@@ -96,6 +98,26 @@ std::vector<WindowSample> WithSearch(std::vector<WindowSample> samples) {
   return samples;
 }
 
+MediaProbe SampleProbe() {
+  MediaProbe probe;
+  probe.kind = MediaKind::Wave;
+  probe.format = PcmFormat(48000, 24, 2);
+  probe.frames = 48000 * 200;
+  probe.seconds = 200;
+  probe.dataLength = 57600000;
+  return probe;
+}
+
+AudioProperties SampleAudio() {
+  using namespace std::chrono_literals;
+  AudioProperties properties;
+  properties.title = "Eigenschaften von \"Abendlied.wav\"";
+  properties.kind = MediaKind::Wave;
+  properties.rows = AudioPropertyRows(SampleProbe(), 2024y / 3 / 12);
+  for (const PropertyRow& row : LoudnessRows({-18.3, -0.4})) properties.rows.push_back(row);
+  return properties;
+}
+
 std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
   auto dialog = std::make_unique<SettingsDialog>(SampleSettings(), host, nullptr);
   Child<QTabWidget>(*dialog, "pages").setCurrentIndex(page);
@@ -146,6 +168,15 @@ const std::vector<WindowSample>& WindowSamples() {
          return std::make_unique<MidiToWaveDialog>(
              MidiToWaveParameters{}, std::vector<std::string>{"Stavora-Synthesizer"},
              std::vector<std::string>{"Monitor of Built-in Audio"}, host, nullptr);
+       }},
+      {"WAVECONVERTPARAMS",
+       [](DialogHost& host) {
+         return std::make_unique<WaveConvertDialog>(WaveConverterParameters(), SampleProbe(), true, host,
+                                                    nullptr);
+       }},
+      {"FILEPROPS-wave",
+       [](DialogHost& host) -> std::unique_ptr<QWidget> {
+         return WavePropertiesDialog(SampleAudio(), std::string(), host, nullptr);
        }},
       {"ABOUT", [](DialogHost&) { return std::make_unique<AboutDialog>(nullptr); }},
       {"TITELBILD",
