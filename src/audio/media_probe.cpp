@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "audio/wave_file.h"
 #include "platform/files.h"
@@ -51,6 +52,19 @@ MediaKind KindOf(const MediaInfo& info, const std::string& path) {
   }
 }
 
+// Codings of blocks that all hold the same number of frames, and those of one byte per sample.
+std::optional<std::uint64_t> FramesInBlocks(const WaveFormat& format, std::uint64_t dataSize) {
+  constexpr std::uint16_t kBlocks[] = {kTagAdpcm, 0x11, 0x31};  // ADPCM of two makers, GSM
+  constexpr std::uint16_t kBytes[] = {6, 7};                    // A-law, mu-law
+  if (format.blockAlign == 0 || format.sampleRate == 0) return std::nullopt;
+  if (std::ranges::find(kBytes, format.tag) != std::end(kBytes)) return dataSize / format.blockAlign;
+  if (std::ranges::find(kBlocks, format.tag) == std::end(kBlocks)) return std::nullopt;
+  ByteReader extra(format.extra);
+  const std::uint16_t perBlock = extra.U16Le();
+  if (perBlock == 0) return std::nullopt;
+  return dataSize / format.blockAlign * perBlock;
+}
+
 void SetDuration(MediaProbe& probe, double seconds) {
   probe.seconds = std::clamp(seconds, 0.0, kMostSeconds);
   probe.dataLength = static_cast<std::uint64_t>(std::llround(probe.seconds * probe.format.bytesPerSecond));
@@ -77,12 +91,14 @@ MediaProbe ProbeMedia(const std::string& path) {
     }
   }
   const auto reader = MediaReader::Open(path);
-  // A compressed wave file lasts as long as its byte rate says; in a coding that nothing here decodes it is a
-  // wave file all the same.
-  if (wave && (!reader || probe.format.bytesPerSecond != 0)) {
+  // A compressed wave file lasts as long as its blocks, or its byte rate, say; in a coding that nothing here
+  // decodes it is a wave file all the same.
+  if (wave) probe.frames = FramesInBlocks(probe.format, wave->DataSize());
+  if (wave && (probe.frames || !reader || probe.format.bytesPerSecond != 0)) {
     probe.kind = MediaKind::Wave;
-    const std::uint32_t perSecond = std::max<std::uint32_t>(1, probe.format.bytesPerSecond);
-    SetDuration(probe, static_cast<double>(wave->DataSize()) / perSecond);
+    SetDuration(probe, probe.frames ? static_cast<double>(*probe.frames) / probe.format.sampleRate
+                                    : static_cast<double>(wave->DataSize()) /
+                                          std::max<std::uint32_t>(1, probe.format.bytesPerSecond));
     return probe;
   }
   if (!reader) return {};

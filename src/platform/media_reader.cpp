@@ -228,6 +228,7 @@ class LibraryReader final : public MediaReader {
   explicit LibraryReader(InputFile file) { stream_.file = std::move(file); }
 
   [[nodiscard]] Outcome Open(const std::string& path) {
+    path_ = path;
     if (const Outcome opened = OpenContainer(path); Failed(opened)) return opened;
     if (const Outcome found = FindStream(); Failed(found)) return found;
     if (const Outcome opened = OpenDecoder(); Failed(opened)) return opened;
@@ -262,6 +263,8 @@ class LibraryReader final : public MediaReader {
   }
 
   Outcome Seek(std::uint64_t frame) override {
+    // The byte rate by which compressed wave files would be searched is wrong too often.
+    if (info_.container == MediaContainer::Wave) return DecodeFromStart(frame);
     // Places are counted from the first block, whose stamp only decoding tells.
     if (!firstStamp_) {
       if (const auto first = NextBlock(); !first) return first.error();
@@ -281,6 +284,19 @@ class LibraryReader final : public MediaReader {
   }
 
  private:
+  Outcome DecodeFromStart(std::uint64_t frame) {
+    codec_.reset();
+    container_.reset();
+    io_.reset();
+    stream_.position = 0;
+    offset_ = available_ = 0;
+    ended_ = false;
+    skipUntil_.reset();
+    if (const Outcome opened = Open(std::string(path_)); Failed(opened)) return opened;
+    discard_ = frame;
+    return Outcome::Success;
+  }
+
   Outcome OpenContainer(const std::string& path) {
     auto* const buffer = static_cast<std::uint8_t*>(av_malloc(ffmpeg::kBufferSize));
     if (buffer == nullptr) return Outcome::OutOfMemory;
@@ -366,6 +382,10 @@ class LibraryReader final : public MediaReader {
         if (!firstStamp_ && frame_->best_effort_timestamp != AV_NOPTS_VALUE)
           firstStamp_ = frame_->best_effort_timestamp;
         if (skipUntil_) SkipToSought();
+        if (discard_ > 0) {
+          offset_ = static_cast<std::size_t>(std::min<std::uint64_t>(discard_, available_));
+          discard_ -= offset_;
+        }
         if (offset_ < available_) return true;
         continue;
       }
@@ -426,7 +446,9 @@ class LibraryReader final : public MediaReader {
   std::optional<std::int64_t> firstStamp_;  // of the first sample, in the track's time base
   std::size_t offset_ = 0;                  // in the decoded block
   std::size_t available_ = 0;
-  std::optional<std::uint64_t> skipUntil_;
+  std::optional<std::uint64_t> skipUntil_;  // by the stamps of the blocks
+  std::uint64_t discard_ = 0;               // frames, counted
+  std::string path_;
   bool ended_ = false;
   bool damaged_ = false;
   bool anything_ = false;
