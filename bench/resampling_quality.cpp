@@ -1,5 +1,5 @@
 // How good the change of the sample rate is, measured alike for us and for the programs a user would take:
-// steps of a sine from 20 Hz up through the tool, as 32-bit floats, and what comes out compared with what
+// steps of a sine from 20 Hz up through the tool, in 64-bit floats, and what comes out compared with what
 // should. Counters, all in dB: "ripple", the greatest deviation of the level of 20 Hz..20 kHz (44100 to
 // 48000); "noise", what is there beside the tone, relative to it; "alias", what is left of tones above half
 // of the new rate (48000 to 44100).
@@ -29,7 +29,7 @@ using Tool = std::function<bool(const std::string& in, const std::string& out, s
 
 // One second of each frequency.
 void WriteTones(const std::string& path, std::uint32_t rate, const std::vector<double>& frequencies) {
-  auto file = WaveFile::Create(path, TargetFormat(rate, 32, 1));
+  auto file = WaveFile::Create(path, PcmFormat(rate, 64, 1, kTagFloat));
   if (!file) std::abort();
   auto sink = WaveSink(std::move(*file), {rate, 1, 4, 0});
   std::vector<double> second(rate);
