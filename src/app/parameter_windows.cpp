@@ -51,10 +51,8 @@ bool EditMidiToWave(Job& job, Application& application, DialogHost& host, QWidge
 
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
-      {FilterId::MidiConverter, EditConverter},
-      {FilterId::WaveConverter, EditWaveConverter},
-      {FilterId::ScoreSearch, EditSearch},
-      {FilterId::MidiSearch, EditSearch},
+      {FilterId::MidiConverter, EditConverter}, {FilterId::WaveConverter, EditWaveConverter},
+      {FilterId::ScoreSearch, EditSearch},      {FilterId::MidiSearch, EditSearch},
       {FilterId::MidiToWave, EditMidiToWave},
   };
   return dialogs;
