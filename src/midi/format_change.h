@@ -8,9 +8,9 @@
 
 #include <string>
 
-#include "platform/work_watch.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 

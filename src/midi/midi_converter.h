@@ -9,9 +9,9 @@
 #include "frame/filter_module.h"
 #include "midi/converter_fields.h"
 #include "midi/midi_file.h"
-#include "platform/work_watch.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/work_watch.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 

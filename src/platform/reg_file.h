@@ -2,10 +2,9 @@
 //
 // Read: "REGEDIT4" files (8-bit, Windows-1252) and "Windows Registry Editor Version 5.00" files (UTF-16 with
 // mark, also UTF-8), with texts and their escapes, dword (becomes a decimal text), hex and hex(n) values (1,
-// 2 and 7 become texts, 4 and b decimal texts, all others binary values), lines continued with '\', texts that
-// hold line ends, comments,
-// the default value '@', and the deletion forms [-KEY] and "name"=-. Two places where newer systems kept the
-// keys of a 32-bit program are taken as HKEY_LOCAL_MACHINE\Software\...:
+// 2 and 7 become texts, 4 and b decimal texts, all others binary values), lines continued with '\', texts
+// that hold line ends, comments, the default value '@', and the deletion forms [-KEY] and "name"=-. Two
+// places where newer systems kept the keys of a 32-bit program are taken as HKEY_LOCAL_MACHINE\Software\...:
 // HKEY_LOCAL_MACHINE\Software\Wow6432Node\... and HKEY_CURRENT_USER\Software\Classes\VirtualStore\MACHINE\...
 // Written: version 5.00 in UTF-16 LE with mark.
 #pragma once
