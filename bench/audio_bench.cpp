@@ -17,6 +17,7 @@
 #include "audio/normalise.h"
 #include "audio/wave_converter.h"
 #include "audio/wave_stream.h"
+#include "peak_memory.h"
 #include "platform/files.h"
 
 namespace ts5 {
@@ -61,18 +62,6 @@ class Piece {
 const Piece& ThePiece() {
   static const Piece piece;
   return piece;
-}
-
-void ResetPeakMemory() {
-  std::ofstream("/proc/self/clear_refs") << "5";
-}
-double PeakMemory() {
-  std::ifstream in("/proc/self/status");
-  for (std::string word; in >> word;) {
-    double kilobytes = 0;
-    if (word == "VmHWM:" && in >> kilobytes) return kilobytes / 1024;
-  }
-  return 0;
 }
 
 template <typename Work>

@@ -14,6 +14,7 @@
 #include "frame/item_run.h"
 #include "frame/run.h"
 #include "midi/midi_converter.h"
+#include "peak_memory.h"
 #include "platform/files.h"
 
 namespace ts5 {
@@ -22,19 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 constexpr std::size_t kFiles = 5000;
 constexpr std::size_t kFilesPerDirectory = 100;
-
-// Highest resident memory of the process since the last reset, in MB.
-void ResetPeakMemory() {
-  std::ofstream("/proc/self/clear_refs") << "5";
-}
-double PeakMemory() {
-  std::ifstream in("/proc/self/status");
-  for (std::string word; in >> word;) {
-    double kilobytes = 0;
-    if (word == "VmHWM:" && in >> kilobytes) return kilobytes / 1024;
-  }
-  return 0;
-}
 
 struct SilentHost : RunHost {
   void Progress(const RunProgress&) override {}

@@ -5,7 +5,6 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QScreen>
 #include <QStatusBar>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -19,6 +18,7 @@
 #include "app/playback_commands.h"
 #include "app/run_commands.h"
 #include "app/search_commands.h"
+#include "app/tile_looks.h"
 #include "frame/destination_display.h"
 #include "frame/file_drop.h"
 #include "frame/ui/message_box.h"
@@ -30,39 +30,10 @@ namespace ts5 {
 namespace {
 
 constexpr QSize kSmallestWindow{900, 620};
-constexpr int kFilterBarWidth = 262;
-constexpr int kTreeWidth = 250;
 
 // What can be done with the files under the mouse, in the order of the menu.
 constexpr std::array kFileCommands{CommandId::Properties, CommandId::Rename, CommandId::MoveUp,
                                    CommandId::MoveDown, CommandId::Delete};
-
-TileStyle StyleOf(SkinLayout layout) {
-  switch (layout) {
-    case SkinLayout::Windows:
-      return TileStyle::Plain;
-    case SkinLayout::Stavora4:
-      return TileStyle::Classic;
-    case SkinLayout::Stavora5:
-      break;
-  }
-  return TileStyle::Modern;
-}
-
-// Colours of the catalogue have red in the low byte.
-QColor ColourOf(std::uint32_t colour) {
-  return {static_cast<int>(colour & 0xFF), static_cast<int>(colour >> 8 & 0xFF),
-          static_cast<int>(colour >> 16 & 0xFF)};
-}
-
-std::vector<TileButton::Look> TileLooks() {
-  std::vector<TileButton::Look> looks;
-  for (const FilterDescriptor& filter : FilterCatalogue()) {
-    looks.push_back({ToQt(filter.Name()), ToQt(filter.Description()), ColourOf(filter.colour2),
-                     ColourOf(filter.colour1), FilterIcon(filter.id)});
-  }
-  return looks;
-}
 
 QStringList ToQtList(const std::vector<std::string>& names) {
   QStringList list;
@@ -192,12 +163,14 @@ void MainWindow::ConnectAreas() {
   });
   connect(target_, &TargetArea::ChoiceChanged, this, [this] { RefreshRunDisplay(); });
   for (QSplitter* splitter : {across_, down_, source_->Splitter()}) {
-    connect(splitter, &QSplitter::splitterMoved, this, [this] { StoreLayout(ActiveJob()); });
+    connect(splitter, &QSplitter::splitterMoved, this, [this] {
+      if (!maximised_) ActiveJob().sizing = PlacesOf(Splitters(), ActiveJob().sizing);
+    });
   }
 }
 
 void MainWindow::Begin() {
-  RestorePlace();
+  RestoreWindowPlace(*this, application_.GetSettings());
   (void)Show(application_.GetJobs()[0]);
   // The files of a directory are still to come.
   if (ActiveJob().ListMode()) {
@@ -246,7 +219,7 @@ bool MainWindow::Show(Job& job) {
   destination.midiDevice = midi ? job.destinationDevice - kMidiDeviceBase : -1;
   if (!midi) destination.audioDevice = destination.drive = destination.printer = job.destinationDevice;
   target_->SetPanel(destination);
-  RestoreLayout(job);
+  ShowPlaces(Splitters(), job.sizing, size());
   SetMaximised(job.ListMode() && job.fileWindowMaximised);
   ShowSource(job);
   if (job.destinationName.empty()) RefreshDestination();
@@ -508,50 +481,6 @@ void MainWindow::SetMaximised(bool maximised) {
   actions_->Action(CommandId::MaximiseList)->setIcon(Icon(maximised ? "normalise" : "maximise"));
 }
 
-// --- places that are remembered
-
-// A job's rectangle is that of the directory tree, seen from the corner of the filter bar.
-void MainWindow::RestoreLayout(const Job& job) {
-  const SizingRectangle& place = job.sizing;
-  const bool stored = place.left > 0 && place.right > place.left && place.bottom > 0;
-  const int left = stored ? place.left : kFilterBarWidth;
-  const int tree = stored ? place.right - place.left : kTreeWidth;
-  across_->setSizes({left, std::max(width() - left, 1)});
-  source_->Splitter()->setSizes({tree, std::max(width() - left - tree, 1)});
-  if (stored) down_->setSizes({place.bottom, std::max(height() - place.bottom, 1)});
-}
-
-void MainWindow::StoreLayout(Job& job) const {
-  if (maximised_) return;
-  const int left = across_->sizes().front();
-  SizingRectangle place{left, 0, job.sizing.right, down_->sizes().front()};
-  if (const int tree = source_->Splitter()->sizes().front(); tree > 0) place.right = left + tree;
-  if (place.right <= left) place.right = left + kTreeWidth;
-  job.sizing = place;
-}
-
-void MainWindow::RestorePlace() {
-  const Settings& settings = application_.GetSettings();
-  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  QRect place(screen.topLeft(), screen.size() * 0.9);
-  if (settings.mainWindowPosition) {
-    const WindowRectangle& stored = *settings.mainWindowPosition;
-    const QRect wanted(QPoint(stored.left, stored.top), QPoint(stored.right - 1, stored.bottom - 1));
-    // A place on a screen that is no longer there is given up.
-    if (QGuiApplication::screenAt(wanted.center()) != nullptr) place = wanted;
-  }
-  setGeometry(place);
-  if (settings.mainWindowMaximised) setWindowState(windowState() | Qt::WindowMaximized);
-}
-
-void MainWindow::StorePlace() {
-  Settings& settings = application_.GetSettings();
-  const QRect place = isMaximized() ? normalGeometry() : geometry();
-  settings.mainWindowMaximised = isMaximized();
-  settings.mainWindowPosition =
-      WindowRectangle{place.left(), place.top(), place.right() + 1, place.bottom() + 1};
-}
-
 // --- asking and telling
 
 bool MainWindow::Confirm(std::string_view question, MessageIcon /*icon*/, Answer preset) {
@@ -606,7 +535,7 @@ void MainWindow::EndWithoutQuestion() {
 
 void MainWindow::End(JobSaving policy) {
   TakeSelection();
-  StorePlace();
+  StoreWindowPlace(*this, application_.GetSettings());
   reader_.Stop();
   help_.reset();
   application_.GetJobs().CommitAtEnd(policy, *this);

@@ -22,6 +22,7 @@
 #include "app/source_area.h"
 #include "app/source_reader.h"
 #include "app/target_area.h"
+#include "app/window_places.h"
 #include "frame/ui/dialog_host.h"
 
 namespace ts5 {
@@ -108,10 +109,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   void ConnectAreas();
   void ShowFilterPanels(const Job& job);
   void ShowSource(Job& job);
-  void RestoreLayout(const Job& job);
-  void StoreLayout(Job& job) const;
-  void RestorePlace();
-  void StorePlace();
+  [[nodiscard]] AreaSplitters Splitters() const { return {across_, source_->Splitter(), down_}; }
   void End(JobSaving policy);
   void TakeSourceDone(Outcome outcome);
   void SelectStoredFiles();

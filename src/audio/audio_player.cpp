@@ -22,16 +22,8 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
 
-constexpr Remark kRemarks[] = {
-    {Code(Outcome::Cancelled), TextId::RemarkCancelled},
-    {Code(Outcome::OutOfMemory), TextId::RemarkOutOfMemory},
-    {Code(Outcome::ReadFailed), TextId::RemarkReadFailed},
-    {Code(Outcome::WriteFailed), TextId::RemarkWriteFailed},
-    {Code(Outcome::WrongFormat), TextId::RemarkWrongFormat},
-    {Code(Outcome::TargetFailed), TextId::PlayerAudioDeviceFailed},
-    {Code(Outcome::SourceFailed), TextId::RemarkSourceFailed},
-    {Code(Outcome::FormatRefused), TextId::AudioFormatRefused},
-};
+constexpr auto kRemarks = PlayerRemarks(TextId::PlayerAudioDeviceFailed,
+                                        {Code(Outcome::FormatRefused), TextId::AudioFormatRefused});
 
 constexpr std::uint32_t kChannels = 2;
 constexpr std::size_t kBlockFrames = 1024;

@@ -2,6 +2,7 @@
 // what the user does meanwhile. What a title is and where it sounds belongs to each player.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -51,6 +52,19 @@ struct PlayerFilter {
   std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)> open;
   std::span<const Remark> remarks;
 };
+
+// What a player says of its titles: as the conversions do, but with its own words for a device that does not
+// open, and its own row for titles that are damaged or of no use.
+[[nodiscard]] constexpr std::array<Remark, 8> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
+  return {{{Code(Outcome::Cancelled), TextId::RemarkCancelled},
+           {Code(Outcome::OutOfMemory), TextId::RemarkOutOfMemory},
+           {Code(Outcome::ReadFailed), TextId::RemarkReadFailed},
+           {Code(Outcome::WriteFailed), TextId::RemarkWriteFailed},
+           {Code(Outcome::WrongFormat), TextId::RemarkWrongFormat},
+           {Code(Outcome::TargetFailed), deviceFailed},
+           {Code(Outcome::SourceFailed), TextId::RemarkSourceFailed},
+           badTitle}};
+}
 
 // Fills run.Result(): titles that were begun, that were played to their end (short play: to its end), and all
 // that were not. A title that cannot be played is reported, and the run goes on.

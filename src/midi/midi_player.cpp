@@ -21,16 +21,8 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-constexpr Remark kRemarks[] = {
-    {Code(Outcome::Cancelled), TextId::RemarkCancelled},
-    {Code(Outcome::OutOfMemory), TextId::RemarkOutOfMemory},
-    {Code(Outcome::ReadFailed), TextId::RemarkReadFailed},
-    {Code(Outcome::WriteFailed), TextId::RemarkWriteFailed},
-    {Code(Outcome::WrongFormat), TextId::RemarkWrongFormat},
-    {Code(Outcome::TargetFailed), TextId::PlayerMidiDeviceFailed},
-    {Code(Outcome::SourceFailed), TextId::RemarkSourceFailed},
-    {Code(Outcome::DamagedMidi), TextId::RemarkDamagedMidi},
-};
+constexpr auto kRemarks =
+    PlayerRemarks(TextId::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), TextId::RemarkDamagedMidi});
 
 // Where the bars lie, from the first track; 4/4 where that does not say it.
 TimeSignatureMap SignaturesOf(ByteView file, std::uint16_t division) {

@@ -41,6 +41,9 @@ within() {
 shown() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -1 | grep .; }
 # window NAME: waits until a window whose title holds NAME is on the screen, and prints its number.
 window() { within 20 shown "$1"; }
+hidden() { ! shown "$1" >/dev/null; }
+# closed NAME: waits until no window of that title is left.
+closed() { within 20 hidden "$1"; }
 gone() { ! kill -0 "$app" 2>/dev/null; }
 picture() { [ -z "$pictures" ] || { sleep 0.5; import -window root "$pictures/$1.png"; }; }
 keys() { for key in "$@"; do xdotool key --clearmodifiers "$key"; sleep 0.25; done; }
