@@ -65,7 +65,7 @@ ListCommands::ListCommands(MainWindow& window) : window_(window) {
           [this](const std::string& path) { TakeDirectory(path); });
   connect(source.Strip(), &FreeListStrip::FilesDropped, this, [this](const auto& paths) { Drop(paths); });
   connect(source.Files(), &FileView::FilesDropped, this, [this](const auto& paths) {
-    if (window_.ActiveJob().ListMode()) {
+    if (window_.ActiveJob().Mode() == SourceMode::List) {
       Drop(paths);
     } else {
       window_.Tell(DropWithoutList().text, MessageIcon::Information);
@@ -96,7 +96,7 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
   const DropResult result = DropFiles(job.files, job.filter, paths, {});
   if (result.rejected > 0) QApplication::beep();
   window_.Source().SetFreeListCount(job.files.Size());
-  if (job.ListMode()) {
+  if (job.Mode() == SourceMode::List) {
     if (result.added > 0) {
       window_.ReloadSource();
       window_.Source().Files()->scrollToBottom();
@@ -113,10 +113,10 @@ void ListCommands::Open() {
                                   window_, &window_);
   if (!path) return;
   bool replace = true;
-  if (job.ListMode() && !job.files.Empty()) {
+  if (job.Mode() == SourceMode::List && !job.files.Empty()) {
     replace = AskYesNo(&window_, TextId::AskClearBeforeLoad);
   }
-  if (!job.ListMode()) {
+  if (job.Mode() == SourceMode::Directory) {
     job.sourceDrive = kListModeDrive;
     replace = true;
   }
@@ -167,8 +167,8 @@ void ListCommands::Delete() {
   if (rows.empty()) return;
   const FileListEntry& first = window_.Source().Model().At(rows.front());
   const std::string name(first.cdTrack ? std::string_view(first.path) : FileNameOf(first.path));
-  if (!AskYesNo(&window_, ToQt(DeleteQuestion(job.ListMode(), rows.size(), name)))) return;
-  job.ListMode() ? RemoveEntries() : DeleteFiles();
+  if (!AskYesNo(&window_, ToQt(DeleteQuestion(job.Mode() == SourceMode::List, rows.size(), name)))) return;
+  job.Mode() == SourceMode::List ? RemoveEntries() : DeleteFiles();
 }
 
 void ListCommands::RemoveEntries() {
@@ -190,7 +190,7 @@ void ListCommands::DeleteFiles() {
       if (Failed(MoveToTrash(path))) failed.push_back(path);
     }
     return [this, failed = std::move(failed)] {
-      if (!window_.ActiveJob().ListMode()) window_.ReloadSource();
+      if (window_.ActiveJob().Mode() == SourceMode::Directory) window_.ReloadSource();
       for (std::size_t i = 0; i < failed.size() && i < kMostFailuresTold; ++i) {
         window_.Tell(FileNotDeletedText(failed[i]), MessageIcon::Exclamation);
       }
@@ -227,13 +227,14 @@ void ListCommands::TakeLabel(std::size_t row, const QString& label) {
       !AskYesNo(&window_, TextId::AskRenameUnsupported, DefaultButton::No)) {
     return;
   }
-  const Outcome outcome =
-      job.ListMode() ? RenameEntry(job.files, row, plan.newPath) : RenameFile(path, plan.newPath);
+  const Outcome outcome = job.Mode() == SourceMode::List ? RenameEntry(job.files, row, plan.newPath)
+                                                         : RenameFile(path, plan.newPath);
   if (Failed(outcome)) {
     ShowWarning(&window_, TextId::RenameFailed);
     return;
   }
-  if (!job.ListMode()) job.directory.names.assign(1, std::string(FileNameOf(plan.newPath)));
+  if (job.Mode() == SourceMode::Directory)
+    job.directory.names.assign(1, std::string(FileNameOf(plan.newPath)));
   window_.ReloadSource();
   ListChanged();
 }
@@ -270,7 +271,7 @@ void ListCommands::TakeDrive(std::int32_t drive) {
 
 void ListCommands::TakeDirectory(const std::string& path) {
   Job& job = window_.ActiveJob();
-  if (job.ListMode() || !job.MayChange()) return;
+  if (job.Mode() == SourceMode::List || !job.MayChange()) return;
   job.directory = {path, {}, {}};
   window_.ReadSource();
 }
@@ -278,7 +279,7 @@ void ListCommands::TakeDirectory(const std::string& path) {
 void ListCommands::ToggleMaximised() {
   Job& job = window_.ActiveJob();
   const bool maximised = !window_.IsListMaximised();
-  if (job.ListMode()) job.fileWindowMaximised = maximised;
+  if (job.Mode() == SourceMode::List) job.fileWindowMaximised = maximised;
   window_.SetMaximised(maximised);
   window_.Source().Files()->setFocus();
 }

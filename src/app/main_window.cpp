@@ -173,7 +173,7 @@ void MainWindow::Begin() {
   RestoreWindowPlace(*this, application_.GetSettings());
   (void)Show(application_.GetJobs()[0]);
   // The files of a directory are still to come.
-  if (ActiveJob().ListMode()) {
+  if (ActiveJob().Mode() == SourceMode::List) {
     source_->Files()->setFocus();
   } else {
     source_->Tree()->setFocus();
@@ -220,7 +220,7 @@ bool MainWindow::Show(Job& job) {
   if (!midi) destination.audioDevice = destination.drive = destination.printer = job.destinationDevice;
   target_->SetPanel(destination);
   ShowPlaces(Splitters(), job.sizing, size());
-  SetMaximised(job.ListMode() && job.fileWindowMaximised);
+  SetMaximised(job.Mode() == SourceMode::List && job.fileWindowMaximised);
   ShowSource(job);
   if (job.destinationName.empty()) RefreshDestination();
   RefreshJobBar();
@@ -238,7 +238,7 @@ void MainWindow::ShowFilter() {
   Job& job = ActiveJob();
   ShowFilterPanels(job);
   // The switch to or from the burner has emptied the list, and the burner's list has columns of its own.
-  if (job.ListMode()) ShowSource(job);
+  if (job.Mode() == SourceMode::List) ShowSource(job);
   RefreshFilterBar();
   RefreshDestination();
   Refresh();
@@ -247,7 +247,7 @@ void MainWindow::ShowFilter() {
 void MainWindow::ShowSource(Job& job) {
   reader_.Stop();
   if (status_->text() == QtText(TextId::ReadingDirectory)) ShowPrompt({});
-  if (job.ListMode()) {
+  if (job.Mode() == SourceMode::List) {
     source_->ShowList(job.files, job.filter);
     SelectStoredFiles();
     return;
@@ -261,7 +261,7 @@ void MainWindow::ShowSource(Job& job) {
 
 void MainWindow::ReloadSource() {
   Job& job = ActiveJob();
-  if (job.ListMode()) {
+  if (job.Mode() == SourceMode::List) {
     source_->ListChanged();
     SelectStoredFiles();
     Refresh();
@@ -284,7 +284,7 @@ void MainWindow::TakeSourceDone(Outcome outcome) {
 // The view selects what the job says; files that are gone are no longer part of its selection.
 void MainWindow::SelectStoredFiles() {
   Job& job = ActiveJob();
-  if (job.ListMode()) {
+  if (job.Mode() == SourceMode::List) {
     source_->Files()->SelectRows(job.files.Selection(), job.files.Focus());
     return;
   }
@@ -306,7 +306,7 @@ void MainWindow::TakeSelection() {
   Job& job = ActiveJob();
   const FileView& view = *source_->Files();
   const std::vector<std::size_t> rows = view.SelectedRows();
-  if (job.ListMode()) {
+  if (job.Mode() == SourceMode::List) {
     const bool changed = rows != job.files.Selection();
     job.files.Select(rows);
     job.files.SetFocus(view.FocusRow());
@@ -365,7 +365,8 @@ void MainWindow::RefreshFilterBar() {
   Job& job = ActiveJob();
   const auto refreshed = [&] {
     FilterBarInput input;
-    input.source = job.ListMode() ? ListContext(job.files) : DirectoryContext(job.directory, false);
+    input.source =
+        job.Mode() == SourceMode::List ? ListContext(job.files) : DirectoryContext(job.directory, false);
     input.devices = application_.Devices().Counts();
     input.jobIsIdle = job.MayChange();
     input.filter = job.filter;
@@ -417,8 +418,9 @@ void MainWindow::RefreshRunDisplay() {
                    .devices = idle,
                    .run = mayRun || RunButtonStops(job.filter, job.State()),
                    .stop = running});
-  source_->Enable(
-      {.drives = idle, .tree = idle, .files = idle && (source_->Model().Size() > 0 || job.ListMode())});
+  source_->Enable({.drives = idle,
+                   .tree = idle,
+                   .files = idle && (source_->Model().Size() > 0 || job.Mode() == SourceMode::List)});
   source_->SetFreeListCount(job.files.Size());
   if (idle && focusBeforeRun_ != nullptr) {
     if (focusBeforeRun_->isEnabled() && focusBeforeRun_->isVisible()) focusBeforeRun_->setFocus();
@@ -449,7 +451,7 @@ void MainWindow::RefreshCommands() {
   const Job& job = ActiveJob();
   const Jobs& jobs = application_.GetJobs();
   const bool idle = job.MayChange();
-  const bool list = job.ListMode();
+  const bool list = job.Mode() == SourceMode::List;
   const std::size_t rows = source_->Model().Size();
   const bool selected = source_->Files()->selectionModel()->hasSelection();
   const std::size_t focus = source_->Files()->FocusRow();

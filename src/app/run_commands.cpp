@@ -167,7 +167,7 @@ void RunCommands::Finish(Job* job, const RunResult& result) {
       const std::string& directory = job->directory.path;
       const bool beside = std::ranges::any_of(
           result.items, [&](const RunItem& item) { return DirectoryOf(item.destination) == directory; });
-      if (!job->ListMode() && beside) window_.ReloadSource();
+      if (job->Mode() == SourceMode::Directory && beside) window_.ReloadSource();
     }
     window_.RefreshJobBar();
   }

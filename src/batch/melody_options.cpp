@@ -12,7 +12,7 @@ namespace {
 Result<SearchMelody> ReadMelody(const MelodyOptions& options, Registry& registry) {
   if (options.numbers) return MelodyFromNumbers(*options.numbers);
   if (options.keys) return MelodyFromKeys(*options.keys);
-  auto elements = MelodyStore(registry).Load(*options.stored);
+  auto elements = MelodyStore(registry).LoadMelody(*options.stored);
   if (!elements) return Failure(elements.error());
   SearchMelody melody;
   ReplaceMelody(melody, std::move(*elements), *options.stored);

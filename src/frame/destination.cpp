@@ -21,7 +21,7 @@ bool MakesFiles(FilterId filter) {
 }
 
 std::size_t SelectedCount(const Job& job) {
-  return job.ListMode() ? job.files.Selection().size() : job.directory.names.size();
+  return job.Mode() == SourceMode::List ? job.files.Selection().size() : job.directory.names.size();
 }
 
 TargetName NameParts(const std::string& directory, const std::string& name) {
@@ -55,7 +55,7 @@ DestinationMode DestinationModeOf(const Job& job, bool noPreset) {
   if (!MakesFiles(job.filter)) return {};
   bool several = false;
   if (job.filter == FilterId::CdGrabber) {
-    several = job.ListMode() || SelectedCount(job) != 1;
+    several = job.Mode() == SourceMode::List || SelectedCount(job) != 1;
   } else if (IsSearch(job.filter)) {
     several = SelectedCount(job) > 1;  // the whole list has one result file, whose name may be edited
   } else {

@@ -13,7 +13,7 @@ DestinationDisplay DisplayedDestination(const Job& job, const FilterModule* modu
   const std::string source = ItemSource(job, 0);
   std::optional<TargetName> target;
   if (IsSearch(job.filter)) {
-    const bool wholeList = job.ListMode() && job.files.Selection().empty();
+    const bool wholeList = job.Mode() == SourceMode::List && job.files.Selection().empty();
     target = ResultFileNameFor(rules, source, items, wholeList, files);
   } else if (module != nullptr && module->target && job.parameters) {
     target = TargetNameFor(module->target(*job.parameters, source), rules, source, files);

@@ -12,6 +12,9 @@
 
 namespace ts5 {
 
+// Where the source files of a job come from: selected files of a directory, or its free file list.
+enum class SourceMode { Directory, List };
+
 // Drive indices: 0 is c:, 1 is d: and so on; this one means that the job works on its free file list.
 inline constexpr std::int32_t kListModeDrive = -1;
 // A CD project takes at most so many entries.

@@ -328,7 +328,8 @@ std::string AutomaticDestination(const Job& job, const FilterModule& module, con
                                  const DestinationFiles& files) {
   const std::string source = ItemSource(job, 0);
   if (IsSearch(job.filter)) {
-    const bool wholeList = job.ListMode() ? job.files.Selection().empty() : job.directory.names.empty();
+    const bool wholeList =
+        job.Mode() == SourceMode::List ? job.files.Selection().empty() : job.directory.names.empty();
     const std::string first = source.empty() ? JoinPath(job.directory.path, "*") : source;
     const TargetName name = ResultFileNameFor(rules, first, ItemCount(job), wholeList, files);
     return SettledName(name, rules.overwrite == OverwritePolicy::Number, files).value_or("");

@@ -7,7 +7,7 @@
 namespace ts5 {
 
 std::size_t ItemCount(const Job& job) {
-  if (!job.ListMode()) return job.directory.names.size();
+  if (job.Mode() == SourceMode::Directory) return job.directory.names.size();
   return job.files.Selection().empty() ? job.files.Size() : job.files.Selection().size();
 }
 
@@ -15,7 +15,7 @@ std::optional<FileListEntry> ItemEntry(const Job& job, std::size_t index) {
   const std::size_t count = ItemCount(job);
   if (count == 0) return std::nullopt;
   index = std::min(index, count - 1);
-  if (!job.ListMode()) {
+  if (job.Mode() == SourceMode::Directory) {
     const std::string& name = job.directory.names[index];
     // A name without a dot stands for a track of the audio CD that the directory lies on.
     return FileListEntry{.path = JoinPath(job.directory.path, name), .cdTrack = IsCdTrackText(name)};

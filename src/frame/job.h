@@ -109,7 +109,9 @@ struct Job {
 
   JobRunHandle run;
 
-  [[nodiscard]] bool ListMode() const { return sourceDrive == kListModeDrive; }
+  [[nodiscard]] SourceMode Mode() const {
+    return sourceDrive == kListModeDrive ? SourceMode::List : SourceMode::Directory;
+  }
   [[nodiscard]] RunState State() const { return run->state.load(); }
   [[nodiscard]] bool MayChange() const { return MayChangeJob(State()); }
 };

@@ -67,7 +67,7 @@ bool WritesDisc(FilterId filter) {
 std::optional<TextId> MissingSources(const Job& job, const FilterModule& module) {
   const bool needsNone = job.filter == FilterId::Artworker || job.filter == FilterId::CdCopier;
   if (needsNone || ItemCount(job) > 0) return std::nullopt;
-  if (job.ListMode()) return TextId::NoFilesInList;
+  if (job.Mode() == SourceMode::List) return TextId::NoFilesInList;
   // Searches walk the directory, a disc is taken whole.
   if (module.target && job.filter != FilterId::CdGrabber) return TextId::NoFilesSelected;
   return std::nullopt;

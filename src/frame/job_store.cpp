@@ -155,7 +155,7 @@ void LoadTitle(Job& job, const RegistryValues& values, std::size_t number) {
 void LoadSourcePlace(Job& job, const RegistryValues& values, bool isDefault, const JobSurroundings& around) {
   const auto toRoot = [&] {
     job.directory.path = around.homeDirectory;
-    if (!job.ListMode()) job.sourceDrive = 0;
+    if (job.Mode() == SourceMode::Directory) job.sourceDrive = 0;
   };
   const auto stored = values.Text("SourcePath");
   job.sourceDrive =
@@ -167,7 +167,7 @@ void LoadSourcePlace(Job& job, const RegistryValues& values, bool isDefault, con
   }
   if (stored->empty()) {
     // A job that never had a directory: it works on its list.
-    if (!job.ListMode()) toRoot();
+    if (job.Mode() == SourceMode::Directory) toRoot();
     return;
   }
   std::string path = around.nativePath(std::string(*stored));
@@ -176,7 +176,7 @@ void LoadSourcePlace(Job& job, const RegistryValues& values, bool isDefault, con
     if (path.size() < kShortestFallback) return toRoot();
   }
   job.directory.path = path;
-  if (job.ListMode()) return;
+  if (job.Mode() == SourceMode::List) return;
   if (const std::int32_t drive = around.driveOf(path); drive >= 0) job.sourceDrive = drive;
   if (isDefault && around.onDataDisc(path)) toRoot();
 }
@@ -196,7 +196,7 @@ void LoadFiles(Job& job, const RegistryValues& values, const JobSurroundings& ar
     job.files.Append(std::move(entry));
   }
   job.files.Select(StoredNumbers<std::size_t>(values, "SourceFilelistSelNum", "SourceFilelistSels"));
-  job.fileWindowMaximised = job.ListMode() && IsOne(values, "SourceMediumFileWinMax");
+  job.fileWindowMaximised = job.Mode() == SourceMode::List && IsOne(values, "SourceMediumFileWinMax");
 }
 
 void LoadWindow(Job& job, const RegistryValues& values) {

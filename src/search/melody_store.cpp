@@ -32,7 +32,7 @@ MelodyAction ActionOf(Outcome outcome, TextId failure) {
 
 }  // namespace
 
-Result<std::vector<StoredMelodyInfo>> MelodyStore::List() const {
+Result<std::vector<StoredMelodyInfo>> MelodyStore::ListStoredMelodies() const {
   const auto values = registry_.Read(kMelodyKey);
   if (!values) return Failure(values.error());
   std::vector<StoredMelodyInfo> melodies;
@@ -49,14 +49,14 @@ Result<bool> MelodyStore::Exists(std::string_view name) const {
   return Failure(value.error());
 }
 
-Outcome MelodyStore::Save(std::string_view name, SearchMelody melody) {
+Outcome MelodyStore::SaveMelody(std::string_view name, SearchMelody melody) {
   TrimMelodyRests(melody);
   if (!IsMelodyName(name) || melody.elements.empty()) return Outcome::WrongFormat;
   const Bytes data = StoredMelody(melody.elements);
   return registry_.SetValue(kMelodyKey, name, {RegistryValue::Kind::Binary, std::string(AsText(data))});
 }
 
-Result<std::vector<MelodyElement>> MelodyStore::Load(std::string_view name) const {
+Result<std::vector<MelodyElement>> MelodyStore::LoadMelody(std::string_view name) const {
   const auto value = Find(registry_, name);
   if (!value) return Failure(value.error());
   auto elements = MelodyFromStored(AsBytes(value->data));
@@ -64,7 +64,7 @@ Result<std::vector<MelodyElement>> MelodyStore::Load(std::string_view name) cons
   return std::move(*elements);
 }
 
-Outcome MelodyStore::Rename(std::string_view from, std::string_view to) {
+Outcome MelodyStore::RenameMelody(std::string_view from, std::string_view to) {
   if (!IsMelodyName(to)) return Outcome::WrongFormat;
   if (from == to) return Outcome::Success;
   return registry_.Transaction([&] {
@@ -78,7 +78,7 @@ Outcome MelodyStore::Rename(std::string_view from, std::string_view to) {
   });
 }
 
-Outcome MelodyStore::Delete(std::string_view name) {
+Outcome MelodyStore::DeleteMelody(std::string_view name) {
   if (const auto value = Find(registry_, name); !value) return value.error();
   return registry_.DeleteValue(kMelodyKey, name);
 }
@@ -96,25 +96,25 @@ MelodyAction SaveMelodyAs(MelodyStore& store, std::string_view name, const Searc
                           const MelodyQuestion& ask) {
   if (name.empty()) return {false, TextId::MelodyNameMissing};
   if (store.Exists(name).value_or(false) && !ask(TextId::MelodyExists)) return {};
-  return ActionOf(store.Save(name, melody), TextId::MelodyNotSaved);
+  return ActionOf(store.SaveMelody(name, melody), TextId::MelodyNotSaved);
 }
 
 MelodyAction RenameStoredMelody(MelodyStore& store, std::string_view from, std::string_view to,
                                 const MelodyQuestion& ask) {
   const bool another = !EqualsIgnoringCase(from, to) && store.Exists(to).value_or(false);
   if (another && !ask(TextId::MelodyTitleExists)) return {};
-  return ActionOf(store.Rename(from, to), TextId::MelodyNotRenamed);
+  return ActionOf(store.RenameMelody(from, to), TextId::MelodyNotRenamed);
 }
 
 MelodyAction DeleteStoredMelody(MelodyStore& store, std::string_view name, const MelodyQuestion& ask) {
   if (!ask(TextId::AskDeleteMelody)) return {};
-  return ActionOf(store.Delete(name), TextId::MelodyNotDeleted);
+  return ActionOf(store.DeleteMelody(name), TextId::MelodyNotDeleted);
 }
 
 MelodyAction LoadStoredMelody(MelodyStore& store, std::string_view name, SearchMelody& melody,
                               const MelodyQuestion& ask) {
   if (!ask(TextId::AskReplaceMelody)) return {};
-  auto elements = store.Load(name);
+  auto elements = store.LoadMelody(name);
   if (!elements) return {false, TextId::MelodyNotLoaded};
   ReplaceMelody(melody, std::move(*elements), std::string(name));
   return {true, {}};

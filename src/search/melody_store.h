@@ -32,16 +32,16 @@ class MelodyStore {
   explicit MelodyStore(Registry& registry) : registry_(registry) {}
 
   // By name, without regard to case. Values that are no melodies are left out.
-  [[nodiscard]] Result<std::vector<StoredMelodyInfo>> List() const;
+  [[nodiscard]] Result<std::vector<StoredMelodyInfo>> ListStoredMelodies() const;
   [[nodiscard]] Result<bool> Exists(std::string_view name) const;
   // Trims rests at both ends and writes, over a melody of that name if there is one. WrongFormat: the name
   // has not 1..80 characters, or no note is left.
-  [[nodiscard]] Outcome Save(std::string_view name, SearchMelody melody);
+  [[nodiscard]] Outcome SaveMelody(std::string_view name, SearchMelody melody);
   // SourceFailed: there is none of that name; WrongFormat: it has no elements.
-  [[nodiscard]] Result<std::vector<MelodyElement>> Load(std::string_view name) const;
+  [[nodiscard]] Result<std::vector<MelodyElement>> LoadMelody(std::string_view name) const;
   // In one step; another melody of the new name is replaced. SourceFailed, WrongFormat for the new name.
-  [[nodiscard]] Outcome Rename(std::string_view from, std::string_view to);
-  [[nodiscard]] Outcome Delete(std::string_view name);  // SourceFailed: there is none
+  [[nodiscard]] Outcome RenameMelody(std::string_view from, std::string_view to);
+  [[nodiscard]] Outcome DeleteMelody(std::string_view name);  // SourceFailed: there is none
 
  private:
   Registry& registry_;

@@ -82,7 +82,7 @@ class SearchRun {
     return false;
   }
 
-  bool Walks() const { return run_.ItemCount() == 0 && !run_.GetJob().ListMode(); }
+  bool Walks() const { return run_.ItemCount() == 0 && run_.GetJob().Mode() == SourceMode::Directory; }
 
   // The result file itself, the old one and the one that is being written, may lie in the tree.
   bool IsTarget(const std::string& path) const {

@@ -252,7 +252,7 @@ Job RandomJob(std::mt19937& random) {
     if (pick(2) == 0) selected.push_back(i);
   }
   job.files.Select(selected);
-  job.fileWindowMaximised = job.ListMode() && pick(2) == 0;
+  job.fileWindowMaximised = job.Mode() == SourceMode::List && pick(2) == 0;
   job.sizing = {static_cast<std::int32_t>(pick(9)) - 4, 1, 2, static_cast<std::int32_t>(pick(4000))};
   job.filterFixed = pick(2) == 0;
   for (auto& word : job.filterStatus) word = static_cast<std::uint32_t>(random());

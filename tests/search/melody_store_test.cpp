@@ -33,22 +33,22 @@ class MelodyStoreTest : public testing::Test {
 
 TEST_F(MelodyStoreTest, SavesTrimmedUnderAnyName) {
   const std::string name = R"(Für "Elise" \/:*?<>| Opus)";
-  EXPECT_THAT(store_.Save(name, Melody({{kRestCode, 240}, {10060, 240}, {kRestCode, 240}})), IsOk());
-  EXPECT_THAT(store_.Load(name).value(), ElementsAre(MelodyElement{10060, 240}));
+  EXPECT_THAT(store_.SaveMelody(name, Melody({{kRestCode, 240}, {10060, 240}, {kRestCode, 240}})), IsOk());
+  EXPECT_THAT(store_.LoadMelody(name).value(), ElementsAre(MelodyElement{10060, 240}));
   const auto values = registry_.Read(kMelodyKey);
   EXPECT_EQ(values->Find(name)->data, std::string("\x4C\x27\xF0\x00", 4));
-  EXPECT_THAT(store_.Save("", tune_), FailsWith(Outcome::WrongFormat));
-  EXPECT_THAT(store_.Save(std::string(81, 'x'), tune_), FailsWith(Outcome::WrongFormat));
-  EXPECT_THAT(store_.Save("Pausen", Melody({{kRestCode, 240}})), FailsWith(Outcome::WrongFormat));
-  EXPECT_THAT(store_.Load("Pausen"), FailsWith(Outcome::SourceFailed));
+  EXPECT_THAT(store_.SaveMelody("", tune_), FailsWith(Outcome::WrongFormat));
+  EXPECT_THAT(store_.SaveMelody(std::string(81, 'x'), tune_), FailsWith(Outcome::WrongFormat));
+  EXPECT_THAT(store_.SaveMelody("Pausen", Melody({{kRestCode, 240}})), FailsWith(Outcome::WrongFormat));
+  EXPECT_THAT(store_.LoadMelody("Pausen"), FailsWith(Outcome::SourceFailed));
 }
 
 TEST_F(MelodyStoreTest, ListsAndSorts) {
-  ASSERT_THAT(store_.Save("b", tune_), IsOk());
-  ASSERT_THAT(store_.Save("C", Melody({{60, 240}})), IsOk());
-  ASSERT_THAT(store_.Save("A", Melody({{60, 240}, {62, 240}})), IsOk());
+  ASSERT_THAT(store_.SaveMelody("b", tune_), IsOk());
+  ASSERT_THAT(store_.SaveMelody("C", Melody({{60, 240}})), IsOk());
+  ASSERT_THAT(store_.SaveMelody("A", Melody({{60, 240}, {62, 240}})), IsOk());
   (void)registry_.SetValue(kMelodyKey, "kein", {RegistryValue::Kind::Text, "Text"});
-  auto melodies = store_.List().value();
+  auto melodies = store_.ListStoredMelodies().value();
   const auto names = [&] {
     std::string text;
     for (const auto& melody : melodies) text += melody.name + std::to_string(melody.noteCount);
@@ -62,8 +62,8 @@ TEST_F(MelodyStoreTest, ListsAndSorts) {
 }
 
 TEST_F(MelodyStoreTest, EmptyStoreHasNothing) {
-  EXPECT_TRUE(store_.List().value().empty());
-  EXPECT_THAT(store_.Rename("a", "b"), FailsWith(Outcome::SourceFailed));
+  EXPECT_TRUE(store_.ListStoredMelodies().value().empty());
+  EXPECT_THAT(store_.RenameMelody("a", "b"), FailsWith(Outcome::SourceFailed));
   EXPECT_EQ(DeleteStoredMelody(store_, "a", ask_).message, TextId::MelodyNotDeleted);
   EXPECT_EQ(RenameStoredMelody(store_, "a", "b", ask_).message, TextId::MelodyNotRenamed);
   SearchMelody melody = tune_;
@@ -77,26 +77,26 @@ TEST_F(MelodyStoreTest, AsksBeforeItReplaces) {
   EXPECT_TRUE(asked_.empty());
   answer_ = false;
   EXPECT_FALSE(SaveMelodyAs(store_, "LIED", Melody({{50, 240}}), ask_).done);
-  EXPECT_EQ(store_.Load("Lied").value(), tune_.elements);
+  EXPECT_EQ(store_.LoadMelody("Lied").value(), tune_.elements);
   EXPECT_TRUE(SaveMelodyAs(store_, "Tanz", Melody({{50, 240}}), ask_).done);
   EXPECT_FALSE(RenameStoredMelody(store_, "Tanz", "lied", ask_).done);
-  EXPECT_EQ(store_.List().value().size(), 2u);
+  EXPECT_EQ(store_.ListStoredMelodies().value().size(), 2u);
   answer_ = true;
   EXPECT_TRUE(RenameStoredMelody(store_, "Tanz", "lied", ask_).done);
-  EXPECT_THAT(store_.List().value(), ElementsAre(StoredMelodyInfo{"lied", 1}));
+  EXPECT_THAT(store_.ListStoredMelodies().value(), ElementsAre(StoredMelodyInfo{"lied", 1}));
   EXPECT_THAT(asked_,
               ElementsAre(TextId::MelodyExists, TextId::MelodyTitleExists, TextId::MelodyTitleExists));
 }
 
 TEST_F(MelodyStoreTest, RenamingMayChangeTheCaseAlone) {
-  ASSERT_THAT(store_.Save("lied", tune_), IsOk());
+  ASSERT_THAT(store_.SaveMelody("lied", tune_), IsOk());
   EXPECT_TRUE(RenameStoredMelody(store_, "lied", "Lied", ask_).done);
   EXPECT_TRUE(asked_.empty());
-  EXPECT_THAT(store_.List().value(), ElementsAre(StoredMelodyInfo{"Lied", 3}));
+  EXPECT_THAT(store_.ListStoredMelodies().value(), ElementsAre(StoredMelodyInfo{"Lied", 3}));
 }
 
 TEST_F(MelodyStoreTest, LoadingTakesNameClefAndCursor) {
-  ASSERT_THAT(store_.Save("Bass", Melody({{10036, 240}})), IsOk());
+  ASSERT_THAT(store_.SaveMelody("Bass", Melody({{10036, 240}})), IsOk());
   SearchMelody melody = tune_;
   melody.cursor = 3;
   EXPECT_TRUE(LoadStoredMelody(store_, "Bass", melody, ask_).done);

@@ -403,7 +403,7 @@ TEST_F(SearchDialogTest, OkTrimsAndCancelGivesBackWhatWasThere) {
 TEST_F(SearchDialogTest, SavesUnderAnyNameAndAsksBeforeItOverwrites) {
   SearchMelody melody;
   melody.elements = {Note(60), Note(62), Note(kRestCode)};
-  ASSERT_TRUE(Succeeded(store_.Save("Kuckuck", melody)));
+  ASSERT_TRUE(Succeeded(store_.SaveMelody("Kuckuck", melody)));
   SaveMelodyDialog dialog(store_, melody, host_, nullptr);
   dialog.show();
   auto& name = Child<QLineEdit>(dialog, "nameEdit");
@@ -426,7 +426,7 @@ TEST_F(SearchDialogTest, SavesUnderAnyNameAndAsksBeforeItOverwrites) {
   name.setText(QStringLiteral("Für \"Elise\" \\/:*?<>|"));
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
-  EXPECT_THAT(store_.Load("Für \"Elise\" \\/:*?<>|").value(), ElementsAre(Note(60), Note(62)));
+  EXPECT_THAT(store_.LoadMelody("Für \"Elise\" \\/:*?<>|").value(), ElementsAre(Note(60), Note(62)));
 }
 
 class ManageTest : public SearchDialogTest {
@@ -434,10 +434,10 @@ class ManageTest : public SearchDialogTest {
   ManageTest() {
     SearchMelody melody;
     melody.elements = {Note(10048), Note(50)};
-    (void)store_.Save("bass", melody);
+    (void)store_.SaveMelody("bass", melody);
     melody.elements.assign(5, Note(60, 30));
-    (void)store_.Save("Amsel", melody);
-    (void)store_.Save("Drossel", melody);
+    (void)store_.SaveMelody("Amsel", melody);
+    (void)store_.SaveMelody("Drossel", melody);
   }
   void OpenManager() {
     manager_ =
@@ -507,7 +507,7 @@ TEST_F(ManageTest, RenamesInPlaceAndAsksBeforeItReplaces) {
   NextMessage yes(QMessageBox::Yes);
   Rename("Amsel");
   EXPECT_EQ(Column(0), QStringList({"Amsel", "Drossel"}));
-  EXPECT_THAT(store_.Load("Amsel").value(), ElementsAre(Note(10048), Note(50)));
+  EXPECT_THAT(store_.LoadMelody("Amsel").value(), ElementsAre(Note(10048), Note(50)));
 }
 
 TEST_F(ManageTest, DeletesLoadsAndShowsAnEmptyStore) {

@@ -34,7 +34,7 @@ struct Ground {
 
   Ground() {
     for (const char* name : {"Kuckuck", "Ode an die Freude: Thema", "Bruder Jakob"})
-      (void)store.Save(name, Melody(*name == 'K' ? "ge" : "eefggfedccdee"));
+      (void)store.SaveMelody(name, Melody(*name == 'K' ? "ge" : "eefggfedccdee"));
     SearchRecord record;
     record.melodyName = "Ode an die Freude: Thema";
     record.start = {2024, 3, 12, 17, 4, 5};

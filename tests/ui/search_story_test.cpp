@@ -146,7 +146,7 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   });
   W().Filters().TileOf(FilterId::MidiSearch)->click();
   MelodyStore store(application_->GetRegistry());
-  EXPECT_THAT(store.Load("Drei Töne"), test::IsOk());
+  EXPECT_THAT(store.LoadMelody("Drei Töne"), test::IsOk());
   W().Target().ScreenChoice()->click();
   EXPECT_FALSE(Enabled(CommandId::PrintSearchResults));
   EXPECT_FALSE(Enabled(CommandId::PlayHit));

@@ -114,7 +114,7 @@ TEST_F(JobStory, JobsSettingsAndPlacesAreThereAfterTheNextStart) {
   EXPECT_EQ(W().JobButtons().JobCount(), 2);
   EXPECT_EQ(W().JobButtons().JobButton(1)->text(), "Erster");
   EXPECT_EQ(application_->GetSettings().suffix, "neu");
-  EXPECT_TRUE(ActiveJob().ListMode());
+  EXPECT_TRUE(ActiveJob().Mode() == SourceMode::List);
   EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{0});
 }

@@ -127,7 +127,7 @@ TEST_F(ListStory, AListIsSavedLoadedAndReplaced) {
                                                              "\r\n2=" + directory_.File("weg.mid") + "\r\n");
   script_.ExpectBox(QMessageBox::Ok);
   W().LoadFileList(list);
-  EXPECT_TRUE(ActiveJob().ListMode());
+  EXPECT_TRUE(ActiveJob().Mode() == SourceMode::List);
   ASSERT_EQ(ActiveJob().files.Size(), 1U);
   EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("1 Datei(en) konnten nicht geladen werden."));
   script_.ExpectBox(QMessageBox::No);
@@ -245,9 +245,9 @@ TEST_F(ListStory, ArrowsGoThroughTheDrivesAndEnterTakesOne) {
   DriveSelector* drives = W().Source().Drives();
   drives->setFocus();
   QTest::keyClick(drives, Qt::Key_Home);
-  EXPECT_FALSE(ActiveJob().ListMode()) << "looked at, not taken";
+  EXPECT_FALSE(ActiveJob().Mode() == SourceMode::List) << "looked at, not taken";
   QTest::keyClick(drives, Qt::Key_Return);
-  EXPECT_TRUE(ActiveJob().ListMode());
+  EXPECT_TRUE(ActiveJob().Mode() == SourceMode::List);
   EXPECT_FALSE(W().Source().Tree()->isVisible());
 }
 

@@ -159,7 +159,7 @@ class WorkbenchTest : public testing::Test {
     QTest::keyClick(&W(), key, modifiers);
   }
   void ToListMode() {
-    if (!ActiveJob().ListMode()) W().Trigger(CommandId::SwitchListMode);
+    if (ActiveJob().Mode() == SourceMode::Directory) W().Trigger(CommandId::SwitchListMode);
   }
   void Select(const std::vector<std::size_t>& rows) {
     W().Source().Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());

@@ -97,7 +97,7 @@ TEST_F(WindowStory, EveryControlHasANameAndCanBeReached) {
     ActiveJob().filter = filter;
     W().ShowFilter();
     for (const bool list : {false, true}) {
-      if (ActiveJob().ListMode() != list) W().Trigger(CommandId::SwitchListMode);
+      if ((ActiveJob().Mode() == SourceMode::List) != list) W().Trigger(CommandId::SwitchListMode);
       EXPECT_THAT(NamelessControls(W()).join("\n").toStdString(), IsEmpty());
       EXPECT_THAT(UnreachableControls(W()).join("\n").toStdString(), IsEmpty());
     }

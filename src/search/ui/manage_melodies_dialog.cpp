@@ -48,7 +48,7 @@ std::string ManageMelodiesDialog::Selected() const {
 }
 
 void ManageMelodiesDialog::Refill(const std::string& select) {
-  model_->Fill(store_.List().value_or(std::vector<StoredMelodyInfo>{}));
+  model_->Fill(store_.ListStoredMelodies().value_or(std::vector<StoredMelodyInfo>{}));
   const int row = std::max(model_->RowOf(select), 0);
   ui_->melodyList->setCurrentIndex(model_->index(row, 0));
   ShowState();
@@ -93,7 +93,7 @@ void ManageMelodiesDialog::TogglePlaying() {
     sound_.Stop();
     return;
   }
-  const auto elements = store_.Load(Selected());
+  const auto elements = store_.LoadMelody(Selected());
   if (!elements || !sound_.Start(*elements, voice_)) ShowWarning(this, TextId::StoredMelodyNotPlayed);
 }
 
