@@ -27,7 +27,7 @@ struct DrawingItem {
   std::uint16_t span = 0;                // in note groups, at most 4095
   Bytes text = {};                       // of a text, in the bytes of the symbol font
   std::uint8_t value = 0;                // of a hairpin (80 diminuendo) or a volta bracket
-  std::vector<DrawingItem> nested = {};  // of a group
+  std::vector<DrawingItem> nested = {};  // of a group; readers take kMaxDrawingDepth
 };
 [[nodiscard]] DrawingItem TextDrawing(std::string_view symbols);
 [[nodiscard]] DrawingItem HairpinDrawing(std::uint16_t span, bool diminuendo);

@@ -1,6 +1,7 @@
 // Note groups: durations, keys, marks, and every kind of invalid record.
 #include <gmock/gmock.h>
 
+#include "score/score_drawings.h"
 #include "score/score_objects.h"
 #include "score_log.h"
 
@@ -152,16 +153,21 @@ TEST(Drawings, OfEveryKindAreReadInFull) {
   }
 }
 
-TEST(Drawings, NestedWithoutEndAreRefused) {
-  DrawingItem drawing;
-  for (int i = 0; i < 5000; ++i) {
-    DrawingItem outer;
-    outer.nested.push_back(std::move(drawing));
-    drawing = std::move(outer);
-  }
-  ScoreItem item = Quarter();
-  item.drawings.push_back(std::move(drawing));
-  EXPECT_EQ(Play(OneVoice({item})).outcome, Outcome::DamagedScore);
+TEST(Drawings, NestedTooDeepAreRefused) {
+  // An object whose drawings lie `lists` deep.
+  const auto nested = [](int lists) {
+    ScoreItem item = Quarter();
+    item.drawings.emplace_back();
+    for (int i = 2; i < lists; ++i) {
+      DrawingItem outer;
+      outer.nested = std::move(item.drawings);
+      item.drawings.clear();
+      item.drawings.push_back(std::move(outer));
+    }
+    return OneVoice({item});
+  };
+  EXPECT_EQ(Play(nested(kMaxDrawingDepth)).outcome, Outcome::Success);
+  EXPECT_EQ(Play(nested(kMaxDrawingDepth + 1)).outcome, Outcome::DamagedScore);
 }
 
 TEST(ObjectParameters, HoldNumbers) {

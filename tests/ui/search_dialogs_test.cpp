@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPrintPreviewWidget>
 #include <QRadioButton>
 #include <QSlider>
@@ -456,12 +457,14 @@ class ManageTest : public SearchDialogTest {
   }
   void Rename(const QString& to) {
     Press(*manager_, "renameButton");
-    auto* editor = list_->findChild<QLineEdit*>();
-    ASSERT_NE(editor, nullptr);
+    const QPointer<QLineEdit> editor = list_->findChild<QLineEdit*>();
+    ASSERT_FALSE(editor.isNull());
     editor->selectAll();
     QTest::keyClicks(editor, to);
     QTest::keyClick(editor, Qt::Key_Return);
-    QTest::qWait(10);
+    // What was typed is taken behind the key, and the list filled anew behind the editor's end.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return editor.isNull(); }));
+    QCoreApplication::processEvents();
   }
 
   MelodySound sound_{{"Orgel"},
