@@ -310,11 +310,12 @@ class Import {
 
 // --- the export
 
+// In quotes, with the escapes that TakeQuoted takes away.
 std::string Escaped(std::string_view text) {
   std::string escaped = "\"";
   for (const char c : text) {
-    if (c == '"' || c == '\\') escaped += '\\';
-    escaped += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+    if (c == '"' || c == '\\' || c == '\n' || c == '\r') escaped += '\\';
+    escaped += c == '\n' ? 'n' : c == '\r' ? 'r' : c;
   }
   return escaped += '"';
 }

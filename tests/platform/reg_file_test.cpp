@@ -211,5 +211,19 @@ TEST(RegFile, ExportIsExactAndComesBackAsItWas) {
   EXPECT_TRUE(*again.Exists("HKLM\\a\\B]\\unten"));
 }
 
+TEST(RegFile, NamesKeepTheirControlCharacters) {
+  RegistryValues values;
+  for (const char* name : {"a\x0F" "b", "a\"b", "zwei\nZeilen\r", "\t", "a\\n"}) values.SetText(name, name);
+  Registry registry = InMemory();
+  ASSERT_THAT(registry.Write("HKLM\\a", values), IsOk());
+  const auto text = ExportRegText(registry, "HKLM\\a");
+  ASSERT_THAT(text, IsOk());
+  Registry again = InMemory();
+  const auto report = ImportRegText(*text, again);
+  ASSERT_THAT(report, IsOk());
+  EXPECT_EQ(report->errorCount, 0U);
+  EXPECT_EQ(*again.Read("HKLM\\a"), values);
+}
+
 }  // namespace
 }  // namespace ts5
