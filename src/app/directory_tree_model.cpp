@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "frame/directory_listing.h"
 #include "frame/ui/qt_text.h"
@@ -35,6 +36,9 @@ struct DirectoryTreeModel::Node {
 
 namespace {
 
+// Directories that change are read again once it has been quiet for so long.
+constexpr int kQuietMilliseconds = 600;
+
 bool IsInside(std::string_view path, std::string_view directory) {
   if (directory.empty()) return false;
   if (directory == "/") return path.starts_with('/');
@@ -45,12 +49,22 @@ bool IsInside(std::string_view path, std::string_view directory) {
 }  // namespace
 
 DirectoryTreeModel::DirectoryTreeModel(QObject* parent)
-    : QAbstractItemModel(parent), root_(std::make_unique<Node>()), closedIcon_(Icon("closeddiricon")) {}
+    : QAbstractItemModel(parent), root_(std::make_unique<Node>()), closedIcon_(Icon("closeddiricon")) {
+  quiet_.setSingleShot(true);
+  quiet_.setInterval(kQuietMilliseconds);
+  connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, [this](const QString& path) {
+    changed_.insert(FromQt(path));
+    quiet_.start();
+  });
+  connect(&quiet_, &QTimer::timeout, this, &DirectoryTreeModel::ReadChanged);
+}
 DirectoryTreeModel::~DirectoryTreeModel() = default;
 
 void DirectoryTreeModel::SetRoot(const std::string& path, const QString& label) {
   worker_.DropAll();
   wanted_.reset();
+  changed_.clear();
+  if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
   beginResetModel();
   root_ = std::make_unique<Node>();
   root_->path = path;
@@ -155,6 +169,26 @@ void DirectoryTreeModel::Load(Node& node) {
   });
 }
 
+// A directory that is gone has had its parent changed too, unless it is the root, which stays.
+void DirectoryTreeModel::ReadChanged() {
+  for (const std::string& path : std::exchange(changed_, {})) {
+    if (Node* node = Find(path); node != nullptr && node->reading == Node::Reading::Done) Load(*node);
+  }
+}
+
+void DirectoryTreeModel::Remove(Node& parent, std::size_t row) {
+  const QModelIndex above = IndexOf(&parent);
+  const int at = static_cast<int>(row);
+  const std::string gone = parent.children[row]->path;
+  emit Vanishing(index(at, 0, above));
+  beginRemoveRows(above, at, at);
+  parent.children.erase(parent.children.begin() + at);
+  endRemoveRows();
+  for (const QString& watched : watcher_.directories()) {
+    if (IsInside(FromQt(watched), gone)) watcher_.removePath(watched);
+  }
+}
+
 // Children that stay keep their nodes, and so what is open below them.
 void DirectoryTreeModel::TakeChildren(const std::string& path, std::vector<std::unique_ptr<Node>> children) {
   Node* node = Find(path);
@@ -166,10 +200,7 @@ void DirectoryTreeModel::TakeChildren(const std::string& path, std::vector<std::
     return std::ranges::any_of(list, [&](const auto& child) { return child->path == wanted; });
   };
   for (std::size_t i = node->children.size(); i-- > 0;) {
-    if (holds(children, node->children[i]->path)) continue;
-    beginRemoveRows(parent, static_cast<int>(i), static_cast<int>(i));
-    node->children.erase(node->children.begin() + static_cast<std::ptrdiff_t>(i));
-    endRemoveRows();
+    if (!holds(children, node->children[i]->path)) Remove(*node, i);
   }
   if (node->children.empty()) {
     if (!children.empty()) {
@@ -187,6 +218,8 @@ void DirectoryTreeModel::TakeChildren(const std::string& path, std::vector<std::
       endInsertRows();
     }
   }
+  // Only a directory that has answered is watched: watching one that hangs would hang as well.
+  watcher_.addPath(ToQt(path));
   emit dataChanged(parent, parent);
   ContinueReveal();
 }

@@ -1,11 +1,15 @@
 // The directory tree of the source area: one root per drive, children read when they are needed and away from
-// the window's thread. Hidden directories are left out.
+// the window's thread, and again when somebody makes or removes directories below one that has been read.
+// Hidden directories are left out.
 #pragma once
 
 #include <QAbstractItemModel>
+#include <QFileSystemWatcher>
 #include <QIcon>
+#include <QTimer>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -44,6 +48,8 @@ class DirectoryTreeModel : public QAbstractItemModel {
 
  signals:
   void Revealed(const QModelIndex& index);
+  // The directory is gone; its row and those below are removed after this.
+  void Vanishing(const QModelIndex& index);
 
  private:
   struct Node;
@@ -52,11 +58,16 @@ class DirectoryTreeModel : public QAbstractItemModel {
   [[nodiscard]] Node* Find(const std::string& path) const;
   void Load(Node& node);
   void TakeChildren(const std::string& path, std::vector<std::unique_ptr<Node>> children);
+  void Remove(Node& parent, std::size_t row);
+  void ReadChanged();
   void ContinueReveal();
 
   std::unique_ptr<Node> root_;
   std::optional<std::string> wanted_;  // where Reveal is going
   QIcon closedIcon_;
+  QFileSystemWatcher watcher_;     // the directories whose children have been read
+  std::set<std::string> changed_;  // of these, the ones to be read again
+  QTimer quiet_;
   BackgroundWorker worker_;
 };
 

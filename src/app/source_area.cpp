@@ -99,6 +99,7 @@ SourceArea::SourceArea(QWidget* parent)
 
   connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
   connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);
+  connect(&treeModel_, &DirectoryTreeModel::Vanishing, this, &SourceArea::LeaveVanishing);
   connect(&treeModel_, &DirectoryTreeModel::Revealed, this, [this](const QModelIndex& index) {
     revealing_ = true;
     tree_->expand(treeModel_.RootIndex());
@@ -115,6 +116,17 @@ void SourceArea::TakeTreeIndex(const QModelIndex& index) {
   if (treeModel_.Revealing() && index == treeModel_.RootIndex()) return;
   shownDirectory_ = path;
   emit DirectoryChosen(path);
+}
+
+// Where the directory that is shown goes, its parent is shown, not a neighbour; while the tree is locked, as
+// a run reads the directory, only the mark moves.
+void SourceArea::LeaveVanishing(const QModelIndex& index) {
+  QModelIndex current = tree_->currentIndex();
+  while (current.isValid() && current != index) current = current.parent();
+  if (!current.isValid()) return;
+  revealing_ = !tree_->isEnabled();
+  tree_->setCurrentIndex(index.parent());
+  revealing_ = false;
 }
 
 void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {

@@ -74,6 +74,7 @@ class SourceArea : public QWidget {
 
  private:
   void TakeTreeIndex(const QModelIndex& index);
+  void LeaveVanishing(const QModelIndex& index);
   void UpdateVisibility();
 
   DriveSelector* drives_;

@@ -295,5 +295,30 @@ TEST_F(ListStory, ADirectoryHasAPlaceholderUntilItIsOpened) {
   EXPECT_EQ(tree.rowCount(music), 1);
 }
 
+TEST_F(ListStory, TheTreeFollowsDirectoriesThatComeAndGo) {
+  WriteMidi("Musik/Chor/Alt/a.mid");
+  WriteMidi("Musik/Band/b.mid");
+  Start();
+  SourceArea& source = W().Source();
+  DirectoryTreeModel& tree = source.TreeModel();
+  tree.Reveal(directory_.File("Musik/Chor/Alt"));
+  const auto at = [&](const char* path) {
+    return tree.PathOf(source.Tree()->currentIndex()) == directory_.File(path);
+  };
+  ASSERT_TRUE(WaitFor([&] { return at("Musik/Chor/Alt"); }));
+  const QPersistentModelIndex music = source.Tree()->currentIndex().parent().parent();
+  ASSERT_EQ(tree.rowCount(music), 2);
+
+  std::filesystem::create_directory(directory_.File("Musik/Orgel"));
+  EXPECT_TRUE(WaitFor([&] { return tree.rowCount(music) == 3; }));
+  EXPECT_TRUE(at("Musik/Chor/Alt"));
+
+  // The directory that is shown goes with its parent: what is left of its path is shown, no neighbour.
+  std::filesystem::remove_all(directory_.File("Musik/Chor"));
+  EXPECT_TRUE(WaitFor([&] { return tree.rowCount(music) == 2; }));
+  EXPECT_TRUE(at("Musik"));
+  EXPECT_TRUE(WaitFor([&] { return ActiveJob().directory.path == directory_.File("Musik"); }));
+}
+
 }  // namespace
 }  // namespace ts5
