@@ -213,7 +213,7 @@ TEST(RegFile, ExportIsExactAndComesBackAsItWas) {
 
 TEST(RegFile, NamesKeepTheirControlCharacters) {
   RegistryValues values;
-  for (const char* name : {"a\x0F" "b", "a\"b", "zwei\nZeilen\r", "\t", "a\\n"}) values.SetText(name, name);
+  for (const char* name : {"a\x0F!", "a\"b", "zwei\nZeilen\r", "\t", "a\\n"}) values.SetText(name, name);
   Registry registry = InMemory();
   ASSERT_THAT(registry.Write("HKLM\\a", values), IsOk());
   const auto text = ExportRegText(registry, "HKLM\\a");
