@@ -50,7 +50,7 @@ Result<ScoreProperties> ReadScoreProperties(const std::string& path) {
   if (!info) return Failure(info.error());
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
-  return ScoreProperties{Format(Text(TextId::PropertiesTitle), FileNameOf(path)),
+  return ScoreProperties{Format(Text(TextId::ScorePropertiesTitle), FileNameOf(path)),
                          ScorePropertyRows(*info, *written)};
 }
 
