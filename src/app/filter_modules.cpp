@@ -23,7 +23,7 @@ const std::vector<FilterModule>& Table() {
     modules.push_back(MidiPlayerModule());
     modules.push_back(MidiToWaveModule());
     modules.push_back(AudioPlayerModule());
-    modules.push_back(SearchModule(FilterId::ScoreSearch, {}));
+    modules.push_back(ScoreSearchModule());
     modules.push_back(MidiSearchModule());
     modules.push_back(WaveConverterModule());
     std::ranges::sort(modules, {}, &FilterModule::id);

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "score/score_engine.h"
+#include "score/score_system.h"
 
 namespace ts5 {
 
@@ -9,17 +10,9 @@ Result<std::vector<std::uint8_t>> CountVoices(ByteView file, const ScoreFileInfo
   std::vector<std::uint8_t> voices(info.staves.size());
   ScoreSource in(file, info.bodyOffset);
   for (std::uint32_t s = 0; s < info.systems && in.Ok(); ++s) {
-    const SystemHeader system = ReadSystemHeader(in);
-    for (std::uint32_t i = 0; i < system.staves && in.Ok(); ++i) {
-      const StaffHeader staff = ReadStaffHeader(in);
-      if (!in.Ok() || staff.layout >= voices.size()) return Failure(Outcome::DamagedScore);
-      const auto count = static_cast<std::uint8_t>(std::min<std::uint32_t>(staff.voices, kMaxVoices));
-      voices[staff.layout] = std::max(voices[staff.layout], count);
-      for (std::uint32_t v = 0; v < staff.voices && in.Ok(); ++v) {
-        const VoiceHeader voice = ReadVoiceHeader(in);
-        for (std::uint32_t k = 0; k < voice.objects && in.Ok(); ++k) (void)ReadObject(in);
-      }
-    }
+    const ScoreSystem system = ReadSystem(in, voices.size());
+    for (const SystemStaff& staff : system.staves)
+      voices[staff.layout] = std::max(voices[staff.layout], static_cast<std::uint8_t>(staff.voices));
   }
   if (!in.Ok()) return Failure(Outcome::DamagedScore);
   return voices;

@@ -7,6 +7,7 @@
 #include "midi/midi_events.h"
 #include "platform/midi_out.h"
 #include "platform/text.h"
+#include "score/score_system.h"
 
 namespace ts5 {
 namespace {
@@ -80,33 +81,21 @@ bool ScoreEngine::ReadSystem() {
   state_.order.clear();
 
   ScoreSource in(file_, state_.nextSystem);
-  const SystemHeader system = ReadSystemHeader(in);
-  if (system.tempo != 0) state_.tempo = system.tempo;
-  for (std::uint32_t i = 0; i < system.staves && in.Ok(); ++i) {
-    const StaffHeader staff = ReadStaffHeader(in);
-    if (!in.Ok() || staff.layout >= info_.staves.size()) return false;
-    if (i == 0 && staff.time.Usable()) state_.time = staff.time;
-    if (!std::ranges::count(state_.order, std::size_t{staff.layout})) state_.order.push_back(staff.layout);
-    if (!ReadStaffVoices(in, staff.layout, staff.voices, start)) return false;
-  }
+  const ScoreSystem system = ts5::ReadSystem(in, info_.staves.size());
+  if (!in.Ok()) return false;
   state_.nextSystem = in.Position();
-  return in.Ok();
-}
-
-bool ScoreEngine::ReadStaffVoices(ScoreSource& in, std::size_t layout, std::uint32_t count,
-                                  std::int64_t start) {
-  for (std::uint32_t i = 0; i < count && in.Ok(); ++i) {
-    const VoiceHeader header = ReadVoiceHeader(in);
-    if (!in.Ok()) return false;
-    if (i < kMaxVoices) {
-      Voice& voice = state_.staves[layout].voices[i];
-      voice.position = in.Position();
-      voice.objects = header.objects;
+  if (system.tempo != 0) state_.tempo = system.tempo;
+  if (!system.staves.empty() && system.staves[0].time.Usable()) state_.time = system.staves[0].time;
+  for (const SystemStaff& staff : system.staves) {
+    state_.order.push_back(staff.layout);
+    for (std::size_t i = 0; i < staff.voices; ++i) {
+      Voice& voice = state_.staves[staff.layout].voices[i];
+      voice.position = staff.places[i].position;
+      voice.objects = staff.places[i].objects;
       voice.time = start;
     }
-    for (std::uint32_t k = 0; k < header.objects && in.Ok(); ++k) (void)ReadObject(in);
   }
-  return in.Ok();
+  return true;
 }
 
 bool ScoreEngine::SystemEnded() const {

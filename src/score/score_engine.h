@@ -140,8 +140,6 @@ class ScoreEngine {
   enum class Pending : std::uint8_t { None, Start, Jump, PassAndStart, Pass };
 
   [[nodiscard]] bool ReadSystem();
-  [[nodiscard]] bool ReadStaffVoices(ScoreSource& in, std::size_t layout, std::uint32_t count,
-                                     std::int64_t start);
   [[nodiscard]] bool RunVoices();
   [[nodiscard]] bool RunVoice(std::size_t layout, std::size_t voice, bool first);
   [[nodiscard]] bool SystemEnded() const;

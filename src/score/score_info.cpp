@@ -32,12 +32,13 @@ std::string StaffName(const std::array<std::string, 3>& candidates) {
   return candidates[2].empty() ? std::string(Text(TextId::ScoreStaffUnnamed)) : candidates[2];
 }
 
-void ReadStaffFrame(ScoreSource& in) {
+void ReadStaffFrame(ScoreSource& in, StaffLayout& staff) {
   in.Skip(1);
   const std::uint8_t form = in.U8();
   if (form != 1 && form != 2) in.Skip(kFormBytes);
   in.Skip(1);
-  for (int i = 0; i < 3; ++i) (void)in.CompactSigned();
+  staff.spacing = in.CompactSigned();
+  for (int i = 0; i < 2; ++i) (void)in.CompactSigned();
   in.Skip(3);
 }
 
@@ -66,7 +67,7 @@ void ReadStaffSound(ScoreSource& in, StaffLayout& staff) {
 
 StaffLayout ReadStaff(ScoreSource& in) {
   StaffLayout staff;
-  ReadStaffFrame(in);
+  ReadStaffFrame(in, staff);
   ReadStaffSound(in, staff);
   std::array<std::string, 3> candidates;
   for (std::string& candidate : candidates) candidate = TextOf(in.Blob());
@@ -77,7 +78,8 @@ StaffLayout ReadStaff(ScoreSource& in) {
 }
 
 void ReadLayoutBlock(ScoreSource& in, ScoreFileInfo& info) {
-  for (int i = 0; i < 4; ++i) (void)in.CompactSigned();
+  info.systemSpacing = in.CompactSigned();
+  for (int i = 0; i < 3; ++i) (void)in.CompactSigned();
   in.Skip(4);
   (void)in.CompactSigned();
   in.Frame();

@@ -27,6 +27,7 @@ struct StaffLayout {
   std::int32_t transpose = 0;  // semitones
   bool usesNoteMap = false;    // a drum staff
   NoteMap noteMap{};           // the identity unless the file changes it
+  std::int32_t spacing = 0;    // from this staff to the next one, in the units of the notation program
 };
 
 struct ScoreFileInfo {
@@ -36,6 +37,7 @@ struct ScoreFileInfo {
   std::string comment;
   bool landscape = false;
   std::vector<StaffLayout> staves;
+  std::int32_t systemSpacing = 0;  // behind the last staff of a system; the current format only
   std::uint32_t galleryObjects = 0;
   std::uint32_t systems = 0;
   std::size_t bodyOffset = 0;  // of the first system; the current format only

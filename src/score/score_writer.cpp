@@ -162,7 +162,9 @@ void WriteSystem(ByteWriter& out, const SystemItems& system) {
 void WriteStaff(ByteWriter& out, const StaffLayout& staff) {
   out.U8(0);
   out.U8(kPlainForm);
-  out.Fill(7, 0);
+  out.U8(0);
+  WriteCompactSigned(out, staff.spacing);
+  out.Fill(5, 0);  // two values, three bytes
   out.U8(staff.usesNoteMap ? 5 : 0);
   if (staff.usesNoteMap) {
     out.U8(0);
@@ -217,7 +219,8 @@ Bytes WriteScore(const ScoreDocument& score) {
   WriteText(out, score.comment);
   out.Fill(2, 0);
   out.U8(score.landscape ? 0x10 : 0);
-  out.Fill(9, 0);  // four values, four bytes, a value
+  WriteCompactSigned(out, score.systemSpacing);
+  out.Fill(8, 0);  // three values, four bytes, a value
   out.U8(kNoFrame);
   WriteCompactUnsigned(out, static_cast<std::uint32_t>(score.staves.size()));
   for (const StaffLayout& staff : score.staves) WriteStaff(out, staff);

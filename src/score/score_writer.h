@@ -76,6 +76,7 @@ struct ScoreDocument {
   std::string comment = {};
   bool landscape = false;
   std::vector<StaffLayout> staves = {};
+  std::int32_t systemSpacing = 0;
   std::vector<Bytes> gallery = {};
   std::vector<SystemItems> systems = {};
 };

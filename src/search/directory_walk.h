@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "search/midi_search.h"
+#include "search/melody_query.h"
 
 namespace ts5 {
 

@@ -4,27 +4,15 @@
 // Hits count the tracks behind it from 0.
 #pragma once
 
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "platform/bytes.h"
 #include "search/hit_sink.h"
-#include "search/search_melody.h"
-#include "search/search_options.h"
+#include "search/melody_query.h"
 
 namespace ts5 {
 
 inline constexpr std::uint32_t kDefaultTempo = 120;  // of a file without Set Tempo
-
-// What is looked for.
-struct MelodyQuery {
-  std::vector<MelodyElement> elements;
-  SearchOptions options;
-};
-
-// Polled while a file is searched; may be empty.
-using CancelCheck = std::function<bool()>;
 
 // The image of a whole file. WrongFormat: no MIDI file. DamagedMidi: a track is missing or breaks off; the
 // hits of the tracks before it were sent. Else what the sink or the cancel check ended it with.

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "search/hit_sink.h"
-#include "search/midi_search.h"
+#include "search/melody_query.h"
 
 namespace ts5 {
 

@@ -12,7 +12,9 @@
 #include "platform/paths.h"
 #include "search/directory_walk.h"
 #include "search/hit_texts.h"
+#include "search/midi_search.h"
 #include "search/result_file.h"
+#include "search/score_search.h"
 
 namespace ts5 {
 namespace {
@@ -175,6 +177,32 @@ class SearchRun {
   Outcome last_ = Outcome::Success;  // decides the remark
 };
 
+using SearchFunction = SearchOutcome (*)(const std::string& path, const MelodyQuery& query,
+                                         const HitSink& sink, const CancelCheck& cancelled);
+
+FilterModule SearchModule(FilterId filter, SearchFunction search) {
+  FilterModule module;
+  module.id = filter;
+  module.create = [filter] {
+    auto parameters = std::make_unique<SearchParameters>();
+    if (filter != FilterId::MidiSearch) parameters->options.tolerance = Tolerance::None;
+    return parameters;
+  };
+  module.fields = SearchFields(filter);
+  module.missing = [](const Job& job) -> std::optional<TextId> {
+    if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
+    return TextId::MelodyMissing;
+  };
+  module.run = [search](Run& run) {
+    const auto& parameters = run.Parameters<SearchParameters>();
+    const MelodyQuery query = {parameters.melody.elements, parameters.options};
+    RunMelodySearch(run, [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
+      return search(path, query, sink, cancelled);
+    });
+  };
+  return module;
+}
+
 }  // namespace
 
 void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads) {
@@ -205,35 +233,12 @@ SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result) {
   return record;
 }
 
-FilterModule SearchModule(FilterId filter, SearchFactory factory) {
-  FilterModule module;
-  module.id = filter;
-  module.create = [filter] {
-    auto parameters = std::make_unique<SearchParameters>();
-    if (filter != FilterId::MidiSearch) parameters->options.tolerance = Tolerance::None;
-    return parameters;
-  };
-  module.fields = SearchFields(filter);
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
-    return TextId::MelodyMissing;
-  };
-  if (factory) {
-    module.run = [factory = std::move(factory)](Run& run) {
-      RunMelodySearch(run, factory(run.Parameters<SearchParameters>()));
-    };
-  }
-  return module;
+FilterModule MidiSearchModule() {
+  return SearchModule(FilterId::MidiSearch, SearchMidiFile);
 }
 
-FilterModule MidiSearchModule() {
-  return SearchModule(FilterId::MidiSearch, [](const SearchParameters& parameters) -> FileSearch {
-    MelodyQuery query = {parameters.melody.elements, parameters.options};
-    return [query = std::move(query)](const std::string& path, const HitSink& sink,
-                                      const CancelCheck& cancelled) {
-      return SearchMidiFile(path, query, sink, cancelled);
-    };
-  });
+FilterModule ScoreSearchModule() {
+  return SearchModule(FilterId::ScoreSearch, SearchScoreFile);
 }
 
 }  // namespace ts5

@@ -9,9 +9,6 @@
 
 namespace ts5 {
 
-// Makes the search of one file out of a job's parameters.
-using SearchFactory = std::function<FileSearch(const SearchParameters&)>;
-
 // Fills run.Result(): files searched, hits, unsuitable files, and the remark of the last file's outcome. Hits
 // go to the screen or to the result file, as the job says. Without selected files a directory job walks its
 // tree. threads: 0 for as many as there are cores.
@@ -21,8 +18,7 @@ void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads = 0);
 [[nodiscard]] SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters);
 [[nodiscard]] SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result);
 
-// Without a factory the module has the parameters and cannot run.
-[[nodiscard]] FilterModule SearchModule(FilterId filter, SearchFactory factory);
 [[nodiscard]] FilterModule MidiSearchModule();
+[[nodiscard]] FilterModule ScoreSearchModule();
 
 }  // namespace ts5

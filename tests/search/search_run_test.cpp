@@ -10,6 +10,7 @@
 #include "search/directory_walk.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
+#include "search/midi_search.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 #include "track_builder.h"
@@ -310,7 +311,7 @@ TEST(SearchInOrderTest, MemoryFailuresOfFilesAreOutcomes) {
 
 TEST(SearchParametersTest, StoredValuesRoundTripAndDefaults) {
   for (const FilterId filter : {FilterId::MidiSearch, FilterId::ScoreSearch}) {
-    const FilterModule module = SearchModule(filter, {});
+    const FilterModule module = filter == FilterId::MidiSearch ? MidiSearchModule() : ScoreSearchModule();
     SearchParameters parameters;
     parameters.melody = *MelodyFromKeys("<F8>-c8.de");
     parameters.melody.name = "Name";

@@ -1,0 +1,148 @@
+#include "search/score_search.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/files.h"
+#include "search/score_items.h"
+#include "search/track_matcher.h"
+
+namespace ts5 {
+namespace {
+
+struct Element {
+  std::uint8_t key = 0;  // 0 of a rest
+  bool isRest = false;
+  std::int32_t duration = 0;
+};
+
+std::vector<Element> Prepared(const std::vector<MelodyElement>& elements) {
+  SearchMelody melody;
+  melody.elements = elements;
+  TrimMelodyRests(melody);
+  std::vector<Element> prepared;
+  for (const MelodyElement& element : melody.elements) {
+    const bool isRest = IsRest(element);
+    prepared.push_back({isRest ? std::uint8_t{0} : static_cast<std::uint8_t>(KeyOf(element.pitch)), isRest,
+                        element.duration});
+  }
+  return prepared;
+}
+
+// One voice against the melody. The intervals are differences in 8 bits, with a rest as key 0.
+class VoiceMatcher {
+ public:
+  VoiceMatcher(const std::vector<Element>& melody, const SearchOptions& options)
+      : melody_(melody), options_(options) {}
+
+  // The first and the last item of each place; send ends the search when it fails.
+  template <typename Send>
+  Outcome Search(const std::vector<ScoreSearchItem>& items, const Send& send) {
+    std::size_t matched = 0;
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < items.size();) {
+      if (matched == 0 ? Starts(items[i]) : Follows(matched, items[i - 1], items[i])) {
+        if (matched == 0) first = i;
+        if (++matched == melody_.size()) {
+          if (const Outcome sent = send(items[first], items[i]); Failed(sent)) return sent;
+          matched = 0;
+        }
+        ++i;
+      } else if (matched == 0) {
+        ++i;
+      } else {
+        matched = 0;  // the item may be a first one
+      }
+    }
+    return Outcome::Success;
+  }
+
+ private:
+  bool Starts(const ScoreSearchItem& item) {
+    if (item.isRest || !FirstNoteMatches(options_.pitch, melody_[0].key, item.lastKey)) return false;
+    const bool relative = options_.rhythm == RhythmMode::Relative;
+    factor_ = relative ? static_cast<float>(melody_[0].duration) / static_cast<float>(item.duration) : 1.0F;
+    return RhythmFits(melody_[0], item);
+  }
+
+  bool Follows(std::size_t matched, const ScoreSearchItem& before, const ScoreSearchItem& item) const {
+    const Element& element = melody_[matched];
+    const bool rests = element.isRest && item.isRest;
+    if (!rests && options_.pitch != PitchMode::Ignore) {
+      const auto wanted = static_cast<std::uint8_t>(element.key - melody_[matched - 1].key);
+      if (wanted != static_cast<std::uint8_t>(item.firstKey - before.firstKey)) return false;
+    }
+    return RhythmFits(element, item);
+  }
+
+  // An item without duration gives a factor that is no number; nothing equals that.
+  bool RhythmFits(const Element& element, const ScoreSearchItem& item) const {
+    if (options_.rhythm == RhythmMode::Any) return true;
+    return std::trunc(static_cast<double>(item.duration) * double{factor_}) == element.duration;
+  }
+
+  const std::vector<Element>& melody_;
+  const SearchOptions& options_;
+  float factor_ = 1.0F;
+};
+
+SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileInfo& info,
+                          const std::string& path, const MelodyQuery& query, const HitSink& sink,
+                          const CancelCheck& cancelled) {
+  const std::vector<Element> melody = Prepared(query.elements);
+  if (melody.empty()) return {};
+  SearchOutcome outcome;
+  SearchHit hit;
+  hit.file = path;
+  VoiceMatcher matcher(melody, query.options);
+  const auto send = [&](const ScoreSearchItem& first, const ScoreSearchItem& last) {
+    hit.firstSystem = first.system;
+    hit.lastSystem = last.system;
+    hit.firstObject = first.object;
+    hit.lastObject = last.object;
+    hit.verticalPosition = first.verticalPosition;
+    hit.bar = first.bar - 1;
+    hit.time = first.beat - 1;
+    const Outcome sent = sink(hit);
+    if (Succeeded(sent)) ++outcome.hits;
+    return sent;
+  };
+  const std::size_t count =
+      query.options.firstTrackOnly ? std::min<std::size_t>(lines.size(), 1) : lines.size();
+  for (std::size_t line = 0; line < count; ++line) {
+    if (info.staves[line].usesNoteMap && !query.options.drumTrack) continue;
+    hit.track = static_cast<std::int32_t>(line);
+    for (std::size_t voice = 0; voice < kMaxVoices; ++voice) {
+      if (cancelled && cancelled()) outcome.code = Outcome::Cancelled;
+      hit.voice = static_cast<std::int32_t>(voice);
+      if (Succeeded(outcome.code)) outcome.code = matcher.Search(lines[line][voice], send);
+      if (Failed(outcome.code)) return outcome;
+    }
+  }
+  return outcome;
+}
+
+}  // namespace
+
+SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
+                               const HitSink& sink, const CancelCheck& cancelled) {
+  const auto info = ReadScoreInfo(file);
+  if (!info) return {info.error() == Outcome::WrongFormat ? Outcome::WrongFormat : Outcome::SourceFailed, 0};
+  if (!info->IsCurrent()) return {Outcome::WrongFormat, 0};
+  const auto lines = ReadScoreItems(file, *info, cancelled);
+  if (!lines) return {lines.error() == Outcome::DamagedScore ? Outcome::SourceFailed : lines.error(), 0};
+  return SearchLines(*lines, *info, path, query, sink, cancelled);
+}
+
+SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query, const HitSink& sink,
+                              const CancelCheck& cancelled) {
+  // A large file of another kind is not read for nothing.
+  const auto start = ReadFileStart(path, sizeof kScoreMagic);
+  if (!start) return {start.error() == Outcome::ReadFailed ? Outcome::WrongFormat : Outcome::SourceFailed, 0};
+  if (ByteReader(*start).U32Le() != kScoreMagic) return {Outcome::WrongFormat, 0};
+  const auto file = ReadFile(path, kMaxScoreFile);
+  if (!file) return {file.error() == Outcome::OutOfMemory ? Outcome::OutOfMemory : Outcome::SourceFailed, 0};
+  return SearchScoreImage(*file, path, query, sink, cancelled);
+}
+
+}  // namespace ts5
