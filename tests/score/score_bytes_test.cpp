@@ -135,7 +135,7 @@ TEST(ScoreTracks, VoicesHaveChannelsOfTheirOwn) {
   document.systems[0].staves[0].voices.push_back({Quarter(kD)});
   document.staves[0].sound = 40;
   const Bytes midi = MidiOf(document);
-  const ByteView track = ByteView(midi).last(39);
+  const ByteView track = ByteView(midi).last(40);
   EXPECT_EQ(Hex(track),
             "00 C0 28 00 B0 07 64 00 C1 28 00 B1 07 64 00 FF 03 01 41 "
             "00 90 3C 5A 00 91 3E 5A 83 33 90 3C 00 00 91 3E 00 2D FF 2F 00 ");
