@@ -1,6 +1,6 @@
 #!/bin/bash
 # Jobs in the real window: many files dropped at once, two jobs that run side by side while the user goes from one to
-# the other, a question that is open when the program is told to end. Prints how long the drop takes.
+# the other, windows that are open when the program is told to end. Prints how long the drop takes.
 #
 #   tests/desktop/jobs.sh PROGRAM [PICTURES]
 #
@@ -68,9 +68,10 @@ for job in 1 2; do
   make_files "$HOME/Chor$job" "$converted"
   {
     printf 'REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\software\\qlw\\Stavora-dialog\\5.0\\Jobs\\Job %04d]\n' "$job"
-    printf '"Title"="Chor %d"\n"Filter"="5"\n"SourceDrive"="-1"\n"SourceFilelistNum"="%d"\n' "$job" "$converted"
-    seq 0 $((converted - 1)) |
-      awk -v d="$HOME/Chor$job" '{ printf "\"SourceListFile %04d\"=\"%s/lied%06d.mid\"\n", $1, d, $1 + 1 }'
+    printf '"Title"="Chor %d"\n"Filter"="5"\n"SourcePath"="%s"\n"SourceDrive"="-1"\n"SourceFilelistNum"="%d"\n' \
+      "$job" "$HOME" "$converted"
+    seq "$converted" |
+      awk -v d="$HOME/Chor$job" '{ printf "\"SourceListFile %04d\"=\"%s/lied%06d.mid\"\n", $1, d, $1 }'
   } >"$work/job.reg"
   "$console" registry import "$work/job.reg" >/dev/null
 done
@@ -80,7 +81,7 @@ start_program
 for button in 130 200; do
   click "$button" 46
   sleep 0.7
-  click 620 135
+  click 400 135
   keys shift+End
   sleep 0.3
   keys ctrl+Return
@@ -104,24 +105,35 @@ keys Return
 end_program
 ! half_written || fail "something half-written"
 
-# --- a question is open when the program is told to end
+# --- the results, and then the properties of a file, are open when the program is told to end
 
-mkdir "$HOME/Musik/Frage"
-cp "$demo/Maple Leaf Rag.mid" "$HOME/Musik/Frage/lied.mid"
-echo "vom Benutzer" >"$HOME/Musik/Frage/ziel.mid"
+mkdir "$HOME/Musik/Ende"
+cp "$demo/Maple Leaf Rag.mid" "$HOME/Musik/Ende/lied.mid"
 set_job 0000 SourceDrive 0
-set_job 0000 SourcePath "$HOME/Musik/Frage"
-start_program
-click 620 135
-sleep 0.5
-xdotool mousemove $((X + 600)) $((Y + 566)) click --repeat 3 1
-xdotool type --delay 20 "$HOME/Musik/Frage/ziel.mid"
-keys ctrl+Return
-window '^Stavora Tonstudio 5$' >/dev/null
-sleep 1
-picture 6-question
-kill -TERM "$app"
-within 20 gone || fail "the program hangs on its question"
-app=
-[ "$(cat "$HOME/Musik/Frage/ziel.mid")" = "vom Benutzer" ] || fail "a file was replaced without an answer"
-echo "jobs: $dropped files dropped, 2 jobs of $converted files side by side, ended with a question open: all in order"
+set_job 0000 SourcePath "$HOME/Musik/Ende"
+for open in results properties; do
+  start_program
+  sleep 1
+  click 620 135
+  sleep 0.5
+  case $open in
+    results)
+      # A name of the user's own for the converted file.
+      click 600 566
+      keys ctrl+a
+      xdotool type --delay 30 "$HOME/Musik/Ende/neu.mid"
+      keys ctrl+Return
+      window '^Ergebnisse der Midi-Konvertierung' >/dev/null || fail "no results"
+      [ -s "$HOME/Musik/Ende/neu.mid" ] || fail "the typed name was not taken"
+      ;;
+    properties)
+      keys ctrl+e
+      window 'igenschaften' >/dev/null || fail "no properties"
+      ;;
+  esac
+  picture "6-$open"
+  kill -TERM "$app"
+  within 20 gone || fail "the program hangs on its $open"
+  app=
+done
+echo "jobs: $dropped files dropped, 2 jobs of $converted files side by side, ended with windows open: all in order"
