@@ -132,6 +132,11 @@ void BM_SearchWalkFloor(benchmark::State& state) {
 }
 BENCHMARK(BM_SearchWalkFloor)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
+// Even quarters, which is what most music is made of: nearly every note might begin a match.
+std::vector<MelodyElement> EvenQuarters() {
+  return {{60, 240}, {67, 240}, {64, 240}, {72, 240}, {71, 240}, {55, 240}, {60, 240}, {48, 240}};
+}
+
 // Eight notes that hardly ever come: neither the intervals nor the rhythm.
 MelodyQuery RareMelody() {
   MelodyQuery query;
@@ -143,9 +148,10 @@ MelodyQuery RareMelody() {
 void BM_SearchTrack(benchmark::State& state) {
   const Source& source = SourceOf(state.range(0));
   MelodyQuery query = RareMelody();
+  if (state.range(3) != 0) query.elements = EvenQuarters();
   query.options.rhythm = static_cast<RhythmMode>(state.range(1));
   query.options.pitch = static_cast<PitchMode>(state.range(2));
-  const std::vector<PreparedNote> melody = PrepareMelody(query.elements, 480);
+  const PreparedMelody melody = PrepareMelody(query.elements, 480);
   const TimeSignatureMap signatures = {{}};
   const std::string file = "x.mid";
   const CancelCheck never;
@@ -161,8 +167,9 @@ void BM_SearchTrack(benchmark::State& state) {
   state.SetLabel(source.name);
 }
 BENCHMARK(BM_SearchTrack)
-    ->ArgNames({"source", "rhythm", "pitch"})
-    ->ArgsProduct({{0, 1}, {0, 1, 2}, {0, 1, 2, 3}})
+    ->ArgNames({"source", "rhythm", "pitch", "even"})
+    ->ArgsProduct({{0, 1}, {0, 1, 2}, {0, 1, 2, 3}, {0}})
+    ->ArgsProduct({{0, 1}, {0, 1}, {3}, {1}})
     ->Unit(benchmark::kMicrosecond);
 
 // Whole files: one with a conductor track of its own, and one whose only track holds everything.
@@ -262,6 +269,37 @@ void BM_SearchTree(benchmark::State& state) {
   SetRate(state, TheTree().Size());
 }
 BENCHMARK(BM_SearchTree)->ArgName("threads")->Arg(1)->Arg(2)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+// From the start of a search to its first hit, in a tree whose first file has one.
+void BM_SearchFirstHit(benchmark::State& state) {
+  MelodyQuery query;
+  query.elements = {{60, 240}, {64, 240}};
+  query.options = {.rhythm = RhythmMode::Any, .pitch = PitchMode::Relative};
+  const FileSearch search = [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
+    return SearchMidiFile(path, query, sink, cancelled);
+  };
+  (void)TheTree();
+  for (auto _ : state) {
+    DirectoryWalk walk(TheTree().Path());
+    OrderedSearchEvents events;
+    events.next = [&] { return walk.Next(); };
+    events.begin = [](const std::string&) {};
+    events.hit = [](const SearchHit&) { return Outcome::Cancelled; };
+    bool found = false;
+    events.end = [&](const std::string&, const SearchOutcome& outcome) {
+      found = outcome.code == Outcome::Cancelled;
+      return !found;
+    };
+    SearchInOrder(search, events, {}, static_cast<unsigned>(state.range(0)));
+    if (!found) state.SkipWithError("no hit");
+  }
+}
+BENCHMARK(BM_SearchFirstHit)
+    ->ArgName("threads")
+    ->Arg(1)
+    ->Arg(2)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ts5

@@ -101,20 +101,20 @@ void HitView::ShowTip(const QPoint& position, const QPoint& globalPosition) {
     return;
   }
   const SearchResults& results = model_.Results();
-  const SearchHit hit = results.Hit(static_cast<std::size_t>(index.row()));
+  const auto row = static_cast<std::size_t>(index.row());
+  const SearchHit hit = results.Hit(row);
   const QString file = QStringLiteral("<p>%1</p>").arg(ToQt(hit.file).toHtmlEscaped());
   QToolTip::showText(globalPosition, file, viewport());
   if (results.Record().kind != SearchKind::Midi) return;
-  worker_.Start(
-      [this, hit, file, globalPosition, notes = results.Record().notes]() -> BackgroundWorker::Done {
-        const auto playable = LoadPlayableHit(hit, notes);
-        if (!playable) return {};
-        const QString tip = file + ToQt(MapTimeText(playable->onset)).toHtmlEscaped();
-        return [this, file, tip, globalPosition] {
-          if (QToolTip::isVisible() && QToolTip::text() == file)
-            QToolTip::showText(globalPosition, tip, viewport());
-        };
-      });
+  worker_.Start([this, hit, file, globalPosition, notes = results.Notes(row)]() -> BackgroundWorker::Done {
+    const auto playable = LoadPlayableHit(hit, notes);
+    if (!playable) return {};
+    const QString tip = file + ToQt(MapTimeText(playable->onset)).toHtmlEscaped();
+    return [this, file, tip, globalPosition] {
+      if (QToolTip::isVisible() && QToolTip::text() == file)
+        QToolTip::showText(globalPosition, tip, viewport());
+    };
+  });
 }
 
 }  // namespace ts5

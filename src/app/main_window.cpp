@@ -219,7 +219,6 @@ bool MainWindow::Show(Job& job) {
   destination.midiDevice = midi ? job.destinationDevice - kMidiDeviceBase : -1;
   if (!midi) destination.audioDevice = destination.drive = destination.printer = job.destinationDevice;
   target_->SetPanel(destination);
-  ShowPlaces(Splitters(), job.sizing, size());
   SetMaximised(job.Mode() == SourceMode::List && job.fileWindowMaximised);
   ShowSource(job);
   if (job.destinationName.empty()) RefreshDestination();
@@ -232,6 +231,7 @@ void MainWindow::ShowFilterPanels(const Job& job) {
   PanelOf(job).SetFilter(job.filter);
   target_->ShowPanels(Descriptor(job.filter).panels);
   actions_->SetAccelerators(AcceleratorsOf(job.filter));
+  ShowPlaces(Splitters(), job.sizing, IsFilter(job.filter) && IsSearch(job.filter), size());
 }
 
 void MainWindow::ShowFilter() {

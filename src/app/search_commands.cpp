@@ -60,10 +60,9 @@ RunPanel& SearchCommands::Panel() const {
   return window_.PanelOf(window_.ActiveJob());
 }
 
-std::optional<SearchHit> SearchCommands::Hit() const {
+std::optional<std::size_t> SearchCommands::Row() const {
   const auto current = Panel().Hitlist()->CurrentHit();
-  if (!current || *current >= Panel().Results().Size()) return std::nullopt;
-  return Panel().Results().Hit(*current);
+  return current && *current < Panel().Results().Size() ? current : std::nullopt;
 }
 
 bool SearchCommands::SiblingIsKnown() const {
@@ -153,19 +152,19 @@ void SearchCommands::TogglePlaying() {
     PlayingEnded(round_, Outcome::Cancelled);
     return;
   }
-  const auto hit = Hit();
+  const auto row = Row();
   const auto device = Device();
-  if (!hit || !device) return;
+  if (!row || !device) return;
+  const SearchHit hit = Panel().Results().Hit(*row);
   const int round = ++round_;
   playing_ = true;
   player_->Start(
-      *hit, Panel().Results().Record().notes, [name = *device] { return OpenMidiDevice(name); },
+      hit, Panel().Results().Notes(*row), [name = *device] { return OpenMidiDevice(name); },
       [this, round](Outcome outcome) {
         QMetaObject::invokeMethod(
             this, [this, round, outcome] { PlayingEnded(round, outcome); }, Qt::QueuedConnection);
       });
-  window_.ShowPrompt(
-      ToQt(Format(Text(TextId::HitPlaying), FileNameOf(hit->file), std::int64_t{hit->bar} + 1)));
+  window_.ShowPrompt(ToQt(Format(Text(TextId::HitPlaying), FileNameOf(hit.file), std::int64_t{hit.bar} + 1)));
   window_.Refresh();
 }
 
@@ -186,17 +185,18 @@ void SearchCommands::PlayingEnded(int round, Outcome outcome) {
 // --- showing in the sibling programs
 
 void SearchCommands::ShowHitInApplication() {
-  const auto hit = Hit();
-  if (!hit || (visit_ && !visit_->Ended())) return;
+  const auto row = Row();
+  if (!row || (visit_ && !visit_->Ended())) return;
   visit_ = std::make_shared<SiblingVisit>(this, [this](std::optional<TextId> message) {
     Refresh();
     if (message) Tell(*message);
   });
+  const SearchHit hit = Panel().Results().Hit(*row);
   const SiblingPrograms& siblings = window_.App().Siblings();
   if (Panel().Results().Record().kind == SearchKind::Midi) {
-    visit_->ToSequencer(*hit, siblings.sequencer);
+    visit_->ToSequencer(hit, siblings.sequencer);
   } else {
-    visit_->ToScoreProgram(*hit, [this] { return FindSiblings(window_.App().GetRegistry()).score; });
+    visit_->ToScoreProgram(hit, [this] { return FindSiblings(window_.App().GetRegistry()).score; });
   }
   Refresh();
 }

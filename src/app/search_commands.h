@@ -34,7 +34,7 @@ class SearchCommands : public QObject {
 
  private:
   [[nodiscard]] RunPanel& Panel() const;
-  [[nodiscard]] std::optional<SearchHit> Hit() const;
+  [[nodiscard]] std::optional<std::size_t> Row() const;  // of the hit that the commands mean
   [[nodiscard]] bool SiblingIsKnown() const;
   [[nodiscard]] std::optional<std::string> Device() const;  // nothing: there is none
   void ShowResults();

@@ -10,16 +10,20 @@ namespace {
 constexpr int kFilterBarWidth = 262;
 constexpr int kTreeWidth = 250;
 constexpr double kShareOfScreen = 0.9;
+constexpr double kShareOfHits = 0.5;  // with the destination above them
 
 }  // namespace
 
-void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, QSize window) {
+void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, bool listsHits, QSize window) {
   const bool stored = place.left > 0 && place.right > place.left && place.bottom > 0;
   const int left = stored ? place.left : kFilterBarWidth;
   const int tree = stored ? place.right - place.left : kTreeWidth;
   splitters.filterBar->setSizes({left, std::max(window.width() - left, 1)});
   splitters.tree->setSizes({tree, std::max(window.width() - left - tree, 1)});
-  if (stored) splitters.source->setSizes({place.bottom, std::max(window.height() - place.bottom, 1)});
+  const int needed = splitters.source->widget(1)->sizeHint().height();
+  const int below = listsHits ? std::max(needed, static_cast<int>(window.height() * kShareOfHits)) : needed;
+  const int source = stored ? place.bottom : std::max(window.height() - below, 1);
+  splitters.source->setSizes({source, std::max(window.height() - source, 1)});
 }
 
 SizingRectangle PlacesOf(const AreaSplitters& splitters, const SizingRectangle& before) {

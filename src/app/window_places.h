@@ -18,8 +18,9 @@ struct AreaSplitters {
 };
 
 // A job's rectangle is that of the directory tree, seen from the corner of the filter bar, in pixels; one
-// that was never stored gives the usual widths. window: the size of the main window.
-void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, QSize window);
+// that was never stored gives the usual widths, and hits, when the job lists them, a good part of the height.
+// window: the size of the main window.
+void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, bool listsHits, QSize window);
 // before: the rectangle so far; it keeps the tree's width while the tree is hidden.
 [[nodiscard]] SizingRectangle PlacesOf(const AreaSplitters& splitters, const SizingRectangle& before);
 

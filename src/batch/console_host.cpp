@@ -14,6 +14,8 @@ namespace {
 // How often the main thread looks whether Ctrl+C was pressed.
 constexpr std::chrono::milliseconds kInterruptPoll{50};
 
+constexpr std::size_t kMostWaiting = 4096;  // actions
+
 // Texts of message boxes have line ends of their own; on the console one line is easier to read.
 std::string OnOneLine(std::string_view text) {
   std::string line;
@@ -45,8 +47,8 @@ Answer AskOnConsole(Console& console, const QuestionText& question) {
   return yes ? Answer::Yes : no;
 }
 
-ConsoleHost::ConsoleHost(Console& console, OutputOptions options)
-    : console_(console), options_(options), line_(console, Talks()) {}
+ConsoleHost::ConsoleHost(Console& console, OutputOptions options, SearchKind kind)
+    : console_(console), options_(options), line_(console, Talks()), kind_(kind) {}
 
 void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()>& stop) {
   std::deque<Action> actions;
@@ -56,6 +58,7 @@ void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()
       arrived_.wait_for(lock, kInterruptPoll, [this] { return !actions_.empty(); });
       actions.swap(actions_);
     }
+    room_.notify_all();
     if (!stopping_ && console_.Interrupted()) {
       stopping_ = true;
       const auto text = stop();
@@ -88,6 +91,14 @@ void ConsoleHost::Queue(Action action) {
   arrived_.notify_one();
 }
 
+void ConsoleHost::QueueWhenRoom(Action action) {
+  {
+    std::unique_lock lock(mutex_);
+    room_.wait(lock, [this] { return actions_.size() < kMostWaiting; });
+  }
+  Queue(std::move(action));
+}
+
 void ConsoleHost::Progress(const RunProgress& progress) {
   Queue([this, progress] { progress_ = progress; });
 }
@@ -100,20 +111,17 @@ void ConsoleHost::StatusText(std::string_view text) {
 
 void ConsoleHost::ProtocolLine(std::string_view text) {
   if (!Talks()) return;
-  Queue([this, protocol = std::string(text)] {
+  QueueWhenRoom([this, protocol = std::string(text)] {
     line_.Clear();
     console_.err << protocol << '\n';
   });
 }
 
 Outcome ConsoleHost::Hit(const SearchHit& hit) {
-  Queue([this, hit] {
-    if (options_.json) {
-      hits_.push_back(hit);
-      return;
-    }
+  if (options_.json) return hits_.Add(hit);
+  QueueWhenRoom([this, hit] {
     line_.Clear();
-    console_.out << HitText(hit) << '\n';
+    console_.out << HitText(kind_, hit) << '\n';
   });
   return Outcome::Success;
 }

@@ -14,6 +14,8 @@
 #include "frame/job_dialogs.h"
 #include "frame/run_host.h"
 #include "platform/strings.h"
+#include "search/search_record.h"
+#include "search/search_results.h"
 
 namespace ts5::batch {
 
@@ -28,7 +30,8 @@ struct OutputOptions {
 
 class ConsoleHost final : public RunHost {
  public:
-  ConsoleHost(Console& console, OutputOptions options);
+  // kind: of the search whose hits will come.
+  ConsoleHost(Console& console, OutputOptions options, SearchKind kind = SearchKind::Midi);
 
   // On the main thread: prints what comes until the run has ended. stop is called once, when Ctrl+C is
   // pressed; its text, if any, is shown from then on.
@@ -37,7 +40,7 @@ class ConsoleHost final : public RunHost {
   // After the end.
   [[nodiscard]] const RunResult& Result() const { return result_; }
   // Kept only for JSON.
-  [[nodiscard]] const std::vector<SearchHit>& Hits() const { return hits_; }
+  [[nodiscard]] const SearchResults& Hits() const { return hits_; }
 
   void Progress(const RunProgress& progress) override;
   void StatusText(std::string_view text) override;
@@ -51,6 +54,9 @@ class ConsoleHost final : public RunHost {
  private:
   using Action = std::function<void()>;
   void Queue(Action action);
+  // The same for what comes without end: waits while much is still to be printed, so that a slow reader of
+  // the output slows the run and does not fill the memory.
+  void QueueWhenRoom(Action action);
   void ShowProgress();
   [[nodiscard]] bool Talks() const { return !options_.json && !options_.quiet; }
 
@@ -59,6 +65,7 @@ class ConsoleHost final : public RunHost {
 
   std::mutex mutex_;
   std::condition_variable arrived_;
+  std::condition_variable room_;
   std::deque<Action> actions_;  // guarded by mutex_
 
   // Used by the main thread only.
@@ -68,7 +75,9 @@ class ConsoleHost final : public RunHost {
   bool stopping_ = false;
   bool finished_ = false;
   RunResult result_;
-  std::vector<SearchHit> hits_;
+
+  SearchResults hits_;  // filled by the worker, read after the end
+  SearchKind kind_;
 };
 
 // The same for what is asked before a run starts.

@@ -1,5 +1,7 @@
 #include "batch/melody_options.h"
 
+#include <vector>
+
 #include "frame/filter_catalogue.h"
 #include "platform/text.h"
 #include "search/melody_store.h"
@@ -19,6 +21,15 @@ Result<SearchMelody> ReadMelody(const MelodyOptions& options, Registry& registry
   return melody;
 }
 
+std::string StoredNames(Registry& registry) {
+  std::string names;
+  const auto stored = MelodyStore(registry).ListStoredMelodies();
+  for (const StoredMelodyInfo& melody : stored.value_or(std::vector<StoredMelodyInfo>())) {
+    names += (names.empty() ? "\"" : ", \"") + melody.name + "\"";
+  }
+  return names.empty() ? std::string(Text(TextId::NoRemarks)) : names;
+}
+
 }  // namespace
 
 void AddMelodyOptions(Arguments& arguments, MelodyOptions& options) {
@@ -33,7 +44,8 @@ std::optional<std::string> TakeMelody(const MelodyOptions& options, Registry& re
   if (options.Count() > 1) return std::string(Text(TextId::BatchMelodyTwice));
   auto melody = ReadMelody(options, registry);
   if (!melody) {
-    if (options.stored) return Format(Text(TextId::BatchMelodyUnknown), *options.stored);
+    if (options.stored)
+      return Format(Text(TextId::BatchMelodyUnknown), *options.stored, StoredNames(registry));
     return Format(Text(TextId::BatchMelodyWrong), options.numbers ? *options.numbers : *options.keys);
   }
   static_cast<SearchParameters&>(*job.parameters).melody = std::move(*melody);

@@ -5,13 +5,39 @@
 #include "audio/audio_remarks.h"
 #include "batch/console.h"
 #include "batch/json_text.h"
-#include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
 #include "frame/remarks.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
 namespace ts5::batch {
+
+namespace {
+
+Json HitJson(const SearchHit& hit) {
+  return {{"file", hit.file},
+          {"track", hit.track},
+          {"voice", hit.voice},
+          {"bar", hit.bar},
+          {"time", hit.time},
+          {"firstSystem", hit.firstSystem},
+          {"lastSystem", hit.lastSystem},
+          {"firstObject", hit.firstObject},
+          {"lastObject", hit.lastObject}};
+}
+
+// Without the line end behind it, all lines but the first one moved to the right.
+std::string Indented(const Json& json, std::string_view indent) {
+  std::string indented;
+  const std::string text = JsonText(json);
+  for (const std::string_view line : Split(Trim(text), '\n')) {
+    if (!indented.empty()) indented.append("\n").append(indent);
+    indented.append(line);
+  }
+  return indented;
+}
+
+}  // namespace
 
 std::string ResultText(const RunResult& result) {
   std::size_t width = 0;
@@ -29,7 +55,7 @@ std::string ResultText(const RunResult& result) {
   return text;
 }
 
-std::string ResultJson(const RunResult& result, std::span<const SearchHit> hits) {
+void WriteResultJson(const RunResult& result, const SearchResults& hits, std::ostream& out) {
   Json json;
   json["filter"] = IsFilter(result.filter) ? std::string(Descriptor(result.filter).identifier) : "";
   json["title"] = result.title;
@@ -43,29 +69,25 @@ std::string ResultJson(const RunResult& result, std::span<const SearchHit> hits)
     json["items"].push_back(
         {{"source", item.source}, {"destination", item.destination}, {"code", item.code}});
   }
-  json["hits"] = Json::array();
-  for (const SearchHit& hit : hits) {
-    json["hits"].push_back({{"file", hit.file},
-                            {"track", hit.track},
-                            {"voice", hit.voice},
-                            {"bar", hit.bar},
-                            {"time", hit.time},
-                            {"firstSystem", hit.firstSystem},
-                            {"lastSystem", hit.lastSystem},
-                            {"firstObject", hit.firstObject},
-                            {"lastObject", hit.lastObject}});
+  // The object without its closing bracket, and the hits behind it.
+  std::string text = JsonText(json);
+  text.erase(text.rfind("\n}"));
+  out << text << ",\n  \"hits\": [";
+  for (std::size_t i = 0; i < hits.Size(); ++i) {
+    out << (i == 0 ? "\n    " : ",\n    ") << Indented(HitJson(hits.Hit(i)), "    ");
   }
-  return JsonText(json);
+  out << (hits.Size() == 0 ? "]\n}\n" : "\n  ]\n}\n");
 }
 
-std::string HitText(const SearchHit& hit) {
-  const FileTypeId type = FileTypeOf(hit.file);
-  if (type == FileTypeId::Score || type == FileTypeId::StvXml || type == FileTypeId::Xml) {
-    return Format(Text(TextId::BatchHitScore), hit.file, hit.track + 1, hit.voice + 1, hit.bar + 1,
-                  hit.time + 1);
+std::string HitText(SearchKind kind, const SearchHit& hit) {
+  const auto ordinal = [](std::int32_t index) { return std::int64_t{index} + 1; };
+  if (kind == SearchKind::Score) {
+    return Format(Text(TextId::BatchHitScore), hit.file, ordinal(hit.track), ordinal(hit.voice),
+                  ordinal(hit.bar), ordinal(hit.time));
   }
   const std::int32_t seconds = hit.time / 1000;
-  return Format(Text(TextId::BatchHitMidi), hit.file, hit.track + 1, hit.bar + 1, seconds / 60, seconds % 60);
+  return Format(Text(TextId::BatchHitMidi), hit.file, ordinal(hit.track), ordinal(hit.bar), seconds / 60,
+                seconds % 60);
 }
 
 std::string ItemRemark(const RunItem& item) {

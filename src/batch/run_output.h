@@ -1,26 +1,27 @@
 // What is said of a run at its end.
 #pragma once
 
-#include <span>
+#include <ostream>
 #include <string>
 
 #include "frame/run_result.h"
 #include "frame/search_hit.h"
+#include "search/search_results.h"
 
 namespace ts5::batch {
 
 // What the results dialog shows: title, counts, remarks.
 [[nodiscard]] std::string ResultText(const RunResult& result);
 
-// One JSON object:
+// Writes one JSON object:
 //   {"filter","title","lines":[{"label","count"}],"remarks":[...],
 //    "items":[{"source","destination","code"}],"hits":[{"file","track",...}]}
 // code: the outcome code of the item, 0 or positive for success. Bytes of a name that are not UTF-8 become
-// U+FFFD.
-[[nodiscard]] std::string ResultJson(const RunResult& result, std::span<const SearchHit> hits);
+// U+FFFD. Hits are written one by one, however many there are.
+void WriteResultJson(const RunResult& result, const SearchResults& hits, std::ostream& out);
 
 // One line for a place where a search found its melody.
-[[nodiscard]] std::string HitText(const SearchHit& hit);
+[[nodiscard]] std::string HitText(SearchKind kind, const SearchHit& hit);
 
 // What went wrong with one item, in a few words; "" for one that succeeded.
 [[nodiscard]] std::string ItemRemark(const RunItem& item);

@@ -15,7 +15,7 @@ int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions o
   if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0 && !job.destinationIsScreen) {
     job.destinationName = AutomaticDestination(job, *module, request.destination, SystemDestinationFiles());
   }
-  const auto host = std::make_shared<ConsoleHost>(console, options);
+  const auto host = std::make_shared<ConsoleHost>(console, options, SearchKindOf(job.filter));
   ConsoleDialogs dialogs(console, options);
   JobRunner runner(FindModule);
   if (!runner.Start(job, std::move(request), host, dialogs)) return kExitFailed;
@@ -24,7 +24,7 @@ int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions o
 
   const RunResult& result = host->Result();
   if (options.json) {
-    console.out << ResultJson(result, host->Hits());
+    WriteResultJson(result, host->Hits(), console.out);
   } else {
     for (const RunItem& item : result.items) {
       if (const std::string remark = ItemRemark(item); !remark.empty()) {

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::uint32_t kMicrosecondsPerMinute = 60'000'000;
 constexpr std::uint8_t kMaxDenominatorExponent = 31;
+constexpr std::size_t kEventsPerPoll = 1 << 16;
 
 void AddSignature(const MidiEvent& event, std::uint16_t division, TimeSignatureEntry& current,
                   TimeSignatureMap& map) {
@@ -29,13 +30,22 @@ void AddSignature(const MidiEvent& event, std::uint16_t division, TimeSignatureE
 
 }  // namespace
 
-Result<Conductor> ScanConductorTrack(ByteView track, std::uint16_t division) {
+Result<Conductor> ScanConductorTrack(ByteView track, std::uint16_t division,
+                                     const std::function<bool()>& stopped) {
   Conductor conductor;
   TimeSignatureEntry current;
   MidiEventCursor cursor(track);
   const auto passOver = [](std::uint64_t, std::uint8_t, std::uint8_t, std::uint8_t) {};
-  MidiEvent event;
-  while (cursor.TakeShortMessages(track.size(), passOver), cursor.Next(event)) {
+  std::size_t untilPoll = kEventsPerPoll;
+  for (MidiEvent event;;) {
+    untilPoll -= cursor.TakeShortMessages(untilPoll, passOver);
+    if (untilPoll == 0) {
+      if (stopped && stopped()) return Failure(Outcome::Cancelled);
+      untilPoll = kEventsPerPoll;
+      continue;
+    }
+    if (!cursor.Next(event)) break;
+    --untilPoll;
     if (event.status != kMetaStatus) continue;
     if (event.metaType == kMetaTimeSignature) {
       AddSignature(event, division, current, conductor.signatures);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -35,8 +36,9 @@ struct Conductor {
 }
 
 // Walks the track. Signatures without a bar (numerator 0, a denominator out of all measure) and tempos of 0
-// are passed over. DamagedMidi: the track breaks off.
-[[nodiscard]] Result<Conductor> ScanConductorTrack(ByteView track, std::uint16_t division);
+// are passed over. DamagedMidi: the track breaks off. Cancelled: stopped, which may be empty, said so.
+[[nodiscard]] Result<Conductor> ScanConductorTrack(ByteView track, std::uint16_t division,
+                                                   const std::function<bool()>& stopped = {});
 
 // The bar that a tick lies in, counted from 0, by the map of a scan.
 [[nodiscard]] std::uint64_t BarOf(const TimeSignatureMap& map, std::uint16_t division, std::uint64_t tick);

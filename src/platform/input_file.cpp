@@ -5,9 +5,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <utility>
 
 namespace ts5 {
+namespace {
+
+constexpr std::uint64_t kReadStep = std::uint64_t{4} << 20;
+
+}  // namespace
 
 Result<InputFile> InputFile::Open(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) return Failure(Outcome::SourceFailed);
@@ -46,6 +52,27 @@ Result<std::size_t> InputFile::ReadAt(std::uint64_t offset, std::span<std::uint8
     filled += static_cast<std::size_t>(got);
   }
   return filled;
+}
+
+Result<Bytes> InputFile::ReadAll(std::uint64_t limit, const std::function<bool()>& stopped) const {
+  if (size_ > limit) return Failure(Outcome::ReadFailed);
+  try {
+    Bytes content;
+    content.reserve(static_cast<std::size_t>(size_));
+    while (content.size() < size_) {
+      if (stopped && stopped()) return Failure(Outcome::Cancelled);
+      const std::size_t filled = content.size();
+      content.resize(filled + static_cast<std::size_t>(std::min(kReadStep, size_ - filled)));
+      const auto got = ReadAt(filled, std::span(content).subspan(filled));
+      if (!got) return Failure(got.error());
+      if (filled + *got == content.size()) continue;
+      content.resize(filled + *got);  // the file has become shorter
+      break;
+    }
+    return content;
+  } catch (const std::bad_alloc&) {
+    return Failure(Outcome::OutOfMemory);
+  }
 }
 
 void InputFile::ExpectSequentialReads() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -23,6 +24,9 @@ class InputFile {
   [[nodiscard]] std::uint64_t Size() const { return size_; }
   // Fills out from the offset; fewer bytes only where the file ends. ReadFailed. Any thread.
   [[nodiscard]] Result<std::size_t> ReadAt(std::uint64_t offset, std::span<std::uint8_t> out) const;
+  // The whole file. stopped is polled every few milliseconds and may be empty. ReadFailed: an error, or
+  // longer than limit; Cancelled: stopped said so; OutOfMemory.
+  [[nodiscard]] Result<Bytes> ReadAll(std::uint64_t limit, const std::function<bool()>& stopped = {}) const;
   // Says that the file will be read from front to back.
   void ExpectSequentialReads() const;
 

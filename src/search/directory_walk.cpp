@@ -44,6 +44,7 @@ void DirectoryWalk::Enter(const std::string& directory) {
   std::error_code error;
   for (std::filesystem::directory_iterator entry(directory, error), end; !error && entry != end;
        entry.increment(error)) {
+    if (cancelled_ && cancelled_()) return;
     std::error_code unknown;
     const bool isDirectory = entry->is_directory(unknown);
     (isDirectory ? subdirectories : files_).push_back(JoinPath(directory, entry->path().filename().string()));

@@ -32,7 +32,7 @@ std::uint8_t IsNoChord(std::int32_t gap, std::int32_t distance) {
 
 }  // namespace
 
-MatchStarts::MatchStarts(const std::vector<PreparedNote>& melody, const SearchOptions& options)
+MatchStarts::MatchStarts(const PreparedMelody& melody, const SearchOptions& options)
     : melody_(melody), options_(options) {}
 
 void MatchStarts::Sift(const NoteStream& notes) {

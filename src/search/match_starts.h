@@ -23,7 +23,7 @@ class MatchStarts {
   [[nodiscard]] static bool NeedsDistances(const SearchOptions& options) {
     return options.pitch == PitchMode::Ignore && options.rhythm != RhythmMode::Any;
   }
-  MatchStarts(const std::vector<PreparedNote>& melody, const SearchOptions& options);
+  MatchStarts(const PreparedMelody& melody, const SearchOptions& options);
 
   // Looks through the stream's current block.
   void Sift(const NoteStream& notes);
@@ -37,7 +37,7 @@ class MatchStarts {
   void SiftExactRhythm(const NoteStream& notes, std::size_t end);
   void SiftRelativeRhythm(const NoteStream& notes, std::size_t end);
 
-  const std::vector<PreparedNote>& melody_;
+  const PreparedMelody& melody_;
   SearchOptions options_;
   Mask may_;  // 1: a match may begin
   std::size_t size_ = 0;

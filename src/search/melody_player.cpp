@@ -40,7 +40,7 @@ void MelodyPlayer::Start(std::span<const MelodyElement> elements, std::unique_pt
   playing_ = true;
   thread_ = std::jthread([this, steps = MelodySteps(elements, tempo), device = std::move(device), program,
                           ended = std::move(ended)](const std::stop_token& stop) {
-    Outcome played = Play(stop, steps, *device, program);
+    Outcome played = PlayMelody(stop, steps, *device, program);
     if (const Outcome closed = device->Close(); Succeeded(played)) played = closed;
     {
       const std::lock_guard lock(mutex_);
@@ -60,8 +60,8 @@ bool MelodyPlayer::Playing() const {
   return playing_;
 }
 
-Outcome MelodyPlayer::Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
-                           MidiOutput& device, std::uint8_t program) {
+Outcome MelodyPlayer::PlayMelody(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
+                                 MidiOutput& device, std::uint8_t program) {
   Outcome sent = device.Send(ShortMidiMessage(kProgramChange, program));
   auto due = std::chrono::steady_clock::now();
   for (const MelodyStep& step : steps) {

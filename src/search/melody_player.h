@@ -47,8 +47,8 @@ class MelodyPlayer {
   [[nodiscard]] bool Playing() const;
 
  private:
-  [[nodiscard]] Outcome Play(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
-                             MidiOutput& device, std::uint8_t program);
+  [[nodiscard]] Outcome PlayMelody(const std::stop_token& stop, const std::vector<MelodyStep>& steps,
+                                   MidiOutput& device, std::uint8_t program);
 
   mutable std::mutex mutex_;
   std::condition_variable_any stopped_;

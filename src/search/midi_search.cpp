@@ -1,8 +1,11 @@
 #include "search/midi_search.h"
 
+#include <array>
+
 #include "midi/conductor.h"
 #include "midi/midi_file.h"
 #include "platform/files.h"
+#include "platform/input_file.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
@@ -32,7 +35,7 @@ class FileSearcher {
     for (std::int32_t index = 0; tracks.Next(track); ++index) {
       if (index == 0) {
         if (header_.trackCount == 1 && IsWithoutHits(track)) continue;
-        auto scanned = ScanConductorTrack(track, header_.division);
+        auto scanned = ScanConductorTrack(track, header_.division, cancelled_);
         if (!scanned) return {scanned.error(), 0};
         conductor_ = std::move(*scanned);
         if (several) continue;
@@ -66,7 +69,7 @@ class FileSearcher {
   }
 
   const MidiFileHeader& header_;
-  const std::vector<PreparedNote> melody_;
+  const PreparedMelody melody_;
   const std::string& path_;
   const MelodyQuery& query_;
   const HitSink& sink_;
@@ -86,12 +89,16 @@ SearchOutcome SearchMidiImage(ByteView file, const std::string& path, const Melo
 
 SearchOutcome SearchMidiFile(const std::string& path, const MelodyQuery& query, const HitSink& sink,
                              const CancelCheck& cancelled) {
+  const auto file = InputFile::Open(path);
+  if (!file) return {Outcome::WrongFormat, 0};
   // A large file of another kind is not read for nothing.
-  const auto info = ReadMidiFileHeader(path);
-  if (!info) return {Outcome::WrongFormat, 0};
-  const auto file = ReadFile(path);
-  if (!file) return {file.error() == Outcome::OutOfMemory ? Outcome::OutOfMemory : Outcome::SourceFailed, 0};
-  return SearchMidiImage(*file, path, query, sink, cancelled);
+  std::array<std::uint8_t, kMidiDetectionSize> beginning;
+  const auto read = file->ReadAt(0, beginning);
+  if (!read || DetectMidiKind(ByteView(beginning).first(*read)).kind == MidiFileKind::None)
+    return {Outcome::WrongFormat, 0};
+  const auto image = file->ReadAll(kMaxFileInMemory, cancelled);
+  if (image) return SearchMidiImage(*image, path, query, sink, cancelled);
+  return {image.error() == Outcome::ReadFailed ? Outcome::SourceFailed : image.error(), 0};
 }
 
 }  // namespace ts5

@@ -7,6 +7,7 @@ namespace {
 
 constexpr unsigned kDrumChannel = 9;
 constexpr unsigned kNoChannel = 0xFF;
+constexpr int kEventsPerPoll = 1 << 16;
 constexpr std::uint64_t kMaxOffset = std::uint64_t{1} << 30;
 
 }  // namespace
@@ -102,7 +103,11 @@ std::optional<std::uint64_t> NoteStream::NextOnsetBehindBlock(std::uint64_t tick
     farUsed_ = true;
     farNote_ = false;
   }
-  while (!farNote_ || farTick_ - tick <= kChordTicks) {
+  for (int untilPoll = kEventsPerPoll; !farNote_ || farTick_ - tick <= kChordTicks; --untilPoll) {
+    if (untilPoll == 0) {
+      if (cancelled_ && cancelled_()) return std::nullopt;
+      untilPoll = kEventsPerPoll;
+    }
     MidiEvent event;
     if (!far_.Next(event)) {
       farNote_ = false;

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "midi/midi_events.h"
@@ -20,9 +21,9 @@ inline constexpr std::uint64_t kChordTicks = 10;
 class NoteStream {
  public:
   // stopAtDrums: the stream ends at the first event of channel 10. The look ahead goes on behind it.
-  // measures: Distances are wanted.
-  NoteStream(ByteView track, bool stopAtDrums, bool measures)
-      : cursor_(track), stopAtDrums_(stopAtDrums), measures_(measures) {}
+  // measures: Distances are wanted. cancelled: polled by looks far ahead; may be empty.
+  NoteStream(ByteView track, bool stopAtDrums, bool measures, const std::function<bool()>& cancelled)
+      : cursor_(track), cancelled_(cancelled), stopAtDrums_(stopAtDrums), measures_(measures) {}
 
   // Decodes the next block; it may be empty. False when there are no more, at the end of the track or of the
   // stream, or at damage.
@@ -48,8 +49,8 @@ class NoteStream {
 
   // Ticks from the note to the next note-on that lies more than kChordTicks behind it, on any channel. At the
   // end of the track the ticks up to there, but at least kChordTicks. Nothing when the track breaks off
-  // before. Notes must be asked for in order.
-  [[nodiscard]] std::optional<std::uint64_t> NextOnset(std::size_t note) {
+  // before, or the search was cancelled meanwhile. Notes must be asked for in order.
+  [[nodiscard]] std::optional<std::uint64_t> NextOnsetDistance(std::size_t note) {
     if (measures_ && distances_[note] != 0) return static_cast<std::uint64_t>(distances_[note]);
     return LookAhead(note);
   }
@@ -74,6 +75,7 @@ class NoteStream {
   // For looks behind the block: stays where the last look ended, so that looks never walk twice. It stands
   // behind a note-on at farTick_, or at the end of the track.
   MidiEventCursor far_;
+  const std::function<bool()>& cancelled_;
   bool farUsed_ = false;
   bool farNote_ = false;
   std::uint64_t farTick_ = 0;

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/strings.h"
 #include "platform/text.h"
 #include "search/hit_texts.h"
 
@@ -24,19 +23,26 @@ Result<ResultFileWriter> ResultFileWriter::Create(const std::string& path, bool 
     if (const Outcome copied = staged->Write(*old); Failed(copied)) return Failure(copied);
   }
   ResultFileWriter writer(std::move(*staged), record.kind);
-  const Outcome written = writer.Append(Windows1252FromUtf8(ResultHeader(record)));
-  if (Failed(written)) return Failure(written);
+  if (const Outcome written = writer.WriteResultHeader(record); Failed(written)) return Failure(written);
   return writer;
 }
 
-Outcome ResultFileWriter::Write(const SearchHit& hit) {
+Outcome ResultFileWriter::WriteHit(const SearchHit& hit) {
   return Append(HitLine(kind_, hit));
 }
 
 Outcome ResultFileWriter::Finish(const SearchRecord& record) {
-  Outcome outcome = Append(Windows1252FromUtf8(ResultFooter(record)));
+  Outcome outcome = WriteResultFooter(record);
   if (Succeeded(outcome)) outcome = FlushBuffer();
   return Succeeded(outcome) ? file_.Commit() : outcome;
+}
+
+Outcome ResultFileWriter::WriteResultHeader(const SearchRecord& record) {
+  return Append(Windows1252FromUtf8(ResultHeader(record)));
+}
+
+Outcome ResultFileWriter::WriteResultFooter(const SearchRecord& record) {
+  return Append(Windows1252FromUtf8(ResultFooter(record)));
 }
 
 Outcome ResultFileWriter::Append(std::string_view bytes) {
@@ -48,29 +54,6 @@ Outcome ResultFileWriter::FlushBuffer() {
   const Outcome outcome = file_.Write(AsBytes(buffer_));
   buffer_.clear();
   return outcome;
-}
-
-Result<std::string> LoadResultFile(const std::string& path) {
-  const std::string_view tag = ResultTagLine();
-  const auto start = ReadFileStart(path, tag.size());
-  if (!start) return Failure(start.error());
-  if (AsText(*start) != tag) return Failure(Outcome::WrongFormat);
-  const auto file = ReadFile(path, kMaxResultFile);
-  if (!file) return Failure(file.error());
-  return Utf8FromWindows1252(AsText(*file));
-}
-
-std::string_view ResultFileFailureText(Outcome outcome) {
-  switch (outcome) {
-    case Outcome::WrongFormat:
-      return Text(TextId::NotAResultFile);
-    case Outcome::SourceFailed:
-      return Text(TextId::RemarkSourceFailed);
-    case Outcome::OutOfMemory:
-      return Text(TextId::RemarkOutOfMemory);
-    default:
-      return Text(TextId::RemarkReadFailed);
-  }
 }
 
 }  // namespace ts5

@@ -2,7 +2,6 @@
 // one behind the other; it is recognised by the first line of its first one.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
 #include "frame/search_hit.h"
@@ -12,9 +11,6 @@
 
 namespace ts5 {
 
-// Result files longer than this are not shown (256 MiB).
-inline constexpr std::uint64_t kMaxResultFile = std::uint64_t{256} << 20;
-
 // Writes one search. The file comes into being, or is extended, only with Finish; until then the old one
 // stays as it is.
 class ResultFileWriter {
@@ -23,7 +19,7 @@ class ResultFileWriter {
   [[nodiscard]] static Result<ResultFileWriter> Create(const std::string& path, bool append,
                                                        const SearchRecord& record);
 
-  [[nodiscard]] Outcome Write(const SearchHit& hit);  // WriteFailed
+  [[nodiscard]] Outcome WriteHit(const SearchHit& hit);  // WriteFailed
   // The foot; then the file is put in its place. WriteFailed, TargetFailed.
   [[nodiscard]] Outcome Finish(const SearchRecord& record);
   // Where it is written until then.
@@ -31,6 +27,8 @@ class ResultFileWriter {
 
  private:
   ResultFileWriter(StagedFile file, SearchKind kind) : file_(std::move(file)), kind_(kind) {}
+  [[nodiscard]] Outcome WriteResultHeader(const SearchRecord& record);
+  [[nodiscard]] Outcome WriteResultFooter(const SearchRecord& record);
   [[nodiscard]] Outcome Append(std::string_view bytes);
   [[nodiscard]] Outcome FlushBuffer();
 
@@ -38,11 +36,5 @@ class ResultFileWriter {
   SearchKind kind_;
   std::string buffer_;
 };
-
-// The text of a result file. SourceFailed: it cannot be opened; WrongFormat: it does not begin as a result
-// file does; ReadFailed: it cannot be read whole; OutOfMemory.
-[[nodiscard]] Result<std::string> LoadResultFile(const std::string& path);
-// What to tell the user then.
-[[nodiscard]] std::string_view ResultFileFailureText(Outcome outcome);
 
 }  // namespace ts5

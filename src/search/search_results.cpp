@@ -1,9 +1,9 @@
 #include "search/search_results.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 #include <utility>
-
-#include "platform/text.h"
 
 namespace ts5 {
 
@@ -14,10 +14,12 @@ void SearchResults::Begin(SearchRecord record, OldSearchResults policy, const st
         otherKind || policy == OldSearchResults::Delete || (policy == OldSearchResults::Ask && ask());
     if (clear) Clear();
   }
+  searches_.push_back({rows_.size(), record.notes});
   record_ = std::move(record);
 }
 
 void SearchResults::Clear() {
+  searches_ = {};
   files_ = {};
   rows_ = {};
 }
@@ -42,6 +44,11 @@ SearchHit SearchResults::Hit(std::size_t index) const {
           position,         track,       voice,      bar,         time};
 }
 
+std::size_t SearchResults::Notes(std::size_t index) const {
+  const auto behind = std::ranges::upper_bound(searches_, index, {}, &Search::firstRow);
+  return behind == searches_.begin() ? record_.notes : std::prev(behind)->notes;
+}
+
 HitRow SearchResults::Columns(std::size_t index, bool wholePath) const {
   return HitColumns(record_.kind, Hit(index), wholePath);
 }
@@ -54,12 +61,6 @@ std::string SearchResults::CopyText(std::span<const std::size_t> indices, bool w
     text.append("\n");
   }
   return text;
-}
-
-std::string SearchResults::AsResultText() const {
-  std::string text = ResultHeader(record_);
-  for (std::size_t i = 0; i < rows_.size(); ++i) text += Utf8FromWindows1252(HitLine(record_.kind, Hit(i)));
-  return text + ResultFooter(record_);
 }
 
 }  // namespace ts5

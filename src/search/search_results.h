@@ -31,12 +31,12 @@ class SearchResults {
 
   [[nodiscard]] std::size_t Size() const { return rows_.size(); }
   [[nodiscard]] SearchHit Hit(std::size_t index) const;
+  // How many notes the melody has that the hit is a place of: the search may have been an earlier one.
+  [[nodiscard]] std::size_t Notes(std::size_t index) const;
   [[nodiscard]] HitRow Columns(std::size_t index, bool wholePath) const;
   [[nodiscard]] const SearchRecord& Record() const { return record_; }
   // The rows as lines of text, columns separated by tabs, for the clipboard.
   [[nodiscard]] std::string CopyText(std::span<const std::size_t> indices, bool wholePath) const;
-  // All hits as a result file shows them, in UTF-8.
-  [[nodiscard]] std::string AsResultText() const;
 
  private:
   // A hit in 40 bytes without anything to move: the numbers of SearchHit in their order, and whose file.
@@ -45,7 +45,14 @@ class SearchResults {
     std::uint32_t file;
   };
 
+  // Where the hits of a search begin.
+  struct Search {
+    std::size_t firstRow;
+    std::size_t notes;
+  };
+
   SearchRecord record_;
+  std::vector<Search> searches_;
   std::vector<std::string> files_;
   std::vector<Row> rows_;
 };

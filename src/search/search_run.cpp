@@ -57,7 +57,7 @@ class SearchRun {
     if (job.destinationIsScreen) return Outcome::Success;
     const std::string& name = job.destinationName;
     if (name.empty()) return Outcome::TargetNameMissing;
-    if (IsSource(name)) return Outcome::TargetFailed;
+    if (IsDirectory(name) || IsSource(name)) return Outcome::TargetFailed;
     bool append = false;
     if (run_.Files().exists(name) && run_.Destination().overwrite != OverwritePolicy::Replace) {
       const Answer answer = run_.Ask(
@@ -117,23 +117,26 @@ class SearchRun {
       run_.StatusText(whole ? std::string_view(path) : FileNameOf(path));
       run_.Progress(ClampTo<std::uint32_t>(run_.Result().items.size() + 1), ClampTo<std::uint32_t>(count));
     };
-    events.hit = [this](const SearchHit& hit) { return writer_ ? writer_->Write(hit) : run_.Hit(hit); };
+    events.hit = [this](const SearchHit& hit) { return writer_ ? writer_->WriteHit(hit) : run_.Hit(hit); };
     events.end = [this](const std::string& path, const SearchOutcome& outcome) {
       return Count(path, outcome);
     };
-    SearchInOrder(
-        [this](const std::string& path, const HitSink& sink, const CancelCheck& stopped) {
-          if (!IsUsablePath(path)) return SearchOutcome{Outcome::SourceFailed, 0};
-          return search_(path, sink, stopped);
-        },
-        events, cancelled, threads_);
+    SearchInOrder([this](const std::string& path, const HitSink& sink,
+                         const CancelCheck& stopped) { return SearchFile(path, sink, stopped); },
+                  events, cancelled, threads_);
     if (run_.Cancelled()) last_ = Outcome::Cancelled;
+  }
+
+  SearchOutcome SearchFile(const std::string& path, const HitSink& sink, const CancelCheck& stopped) const {
+    if (!IsUsablePath(path)) return {Outcome::SourceFailed, 0};
+    return search_(path, sink, stopped);
   }
 
   bool Count(const std::string& path, const SearchOutcome& outcome) {
     last_ = outcome.code;
     const std::string& target = writer_ ? run_.GetJob().destinationName : std::string();
-    run_.Result().items.push_back({path, target, Code(outcome.code)});
+    const bool ofTarget = outcome.code == Outcome::WriteFailed;  // not the fault of the file that is searched
+    run_.Result().items.push_back({ofTarget ? std::string() : path, target, Code(outcome.code)});
     if (EndsRun(outcome.code)) return false;
     if (Succeeded(outcome.code)) {
       ++record_.statistics.searched;

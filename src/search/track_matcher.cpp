@@ -32,7 +32,8 @@ class TrackMatcher {
         melody_(context.melody),
         percent_(Percent(context.options.tolerance)),
         trackNumber_(trackNumber),
-        notes_(track, !context.options.drumTrack, MatchStarts::NeedsDistances(context.options)),
+        notes_(track, !context.options.drumTrack, MatchStarts::NeedsDistances(context.options),
+               context.cancelled),
         starts_(context.melody, context.options) {
     for (const PreparedNote& note : melody_) {
       tolerances_.push_back(DurationTolerance(note.duration, context.options.tolerance));
@@ -41,7 +42,7 @@ class TrackMatcher {
 
   TrackOutcome Search() {
     while (notes_.NextBlock()) {
-      if (context_.cancelled && context_.cancelled()) return {{Outcome::Cancelled, hits_}};
+      if (Cancelled()) return {{Outcome::Cancelled, hits_}};
       starts_.Sift(notes_);
       if (const Outcome outcome = SearchBlock(); Failed(outcome)) {
         return {{outcome, outcome == Outcome::DamagedMidi ? 0 : hits_}};
@@ -52,13 +53,15 @@ class TrackMatcher {
   }
 
  private:
-  enum class Fit { Accepted, Refused, Damaged };
+  enum class Fit { Accepted, Refused, BrokenOff };
+
+  bool Cancelled() const { return context_.cancelled && context_.cancelled(); }
 
   Outcome SearchBlock() {
     for (std::size_t note = 0; note < notes_.Size();) {
       if (matched_ == 0 && (note = starts_.Next(note)) == notes_.Size()) break;
       const Fit fit = PitchFits(notes_.Key(note)) ? Rhythm(note) : Fit::Refused;
-      if (fit == Fit::Damaged) return Outcome::DamagedMidi;
+      if (fit == Fit::BrokenOff) return Cancelled() ? Outcome::Cancelled : Outcome::DamagedMidi;
       if (fit == Fit::Refused) {
         // A note that breaks a match is tried again as a first one.
         if (matched_ == 0) ++note;
@@ -90,10 +93,10 @@ class TrackMatcher {
     const bool last = matched_ + 1 == melody_.size();
     if (last || context_.options.rhythm == RhythmMode::Any) {
       // The distance does not matter, but the track must not break off before its end.
-      return note < notes_.Settled() || notes_.NextOnset(note) ? Fit::Accepted : Fit::Damaged;
+      return note < notes_.Settled() || notes_.NextOnsetDistance(note) ? Fit::Accepted : Fit::BrokenOff;
     }
-    const auto distance = notes_.NextOnset(note);
-    if (!distance) return Fit::Damaged;
+    const auto distance = notes_.NextOnsetDistance(note);
+    if (!distance) return Fit::BrokenOff;
     const std::uint16_t wanted = melody_[matched_].duration;
     if (matched_ == 0) {
       const bool relative = context_.options.rhythm == RhythmMode::Relative;
@@ -128,7 +131,7 @@ class TrackMatcher {
   }
 
   const TrackContext& context_;
-  const std::vector<PreparedNote>& melody_;
+  const PreparedMelody& melody_;
   std::vector<std::uint64_t> tolerances_;  // of its durations
   const int percent_;
   const std::int32_t trackNumber_;
@@ -147,9 +150,9 @@ class TrackMatcher {
 
 }  // namespace
 
-std::vector<PreparedNote> PrepareMelody(const std::vector<MelodyElement>& elements, std::uint16_t division) {
+PreparedMelody PrepareMelody(const std::vector<MelodyElement>& elements, std::uint16_t division) {
   const float factor = static_cast<float>(division) * kPerMelodyTick;
-  std::vector<PreparedNote> notes;
+  PreparedMelody notes;
   notes.reserve(elements.size());
   for (std::size_t i = 0; i < elements.size(); ++i) {
     if (IsRest(elements[i])) continue;

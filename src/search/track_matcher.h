@@ -31,10 +31,12 @@ struct PreparedNote {
   bool operator==(const PreparedNote&) const = default;
 };
 
+using PreparedMelody = std::vector<PreparedNote>;
+
 // The notes of a melody for files of the division. The rest directly behind a note lengthens it; further
 // rests are left out.
-[[nodiscard]] std::vector<PreparedNote> PrepareMelody(const std::vector<MelodyElement>& elements,
-                                                      std::uint16_t division);
+[[nodiscard]] PreparedMelody PrepareMelody(const std::vector<MelodyElement>& elements,
+                                           std::uint16_t division);
 
 // The played key when it may be the melody's first note.
 [[nodiscard]] std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey);
@@ -47,7 +49,7 @@ struct PreparedNote {
 
 // What a file says about its tracks.
 struct TrackContext {
-  const std::vector<PreparedNote>& melody;
+  const PreparedMelody& melody;
   const SearchOptions& options;
   const TimeSignatureMap& signatures;
   std::uint16_t division = 0;

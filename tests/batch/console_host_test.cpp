@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <sstream>
 #include <thread>
 
 #include "batch/captured_console.h"
@@ -109,6 +112,49 @@ TEST(ConsoleHost, CtrlCStopsOnceHoweverOftenItComes) {
   EXPECT_EQ(stops, 1);
 }
 
+// A slow reader of the output slows the run down; the hits do not pile up before it.
+TEST(ConsoleHost, HitsWaitForTheOutput) {
+  constexpr int kHits = 100'000;
+  std::atomic<int> sent = 0;
+  int printed = 0;
+  int most = 0;
+  class SlowOutput : public std::stringbuf {
+   public:
+    explicit SlowOutput(std::function<void()> line) : line_(std::move(line)) {}
+
+   protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+      if (std::string_view(text, static_cast<std::size_t>(size)).find('\n') != std::string_view::npos)
+        line_();
+      return size;
+    }
+    int_type overflow(int_type c) override {
+      if (c == '\n') line_();
+      return traits_type::not_eof(c);
+    }
+
+   private:
+    std::function<void()> line_;
+  };
+  SlowOutput slow([&] {
+    while (printed == 0 && sent < 4096) std::this_thread::yield();
+    if (printed == 0) std::this_thread::sleep_for(std::chrono::milliseconds(100));  // the chance to run ahead
+    most = std::max(most, sent - printed++);
+  });
+  std::ostream out(&slow);
+  CapturedConsole captured;
+  Console console{.out = out, .err = captured.err, .readLine = {}, .interrupted = {}};
+  ConsoleHost host(console, {});
+  Converse(captured, host, [&](ConsoleHost& h) {
+    for (int i = 0; i < kHits; ++i) {
+      EXPECT_EQ(h.Hit({.file = "a.mid"}), Outcome::Success);
+      ++sent;
+    }
+  });
+  EXPECT_EQ(printed, kHits);
+  EXPECT_LE(most, 10'000);
+}
+
 TEST(RunOutput, TextIsWhatTheResultsDialogShows) {
   EXPECT_EQ(ResultText(Result()),
             "Ergebnisse der Midi-Konvertierung\n"
@@ -119,8 +165,12 @@ TEST(RunOutput, TextIsWhatTheResultsDialogShows) {
 }
 
 TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
-  const SearchHit hit{.file = "a.mid", .track = 1, .bar = 7, .time = 2500};
-  EXPECT_EQ(ResultJson(Result(), std::span(&hit, 1)), R"({
+  SearchResults hits;
+  ASSERT_EQ(hits.Add({.file = "a.mid", .track = 1, .bar = 7, .time = 2500}), Outcome::Success);
+  ASSERT_EQ(hits.Add({.file = "b.mid"}), Outcome::Success);
+  std::ostringstream out;
+  WriteResultJson(Result(), hits, out);
+  EXPECT_EQ(out.str(), R"({
   "filter": "MidiConverter",
   "title": "Ergebnisse der Midi-Konvertierung",
   "lines": [
@@ -144,8 +194,8 @@ TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
     },
     {
       "source": "b)"
-                                                      "\xEF\xBF\xBD"
-                                                      R"(.mid",
+                       "\xEF\xBF\xBD"
+                       R"(.mid",
       "destination": "",
       "code": -104
     },
@@ -166,10 +216,30 @@ TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
       "lastSystem": 0,
       "firstObject": 0,
       "lastObject": 0
+    },
+    {
+      "file": "b.mid",
+      "track": 0,
+      "voice": 0,
+      "bar": 0,
+      "time": 0,
+      "firstSystem": 0,
+      "lastSystem": 0,
+      "firstObject": 0,
+      "lastObject": 0
     }
   ]
 }
 )");
+  std::ostringstream none;
+  WriteResultJson({}, {}, none);
+  EXPECT_THAT(none.str(), testing::EndsWith("  \"items\": [],\n  \"hits\": []\n}\n"));
+}
+
+TEST(RunOutput, HitsReadAsTheSearchCountsThem) {
+  const SearchHit hit{.file = "a.xml", .track = 1, .voice = 2, .bar = 2147483647, .time = 65999};
+  EXPECT_EQ(HitText(SearchKind::Midi, hit), "a.xml  Spur 2  Takt 2147483648  Zeit 01:05");
+  EXPECT_EQ(HitText(SearchKind::Score, hit), "a.xml  Zei2/Sti3  Takt 2147483648  Schlag 66000");
 }
 
 TEST(RunOutput, CancelledComesBeforeFailed) {

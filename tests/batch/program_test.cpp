@@ -236,6 +236,39 @@ TEST_F(ProgramTest, SearchesFilesAndTreesForAMelody) {
   EXPECT_THAT(Content(folder_.File("neu/Suchergebnisse002.txt")), HasSubstr("2 Melodie(n) gefunden"));
 }
 
+// The disk that fills while the hits are written: the run says so by the name of the file and leaves the old
+// one.
+TEST_F(ProgramTest, ResultsThatDoNotFitOnTheDiskLeaveTheOldOnes) {
+  std::string notes;
+  for (int i = 0; i < 5000; ++i) notes += std::string("\x60\x90\x3C\x40\x60\x90\x3E\x40", 8);
+  notes += std::string("\0\xFF\x2F\0", 4);
+  const std::string size{'\0', '\0', static_cast<char>(notes.size() >> 8 & 0xFF),
+                         static_cast<char>(notes.size() & 0xFF)};
+  const std::string song =
+      folder_.Write("lieder/viel.mid", std::string("MThd\0\0\0\6\0\1\0\1\0\x60MTrk", 18) + size + notes);
+  const std::vector<std::string> line{
+      "run", "MidiSearch", "--keys", "4cd", "--dest", "neu/treffer.txt", "--overwrite", "yes", song};
+  ASSERT_EQ(RunChild(line).status, kExitSuccess);
+  const std::string whole = Content(folder_.File("neu/treffer.txt"));
+  EXPECT_THAT(whole, HasSubstr("5000 Melodie(n) gefunden"));
+  const ProgramEnd end = Program(line, folder_.Path(), registry_, 64 * 1024).Wait();
+  EXPECT_EQ(end.status, kExitFailed);
+  EXPECT_THAT(end.err, HasSubstr("neu/treffer.txt: In eine Datei konnte nicht geschrieben werden."));
+  EXPECT_THAT(end.out, HasSubstr("In eine Datei konnte nicht geschrieben werden."));
+  EXPECT_EQ(Content(folder_.File("neu/treffer.txt")), whole);
+  EXPECT_EQ(NewFiles(), "treffer.txt");
+}
+
+TEST_F(ProgramTest, AnUnknownMelodyNamesTheStoredOnes) {
+  const std::vector<std::string> line{"run", "MidiSearch", "--melody-name", "Fehlt", "x.mid"};
+  EXPECT_EQ(Run(line), kExitUsage);
+  EXPECT_THAT(Err(), HasSubstr("Die Suchmelodie \"Fehlt\" gibt es nicht. Möglich sind: keine"));
+  for (const char* name : {"Leiter", "Kuckuck"})
+    ASSERT_EQ(Run({"registry", "set", "--binary", "Suchmelodien", name, "3c00f000"}), kExitSuccess);
+  EXPECT_EQ(Run(line), kExitUsage);
+  EXPECT_THAT(Err(), HasSubstr("Möglich sind: \"Kuckuck\", \"Leiter\""));
+}
+
 TEST_F(ProgramTest, EveryCommandHasHelp) {
   const std::vector<std::vector<std::string>> commands{{},
                                                        {"filters"},

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <optional>
+#include <utility>
 
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -172,6 +174,44 @@ TEST(MidiSearchTest, DrumsOfAnOnlyTrack) {
   MelodyQuery query = Query();
   query.options.drumTrack = true;
   EXPECT_THAT(Search(file, query).places, ElementsAre(Place{0, 0, 0}, Place{0, 1, 2000}));
+}
+
+// A stop is heard at any place of one huge file: while it is read, in the scan for signatures, in a track
+// without notes, and in the look for the onset behind the last note.
+TEST(MidiSearchTest, AStopIsHeardInsideOneHugeFile) {
+  const auto controllers = [](bool note) {
+    TrackBuilder track;
+    if (note) track.Note(0, 60);
+    for (int i = 0; i < 2'000'000; ++i) track.Message(1, 0xB0, {7, i & 0x7F});
+    return track.End();
+  };
+  struct Case {
+    const char* what;
+    Bytes file;
+  };
+  const Case cases[] = {{"an only track", MidiImage({controllers(false)})},
+                        {"the conductor", MidiImage({controllers(false), Tune(0)})},
+                        {"behind the last note", MidiImage({Empty(), controllers(true)})}};
+  MelodyQuery query = Query();
+  query.options.pitch = PitchMode::Ignore;
+  const HitSink none = [](const SearchHit&) { return Outcome::Success; };
+  const test::TemporaryDirectory directory;
+  for (const Case& c : cases) {
+    const std::string path = directory.Write("x.mid", AsText(c.file));
+    const auto search = [&](int stopAt) {
+      int polls = 0;
+      const CancelCheck check = [&] { return ++polls >= stopAt; };
+      return std::pair(SearchMidiFile(path, query, none, check).code, polls);
+    };
+    const auto [code, polls] = search(std::numeric_limits<int>::max());
+    EXPECT_EQ(code, Outcome::Success) << c.what;
+    EXPECT_GE(polls, static_cast<int>(c.file.size() >> 18)) << c.what;
+    for (int stopAt = 1; stopAt <= std::min(polls, 40); ++stopAt) {
+      const auto [stopped, asked] = search(stopAt);
+      EXPECT_EQ(stopped, Outcome::Cancelled) << c.what;
+      EXPECT_LE(asked, stopAt + 1) << c.what;
+    }
+  }
 }
 
 TEST(MidiSearchTest, FilesThatCannotBeRead) {

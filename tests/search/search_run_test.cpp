@@ -216,9 +216,11 @@ TEST_F(SearchRunTest, RefusesTargetsThatCannotBe) {
   RunResult result = Search();
   EXPECT_THAT(result.remarks.front(), HasSubstr("Die Zieldatei konnte nicht geöffnet werden."));
   EXPECT_EQ(FailureCount(result), 1u);
-  job_.destinationName = directory_.File("./a.mid");  // a source
-  result = Search();
-  EXPECT_THAT(Codes(result), ElementsAre(-200));
+  for (const std::string& name : {directory_.File("./a.mid"), directory_.Path()}) {  // a source, a directory
+    job_.destinationName = name;
+    result = Search();
+    EXPECT_THAT(Codes(result), ElementsAre(-200)) << name;
+  }
   EXPECT_EQ(test::Content(directory_.File("a.mid")), TuneFile(1));
 }
 

@@ -4,12 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractScrollArea>
+#include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPrintPreviewWidget>
 #include <QRadioButton>
@@ -26,6 +27,7 @@
 #include "platform/files.h"
 #include "platform/registry.h"
 #include "platform/text.h"
+#include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/note_commands.h"
 #include "search/ui/manage_melodies_dialog.h"
@@ -33,6 +35,7 @@
 #include "search/ui/print_abort_dialog.h"
 #include "search/ui/print_preview_dialog.h"
 #include "search/ui/print_setup_dialog.h"
+#include "search/ui/result_line_view.h"
 #include "search/ui/result_viewer_dialog.h"
 #include "search/ui/save_melody_dialog.h"
 #include "search/ui/search_dialog.h"
@@ -573,6 +576,10 @@ SearchResults Results(int hits, SearchKind kind = SearchKind::Midi) {
   return results;
 }
 
+std::string AllOf(const ResultLines& lines) {
+  return lines.Text(0, lines.count);
+}
+
 class PrintingTest : public testing::Test {
  protected:
   [[nodiscard]] static int PagesOf(const std::string& pdf) {
@@ -633,10 +640,10 @@ TEST_F(PrintingTest, AnAbortAndAFailureLeaveNothing) {
 
 TEST_F(PrintingTest, ResultFilesPrintAsTheyStand) {
   const SearchResults results = Results(200);
-  const QString text = ToQt(results.AsResultText());
+  const ResultLines lines = LinesOf(results);
   const std::string pdf = directory_.File("a.pdf");
   const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& job) {
-    return PrintResultText("Suchergebnisse001.txt", text, device, job);
+    return PrintResultLines("Suchergebnisse001.txt", lines, device, job);
   };
   EXPECT_EQ(PrintWith(setup_, pdf, drawing, {}), Printed::Done);
   EXPECT_GE(PagesOf(pdf), 3);
@@ -704,16 +711,20 @@ TEST_F(PrintingTest, TheViewerShowsTheListOrAResultFile) {
   const SearchResults results = Results(4);
   ResultsPrinting printing({}, host_);
   const std::string file =
-      directory_.Write("erg.txt", Windows1252FromUtf8(Results(2).AsResultText() + "Anhang"));
+      directory_.Write("erg.txt", std::string(ResultTagLine()) + "2 Melodie(n) gefunden\r\nAnhang");
   const std::string wrong = directory_.Write("lied.txt", std::string(200, '='));
   ResultViewerDialog dialog(results, false, {}, printing, host_, nullptr);
   dialog.show();
-  auto& text = Child<QPlainTextEdit>(dialog, "textView");
+  auto& view = Child<ResultLineView>(dialog, "textView");
+  const auto shows = [&view](const char* text) {
+    return AllOf(view.Lines()).find(text) != std::string::npos &&
+           view.model()->rowCount() == static_cast<int>(view.Lines().count);
+  };
   auto& name = Child<QLineEdit>(dialog, "fileEdit");
   EXPECT_EQ(name.maxLength(), 516);
   EXPECT_TRUE(Child<QRadioButton>(dialog, "screenRadio").isChecked());
-  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("4 Melodie(n) gefunden"));
-  EXPECT_EQ(text.font().pixelSize(), 12);
+  EXPECT_TRUE(shows("4 Melodie(n) gefunden"));
+  EXPECT_EQ(view.font().pixelSize(), 12);
   EXPECT_FALSE(Child<QWidget>(dialog, "loadButton").isEnabled());
 
   const std::pair<std::string, TextId> failures[] = {
@@ -723,16 +734,31 @@ TEST_F(PrintingTest, TheViewerShowsTheListOrAResultFile) {
     EXPECT_TRUE(Child<QWidget>(dialog, "loadButton").isEnabled());
     NextMessage box;
     Press(dialog, "loadButton");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !box.Text().isEmpty(); }));
     EXPECT_EQ(box.Text(), QtText(message));
     EXPECT_EQ(dialog.LastFile(), "") << "a failure is not remembered";
   }
   name.setText(ToQt(file));
   Press(dialog, "loadButton");
-  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("2 Melodie(n) gefunden"));
-  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("Anhang")) << "the whole file";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return shows("2 Melodie(n) gefunden"); }));
+  EXPECT_TRUE(shows("Anhang")) << "the whole file";
   EXPECT_EQ(dialog.LastFile(), file);
   Child<QRadioButton>(dialog, "screenRadio").click();
-  EXPECT_THAT(text.toPlainText().toStdString(), HasSubstr("4 Melodie(n) gefunden"));
+  EXPECT_TRUE(shows("4 Melodie(n) gefunden"));
+
+  // Lines are copied as they stand, in their order.
+  view.selectAll();
+  QTest::keyClick(&view, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text().toStdString(), AllOf(LinesOf(results)));
+
+  // A dialog that is closed while it reads leaves nothing behind.
+  {
+    ResultViewerDialog closed(results, false, file, printing, host_, nullptr);
+    Press(closed, "loadButton");
+    Child<QRadioButton>(closed, "fileRadio").click();
+    Press(closed, "loadButton");
+  }
+  QApplication::processEvents();
 
   const SearchResults none;
   ResultViewerDialog empty(none, false, file, printing, host_, nullptr);

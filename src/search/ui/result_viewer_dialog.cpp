@@ -1,21 +1,16 @@
 #include "search/ui/result_viewer_dialog.h"
 
-#include <QFontDatabase>
+#include <memory>
+#include <stop_token>
 #include <utility>
 
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
-#include "search/result_file.h"
+#include "search/ui/result_line_view.h"
 #include "ui_RESULTVIEWER.h"
 
 namespace ts5 {
-namespace {
-
-constexpr int kTextHeight = 12;  // pixels
-
-}  // namespace
-
 ResultViewerDialog::ResultViewerDialog(const SearchResults& results, bool wholePaths, std::string lastFile,
                                        ResultsPrinting& printing, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(TextId::ResultViewerPrompt), parent),
@@ -26,10 +21,6 @@ ResultViewerDialog::ResultViewerDialog(const SearchResults& results, bool wholeP
       ui_(std::make_unique<Ui::RESULTVIEWER>()) {
   ui_->setupUi(this);
   ConnectButtons();
-  QFont font(QStringLiteral("Courier New"));
-  font.setStyleHint(QFont::TypeWriter);
-  font.setPixelSize(kTextHeight);
-  ui_->textView->setFont(font);
   ui_->browseButton->setAccessibleDescription(QtText(TextId::PickResultFile));
   ui_->fileEdit->setText(ToQt(lastFile_));
 
@@ -53,9 +44,9 @@ ResultViewerDialog::~ResultViewerDialog() = default;
 
 void ResultViewerDialog::ShowMedium() {
   const bool screen = ui_->screenRadio->isChecked();
-  ui_->textView->setPlainText(screen ? ToQt(results_.AsResultText()) : fileText_);
+  ui_->textView->Show(screen ? LinesOf(results_) : fileLines_);
   ui_->loadButton->setEnabled(!screen && !ui_->fileEdit->text().isEmpty());
-  ui_->printButton->setEnabled(!ui_->textView->document()->isEmpty());
+  ui_->printButton->setEnabled(ui_->textView->Lines().count > 0);
 }
 
 void ResultViewerDialog::Browse() {
@@ -71,22 +62,35 @@ void ResultViewerDialog::Browse() {
 void ResultViewerDialog::Load() {
   ui_->fileRadio->setChecked(true);
   const std::string path = FromQt(ui_->fileEdit->text());
-  const auto text = LoadResultFile(path);
-  if (!text) {
-    ShowWarning(this, ToQt(ResultFileFailureText(text.error())));
-    FocusText(ui_->fileEdit);
-    return;
+  ui_->loadButton->setEnabled(false);
+  setCursor(Qt::BusyCursor);
+  loading_ = std::jthread([this, path](const std::stop_token& stop) {
+    auto lines = std::make_shared<Result<ResultLines>>(
+        LoadResultFile(path, [&stop] { return stop.stop_requested(); }));
+    QMetaObject::invokeMethod(
+        this, [this, path, lines] { Loaded(path, std::move(*lines)); }, Qt::QueuedConnection);
+  });
+}
+
+void ResultViewerDialog::Loaded(const std::string& path, Result<ResultLines> lines) {
+  // What was read before another file was asked for is left aside.
+  if (!lines && lines.error() == Outcome::Cancelled) return;
+  unsetCursor();
+  if (lines) {
+    lastFile_ = path;
+    fileLines_ = std::move(*lines);
   }
-  lastFile_ = path;
-  fileText_ = ToQt(*text);
   ShowMedium();
+  if (lines) return;
+  ShowWarning(this, ToQt(ResultFileFailureText(lines.error())));
+  FocusText(ui_->fileEdit);
 }
 
 void ResultViewerDialog::Print() {
   if (ui_->screenRadio->isChecked()) {
     printing_.PrintHits(results_, wholePaths_, this);
   } else {
-    printing_.PrintFile(lastFile_, fileText_, this);
+    printing_.PrintFile(lastFile_, fileLines_, this);
   }
 }
 

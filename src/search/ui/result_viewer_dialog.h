@@ -3,8 +3,10 @@
 
 #include <memory>
 #include <string>
+#include <thread>
 
 #include "frame/ui/hosted_dialog.h"
+#include "search/result_lines.h"
 #include "search/search_results.h"
 #include "search/ui/results_printing.h"
 
@@ -31,15 +33,18 @@ class ResultViewerDialog : public HostedDialog {
  private:
   void ShowMedium();
   void Browse();
+  // Reads the file on a thread of its own; Loaded shows what has come of it.
   void Load();
+  void Loaded(const std::string& path, Result<ResultLines> lines);
   void Print();
 
   const SearchResults& results_;
   bool wholePaths_;
   std::string lastFile_;
   ResultsPrinting& printing_;
-  QString fileText_;
+  ResultLines fileLines_;
   std::unique_ptr<Ui::RESULTVIEWER> ui_;
+  std::jthread loading_;
 };
 
 }  // namespace ts5

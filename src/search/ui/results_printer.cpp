@@ -3,11 +3,11 @@
 #include <QFontMetricsF>
 #include <QPagedPaintDevice>
 #include <QPainter>
-#include <QStringList>
 #include <algorithm>
 #include <array>
 
 #include "frame/ui/qt_text.h"
+#include "platform/casts.h"
 #include "platform/text.h"
 #include "search/hit_texts.h"
 
@@ -135,8 +135,8 @@ Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintD
   });
 }
 
-Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDevice& device,
-                        const PrintJob& job) {
+Printed PrintResultLines(const QString& title, const ResultLines& lines, QPagedPaintDevice& device,
+                         const PrintJob& job) {
   QPainter painter;
   if (!painter.begin(&device)) return Printed::Failed;
   QFont font = PrintFont(QStringLiteral("Courier New"), kTextPoints, QFont::Normal, device);
@@ -148,8 +148,7 @@ Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDe
   const QFontMetricsF metrics(font, &device);
   painter.setFont(font);
 
-  const QStringList lines = text.split('\n');
-  const auto count = static_cast<int>(lines.size()) - (lines.back().isEmpty() ? 1 : 0);
+  const auto count = ClampTo<int>(lines.count);
   const int perPage = std::max(1, static_cast<int>(device.height() / metrics.lineSpacing()) - kTextHeadLines);
   const int pages = std::max(1, (count + perPage - 1) / perPage);
   return DrawPages(device, painter, pages, job, [&](int number) {
@@ -161,7 +160,7 @@ Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDe
     const int first = (number - 1) * perPage;
     for (int line = first; line < std::min(first + perPage, count); ++line) {
       const double y = (line - first + kTextHeadLines) * metrics.lineSpacing() + metrics.ascent();
-      painter.drawText(QPointF(0, y), lines.at(line));
+      painter.drawText(QPointF(0, y), ToQt(lines.line(static_cast<std::size_t>(line))));
     }
   });
 }

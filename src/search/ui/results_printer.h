@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 
+#include "search/result_lines.h"
 #include "search/search_results.h"
 
 class QPagedPaintDevice;
@@ -25,7 +26,7 @@ struct PrintJob {
 [[nodiscard]] Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintDevice& device,
                                    const PrintJob& job);
 // A result file as it stands, in a font of fixed width, under its name.
-[[nodiscard]] Printed PrintResultText(const QString& title, const QString& text, QPagedPaintDevice& device,
-                                      const PrintJob& job);
+[[nodiscard]] Printed PrintResultLines(const QString& title, const ResultLines& lines,
+                                       QPagedPaintDevice& device, const PrintJob& job);
 
 }  // namespace ts5

@@ -100,10 +100,10 @@ void ResultsPrinting::PrintHits(const SearchResults& results, bool wholePaths, Q
       parent);
 }
 
-void ResultsPrinting::PrintFile(const std::string& path, const QString& text, QWidget* parent) {
+void ResultsPrinting::PrintFile(const std::string& path, const ResultLines& lines, QWidget* parent) {
   Print(
-      [title = ToQt(FileNameOf(path)), &text](QPagedPaintDevice& device, const PrintJob& job) {
-        return PrintResultText(title, text, device, job);
+      [title = ToQt(FileNameOf(path)), &lines](QPagedPaintDevice& device, const PrintJob& job) {
+        return PrintResultLines(title, lines, device, job);
       },
       parent);
 }

@@ -30,7 +30,7 @@ class ResultsPrinting {
   ResultsPrinting(const std::vector<std::string>& printers, DialogHost& host);
 
   void PrintHits(const SearchResults& results, bool wholePaths, QWidget* parent);
-  void PrintFile(const std::string& path, const QString& text, QWidget* parent);
+  void PrintFile(const std::string& path, const ResultLines& lines, QWidget* parent);
 
  private:
   void Print(const PrintDrawing& drawing, QWidget* parent);
