@@ -11,6 +11,7 @@
 
 #include "audio/wave_stream.h"
 #include "audio/waveform_overview.h"
+#include "frame/file_types.h"
 #include "frame/player_run.h"
 #include "frame/run.h"
 #include "platform/audio_out.h"
@@ -212,6 +213,7 @@ class AudioDevice final : public PlayerDevice {
   AudioDevice(std::string name, PlayerControl& control) : name_(std::move(name)), control_(control) {}
 
   Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
+    if (IsCdTrackText(source)) return Failure(Outcome::NotNecessary);
     auto pcm = OpenPcm(source);
     if (!pcm) return Failure(pcm.error());
     if (const Outcome ready = Prepare((*pcm)->Shape().sampleRate); Failed(ready)) return Failure(ready);
@@ -291,9 +293,8 @@ FilterModule AudioPlayerModule() {
   FieldTable<PlayerParameters> table;
   AddPlayerFields(table);
   module.fields = table.Build();
-  module.run = [](Run& run) {
-    RunPlayer(run, run.Parameters<PlayerParameters>(), {.open = OpenDevice, .remarks = kRemarks});
-  };
+  module.run = [](Run& run) { RunPlayer(run, run.Parameters<PlayerParameters>(), OpenDevice); };
+  module.remarks = kRemarks;
   return module;
 }
 

@@ -89,9 +89,9 @@ FilterModule WaveConverterModule() {
     filter.independent = true;
     filter.check = CheckSource;
     filter.convert = ConvertItem;
-    filter.remarks = WaveConverterRemarks();
     RunItems(run, filter);
   };
+  module.remarks = WaveConverterRemarks();
   // The name stays; with the suffix it ends in ".wav", whatever the source was.
   module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
     return TargetRule{.extension = "wav", .formatKept = true};

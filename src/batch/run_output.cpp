@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "audio/audio_remarks.h"
 #include "batch/console.h"
 #include "batch/json_text.h"
 #include "frame/filter_catalogue.h"
@@ -90,10 +89,9 @@ std::string HitText(SearchKind kind, const SearchHit& hit) {
                 seconds % 60);
 }
 
-std::string ItemRemark(const RunItem& item) {
+std::string ItemRemark(const RunItem& item, std::span<const Remark> table) {
   if (item.code >= 0) return "";
-  auto lines = RemarkLines(ConversionRemarks(), Status{.code = item.code});
-  if (lines.empty()) lines = RemarkLines(AudioRemarks(), Status{.code = item.code});
+  const auto lines = RemarkLines(table, Status{.code = item.code, .number = item.code});
   return lines.empty() ? Format(Text(TextId::BatchItemCode), item.code) : lines.front();
 }
 

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "frame/remarks.h"
 #include "frame/run_result.h"
 #include "frame/search_hit.h"
 #include "search/search_results.h"
@@ -23,8 +24,8 @@ void WriteResultJson(const RunResult& result, const SearchResults& hits, std::os
 // One line for a place where a search found its melody.
 [[nodiscard]] std::string HitText(SearchKind kind, const SearchHit& hit);
 
-// What went wrong with one item, in a few words; "" for one that succeeded.
-[[nodiscard]] std::string ItemRemark(const RunItem& item);
+// What went wrong with one item, in the words of its filter's table; "" for one that succeeded.
+[[nodiscard]] std::string ItemRemark(const RunItem& item, std::span<const Remark> table);
 
 // Cancelled before failed before success.
 [[nodiscard]] int ExitStatusOf(const RunResult& result);

@@ -27,7 +27,7 @@ int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions o
     WriteResultJson(result, host->Hits(), console.out);
   } else {
     for (const RunItem& item : result.items) {
-      if (const std::string remark = ItemRemark(item); !remark.empty()) {
+      if (const std::string remark = ItemRemark(item, module->remarks); !remark.empty()) {
         // What concerns no source is the failure of the destination.
         const std::string& name = item.source.empty() ? item.destination : item.source;
         PrintError(console, Format(Text(TextId::BatchItemFailed), name, remark));

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "frame/filter_id.h"
 #include "frame/job.h"
 #include "frame/parameters.h"
+#include "frame/remarks.h"
 #include "platform/strings.h"
 
 namespace ts5 {
@@ -33,6 +35,8 @@ struct FilterModule {
   // The work, on a thread of its own. It fills run.Result(), throws nothing, polls run.Cancelled() and talks
   // to the outside only through the run.
   std::function<void(Run&)> run;
+  // What is said of each outcome: in the results, and of single items.
+  std::span<const Remark> remarks = ConversionRemarks();
   // Extension rule of a filter that makes one file per source; empty for the others.
   std::function<TargetRule(const FilterParameters&, const std::string& source)> target = {};
   StopRule stop = {};

@@ -74,7 +74,7 @@ class ItemRun {
     RunResult& result = run_.Result();
     result.lines[0].count = Count(successes_);
     result.lines[1].count = Count(count_ - successes_);
-    result.remarks = run_.Remarks(filter_.remarks);
+    result.remarks = run_.Remarks();
   }
 
  private:

@@ -18,11 +18,9 @@
 #include <atomic>
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string>
 
 #include "frame/filter_module.h"
-#include "frame/remarks.h"
 #include "platform/files.h"
 #include "platform/outcome.h"
 
@@ -55,7 +53,6 @@ struct ItemFilter {
   // Success or a positive code of the filter's own; on a failure the target is dropped, and so is one into
   // which nothing was written. Cancelled ends the run.
   std::function<Outcome(ItemWork&)> convert;
-  std::span<const Remark> remarks = ConversionRemarks();
   unsigned workers = 0;  // threads for independent items; 0: one per core
 };
 

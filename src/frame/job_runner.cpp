@@ -54,7 +54,7 @@ void Work(const std::shared_ptr<Run>& run, const std::shared_ptr<Ending>& ending
   }
   if (broken) {
     run->AddCode(*broken);
-    run->Result().remarks = run->Remarks(ConversionRemarks());
+    run->Result().remarks = run->Remarks();
   }
   run->Finish();
   ending->Set();

@@ -22,13 +22,13 @@ constexpr milliseconds kReportInterval{15};
 
 class PlayerRun {
  public:
-  PlayerRun(Run& run, const PlayerOptions& options, const PlayerFilter& filter)
-      : run_(run), control_(run.Player()), options_(options), filter_(filter), count_(run.ItemCount()) {}
+  PlayerRun(Run& run, const PlayerOptions& options, const OpenPlayer& open)
+      : run_(run), control_(run.Player()), options_(options), open_(open), count_(run.ItemCount()) {}
 
   void Execute() {
     control_.Clear();
     control_.SetSound({options_.volume, options_.balance});
-    auto device = filter_.open(run_);
+    auto device = open_(run_);
     if (device) {
       device_ = *std::move(device);
       device_->SetSound(control_.Sound());
@@ -106,7 +106,7 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
-    control_.Report({.title = source, .duration = title.Duration(), .place = title.Place()});
+    control_.Report({.title = source, .duration = title.Duration(), .place = title.PlaceOf({})});
 
     Turn turn;
     std::atomic<bool> ended = false;
@@ -134,7 +134,7 @@ class PlayerRun {
         run_.SetState(paused ? RunState::Paused : RunState::Running);
       }
       const nanoseconds position = title.Position();
-      control_.ReportPosition(position, title.Place(), paused);
+      control_.ReportPosition(position, title.PlaceOf(position), paused);
       const double fraction =
           end.count() > 0 ? static_cast<double>(position.count()) / static_cast<double>(end.count()) : 0;
       run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), fraction);
@@ -164,7 +164,8 @@ class PlayerRun {
     ++failed_;
     run_.AddCode(code);
     run_.Result().items.push_back({source, "", Code(code)});
-    const std::string_view text = Text(TextId::PlayerTitleFailed);
+    const std::string_view text =
+        Text(code == Outcome::NotNecessary ? TextId::PlayerCdFailed : TextId::PlayerTitleFailed);
     if (count_ == 1) {
       run_.Notice(text);
     } else {
@@ -183,7 +184,7 @@ class PlayerRun {
     result.lines[1].count = finished_;
     result.lines[2].count = ClampTo<std::uint32_t>(result.items.size()) -
                             std::min(ClampTo<std::uint32_t>(result.items.size()), finished_);
-    result.remarks = run_.Remarks(filter_.remarks);
+    result.remarks = run_.Remarks();
     result.show = options_.resultDialog;
     if (!device_ || failed_ == 0 || count_ == 1) return;
     result.remarks.emplace_back(Text(TextId::PlayerSomeFailed));
@@ -193,7 +194,7 @@ class PlayerRun {
   Run& run_;
   PlayerControl& control_;
   const PlayerOptions& options_;
-  const PlayerFilter& filter_;
+  const OpenPlayer& open_;
   std::size_t count_;
   std::unique_ptr<PlayerDevice> device_;
   bool deviceGone_ = false;
@@ -204,8 +205,8 @@ class PlayerRun {
 
 }  // namespace
 
-void RunPlayer(Run& run, const PlayerOptions& options, const PlayerFilter& filter) {
-  PlayerRun(run, options, filter).Execute();
+void RunPlayer(Run& run, const PlayerOptions& options, const OpenPlayer& open) {
+  PlayerRun(run, options, open).Execute();
 }
 
 }  // namespace ts5

@@ -33,40 +33,40 @@ class PlayedTitle {
   virtual void Seek(std::chrono::nanoseconds position) = 0;
   [[nodiscard]] virtual std::chrono::nanoseconds Position() const = 0;
   [[nodiscard]] virtual std::chrono::nanoseconds Duration() const = 0;
-  // Where it is in bars, for music that has them.
-  [[nodiscard]] virtual std::optional<BarBeat> Place() const { return std::nullopt; }
+  [[nodiscard]] virtual std::optional<BarBeat> PlaceOf(std::chrono::nanoseconds /*position*/) const {
+    return std::nullopt;
+  }
 };
 
 // The device that the titles of a run are played on; it stays open from the first to the last.
 class PlayerDevice {
  public:
   virtual ~PlayerDevice() = default;
+  // NotNecessary: a track of an audio CD that no drive plays.
   [[nodiscard]] virtual Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) = 0;
   virtual void SetSound(PlayerSound sound) = 0;
   // The end of the run; a device that makes a file completes it.
   [[nodiscard]] virtual Outcome Close() = 0;
 };
 
-struct PlayerFilter {
-  std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)> open;
-  std::span<const Remark> remarks;
-};
+using OpenPlayer = std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)>;
 
 // What a player says of its titles: as the conversions do, but with its own words for a device that does not
 // open, and its own row for titles that are damaged or of no use.
-[[nodiscard]] constexpr std::array<Remark, 8> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
+[[nodiscard]] constexpr std::array<Remark, 9> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
   return {{{Code(Outcome::Cancelled), TextId::RemarkCancelled},
            {Code(Outcome::OutOfMemory), TextId::RemarkOutOfMemory},
            {Code(Outcome::ReadFailed), TextId::RemarkReadFailed},
-           {Code(Outcome::WriteFailed), TextId::RemarkWriteFailed},
+           {Code(Outcome::WriteFailed), TextId::PlayerDeviceGone},
            {Code(Outcome::WrongFormat), TextId::RemarkWrongFormat},
            {Code(Outcome::TargetFailed), deviceFailed},
            {Code(Outcome::SourceFailed), TextId::RemarkSourceFailed},
+           {Code(Outcome::NotNecessary), TextId::PlayerCdFailed},
            badTitle}};
 }
 
 // Fills run.Result(): titles that were begun, that were played to their end (short play: to its end), and all
 // that were not. A title that cannot be played is reported, and the run goes on.
-void RunPlayer(Run& run, const PlayerOptions& options, const PlayerFilter& filter);
+void RunPlayer(Run& run, const PlayerOptions& options, const OpenPlayer& open);
 
 }  // namespace ts5

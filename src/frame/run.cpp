@@ -91,10 +91,10 @@ void Run::AddStatus(const Status& status) {
   if (!known) statusList_.push_back(status);
 }
 
-std::vector<std::string> Run::Remarks(std::span<const Remark> table) const {
+std::vector<std::string> Run::Remarks() const {
   std::vector<std::string> lines;
   for (const Status& status : statusList_) {
-    for (std::string& line : RemarkLines(table, status)) lines.push_back(std::move(line));
+    for (std::string& line : RemarkLines(module_->remarks, status)) lines.push_back(std::move(line));
   }
   return lines;
 }

@@ -89,8 +89,8 @@ class Run {
   void AddCode(Outcome outcome, std::int32_t number = 0) { AddStatus({Code(outcome), false, number}); }
   [[nodiscard]] const std::vector<Status>& StatusList() const { return statusList_; }
 
-  // The remark lines of the status list.
-  [[nodiscard]] std::vector<std::string> Remarks(std::span<const Remark> table) const;
+  // The remark lines of the status list, by the filter's table.
+  [[nodiscard]] std::vector<std::string> Remarks() const;
   // Title and labels are those of the filter from the start.
   [[nodiscard]] RunResult& Result() { return result_; }
 

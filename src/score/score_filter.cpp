@@ -7,7 +7,8 @@
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
-#include "score/score_at_hand.h"
+#include "score/parameter_set.h"
+#include "score/playback_fields.h"
 #include "score/score_midi.h"
 
 namespace ts5 {
@@ -34,21 +35,26 @@ Outcome CheckItem(const FilterParameters& parameters, const std::string& source)
   return score->scan.time == 0 ? Outcome::NoPlayingTime : Outcome::Success;
 }
 
+// The set of the score's name takes the place of the job's values.
+void LoadAutomaticSet(Run& run, const std::string& source, const OpenScore& score,
+                      PlaybackParameters& playback) {
+  const std::string set = AutomaticParameterSet(run.GetSettings().playbackParameterDirectory, source);
+  if (set.empty() || !FileExists(set)) return;
+  if (Failed(LoadParameterSet(playback, score.voices, set))) run.Notice(Text(TextId::ParameterSetNotLoaded));
+}
+
 Outcome ConvertItem(ItemWork& work) {
   const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
   work.run.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(work.source)));
-  ScoreParameters parameters = own.For(work.source);
-  const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats);
+  PlaybackParameters playback = own.playback;
+  const auto score = OpenAndScan(work.source, playback, own.playRepeats);
   if (!score) return score.error();
-  if (Failed(LoadAutomaticSet(work.run.GetSettings().playbackParameterDirectory, work.source, score->voices,
-                              parameters)))
-    work.run.Notice(Text(TextId::ParameterSetNotLoaded));
+  if (own.automaticSet) LoadAutomaticSet(work.run, work.source, *score, playback);
 
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   ScoreOptions options;
   options.repeats = own.playRepeats;
-  options.silentStaves = parameters.silentStaves;
-  const auto midi = ScoreToMidi(*score, parameters.playback, options, watch);
+  const auto midi = ScoreToMidi(*score, playback, options, watch);
   return midi ? work.target.Write(*midi) : midi.error();
 }
 
@@ -65,8 +71,10 @@ std::vector<ParameterField> ScoreToMidiFields() {
       .Flag("Lyrics", &P::lyrics)
       .Integer("NoteValue%", &P::noteValue, 0, 100)
       .Flag("Invisible", &P::invisible)
-      .Flag("Repeats", &P::repeats);
-  AddScoreFields(table);
+      .Flag("Repeats", &P::repeats)
+      .Flag("PlayRepeats", &P::playRepeats);
+  AddPlaybackFields(table);
+  table.Flag("ParamSetAuto", &P::automaticSet);
   return table.Build();
 }
 
@@ -75,7 +83,6 @@ void RunScoreToMidi(Run& run) {
   filter.independent = true;
   filter.check = CheckItem;
   filter.convert = ConvertItem;
-  filter.remarks = ScoreRemarks();
   RunItems(run, filter);
 }
 
@@ -85,6 +92,7 @@ FilterModule ScoreToMidiModule() {
   module.create = [] { return std::make_unique<ScoreToMidiParameters>(); };
   module.fields = ScoreToMidiFields();
   module.run = RunScoreToMidi;
+  module.remarks = ScoreRemarks();
   module.target = [](const FilterParameters&, const std::string&) {
     return TargetRule{std::string(kMidiExtension), false};
   };

@@ -169,7 +169,7 @@ class SearchRun {
     result.lines[2].count = counts.unsuitable;
     result.cancelled = last_ == Outcome::Cancelled;
     if (Failed(last_)) run_.AddCode(last_);
-    result.remarks = run_.Remarks(kRemarks);
+    result.remarks = run_.Remarks();
   }
 
   Run& run_;
@@ -192,6 +192,7 @@ FilterModule SearchModule(FilterId filter, SearchFunction search) {
     return parameters;
   };
   module.fields = SearchFields(filter);
+  module.remarks = kRemarks;
   module.missing = [](const Job& job) -> std::optional<TextId> {
     if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
     return TextId::MelodyMissing;

@@ -91,7 +91,10 @@ class RecordingHost : public RunHost {
     const std::lock_guard lock(mutex_);
     status.emplace_back(text);
   }
-  void ProtocolLine(std::string_view) override {}
+  void ProtocolLine(std::string_view line) override {
+    const std::lock_guard lock(mutex_);
+    lines.emplace_back(line);
+  }
   Outcome Hit(const SearchHit&) override { return Outcome::Success; }
   void Ask(std::shared_ptr<Question> question) override {
     std::optional<Answer> answer;
@@ -108,7 +111,10 @@ class RecordingHost : public RunHost {
     changed_.notify_all();
     if (answer) question->Reply(*answer);
   }
-  void Notice(std::string_view, MessageIcon) override {}
+  void Notice(std::string_view text, MessageIcon) override {
+    const std::lock_guard lock(mutex_);
+    notices.emplace_back(text);
+  }
   void StateChanged(RunState state) override {
     const std::lock_guard lock(mutex_);
     states.push_back(state);
@@ -137,6 +143,8 @@ class RecordingHost : public RunHost {
   bool dropQuestions = false;
   std::vector<RunProgress> progress;
   std::vector<std::string> status;
+  std::vector<std::string> lines;
+  std::vector<std::string> notices;
   std::vector<std::string> questions;
   std::vector<std::shared_ptr<Question>> open;
   std::vector<RunState> states;
@@ -178,14 +186,14 @@ inline Job ListJob(const std::vector<std::string>& files, const FilterModule& mo
 
 // One whole run on this thread.
 inline RunResult RunJob(const Job& job, const FilterModule& module, const DestinationRules& rules = {},
-                        const std::shared_ptr<RecordingHost>& host = std::make_shared<RecordingHost>()) {
-  RunSetup setup;
+                        const std::shared_ptr<RecordingHost>& host = std::make_shared<RecordingHost>(),
+                        RunSetup setup = {}) {
   setup.job = job;
   setup.destination = rules;
   Run run(std::move(setup), module, job.run.Shared(), host);
   module.run(run);
   run.Finish();
-  return host->results.at(0);
+  return host->results.back();
 }
 
 }  // namespace ts5::test

@@ -102,7 +102,7 @@ struct GatedRun {
       run.Result().cancelled = true;
     }
     run.Result().lines[0].count = run.Cancelled() ? 0 : items;
-    run.Result().remarks = run.Remarks(ConversionRemarks());
+    run.Result().remarks = run.Remarks();
     --running;
   }
 };
