@@ -106,7 +106,7 @@ MediaProbe ProbeMedia(const std::string& path) {
   probe.kind = KindOf(info, path);
   if (probe.kind == MediaKind::None) return {};
   if (!wave) probe.format = info.format;
-  if (probe.kind == MediaKind::Aiff) probe.frames = (*reader)->Frames();
+  probe.frames = info.frames;
   SetDuration(probe, info.seconds);
   return probe;
 }

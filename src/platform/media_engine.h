@@ -1,5 +1,5 @@
-// Moves samples from a source to a sink on a thread of its own and tells the program's event loop how it
-// goes: conversion, decoding and recording all run on it.
+// Moves samples from a source to a sink: on the caller's thread, or on a thread of its own that tells the
+// program's event loop how it goes.
 //
 //   MediaEngine engine(loop);
 //   engine.Build(std::move(source), std::move(sink));

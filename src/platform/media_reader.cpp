@@ -9,18 +9,20 @@
 
 #include "platform/ffmpeg.h"
 #include "platform/input_file.h"
+#include "platform/mp3_length.h"
 #include "platform/paths.h"
+#include "platform/vorbis_reader.h"
 
 namespace ts5 {
 namespace {
 
 // No other demuxer or decoder ever sees a file: lists of other files, pictures and films stay outside.
-constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ogg,ape,flac,mpeg,mpegts,aac";
+constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ape,flac,mpeg,mpegts,aac";
 constexpr const char* kDecoders =
     "pcm_u8,pcm_s8,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,pcm_f64le,"
     "pcm_f64be,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt,adpcm_yamaha,adpcm_g726,adpcm_g722,"
     "gsm_ms,gsm,libgsm_ms,libgsm,truespeech,mace3,mace6,qdm2,mp1,mp1float,mp2,mp2float,mp3,mp3float,wmav1,"
-    "wmav2,wmapro,wmalossless,wmavoice,vorbis,ape,flac,aac,aac_fixed";
+    "wmav2,wmapro,wmalossless,wmavoice,ape,flac,aac,aac_fixed";
 constexpr int kMostChannels = 64;
 constexpr int kMostRate = 1 << 20;
 // Decoding is taken up this far before a sought place, so that codecs with a memory are warm there.
@@ -75,9 +77,9 @@ struct NamedContainer {
   MediaContainer container;
 };
 constexpr NamedContainer kContainers[] = {
-    {"wav", MediaContainer::Wave}, {"w64", MediaContainer::Wave},  {"aiff", MediaContainer::Aiff},
-    {"mp3", MediaContainer::Mpeg}, {"mpeg", MediaContainer::Mpeg}, {"mpegts", MediaContainer::Mpeg},
-    {"ogg", MediaContainer::Ogg},  {"ape", MediaContainer::Ape},   {"asf", MediaContainer::WindowsMedia},
+    {"wav", MediaContainer::Wave}, {"w64", MediaContainer::Wave},         {"aiff", MediaContainer::Aiff},
+    {"mp3", MediaContainer::Mpeg}, {"mpeg", MediaContainer::Mpeg},        {"mpegts", MediaContainer::Mpeg},
+    {"ape", MediaContainer::Ape},  {"asf", MediaContainer::WindowsMedia},
 };
 
 MediaContainer ContainerNamed(const char* name) {
@@ -101,8 +103,6 @@ MediaCodec CodecOf(AVCodecID id) {
     case AV_CODEC_ID_WMALOSSLESS:
     case AV_CODEC_ID_WMAVOICE:
       return MediaCodec::WindowsMedia;
-    case AV_CODEC_ID_VORBIS:
-      return MediaCodec::Vorbis;
     case AV_CODEC_ID_APE:
       return MediaCodec::Ape;
     default:
@@ -239,6 +239,7 @@ class LibraryReader final : public MediaReader {
   const MediaInfo& Info() const override { return info_; }
   const PcmShape& Shape() const override { return shape_; }
   std::optional<std::uint64_t> Frames() const override {
+    if (info_.frames) return info_.frames;
     if (info_.seconds <= 0) return std::nullopt;
     return static_cast<std::uint64_t>(std::llround(info_.seconds * shape_.sampleRate));
   }
@@ -292,7 +293,10 @@ class LibraryReader final : public MediaReader {
     offset_ = available_ = 0;
     ended_ = false;
     skipUntil_.reset();
-    if (const Outcome opened = Open(std::string(path_)); Failed(opened)) return opened;
+    if (const Outcome opened = Open(std::string(path_)); Failed(opened)) {
+      ended_ = true;  // there is nothing left to decode with
+      return opened;
+    }
     discard_ = frame;
     return Outcome::Success;
   }
@@ -364,6 +368,13 @@ class LibraryReader final : public MediaReader {
     } else if (container_->duration != AV_NOPTS_VALUE && container_->duration > 0) {
       info_.seconds = static_cast<double>(container_->duration) / AV_TIME_BASE;
     }
+    if (info_.container == MediaContainer::Mpeg && info_.codec == MediaCodec::MpegLayer3) {
+      const int block = track_->codecpar->frame_size;
+      info_.frames = TaggedMp3Length(stream_.file, block > 0 ? static_cast<std::uint32_t>(block) : 1152);
+    }
+    if (info_.container == MediaContainer::Aiff && info_.seconds > 0)
+      info_.frames = static_cast<std::uint64_t>(std::llround(info_.seconds * shape_.sampleRate));
+    if (info_.frames) info_.seconds = static_cast<double>(*info_.frames) / shape_.sampleRate;
   }
 
   // Decodes until a block of the stream's shape is there; false at the end.
@@ -460,6 +471,7 @@ Result<std::unique_ptr<MediaReader>> MediaReader::Open(const std::string& path) 
   ffmpeg::Silence();
   auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
+  if (IsOgg(*file)) return OpenVorbis(std::move(*file));
   auto reader = std::make_unique<LibraryReader>(std::move(*file));
   if (const Outcome opened = reader->Open(path); Failed(opened)) return Failure(opened);
   return std::unique_ptr<MediaReader>(std::move(reader));

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/outcome.h"
@@ -19,8 +20,9 @@ enum class MediaContainer : std::uint8_t { Other, Wave, Aiff, Mpeg, WindowsMedia
 struct MediaInfo {
   MediaContainer container = MediaContainer::Other;
   MediaCodec codec = MediaCodec::Other;
-  WaveFormat format = {};  // of the stream as it lies in the file
-  double seconds = 0;      // 0: not known
+  WaveFormat format = {};                    // of the stream as it lies in the file
+  double seconds = 0;                        // 0: not known
+  std::optional<std::uint64_t> frames = {};  // where the file says it exactly
 };
 
 class MediaReader : public PcmSource {
@@ -29,7 +31,7 @@ class MediaReader : public PcmSource {
   // WrongFormat: no audio that is supported. OutOfMemory. Any thread.
   [[nodiscard]] static Result<std::unique_ptr<MediaReader>> Open(const std::string& path);
 
-  // Seek() comes out at the frame; in Ogg Vorbis within a block of the codec (a few milliseconds).
+  // Seek() comes out at the frame.
   [[nodiscard]] virtual const MediaInfo& Info() const = 0;
 };
 
