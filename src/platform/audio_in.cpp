@@ -2,13 +2,14 @@
 
 #include <rtaudio/RtAudio.h>
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <stop_token>
 #include <thread>
 #include <utility>
 
+#include "platform/device_pace.h"
 #include "platform/quiet.h"
 
 namespace ts5 {
@@ -61,7 +62,8 @@ std::optional<RtAudio::DeviceInfo> InputAt(RtAudio& audio, unsigned index) {
 
 class SoundCardInput final : public AudioInput {
  public:
-  SoundCardInput(AudioFormat format, AudioTake take) : format_(format), take_(std::move(take)) {
+  SoundCardInput(AudioFormat format, AudioTake take)
+      : format_(format), take_(std::move(take)), pace_(format.sampleRate) {
     audio_.showWarnings(false);
   }
   ~SoundCardInput() override { SoundCardInput::Stop(); }
@@ -99,25 +101,20 @@ class SoundCardInput final : public AudioInput {
     } catch (const RtAudioError&) {
     }
   }
-  // A device that goes away gives no more samples: alive means that it has given some within a second.
-  bool Alive() const override {
-    const auto last = lastBlock_.load();
-    return last.count() == 0 ||
-           std::chrono::steady_clock::now().time_since_epoch() - last < std::chrono::seconds(1);
-  }
+  bool Alive() const override { return pace_.Alive(); }
 
  private:
   static int Callback(void* /*output*/, void* input, unsigned frames, double /*time*/,
                       RtAudioStreamStatus /*status*/, void* self) {
     auto* const in = static_cast<SoundCardInput*>(self);
-    in->lastBlock_ = std::chrono::steady_clock::now().time_since_epoch();
+    in->pace_.Moved(frames);
     in->take_({static_cast<const float*>(input), std::size_t{frames} * in->format_.channels});
     return 0;
   }
 
   AudioFormat format_;
   AudioTake take_;
-  std::atomic<std::chrono::steady_clock::duration> lastBlock_{};
+  DevicePace pace_;
   RtAudio audio_;
 };
 
@@ -132,6 +129,21 @@ std::vector<std::string> AudioInputDevices() {
     if (const auto info = InputAt(audio, index)) names.push_back(info->name);
   }
   return names;
+}
+
+AudioInputAbility AbilityOfAudioInput(std::string_view device) {
+  const QuietLibraries quiet;
+  RtAudio audio;
+  audio.showWarnings(false);
+  for (unsigned index = 0; index < audio.getDeviceCount(); ++index) {
+    const auto info = InputAt(audio, index);
+    if (!info || info->name != device) continue;
+    AudioInputAbility ability{{info->sampleRates.begin(), info->sampleRates.end()},
+                              static_cast<std::int32_t>(info->inputChannels)};
+    std::ranges::sort(ability.rates);
+    return ability;
+  }
+  return {};
 }
 
 Result<std::unique_ptr<AudioInput>> OpenAudioInput(std::string_view device, AudioFormat format,

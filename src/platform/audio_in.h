@@ -4,6 +4,7 @@
 // of their outputs, where the system has such) there is the null device, which gives silence in real time.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -21,6 +22,13 @@ using AudioTake = std::function<void(std::span<const float> interleaved)>;
 
 // The names of the sound cards with an input, in the order of the system; empty where there are none.
 [[nodiscard]] std::vector<std::string> AudioInputDevices();
+
+struct AudioInputAbility {
+  std::vector<std::uint32_t> rates;  // rising
+  std::int32_t channels = 0;         // at most
+};
+// Nothing for a device that is not there.
+[[nodiscard]] AudioInputAbility AbilityOfAudioInput(std::string_view device);
 
 class AudioInput {
  public:

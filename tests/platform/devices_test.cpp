@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "platform/audio_out.h"
+#include "platform/device_pace.h"
 #include "platform/midi_out.h"
 #include "platform/synthesizer.h"
 #include "support/matchers.h"
@@ -146,6 +147,22 @@ TEST(MidiOut, UnknownDevicesAreRefusedAndNullTakesAll) {
   EXPECT_THAT((*null)->Close(), IsOk());
   EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xC5, 1)), 2U);
   EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xE5, 1, 2)), 3U);
+}
+
+// A device that has gone stops, or takes all there is at once.
+TEST(DevicePaceTest, TellsADeviceThatHasGone) {
+  DevicePace fresh(44100);
+  EXPECT_TRUE(fresh.Alive()) << "not begun";
+  fresh.Moved(44100 * 2);
+  EXPECT_TRUE(fresh.Alive()) << "what it buffers";
+  fresh.Moved(44100 * 20);
+  EXPECT_FALSE(fresh.Alive()) << "runs away";
+  DevicePace stopping(44100);
+  stopping.Moved(512);
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  EXPECT_FALSE(stopping.Alive());
+  stopping.Moved(512);
+  EXPECT_TRUE(stopping.Alive());
 }
 
 }  // namespace
