@@ -114,6 +114,10 @@ void Amplify8(std::span<std::uint8_t> block, double gain) {
   }
 }
 
+void Amplify(std::span<std::uint8_t> block, std::uint16_t bits, double gain) {
+  bits == 8 ? Amplify8(block, gain) : Amplify16(block, gain);
+}
+
 // The source's data with this gain into a new file of the same format, which takes the target's place when it
 // is complete.
 Outcome WriteLouder(const std::string& source, const std::string& target, float gain,
@@ -125,31 +129,30 @@ Outcome WriteLouder(const std::string& source, const std::string& target, float 
   auto to = WaveFile::Create(target.empty() ? source : target, from->Format(), from->DataSize());
   if (!to) return to.error() == Outcome::WriteFailed ? to.error() : Outcome::TargetNotCreated;
   const Outcome copied = ForEachBlock(*from, watch, [&](std::span<std::uint8_t> block) {
-    if (*bits == 8) {
-      Amplify8(block, gain);
-    } else {
-      Amplify16(block, gain);
-    }
+    Amplify(block, *bits, gain);
     return to->Write(block);
   });
   return Failed(copied) ? copied : to->Close();
 }
 
+// What brings the file's loudest sample to full scale. NotNecessary: it is there already, or all is silent.
+Result<float> GainFor(WaveFile& file, const WorkWatch& watch) {
+  const auto peaks = ScanPeak(file, watch);
+  if (!peaks) return Failure(peaks.error());
+  const std::uint32_t peak = std::max(peaks->left, peaks->right);
+  if (peak == 0) return Failure(Outcome::NotNecessary);
+  const double full = BitsOf(file.Format()) == 8 ? 128 : 32768;
+  const auto gain = static_cast<float>(full / peak);
+  if (gain <= 1.0F) return Failure(Outcome::NotNecessary);
+  return gain;
+}
+
 Outcome NormaliseFile(const std::string& source, const std::string& target, const WorkWatch& watch) {
-  std::uint32_t peak = 0;
-  std::uint32_t full = 0;
-  {
-    auto file = OpenSource(source);
-    if (!file) return file.error();
-    const auto peaks = ScanPeak(*file, Step(watch, 0, 2));
-    if (!peaks) return peaks.error();
-    peak = std::max(peaks->left, peaks->right);
-    full = BitsOf(file->Format()) == 8 ? 128 : 32768;
-  }
-  if (peak == 0) return Outcome::NotNecessary;
-  const auto gain = static_cast<float>(static_cast<double>(full) / peak);
-  if (gain <= 1.0F) return Outcome::NotNecessary;
-  return WriteLouder(source, target, gain, Step(watch, 1, 2));
+  auto file = OpenSource(source);
+  if (!file) return file.error();
+  const auto gain = GainFor(*file, Step(watch, 0, 2));
+  if (!gain) return gain.error();
+  return WriteLouder(source, target, *gain, Step(watch, 1, 2));
 }
 
 Outcome NormaliseProject(std::span<const std::string> sources, std::span<const std::string> targets,
@@ -230,6 +233,26 @@ Outcome Normalise(std::span<const std::string> sources, std::span<const std::str
       if (Failed(done)) return done;
     }
     return Outcome::Success;
+  } catch (const std::bad_alloc&) {
+    return Outcome::OutOfMemory;
+  }
+}
+
+Outcome NormaliseStaged(StagedFile& file, const WorkWatch& watch) {
+  try {
+    auto wave = WaveFile::EditIn(file);
+    if (!wave) return wave.error();
+    const auto gain = GainFor(*wave, Step(watch, 0, 2));
+    if (!gain) return gain.error();
+    const std::uint16_t bits = *BitsOf(wave->Format());
+    std::uint64_t at = 0;
+    const Outcome amplified = ForEachBlock(*wave, Step(watch, 1, 2), [&](std::span<std::uint8_t> block) {
+      Amplify(block, bits, *gain);
+      wave->SeekTo(at);
+      at += block.size();
+      return wave->Write(block);
+    });
+    return Failed(amplified) ? amplified : wave->Close();
   } catch (const std::bad_alloc&) {
     return Outcome::OutOfMemory;
   }

@@ -52,4 +52,8 @@ inline constexpr int kWholeProject = -1;
 [[nodiscard]] Outcome Normalise(std::span<const std::string> sources, std::span<const std::string> targets,
                                 int index, std::size_t count, const WorkWatch& watch = {});
 
+// One file that is complete in a staged file of the caller's, before anyone sees it: in place, without
+// another file. On a failure but NotNecessary its samples are of no use.
+[[nodiscard]] Outcome NormaliseStaged(StagedFile& file, const WorkWatch& watch = {});
+
 }  // namespace ts5

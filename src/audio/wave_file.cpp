@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::uint32_t kFactWhileWriting = 0xFFFFFFFF;
 constexpr std::uint32_t kFactWhenClosed = 0;
+constexpr std::size_t kCopyBlock = std::size_t{1} << 17;
 
 // Sounds that came with the program, by the kinds of resources in which they may lie.
 Result<InputFile> OpenResource(const std::string& name) {
@@ -56,9 +57,40 @@ Result<WaveFile> WaveFile::CreateIn(StagedFile& target, WaveFormat format, std::
   return wave;
 }
 
+Result<WaveFile> WaveFile::EditIn(StagedFile& target) {
+  auto file = InputFile::Open(target.TemporaryPath());
+  if (!file) return Failure(file.error());
+  auto wave = Read(std::move(*file));
+  if (!wave) return wave;
+  wave->mode_ = Mode::Edit;
+  wave->external_ = &target;
+  return wave;
+}
+
+Result<WaveFile> WaveFile::Edit(const std::string& name) {
+  auto from = InputFile::Open(name);
+  if (!from) return Failure(from.error());
+  auto copy = StagedFile::Create(name);
+  if (!copy) return Failure(copy.error());
+  Bytes block(kCopyBlock);
+  for (std::uint64_t at = 0; at < from->Size();) {
+    const auto got = from->ReadAt(at, block);
+    if (!got) return Failure(got.error());
+    if (*got == 0) return Failure(Outcome::ReadFailed);
+    if (const Outcome copied = copy->Write(ByteView(block).first(*got)); Failed(copied))
+      return Failure(copied);
+    at += *got;
+  }
+  auto wave = EditIn(*copy);
+  if (!wave) return wave;
+  wave->external_ = nullptr;
+  wave->own_ = std::move(*copy);
+  return wave;
+}
+
 Outcome WaveFile::Begin(WaveFormat format, std::uint64_t expectedData) {
   layout_.format = std::move(format);
-  written_ = true;
+  mode_ = Mode::Create;
   rf64_ = NeedsRf64(layout_.format, expectedData);
   start_ = Target().Size();
   return Target().Write(WaveHeader(layout_.format, 0, kFactWhileWriting, rf64_));
@@ -75,26 +107,31 @@ Result<std::size_t> WaveFile::Read(std::span<std::uint8_t> buffer) {
 }
 
 void WaveFile::SeekTo(std::uint64_t dataByte) {
-  if (!written_) position_ = std::min(dataByte, layout_.dataSize);
+  if (mode_ != Mode::Create) position_ = std::min(dataByte, layout_.dataSize);
 }
 
 Outcome WaveFile::Write(ByteView samples) {
-  if (!written_ || closed_) return Outcome::WriteFailed;
-  if (!rf64_ && NeedsRf64(layout_.format, position_ + samples.size())) return Outcome::WriteFailed;
-  const Outcome written = Target().Write(samples);
+  if (mode_ == Mode::Read || closed_) return Outcome::WriteFailed;
+  const bool fits = mode_ == Mode::Edit ? samples.size() <= DataSize()
+                                        : rf64_ || !NeedsRf64(layout_.format, position_ + samples.size());
+  if (!fits) return Outcome::WriteFailed;
+  const Outcome written = mode_ == Mode::Edit ? Target().WriteAt(layout_.dataOffset + position_, samples)
+                                              : Target().Write(samples);
   if (Succeeded(written)) position_ += samples.size();
   return written;
 }
 
 Outcome WaveFile::Close() {
-  if (!written_ || closed_) return Outcome::Success;
+  if (mode_ == Mode::Read || closed_) return Outcome::Success;
   closed_ = true;
-  constexpr std::uint8_t kPadding[] = {0};
-  if (position_ % 2 != 0) {
-    if (const Outcome padded = Target().Write(kPadding); Failed(padded)) return padded;
+  if (mode_ == Mode::Create) {
+    constexpr std::uint8_t kPadding[] = {0};
+    if (position_ % 2 != 0) {
+      if (const Outcome padded = Target().Write(kPadding); Failed(padded)) return padded;
+    }
+    const Bytes header = WaveHeader(layout_.format, position_, kFactWhenClosed, rf64_);
+    if (const Outcome patched = Target().WriteAt(start_, header); Failed(patched)) return patched;
   }
-  const Bytes header = WaveHeader(layout_.format, position_, kFactWhenClosed, rf64_);
-  if (const Outcome patched = Target().WriteAt(start_, header); Failed(patched)) return patched;
   return own_ ? own_->Commit() : Outcome::Success;
 }
 

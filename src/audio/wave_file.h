@@ -3,7 +3,7 @@
 //   auto wave = WaveFile::Open(name);              // or Create(name, format)
 //   while (wave->DataSize() > 0) { auto got = wave->Read(buffer); ... }
 //
-// A file that is written becomes visible whole, when Close() succeeds; until then its target is as it was.
+// What is written becomes visible whole, when Close() succeeds; until then the file is as it was.
 #pragma once
 
 #include <cstdint>
@@ -36,9 +36,17 @@ class WaveFile {
   [[nodiscard]] static Result<WaveFile> CreateIn(StagedFile& target, WaveFormat format,
                                                  std::uint64_t expectedData = 0);
 
+  // For reading and writing: samples are changed where they lie, and there stay as many as there are. Reading
+  // and writing go on from one place. Codes of Open and of StagedFile::Create; WriteFailed.
+  [[nodiscard]] static Result<WaveFile> Edit(const std::string& name);
+  // The same for a wave file that is complete in a staged file of the caller's.
+  [[nodiscard]] static Result<WaveFile> EditIn(StagedFile& target);
+
   [[nodiscard]] const WaveFormat& Format() const { return layout_.format; }
-  // Data bytes that are not read yet; for a written file those that were written.
-  [[nodiscard]] std::uint64_t DataSize() const { return written_ ? position_ : layout_.dataSize - position_; }
+  // Data bytes that are not read yet; for a new file those that were written.
+  [[nodiscard]] std::uint64_t DataSize() const {
+    return mode_ == Mode::Create ? position_ : layout_.dataSize - position_;
+  }
 
   // Fills the buffer as far as there is data left, and says how far. ReadFailed: an I/O error, or the file
   // has become shorter since.
@@ -47,13 +55,16 @@ class WaveFile {
   void SeekTo(std::uint64_t dataByte);
   void Reset() { SeekTo(0); }
 
-  // Appends samples. WriteFailed: also when the file would become longer than its header can say.
+  // Appends samples, or replaces those of a file that is edited. WriteFailed: also when the file would become
+  // longer than its header can say, or than it is.
   [[nodiscard]] Outcome Write(ByteView samples);
-  // Completes a written file: sizes, padding, the "fact" value 0; then puts it in place. Of no effect for one
-  // that is read.
+  // Completes a new file: sizes, padding, the "fact" value 0; then puts it, or an edited one, in place. Of no
+  // effect for one that is read.
   [[nodiscard]] Outcome Close();
 
  private:
+  enum class Mode : std::uint8_t { Read, Create, Edit };
+
   WaveFile() = default;
   [[nodiscard]] StagedFile& Target() { return external_ != nullptr ? *external_ : *own_; }
   [[nodiscard]] Outcome Begin(WaveFormat format, std::uint64_t expectedData);
@@ -64,7 +75,7 @@ class WaveFile {
   std::optional<StagedFile> own_;
   StagedFile* external_ = nullptr;
   std::uint64_t start_ = 0;  // of the header in the target
-  bool written_ = false;
+  Mode mode_ = Mode::Read;
   bool rf64_ = false;
   bool closed_ = false;
 };

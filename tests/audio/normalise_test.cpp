@@ -71,6 +71,13 @@ TEST(NormaliseTest, EachFileByItself) {
   ASSERT_THAT(Normalise({{here}}, {}, 0, 1), IsOk());
   EXPECT_EQ(DataOf(here), Samples16({32767, -32768, 3, 7, -32765}));
   EXPECT_EQ(Listing(place.Path()), "a.wav b.wav c.wav");
+  // Before anyone sees it.
+  auto staged = StagedFile::Create(place.File("d.wav"));
+  ASSERT_THAT(staged, IsOk());
+  ASSERT_THAT(staged->Write(Wave16({16384, -8192, 3, -3}, 2)), IsOk());
+  ASSERT_THAT(NormaliseStaged(*staged), IsOk());
+  ASSERT_THAT(staged->Commit(), IsOk());
+  EXPECT_EQ(DataOf(place.File("d.wav")), Samples16({32767, -16384, 6, -6}));
 }
 
 TEST(NormaliseTest, EightBitsCountFrom128) {

@@ -178,6 +178,34 @@ TEST(WaveFileTest, ReadsInPortionsAndAgain) {
   EXPECT_THAT(wave->Write(kFour), FailsWith(Outcome::WriteFailed));
 }
 
+TEST(WaveFileTest, EditsSamplesInPlaceAndShowsThemWhenClosed) {
+  const TemporaryDirectory place;
+  const std::string name = place.Write("a.wav", AsText(Wave16({1, 2, 3})));
+  {
+    auto wave = WaveFile::Edit(name);
+    ASSERT_THAT(wave, IsOk());
+    Bytes two(2);
+    EXPECT_EQ(wave->Read(two).value_or(0), 2U);
+    ASSERT_THAT(wave->Write(Samples16({-7})), IsOk());
+    EXPECT_EQ(wave->Read(two).value_or(0), 2U);
+    EXPECT_THAT(two, ElementsAre(3, 0));
+    EXPECT_THAT(wave->Write(Samples16({9})), FailsWith(Outcome::WriteFailed)) << "behind the end";
+    wave->SeekTo(2);
+    EXPECT_EQ(wave->Read(two).value_or(0), 2U);
+    EXPECT_EQ(two, Samples16({-7})) << "what was written is read";
+    EXPECT_EQ(Content(name), AsText(Wave16({1, 2, 3})));
+    ASSERT_THAT(wave->Close(), IsOk());
+  }
+  EXPECT_EQ(Content(name), AsText(Wave16({1, -7, 3})));
+  auto dropped = WaveFile::Edit(name);
+  ASSERT_THAT(dropped->Write(Samples16({5})), IsOk());
+  dropped = WaveFile::Edit(place.Write("b.wav", "kein Wave"));
+  EXPECT_THAT(dropped, FailsWith(Outcome::WrongFormat));
+  EXPECT_THAT(WaveFile::Edit(place.File("none.wav")), FailsWith(Outcome::SourceFailed));
+  EXPECT_EQ(Content(name), AsText(Wave16({1, -7, 3}))) << "not closed, not changed";
+  EXPECT_EQ(Listing(place.Path()), "a.wav b.wav");
+}
+
 TEST(WaveFileTest, NoticesAFileThatShrinks) {
   const TemporaryDirectory place;
   const std::string name = place.Write("a.wav", AsText(Wave16({1, 2, 3, 4})));
