@@ -1,6 +1,8 @@
 #include "app/application.h"
 
 #include <QPrinterInfo>
+#include <optional>
+#include <utility>
 
 #include "app/filter_modules.h"
 #include "frame/settings_store.h"
@@ -64,6 +66,11 @@ Application::Application(const StartOptions& options, const std::function<void(T
   announce_(TextId::StartPrinters);
   if (!options.devices) devices_.printers = Printers();
   settings_ = LoadSettings(*registry_, DefaultSettingsGround());
+  CheckRecordMixer(settings_, [this](std::int32_t line) -> std::optional<std::string> {
+    const std::vector<std::string>& inputs = devices_.audioInputs;
+    if (std::cmp_greater_equal(line, inputs.size())) return std::nullopt;
+    return inputs[static_cast<std::size_t>(line)];
+  });
   announce_(TextId::StartMp3Interfaces);
 
   announce_(TextId::StartMainWindow);

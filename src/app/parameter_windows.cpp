@@ -4,8 +4,10 @@
 #include <vector>
 
 #include "app/application.h"
+#include "audio/midi_recording.h"
 #include "audio/midi_to_wave_parameters.h"
 #include "audio/ui/midi_to_wave_dialog.h"
+#include "audio/ui/mixer_help_dialog.h"
 #include "audio/ui/wave_convert_dialog.h"
 #include "frame/job.h"
 #include "midi/midi_capture.h"
@@ -43,17 +45,25 @@ bool EditSearch(Job& job, Application& application, DialogHost& host, QWidget* o
 bool EditMidiToWave(Job& job, Application& application, DialogHost& host, QWidget* owner) {
   auto& parameters = static_cast<MidiToWaveParameters&>(*job.parameters);
   const DeviceLists& devices = application.Devices();
-  MidiToWaveDialog dialog(parameters, devices.midiOutputs, devices.audioInputs, host, owner);
+  MidiToWaveDialog dialog(parameters, {devices.midiOutputs, devices.audioInputs, RecordingFormatsOf}, host,
+                          owner);
   if (dialog.exec() != QDialog::Accepted) return false;
   parameters = dialog.Parameters();
   return true;
 }
 
+bool PrepareMidiToWave(const Job& job, Application& application, DialogHost& host, QWidget* owner) {
+  const auto& parameters = static_cast<const MidiToWaveParameters&>(*job.parameters);
+  return PrepareMixer(parameters, application.Devices().audioInputs, application.GetSettings(), host, owner);
+}
+
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
-      {FilterId::MidiConverter, EditConverter}, {FilterId::WaveConverter, EditWaveConverter},
-      {FilterId::ScoreSearch, EditSearch},      {FilterId::MidiSearch, EditSearch},
-      {FilterId::MidiToWave, EditMidiToWave},
+      {FilterId::MidiConverter, EditConverter},
+      {FilterId::WaveConverter, EditWaveConverter},
+      {FilterId::ScoreSearch, EditSearch},
+      {FilterId::MidiSearch, EditSearch},
+      {FilterId::MidiToWave, EditMidiToWave, PrepareMidiToWave},
   };
   return dialogs;
 }

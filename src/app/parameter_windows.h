@@ -18,6 +18,9 @@ struct ParameterDialog {
   FilterId filter;
   // Edits the job's parameters in a modal dialog; true when they were taken over.
   std::function<bool(Job& job, Application& application, DialogHost& host, QWidget* owner)> edit;
+  // What there is to ask before a run; false when the user does not want it then. Empty: nothing.
+  std::function<bool(const Job& job, Application& application, DialogHost& host, QWidget* owner)> prepare =
+      {};
 };
 
 // nullptr for a filter without one.

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/main_window.h"
+#include "app/parameter_windows.h"
 #include "app/playback_commands.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
@@ -86,6 +87,10 @@ void RunCommands::Start() {
   Job& job = window_.ActiveJob();
   if (PlaybackCommands::TogglePause(job)) return;
   if (const auto panel = window_.Panel()) CommitDestination(job, *panel);
+  const ParameterDialog* const dialog = FindParameterDialog(job.filter);
+  if (dialog != nullptr && dialog->prepare && job.parameters && job.MayChange() &&
+      !dialog->prepare(job, window_.App(), window_, &window_))
+    return;
   const Settings& settings = window_.App().GetSettings();
   RunRequest request;
   request.settings = settings;

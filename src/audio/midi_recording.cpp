@@ -24,6 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr std::uint32_t kFifoSeconds = 4;
 constexpr auto kPoll = 10ms;
+constexpr std::uint32_t kLeastRate = 8000;
 constexpr auto kTail = 1s;  // what still sounds behind the last event
 
 std::string NameAt(const std::vector<std::string>& names, std::int32_t index) {
@@ -42,7 +43,7 @@ class Recorder {
     if (fifo_.Put(block) < block.size()) overrun_ = true;
   }
   Outcome Drain() {
-    if (overrun_) return Outcome::ReadFailed;
+    if (overrun_) return Outcome::EncoderFailed;
     taken_.resize(fifo_.Size());
     taken_.resize(fifo_.Take(taken_));
     if (taken_.empty()) return Outcome::Success;
@@ -68,15 +69,60 @@ std::string RecordingSource(const std::vector<std::string>& inputs, std::string_
   return found == inputs.end() ? std::string() : *found;
 }
 
-RecordingDevices RecordingDevicesOf(const MidiToWaveParameters& parameters, const std::string& midi,
-                                    const std::string& input) {
-  RecordingDevices devices{midi, input};
-  if (midi.empty()) devices.midi = NameAt(MidiOutputDevices(), parameters.midiDevice);
-  if (!input.empty()) return devices;
+std::optional<TextId> MixerProblem(const MidiToWaveParameters& parameters,
+                                   const std::vector<std::string>& inputs, const Settings& settings) {
+  if (parameters.Method() != MidiWaveMethod::SoundCard || !parameters.configureMixer) return std::nullopt;
+  if (inputs.empty()) {
+    return settings.askForDeviceConnectNoMixer ? std::optional(TextId::MidiWaveNoMixer) : std::nullopt;
+  }
+  if (!settings.askForDeviceConnectError || !RecordingSource(inputs, settings.recordMixerName).empty())
+    return std::nullopt;
+  return TextId::MidiWaveMixerNotSet;
+}
+
+void ForgetMixerProblem(TextId problem, Settings& settings) {
+  (problem == TextId::MidiWaveNoMixer ? settings.askForDeviceConnectNoMixer
+                                      : settings.askForDeviceConnectError) = false;
+}
+
+void TakeRecordingSum(std::string_view sum, const std::vector<std::string>& inputs, Settings& settings) {
+  settings.recordMixerPosition = -1;
+  settings.recordMixerName = FirstCharacters(sum, kMaxMixerNameCharacters);
+  const auto found = std::ranges::find(inputs, RecordingSource(inputs, sum));
+  if (found == inputs.end() || CharacterCount(*found) > kMaxMixerNameCharacters) return;
+  settings.recordMixerPosition = static_cast<std::int32_t>(found - inputs.begin());
+  settings.recordMixerName = *found;
+}
+
+std::vector<WaveNumbers> RecordingFormatsOf(const std::string& input) {
+  const AudioInputAbility ability = AbilityOfAudioInput(input);
+  std::vector<WaveNumbers> formats;
+  for (const std::uint32_t rate : ability.rates) {
+    if (rate < kLeastRate) continue;
+    for (const std::int32_t bits : {8, 16}) {
+      for (std::int32_t channels = 1; channels <= std::min<std::int32_t>(2, ability.channels); ++channels)
+        formats.push_back({static_cast<std::int32_t>(rate), channels, bits});
+    }
+  }
+  return formats;
+}
+
+RecordingDevices RecordingDevicesOf(const MidiToWaveParameters& parameters, std::string_view sum,
+                                    const RecordingDevices& given) {
+  RecordingDevices devices = given;
+  if (devices.midi.empty()) devices.midi = NameAt(MidiOutputDevices(), parameters.midiDevice);
+  if (!devices.input.empty()) return devices;
   const auto inputs = AudioInputDevices();
-  if (parameters.configureMixer) devices.input = RecordingSource(inputs, parameters.recordingSource);
+  if (parameters.configureMixer) devices.input = RecordingSource(inputs, sum);
   if (devices.input.empty()) devices.input = NameAt(inputs, parameters.waveDevice);
   return devices;
+}
+
+Outcome CheckRecording(const RecordingDevices& devices, const WaveFormat& format) {
+  if (!OpenMidiDevice(devices.midi)) return Outcome::MidiDeviceFailed;
+  const AudioFormat wanted{format.sampleRate, format.channels};
+  return OpenAudioInput(devices.input, wanted, [](std::span<const float>) {}) ? Outcome::Success
+                                                                              : Outcome::ConverterNotOpened;
 }
 
 Outcome RecordMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
@@ -93,10 +139,11 @@ Outcome RecordMidi(const std::string& source, StagedFile& target, const WaveForm
   if (!sink) return sink.error();
   Recorder recorder(**sink, format);
   auto output = OpenMidiDevice(devices.midi);
-  if (!output) return Outcome::ConverterNotOpened;
+  if (!output) return Outcome::MidiDeviceFailed;
   auto input = OpenAudioInput(devices.input, {format.sampleRate, format.channels},
                               [&recorder](std::span<const float> block) { recorder.Take(block); });
-  if (!input || Failed((*input)->Start())) return Outcome::EncoderNotStarted;
+  if (!input) return Outcome::ConverterNotOpened;
+  if (Failed((*input)->Start())) return Outcome::EncoderNotStarted;
 
   MidiSequencer sequencer(*sequence, **output);
   std::atomic<bool> ended = false;
@@ -111,7 +158,7 @@ Outcome RecordMidi(const std::string& source, StagedFile& target, const WaveForm
       std::this_thread::sleep_for(kPoll);
       recorded = recorder.Drain();
       if (Succeeded(recorded) && watch.cancelled && watch.cancelled()) recorded = Outcome::Cancelled;
-      if (Succeeded(recorded) && !(*input)->Alive()) recorded = Outcome::ReadFailed;
+      if (Succeeded(recorded) && !(*input)->Alive()) recorded = Outcome::EncoderFailed;
       if (watch.progress && sequence->Duration() > 0ns) {
         watch.progress(std::min(1.0, static_cast<double>(sequencer.Position().count()) /
                                          static_cast<double>(sequence->Duration().count())));

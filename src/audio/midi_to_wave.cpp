@@ -1,7 +1,10 @@
 #include "audio/midi_to_wave.h"
 
+#include <atomic>
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "audio/midi_recording.h"
 #include "audio/synthesis.h"
@@ -27,9 +30,11 @@ constexpr Remark kRemarks[] = {
     {Code(Outcome::NotNecessary), NormaliseNotNecessary},
     {Code(Outcome::LibraryNotLoaded), MidiWaveSynthFailed},
     {Code(Outcome::LibraryFailed), MidiWaveSynthFailed},
-    {Code(Outcome::ConverterNotOpened), MidiWaveDeviceFailed},
+    {Code(Outcome::MidiDeviceFailed), MidiWaveDeviceFailed},
     {Code(Outcome::ConverterFailed), MidiWaveDeviceNotStarted},
+    {Code(Outcome::ConverterNotOpened), MidiWaveRecordingFailed},
     {Code(Outcome::EncoderNotStarted), MidiWaveInputNotStarted},
+    {Code(Outcome::EncoderFailed), MidiWaveInputGone},
     {Code(Outcome::ReadFailed), RemarkReadFailed},
     {Code(Outcome::WriteFailed), RemarkWriteFailed},
     {Code(Outcome::WrongFormat), RemarkWrongFormat},
@@ -43,109 +48,125 @@ Outcome CheckSource(const FilterParameters& /*parameters*/, const std::string& s
   return info ? Outcome::Success : info.error();
 }
 
-Outcome ConvertItem(ItemWork& work) {
-  const auto& parameters = static_cast<const MidiToWaveParameters&>(work.parameters);
-  const std::string_view name = FileNameOf(work.source);
-  work.run.StatusText(Format(Text(MidiWaveStart), name));
-  const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  const Outcome outcome =
-      parameters.Method() == MidiWaveMethod::Synthesis
-          ? RenderMidi(work.source, work.target, parameters.SynthesisFormat(), watch)
-          : RecordMidi(work.source, work.target, parameters.RecordingFormat(),
-                       RecordingDevicesOf(parameters, work.run.Devices().output, work.run.Devices().input),
-                       watch);
-  work.run.StatusText(Format(Text(Succeeded(outcome) ? MidiWaveDone : MidiWaveFailed), name));
-  return outcome;
-}
-
-// What became of normalising goes into the items that it concerns.
-class Normalising {
+class MidiToWaveRun {
  public:
-  explicit Normalising(Run& run) : run_(run), watch_{[&run] { return run.Cancelled(); }, {}} {}
+  explicit MidiToWaveRun(Run& run) : run_(run), parameters_(run.Parameters<MidiToWaveParameters>()) {}
 
-  void Execute(NormaliseMode mode) {
-    for (std::size_t i = 0; i < run_.Result().items.size(); ++i) {
-      if (run_.Result().items[i].code >= 0 && !run_.Result().items[i].destination.empty()) {
-        converted_.push_back(i);
-        files_.push_back(run_.Result().items[i].destination);
-      }
+  void Execute() {
+    if (parameters_.Method() == MidiWaveMethod::SoundCard) {
+      if (const Outcome ready = PrepareRecording(); Failed(ready)) return EndAtOnce(ready);
     }
-    if (files_.empty() || run_.Cancelled()) return;
-    if (mode == NormaliseMode::Project) {
-      run_.StatusText(Text(NormaliseProjectStart));
-      Book(Normalise(files_, {}, kWholeProject, files_.size(), Watch(0, 1)), converted_);
-    } else {
-      for (std::size_t i = 0; i < files_.size() && !cancelled_; ++i) {
-        run_.StatusText(Format(Text(NormaliseFileStart), FileNameOf(files_[i])));
-        Book(Normalise(files_, {}, static_cast<int>(i), 1, Watch(i, files_.size())),
-             std::span(converted_).subspan(i, 1));
-      }
-    }
-  }
-
- private:
-  WorkWatch Watch(std::size_t index, std::size_t count) {
-    WorkWatch watch = watch_;
-    watch.progress = [this, index, count](double fraction) {
-      run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count), fraction);
-    };
-    return watch;
-  }
-
-  void Book(Outcome outcome, std::span<const std::size_t> items) {
-    if (outcome == Outcome::Cancelled) {
-      cancelled_ = true;
-      run_.AddCode(outcome);
-      run_.Result().cancelled = true;
-    } else if (outcome == Outcome::NotNecessary) {
-      run_.AddCode(outcome);
-    } else if (Failed(outcome)) {
-      for (const std::size_t item : items) run_.Result().items[item].code = Code(outcome);
-      run_.Result().lines[0].count -= ClampTo<std::uint32_t>(items.size());
-      run_.Result().lines[1].count += ClampTo<std::uint32_t>(items.size());
-      failed_ = true;
-    }
-    run_.Result().remarks = run_.Remarks(kRemarks);
+    ItemFilter filter;
+    filter.independent = parameters_.Method() == MidiWaveMethod::Synthesis;
+    filter.check = CheckSource;
+    filter.convert = [this](ItemWork& work) { return ConvertItem(work); };
+    RunItems(run_, filter);
+    if (parameters_.Normalising() == NormaliseMode::Project) NormaliseProject();
+    if (notNecessary_) run_.AddCode(Outcome::NotNecessary);
+    run_.Result().remarks = run_.Remarks();
     if (failed_) run_.Result().remarks.emplace_back(Text(NormaliseFailed));
   }
 
-  Run& run_;
-  WorkWatch watch_;
-  std::vector<std::size_t> converted_;  // indices of the items of files_
-  std::vector<std::string> files_;
-  bool cancelled_ = false;
-  bool failed_ = false;
-};
-
-void RunMidiToWave(Run& run) {
-  const auto& parameters = run.Parameters<MidiToWaveParameters>();
-  const bool synthesis = parameters.Method() == MidiWaveMethod::Synthesis;
-  if (!synthesis && !parameters.HasRecordingFormat() &&
-      run.Ask({.text = std::string(Text(MidiWaveAskNoFormat))}) != Answer::Yes) {
-    run.AddCode(Outcome::Cancelled);
-    run.Result().cancelled = true;
-    run.Result().lines[1].count = ClampTo<std::uint32_t>(run.ItemCount());
-    run.Result().remarks = run.Remarks(kRemarks);
-    return;
+ private:
+  Outcome PrepareRecording() {
+    if (!parameters_.HasRecordingFormat() &&
+        run_.Ask({.text = std::string(Text(MidiWaveAskNoFormat))}) != Answer::Yes)
+      return Outcome::Cancelled;
+    const std::string& sum = run_.GetSettings().recordMixerName;
+    const RunDevices& given = run_.Devices();
+    devices_ = RecordingDevicesOf(parameters_, sum, {given.output, given.input});
+    const bool found = ToLower(devices_.input).find(ToLower(sum)) != std::string::npos;
+    if (parameters_.configureMixer && given.input.empty() && (sum.empty() || !found))
+      run_.ProtocolLine(Format(Text(MidiWaveSumNotFound), sum, devices_.input));
+    return CheckRecording(devices_, parameters_.RecordingFormat());
   }
-  ItemFilter filter;
-  filter.independent = synthesis;
-  filter.check = CheckSource;
-  filter.convert = ConvertItem;
-  filter.remarks = kRemarks;
-  RunItems(run, filter);
-  if (parameters.Normalising() != NormaliseMode::None) Normalising(run).Execute(parameters.Normalising());
-}
+
+  // Nothing is converted: the user has said so, or a device is missing.
+  void EndAtOnce(Outcome reason) {
+    run_.AddCode(reason, Code(reason));
+    run_.Result().cancelled = reason == Outcome::Cancelled;
+    run_.Result().lines[1].count = ClampTo<std::uint32_t>(run_.ItemCount());
+    run_.Result().remarks = run_.Remarks();
+    for (std::size_t i = 0; i < run_.ItemCount(); ++i)
+      run_.Result().items.push_back({run_.Source(i), "", Code(reason)});
+  }
+
+  Outcome ConvertItem(ItemWork& work) {
+    const std::string_view name = FileNameOf(work.source);
+    work.run.StatusText(Format(Text(MidiWaveStart), name));
+    const bool each = parameters_.Normalising() == NormaliseMode::Each;
+    Outcome outcome = Convert(work, Watch(work, 0, each ? kConvertingPart : 1));
+    work.run.StatusText(Format(Text(Succeeded(outcome) ? MidiWaveDone : MidiWaveFailed), name));
+    if (Failed(outcome) || !each) return outcome;
+    work.run.StatusText(Format(Text(NormaliseFileStart), name));
+    outcome = NormaliseStaged(work.target, Watch(work, kConvertingPart, 1));
+    return Book(outcome) ? outcome : Outcome::Success;
+  }
+
+  [[nodiscard]] Outcome Convert(ItemWork& work, const WorkWatch& watch) const {
+    if (parameters_.Method() == MidiWaveMethod::SoundCard)
+      return RecordMidi(work.source, work.target, parameters_.RecordingFormat(), devices_, watch);
+    return RenderMidi(work.source, work.target, parameters_.SynthesisFormat(),
+                      run_.GetSettings().synthesizerDirectory, watch);
+  }
+
+  static WorkWatch Watch(ItemWork& work, double from, double to) {
+    return {[&work] { return work.Cancelled(); },
+            [&work, from, to](double fraction) { work.progress(from + (to - from) * fraction); }};
+  }
+
+  void NormaliseProject() {
+    std::vector<RunItem*> converted;
+    std::vector<std::string> files;
+    for (RunItem& item : run_.Result().items) {
+      if (item.code < 0 || item.destination.empty()) continue;
+      converted.push_back(&item);
+      files.push_back(item.destination);
+    }
+    if (files.empty() || run_.Cancelled()) return;
+    run_.StatusText(Text(NormaliseProjectStart));
+    const WorkWatch watch{[this] { return run_.Cancelled(); },
+                          [this](double fraction) { run_.Progress(1, 1, fraction); }};
+    const Outcome outcome = Normalise(files, {}, kWholeProject, files.size(), watch);
+    if (!Book(outcome)) return;
+    if (outcome == Outcome::Cancelled) {
+      run_.AddCode(outcome);
+      run_.Result().cancelled = true;
+      return;
+    }
+    for (RunItem* item : converted) item->code = Code(outcome);
+    run_.Result().lines[0].count -= ClampTo<std::uint32_t>(converted.size());
+    run_.Result().lines[1].count += ClampTo<std::uint32_t>(converted.size());
+  }
+
+  // What normalising said; whether it spoils the conversion. From any thread.
+  bool Book(Outcome outcome) {
+    if (Succeeded(outcome)) return false;
+    if (outcome == Outcome::NotNecessary) {
+      notNecessary_ = true;
+      return false;
+    }
+    if (outcome != Outcome::Cancelled) failed_ = true;
+    return true;
+  }
+
+  static constexpr double kConvertingPart = 0.9;  // of the work on an item
+
+  Run& run_;
+  const MidiToWaveParameters& parameters_;
+  RecordingDevices devices_;
+  std::atomic<bool> notNecessary_ = false;
+  std::atomic<bool> failed_ = false;
+};
 
 }  // namespace
 
 Outcome RenderMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
-                   const WorkWatch& watch) {
+                   const std::string& folder, const WorkWatch& watch) {
   const auto file = ReadFile(source);
   if (!file) return file.error();
   auto sequence = MidiSequence::FromFile(*file);
   if (!sequence) return sequence.error();
-  const std::string folder = SynthesizerFolder();
   // A folder that cannot be written keeps nobody from converting.
   (void)EnsureSynthesizerConfig(folder);
   auto synthesis = SynthesisSource(*std::move(sequence), format.sampleRate, ConfiguredSoundFont(folder));
@@ -163,11 +184,12 @@ Outcome RenderMidi(const std::string& source, StagedFile& target, const WaveForm
 }
 
 Outcome RenderMidiFile(const std::string& source, const std::string& target, const WaveFormat& format,
-                       const WorkWatch& watch) {
+                       const std::string& folder, const WorkWatch& watch) {
   const std::string name = target.empty() ? std::string(WithoutExtension(source)) + ".wav" : target;
   auto file = StagedFile::Create(name);
   if (!file) return file.error();
-  if (const Outcome rendered = RenderMidi(source, *file, format, watch); Failed(rendered)) return rendered;
+  if (const Outcome rendered = RenderMidi(source, *file, format, folder, watch); Failed(rendered))
+    return rendered;
   return file->Commit();
 }
 
@@ -176,7 +198,8 @@ FilterModule MidiToWaveModule() {
   module.id = FilterId::MidiToWave;
   module.create = [] { return std::make_unique<MidiToWaveParameters>(); };
   module.fields = MidiToWaveFields();
-  module.run = RunMidiToWave;
+  module.run = [](Run& run) { MidiToWaveRun(run).Execute(); };
+  module.remarks = kRemarks;
   module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
     return TargetRule{.extension = "wav", .formatKept = false};
   };

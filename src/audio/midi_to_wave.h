@@ -13,15 +13,16 @@
 namespace ts5 {
 
 // Synthesises the source into a staged wave file of the caller's, with the sound font that the configuration
-// file of the synthesiser's folder chooses; the file is made when it is missing. SourceFailed: the source
+// file of the folder chooses; that file is made when it is missing. SourceFailed: the source
 // cannot be opened; ReadFailed, WrongFormat, DamagedMidi; LibraryNotLoaded: no synthesiser or sound font;
 // WriteFailed, Cancelled, OutOfMemory.
 [[nodiscard]] Outcome RenderMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
-                                 const WorkWatch& watch = {});
+                                 const std::string& folder, const WorkWatch& watch = {});
 // The same with the target put in place when all went well; "" is the source's name with the extension "wav".
 // Also TargetFailed.
 [[nodiscard]] Outcome RenderMidiFile(const std::string& source, const std::string& target,
-                                     const WaveFormat& format, const WorkWatch& watch = {});
+                                     const WaveFormat& format, const std::string& folder,
+                                     const WorkWatch& watch = {});
 
 [[nodiscard]] FilterModule MidiToWaveModule();
 

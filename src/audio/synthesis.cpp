@@ -13,10 +13,15 @@ namespace ts5 {
 namespace {
 
 constexpr float kSilence = 0.5F / 32768;
+constexpr float kNoise = 1e-6F;            // of the reverberation by itself, which dither would make audible
 constexpr std::uint32_t kSilentParts = 5;  // of a second
 constexpr std::size_t kBlockFrames = 1024;
 constexpr std::uint8_t kSustain = 64;
 constexpr std::uint8_t kAllNotesOff = 123;
+
+bool IsBelow(std::span<const float> block, float level) {
+  return std::ranges::all_of(block, [level](float sample) { return std::abs(sample) < level; });
+}
 
 class Synthesis final : public PcmSource {
  public:
@@ -44,6 +49,7 @@ class Synthesis final : public PcmSource {
       }
       const std::span<float> block = std::span(block_).first(count * 2);
       synthesizer_->Render(block);
+      if (IsBelow(block, kNoise)) std::ranges::fill(block, 0.0F);
       std::ranges::copy(block, out.begin() + static_cast<std::ptrdiff_t>(done * 2));
       frame_ += count;
       done += count;
@@ -86,8 +92,7 @@ class Synthesis final : public PcmSource {
   }
 
   void Watch(std::span<const float> block) {
-    const bool silent = std::ranges::all_of(block, [](float s) { return std::abs(s) < kSilence; });
-    quiet_ = silent ? quiet_ + block.size() / 2 : 0;
+    quiet_ = IsBelow(block, kSilence) ? quiet_ + block.size() / 2 : 0;
     over_ = quiet_ >= shape_.sampleRate / kSilentParts ||
             frame_ >= end_ + std::uint64_t{kLongestDecaySeconds} * shape_.sampleRate;
   }

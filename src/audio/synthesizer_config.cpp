@@ -1,9 +1,7 @@
 #include "audio/synthesizer_config.h"
 
-#include <cstdlib>
 #include <vector>
 
-#include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -29,11 +27,6 @@ std::string_view Argument(std::string_view line, std::string_view keyword) {
 
 }  // namespace
 
-std::string SynthesizerFolder() {
-  const char* const chosen = std::getenv("STAVORA_TIMIDITY_DIR");  // NOLINT(concurrency-mt-unsafe)
-  return chosen != nullptr && *chosen != '\0' ? chosen : JoinPath(ProgramDirectory(), "timidity");
-}
-
 std::string NewSynthesizerConfig(std::string_view folder) {
   const char separator = folder.find('\\') != std::string_view::npos ? '\\' : '/';
   const std::string name(folder);
@@ -41,6 +34,7 @@ std::string NewSynthesizerConfig(std::string_view folder) {
 }
 
 Outcome EnsureSynthesizerConfig(const std::string& folder) {
+  if (folder.empty()) return Outcome::TargetFailed;
   const std::string path = JoinPath(folder, kSynthesizerConfigName);
   if (FileExists(path)) return Outcome::Success;
   if (const Outcome made = MakeDirectories(folder); Failed(made)) return made;
@@ -48,6 +42,7 @@ Outcome EnsureSynthesizerConfig(const std::string& folder) {
 }
 
 std::string ConfiguredSoundFont(const std::string& folder) {
+  if (folder.empty()) return {};
   const auto file = ReadFileStart(JoinPath(folder, kSynthesizerConfigName), kLargestConfig);
   if (!file) return {};
   std::vector<std::string> places = {folder};

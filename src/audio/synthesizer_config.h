@@ -12,9 +12,6 @@ namespace ts5 {
 
 inline constexpr std::string_view kSynthesizerConfigName = "timidity.cfg";
 
-// The folder of the synthesiser: $STAVORA_TIMIDITY_DIR, else "timidity" in the program directory.
-[[nodiscard]] std::string SynthesizerFolder();
-
 // The two lines of a new file.
 [[nodiscard]] std::string NewSynthesizerConfig(std::string_view folder);
 // Writes the file where there is none; one that is there is left as it is. TargetFailed, WriteFailed.

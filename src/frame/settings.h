@@ -33,6 +33,7 @@ struct Settings {
   bool askForDeviceConnectNoMixer = true;
   std::int32_t recordMixerPosition = -1;  // index of the mixer line, -1 none
   std::string recordMixerName;            // at most kMaxMixerNameCharacters
+  std::string synthesizerDirectory;       // with the synthesiser's configuration file
 
   // Windows and the file search
   std::optional<WindowRectangle> fileSelectPosition;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::string_view kLayoutDirectory = "layoutdir";
 constexpr std::string_view kParameterSetDirectory = "stvparamsets";
+constexpr std::string_view kSynthesizerDirectory = "timidity";
 
 std::string Key() {
   return std::string(kLocalMachine) + '\\' + std::string(kSettingsKey);
@@ -123,6 +124,7 @@ const std::vector<SettingRow>& Rows() {
       Flag("AskForDevConnectNoMixer", &Settings::askForDeviceConnectNoMixer),
       Number("RecordMixerPosition", &Settings::recordMixerPosition, -1, INT32_MAX),
       MixerName(),
+      Path("Timidity Dir", &Settings::synthesizerDirectory),
       Rectangle("FileSelectDlgPos", &Settings::fileSelectPosition),
       Rectangle("ViewResultDlgPos", &Settings::viewResultPosition),
       Rectangle("FileSearchDlgPos", &Settings::fileSearchPosition),
@@ -166,6 +168,7 @@ Settings SettingsFrom(const RegistryValues& values, const SettingsGround& ground
   Settings settings;
   settings.artworkerLayoutDirectory = JoinPath(ground.programDirectory, kLayoutDirectory);
   settings.playbackParameterDirectory = JoinPath(ground.programDirectory, kParameterSetDirectory);
+  settings.synthesizerDirectory = JoinPath(ground.programDirectory, kSynthesizerDirectory);
   settings.lastSelectedFolder = ground.driveRoot;
   for (const SettingRow& row : Rows()) {
     if (const auto text = values.Text(row.name)) row.load(settings, *text, ground);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -31,7 +32,6 @@ const std::string kScale = DataPath("midi/jazzsoft_test-c-major-scale.mid");
 class MidiToWaveTest : public testing::Test {
  protected:
   void SetUp() override {
-    setenv("STAVORA_TIMIDITY_DIR", folder_.File("timidity").c_str(), 1);
     if (Synthesizer::InstalledSoundFont().empty()) GTEST_SKIP() << "no sound font on this machine";
   }
 
@@ -42,7 +42,11 @@ class MidiToWaveTest : public testing::Test {
     DestinationRules rules;
     rules.sourceDirectory = false;
     rules.directory = folder_.Path();
-    return test::RunJob(job, module, rules);
+    RunSetup setup;
+    setup.settings.synthesizerDirectory = synthesizer_;
+    setup.settings.recordMixerName = "Stereo-Mix";
+    setup.devices = devices_;
+    return test::RunJob(job, module, rules, host_, std::move(setup));
   }
   // Peak of all samples, 1 is full scale.
   static double Peak(const std::string& path) {
@@ -54,6 +58,10 @@ class MidiToWaveTest : public testing::Test {
   }
 
   test::TemporaryDirectory folder_;
+  std::string synthesizer_ = folder_.File("timidity");
+  RunDevices devices_;
+  std::shared_ptr<test::RecordingHost> host_ =
+      std::make_shared<test::RecordingHost>(std::deque<Answer>{Answer::Yes});
 };
 
 TEST_F(MidiToWaveTest, RendersEveryFormatAtTheLengthOfTheMusic) {
@@ -67,7 +75,7 @@ TEST_F(MidiToWaveTest, RendersEveryFormatAtTheLengthOfTheMusic) {
         MidiToWaveParameters parameters;
         parameters.format = {rate, channels, bits};
         const std::string target = folder_.File("ton.wav");
-        ASSERT_THAT(RenderMidiFile(kScale, target, parameters.SynthesisFormat()), IsOk());
+        ASSERT_THAT(RenderMidiFile(kScale, target, parameters.SynthesisFormat(), synthesizer_), IsOk());
         const auto wave = WaveFile::Open(target);
         ASSERT_THAT(wave, IsOk());
         EXPECT_EQ(wave->Format(), parameters.SynthesisFormat());
@@ -89,7 +97,7 @@ TEST_F(MidiToWaveTest, TheFirstNoteBeginsWhereTheFileSaysAndTheEndIsQuiet) {
                   36));
   const std::string target = folder_.File("pause.wav");
   MidiToWaveParameters parameters;
-  ASSERT_THAT(RenderMidiFile(song, "", parameters.SynthesisFormat()), IsOk())
+  ASSERT_THAT(RenderMidiFile(song, "", parameters.SynthesisFormat(), synthesizer_), IsOk())
       << "the name is that of the source";
   const auto source = OpenPcm(target);
   ASSERT_THAT(source, IsOk());
@@ -139,11 +147,13 @@ TEST_F(MidiToWaveTest, BadSourcesAreCountedAndAStopLeavesNothing) {
 
   const std::string target = folder_.File("halb.wav");
   int asked = 0;
-  EXPECT_THAT(RenderMidiFile(kScale, target, AudioCdFormat(), {[&] { return ++asked > 2; }, {}}),
-              FailsWith(Outcome::Cancelled));
+  EXPECT_THAT(
+      RenderMidiFile(kScale, target, AudioCdFormat(), synthesizer_, {[&] { return ++asked > 2; }, {}}),
+      FailsWith(Outcome::Cancelled));
   EXPECT_EQ(test::Listing(folder_.Path()).find("halb"), std::string::npos);
   folder_.Write("timidity/timidity.cfg", "soundfont \"" + broken + "\"\n");
-  EXPECT_THAT(RenderMidiFile(kScale, target, AudioCdFormat()), FailsWith(Outcome::LibraryNotLoaded));
+  EXPECT_THAT(RenderMidiFile(kScale, target, AudioCdFormat(), synthesizer_),
+              FailsWith(Outcome::LibraryNotLoaded));
 }
 
 TEST_F(MidiToWaveTest, TheConfigurationIsMadeOnceAndChoosesTheSoundFont) {
@@ -199,9 +209,74 @@ TEST_F(MidiToWaveTest, RecordsTheInputWhileTheDevicePlays) {
   auto again = StagedFile::Create(folder_.File("nichts.wav"));
   ASSERT_THAT(again, IsOk());
   EXPECT_THAT(RecordMidi(song, *again, AudioCdFormat(), {"gibt es nicht", "null"}),
-              FailsWith(Outcome::ConverterNotOpened));
+              FailsWith(Outcome::MidiDeviceFailed));
   EXPECT_THAT(RecordMidi(song, *again, AudioCdFormat(), {"null", "gibt es nicht"}),
-              FailsWith(Outcome::EncoderNotStarted));
+              FailsWith(Outcome::ConverterNotOpened));
+}
+
+// The same two songs, whichever way they are normalised; the run says what it did not have to do.
+TEST_F(MidiToWaveTest, NormalisesAsItConvertsAndListsWhatIsLoudAlready) {
+  const std::string silent =
+      folder_.Write("stille.mid", std::string("MThd\0\0\0\6\0\0\0\1\1\xF4MTrk\0\0\0\x04\0\xFF\x2F\0", 26));
+  MidiToWaveParameters parameters;
+  parameters.format = {11025, 1, 16};
+  parameters.normalise = static_cast<std::int32_t>(NormaliseMode::Each);
+  const RunResult result = Convert({silent, kScale}, parameters);
+  EXPECT_EQ(result.lines[0].count, 2U);
+  EXPECT_THAT(result.remarks, testing::ElementsAre("Normalisieren ist nicht erforderlich."));
+  EXPECT_EQ(Peak(result.items.at(0).destination), 0);
+  EXPECT_GT(Peak(result.items.at(1).destination), 0.99);
+}
+
+TEST_F(MidiToWaveTest, AMissingDeviceEndsTheRunAndAMissingFormatIsAskedFor) {
+  const std::string song = DataPath("midi/made_c_major_scale.rmi");
+  struct Case {
+    RunDevices devices;
+    Outcome code;
+    const char* remark;
+  };
+  MidiToWaveParameters parameters;
+  parameters.method = static_cast<std::int32_t>(MidiWaveMethod::SoundCard);
+  parameters.recordingFormats[0] = {44100, 2, 16};
+  for (const Case& c : {Case{{"gibt es nicht", "null"},
+                             Outcome::MidiDeviceFailed,
+                             "Das Midi-Gerät konnte nicht initialisiert werden."},
+                        Case{{"null", "gibt es nicht"},
+                             Outcome::ConverterNotOpened,
+                             "Die Wave-Aufnahme konnte nicht initialisiert werden (Code -401)."}}) {
+    devices_ = c.devices;
+    const RunResult result = Convert({song, song}, parameters);
+    EXPECT_EQ(result.lines[1].count, 2U);
+    EXPECT_THAT(result.remarks, testing::ElementsAre(c.remark));
+    EXPECT_EQ(result.items.at(1).code, Code(c.code));
+  }
+  EXPECT_THAT(host_->questions, testing::IsEmpty());
+  parameters.recordingFormats.clear();
+  parameters.configureMixer = true;
+  devices_ = {"null", ""};
+  (void)Convert({song}, parameters);
+  EXPECT_THAT(host_->questions, testing::ElementsAre(testing::HasSubstr("noch kein Format festgelegt")));
+  EXPECT_THAT(host_->lines, testing::Contains(testing::StartsWith("Die Aufnahmesumme \"Stereo-Mix\" wurde")));
+}
+
+TEST(MidiToWaveFields, KeepARecordingFormatPerDevice) {
+  MidiToWaveParameters parameters;
+  parameters.recordingFormats = {{2, {48000, 1, 8}}, {0, {44100, 2, 16}}};
+  const auto fields = MidiToWaveFields();
+  const auto field = std::ranges::find(fields, "RecordFormat", &ParameterField::name);
+  ASSERT_NE(field, fields.end());
+  RegistryValues values;
+  field->save(parameters, values);
+  EXPECT_EQ(values.Text("RecordFormat"), "0 44100 2 16 2 48000 1 8");
+  MidiToWaveParameters again;
+  field->load(again, values);
+  EXPECT_EQ(again.recordingFormats, parameters.recordingFormats);
+  for (const char* wrong :
+       {"0", "0 44100 2", "0 44100 3 16", "0 44100 2 24", "-1 44100 2 16", "0 0 2 16", "x"})
+    EXPECT_FALSE(field->set(again, wrong)) << wrong;
+  EXPECT_EQ(again.recordingFormats, parameters.recordingFormats);
+  EXPECT_TRUE(field->set(again, ""));
+  EXPECT_FALSE(again.HasRecordingFormat());
 }
 
 }  // namespace

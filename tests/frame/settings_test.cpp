@@ -91,6 +91,7 @@ TEST(SettingsStore, EverySettingSurvivesTheRegistry) {
                     .askForDeviceConnectNoMixer = false,
                     .recordMixerPosition = 3,
                     .recordMixerName = "Aufnahme ♪",
+                    .synthesizerDirectory = "/s",
                     .fileSelectPosition = WindowRectangle{1, 2, 3, 4},
                     .viewResultPosition = WindowRectangle{-7, 2, 3, 4},
                     .fileSearchPosition = {},

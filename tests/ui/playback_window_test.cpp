@@ -1,4 +1,4 @@
-// The windows of the players and of the MIDI-to-wave conversion: what the user does reaches the run.
+// The window of the players: what the user does reaches the run.
 #include "frame/ui/playback_window.h"
 
 #include <gmock/gmock.h>
@@ -6,12 +6,10 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
-#include <QComboBox>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
 
-#include "audio/ui/midi_to_wave_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/level_meter_widget.h"
 #include "frame/ui/position_slider.h"
@@ -109,26 +107,6 @@ TEST_F(PlaybackWindowTest, TheMeterShowsLevelsInEveryStyle) {
   meter.SetStyle(MeterStyle::Needle);
   QTest::mouseDClick(&meter, Qt::LeftButton);
   EXPECT_EQ(meter.Style(), MeterStyle::Bars);
-}
-
-TEST(MidiToWaveDialogTest, TakesTheChoicesAndRefusesAnUnknownRate) {
-  RecordingHost host;
-  MidiToWaveParameters parameters;
-  parameters.format = {48000, 1, 8};
-  MidiToWaveDialog dialog(parameters, {"A", "B"}, {}, host, nullptr);
-  dialog.show();
-  {
-    NextMessage message;
-    Child<QAbstractButton>(dialog, "okButton").click();
-    EXPECT_EQ(message.Text(), "Wählen Sie bitte eine Samplingfrequenz aus.");
-  }
-  EXPECT_TRUE(dialog.isVisible());
-  Child<QComboBox>(dialog, "rateBox").setCurrentIndex(1);
-  Child<QAbstractButton>(dialog, "projectRadio").setChecked(true);
-  Child<QAbstractButton>(dialog, "okButton").click();
-  EXPECT_EQ(dialog.result(), QDialog::Accepted);
-  EXPECT_EQ(dialog.Parameters().format, (std::array<std::int32_t, 3>{22050, 1, 8}));
-  EXPECT_EQ(dialog.Parameters().normalise, 2);
 }
 
 }  // namespace

@@ -1,32 +1,19 @@
 #include "audio/ui/midi_to_wave_dialog.h"
 
-#include <QProcess>
-#include <QStandardPaths>
-#include <array>
+#include <algorithm>
 #include <utility>
 
 #include "audio/format_texts.h"
+#include "audio/ui/mixer_help_dialog.h"
+#include "audio/ui/normalise_box.h"
+#include "audio/ui/synthesis_format_dialog.h"
+#include "audio/ui/wave_format_dialog.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_MIDWAVPARAMS.h"
 
 namespace ts5 {
 namespace {
-
-constexpr std::array<std::int32_t, 5> kRecordingRates = {11025, 22050, 44100, 48000, 96000};
-// The programs with which today's desktops set what is recorded.
-constexpr std::array kMixers = {"pavucontrol", "pavucontrol-qt", "kmix", "gnome-control-center",
-                                "alsamixergui"};
-
-std::vector<std::array<std::int32_t, 3>> RecordingFormats() {
-  std::vector<std::array<std::int32_t, 3>> formats;
-  for (const std::int32_t rate : kRecordingRates) {
-    for (const std::int32_t bits : {8, 16}) {
-      for (const std::int32_t channels : {1, 2}) formats.push_back({rate, channels, bits});
-    }
-  }
-  return formats;
-}
 
 void FillDevices(QListWidget& list, const std::vector<std::string>& names, std::int32_t chosen, TextId none) {
   for (const std::string& name : names) list.addItem(ToQt(name));
@@ -38,28 +25,25 @@ void FillDevices(QListWidget& list, const std::vector<std::string>& names, std::
 
 }  // namespace
 
-MidiToWaveDialog::MidiToWaveDialog(MidiToWaveParameters parameters,
-                                   const std::vector<std::string>& midiOutputs,
-                                   const std::vector<std::string>& audioInputs, DialogHost& host,
-                                   QWidget* parent)
+MidiToWaveDialog::MidiToWaveDialog(MidiToWaveParameters parameters, MidiToWaveDevices devices,
+                                   DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(TextId::MidiWavePrompt), parent),
       parameters_(std::move(parameters)),
+      devices_(std::move(devices)),
+      normalise_(new NormaliseBox(NormaliseBox::Wording::MidiToWave)),
       ui_(std::make_unique<Ui::MIDWAVPARAMS>()) {
   ui_->setupUi(this);
   ConnectButtons();
-  FillDevices(*ui_->midiList, midiOutputs, parameters_.midiDevice, TextId::NoMidiDevices);
-  FillDevices(*ui_->waveList, audioInputs, parameters_.waveDevice, TextId::MidiWaveNoInput);
-  for (const std::int32_t rate : kSynthesisRates) ui_->rateBox->addItem(QString::number(rate), rate);
-  ui_->recordBox->addItem(QStringLiteral("-"));
-  for (const auto& [rate, channels, bits] : RecordingFormats()) {
-    ui_->recordBox->addItem(
-        ToQt(FormatText(TargetFormat(static_cast<std::uint32_t>(rate), static_cast<std::uint16_t>(bits),
-                                     static_cast<std::uint16_t>(channels)))));
-  }
+  ui_->normaliseLayout->insertWidget(0, normalise_);
+  FillDevices(*ui_->midiList, devices_.midiOutputs, parameters_.midiDevice, TextId::NoMidiDevices);
+  FillDevices(*ui_->waveList, devices_.audioInputs, parameters_.waveDevice, TextId::MidiWaveNoInput);
   ShowParameters();
   UpdateControls();
   connect(ui_->cardRadio, &QAbstractButton::toggled, this, [this] { UpdateControls(); });
-  connect(ui_->mixerButton, &QAbstractButton::clicked, this, [this] { OpenMixer(); });
+  connect(ui_->waveList, &QListWidget::currentRowChanged, this, [this] { UpdateControls(); });
+  connect(ui_->recordButton, &QAbstractButton::clicked, this, [this] { ChooseRecordingFormat(); });
+  connect(ui_->synthesisButton, &QAbstractButton::clicked, this, [this] { ChooseSynthesisFormat(); });
+  connect(ui_->mixerButton, &QAbstractButton::clicked, this, [this] { OpenMixerProgram(this); });
 }
 
 MidiToWaveDialog::~MidiToWaveDialog() = default;
@@ -73,51 +57,58 @@ void MidiToWaveDialog::ShowParameters() {
   ui_->synthesisRadio->setChecked(synthesis);
   ui_->cardRadio->setChecked(!synthesis);
   ui_->mixerCheck->setChecked(parameters_.configureMixer);
-  ui_->rateBox->setCurrentIndex(ui_->rateBox->findData(parameters_.format[0]));
-  (parameters_.format[1] == 1 ? ui_->monoRadio : ui_->stereoRadio)->setChecked(true);
-  (parameters_.format[2] == 8 ? ui_->eightRadio : ui_->sixteenRadio)->setChecked(true);
-  const auto formats = RecordingFormats();
-  for (std::size_t i = 0; i < formats.size(); ++i) {
-    if (formats[i] == parameters_.recordingFormat) ui_->recordBox->setCurrentIndex(static_cast<int>(i) + 1);
-  }
-  const std::array buttons{ui_->noneRadio, ui_->eachRadio, ui_->projectRadio};
-  buttons.at(static_cast<std::size_t>(parameters_.normalise))->setChecked(true);
+  normalise_->SetMode(parameters_.Normalising());
+}
+
+std::int32_t MidiToWaveDialog::WaveDevice() const {
+  return std::max(ui_->waveList->currentRow(), 0);
 }
 
 void MidiToWaveDialog::UpdateControls() {
-  ui_->cardGroup->setEnabled(ui_->cardRadio->isChecked());
-  ui_->synthesisGroup->setEnabled(!ui_->cardRadio->isChecked());
+  const bool card = ui_->cardRadio->isChecked();
+  ui_->cardGroup->setEnabled(card);
+  ui_->synthesisGroup->setEnabled(!card);
+  ui_->recordButton->setEnabled(!devices_.audioInputs.empty());
+  const auto recording = parameters_.recordingFormats.find(WaveDevice());
+  ui_->recordLabel->setText(recording == parameters_.recordingFormats.end()
+                                ? QtText(TextId::MidiWaveNoRecordFormat)
+                                : ToQt(FormatText(FormatOf(recording->second))));
+  ui_->synthesisLabel->setText(ToQt(FormatText(FormatOf(parameters_.format))));
 }
 
-void MidiToWaveDialog::OpenMixer() {
-  for (const char* name : kMixers) {
-    const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name));
-    if (!program.isEmpty() && QProcess::startDetached(program, {})) return;
-  }
-  ShowNotice(this, TextId::MidiWaveNoMixerProgram);
+void MidiToWaveDialog::ChooseRecordingFormat() {
+  const std::int32_t device = WaveDevice();
+  const auto current = parameters_.recordingFormats.find(device);
+  WaveFormatDialog dialog(
+      devices_.formatsOf(devices_.audioInputs.at(static_cast<std::size_t>(device))),
+      current == parameters_.recordingFormats.end() ? std::nullopt : std::optional(current->second), Host(),
+      this);
+  if (dialog.exec() != QDialog::Accepted) return;
+  parameters_.recordingFormats[device] = dialog.Chosen();
+  UpdateControls();
+}
+
+void MidiToWaveDialog::ChooseSynthesisFormat() {
+  SynthesisFormatDialog dialog(parameters_.format, Host(), this);
+  if (dialog.exec() != QDialog::Accepted) return;
+  parameters_.format = dialog.Chosen();
+  UpdateControls();
 }
 
 void MidiToWaveDialog::Commit() {
   const bool synthesis = ui_->synthesisRadio->isChecked();
-  if (synthesis && ui_->rateBox->currentIndex() < 0) {
+  if (synthesis && !parameters_.HasSynthesisFormat()) {
     ShowNotice(this, TextId::MidiWaveChooseRate);
-    ui_->rateBox->setFocus();
+    ui_->synthesisButton->setFocus();
     return;
   }
   parameters_.method =
       static_cast<std::int32_t>(synthesis ? MidiWaveMethod::Synthesis : MidiWaveMethod::SoundCard);
   if (ui_->midiList->isEnabled() || !synthesis)
     parameters_.midiDevice = std::max(ui_->midiList->currentRow(), 0);
-  parameters_.waveDevice = std::max(ui_->waveList->currentRow(), 0);
+  parameters_.waveDevice = WaveDevice();
   parameters_.configureMixer = ui_->mixerCheck->isChecked();
-  if (ui_->rateBox->currentIndex() >= 0) parameters_.format[0] = ui_->rateBox->currentData().toInt();
-  parameters_.format[1] = ui_->monoRadio->isChecked() ? 1 : 2;
-  parameters_.format[2] = ui_->eightRadio->isChecked() ? 8 : 16;
-  const int recording = ui_->recordBox->currentIndex();
-  parameters_.recordingFormat = {0, 0, 0};
-  if (recording > 0)
-    parameters_.recordingFormat = RecordingFormats().at(static_cast<std::size_t>(recording) - 1);
-  parameters_.normalise = ui_->eachRadio->isChecked() ? 1 : ui_->projectRadio->isChecked() ? 2 : 0;
+  parameters_.normalise = static_cast<std::int32_t>(normalise_->Mode());
   accept();
 }
 

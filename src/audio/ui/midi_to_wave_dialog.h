@@ -2,6 +2,7 @@
 // MIDWAVPARAMS_2.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -15,12 +16,22 @@ class MIDWAVPARAMS;
 
 namespace ts5 {
 
+class NormaliseBox;
+
+// What the window offers.
+struct MidiToWaveDevices {
+  std::vector<std::string> midiOutputs;
+  std::vector<std::string> audioInputs;
+  // In which formats an input can record.
+  std::function<std::vector<WaveNumbers>(const std::string& input)> formatsOf;
+};
+
 class MidiToWaveDialog : public HostedDialog {
   Q_OBJECT
 
  public:
-  MidiToWaveDialog(MidiToWaveParameters parameters, const std::vector<std::string>& midiOutputs,
-                   const std::vector<std::string>& audioInputs, DialogHost& host, QWidget* parent);
+  MidiToWaveDialog(MidiToWaveParameters parameters, MidiToWaveDevices devices, DialogHost& host,
+                   QWidget* parent);
   ~MidiToWaveDialog() override;
 
   // After OK: what was chosen.
@@ -33,9 +44,13 @@ class MidiToWaveDialog : public HostedDialog {
  private:
   void ShowParameters();
   void UpdateControls();
-  void OpenMixer();
+  void ChooseRecordingFormat();
+  void ChooseSynthesisFormat();
+  [[nodiscard]] std::int32_t WaveDevice() const;
 
   MidiToWaveParameters parameters_;
+  MidiToWaveDevices devices_;
+  NormaliseBox* normalise_;
   std::unique_ptr<Ui::MIDWAVPARAMS> ui_;
 };
 
