@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "app/qt_event_loop.h"
 #include "frame/filter_bar.h"
 #include "frame/job_runner.h"
 #include "frame/jobs.h"
 #include "frame/settings.h"
 #include "frame/siblings.h"
+#include "frame/ui/qt_event_loop.h"
 #include "platform/registry.h"
 #include "platform/strings.h"
 #include "platform/volumes.h"

@@ -4,7 +4,7 @@
 
 #include "audio/audio_properties.h"
 #include "audio/media_probe.h"
-#include "audio/ui/wave_properties_dialog.h"
+#include "audio/ui/audio_properties_dialog.h"
 #include "frame/file_properties.h"
 #include "frame/ui/message_box.h"
 #include "midi/midi_file.h"
@@ -26,8 +26,9 @@ const std::vector<PropertiesStep>& Steps() {
        ReaderFailure::StopAtSource},
       {{},
        [](const FileListEntry& file) -> Result<PropertiesWindow> {
-         if (ProbeMedia(file.path).kind == MediaKind::None) return Failure(Outcome::WrongFormat);
-         return PropertiesWindow::Wave;
+         const MediaKind kind = ProbeMedia(file.path).kind;
+         if (kind == MediaKind::None) return Failure(Outcome::WrongFormat);
+         return IsWaveKind(kind) ? PropertiesWindow::Wave : PropertiesWindow::Audio;
        }},
   };
   return steps;
@@ -43,8 +44,8 @@ void ShowFileProperties(const FileListEntry& file, DialogHost& host, QWidget* ow
       return;
     }
     ShowWarning(owner, TextId::FileNotOpened);  // it went away since
-  } else if (choice.window == PropertiesWindow::Wave) {
-    ShowWaveProperties(file.path, host, owner);
+  } else if (choice.window == PropertiesWindow::Wave || choice.window == PropertiesWindow::Audio) {
+    ShowAudioProperties(file.path, host, owner);
   } else {
     ShowWarning(owner, choice.message);
   }

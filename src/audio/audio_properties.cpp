@@ -31,12 +31,13 @@ std::string DurationText(double seconds) {
 
 }  // namespace
 
-std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten) {
+std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten,
+                                           std::uint64_t fileSize) {
   const auto [day, month, year] = NumbersOf(lastWritten);
   std::vector<PropertyRow> rows{
       {Copy(TextId::PropertyFileFormat), Copy(KindName(probe.kind))},
       {Copy(TextId::PropertyLastWritten), Format(Text(TextId::PropertyDate), day, month, year)},
-      {Copy(TextId::AudioPropertyCoding), Copy(CodingName(probe.format))},
+      {Copy(TextId::AudioPropertyCoding), Copy(FullCodingName(probe.format))},
       {Copy(TextId::AudioPropertyFormat), FormatText(probe.format)},
       {Copy(TextId::AudioPropertyRate),
        Format(Text(TextId::AudioPropertyRateValue), probe.format.sampleRate)},
@@ -49,6 +50,14 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
     rows.insert(behindRate, {Copy(TextId::AudioPropertyBits),
                              Format(Text(TextId::AudioPropertyBitsValue), probe.format.bitsPerSample)});
   }
+  if (!IsWaveKind(probe.kind)) {
+    constexpr std::uint64_t kKilo = 1024;
+    rows.push_back(
+        {Copy(TextId::AudioPropertySize),
+         Format(Text(TextId::AudioPropertySizeValue), fileSize / kKilo, fileSize % kKilo * 10 / kKilo)});
+    rows.push_back({Copy(TextId::AudioPropertyBitRate), Format(Text(TextId::AudioPropertyBitRateValue),
+                                                               (probe.format.bytesPerSecond + 62) / 125)});
+  }
   if (probe.frames) rows.push_back({Copy(TextId::AudioPropertyFrames), std::to_string(*probe.frames)});
   rows.push_back({Copy(TextId::AudioPropertyDataLength),
                   Format(Text(TextId::AudioPropertyDataLengthValue), probe.dataLength)});
@@ -56,7 +65,8 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
 }
 
 Result<AudioProperties> ReadAudioProperties(const std::string& path) {
-  if (const auto file = InputFile::Open(path); !file) return Failure(file.error());
+  const auto file = InputFile::Open(path);
+  if (!file) return Failure(file.error());
   const MediaProbe probe = ProbeMedia(path);
   if (probe.kind == MediaKind::None) return Failure(Outcome::WrongFormat);
   const auto written = LastWriteDate(path);
@@ -64,7 +74,7 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
   AudioProperties properties;
   properties.title = Format(Text(TextId::PropertiesTitle), FileNameOf(path));
   properties.kind = probe.kind;
-  properties.rows = AudioPropertyRows(probe, *written);
+  properties.rows = AudioPropertyRows(probe, *written, file->Size());
   return properties;
 }
 

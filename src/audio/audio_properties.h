@@ -21,7 +21,9 @@ struct AudioProperties {
 
 // What the file says about itself; quick. SourceFailed: the file cannot be opened. WrongFormat: no audio.
 [[nodiscard]] Result<AudioProperties> ReadAudioProperties(const std::string& path);
-[[nodiscard]] std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten);
+// Compressed files show their size and bit rate beside what all show.
+[[nodiscard]] std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten,
+                                                         std::uint64_t fileSize);
 
 // What only all of its samples tell: loudness and true peak. Takes a moment for a long file. Also Cancelled,
 // ReadFailed.

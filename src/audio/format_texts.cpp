@@ -20,13 +20,15 @@ TextId CodingName(const WaveFormat& format) {
       return TextId::WaveTagPcm;
     case kTagAdpcm:
       return TextId::WaveTagAdpcm;
-    case kTagFloat:
-      return TextId::WaveTagFloat;
     case kTagMpegLayer3:
       return TextId::WaveTagMpegLayer3;
     default:
       return TextId::WaveTagOther;
   }
+}
+
+TextId FullCodingName(const WaveFormat& format) {
+  return EffectiveTag(format) == kTagFloat ? TextId::WaveTagFloat : CodingName(format);
 }
 
 WaveFormat TargetFormat(std::uint32_t sampleRate, std::uint16_t bits, std::uint16_t channels) {

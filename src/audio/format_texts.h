@@ -20,8 +20,10 @@ inline constexpr std::array<std::uint16_t, 4> kOfferedBits = {8, 16, 24, 32};  /
 [[nodiscard]] std::string FormatText(const WaveFormat& format);
 // The same, with floats named as such, to tell them from whole numbers of the same width.
 [[nodiscard]] std::string FullFormatText(const WaveFormat& format);
-// "PCM", "ADPCM", "MPEG Layer 3", "PCM float", else "non-PCM".
+// "PCM", "ADPCM", "MPEG Layer 3", else "non-PCM".
 [[nodiscard]] TextId CodingName(const WaveFormat& format);
+// The same, but for "PCM float".
+[[nodiscard]] TextId FullCodingName(const WaveFormat& format);
 
 // A format that the converter makes: 32 bits are floats.
 [[nodiscard]] WaveFormat TargetFormat(std::uint32_t sampleRate, std::uint16_t bits, std::uint16_t channels);

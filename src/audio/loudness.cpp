@@ -168,19 +168,9 @@ Loudness LoudnessMeter::Result() const {
 }
 
 Result<Loudness> MeasureLoudness(PcmSource& source, const WorkWatch& watch) {
-  class MeterSink final : public PcmSink {
-   public:
-    explicit MeterSink(const PcmShape& shape) : meter(shape) {}
-    Outcome Write(std::span<const double> interleaved) override {
-      meter.Add(interleaved);
-      return Outcome::Success;
-    }
-    Outcome Finish() override { return Outcome::Success; }
-    LoudnessMeter meter;
-  };
-  MeterSink sink(source.Shape());
+  LoudnessSink sink(source.Shape());
   if (const Outcome measured = CopyPcm(source, sink, watch); Failed(measured)) return Failure(measured);
-  return sink.meter.Result();
+  return sink.Measured();
 }
 
 }  // namespace ts5

@@ -62,6 +62,21 @@ class LoudnessMeter {
   double peak_ = 0;
 };
 
+// What is written to it is measured.
+class LoudnessSink final : public PcmSink {
+ public:
+  explicit LoudnessSink(const PcmShape& shape) : meter_(shape) {}
+  Outcome Write(std::span<const double> interleaved) override {
+    meter_.Add(interleaved);
+    return Outcome::Success;
+  }
+  Outcome Finish() override { return Outcome::Success; }
+  [[nodiscard]] Loudness Measured() const { return meter_.Result(); }
+
+ private:
+  LoudnessMeter meter_;
+};
+
 // Reads the source to its end.
 [[nodiscard]] Result<Loudness> MeasureLoudness(PcmSource& source, const WorkWatch& watch = {});
 

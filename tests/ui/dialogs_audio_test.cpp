@@ -8,9 +8,9 @@
 #include <QTest>
 #include <QTreeWidget>
 
+#include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/normalise_box.h"
 #include "audio/ui/wave_convert_dialog.h"
-#include "audio/ui/wave_properties_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/qt_text.h"
 #include "support/test_data.h"
@@ -123,7 +123,7 @@ TEST(WavePropertiesTest, ShowsTheFileAndMeasuresIt) {
   const auto properties = ReadAudioProperties(path);
   ASSERT_TRUE(properties);
   RecordingHost host;
-  const auto dialog = WavePropertiesDialog(*properties, path, host, nullptr);
+  const auto dialog = AudioPropertiesDialog(*properties, path, host, nullptr);
   dialog->show();
   EXPECT_EQ(dialog->windowTitle(), "Eigenschaften von \"wav_quiet_minus30db.wav\"");
   auto& list = Child<QTreeWidget>(*dialog, "propertyList");
@@ -138,7 +138,7 @@ TEST(WavePropertiesTest, ShowsTheFileAndMeasuresIt) {
   EXPECT_EQ(ValueOf(list, "Spitzenpegel (True Peak)"), "-30,0 dBTP");
   EXPECT_TRUE(ValueOf(list, "Lautheit (EBU R 128)").endsWith("LUFS"));
   // Closing while it measures must neither hang nor crash.
-  for (int i = 0; i < 5; ++i) WavePropertiesDialog(*properties, path, host, nullptr)->show();
+  for (int i = 0; i < 5; ++i) AudioPropertiesDialog(*properties, path, host, nullptr)->show();
   QTest::qWait(20);
 }
 

@@ -3,9 +3,12 @@
 #include "app/about_dialog.h"
 #include "app/help_window.h"
 #include "app/splash.h"
+#include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/midi_to_wave_dialog.h"
+#include "audio/ui/mixer_help_dialog.h"
+#include "audio/ui/synthesis_format_dialog.h"
 #include "audio/ui/wave_convert_dialog.h"
-#include "audio/ui/wave_properties_dialog.h"
+#include "audio/ui/wave_format_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/playback_window.h"
@@ -113,7 +116,7 @@ AudioProperties SampleAudio() {
   AudioProperties properties;
   properties.title = "Eigenschaften von \"Abendlied.wav\"";
   properties.kind = MediaKind::Wave;
-  properties.rows = AudioPropertyRows(SampleProbe(), 2024y / 3 / 12);
+  properties.rows = AudioPropertyRows(SampleProbe(), 2024y / 3 / 12, 10'584'044);
   for (const PropertyRow& row : LoudnessRows({-18.3, -0.4})) properties.rows.push_back(row);
   return properties;
 }
@@ -165,9 +168,27 @@ const std::vector<WindowSample>& WindowSamples() {
       {"PLAYBACK-midi", [](DialogHost& host) { return PlayingWindow(host, FilterId::MidiPlayer); }},
       {"MIDWAVPARAMS",
        [](DialogHost& host) {
-         return std::make_unique<MidiToWaveDialog>(
-             MidiToWaveParameters{}, std::vector<std::string>{"Stavora-Synthesizer"},
-             std::vector<std::string>{"Monitor of Built-in Audio"}, host, nullptr);
+         const MidiToWaveDevices devices{{"Stavora-Synthesizer"}, {"Monitor of Built-in Audio"}, {}};
+         return std::make_unique<MidiToWaveDialog>(MidiToWaveParameters{}, devices, host, nullptr);
+       }},
+      {"WAVEFORMAT",
+       [](DialogHost& host) {
+         const std::vector<WaveNumbers> formats{{44100, 1, 8}, {44100, 2, 8}, {44100, 1, 16}, {44100, 2, 16}};
+         return std::make_unique<WaveFormatDialog>(formats, formats.back(), host, nullptr);
+       }},
+      {"TIMIDITYFORMAT",
+       [](DialogHost& host) {
+         return std::make_unique<SynthesisFormatDialog>(WaveNumbers{44100, 2, 16}, host, nullptr);
+       }},
+      {"ASKDIALOG",
+       [](DialogHost& host) {
+         return std::make_unique<MixerHelpDialog>(TextId::MidiWaveMixerNotSet, "Stereo-Mix", host, nullptr);
+       }},
+      {"AUDIOPROPS",
+       [](DialogHost& host) -> std::unique_ptr<QWidget> {
+         AudioProperties properties = SampleAudio();
+         properties.kind = MediaKind::MpegLayer3;
+         return AudioPropertiesDialog(properties, std::string(), host, nullptr);
        }},
       {"WAVECONVERTPARAMS",
        [](DialogHost& host) {
@@ -176,7 +197,7 @@ const std::vector<WindowSample>& WindowSamples() {
        }},
       {"FILEPROPS-wave",
        [](DialogHost& host) -> std::unique_ptr<QWidget> {
-         return WavePropertiesDialog(SampleAudio(), std::string(), host, nullptr);
+         return AudioPropertiesDialog(SampleAudio(), std::string(), host, nullptr);
        }},
       {"ABOUT", [](DialogHost&) { return std::make_unique<AboutDialog>(nullptr); }},
       {"TITELBILD",
