@@ -32,6 +32,12 @@ constexpr std::array kCommands{
 
     Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
     Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "", "zielmedium.htm", kAlways},
+    Command{C::PlayerRestart, Action, false, T::CommandPlayerRestart, "", "Backspace", "playback.htm",
+            FilterId::MidiPlayer},
+    Command{C::PlayerPrevious, Action, false, T::CommandPlayerPrevious, "", "PgUp", "playback.htm",
+            FilterId::MidiPlayer},
+    Command{C::PlayerNext, Action, false, T::CommandPlayerNext, "", "PgDown", "playback.htm",
+            FilterId::MidiPlayer},
     Command{C::CreateMp3Interface, Action, true, T::MenuCreateMp3Interface, "", "", "",
             FilterId::AudioCompressor},
     Command{C::ManageMp3Interfaces, Action, false, T::MenuManageMp3Interfaces, "", "", "",
@@ -66,10 +72,6 @@ constexpr std::array kCommands{
     Command{C::PreviousArea, None, false, T::CommandPreviousArea, "Shift+F6", "", "tastenkürzel.htm",
             kAlways},
     Command{C::ClearListSilently, None, false, T::MenuClearList, "", "", "quellmedium.htm", kAlways},
-    Command{C::PlayerRestart, None, false, T::CommandPlayerRestart, "", "Backspace", "",
-            FilterId::MidiPlayer},
-    Command{C::PlayerPrevious, None, false, T::CommandPlayerPrevious, "", "PgUp", "", FilterId::MidiPlayer},
-    Command{C::PlayerNext, None, false, T::CommandPlayerNext, "", "PgDown", "", FilterId::MidiPlayer},
 };
 
 constexpr std::array<TextId, kMenuCount> kMenuTitles{T::MenuFile,   T::MenuFile, T::MenuView,

@@ -11,8 +11,10 @@ class JobCommands : public QObject {
  public:
   explicit JobCommands(MainWindow& window);
 
- private:
+  // 0: the default job.
   void Activate(int number);
+
+ private:
   void Create();
   void Rename();
   void Remove();

@@ -430,6 +430,8 @@ void MainWindow::RefreshRunDisplay() {
   }
   actions_->SetEnabled(CommandId::Run, mayRun);
   actions_->SetEnabled(CommandId::Stop, running);
+  for (const CommandId step : {CommandId::PlayerRestart, CommandId::PlayerPrevious, CommandId::PlayerNext})
+    actions_->SetEnabled(step, running && IsPlayer(job.filter));
   actions_->SetEnabled(CommandId::StopByEscape, running || searches_->PlaysHit());
 }
 
@@ -533,8 +535,6 @@ void MainWindow::EndWithoutQuestion() {
   const JobSaving policy = application_.GetSettings().jobSaving;
   if (!ended_) End(policy == JobSaving::Ask ? JobSaving::Automatic : policy);
   close();
-  // Also out of the loops of dialogs that wait for an answer.
-  QCoreApplication::exit();
 }
 
 void MainWindow::End(JobSaving policy) {

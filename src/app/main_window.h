@@ -63,6 +63,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] RunPanel& PanelOf(const Job& job);
   [[nodiscard]] DialogQueue& Dialogs() { return dialogs_; }
   [[nodiscard]] PlaybackCommands& Playback() { return *playback_; }
+  [[nodiscard]] JobCommands& JobActions() { return *jobCommands_; }
   // What a command does; each group of commands registers its own.
   void On(CommandId command, std::function<void()> action) { handlers_[command] = std::move(action); }
   [[nodiscard]] QString StatusText() const { return status_->text(); }

@@ -1,16 +1,19 @@
 #include "app/playback_commands.h"
 
+#include <optional>
+
+#include "app/job_commands.h"
 #include "app/main_window.h"
 #include "frame/ui/playback_window.h"
 
 namespace ts5 {
 namespace {
 
-Job* FindJob(Jobs& jobs, const JobRun* run) {
+std::optional<std::size_t> NumberOf(Jobs& jobs, const JobRun* run) {
   for (std::size_t i = 0; i <= jobs.Count(); ++i) {
-    if (jobs[i].run.Shared().get() == run) return &jobs[i];
+    if (jobs[i].run.Shared().get() == run) return i;
   }
-  return nullptr;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -26,10 +29,10 @@ void PlaybackCommands::Open(Job& job) {
   if (open == nullptr) {
     const auto run = job.run.Shared();
     const FilterId filter = job.filter;
-    const auto find = [this, run = run.get()] { return FindJob(window_.App().GetJobs(), run); };
-    // The buttons work on the job of the window, which becomes the active one.
-    const auto act = [this, find](CommandId command) {
-      if (find() == &window_.ActiveJob()) window_.Trigger(command);
+    const auto find = [this, run = run.get()]() -> Job* {
+      Jobs& jobs = window_.App().GetJobs();
+      const auto number = NumberOf(jobs, run);
+      return number ? &jobs[*number] : nullptr;
     };
     open = new PlaybackWindow({.filter = filter,
                                .title = job.title,
@@ -39,14 +42,23 @@ void PlaybackCommands::Open(Job& job) {
                                  if (found == nullptr || found->filter != filter) return nullptr;
                                  return dynamic_cast<PlayerOptions*>(found->parameters.Get());
                                },
-                               .play = [act] { act(CommandId::Run); },
-                               .stop = [act] { act(CommandId::Stop); }},
+                               .play = [this, run = run.get()] { Act(run, CommandId::Run); },
+                               .stop = [this, run = run.get()] { Act(run, CommandId::Stop); }},
                               window_, &window_);
     open->setAttribute(Qt::WA_DeleteOnClose);
   }
   open->show();
   open->raise();
   open->activateWindow();
+}
+
+// The commands act on the active job, so the job of the window becomes that.
+void PlaybackCommands::Act(const JobRun* run, CommandId command) {
+  Jobs& jobs = window_.App().GetJobs();
+  const auto number = NumberOf(jobs, run);
+  if (!number) return;
+  if (*number != jobs.ActiveNumber()) window_.JobActions().Activate(static_cast<int>(*number));
+  if (*number == jobs.ActiveNumber()) window_.Trigger(command);
 }
 
 bool PlaybackCommands::TogglePause(Job& job) {

@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <map>
 
+#include "app/command_table.h"
 #include "frame/job.h"
 #include "frame/player_control.h"
 
@@ -23,6 +24,7 @@ class PlaybackCommands : public QObject {
   [[nodiscard]] static bool TogglePause(Job& job);
 
  private:
+  void Act(const JobRun* run, CommandId command);
   void Step(PlayerStep step);
 
   MainWindow& window_;

@@ -7,6 +7,7 @@
 #include "frame/ui/position_slider.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
+#include "resources/icons.h"
 #include "ui_PLAYBACK.h"
 
 namespace ts5 {
@@ -15,6 +16,12 @@ namespace {
 constexpr int kRefreshMilliseconds = 16;  // 60 times a second
 
 using std::chrono::milliseconds;
+
+struct StepButton {
+  QAbstractButton* button;
+  std::string_view icon;
+  PlayerStep step;
+};
 
 int Milliseconds(std::chrono::nanoseconds time) {
   return static_cast<int>(std::chrono::duration_cast<milliseconds>(time).count());
@@ -59,6 +66,13 @@ PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* paren
           [this](int step) { subject_.run->player.Move(milliseconds(step)); });
   connect(ui_->playButton, &QAbstractButton::clicked, this, [this] { subject_.play(); });
   connect(ui_->stopButton, &QAbstractButton::clicked, this, [this] { subject_.stop(); });
+  for (const StepButton& row : {StepButton{ui_->previousButton, "previous", PlayerStep::Previous},
+                                StepButton{ui_->restartButton, "restart", PlayerStep::Restart},
+                                StepButton{ui_->nextButton, "next", PlayerStep::Next}}) {
+    row.button->setIcon(Icon(row.icon));
+    connect(row.button, &QAbstractButton::clicked, this,
+            [this, step = row.step] { subject_.run->player.Step(step); });
+  }
   connect(ui_->soundButton, &QAbstractButton::clicked, this,
           [this] { ShowNotice(this, TextId::PlaybackNoSound); });
   connect(&timer_, &QTimer::timeout, this, [this] { Refresh(); });
@@ -108,7 +122,10 @@ void PlaybackWindow::Refresh() {
   position_->SetWaveform(status.waveform);
   const bool active = !MayChangeJob(state);
   ui_->playButton->setText(QtText(active && !status.paused ? TextId::RunButtonPause : TextId::RunButtonPlay));
-  ui_->stopButton->setEnabled(active);
+  for (QAbstractButton* button :
+       {static_cast<QAbstractButton*>(ui_->stopButton), static_cast<QAbstractButton*>(ui_->previousButton),
+        static_cast<QAbstractButton*>(ui_->restartButton), static_cast<QAbstractButton*>(ui_->nextButton)})
+    button->setEnabled(active);
   PlaybackForm form = PlaybackFormOf(subject_.filter, *options, state, status);
   if (shown_ == form) return;
   Show(form);
