@@ -111,6 +111,36 @@ TEST(WaveConverterRunTest, ManyFilesGiveTheSameEveryTime) {
   }
 }
 
+// Stops the run as soon as the third file has its turn.
+class StoppingHost final : public RecordingHost {
+ public:
+  void Progress(const RunProgress& event) override {
+    if (event.item == 3 && run != nullptr) run->cancelRequest = kUserStop;
+    RecordingHost::Progress(event);
+  }
+  std::shared_ptr<JobRun> run;
+};
+
+TEST(WaveConverterRunTest, AStopInTheThirdOfFiveFilesFailsThreeAndLeavesNoTargetOfIt) {
+  const TemporaryDirectory place;
+  std::vector<std::string> files;
+  for (int i = 1; i <= 5; ++i) {
+    const std::size_t frames = i == 3 ? 44100 * 100 : 100;
+    files.push_back(place.Write(
+        std::to_string(i) + ".wav",
+        AsText(Wave(PcmFormat(44100, 16, 1), Samples16(std::vector<std::int16_t>(frames, 1000))))));
+  }
+  const Job job = JobOf(files, 192000, 32, 2);
+  const auto host = std::make_shared<StoppingHost>();
+  host->run = job.run.Shared();
+  const RunResult result = RunJob(job, Module(), {}, host);
+  EXPECT_TRUE(result.cancelled);
+  EXPECT_EQ(result.lines[0].count, 2U);
+  EXPECT_EQ(result.lines[1].count, 3U);
+  EXPECT_THAT(result.remarks, ElementsAre("Der Vorgang wurde durch den Anwender abgebrochen."));
+  EXPECT_EQ(Listing(place.Path()), "1.cnv.wav 1.wav 2.cnv.wav 2.wav 3.wav 4.wav 5.wav");
+}
+
 TEST(WaveConverterRunTest, ARefusedOverwriteEndsTheRun) {
   const TemporaryDirectory place;
   const std::vector<std::string> files{place.Write("a.wav", AsText(Wave16({1, 2}))),

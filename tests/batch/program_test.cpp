@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -194,6 +195,39 @@ TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
     EXPECT_EQ(Out(), "");
   }
   EXPECT_EQ(Listing(folder_.File("lieder")), "eins.mid");
+}
+
+// From a song to a wave file, normalised, in another format, and played; the words for what fails are those
+// of each filter.
+TEST_F(ProgramTest, MakesConvertsAndPlaysWaveFiles) {
+  const std::string song = Song("eins.mid");
+  const std::string wave = folder_.File("neu/eins.wav");
+  EXPECT_EQ(Run({"run", "MidiToWave", "--set", "DestFormat=22050 1 16", "--set", "ConvNormalize=1", "--dest",
+                 wave, song}),
+            kExitSuccess);
+  EXPECT_EQ(Run({"info", wave}), kExitSuccess);
+  EXPECT_THAT(Out(), HasSubstr("22050 Hz (Samples per Sek), 16 Bits per Sample, Mono"));
+  EXPECT_THAT(Out(), testing::ContainsRegex("True Peak\\):.* [01],[0-9] dBTP")) << "normalised";
+
+  const std::string text = folder_.File("kein.wav");
+  std::ofstream(text) << "kein Audio";
+  EXPECT_EQ(Run({"run", "WaveConverter", "--set", "SamplesPerSec=8000", "--dest-dir", folder_.File("neu"),
+                 "--quiet", wave, text}),
+            kExitFailed);
+  EXPECT_EQ(Err(), "ts5-batch: " + text + ": Die Konvertierung konnte nicht initialisiert werden.\n");
+  EXPECT_EQ(NewFiles(), "eins.cnv.wav eins.wav");
+
+  const std::string played = folder_.File("neu/gespielt.wav");
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--set", "KurzAnspielen?=1", "--set", "Anspielzeit=1", "--device",
+                 "wave:" + played, wave}),
+            kExitSuccess);
+  const std::string captured = folder_.File("neu/mitschnitt.mid");
+  EXPECT_EQ(Run({"run", "MidiPlayer", "--set", "KurzAnspielen?=1", "--set", "Anspielzeit=1", "--device",
+                 "capture:" + captured, song}),
+            kExitSuccess);
+  EXPECT_EQ(Run({"info", played, captured}), kExitSuccess);
+  EXPECT_THAT(Out(), HasSubstr("22050 Hz (Samples per Sek), 16 Bits per Sample, Stereo"));
+  EXPECT_THAT(Out(), HasSubstr("MIDI-0"));
 }
 
 TEST_F(ProgramTest, SearchesFilesAndTreesForAMelody) {
