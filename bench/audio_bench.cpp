@@ -18,6 +18,7 @@
 #include "audio/wave_converter.h"
 #include "audio/wave_stream.h"
 #include "peak_memory.h"
+#include "peer.h"
 #include "platform/files.h"
 
 namespace ts5 {
@@ -85,6 +86,31 @@ BENCHMARK_CAPTURE(Convert, To8Bits, PcmFormat(44100, 8, 2))->Unit(benchmark::kMi
 BENCHMARK_CAPTURE(Convert, To24Bits, PcmFormat(44100, 24, 2))->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(Convert, ToMono, PcmFormat(44100, 16, 1))->Unit(benchmark::kMillisecond)->UseRealTime();
 
+// The highest memory of pieces of so many seconds, which is to be the same.
+void MemoryByLength(benchmark::State& state) {
+  const std::string source = ThePiece().Target() + ".long.wav";
+  const std::string target = ThePiece().Target();
+  {
+    auto wave = WaveFile::Create(source, AudioCdFormat());
+    const Bytes second(176400, 7);
+    for (std::int64_t s = 0; s < state.range(0); ++s) {
+      if (Failed(wave->Write(second))) std::abort();
+    }
+    if (Failed(wave->Close())) std::abort();
+  }
+  ResetPeakMemory();
+  for (auto _ : state) {
+    const bool done = Succeeded(ConvertWaveFile(source, target, PcmFormat(48000, 24, 1))) &&
+                      Succeeded(Normalise({&source, 1}, {&target, 1}, 0, 1));
+    auto pcm = OpenPcm(source);
+    if (!done || !pcm || !MeasureLoudness(**pcm)) state.SkipWithError("failed");
+  }
+  state.counters["MB"] = PeakMemory();
+  std::error_code ignored;
+  fs::remove(source, ignored);
+}
+BENCHMARK(MemoryByLength)->Arg(10)->Arg(100)->Arg(1800)->Iterations(1)->Unit(benchmark::kMillisecond);
+
 void NormaliseOne(benchmark::State& state) {
   const std::string source = ThePiece().Source();
   const std::string target = ThePiece().Target();
@@ -120,7 +146,7 @@ void LoudnessOfAll(benchmark::State& state) {
 BENCHMARK(LoudnessOfAll)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void Peer(benchmark::State& state, const std::string& command) {
-  if (std::system(("command -v " + command.substr(0, command.find(' ')) + " >/dev/null 2>&1").c_str()) != 0) {
+  if (!HasPeer(command)) {
     state.SkipWithError("not installed");
     return;
   }
@@ -129,8 +155,7 @@ void Peer(benchmark::State& state, const std::string& command) {
                                    std::pair<std::string, std::string>{"OUT", ThePiece().Target()}}) {
     line.replace(line.find(name), name.size(), path);
   }
-  line = "taskset -c 0 " + line + " >/dev/null 2>&1";
-  Measure(state, [&] { return std::system(line.c_str()) == 0; });
+  Measure(state, [&] { return RunPeer(line); });
 }
 BENCHMARK_CAPTURE(Peer, SoxRateV, "sox --single-threaded IN -b 16 OUT rate -v 48000")
     ->Unit(benchmark::kMillisecond)

@@ -7,12 +7,15 @@
 
 #include "frame/filter_module.h"
 #include "frame/remarks.h"
-#include "score/playback_fields.h"
+#include "score/playback_parameters.h"
 
 namespace ts5 {
 
-struct ScoreToMidiParameters : ScoreParameters, ClonableParameters<ScoreToMidiParameters> {
+struct ScoreToMidiParameters : ClonableParameters<ScoreToMidiParameters> {
+  PlaybackParameters playback;
   std::int32_t method = 0;  // 1 the score engine, any other value the conversion library
+  bool playRepeats = true;
+  bool automaticSet = false;  // load the parameter set of the score's name
   // of the conversion library
   bool lyrics = true;
   bool repeats = true;
