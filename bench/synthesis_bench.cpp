@@ -49,10 +49,12 @@ void Measure(benchmark::State& state, const Work& work) {
   const double seconds = std::chrono::duration<double>(sequence->Duration()).count();
   const Place place;
   ResetPeakMemory();
+  const double before = ProcessorSeconds();
   for (auto _ : state) {
     if (!work(place.path)) state.SkipWithError("failed");
   }
   state.counters["MB"] = PeakMemory();
+  state.counters["cpu s"] = (ProcessorSeconds() - before) / static_cast<double>(state.iterations());
   state.counters["x"] =
       benchmark::Counter(seconds * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
 }

@@ -30,7 +30,7 @@ class DevicePace {
 
  private:
   using Clock = std::chrono::steady_clock;
-  static constexpr std::chrono::seconds kPatience{1};
+  static constexpr std::chrono::seconds kPatience{5};   // what a server lets pass between two blocks
   static constexpr std::chrono::seconds kMostAhead{5};  // what a device may buffer
 
   std::uint32_t sampleRate_;

@@ -10,24 +10,24 @@ program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
 
-pulseaudio -n --exit-idle-time=-1 -L 'module-null-sink sink_name=probe sink_properties=device.description=Probeklang' \
+pulseaudio -n --exit-idle-time=-1 --realtime=no --high-priority=no -L 'module-null-sink sink_name=probe sink_properties=device.description=Probeklang' \
   -L module-native-protocol-unix >/dev/null 2>&1 &
 sound=$!
 trap 'kill "$sound" 2>/dev/null || true; cleanup' EXIT
 within 10 [ -S "$XDG_RUNTIME_DIR/pulse/native" ] || fail "no sound server"
 
-mkdir "$HOME/Musik/Klang"
+mkdir "$HOME/Klang"
 cp "$demo/Maple Leaf Rag.mid" "$demo/Gymnopédie Nr. 1.rdl" "$HOME/Musik"
-"$console" run MidiToWave --set 'DestFormat=22050 2 16' --dest "$HOME/Musik/Klang/Rag.wav" "$demo/Maple Leaf Rag.mid" \
+"$console" run MidiToWave --set 'DestFormat=22050 2 16' --dest "$HOME/Klang/Rag.wav" "$demo/Maple Leaf Rag.mid" \
   >/dev/null || fail "the console makes no wave file"
-cp "$HOME/Musik/Klang/Rag.wav" "$HOME/Musik/Klang/Rag 2.wav"
+cp "$HOME/Klang/Rag.wav" "$HOME/Klang/Rag 2.wav"
 
 # format FILE: what the console says of a file's format.
 format() { "$console" info --json "$1" | grep -A1 '"Format"' | grep -o '[0-9]* Hz.*"' || true; }
 # tile TITLE: clicks on the tiles of the filter bar until a window of that title opens, and prints its number.
 tile() {
   local dialog y
-  for y in $(seq 90 20 760); do
+  for y in $(seq 90 20 700); do
     click 100 "$y"
     sleep 0.3
     if dialog=$(shown "$1"); then
@@ -50,12 +50,9 @@ directory() {
   sleep 0.5
 }
 
+# The tree of the drive: "Klang", then "Musik".
 start_program
-click 320 128
-sleep 1
-keys Right
-sleep 1
-directory 148
+directory 128
 picture 1-directory
 
 # --- the wave converter: another format by its place in the list, then the run
@@ -70,8 +67,8 @@ picture 3-converted
 keys Return
 closed '^Ergebnisse der Wave-Konvertierung'
 for name in Rag 'Rag 2'; do
-  [ "$(format "$HOME/Musik/Klang/$name.cnv.wav")" = '8000 Hz (Samples per Sek), 16 Bits per Sample, Mono"' ] ||
-    fail "$name: $(format "$HOME/Musik/Klang/$name.cnv.wav")"
+  [ "$(format "$HOME/Klang/$name.cnv.wav")" = '8000 Hz (Samples per Sek), 16 Bits per Sample, Mono"' ] ||
+    fail "$name: $(format "$HOME/Klang/$name.cnv.wav")"
 done
 
 # --- properties, with what is measured
@@ -85,7 +82,7 @@ keys Escape
 closed '^Eigenschaften von'
 
 # --- the audio player: all four files, with the window, seeking and skipping
-directory 148
+directory 128
 player=$(tile '^Playback-Parameter') || fail "no tile opens the audio player"
 to_main
 keys ctrl+Return
@@ -110,7 +107,7 @@ keys Escape
 closed '^Playback-Parameter' || fail "the window of the player stays"
 
 # --- MIDI to wave and the MIDI player
-directory 128
+directory 148
 tile '^Midi-Wave-Parameter' >/dev/null || fail "no tile opens the MIDI-to-wave parameters"
 picture 8-midi-to-wave
 keys alt+f
@@ -129,7 +126,7 @@ keys Return
   fail "the wave file: $(format "$HOME/Musik/Maple Leaf Rag.wav")"
 [ "$(head -c 4 "$HOME/Musik/Gymnopédie Nr. 1.rdl")" = RDL3 ] || fail "the sequencer file was changed"
 
-directory 128
+directory 148
 player=$(tile '^Playback-Parameter') || fail "no tile opens the MIDI player"
 to_main
 keys ctrl+Return

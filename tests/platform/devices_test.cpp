@@ -159,7 +159,7 @@ TEST(DevicePaceTest, TellsADeviceThatHasGone) {
   EXPECT_FALSE(fresh.Alive()) << "runs away";
   DevicePace stopping(44100);
   stopping.Moved(512);
-  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  std::this_thread::sleep_for(std::chrono::milliseconds(5100));
   EXPECT_FALSE(stopping.Alive());
   stopping.Moved(512);
   EXPECT_TRUE(stopping.Alive());
