@@ -1,10 +1,11 @@
-// Score files: the information, every record of the body, and the engine over all of it.
+// Score files: the information, every record of the body, the engine over all of it and the melody search.
 #include <cstdint>
 #include <cstdlib>
 
 #include "midi/midi_file.h"
 #include "score/score_midi.h"
 #include "score/score_properties.h"
+#include "search/score_search.h"
 
 namespace {
 
@@ -25,6 +26,21 @@ class Balance : public ScoreSink {
   std::int64_t balance_ = 0;
 };
 
+// Two notes in any key: hits are told of where they can be.
+void SearchIn(ByteView file, const ScoreFileInfo& info) {
+  MelodyQuery query;
+  query.elements = {{60, 240}, {62, 240}};
+  query.options = {RhythmMode::Relative, Tolerance::None, PitchMode::Relative, false, true};
+  const HitSink sink = [&](const SearchHit& hit) {
+    const bool inside = hit.bar >= -1 && static_cast<std::uint32_t>(hit.lastSystem) < info.systems &&
+                        hit.firstSystem <= hit.lastSystem && hit.track >= 0 &&
+                        static_cast<std::size_t>(hit.track) < info.staves.size();
+    if (!inside) abort();
+    return Outcome::Success;
+  };
+  (void)SearchScoreImage(file, "x.stv", query, sink, {});
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -32,6 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto info = ReadScoreInfo(file);
   if (!info) return 0;
   (void)ScorePropertyRows(*info, {});
+  SearchIn(file, *info);
   PlaybackParameters parameters;
   const auto score = OpenAndScan(Bytes(file.begin(), file.end()), parameters);
   if (!score) return 0;

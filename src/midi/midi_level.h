@@ -24,6 +24,8 @@ class MidiLevel final : public MidiOutput {
   Outcome Send(std::uint32_t message) override;
   Outcome SendSystemExclusive(ByteView message) override;
   Outcome Reset() override;
+  [[nodiscard]] bool KeepsTime() const override { return device_->KeepsTime(); }
+  void Elapse(std::chrono::nanoseconds time) override { device_->Elapse(time); }
   [[nodiscard]] Outcome Close() override;
 
  private:

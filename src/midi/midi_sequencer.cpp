@@ -6,51 +6,12 @@ namespace ts5 {
 
 using std::chrono::nanoseconds;
 
-void MidiSequencer::Stop() {
-  const std::lock_guard lock(mutex_);
-  stop_ = true;
-  steered_.notify_all();
-}
-
-void MidiSequencer::Pause() {
-  const std::lock_guard lock(mutex_);
-  if (paused_) return;
-  located_ = Elapsed();
-  paused_ = true;
-  steered_.notify_all();
-}
-
-void MidiSequencer::Resume() {
-  const std::lock_guard lock(mutex_);
-  if (!paused_) return;
-  paused_ = false;
-  locatedAt_ = Clock::now();
-  steered_.notify_all();
-}
-
 void MidiSequencer::Seek(nanoseconds position) {
-  const std::lock_guard lock(mutex_);
-  seek_ = std::clamp(position, nanoseconds{0}, sequence_.Duration());
-  steered_.notify_all();
-}
-
-bool MidiSequencer::Paused() const {
-  const std::lock_guard lock(mutex_);
-  return paused_;
+  transport_.Seek(std::clamp(position, nanoseconds{0}, sequence_.Duration()));
 }
 
 nanoseconds MidiSequencer::Position() const {
-  const std::lock_guard lock(mutex_);
-  return std::min(seek_.value_or(Elapsed()), sequence_.Duration());
-}
-
-nanoseconds MidiSequencer::Elapsed() const {
-  return paused_ || !running_ ? located_ : located_ + (Clock::now() - locatedAt_);
-}
-
-void MidiSequencer::Locate(nanoseconds position) {
-  located_ = position;
-  locatedAt_ = Clock::now();
+  return std::min(transport_.Position(), sequence_.Duration());
 }
 
 Outcome MidiSequencer::Run(std::optional<nanoseconds> end) {
@@ -59,43 +20,35 @@ Outcome MidiSequencer::Run(std::optional<nanoseconds> end) {
   std::size_t next = 0;
   Outcome result = Outcome::Success;
 
-  std::unique_lock lock(mutex_);
-  running_ = true;
-  Locate(nanoseconds{0});
-  while (!stop_ && Succeeded(result)) {
-    if (seek_) {
-      const nanoseconds target = *seek_;
-      seek_.reset();
-      next = sequence_.FirstAt(target);
-      lock.unlock();
-      result = Silence();
-      if (Succeeded(result)) result = Chase(next);
-      lock.lock();
-      Locate(target);
-      continue;
-    }
-    if (paused_) {
-      lock.unlock();
-      result = Silence();
-      lock.lock();
-      steered_.wait(lock, [this] { return stop_ || !paused_ || seek_; });
-      continue;
-    }
+  transport_.Begin();
+  for (bool over = false; !over && Succeeded(result);) {
     const bool atEnd = next == messages.size() || (end && messages[next].time >= *end);
-    const nanoseconds due = atEnd ? last : messages[next].time;
-    if (Elapsed() < due) {
-      steered_.wait_until(lock, locatedAt_ + (due - located_));
-      continue;
+    switch (transport_.Await(atEnd ? last : messages[next].time)) {
+      case PlayTurn::Due:
+        if (atEnd) {
+          over = true;
+        } else {
+          result = SendMessage(messages[next++]);
+        }
+        break;
+      case PlayTurn::Pause:
+        result = Silence();
+        transport_.AwaitResume();
+        break;
+      case PlayTurn::Seek: {
+        const nanoseconds target = transport_.TakeSeek();
+        next = sequence_.FirstAt(target);
+        result = Silence();
+        if (Succeeded(result)) result = Chase(next);
+        transport_.Locate(target);
+        break;
+      }
+      case PlayTurn::Stop:
+        over = true;
+        break;
     }
-    if (atEnd) break;
-    lock.unlock();
-    result = SendMessage(messages[next++]);
-    lock.lock();
   }
-  located_ = std::min(Elapsed(), last);
-  running_ = false;
-  const bool stopped = stop_;
-  lock.unlock();
+  const bool stopped = transport_.End(std::min(transport_.Position(), last));
 
   const Outcome silenced = Silence();
   if (Failed(result)) return result;

@@ -4,19 +4,17 @@
 //   std::jthread thread([&] { result = sequencer.Run(); });
 //   sequencer.Seek(30s); sequencer.Pause(); sequencer.Resume(); sequencer.Stop();
 //
-// Times are kept against an absolute schedule, so that delays do not add up. A pause and a stop end what
-// sounds; a seek brings the device into the state that straight play would have left, but for the notes.
+// A pause and a stop end what sounds; a seek brings the device into the state that straight play would have
+// left, but for the notes.
 #pragma once
 
 #include <array>
-#include <atomic>
 #include <bitset>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 
 #include "midi/midi_sequence.h"
+#include "midi/play_transport.h"
 #include "platform/midi_out.h"
 #include "platform/outcome.h"
 
@@ -25,41 +23,30 @@ namespace ts5 {
 class MidiSequencer {
  public:
   // Both must outlive the sequencer.
-  MidiSequencer(const MidiSequence& sequence, MidiOutput& output) : sequence_(sequence), output_(output) {}
+  MidiSequencer(const MidiSequence& sequence, MidiOutput& output)
+      : sequence_(sequence), output_(output), transport_(output) {}
 
   // From the start, or where Seek has put it, to end (the whole sequence without one). Success when it has
   // come to the end, Cancelled after Stop, WriteFailed when the device has gone.
   [[nodiscard]] Outcome Run(std::optional<std::chrono::nanoseconds> end = {});
 
-  void Stop();
-  void Pause();
-  void Resume();
+  void Stop() { transport_.Stop(); }
+  void Pause() { transport_.Pause(); }
+  void Resume() { transport_.Resume(); }
   void Seek(std::chrono::nanoseconds position);  // before the end of the sequence; earlier than 0 is 0
 
-  [[nodiscard]] bool Paused() const;
+  [[nodiscard]] bool Paused() const { return transport_.Paused(); }
   [[nodiscard]] std::chrono::nanoseconds Position() const;
 
  private:
-  using Clock = std::chrono::steady_clock;
-
-  void Locate(std::chrono::nanoseconds position);  // the schedule is made anew from here
-  [[nodiscard]] std::chrono::nanoseconds Elapsed() const;
   Outcome SendMessage(const SequenceMessage& message);
   Outcome Chase(std::size_t next);
   Outcome Silence();
 
   const MidiSequence& sequence_;
   MidiOutput& output_;
+  PlayTransport transport_;
   std::array<std::bitset<128>, 16> sounding_;  // by channel and key; the running thread's own
-
-  mutable std::mutex mutex_;
-  std::condition_variable steered_;
-  bool stop_ = false;
-  bool paused_ = false;
-  std::optional<std::chrono::nanoseconds> seek_;
-  std::chrono::nanoseconds located_{};  // position at
-  Clock::time_point locatedAt_{};       // this time; without meaning while paused
-  bool running_ = false;
 };
 
 }  // namespace ts5

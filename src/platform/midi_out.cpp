@@ -3,12 +3,15 @@
 #include <rtmidi/RtMidi.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "platform/audio_out.h"
 #include "platform/quiet.h"
 #include "platform/synthesizer.h"
+#include "platform/wave_sink.h"
 
 namespace ts5 {
 namespace {
@@ -62,6 +65,76 @@ class SynthesizerOutput final : public MidiOutput {
  private:
   std::unique_ptr<Synthesizer> synthesizer_;
   std::unique_ptr<AudioOutput> audio_;  // dies first: it renders from the synthesiser
+};
+
+// Renders into a file as the music goes on. Where the music ends, it goes on until what still sounds has died
+// away.
+class SynthesizerFile final : public MidiOutput {
+ public:
+  static Result<std::unique_ptr<MidiOutput>> Open(const std::string& path) {
+    auto synthesizer = Synthesizer::Create(kSynthesizerRate);
+    if (!synthesizer) return Failure(synthesizer.error());
+    auto sink = WaveSink::Create(path, kSynthesizerRate, 2);
+    if (!sink) return Failure(sink.error());
+    return std::make_unique<SynthesizerFile>(*std::move(synthesizer), *std::move(sink));
+  }
+  SynthesizerFile(std::unique_ptr<Synthesizer> synthesizer, WaveSink sink)
+      : synthesizer_(std::move(synthesizer)), sink_(std::move(sink)) {}
+
+  Outcome Send(std::uint32_t message) override {
+    synthesizer_->ShortMessage(message);
+    return sink_.State();
+  }
+  Outcome SendSystemExclusive(ByteView message) override {
+    synthesizer_->SystemExclusive(message);
+    return sink_.State();
+  }
+  bool KeepsTime() const override { return true; }
+  void Elapse(std::chrono::nanoseconds time) override {
+    time_ += time;
+    const auto end = static_cast<std::uint64_t>(time_.count()) * kSynthesizerRate / 1'000'000'000;
+    while (frame_ < end && Succeeded(sink_.State()))
+      (void)Render(static_cast<std::size_t>(std::min<std::uint64_t>(end - frame_, kBlock)));
+  }
+  Outcome Reset() override {
+    RingOut();
+    return MidiOutput::Reset();
+  }
+  Outcome Close() override {
+    RingOut();
+    return sink_.Finish();
+  }
+
+ private:
+  static constexpr std::size_t kBlock = 1024;
+  static constexpr std::uint32_t kQuiet = kSynthesizerRate / 5;
+  static constexpr std::uint32_t kLongestDecay = kSynthesizerRate * 30;
+  static constexpr float kSilence = 0.5F / 32768;
+
+  // True when nothing is to be heard.
+  bool Render(std::size_t frames) {
+    const std::span<float> block = std::span(block_).first(frames * 2);
+    synthesizer_->Render(block);
+    sink_.Write(block);
+    frame_ += frames;
+    return std::ranges::all_of(block, [](float s) { return std::abs(s) < kSilence; });
+  }
+  void RingOut() {
+    for (std::uint8_t channel = 0; channel < kChannels; ++channel) {
+      for (const std::uint8_t controller : {kSustain, kAllNotesOff})
+        synthesizer_->ShortMessage(ShortMidiMessage(static_cast<std::uint8_t>(0xB0 | channel), controller));
+    }
+    const std::uint64_t start = frame_;
+    for (std::uint64_t quiet = 0; quiet < kQuiet && frame_ - start < kLongestDecay;)
+      quiet = Render(kBlock) ? quiet + kBlock : 0;
+    time_ = std::chrono::nanoseconds(frame_ * 1'000'000'000 / kSynthesizerRate);
+  }
+
+  std::unique_ptr<Synthesizer> synthesizer_;
+  WaveSink sink_;
+  std::chrono::nanoseconds time_{};
+  std::uint64_t frame_ = 0;  // that is rendered next
+  std::array<float, kBlock * 2> block_{};
 };
 
 // The error text is for the log of a developer; the caller learns of an error by the port that has gone.
@@ -170,6 +243,8 @@ Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device, std:
     if (names.empty()) return Failure(Outcome::TargetFailed);
     return OpenMidiOutput(names.front(), audioDevice);
   }
+  if (device.starts_with(kSynthesisPrefix))
+    return SynthesizerFile::Open(std::string(device.substr(kSynthesisPrefix.size())));
   if (device == kSynthesizerName) return SynthesizerOutput::Open(audioDevice);
   return OpenPort(device);
 }

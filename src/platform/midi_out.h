@@ -2,10 +2,12 @@
 //
 // A device is named as the user sees it in the device list. Index -1 is the mapper, which takes the first
 // device; then come the ports of the system (hardware and other programs) and, always last, the built-in
-// "Stavora-Synthesizer". "null" swallows everything. Recording devices that turn what they get into a file
+// "Stavora-Synthesizer". "null" swallows everything; "synth:FILE.wav" is the synthesiser writing a 16-bit
+// wave file in a time of its own, as fast as it can. Recording devices that turn what they get into a file
 // belong to the room that knows the file's format.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,6 +20,7 @@
 namespace ts5 {
 
 inline constexpr std::string_view kSynthesizerName = "Stavora-Synthesizer";
+inline constexpr std::string_view kSynthesisPrefix = "synth:";
 inline constexpr std::int32_t kMidiMapper = -1;
 
 // One channel message: the status byte in the low byte, then the first and the second data byte.
@@ -40,6 +43,10 @@ class MidiOutput {
   [[nodiscard]] virtual Outcome SendSystemExclusive(ByteView message) = 0;  // F0 to F7
   // Ends every sounding note and lets go of the pedals on all channels.
   virtual Outcome Reset();
+  // A device with a time of its own: what plays on it does not wait, but says how far the music goes on.
+  // What fails there is said by what is sent next, or by Close.
+  [[nodiscard]] virtual bool KeepsTime() const { return false; }
+  virtual void Elapse(std::chrono::nanoseconds /*time*/) {}
   // Ends the use of the device; a device that makes a file completes it (WriteFailed, TargetFailed). After
   // it nothing may be sent. Destroying an open device resets it.
   [[nodiscard]] virtual Outcome Close() { return Reset(); }
@@ -48,8 +55,9 @@ class MidiOutput {
 // The names of all MIDI output devices in the order of the device list, the mapper not among them.
 [[nodiscard]] std::vector<std::string> MidiOutputDevices();
 
-// By name, or "" for the mapper, or "null". audioDevice is where the built-in synthesiser sounds, as
-// OpenAudioOutput takes it. TargetFailed: no such device, or it is in use; SourceFailed: no sound font.
+// By name, or "" for the mapper, "null" or "synth:FILE". audioDevice is where the built-in synthesiser
+// sounds, as OpenAudioOutput takes it. TargetFailed: no such device, or it is in use; SourceFailed: no sound
+// font.
 [[nodiscard]] Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device,
                                                                  std::string_view audioDevice = {});
 

@@ -59,6 +59,17 @@ constexpr PlaybackField kFields[] = {
 
 }  // namespace
 
+ScoreParameters ScoreParameters::For(const std::string& score) const {
+  ScoreParameters own = *this;
+  if (chosenFor == score) return own;
+  own.chosenFor = score;
+  own.playback.channels.clear();
+  own.playback.sounds.clear();
+  own.silentStaves.clear();
+  own.parameterSet.clear();
+  return own;
+}
+
 std::span<const PlaybackField> PlaybackFields() {
   return kFields;
 }

@@ -1,4 +1,4 @@
-// The stored values of the playback parameters, which the score filters share.
+// What the score filters have in common: the parameters of the music, and their stored values.
 #pragma once
 
 #include <concepts>
@@ -6,11 +6,26 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/parameters.h"
 #include "score/playback_parameters.h"
 
 namespace ts5 {
+
+struct ScoreParameters {
+  PlaybackParameters playback;
+  bool playRepeats = true;
+  bool automaticSet = false;  // load the parameter set of the score's name
+
+  // For one score, and not kept with the job: its channels and sounds among the parameters, and these.
+  std::string chosenFor;           // the score's path
+  std::vector<bool> silentStaves;  // by staff layout; shorter: they sound
+  std::string parameterSet;        // path of the set in use, "" for none
+
+  // The parameters for a score: without what was chosen for another one.
+  [[nodiscard]] ScoreParameters For(const std::string& score) const;
+};
 
 struct PlaybackField {
   std::string_view name;
@@ -21,10 +36,9 @@ struct PlaybackField {
   void (*set)(PlaybackParameters&, int);
 };
 
-// Adds the rows of the playback parameters to the table of a filter whose parameters have a member
-// `playback`.
+// Adds the rows of what is kept to the table of a filter whose parameters are ScoreParameters.
 template <typename P>
-void AddPlaybackFields(FieldTable<P>& table);
+void AddScoreFields(FieldTable<P>& table);
 
 [[nodiscard]] std::span<const PlaybackField> PlaybackFields();
 
@@ -33,7 +47,8 @@ void AddPlaybackFields(FieldTable<P>& table);
 [[nodiscard]] bool SetDynamics(PlaybackParameters& parameters, std::string_view text);
 
 template <typename P>
-void AddPlaybackFields(FieldTable<P>& table) {
+void AddScoreFields(FieldTable<P>& table) {
+  table.Flag("PlayRepeats", static_cast<bool P::*>(&ScoreParameters::playRepeats));
   for (const PlaybackField& field : PlaybackFields()) {
     table.Single(
         std::string(field.name), std::to_string(field.least) + ".." + std::to_string(field.most),
@@ -48,6 +63,7 @@ void AddPlaybackFields(FieldTable<P>& table) {
   table.Single(
       "Dynamics", "8 x 0..127", [](const P& p) { return DynamicsText(p.playback); },
       [](P& p, std::string_view text) { return SetDynamics(p.playback, text); });
+  table.Flag("ParamSetAuto", static_cast<bool P::*>(&ScoreParameters::automaticSet));
 }
 
 }  // namespace ts5

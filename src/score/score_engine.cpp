@@ -52,8 +52,8 @@ std::uint32_t ScoreEngine::Tempo() const {
   return tempo == 0 ? kDefaultTempo : tempo;
 }
 
-std::uint32_t ScoreEngine::TicksPerBar() const {
-  return (kScoreTicksPerQuarter * 4 >> state_.time.power) * state_.time.numerator;
+std::uint32_t ScoreEngine::TicksPerBar(const ScoreTimeSignature& time) {
+  return (kScoreTicksPerQuarter * 4 >> time.power) * time.numerator;
 }
 
 std::uint8_t ScoreEngine::Channel(std::size_t layout, std::size_t voice) const {
@@ -114,14 +114,17 @@ Outcome ScoreEngine::Begin() {
   }
   if (sink_ != nullptr) {
     SetUp();
-    const std::int64_t steps = StepsFor(options_.leadIn);
-    Advance(static_cast<std::uint32_t>(steps));
     for (Staff& staff : state_.staves) {
-      for (Voice& voice : staff.voices) voice.time += steps * kScoreStep;
+      for (Voice& voice : staff.voices) voice.time += StepsFor(options_.leadIn) * kScoreStep;
     }
   }
+  // A repeat without a start goes back to where the lead-in has passed.
   snapshot_ = state_;
-  snapshot_.now = static_cast<std::int64_t>(ticks_);
+  if (sink_ != nullptr) {
+    const std::int64_t steps = StepsFor(options_.leadIn);
+    snapshot_.now = steps * kScoreStep;
+    PassBars(snapshot_, static_cast<std::uint32_t>(steps));
+  }
   return Outcome::Success;
 }
 
@@ -217,7 +220,7 @@ bool ScoreEngine::RunVoice(std::size_t layout, std::size_t index, bool first) {
 void ScoreEngine::NoteSignature(std::int64_t at) {
   if (sink_ != nullptr || signatureSeen_ || at <= 0) return;
   signatureSeen_ = true;
-  const std::int64_t bar = TicksPerBar();
+  const std::int64_t bar = TicksPerBar(state_.time);
   if (at < bar) foundLeadIn_ = static_cast<std::uint32_t>(bar - at);
 }
 
@@ -234,18 +237,23 @@ std::uint32_t ScoreEngine::IdleSteps(std::uint32_t most) const {
   return static_cast<std::uint32_t>(std::clamp<std::int64_t>(StepsFor(next - now), 1, most));
 }
 
+void ScoreEngine::PassBars(State& state, std::uint32_t steps) {
+  const std::uint32_t bar = TicksPerBar(state.time);
+  if (bar >= kScoreStep) {
+    const std::uint64_t within = state.barTick + std::uint64_t{steps} * kScoreStep;
+    state.bar += static_cast<std::uint32_t>(within / bar);
+    state.barTick = static_cast<std::uint32_t>(within % bar);
+  } else {
+    state.bar += steps;  // no more than one bar a step
+  }
+}
+
 void ScoreEngine::Advance(std::uint32_t steps) {
   const std::uint64_t ticks = std::uint64_t{steps} * kScoreStep;
   ticks_ += ticks;
   time_ += std::uint64_t{steps} * StepMilliseconds(Tempo()) * 10'000;
-  const std::uint32_t bar = TicksPerBar();
-  if (bar >= kScoreStep) {
-    const std::uint64_t within = state_.barTick + ticks;
-    state_.bar += static_cast<std::uint32_t>(within / bar);
-    state_.barTick = static_cast<std::uint32_t>(within % bar);
-  } else {
-    state_.bar += steps;  // no more than one bar a step
-  }
+  scoreTime_ += std::uint64_t{steps} * StepMilliseconds(state_.tempo) * 10'000;
+  PassBars(state_, steps);
   if (sink_ != nullptr && ticks > 0) sink_->Advance(ticks);
 }
 

@@ -86,7 +86,7 @@ class ScoreEngine {
   ScoreEngine(ByteView file, const ScoreFileInfo& info, const std::vector<std::uint8_t>& voices,
               const PlaybackParameters& parameters, ScoreOptions options, ScoreSink* sink);
 
-  [[nodiscard]] Outcome Begin();  // what comes before the first step, the lead-in included
+  [[nodiscard]] Outcome Begin();  // what comes before the first step
   // Interprets what is due, then goes on by steps of which only the first may have had anything to do: at
   // least one, at most so many. DamagedScore.
   [[nodiscard]] Outcome Step(std::uint32_t most = UINT32_MAX);
@@ -96,10 +96,13 @@ class ScoreEngine {
   [[nodiscard]] bool AtEnd() const { return atEnd_; }
   [[nodiscard]] std::uint64_t Ticks() const { return ticks_; }
   [[nodiscard]] std::uint64_t Time() const { return time_; }  // 100 ns
+  // The time that the score itself gives the place, whatever tempo is held.
+  [[nodiscard]] std::uint64_t ScoreTime() const { return scoreTime_; }  // 100 ns
   [[nodiscard]] std::uint32_t Tempo() const;
   [[nodiscard]] ScorePosition Position() const;
   [[nodiscard]] ScoreScan Scan() const;
   void HoldTempo(std::optional<std::uint32_t> tempo) { options_.tempo = tempo; }
+  void Silence(std::vector<bool> staves) { options_.silentStaves = std::move(staves); }
 
  private:
   struct Sounding {
@@ -169,7 +172,8 @@ class ScoreEngine {
   [[nodiscard]] std::uint32_t IdleSteps(std::uint32_t most) const;
   [[nodiscard]] int FirstKey() const;
   [[nodiscard]] std::uint8_t Channel(std::size_t layout, std::size_t voice) const;
-  [[nodiscard]] std::uint32_t TicksPerBar() const;
+  [[nodiscard]] static std::uint32_t TicksPerBar(const ScoreTimeSignature& time);
+  static void PassBars(State& state, std::uint32_t steps);
   [[nodiscard]] bool Holds() const { return pending_ != Pending::None && pending_ != Pending::Pass; }
   void RecordMarks(const NoteGroup& group);
 
@@ -185,6 +189,7 @@ class ScoreEngine {
   std::array<std::uint8_t, 16> volumes_{};  // last sent to each channel
   std::uint64_t ticks_ = 0;
   std::uint64_t time_ = 0;
+  std::uint64_t scoreTime_ = 0;
   bool atEnd_ = false;
   bool secondPass_ = false;
   bool endingSkipped_ = false;

@@ -7,15 +7,12 @@
 
 #include "frame/filter_module.h"
 #include "frame/remarks.h"
-#include "score/playback_parameters.h"
+#include "score/playback_fields.h"
 
 namespace ts5 {
 
-struct ScoreToMidiParameters : ClonableParameters<ScoreToMidiParameters> {
-  PlaybackParameters playback;
+struct ScoreToMidiParameters : ScoreParameters, ClonableParameters<ScoreToMidiParameters> {
   std::int32_t method = 0;  // 1 the score engine, any other value the conversion library
-  bool playRepeats = true;
-  bool automaticSet = false;  // load the parameter set of the score's name
   // of the conversion library
   bool lyrics = true;
   bool repeats = true;

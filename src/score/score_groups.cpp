@@ -48,7 +48,7 @@ void ReadLyrics(ScoreSource& in, ScoreGroup& group) {
       if (Has(verse.flags, 3)) verse.syllable = in.Blob();
       if (Has(verse.flags, 4)) verse.second = in.Blob();
     }
-    group.lyrics.push_back(verse);
+    if (group.lyrics.size() < kMaxVerses) group.lyrics.push_back(verse);
   }
 }
 

@@ -12,6 +12,7 @@
 namespace ts5 {
 
 inline constexpr std::size_t kMaxChordKeys = 32;  // further notes of a chord are not kept
+inline constexpr std::size_t kMaxVerses = 64;     // nor are further verses
 inline constexpr std::uint32_t kScoreTicksPerQuarter = 480;
 
 struct ScoreTimeSignature {
@@ -66,7 +67,7 @@ struct ScoreGroup {
   std::uint8_t articulation = 0;  // the code of the chord, else that of its texts
   bool tieFromBefore = false;
   bool tieOnward = false;
-  std::vector<LyricVerse> lyrics;
+  std::vector<LyricVerse> lyrics;  // at most kMaxVerses
   std::uint32_t noteCount = 0;
   std::vector<ScoreNote> notes;  // at most kMaxChordKeys
 };

@@ -1,10 +1,6 @@
-// The score engine: files worked out by hand, and one rule of the music at a time.
+// The score engine, one rule of the music at a time.
 #include <gmock/gmock.h>
 
-#include <map>
-#include <random>
-
-#include "platform/text.h"
 #include "score_log.h"
 #include "support/matchers.h"
 
@@ -14,58 +10,6 @@ namespace {
 using namespace test;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::int8_t kD = -6;
-constexpr std::int8_t kE = -5;
-constexpr std::int8_t kF = -4;
-
-ScoreItem With(ScoreItem item, DrawingItem drawing) {
-  item.drawings.push_back(std::move(drawing));
-  return item;
-}
-ScoreItem Flagged(ScoreItem item, std::uint8_t flags) {
-  item.group.flags = flags;
-  return item;
-}
-ScoreItem Grace(std::int8_t position, std::uint8_t form) {
-  ScoreItem item = Flagged(Quarter(position), kGroupZeroDuration | kGroupGrace);
-  item.group.graceForm = form;
-  return item;
-}
-ScoreItem Tied(ScoreItem item, bool before, bool onward) {
-  item.group.tieFromBefore = before;
-  item.group.tieOnward = onward;
-  return item;
-}
-
-std::string Hex(ByteView bytes) {
-  std::string text;
-  for (const std::uint8_t byte : bytes) text += Format("%02X ", byte);
-  return text;
-}
-
-TEST(ScoreMidiFile, IsExactToTheByte) {
-  PlaybackParameters parameters;
-  ScoreDocument document = OneVoice({ClefItem(0), KeyItem(-1), Quarter(), RestItem(1, 1), BarItem()}, 60);
-  document.staves.push_back(StaffNamed("leer"));
-  const auto score = OpenAndScan(WriteScore(document), parameters);
-  ASSERT_THAT(score, IsOk());
-  const auto midi = ScoreToMidi(*score, parameters, {});
-  ASSERT_THAT(midi, IsOk());
-  EXPECT_EQ(Hex(*midi),
-            "4D 54 68 64 00 00 00 06 00 01 00 02 01 E0 "
-            "4D 54 72 6B 00 00 00 1E "
-            "00 FF 51 03 0F 42 3F "     // 999 999 us
-            "00 FF 58 04 04 02 18 08 "  // 4/4
-            "00 FF 59 02 FF 00 "        // one flat
-            "8F 00 FF 30 00 "           // the bar line, 1920 ticks on
-            "00 FF 2F 00 "
-            "4D 54 72 6B 00 00 00 1A "
-            "00 C0 00 00 B0 07 64 00 FF 03 01 41 "
-            "00 90 41 5A "     // F by the key
-            "83 33 90 41 00 "  // 432 ticks, at the next step: 435
-            "8B 4D FF 2F 00 ");
-}
 
 TEST(ScoreTiming, CountsInSteps) {
   EXPECT_EQ(StepMilliseconds(120), 15U);
@@ -88,7 +32,7 @@ TEST(ScoreTiming, TempoOfASystemHoldsFromThere) {
   document.systems[1].tempo = 60;
   document.systems[1].staves[0].time = {3, 2};
   const Played played = Play(document);
-  EXPECT_THAT(test::With(played.lines, " FF 5"),
+  EXPECT_THAT(LinesWith(played.lines, " FF 5"),
               ElementsAre("480 0 FF 58 03 02 18 08", "480 0 FF 51 0F 42 3F"));
   EXPECT_THAT(Strikes(played), ElementsAre("0 3C", "480 3C"));
 }
@@ -159,7 +103,7 @@ TEST(Channels, AreCountedPastTheDrums) {
 
 std::vector<std::string> Volumes(VoiceItems items, const PlaybackParameters& parameters = {}) {
   std::vector<std::string> found;
-  for (const std::string& line : test::With(Play(OneVoice(std::move(items)), parameters).lines, " B0 07"))
+  for (const std::string& line : LinesWith(Play(OneVoice(std::move(items)), parameters).lines, " B0 07"))
     found.push_back(line.substr(0, line.find(' ')) + line.substr(line.size() - 3));
   return found;
 }
@@ -191,13 +135,13 @@ TEST(Dynamics, ReachAsFarAsTheScopeSays) {
   document.staves.push_back(StaffNamed("B"));
   document.systems[0].staves.push_back({1, {}, {{Quarter()}}});
   PlaybackParameters parameters;
-  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+  EXPECT_THAT(LinesWith(Play(document, parameters).lines, " 07 2C"),
               ElementsAre("0 1 B0 07 2C", "0 1 B1 07 2C"));
   parameters.markForAllStaves = true;
-  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+  EXPECT_THAT(LinesWith(Play(document, parameters).lines, " 07 2C"),
               ElementsAre("0 1 B0 07 2C", "0 1 B1 07 2C", "0 2 B2 07 2C"));
   parameters.markForAllVoices = false;
-  EXPECT_THAT(test::With(Play(document, parameters).lines, " 07 2C"),
+  EXPECT_THAT(LinesWith(Play(document, parameters).lines, " 07 2C"),
               ElementsAre("0 1 B0 07 2C", "0 2 B2 07 2C"));
 }
 
@@ -282,66 +226,6 @@ TEST(DamagedScores, EndTheRun) {
   VoiceItems items;
   for (int i = 0; i < 5000; ++i) items.insert(items.end(), {Quarter(), BarItem(3)});
   EXPECT_EQ(Play(OneVoice(items)).outcome, Outcome::DamagedScore);
-}
-
-ScoreItem RandomItem(std::mt19937& random, bool repeats) {
-  const auto below = [&random](unsigned n) { return static_cast<std::uint8_t>(random() % n); };
-  switch (below(12)) {
-    case 0:
-      return BarItem(repeats ? below(6) : 0);
-    case 1:
-      return RestItem(below(7), below(3));
-    case 2:
-      return KeyItem(below(15) - 7);
-    case 3:
-      return Grace(static_cast<std::int8_t>(below(20) - 10), below(3));
-    default:
-      break;
-  }
-  ScoreItem item = ChordItem(below(7), {}, below(2));
-  for (unsigned i = 0; i <= below(4); ++i)
-    item.group.notes.push_back(Note(static_cast<std::int8_t>(below(30) - 15)));
-  item.group.articulation = below(9);
-  item.group.tuplet.number = below(8) < 7 ? 0 : static_cast<std::uint8_t>(2 + below(6));
-  item.group.flags = below(20) == 0 ? kGroupZeroDuration : 0;
-  item = Tied(item, below(6) == 0, below(6) == 0);
-  if (below(8) == 0) item.drawings.push_back(HairpinDrawing(below(6), below(2) == 0));
-  if (below(8) == 0) item.drawings.push_back(TextDrawing(std::string(1, "fghijpqrsz{|"[below(12)])));
-  if (below(8) == 0) item.drawings.push_back(VoltaDrawing(static_cast<std::uint8_t>(1 + below(2))));
-  if (below(8) == 0) item.drawings.push_back(CurveDrawing(below(4)));
-  return item;
-}
-
-TEST(RandomScores, AreBalancedAndLastWhatTheScanSays) {
-  for (unsigned seed = 0; seed < 300; ++seed) {
-    std::mt19937 random(seed);
-    ScoreDocument document;
-    document.staves = {StaffNamed("A"), StaffNamed("B", 40)};
-    for (int s = 0; s < 3; ++s) {
-      SystemItems system;
-      for (std::uint8_t layout = 0; layout < 2; ++layout) {
-        StaffItems staff{layout, {}, {}};
-        for (int v = 0; v < 2; ++v) {
-          VoiceItems items;
-          for (int i = 0; i < 30; ++i) items.push_back(RandomItem(random, seed % 2 == 0));
-          staff.voices.push_back(std::move(items));
-        }
-        system.staves.push_back(std::move(staff));
-      }
-      document.systems.push_back(std::move(system));
-    }
-    const Played played = Play(document);
-    ASSERT_THAT(played.outcome, IsOk()) << seed;
-    EXPECT_EQ(played.ticks, played.scan.ticks) << seed;
-    std::map<std::string, int> sounding;
-    for (const std::string& line : test::With(played.lines, " 9")) {
-      if (line.find(" 9") + 8 != line.size() - 1 && line.find(" 9") + 9 != line.size()) continue;
-      const std::string key = line.substr(line.size() - 8, 5);
-      sounding[key] += line.compare(line.size() - 2, 2, "00") == 0 ? -1 : 1;
-      ASSERT_GE(sounding[key], 0) << seed << ": " << line;
-    }
-    for (const auto& [key, count] : sounding) EXPECT_EQ(count, 0) << seed << ": " << key;
-  }
 }
 
 }  // namespace

@@ -159,6 +159,48 @@ TEST(ScoreInfo, ShowsTheRowsOfTheCurrentFormat) {
   EXPECT_EQ(rows[5].value, "Querformat");
 }
 
+// Engine and all; what it makes of them does not matter, as long as it ends.
+void PlayBytes(Bytes file) {
+  PlaybackParameters parameters;
+  const auto score = OpenAndScan(std::move(file), parameters);
+  if (!score || score->scan.ticks > 1'000'000) return;
+  (void)ScoreToMidi(*score, parameters, {});
+}
+
+TEST(DamagedScores, ChangedAtAnyByteComeToAnEnd) {
+  ScoreDocument score = Sample();
+  ScoreItem rich = With(With(Quarter(), HairpinDrawing(3, false)), CurveDrawing(2));
+  rich.lyrics = {{"La", 0}, {"", 0}};
+  rich.group.tuplet = {3, false, false};
+  score.systems[0].staves[0].voices[0].push_back(rich);
+  score.systems[0].staves[0].voices[0].push_back(BarItem(5));
+  score.systems[0].staves[0].voices[0].push_back(WholeBarRest(2));
+  const Bytes file = WriteScore(score);
+  for (std::size_t at = 0; at < file.size(); ++at) {
+    for (const int value : {0x00, 0x01, 0x07, 0x7F, 0x80, 0xFE, 0xFF}) {
+      Bytes changed = file;
+      changed[at] = static_cast<std::uint8_t>(value);
+      PlayBytes(std::move(changed));
+    }
+    // Any count may promise gigabytes.
+    Bytes promising = file;
+    promising[at] = 0xFF;
+    promising.insert(promising.begin() + static_cast<std::ptrdiff_t>(at) + 1, 4, std::uint8_t{0xFF});
+    PlayBytes(std::move(promising));
+  }
+}
+
+TEST(DamagedScores, VersesWithoutEndAreNotKept) {
+  ByteWriter out;
+  for (const int byte : {1, 0, 0, 2, 0x40, 255, 0xFF, 0xFF, 0xFF, 0xFF})
+    out.U8(static_cast<std::uint8_t>(byte));
+  out.Fill(100'000, 0);
+  ScoreSource in(out.View());
+  const ScoreObject object = ReadObject(in);
+  EXPECT_FALSE(in.Ok());
+  EXPECT_EQ(object.group.lyrics.size(), kMaxVerses);
+}
+
 TEST(ScoreInfo, PromisesOfGigabytesCostNothing) {
   Bytes file = WriteScore(Sample());
   file.resize(8);

@@ -9,13 +9,36 @@
 
 namespace ts5::test {
 
-inline constexpr std::int8_t kMiddleC = -7;  // staff position in the treble clef
+// Staff positions in the treble clef.
+inline constexpr std::int8_t kMiddleC = -7;
+inline constexpr std::int8_t kD = -6;
+inline constexpr std::int8_t kE = -5;
+inline constexpr std::int8_t kF = -4;
 
 inline ScoreNote Note(std::int8_t position, std::int8_t accidental = 0) {
   return {position, accidental, 0};
 }
 inline ScoreItem Quarter(std::int8_t position = kMiddleC) {
   return ChordItem(2, {Note(position)});
+}
+
+inline ScoreItem With(ScoreItem item, DrawingItem drawing) {
+  item.drawings.push_back(std::move(drawing));
+  return item;
+}
+inline ScoreItem Flagged(ScoreItem item, std::uint8_t flags) {
+  item.group.flags = flags;
+  return item;
+}
+inline ScoreItem Grace(std::int8_t position, std::uint8_t form) {
+  ScoreItem item = Flagged(Quarter(position), kGroupZeroDuration | kGroupGrace);
+  item.group.graceForm = form;
+  return item;
+}
+inline ScoreItem Tied(ScoreItem item, bool before, bool onward) {
+  item.group.tieFromBefore = before;
+  item.group.tieOnward = onward;
+  return item;
 }
 
 inline StaffLayout StaffNamed(std::string name, std::int32_t sound = 0) {
@@ -97,7 +120,7 @@ inline Played Play(const ScoreDocument& document, PlaybackParameters parameters 
 }
 
 // The lines with this in them, e.g. " B0 07" for channel volumes.
-inline std::vector<std::string> With(const std::vector<std::string>& lines, std::string_view part) {
+inline std::vector<std::string> LinesWith(const std::vector<std::string>& lines, std::string_view part) {
   std::vector<std::string> found;
   for (const std::string& line : lines) {
     if (line.find(part) != std::string::npos) found.push_back(line);

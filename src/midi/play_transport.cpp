@@ -1,0 +1,118 @@
+#include "midi/play_transport.h"
+
+#include <algorithm>
+
+namespace ts5 {
+namespace {
+
+using std::chrono::nanoseconds;
+
+// So that a stop is seen while a device goes on in its own time.
+constexpr std::chrono::milliseconds kOwnTimeSlice{50};
+
+}  // namespace
+
+void PlayTransport::Stop() {
+  const std::lock_guard lock(mutex_);
+  stop_ = true;
+  steered_.notify_all();
+}
+
+void PlayTransport::Pause() {
+  const std::lock_guard lock(mutex_);
+  if (paused_) return;
+  located_ = Elapsed();
+  paused_ = true;
+  steered_.notify_all();
+}
+
+void PlayTransport::Resume() {
+  const std::lock_guard lock(mutex_);
+  if (!paused_) return;
+  paused_ = false;
+  locatedAt_ = Clock::now();
+  steered_.notify_all();
+}
+
+void PlayTransport::Seek(nanoseconds place) {
+  const std::lock_guard lock(mutex_);
+  seek_ = place;
+  steered_.notify_all();
+}
+
+bool PlayTransport::Paused() const {
+  const std::lock_guard lock(mutex_);
+  return paused_;
+}
+
+nanoseconds PlayTransport::Position() const {
+  const std::lock_guard lock(mutex_);
+  return seek_.value_or(Elapsed());
+}
+
+std::optional<nanoseconds> PlayTransport::Sought() const {
+  const std::lock_guard lock(mutex_);
+  return seek_;
+}
+
+void PlayTransport::Begin() {
+  const std::lock_guard lock(mutex_);
+  running_ = true;
+  SetPlace(nanoseconds{0});
+}
+
+bool PlayTransport::End(nanoseconds place) {
+  const std::lock_guard lock(mutex_);
+  running_ = false;
+  located_ = place;
+  return stop_;
+}
+
+PlayTurn PlayTransport::Await(nanoseconds due) {
+  std::unique_lock lock(mutex_);
+  while (true) {
+    if (stop_) return PlayTurn::Stop;
+    if (seek_) return PlayTurn::Seek;
+    if (paused_) return PlayTurn::Pause;
+    const nanoseconds left = due - Elapsed();
+    if (left <= nanoseconds{0}) return PlayTurn::Due;
+    if (output_.KeepsTime()) {
+      const nanoseconds slice = std::min<nanoseconds>(left, kOwnTimeSlice);
+      lock.unlock();
+      output_.Elapse(slice);
+      lock.lock();
+      located_ += slice;
+    } else {
+      steered_.wait_until(lock, locatedAt_ + (due - located_));
+    }
+  }
+}
+
+void PlayTransport::AwaitResume() {
+  std::unique_lock lock(mutex_);
+  steered_.wait(lock, [this] { return stop_ || !paused_ || seek_; });
+}
+
+nanoseconds PlayTransport::TakeSeek() {
+  const std::lock_guard lock(mutex_);
+  const nanoseconds place = seek_.value_or(nanoseconds{0});
+  seek_.reset();
+  return place;
+}
+
+void PlayTransport::Locate(nanoseconds place) {
+  const std::lock_guard lock(mutex_);
+  SetPlace(place);
+}
+
+nanoseconds PlayTransport::Elapsed() const {
+  if (paused_ || !running_ || output_.KeepsTime()) return located_;
+  return located_ + (Clock::now() - locatedAt_);
+}
+
+void PlayTransport::SetPlace(nanoseconds place) {
+  located_ = place;
+  locatedAt_ = Clock::now();
+}
+
+}  // namespace ts5

@@ -1,0 +1,109 @@
+#include "score/score_player.h"
+
+#include <memory>
+#include <utility>
+
+#include "frame/player_run.h"
+#include "frame/run.h"
+#include "midi/player_output.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+#include "platform/thread_priority.h"
+#include "score/score_filter.h"
+#include "score/score_midi.h"
+#include "score/score_performer.h"
+#include "score/score_stage.h"
+
+namespace ts5 {
+namespace {
+
+using std::chrono::nanoseconds;
+
+class ScoreTitle final : public PlayedTitle {
+ public:
+  ScoreTitle(OpenScore score, bool repeats, ScoreStage& stage, MidiOutput& output)
+      : score_(std::move(score)), performer_(score_, repeats, stage, output) {}
+
+  Outcome Play(nanoseconds end) override {
+    HurryThisThread();
+    // A tempo that the user holds makes the title longer or shorter than it is.
+    return end < Duration() ? performer_.Run(end) : performer_.Run();
+  }
+  void Stop() override { performer_.Stop(); }
+  void Pause() override { performer_.Pause(); }
+  void Resume() override { performer_.Resume(); }
+  void Seek(nanoseconds position) override { performer_.Seek(position); }
+  nanoseconds Position() const override { return performer_.Position(); }
+  nanoseconds Duration() const override { return performer_.Duration(); }
+  std::optional<BarBeat> Place() const override { return performer_.Place(); }
+
+ private:
+  OpenScore score_;
+  ScorePerformer performer_;
+};
+
+class ScoreDevice final : public PlayerDevice {
+ public:
+  ScoreDevice(Run& run, std::unique_ptr<MidiLevel> output)
+      : run_(run),
+        output_(std::move(output)),
+        stage_(std::make_shared<ScoreStage>(run.Parameters<ScorePlayerParameters>())) {
+    run_.Player().SetStage(stage_);
+  }
+
+  Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
+    // A title begins on a device that stands as if nothing had been played before.
+    if (begun_) {
+      if (const Outcome reset = output_->Reset(); Failed(reset)) return Failure(reset);
+    }
+    begun_ = true;
+    run_.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(source)));
+    ScoreParameters parameters = stage_->Base().For(source);
+    auto score = OpenAndScan(source, parameters.playback, parameters.playRepeats);
+    if (!score) return Failure(score.error());
+    if (Failed(LoadAutomaticSet(run_.GetSettings().playbackParameterDirectory, source, score->voices,
+                                parameters)))
+      run_.Notice(Text(TextId::ParameterSetNotLoaded));
+    if (score->scan.time == 0) return Failure(Outcome::NoPlayingTime);
+    const bool repeats = parameters.playRepeats;
+    stage_->Open(std::make_shared<ScoreAtHand>(DescribeScore(source, *score)), std::move(parameters));
+    run_.StatusText(Format(Text(TextId::PlayerNowPlaying), FileNameOf(source)));
+    return std::make_unique<ScoreTitle>(*std::move(score), repeats, *stage_, *output_);
+  }
+  void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
+  Outcome Close() override {
+    run_.Player().SetStage(nullptr);
+    return output_->Close();
+  }
+
+ private:
+  Run& run_;
+  std::unique_ptr<MidiLevel> output_;
+  std::shared_ptr<ScoreStage> stage_;
+  bool begun_ = false;
+};
+
+Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
+  auto output = OpenPlayerOutput(run);
+  if (!output) return Failure(Outcome::MidiDeviceFailed);
+  return std::make_unique<ScoreDevice>(run, *std::move(output));
+}
+
+}  // namespace
+
+FilterModule ScorePlayerModule() {
+  FilterModule module;
+  module.id = FilterId::ScorePlayer;
+  module.create = [] { return std::make_unique<ScorePlayerParameters>(); };
+  FieldTable<ScorePlayerParameters> table;
+  AddPlayerFields(table);
+  AddScoreFields(table);
+  module.fields = table.Build();
+  module.run = [](Run& run) {
+    RunPlayer(run, run.Parameters<ScorePlayerParameters>(), {.open = OpenDevice, .remarks = ScoreRemarks()});
+  };
+  module.midiDevice = [](const Job& job) { return std::optional(PlayerDeviceIndex(job)); };
+  return module;
+}
+
+}  // namespace ts5

@@ -1,0 +1,389 @@
+// The score player: what a device gets is what the converter writes, from the start, from any other place,
+// and whatever the user does meanwhile.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <tuple>
+
+#include "frame/run_support.h"
+#include "midi/midi_sequence.h"
+#include "platform/paths.h"
+#include "score/parameter_set.h"
+#include "score/score_performer.h"
+#include "score/score_player.h"
+#include "score_log.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace test;
+using std::chrono::nanoseconds;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string> DemoScores() {
+  std::vector<std::string> scores;
+  for (const auto& file : std::filesystem::directory_iterator(DataPath("../../demo"))) {
+    if (file.path().extension() == ".stv") scores.push_back(file.path().string());
+  }
+  return scores;
+}
+
+// A device whose time goes on as fast as the player says; what happens at each of its events is up to a test.
+class TimedDevice final : public MidiOutput {
+ public:
+  struct Event {
+    nanoseconds time;
+    std::uint32_t message;
+    auto operator<=>(const Event&) const = default;
+  };
+  Outcome Send(std::uint32_t message) override {
+    if (events.size() == failsAt) return Outcome::WriteFailed;
+    events.push_back({now, message});
+    if (onEvent) onEvent(events.size());
+    return Outcome::Success;
+  }
+  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
+  bool KeepsTime() const override { return true; }
+  void Elapse(nanoseconds time) override {
+    now += time;
+    if (onTime) onTime(now);
+  }
+
+  // Strikes that were not released, by channel and key.
+  [[nodiscard]] int Sounding() const {
+    std::map<std::uint32_t, int> keys;
+    for (const Event& event : events) {
+      if ((event.message & 0xF0) == 0x90) keys[event.message & 0xFFFF] += event.message >> 16 != 0 ? 1 : -1;
+    }
+    return static_cast<int>(std::ranges::count_if(keys, [](const auto& key) { return key.second != 0; }));
+  }
+
+  std::vector<Event> events;
+  nanoseconds now{};
+  std::size_t failsAt = SIZE_MAX;
+  std::function<void(std::size_t)> onEvent;
+  std::function<void(nanoseconds)> onTime;
+};
+
+// A score on that device.
+struct Stand {
+  explicit Stand(Bytes file, const ScoreParameters& chosen = {}) : stage(chosen) { Open(std::move(file)); }
+
+  void Open(Bytes file) {
+    ScoreParameters parameters = stage.Parameters();
+    auto opened = OpenAndScan(std::move(file), parameters.playback, parameters.playRepeats);
+    ASSERT_THAT(opened, IsOk());
+    score = *std::move(opened);
+    stage.Open(std::make_shared<ScoreAtHand>(DescribeScore("", score)), parameters);
+    performer = std::make_unique<ScorePerformer>(score, parameters.playRepeats, stage, device);
+  }
+  // Where in the score the device's times lie, at the score's own tempo.
+  [[nodiscard]] std::map<nanoseconds, std::uint64_t> Ticks() const {
+    LogSink silent;
+    ScoreOptions options;
+    options.leadIn = score.scan.leadIn;
+    const PlaybackParameters parameters = stage.Parameters().playback;
+    ScoreEngine engine(score.file, score.info, score.voices, parameters, options, &silent);
+    std::map<nanoseconds, std::uint64_t> ticks{{0ns, 0}};
+    for (Outcome outcome = engine.Begin(); Succeeded(outcome) && !engine.AtEnd(); outcome = engine.Step(1))
+      ticks[nanoseconds(static_cast<std::int64_t>(engine.Time()) * 100)] = engine.Ticks();
+    return ticks;
+  }
+
+  ScoreStage stage;
+  OpenScore score;
+  TimedDevice device;
+  std::unique_ptr<ScorePerformer> performer;
+};
+
+Bytes FileOf(const std::string& path) {
+  const std::string content = test::Content(path);
+  const ByteView bytes = AsBytes(content);
+  return {bytes.begin(), bytes.end()};
+}
+
+// Within a tick each channel keeps its order; that of the channels to each other is not heard.
+using TickedEvents = std::vector<std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>>;
+void SortByChannel(TickedEvents& events) {
+  std::ranges::stable_sort(
+      events, {}, [](const auto& event) { return std::pair(std::get<0>(event), std::get<1>(event)); });
+}
+
+TEST(ScorePlayer, TheDeviceGetsEveryEventThatTheConverterWrites) {
+  const auto scores = DemoScores();
+  ASSERT_GE(scores.size(), 4U);
+  for (const std::string& path : scores) {
+    Stand stand(FileOf(path));
+    const auto midi = ScoreToMidi(stand.score, stand.stage.Parameters().playback, {});
+    ASSERT_THAT(midi, IsOk()) << path;
+    const auto file = MidiSequence::FromFile(*midi);
+    ASSERT_THAT(file, IsOk()) << path;
+    TickedEvents written;
+    for (const SequenceMessage& message : file->Messages())
+      written.emplace_back(message.tick, message.message & 0x0F, message.message);
+
+    EXPECT_THAT(stand.performer->Run(), IsOk()) << path;
+    const auto ticks = stand.Ticks();
+    TickedEvents sent;
+    for (const auto& [time, message] : stand.device.events) {
+      const auto tick = ticks.find(time);
+      ASSERT_NE(tick, ticks.end()) << path << " at " << time.count();
+      sent.emplace_back(tick->second, message & 0x0F, message);
+    }
+    SortByChannel(written);
+    SortByChannel(sent);
+    EXPECT_TRUE(sent == written) << path;
+    EXPECT_EQ(stand.performer->Position(), stand.performer->Duration()) << path;
+  }
+}
+
+TEST(ScorePlayer, ASeekSoundsAsStraightPlayDoesFromThere) {
+  for (const std::string& path : DemoScores()) {
+    Stand straight(FileOf(path));
+    EXPECT_THAT(straight.performer->Run(), IsOk());
+    for (const int percent : {1, 30, 50, 77, 99}) {
+      Stand sought(FileOf(path));
+      sought.performer->Seek(sought.performer->Duration() * percent / 100);
+      EXPECT_THAT(sought.performer->Run(), IsOk());
+      const nanoseconds start = straight.device.now - sought.device.now;
+
+      std::map<std::uint32_t, std::uint32_t> state;  // programs and volumes
+      std::map<std::uint32_t, int> before;           // what sounds there
+      std::vector<TimedDevice::Event> rest;
+      for (const auto& [time, message] : straight.device.events) {
+        const bool note = (message & 0xF0) == 0x90;
+        if (time < start) {
+          if (note) {
+            before[message & 0xFFFF] += message >> 16 != 0 ? 1 : -1;
+          } else {
+            state[message & 0xFF] = message;
+          }
+        } else if (!note || message >> 16 != 0 || before[message & 0xFFFF]-- <= 0) {
+          rest.push_back({time - start, message});
+        }
+      }
+      std::map<std::uint32_t, std::uint32_t> chased;
+      std::size_t chases = 0;
+      for (; chases < state.size() && chases < sought.device.events.size(); ++chases)
+        chased[sought.device.events[chases].message & 0xFF] = sought.device.events[chases].message;
+      EXPECT_EQ(chased, state) << path << ' ' << percent;
+      sought.device.events.erase(sought.device.events.begin(),
+                                 sought.device.events.begin() + static_cast<std::ptrdiff_t>(chases));
+      EXPECT_TRUE(sought.device.events == rest) << path << ' ' << percent;
+    }
+  }
+}
+
+// Two staves, the first with two voices: eight bars of quarters.
+ScoreDocument TwoStaves() {
+  ScoreDocument score;
+  score.staves = {StaffNamed("Flöte", 73), StaffNamed("Horn", 60)};
+  VoiceItems items;
+  for (int bar = 0; bar < 8; ++bar) {
+    for (int i = 0; i < 4; ++i) items.push_back(Quarter());
+    items.push_back(BarItem());
+  }
+  SystemItems system;
+  system.tempo = 120;
+  system.staves = {{0, {}, {items, items}}, {1, {}, {items}}};
+  score.systems.push_back(system);
+  return score;
+}
+
+TEST(ScorePlayer, WhatTheUserChangesIsHeardAtTheNextStep) {
+  Stand stand(WriteScore(TwoStaves()));
+  const ScoreAtHand at = DescribeScore("", stand.score);
+  int stage = 0;
+  std::vector<std::size_t> marks;
+  BarBeat place;
+  std::vector<bool> lit;
+  stand.device.onTime = [&](nanoseconds now) {
+    const auto reach = [&](nanoseconds time) { return now >= time && marks.size() == std::size_t(stage); };
+    ScoreParameters parameters = stand.stage.Parameters();
+    if (stage == 0 && reach(1s)) {
+      place = stand.performer->Place();
+      lit = stand.stage.Look().sounding;
+      ChooseSound(at, parameters, 0, 40);
+      stand.stage.SetParameters(parameters);
+    } else if (stage == 1 && reach(2s)) {
+      ChooseChannel(at, parameters, 1, 0, 12);
+      stand.stage.SetParameters(parameters);
+    } else if (stage == 2 && reach(3s)) {
+      parameters.silentStaves = {true, false};
+      stand.stage.SetParameters(parameters);
+    } else if (stage == 3 && reach(4s)) {
+      stand.stage.HoldTempo(240);
+    } else {
+      return;
+    }
+    ++stage;
+    marks.push_back(stand.device.events.size());
+  };
+  EXPECT_THAT(stand.performer->Run(), IsOk());
+  ASSERT_EQ(marks.size(), 4U);
+  EXPECT_EQ(place, (BarBeat{1, 3}));
+  EXPECT_THAT(lit, ElementsAre(true, true));
+  const auto& events = stand.device.events;
+  EXPECT_EQ(events[marks[0]].message, 0x28C0U) << "the new sound on the channels of both voices";
+  EXPECT_EQ(events[marks[0] + 1].message, 0x28C1U);
+  EXPECT_EQ(events[marks[1]].message, 0x3CCCU) << "a new channel takes sound and volume along";
+  EXPECT_EQ(events[marks[1] + 1].message, 0x6407BCU);
+  EXPECT_TRUE(
+      std::all_of(events.begin() + static_cast<std::ptrdiff_t>(marks[2]), events.end(),
+                  [](const auto& event) { return (event.message & 0x0F) == 12 || event.message >> 16 == 0; }))
+      << "a silent staff strikes nothing";
+  // 32 quarters of 480 ms; what is left after 4 s goes on with steps of 7 ms for 15.
+  const nanoseconds expected = 4s + (32 * 480ms - 4s) * 7 / 15;
+  EXPECT_LT(std::chrono::abs(stand.device.now - expected), 20ms);
+  EXPECT_EQ(stand.performer->Position(), stand.performer->Duration());
+  EXPECT_EQ(stand.device.Sounding(), 0);
+}
+
+TEST(ScorePlayer, APauseEndsWhatSoundsAndMusicGoesOnBehindIt) {
+  Stand stand(WriteScore(TwoStaves()));
+  int sounding = -1;
+  bool paused = false;
+  std::jthread user;
+  stand.device.onTime = [&](nanoseconds now) {
+    if (paused || now < 1200ms) return;
+    paused = true;
+    stand.performer->Pause();
+    user = std::jthread([&] {
+      std::this_thread::sleep_for(50ms);
+      sounding = stand.device.Sounding();
+      stand.performer->Resume();
+    });
+  };
+  EXPECT_THAT(stand.performer->Run(), IsOk());
+  EXPECT_EQ(sounding, 0);
+  EXPECT_EQ(stand.device.Sounding(), 0);
+  EXPECT_EQ(stand.device.now, stand.performer->Duration());
+}
+
+TEST(ScorePlayer, StopsAtEveryEventAndLeavesNoNoteSounding) {
+  std::size_t whole = 0;
+  for (std::size_t at = 0; at == 0 || at <= whole; at += 7) {
+    Stand stand(WriteScore(TwoStaves()));
+    stand.device.onEvent = [&](std::size_t events) {
+      if (events == at) stand.performer->Stop();
+    };
+    const Outcome outcome = stand.performer->Run();
+    if (at == 0) {
+      whole = stand.device.events.size();
+      ASSERT_GT(whole, 190U);
+    } else if (at < whole) {
+      EXPECT_EQ(outcome, Outcome::Cancelled) << at;
+    }
+    EXPECT_EQ(stand.device.Sounding(), 0) << at;
+  }
+}
+
+TEST(ScorePlayer, ADeviceThatGoesAwayEndsTheTitle) {
+  for (const std::size_t at : {0U, 1U, 5U, 100U}) {
+    Stand stand(WriteScore(TwoStaves()));
+    stand.device.failsAt = at;
+    EXPECT_EQ(stand.performer->Run(), Outcome::WriteFailed) << at;
+    EXPECT_LE(stand.device.now, 10s) << at;
+  }
+}
+
+TEST(ScorePlayer, TemposOfAllKindsComeToTheirEnd) {
+  for (const auto& [tempo, step] : std::map<std::uint32_t, std::uint32_t>{{1, 1874}, {0, 15}, {1800, 1}}) {
+    Stand stand(WriteScore(OneVoice({Quarter(), Quarter()}, tempo)));
+    EXPECT_THAT(stand.performer->Run(), IsOk()) << tempo;
+    EXPECT_EQ(stand.device.now, std::chrono::milliseconds(64 * step)) << tempo;
+  }
+}
+
+class ScorePlayerRun : public testing::Test {
+ protected:
+  RunResult Play(const std::vector<std::string>& files, const ScorePlayerParameters& parameters,
+                 const std::string& device) {
+    Job job = ListJob(files, module_);
+    job.parameters = ParametersValue(std::make_unique<ScorePlayerParameters>(parameters));
+    RunSetup setup;
+    setup.job = job;
+    setup.devices.output = device;
+    setup.settings.playbackParameterDirectory = folder_.Path();
+    ts5::Run run(std::move(setup), module_, job.run.Shared(), host_);
+    module_.run(run);
+    run.Finish();
+    return host_->results.back();
+  }
+  std::string Score(const std::string& name, const ScoreDocument& document) {
+    return folder_.Write(name, AsText(WriteScore(document)));
+  }
+
+  test::TemporaryDirectory folder_;
+  FilterModule module_ = ScorePlayerModule();
+  std::shared_ptr<RecordingHost> host_ = std::make_shared<RecordingHost>();
+};
+
+TEST_F(ScorePlayerRun, WritesTheSynthesisedSoundFasterThanItPlays) {
+  const std::string wave = folder_.File("klang.wav");
+  const RunResult result = Play({Score("a.stv", TwoStaves())}, {}, "synth:" + wave);
+  EXPECT_EQ(result.lines[1].count, 1U);
+  // 32 quarters of 480 ms, 44100 frames of 4 bytes, and the decay.
+  const auto size = std::filesystem::file_size(wave);
+  EXPECT_GT(size, 32U * 480 * 441 * 4 / 10);
+  EXPECT_LT(size, 32U * 480 * 441 * 4 / 10 + 44100U * 4 * 20);
+}
+
+TEST_F(ScorePlayerRun, SaysOfEachScoreWhyItCouldNotBePlayed) {
+  const std::vector<std::string> files = {folder_.Write("keine.stv", "MThd"), folder_.File("fehlt.stv"),
+                                          Score("rast.stv", OneVoice({Quarter()}, 65535)),
+                                          Score("leer.stv", OneVoice({})),
+                                          Score("gut.stv", OneVoice({Quarter(), Quarter()}))};
+  const RunResult result = Play(files, {}, "null");
+  std::vector<std::int32_t> codes;
+  for (const RunItem& item : result.items) codes.push_back(item.code);
+  EXPECT_THAT(codes, ElementsAre(-104, -300, -12, -12, 0));
+  EXPECT_THAT((std::vector{result.lines[0].count, result.lines[1].count, result.lines[2].count}),
+              ElementsAre(1, 1, 4));
+  EXPECT_EQ(result.title, "Stavora-Playback beendet");
+  EXPECT_FALSE(result.show);
+  EXPECT_THAT(result.remarks, testing::Contains("Die Spielzeit der Quelldatei beträgt 0 Sekunden."));
+
+  const RunResult none = Play(files, {}, "gibt es nicht");
+  EXPECT_EQ(none.items.at(0).code, -602);
+  EXPECT_THAT(none.remarks, testing::Contains("Das Midi-Gerät konnte nicht initialisiert werden."));
+}
+
+TEST_F(ScorePlayerRun, TakesTheParameterSetOfTheScoresNameAndGoesOnWithoutADamagedOne) {
+  const std::string path = Score("lied.stv", TwoStaves());
+  PlaybackParameters quiet;
+  quiet.baseVelocity = 33;
+  ASSERT_THAT(SaveParameterSet(quiet, {2, 1}, folder_.File("lied.sps")), IsOk());
+  ScorePlayerParameters parameters;
+  parameters.automaticSet = true;
+  parameters.shortPlay = true;
+  parameters.shortSeconds = 1;
+  const std::string capture = folder_.File("mitschnitt.mid");
+  const auto loudest = [&] {
+    (void)Play({path}, parameters, "capture:" + capture);
+    const std::string content = test::Content(capture);
+    const auto played = MidiSequence::FromFile(AsBytes(content));
+    std::uint32_t velocity = 0;
+    for (const SequenceMessage& message : played->Messages()) {
+      if (message.IsNoteOn()) velocity = std::max(velocity, message.message >> 16 & 0x7F);
+    }
+    return velocity;
+  };
+  EXPECT_EQ(loudest(), 33U);
+  std::string set = test::Content(folder_.File("lied.sps"));
+  set.erase(set.find("Dynamic mf"), 13);
+  folder_.Write("lied.sps", set);
+  EXPECT_EQ(loudest(), 33U) << "what was read before the hole stays in force";
+  folder_.Write("lied.sps", "[nichts]\r\n");
+  EXPECT_EQ(loudest(), 90U);
+}
+
+}  // namespace
+}  // namespace ts5
