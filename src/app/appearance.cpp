@@ -32,7 +32,7 @@ struct Scheme {
   const char* text;        // writing
   const char* muted;       // writing of less weight
   const char* disabled;    // writing of what cannot be used now
-  const char* accent;      // the one accent: focus, selection, progress
+  const char* accent;      // the one accent: focus and selection; paler: progress
   const char* onAccent;    // writing on the accent
   const char* accentSoft;  // ground of what is current
   const char* explanation;
@@ -92,6 +92,17 @@ QPalette PaletteOf(const Scheme& scheme) {
   return palette;
 }
 
+// The ground of what is done in a progress bar: the accent, but pale, so that writing stands on it as well as
+// beside it.
+QString ProgressColour(const Scheme& scheme) {
+  const QColor accent(scheme.accent);
+  const QColor window(scheme.window);
+  const auto pale = [](int strong, int ground) { return (2 * strong + 3 * ground) / 5; };
+  return QColor(pale(accent.red(), window.red()), pale(accent.green(), window.green()),
+                pale(accent.blue(), window.blue()))
+      .name();
+}
+
 }  // namespace
 
 QString StyleSheet(SkinLayout layout, bool dark) {
@@ -101,7 +112,7 @@ QString StyleSheet(SkinLayout layout, bool dark) {
   QString sheet = QString::fromUtf8(file.readAll());
   const Scheme& scheme = SchemeOf(layout, dark);
   // Longer names before those that they begin with.
-  const std::array<std::pair<const char*, const char*>, 17> colours{{
+  const std::array<std::pair<const char*, QString>, 18> colours{{
       {"@accent-soft", scheme.accentSoft},
       {"@on-accent", scheme.onAccent},
       {"@accent", scheme.accent},
@@ -111,6 +122,7 @@ QString StyleSheet(SkinLayout layout, bool dark) {
       {"@raised", scheme.raised},
       {"@hover", scheme.hover},
       {"@pressed", scheme.pressed},
+      {"@progress", ProgressColour(scheme)},
       {"@line", scheme.line},
       {"@edge", scheme.edge},
       {"@text", scheme.text},
@@ -120,7 +132,7 @@ QString StyleSheet(SkinLayout layout, bool dark) {
       {"@warning", scheme.warning},
       {"@scheme", dark ? "dark" : "light"},
   }};
-  for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), QLatin1String(colour));
+  for (const auto& [name, colour] : colours) sheet.replace(QLatin1String(name), colour);
   return sheet;
 }
 

@@ -20,9 +20,6 @@
 namespace ts5 {
 namespace {
 
-// More files than this are not dragged out at once: other programs choke on them.
-constexpr std::size_t kMostDragged = 10'000;
-
 // Reports the end of an editing, and selects the name without its extension at the beginning.
 class LabelDelegate : public QStyledItemDelegate {
  public:
@@ -159,7 +156,6 @@ bool FileView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
 QMimeData* FileView::SelectedFiles() const {
   QList<QUrl> urls;
   for (const std::size_t row : SelectedRows()) {
-    if (urls.size() == static_cast<qsizetype>(kMostDragged)) break;
     const FileListEntry& entry = model_->At(row);
     if (!entry.cdTrack) urls.append(QUrl::fromLocalFile(ToQt(entry.path)));
   }

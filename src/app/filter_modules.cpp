@@ -9,6 +9,7 @@
 #include "midi/midi_converter.h"
 #include "midi/midi_player.h"
 #include "score/score_filter.h"
+#include "score/score_player.h"
 #include "search/search_run.h"
 
 namespace ts5 {
@@ -26,6 +27,7 @@ const std::vector<FilterModule>& Table() {
     modules.push_back(ScoreSearchModule());
     modules.push_back(MidiSearchModule());
     modules.push_back(WaveConverterModule());
+    modules.push_back(ScorePlayerModule());
     std::ranges::sort(modules, {}, &FilterModule::id);
     return modules;
   }();

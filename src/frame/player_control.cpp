@@ -82,6 +82,16 @@ PlayerSound PlayerControl::Sound() const {
   return sound_;
 }
 
+std::shared_ptr<PlayerStage> PlayerControl::Stage() const {
+  const std::lock_guard lock(mutex_);
+  return stage_;
+}
+
+void PlayerControl::SetStage(std::shared_ptr<PlayerStage> stage) {
+  const std::lock_guard lock(mutex_);
+  stage_ = std::move(stage);
+}
+
 void PlayerControl::Report(PlayerStatus status) {
   const std::lock_guard lock(mutex_);
   status_ = std::move(status);

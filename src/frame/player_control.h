@@ -51,6 +51,12 @@ struct PlayerOrders {
   bool sound = false;  // volume or balance has changed
 };
 
+// What a player of one kind shares with the pages of its own in the window, for as long as it plays.
+class PlayerStage {
+ public:
+  virtual ~PlayerStage() = default;
+};
+
 class PlayerControl {
  public:
   // --- the window's side
@@ -60,6 +66,8 @@ class PlayerControl {
   void Move(std::chrono::nanoseconds by);  // from where it is, or where it is sent already
   void SetSound(PlayerSound sound);
   [[nodiscard]] PlayerStatus Status() const;
+  // nullptr while nothing plays, and for players without one.
+  [[nodiscard]] std::shared_ptr<PlayerStage> Stage() const;
   // Fed by players that have samples.
   [[nodiscard]] LevelTap& Levels() { return levels_; }
 
@@ -71,6 +79,7 @@ class PlayerControl {
   // Forgets orders that were meant for what is over.
   void Clear();
   [[nodiscard]] PlayerSound Sound() const;
+  void SetStage(std::shared_ptr<PlayerStage> stage);
   void Report(PlayerStatus status);
   void ReportPosition(std::chrono::nanoseconds position, std::optional<BarBeat> place, bool paused);
   void ReportWaveform(const std::string& title, std::shared_ptr<const Waveform> waveform);
@@ -83,6 +92,7 @@ class PlayerControl {
   PlayerOrders orders_;
   PlayerSound sound_;
   PlayerStatus status_;
+  std::shared_ptr<PlayerStage> stage_;
 };
 
 }  // namespace ts5

@@ -106,7 +106,7 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
-    control_.Report({.title = source, .duration = title.Duration(), .place = title.PlaceOf({})});
+    control_.Report({.title = source, .duration = title.Duration(), .place = title.Place()});
 
     Turn turn;
     std::atomic<bool> ended = false;
@@ -134,7 +134,7 @@ class PlayerRun {
         run_.SetState(paused ? RunState::Paused : RunState::Running);
       }
       const nanoseconds position = title.Position();
-      control_.ReportPosition(position, title.PlaceOf(position), paused);
+      control_.ReportPosition(position, title.Place(), paused);
       const double fraction =
           end.count() > 0 ? static_cast<double>(position.count()) / static_cast<double>(end.count()) : 0;
       run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), fraction);

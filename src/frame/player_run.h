@@ -33,9 +33,8 @@ class PlayedTitle {
   virtual void Seek(std::chrono::nanoseconds position) = 0;
   [[nodiscard]] virtual std::chrono::nanoseconds Position() const = 0;
   [[nodiscard]] virtual std::chrono::nanoseconds Duration() const = 0;
-  [[nodiscard]] virtual std::optional<BarBeat> PlaceOf(std::chrono::nanoseconds /*position*/) const {
-    return std::nullopt;
-  }
+  // Where it is in bars, for music that has them.
+  [[nodiscard]] virtual std::optional<BarBeat> Place() const { return std::nullopt; }
 };
 
 // The device that the titles of a run are played on; it stays open from the first to the last.

@@ -7,12 +7,10 @@
 #include "frame/player_run.h"
 #include "frame/run.h"
 #include "midi/conductor.h"
-#include "midi/midi_capture.h"
 #include "midi/midi_file.h"
-#include "midi/midi_level.h"
 #include "midi/midi_sequence.h"
 #include "midi/midi_sequencer.h"
-#include "platform/audio_out.h"
+#include "midi/player_output.h"
 #include "platform/files.h"
 #include "platform/thread_priority.h"
 
@@ -49,8 +47,8 @@ class MidiTitle final : public PlayedTitle {
   void Seek(nanoseconds position) override { sequencer_.Seek(position); }
   nanoseconds Position() const override { return sequencer_.Position(); }
   nanoseconds Duration() const override { return sequence_.Duration(); }
-  std::optional<BarBeat> PlaceOf(nanoseconds position) const override {
-    const std::uint64_t tick = sequence_.TickAt(position);
+  std::optional<BarBeat> Place() const override {
+    const std::uint64_t tick = sequence_.TickAt(Position());
     const auto next = std::ranges::upper_bound(signatures_, tick, {}, &TimeSignatureEntry::tick);
     if (next == signatures_.begin()) return std::nullopt;
     const TimeSignatureEntry& entry = *std::prev(next);
@@ -69,12 +67,12 @@ class MidiTitle final : public PlayedTitle {
 
 class MidiDevice final : public PlayerDevice {
  public:
-  explicit MidiDevice(std::unique_ptr<MidiOutput> output) : output_(std::move(output)) {}
+  explicit MidiDevice(std::unique_ptr<MidiLevel> output) : output_(std::move(output)) {}
 
   Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
     // A title begins on a device that stands as if nothing had been played before.
     if (begun_) {
-      if (const Outcome reset = output_.Reset(); Failed(reset)) return Failure(reset);
+      if (const Outcome reset = output_->Reset(); Failed(reset)) return Failure(reset);
     }
     begun_ = true;
     const auto start = ReadMidiFileHeader(source);
@@ -84,31 +82,18 @@ class MidiDevice final : public PlayerDevice {
     auto sequence = MidiSequence::FromFile(*file);
     if (!sequence) return Failure(sequence.error());
     auto signatures = SignaturesOf(*file, sequence->Division());
-    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), output_);
+    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), *output_);
   }
-  void SetSound(PlayerSound sound) override { output_.SetSound(sound); }
-  Outcome Close() override { return output_.Close(); }
+  void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
+  Outcome Close() override { return output_->Close(); }
 
  private:
-  MidiLevel output_;
+  std::unique_ptr<MidiLevel> output_;
   bool begun_ = false;
 };
 
-std::int32_t DeviceIndex(const Job& job) {
-  return job.destinationDevice >= kMidiDeviceBase ? job.destinationDevice - kMidiDeviceBase
-                                                  : job.destinationDevice;
-}
-
 Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
-  std::string name = run.Devices().output;
-  std::string audio;
-  if (name.starts_with(kWavePrefix)) audio = std::exchange(name, std::string(kSynthesizerName));
-  if (name.empty()) {
-    const auto devices = MidiOutputDevices();
-    const std::int32_t index = DeviceIndex(run.GetJob());
-    if (index >= 0 && std::cmp_less(index, devices.size())) name = devices[static_cast<std::size_t>(index)];
-  }
-  auto output = OpenMidiDevice(name, audio);
+  auto output = OpenPlayerOutput(run);
   if (!output) return Failure(output.error());
   return std::make_unique<MidiDevice>(*std::move(output));
 }
@@ -124,7 +109,7 @@ FilterModule MidiPlayerModule() {
   module.fields = table.Build();
   module.run = [](Run& run) { RunPlayer(run, run.Parameters<PlayerParameters>(), OpenDevice); };
   module.remarks = kRemarks;
-  module.midiDevice = [](const Job& job) { return std::optional(DeviceIndex(job)); };
+  module.midiDevice = [](const Job& job) { return std::optional(PlayerDeviceIndex(job)); };
   return module;
 }
 

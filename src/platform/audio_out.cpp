@@ -5,23 +5,18 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cmath>
-#include <optional>
 #include <stop_token>
 #include <thread>
 #include <utility>
 
 #include "platform/device_pace.h"
-#include "platform/files.h"
 #include "platform/quiet.h"
+#include "platform/wave_sink.h"
 
 namespace ts5 {
 namespace {
 
 constexpr std::uint32_t kBlockFrames = 512;
-constexpr std::uint32_t kWaveHeaderSize = 44;
-// The data of a plain RIFF file ends here; what comes later is not written.
-constexpr std::uint64_t kMaxWaveData = 0xFFFFFFFFU - kWaveHeaderSize;
 
 // Pulls block after block in real time and hands each on. The schedule is absolute, so it does not drift.
 class ClockedOutput : public AudioOutput {
@@ -67,60 +62,25 @@ class ClockedOutput : public AudioOutput {
 
 class WaveFileOutput final : public ClockedOutput {
  public:
-  WaveFileOutput(AudioFormat format, AudioRender render, StagedFile file)
-      : ClockedOutput(format, std::move(render)), format_(format), file_(std::move(file)) {}
+  WaveFileOutput(AudioFormat format, AudioRender render, WaveSink sink)
+      : ClockedOutput(format, std::move(render)), sink_(std::move(sink)) {}
   ~WaveFileOutput() override { Halt(); }
 
-  Outcome Begin() { return file_->Write(Header(0)); }
   bool Alive() const override { return !failed_; }
 
   Outcome Stop() override {
     Halt();
-    if (!file_) return result_;
-    if (result_ == Outcome::Success) result_ = file_->WriteAt(0, Header(dataSize_));
-    if (result_ == Outcome::Success) result_ = file_->Commit();
-    file_.reset();
-    return result_;
+    return sink_.Finish();
   }
 
  private:
   void Take(std::span<const float> block) override {
-    const std::uint64_t size = block.size() * sizeof(std::int16_t);
-    if (result_ != Outcome::Success || dataSize_ + size > kMaxWaveData) return;
-    ByteWriter samples;
-    samples.Reserve(size);
-    for (const float sample : block) {
-      const float limited = std::clamp(sample, -1.0F, 1.0F);
-      samples.U16Le(static_cast<std::uint16_t>(std::lrint(limited * 32767.0F)));
-    }
-    result_ = file_->Write(samples.View());
-    failed_ = Failed(result_);
-    dataSize_ += size;
+    sink_.Write(block);
+    failed_ = Failed(sink_.State());
   }
 
-  [[nodiscard]] Bytes Header(std::uint64_t dataSize) const {
-    const std::uint32_t frameSize = format_.channels * 2;
-    ByteWriter header;
-    header.Append("RIFF");
-    header.U32Le(static_cast<std::uint32_t>(dataSize) + kWaveHeaderSize - 8);
-    header.Append("WAVEfmt ");
-    header.U32Le(16);
-    header.U16Le(1);
-    header.U16Le(static_cast<std::uint16_t>(format_.channels));
-    header.U32Le(format_.sampleRate);
-    header.U32Le(format_.sampleRate * frameSize);
-    header.U16Le(static_cast<std::uint16_t>(frameSize));
-    header.U16Le(16);
-    header.Append("data");
-    header.U32Le(static_cast<std::uint32_t>(dataSize));
-    return header.Release();
-  }
-
-  AudioFormat format_;
-  std::optional<StagedFile> file_;
-  std::uint64_t dataSize_ = 0;
+  WaveSink sink_;  // the pulling thread's while it runs
   std::atomic<bool> failed_ = false;
-  Outcome result_ = Outcome::Success;  // written by the pulling thread, read after it has ended
 };
 
 // Tells the quiet library from a broken one: its warnings are of no use to a musician.
@@ -210,11 +170,10 @@ std::vector<std::string> AudioOutputDevices() {
 Result<std::unique_ptr<AudioOutput>> OpenAudioOutput(std::string_view device, AudioFormat format,
                                                      AudioRender render) {
   if (device.starts_with(kWavePrefix)) {
-    auto file = StagedFile::Create(std::string(device.substr(kWavePrefix.size())));
-    if (!file) return Failure(file.error());
-    auto output = std::make_unique<WaveFileOutput>(format, std::move(render), *std::move(file));
-    if (const Outcome begun = output->Begin(); Failed(begun)) return Failure(begun);
-    return output;
+    auto sink =
+        WaveSink::Create(std::string(device.substr(kWavePrefix.size())), format.sampleRate, format.channels);
+    if (!sink) return Failure(sink.error());
+    return std::make_unique<WaveFileOutput>(format, std::move(render), *std::move(sink));
   }
   const bool silent = device == kNullDevice || (device.empty() && AudioOutputDevices().empty());
   if (silent) return std::make_unique<ClockedOutput>(format, std::move(render));

@@ -7,8 +7,7 @@
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
-#include "score/parameter_set.h"
-#include "score/playback_fields.h"
+#include "score/score_at_hand.h"
 #include "score/score_midi.h"
 
 namespace ts5 {
@@ -35,26 +34,21 @@ Outcome CheckItem(const FilterParameters& parameters, const std::string& source)
   return score->scan.time == 0 ? Outcome::NoPlayingTime : Outcome::Success;
 }
 
-// The set of the score's name takes the place of the job's values.
-void LoadAutomaticSet(Run& run, const std::string& source, const OpenScore& score,
-                      PlaybackParameters& playback) {
-  const std::string set = AutomaticParameterSet(run.GetSettings().playbackParameterDirectory, source);
-  if (set.empty() || !FileExists(set)) return;
-  if (Failed(LoadParameterSet(playback, score.voices, set))) run.Notice(Text(TextId::ParameterSetNotLoaded));
-}
-
 Outcome ConvertItem(ItemWork& work) {
   const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
   work.run.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(work.source)));
-  PlaybackParameters playback = own.playback;
-  const auto score = OpenAndScan(work.source, playback, own.playRepeats);
+  ScoreParameters parameters = own.For(work.source);
+  const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats);
   if (!score) return score.error();
-  if (own.automaticSet) LoadAutomaticSet(work.run, work.source, *score, playback);
+  if (Failed(LoadAutomaticSet(work.run.GetSettings().playbackParameterDirectory, work.source, score->voices,
+                              parameters)))
+    work.run.Notice(Text(TextId::ParameterSetNotLoaded));
 
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   ScoreOptions options;
   options.repeats = own.playRepeats;
-  const auto midi = ScoreToMidi(*score, playback, options, watch);
+  options.silentStaves = parameters.silentStaves;
+  const auto midi = ScoreToMidi(*score, parameters.playback, options, watch);
   return midi ? work.target.Write(*midi) : midi.error();
 }
 
@@ -71,10 +65,8 @@ std::vector<ParameterField> ScoreToMidiFields() {
       .Flag("Lyrics", &P::lyrics)
       .Integer("NoteValue%", &P::noteValue, 0, 100)
       .Flag("Invisible", &P::invisible)
-      .Flag("Repeats", &P::repeats)
-      .Flag("PlayRepeats", &P::playRepeats);
-  AddPlaybackFields(table);
-  table.Flag("ParamSetAuto", &P::automaticSet);
+      .Flag("Repeats", &P::repeats);
+  AddScoreFields(table);
   return table.Build();
 }
 

@@ -99,9 +99,8 @@ FilterModule ScorePlayerModule() {
   AddPlayerFields(table);
   AddScoreFields(table);
   module.fields = table.Build();
-  module.run = [](Run& run) {
-    RunPlayer(run, run.Parameters<ScorePlayerParameters>(), {.open = OpenDevice, .remarks = ScoreRemarks()});
-  };
+  module.run = [](Run& run) { RunPlayer(run, run.Parameters<ScorePlayerParameters>(), OpenDevice); };
+  module.remarks = ScoreRemarks();
   module.midiDevice = [](const Job& job) { return std::optional(PlayerDeviceIndex(job)); };
   return module;
 }

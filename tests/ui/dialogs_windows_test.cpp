@@ -128,6 +128,11 @@ TEST(AppearanceTest, TextsStandOutFromTheirGround) {
         EXPECT_GE(Contrast(QColor(match.captured(2)), palette.color(QPalette::Window)), 4.5)
             << match.captured(1).toStdString();
       }
+      const auto chunk =
+          QRegularExpression("QProgressBar::chunk \\{ background: ([^;]*);").match(StyleSheet(layout, dark));
+      if (chunk.hasMatch()) {
+        EXPECT_GE(Contrast(palette.color(QPalette::Text), QColor(chunk.captured(1))), 4.5) << "progress";
+      }
     }
   }
   ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
