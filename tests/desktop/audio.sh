@@ -43,9 +43,9 @@ tile() {
 directory() {
   to_main
   click 320 "$1"
-  sleep 1.5
+  sleep 3
   click 620 135
-  sleep 0.3
+  sleep 0.5
   keys shift+End
   sleep 0.5
 }
@@ -90,9 +90,8 @@ sleep 3
 xdotool windowfocus "$player" || true
 sleep 0.5
 picture 5-playing
-# The slider takes the keys of the position: ten seconds on, then the next title by its button.
-eval "$(xdotool getwindowgeometry --shell "$player")"
-keys ctrl+Next
+# Ten seconds back and on, then the next title.
+keys ctrl+Next ctrl+Prior
 sleep 1
 picture 6-seeked
 pactl list short sink-inputs | grep -q . || fail "nothing sounds"
@@ -108,13 +107,14 @@ closed '^Playback-Parameter' || fail "the window of the player stays"
 
 # --- MIDI to wave and the MIDI player
 directory 148
-tile '^Midi-Wave-Parameter' >/dev/null || fail "no tile opens the MIDI-to-wave parameters"
+parameters=$(tile '^Midi-Wave-Parameter') || fail "no tile opens the MIDI-to-wave parameters"
 picture 8-midi-to-wave
 keys alt+f
 window '^Format für TiMidity' >/dev/null || fail "no window for the format"
 picture 9-format
 keys alt+m Return
 closed '^Format für TiMidity' || fail "the format was not taken"
+xdotool windowfocus "$parameters" || true
 keys Return
 closed '^Midi-Wave-Parameter' || fail "the parameters were not taken"
 to_main

@@ -86,6 +86,9 @@ TEST_F(PlaybackWindowTest, VolumeBalanceAndPositionReachThePlayer) {
   EXPECT_EQ(run_->player.Take(0ms).seek, 10'100ms);
   QTest::keyClick(slider, Qt::Key_PageDown);
   EXPECT_EQ(run_->player.Take(0ms).seek, 9s);
+  Child<QSlider>(*window, "volumeSlider").clearFocus();
+  QTest::keyClick(window.get(), Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(run_->player.Take(0ms).seek, 20s) << "wherever the focus is";
   slider->setValue(30'000);
   EXPECT_EQ(run_->player.Take(0ms).seek, 30s);
 }

@@ -1,5 +1,7 @@
 #include "frame/ui/playback_window.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 
 #include "frame/ui/level_meter_widget.h"
@@ -84,6 +86,15 @@ PlaybackWindow::~PlaybackWindow() = default;
 
 QString PlaybackWindow::HelpTopic() const {
   return QStringLiteral("playback.htm");
+}
+
+void PlaybackWindow::keyPressEvent(QKeyEvent* event) {
+  const bool page = event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown;
+  if (page && position_->isEnabled()) {
+    QCoreApplication::sendEvent(position_, event);
+    return;
+  }
+  HostedDialog::keyPressEvent(event);
 }
 
 void PlaybackWindow::TakeOptions() {

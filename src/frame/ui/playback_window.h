@@ -38,6 +38,10 @@ class PlaybackWindow : public HostedDialog {
   [[nodiscard]] QString HelpTopic() const override;
   [[nodiscard]] const std::shared_ptr<JobRun>& Run() const { return subject_.run; }
 
+ protected:
+  // The page keys move the position wherever the focus is.
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   void TakeOptions();
   void TakeSound();

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <algorithm>
 #include <array>
 
 #include "frame/playback_form.h"
@@ -17,6 +18,8 @@ struct StepKey {
 constexpr std::array kStepKeys{
     StepKey{Qt::Key_Left, PositionKey::Left}, StepKey{Qt::Key_Right, PositionKey::Right},
     StepKey{Qt::Key_PageUp, PositionKey::PageUp}, StepKey{Qt::Key_PageDown, PositionKey::PageDown}};
+
+constexpr float kSoftest = 0.001F;  // what is below all the time looks like silence
 
 }  // namespace
 
@@ -49,9 +52,11 @@ void PositionSlider::paintEvent(QPaintEvent* event) {
     colour.setAlpha(110);
     painter.setPen(colour);
     const qreal middle = height() * 0.5;
+    // The loudest part fills the height, so that the outline of a soft piece can be seen as well.
+    const qreal loudest = std::max(*std::ranges::max_element(*waveform_), kSoftest);
     for (int x = 0; x < width(); ++x) {
       const auto part = static_cast<std::size_t>(x) * waveform_->size() / static_cast<std::size_t>(width());
-      const qreal half = middle * (*waveform_)[part];
+      const qreal half = middle * (*waveform_)[part] / loudest;
       painter.drawLine(QPointF(x, middle - half), QPointF(x, middle + half));
     }
   }
