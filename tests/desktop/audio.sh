@@ -126,6 +126,9 @@ keys Return
   fail "the wave file: $(format "$HOME/Musik/Maple Leaf Rag.wav")"
 [ "$(head -c 4 "$HOME/Musik/Gymnopédie Nr. 1.rdl")" = RDL3 ] || fail "the sequencer file was changed"
 
+# The MIDI files alone, read anew.
+rm "$HOME/Musik/"*.wav
+directory 128
 directory 148
 player=$(tile '^Playback-Parameter') || fail "no tile opens the MIDI player"
 to_main
