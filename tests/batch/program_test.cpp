@@ -303,6 +303,30 @@ TEST_F(ProgramTest, AnUnknownMelodyNamesTheStoredOnes) {
   EXPECT_THAT(Err(), HasSubstr("Möglich sind: \"Kuckuck\", \"Leiter\""));
 }
 
+TEST_F(ProgramTest, SearchesScoresByStaffVoiceAndBeat) {
+  const std::string canon = DataPath("../../demo/Kanon in D.stv");
+  std::vector<std::string> line = {"run", "ScoreSearch", "--json", "--melody", "78:240,76:240,74:240,73:240",
+                                   canon};
+  ASSERT_EQ(Run(line), kExitSuccess) << Err();
+  const auto json = nlohmann::json::parse(Out());
+  EXPECT_EQ(json["lines"][1]["count"], 4);
+  ASSERT_EQ(json["hits"].size(), 4U);
+  // The second violin enters in the fifth bar, the middle one of the second system.
+  const auto& hit = json["hits"][2];
+  EXPECT_THAT(std::string(hit["file"]), testing::EndsWith("Kanon in D.stv"));
+  std::vector<int> numbers;
+  for (const char* name :
+       {"track", "voice", "bar", "time", "firstSystem", "lastSystem", "firstObject", "lastObject"})
+    numbers.push_back(hit[name]);
+  EXPECT_THAT(numbers, testing::ElementsAre(1, 0, 4, 0, 1, 1, 4, 7));
+
+  const std::string result = folder_.File("treffer.txt");
+  line[2] = "--quiet";
+  line.insert(line.end(), {"--dest", result});
+  ASSERT_EQ(Run(line), kExitSuccess) << Err();
+  EXPECT_THAT(Content(result), HasSubstr("Zei2/Sti1   Takt 5     Schlag 1 \r\n"));
+}
+
 TEST_F(ProgramTest, EveryCommandHasHelp) {
   const std::vector<std::vector<std::string>> commands{{},
                                                        {"filters"},

@@ -62,6 +62,8 @@ TEST(RandomScores, AreBalancedAndLastWhatTheScanSays) {
     const Played played = Play(document);
     ASSERT_THAT(played.outcome, IsOk()) << seed;
     EXPECT_EQ(played.ticks, played.scan.ticks) << seed;
+    // However far the engine goes at once.
+    EXPECT_EQ(Play(document, {}, {}, 1 + seed % 3).lines, played.lines) << seed;
     std::map<std::string, int> sounding;
     for (const std::string& line : LinesWith(played.lines, " 9")) {
       if (line.find(" 9") + 8 != line.size() - 1 && line.find(" 9") + 9 != line.size()) continue;

@@ -98,8 +98,9 @@ struct Played {
   ScoreScan scan;
 };
 
+// most: so many steps at once.
 inline Played Play(const ScoreDocument& document, PlaybackParameters parameters = {},
-                   ScoreOptions options = {}) {
+                   ScoreOptions options = {}, std::uint32_t most = UINT32_MAX) {
   Played played;
   const auto score = OpenAndScan(WriteScore(document), parameters, options.repeats);
   if (!score) {
@@ -112,7 +113,7 @@ inline Played Play(const ScoreDocument& document, PlaybackParameters parameters 
   ScoreEngine engine(score->file, score->info, score->voices, parameters, options, &log);
   played.outcome = engine.Begin();
   log.lines.clear();
-  while (Succeeded(played.outcome) && !engine.AtEnd()) played.outcome = engine.Step();
+  while (Succeeded(played.outcome) && !engine.AtEnd()) played.outcome = engine.Step(most);
   engine.Finish();
   played.lines = log.lines;
   played.ticks = engine.Ticks();

@@ -2,6 +2,7 @@
 // printed, written to a file and shown in another program.
 #include <gmock/gmock.h>
 
+#include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
@@ -14,6 +15,7 @@
 #include <QTabWidget>
 #include <QToolButton>
 #include <QToolTip>
+#include <atomic>
 #include <thread>
 
 #include "dialogs_support.h"
@@ -22,6 +24,7 @@
 #include "platform/paths.h"
 #include "platform/registry.h"
 #include "platform/sibling_link.h"
+#include "score/score_writer.h"
 #include "search/melody_store.h"
 #include "search/search_parameters.h"
 #include "search/ui/note_editor_panel.h"
@@ -38,6 +41,18 @@ using testing::HasSubstr;
 // The click opens a dialog over the one that the script is in.
 void ClickSoon(QAbstractButton* button) {
   QTimer::singleShot(0, button, &QAbstractButton::click);
+}
+
+// Two staves; the lower one has c d e in eighths from the third beat of its second bar on.
+Bytes TuneInTheSecondBar() {
+  constexpr std::int8_t kC = -7;
+  VoiceItems tune = {WholeBarRest(), RestItem(1)};
+  for (const int step : {0, 1, 2})
+    tune.push_back(ChordItem(3, {{static_cast<std::int8_t>(kC + step), 0, 0}}));
+  ScoreDocument score;
+  score.staves.resize(2);
+  score.systems.push_back({120, {{0, {}, {{WholeBarRest(2)}}}, {1, {}, {tune}}}});
+  return WriteScore(score);
 }
 
 class SearchStory : public WorkbenchTest {
@@ -365,6 +380,75 @@ TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
   EXPECT_EQ(place.U32Le(), static_cast<std::uint32_t>(hit.bar));
   EXPECT_EQ(place.U32Le(), static_cast<std::uint32_t>(hit.track));
   EXPECT_TRUE(WaitFor([&] { return Enabled(CommandId::ShowSearchResult); })) << "for the next hit";
+}
+
+// A score: its own words in the dialog, staff, voice and beat in the rows, and the way to the score program.
+TEST_F(SearchStory, AScoreIsSearchedByStaffVoiceAndBeat) {
+  qputenv("XDG_RUNTIME_DIR", directory_.Path().c_str());
+  {
+    auto registry = Registry::Open(options_.registryPath);
+    ASSERT_THAT(registry, test::IsOk());
+    const std::string key = R"(HKEY_LOCAL_MACHINE\software\qlw\Stavora)";
+    RegistryValues version;
+    version.SetText("Current Version", "3.0");
+    RegistryValues program;
+    program.SetText("WndClass", "StavoraWindow");
+    program.SetText("ExePath", directory_.Write("stavora.exe", ""));
+    ASSERT_TRUE(Succeeded(registry->Write(key, version)));
+    ASSERT_TRUE(Succeeded(registry->Write(key + R"(\3.0)", program)));
+  }
+  const std::string file = directory_.Write("lied.stv", AsText(TuneInTheSecondBar()));
+  Start();
+  ToListMode();
+  Drop({file});
+  script_.Expect([](QDialog& dialog) {
+    QTest::keyClicks(dialog.findChild<StaffView*>(), QLatin1String("cde"));
+    Child<QTabWidget>(dialog, "tabs").setCurrentIndex(1);
+    EXPECT_EQ(Child<QCheckBox>(dialog, "firstTrackCheck").text(), QtText(TextId::FirstStaffOnly));
+    EXPECT_EQ(Child<QCheckBox>(dialog, "drumTrackCheck").text(), QtText(TextId::DrumStaffToo));
+    EXPECT_FALSE(Child<QComboBox>(dialog, "toleranceBox").isVisible());
+    Child<QRadioButton>(dialog, "rhythmRelativeRadio").click();
+    ts5::Press(dialog, "okButton");
+  });
+  W().Filters().TileOf(FilterId::ScoreSearch)->click();
+  ASSERT_EQ(ActiveJob().filter, FilterId::ScoreSearch);
+  W().Target().ScreenChoice()->click();
+  Search();
+
+  ASSERT_EQ(Panel().Results().Size(), 1U);
+  QStringList titles;
+  QStringList cells;
+  for (int column = 0; column < 4; ++column) {
+    titles << Panel().Hits().headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+    cells << Cell(0, column);
+  }
+  EXPECT_EQ(titles, QStringList({"Datei", "Zeile/Stimme", "Takt", "Schlag"}));
+  EXPECT_EQ(cells, QStringList({"lied.stv", "2/1", "2", "3"}));
+  EXPECT_THAT(Panel().Results().AsResultText(), HasSubstr("Zei2/Sti1   Takt 2     Schlag 3 "));
+
+  auto receiver = SiblingReceiver::Listen("StavoraWindow");
+  ASSERT_THAT(receiver, test::IsOk());
+  std::vector<SiblingMessage> received;
+  std::atomic<bool> all = false;
+  std::jthread reader([&] {
+    for (int i = 0; i < 3; ++i) {
+      if (auto message = receiver->Receive()) received.push_back(std::move(*message));
+    }
+    all = true;
+  });
+  SelectHit(0);
+  EXPECT_FALSE(Enabled(CommandId::PlayHit)) << "a score is no MIDI file";
+  ASSERT_TRUE(Enabled(CommandId::ShowSearchResult));
+  W().Trigger(CommandId::ShowSearchResult);
+  ASSERT_TRUE(WaitFor([&] { return all.load(); }, 30'000));  // the window is asked for the program meanwhile
+  reader.join();
+  ASSERT_EQ(received.size(), 3U);
+  EXPECT_EQ(received[0].data, Bytes(file.c_str(), file.c_str() + file.size() + 1));
+  ByteReader range(received[2].data);
+  std::vector<std::int32_t> numbers;
+  while (!range.AtEnd()) numbers.push_back(range.I32Le());
+  EXPECT_EQ(numbers, std::vector<std::int32_t>({0, 1, 0, 2, 0, 1, 0, 5, -1}));
+  EXPECT_TRUE(WaitFor([&] { return Enabled(CommandId::ShowSearchResult); }));
 }
 
 // A search that brings so many hits, as fast as they can come.
