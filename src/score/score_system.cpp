@@ -5,6 +5,8 @@
 namespace ts5 {
 namespace {
 
+constexpr unsigned kPollEvery = 4096;  // records
+
 SystemStaff& StaffOf(ScoreSystem& system, const StaffHeader& header) {
   const auto found = std::ranges::find(system.staves, std::size_t{header.layout}, &SystemStaff::layout);
   if (found != system.staves.end()) return *found;
@@ -14,29 +16,54 @@ SystemStaff& StaffOf(ScoreSystem& system, const StaffHeader& header) {
   return staff;
 }
 
-void ReadVoices(ScoreSource& in, std::uint32_t count, SystemStaff& staff) {
-  for (std::uint32_t i = 0; i < count && in.Ok(); ++i) {
-    const VoiceHeader header = ReadVoiceHeader(in);
-    if (i < kMaxVoices) {
-      staff.places[i] = {in.Position(), header.objects};
-      staff.voices = std::max<std::size_t>(staff.voices, i + 1);
+class SystemReader {
+ public:
+  SystemReader(ScoreSource& in, std::size_t layouts, const std::function<bool()>& stopped)
+      : in_(in), layouts_(layouts), stopped_(stopped) {}
+
+  ScoreSystem Read() {
+    ScoreSystem system;
+    const SystemHeader header = ReadSystemHeader(in_);
+    system.tempo = header.tempo;
+    for (std::uint32_t i = 0; i < header.staves && in_.Ok(); ++i) {
+      const StaffHeader staff = ReadStaffHeader(in_);
+      in_.Require(staff.layout < layouts_);
+      if (in_.Ok()) ReadVoices(staff.voices, StaffOf(system, staff));
+      Poll();
     }
-    for (std::uint32_t k = 0; k < header.objects && in.Ok(); ++k) (void)ReadObject(in);
+    return system;
   }
-}
+
+ private:
+  void ReadVoices(std::uint32_t count, SystemStaff& staff) {
+    for (std::uint32_t i = 0; i < count && in_.Ok(); ++i) {
+      const VoiceHeader header = ReadVoiceHeader(in_);
+      if (i < kMaxVoices) {
+        staff.places[i] = {in_.Position(), header.objects};
+        staff.voices = std::max<std::size_t>(staff.voices, i + 1);
+      }
+      for (std::uint32_t k = 0; k < header.objects && in_.Ok(); ++k) {
+        (void)ReadObject(in_);
+        Poll();
+      }
+      Poll();
+    }
+  }
+
+  void Poll() {
+    if (++records_ % kPollEvery == 0 && stopped_ && stopped_()) in_.Invalid();
+  }
+
+  ScoreSource& in_;
+  std::size_t layouts_;
+  const std::function<bool()>& stopped_;
+  unsigned records_ = 0;
+};
 
 }  // namespace
 
-ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts) {
-  ScoreSystem system;
-  const SystemHeader header = ReadSystemHeader(in);
-  system.tempo = header.tempo;
-  for (std::uint32_t i = 0; i < header.staves && in.Ok(); ++i) {
-    const StaffHeader staff = ReadStaffHeader(in);
-    in.Require(staff.layout < layouts);
-    if (in.Ok()) ReadVoices(in, staff.voices, StaffOf(system, staff));
-  }
-  return system;
+ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts, const std::function<bool()>& stopped) {
+  return SystemReader(in, layouts, stopped).Read();
 }
 
 }  // namespace ts5

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "score/playback_parameters.h"
@@ -30,7 +31,9 @@ struct ScoreSystem {
   std::vector<SystemStaff> staves;  // in the order of the score, each layout once: its last voices count
 };
 
-// layouts: how many staff layouts the score has; another one makes the record invalid.
-[[nodiscard]] ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts);
+// layouts: how many staff layouts the score has; another one makes the record invalid. stopped is polled
+// every few thousand records and may be empty; when it says so, the source is not Ok() either.
+[[nodiscard]] ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts,
+                                     const std::function<bool()>& stopped = {});
 
 }  // namespace ts5

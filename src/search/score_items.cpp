@@ -56,8 +56,8 @@ class ItemBuilder {
   Result<std::vector<ScoreLine>> Build() {
     ScoreSource in(file_, info_.bodyOffset);
     for (std::uint32_t i = 0; i < info_.systems; ++i) {
-      const ScoreSystem system = ReadSystem(in, info_.staves.size());
-      if (!in.Ok()) return Failure(Outcome::DamagedScore);
+      const ScoreSystem system = ReadSystem(in, info_.staves.size(), cancelled_);
+      if (!in.Ok()) return Failure(Cancelled() ? Outcome::Cancelled : Outcome::DamagedScore);
       system_ = ClampTo<std::int32_t>(i);
       if (const Outcome outcome = WalkSystem(system); Failed(outcome)) return Failure(outcome);
     }
@@ -65,6 +65,8 @@ class ItemBuilder {
   }
 
  private:
+  bool Cancelled() const { return cancelled_ && cancelled_(); }
+
   Outcome WalkSystem(const ScoreSystem& system) {
     Walkers walkers;
     std::vector<std::int32_t> positions;
@@ -82,7 +84,7 @@ class ItemBuilder {
       Walker walker = walkers.top();
       walkers.pop();
       if (walker.object == walker.objects) continue;
-      if (++walked_ % kCancelEvery == 0 && cancelled_ && cancelled_()) return Outcome::Cancelled;
+      if (++walked_ % kCancelEvery == 0 && Cancelled()) return Outcome::Cancelled;
       Advance(walker, system.staves[walker.staff].layout, positions[walker.staff]);
       walkers.push(walker);
     }

@@ -1,14 +1,17 @@
 #include "search/score_search.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
-#include "platform/files.h"
+#include "platform/input_file.h"
 #include "search/score_items.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
 namespace {
+
+constexpr std::size_t kCancelEvery = 4096;  // items
 
 struct Element {
   std::uint8_t key = 0;  // 0 of a rest
@@ -32,8 +35,8 @@ std::vector<Element> Prepared(const std::vector<MelodyElement>& elements) {
 // One voice against the melody. The intervals are differences in 8 bits, with a rest as key 0.
 class VoiceMatcher {
  public:
-  VoiceMatcher(const std::vector<Element>& melody, const SearchOptions& options)
-      : melody_(melody), options_(options) {}
+  VoiceMatcher(const std::vector<Element>& melody, const SearchOptions& options, const CancelCheck& cancelled)
+      : melody_(melody), options_(options), cancelled_(cancelled) {}
 
   // The first and the last item of each place; send ends the search when it fails.
   template <typename Send>
@@ -41,6 +44,7 @@ class VoiceMatcher {
     std::size_t matched = 0;
     std::size_t first = 0;
     for (std::size_t i = 0; i < items.size();) {
+      if (i % kCancelEvery == 0 && cancelled_ && cancelled_()) return Outcome::Cancelled;
       if (matched == 0 ? Starts(items[i]) : Follows(matched, items[i - 1], items[i])) {
         if (matched == 0) first = i;
         if (++matched == melody_.size()) {
@@ -83,6 +87,7 @@ class VoiceMatcher {
 
   const std::vector<Element>& melody_;
   const SearchOptions& options_;
+  const CancelCheck& cancelled_;
   float factor_ = 1.0F;
 };
 
@@ -94,7 +99,7 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
   SearchOutcome outcome;
   SearchHit hit;
   hit.file = path;
-  VoiceMatcher matcher(melody, query.options);
+  VoiceMatcher matcher(melody, query.options, cancelled);
   const auto send = [&](const ScoreSearchItem& first, const ScoreSearchItem& last) {
     hit.firstSystem = first.system;
     hit.lastSystem = last.system;
@@ -113,9 +118,8 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
     if (info.staves[line].usesNoteMap && !query.options.drumTrack) continue;
     hit.track = static_cast<std::int32_t>(line);
     for (std::size_t voice = 0; voice < kMaxVoices; ++voice) {
-      if (cancelled && cancelled()) outcome.code = Outcome::Cancelled;
       hit.voice = static_cast<std::int32_t>(voice);
-      if (Succeeded(outcome.code)) outcome.code = matcher.Search(lines[line][voice], send);
+      outcome.code = matcher.Search(lines[line][voice], send);
       if (Failed(outcome.code)) return outcome;
     }
   }
@@ -136,13 +140,16 @@ SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const Mel
 
 SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query, const HitSink& sink,
                               const CancelCheck& cancelled) {
+  const auto file = InputFile::Open(path);
+  if (!file) return {Outcome::SourceFailed, 0};
   // A large file of another kind is not read for nothing.
-  const auto start = ReadFileStart(path, sizeof kScoreMagic);
-  if (!start) return {start.error() == Outcome::ReadFailed ? Outcome::WrongFormat : Outcome::SourceFailed, 0};
-  if (ByteReader(*start).U32Le() != kScoreMagic) return {Outcome::WrongFormat, 0};
-  const auto file = ReadFile(path, kMaxScoreFile);
-  if (!file) return {file.error() == Outcome::OutOfMemory ? Outcome::OutOfMemory : Outcome::SourceFailed, 0};
-  return SearchScoreImage(*file, path, query, sink, cancelled);
+  std::array<std::uint8_t, sizeof kScoreMagic> beginning{};
+  const auto read = file->ReadAt(0, beginning);
+  if (!read) return {Outcome::SourceFailed, 0};
+  if (ByteReader(beginning).U32Le() != kScoreMagic) return {Outcome::WrongFormat, 0};
+  const auto image = file->ReadAll(kMaxScoreFile, cancelled);
+  if (image) return SearchScoreImage(*image, path, query, sink, cancelled);
+  return {image.error() == Outcome::ReadFailed ? Outcome::SourceFailed : image.error(), 0};
 }
 
 }  // namespace ts5

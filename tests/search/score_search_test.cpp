@@ -266,6 +266,16 @@ TEST(ScoreSearchTest, SinkAndCancelEndAFile) {
   EXPECT_EQ(sent, 2);
   EXPECT_EQ(SearchScoreImage(file, "", query, full, [] { return true; }).code, Outcome::Cancelled);
   EXPECT_EQ(sent, 2);
+
+  // Inside a system, while its records are read, while they are walked and while a voice is matched.
+  VoiceItems many(20'000, r);
+  for (std::size_t i = 0; i < many.size(); i += 2) many[i] = d;
+  const Bytes large = WriteScore(OneVoice(many));
+  for (const int polls : {1, 3, 6, 9, 12}) {
+    int left = polls;
+    EXPECT_EQ(SearchScoreImage(large, "", query, full, [&] { return --left <= 0; }).code, Outcome::Cancelled)
+        << polls;
+  }
 }
 
 // --- random scores
