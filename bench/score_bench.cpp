@@ -1,8 +1,15 @@
-// Scores: a hundred pages of twenty staves measured, written as a MIDI file and searched for a melody, on one
-// core.
+// Scores: a hundred pages of twenty staves measured, written as a MIDI file, searched for a melody, on one
+// core; sought and played.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <ctime>
+#include <vector>
+
 #include "score/score_midi.h"
+#include "score/score_performer.h"
 #include "score/score_writer.h"
 #include "search/score_search.h"
 
@@ -74,6 +81,77 @@ void SearchLargeScore(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file.size()));
 }
 BENCHMARK(SearchLargeScore)->ArgName("pitch")->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
+
+using std::chrono::nanoseconds;
+
+// Notes when each message came: in the score's time, or in that of the clock.
+class Watch final : public MidiOutput {
+ public:
+  explicit Watch(bool ownTime) : ownTime_(ownTime) {}
+  Outcome Send(std::uint32_t /*message*/) override {
+    times.push_back(ownTime_ ? now_ : std::chrono::steady_clock::now().time_since_epoch());
+    return Outcome::Success;
+  }
+  Outcome SendSystemExclusive(ByteView /*message*/) override { return Outcome::Success; }
+  bool KeepsTime() const override { return ownTime_; }
+  void Elapse(nanoseconds time) override { now_ += time; }
+
+  std::vector<nanoseconds> times;
+
+ private:
+  bool ownTime_;
+  nanoseconds now_{};
+};
+
+// Plays so long (TS5_PLAY_SECONDS, 20 unless it is set) and tells how late the messages were, and how much of
+// a core it took.
+void PlayLargeScore(benchmark::State& state) {
+  const char* const wanted = std::getenv("TS5_PLAY_SECONDS");
+  const std::chrono::seconds end(wanted == nullptr ? 20 : std::max(std::atoi(wanted), 1));
+  PlaybackParameters parameters;
+  const auto score = OpenAndScan(WriteScore(LargeScore()), parameters);
+  std::vector<double> late;
+  double core = 0;
+  for (auto _ : state) {
+    Watch schedule(true);
+    Watch clock(false);
+    for (Watch* device : {&schedule, &clock}) {
+      ScoreStage stage({});
+      ScorePerformer performer(*score, true, stage, *device);
+      const std::clock_t before = std::clock();
+      benchmark::DoNotOptimize(performer.Run(end));
+      core = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC / static_cast<double>(end.count());
+    }
+    for (std::size_t i = 0; i < std::min(schedule.times.size(), clock.times.size()); ++i) {
+      const nanoseconds delay = (clock.times[i] - clock.times[0]) - (schedule.times[i] - schedule.times[0]);
+      late.push_back(static_cast<double>(delay.count()) / 1e6);
+    }
+  }
+  std::ranges::sort(late);
+  const auto at = [&late](double part) {
+    return late.empty() ? 0 : late[static_cast<std::size_t>(part * static_cast<double>(late.size() - 1))];
+  };
+  state.counters["messages"] = static_cast<double>(late.size());
+  state.counters["late_ms_50%"] = at(0.5);
+  state.counters["late_ms_99%"] = at(0.99);
+  state.counters["late_ms_max"] = at(1);
+  state.counters["core_%"] = core * 100;
+}
+BENCHMARK(PlayLargeScore)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+// To the last second: the whole score is interpreted without sound.
+void SeekInLargeScore(benchmark::State& state) {
+  PlaybackParameters parameters;
+  const auto score = OpenAndScan(WriteScore(LargeScore()), parameters);
+  for (auto _ : state) {
+    Watch device(true);
+    ScoreStage stage({});
+    ScorePerformer performer(*score, true, stage, device);
+    performer.Seek(performer.Duration() - std::chrono::seconds(1));
+    benchmark::DoNotOptimize(performer.Run());
+  }
+}
+BENCHMARK(SeekInLargeScore)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ts5

@@ -10,6 +10,8 @@
 #include "midi/midi_file.h"
 #include "midi/midi_properties.h"
 #include "midi/ui/midi_properties_dialog.h"
+#include "score/score_properties.h"
+#include "score/ui/score_properties_dialog.h"
 
 namespace ts5 {
 namespace {
@@ -22,6 +24,13 @@ const std::vector<PropertiesStep>& Steps() {
          const auto header = ReadMidiFileHeader(file.path);
          if (!header) return Failure(header.error());
          return PropertiesWindow::Midi;
+       },
+       ReaderFailure::StopAtSource},
+      {{},
+       [](const FileListEntry& file) -> Result<PropertiesWindow> {
+         const auto info = ReadScoreFileInfo(file.path);
+         if (!info) return Failure(info.error());
+         return PropertiesWindow::Score;
        },
        ReaderFailure::StopAtSource},
       {{},
@@ -44,6 +53,12 @@ void ShowFileProperties(const FileListEntry& file, DialogHost& host, QWidget* ow
       return;
     }
     ShowWarning(owner, TextId::FileNotOpened);  // it went away since
+  } else if (choice.window == PropertiesWindow::Score) {
+    if (const auto properties = ReadScoreProperties(file.path)) {
+      ScorePropertiesDialog(*properties, host, owner).exec();
+      return;
+    }
+    ShowWarning(owner, TextId::FileNotOpened);
   } else if (choice.window == PropertiesWindow::Wave || choice.window == PropertiesWindow::Audio) {
     ShowAudioProperties(file.path, host, owner);
   } else {

@@ -13,6 +13,7 @@
 #include "midi/midi_capture.h"
 #include "midi/midi_converter.h"
 #include "midi/ui/midi_convert_dialog.h"
+#include "score/ui/score_midi_dialog.h"
 #include "search/melody_store.h"
 #include "search/search_parameters.h"
 #include "search/ui/search_dialog.h"
@@ -57,6 +58,15 @@ bool PrepareMidiToWave(const Job& job, Application& application, DialogHost& hos
   return PrepareMixer(parameters, application.Devices().audioInputs, application.GetSettings(), host, owner);
 }
 
+bool EditScoreToMidi(Job& job, Application& application, DialogHost& host, QWidget* owner) {
+  auto& parameters = static_cast<ScoreToMidiParameters&>(*job.parameters);
+  ScoreMidiDialog dialog(parameters, ItemSource(job, 0), application.GetSettings().playbackParameterDirectory,
+                         host, owner);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  parameters = dialog.Parameters();
+  return true;
+}
+
 const std::vector<ParameterDialog>& Dialogs() {
   static const std::vector<ParameterDialog> dialogs{
       {FilterId::MidiConverter, EditConverter},
@@ -64,6 +74,7 @@ const std::vector<ParameterDialog>& Dialogs() {
       {FilterId::ScoreSearch, EditSearch},
       {FilterId::MidiSearch, EditSearch},
       {FilterId::MidiToWave, EditMidiToWave, PrepareMidiToWave},
+      {FilterId::ScoreToMidi, EditScoreToMidi},
   };
   return dialogs;
 }

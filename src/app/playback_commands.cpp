@@ -5,6 +5,7 @@
 #include "app/job_commands.h"
 #include "app/main_window.h"
 #include "frame/ui/playback_window.h"
+#include "score/ui/score_playback.h"
 
 namespace ts5 {
 namespace {
@@ -46,6 +47,7 @@ void PlaybackCommands::Open(Job& job) {
                                .stop = [this, run = run.get()] { Act(run, CommandId::Stop); }},
                               window_, &window_);
     open->setAttribute(Qt::WA_DeleteOnClose);
+    if (filter == FilterId::ScorePlayer) AddScorePlayback(*open, find);
   }
   open->show();
   open->raise();
@@ -59,6 +61,22 @@ void PlaybackCommands::Act(const JobRun* run, CommandId command) {
   if (!number) return;
   if (*number != jobs.ActiveNumber()) window_.JobActions().Activate(static_cast<int>(*number));
   if (*number == jobs.ActiveNumber()) window_.Trigger(command);
+}
+
+void PlaybackCommands::AddScorePlayback(PlaybackWindow& window, const std::function<Job*()>& find) {
+  new ScorePlayback(window,
+                    {.parameters = [find]() -> ScorePlayerParameters* {
+                       Job* const job = find();
+                       return job != nullptr ? dynamic_cast<ScorePlayerParameters*>(job->parameters.Get())
+                                             : nullptr;
+                     },
+                     .source =
+                         [find] {
+                           const Job* const job = find();
+                           return job != nullptr ? ItemSource(*job, 0) : std::string();
+                         },
+                     .setDirectory = window_.App().GetSettings().playbackParameterDirectory},
+                    window_);
 }
 
 bool PlaybackCommands::TogglePause(Job& job) {

@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
 #include <map>
 
 #include "app/command_table.h"
@@ -26,6 +27,9 @@ class PlaybackCommands : public QObject {
  private:
   void Act(const JobRun* run, CommandId command);
   void Step(PlayerStep step);
+  // What the window of the score player has beside the others'. find: the window's job, nullptr once it has
+  // gone.
+  void AddScorePlayback(PlaybackWindow& window, const std::function<Job*()>& find);
 
   MainWindow& window_;
   std::map<const JobRun*, QPointer<PlaybackWindow>> windows_;

@@ -67,7 +67,6 @@ class WaveFileOutput final : public ClockedOutput {
   ~WaveFileOutput() override { Halt(); }
 
   bool Alive() const override { return !failed_; }
-
   Outcome Stop() override {
     Halt();
     return sink_.Finish();

@@ -89,36 +89,6 @@ TEST(ScoreInfo, TellsFormatsApart) {
   EXPECT_THAT(ReadScoreInfo(file), FailsWith(Outcome::WrongFormat));
 }
 
-Bytes OldScore(unsigned version, bool landscape) {
-  ByteWriter out;
-  out.U32Le(kOldScoreMagic + version);
-  out.Fill(4, 7);
-  out.U16Le(landscape ? 2 : 1);
-  out.Fill(30, 7);
-  out.Fill(version == 0 ? 60 : version == 1 ? 62 : 121, 7);
-  out.U16Le(2);  // a text of two bytes and its terminator, 60 bytes
-  out.Fill(63, 7);
-  out.U16Le(0xFFFF);
-  out.Fill(66, 7);
-  out.U16Le(2);
-  out.Fill(version == 0 ? 18 : 32, 7);
-  for (int staff = 0; staff < 2; ++staff) {
-    out.Fill(4, 7);
-    out.U8(staff == 0 ? 0x41 : 3);
-    out.Fill(8, 7);
-    out.U16Le(12);
-    out.Fill(3, 7);
-    for (int name = 0; name < 3; ++name) {
-      const bool named = staff == 0 && name < 2;
-      out.U16Le(named ? 1 : 0);
-      if (named) out.U8(static_cast<std::uint8_t>('A' + name));
-      out.U8(0);
-    }
-  }
-  out.U16Le(5);
-  return out.Release();
-}
-
 TEST(ScoreInfo, ReadsTheOlderFormats) {
   for (const unsigned version : {0U, 1U, 2U}) {
     const Bytes file = OldScore(version, version != 1);

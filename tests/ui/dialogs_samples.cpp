@@ -95,8 +95,9 @@ std::unique_ptr<QWidget> PlayingWindow(DialogHost& host, FilterId filter) {
       host, nullptr);
 }
 
-// After the others, those of the room of searches.
-std::vector<WindowSample> WithSearch(std::vector<WindowSample> samples) {
+// After the others, those of the rooms of scores and searches.
+std::vector<WindowSample> WithRooms(std::vector<WindowSample> samples) {
+  for (WindowSample& sample : ScoreWindowSamples()) samples.push_back(std::move(sample));
   for (WindowSample& sample : SearchWindowSamples()) samples.push_back(std::move(sample));
   return samples;
 }
@@ -130,7 +131,7 @@ std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
 }  // namespace
 
 const std::vector<WindowSample>& WindowSamples() {
-  static const std::vector<WindowSample> samples = WithSearch({
+  static const std::vector<WindowSample> samples = WithRooms({
       {"RESULTS",
        [](DialogHost& host) { return std::make_unique<ResultsDialog>(SampleResult(), host, nullptr); }},
       {"CREATEJOB",

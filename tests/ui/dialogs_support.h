@@ -72,6 +72,7 @@ struct WindowSample {
   std::function<std::unique_ptr<QWidget>(DialogHost&)> make;
 };
 [[nodiscard]] const std::vector<WindowSample>& WindowSamples();
-[[nodiscard]] std::vector<WindowSample> SearchWindowSamples();  // those of the melody search, among them
+[[nodiscard]] std::vector<WindowSample> ScoreWindowSamples();   // those of the score room, among them
+[[nodiscard]] std::vector<WindowSample> SearchWindowSamples();  // those of the melody search, likewise
 
 }  // namespace ts5

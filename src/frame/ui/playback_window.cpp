@@ -97,6 +97,14 @@ void PlaybackWindow::keyPressEvent(QKeyEvent* event) {
   HostedDialog::keyPressEvent(event);
 }
 
+QTabWidget& PlaybackWindow::Pages() {
+  return *ui_->pages;
+}
+
+void PlaybackWindow::AddExtras(QWidget* extras) {
+  ui_->extrasLayout->addWidget(extras);
+}
+
 void PlaybackWindow::TakeOptions() {
   PlayerOptions* const options = subject_.options();
   if (options == nullptr) return;
@@ -137,6 +145,7 @@ void PlaybackWindow::Refresh() {
        {static_cast<QAbstractButton*>(ui_->stopButton), static_cast<QAbstractButton*>(ui_->previousButton),
         static_cast<QAbstractButton*>(ui_->restartButton), static_cast<QAbstractButton*>(ui_->nextButton)})
     button->setEnabled(active);
+  emit Refreshed();
   PlaybackForm form = PlaybackFormOf(subject_.filter, *options, state, status);
   if (shown_ == form) return;
   Show(form);

@@ -10,6 +10,8 @@
 #include "frame/playback_form.h"
 #include "frame/ui/hosted_dialog.h"
 
+class QTabWidget;
+
 namespace Ui {
 class PLAYBACK;
 }
@@ -37,6 +39,13 @@ class PlaybackWindow : public HostedDialog {
 
   [[nodiscard]] QString HelpTopic() const override;
   [[nodiscard]] const std::shared_ptr<JobRun>& Run() const { return subject_.run; }
+
+  // For the players that have more: pages behind PLAYBACK1, and controls below the position.
+  [[nodiscard]] QTabWidget& Pages();
+  void AddExtras(QWidget* extras);
+
+ signals:
+  void Refreshed();  // as often as the window looks at the player
 
  protected:
   // The page keys move the position wherever the focus is.

@@ -1,0 +1,95 @@
+#!/bin/bash
+# A musician plays and converts a score with real mouse and keys: looks at its properties, sets parameters, plays it
+# with another tempo and from another place, converts it, reads the results, ends. Needs Xvfb, xdotool and ImageMagick's
+# import.
+#
+#   tests/desktop/score.sh PROGRAM [PICTURES]
+#
+# Exit status 0 when the MIDI file is there and the program ended by itself.
+program=$1
+pictures=${2:-}
+. "$(dirname "$0")/common.sh"
+cp "$demo"/*.stv "$HOME/Musik"
+
+# press WINDOW KEY...: keys for a window that is open.
+press() {
+  xdotool windowfocus "$1" 2>/dev/null || true
+  sleep 0.2
+  shift
+  keys "$@"
+}
+# tile NAME: finds the tile that opens a window of that title, and prints the window's number.
+tile() {
+  local y found
+  for y in $(seq 90 20 700); do
+    click 100 "$y"
+    sleep 0.3
+    found=$(shown "$1") && { echo "$found"; return; }
+    xdotool key Escape
+    sleep 0.2
+  done
+  return 1
+}
+
+start_program
+
+# The directory "Musik", its last score.
+click 320 128
+sleep 1.5
+click 620 135
+sleep 0.3
+keys End
+sleep 0.5
+
+keys ctrl+e
+properties=$(window '^Datei-Eigenschaften von') || fail "no properties"
+press "$properties" End
+picture 1-properties
+keys Escape
+closed '^Datei-Eigenschaften von' || fail "the properties stay"
+to_main
+
+playback=$(tile '^Playback-Parameter') || fail "no tile opens the playback window"
+press "$playback" Tab
+picture 2-stopped
+xdotool windowfocus "$playback"
+eval "$(xdotool getwindowgeometry --shell "$playback")"
+for page in 3-staves 4-articulation 5-accents 6-sounds 7-dynamics; do
+  keys ctrl+Tab
+  picture "$page"
+done
+
+# Play, from the main window; later at another place and tempo, and paused.
+to_main
+keys ctrl+Return
+sleep 2
+picture 8-playing
+keys space
+sleep 0.5
+picture 9-paused
+keys space
+sleep 1
+keys Escape
+sleep 1
+picture 10-stopped
+press "$playback" alt+F4
+closed '^Playback-Parameter' || fail "the playback window stays"
+to_main
+
+eval "$(xdotool getwindowgeometry --shell "$main")"
+converter=$(tile '^Partitur-Midi-Parameter') || fail "no tile opens the converter's parameters"
+press "$converter" alt+m
+picture 11-converter
+keys Return
+closed '^Partitur-Midi-Parameter' || fail "the parameters were not taken"
+to_main
+keys ctrl+Return
+results=$(window '^Ergebnisse der Partitur-Midi-Konvertierung') || fail "no results"
+picture 12-results
+press "$results" Return
+closed '^Ergebnisse der Partitur-Midi-Konvertierung' || fail "the results stay"
+within 10 sh -c 'ls "$HOME"/Musik/*.mid >/dev/null 2>&1' || fail "no MIDI file"
+"$console" info "$HOME"/Musik/*.mid
+
+end_program 13-end
+echo "score: played, converted, ended in order"
