@@ -44,7 +44,10 @@ int main(int argc, char** argv) {
   ApplyAppearance(qt, layout, DesktopIsDark());
   FollowDesktop(qt, layout);
   MainWindow window(application);
-  EndSignals endSignals([&] { window.EndWithoutQuestion(); });
+  EndSignals endSignals([&] {
+    window.EndWithoutQuestion();
+    QCoreApplication::exit();  // also out of the loops of dialogs that wait for an answer
+  });
   QObject::connect(&qt, &QGuiApplication::commitDataRequest, &window, [&] { window.EndWithoutQuestion(); });
 
   window.Begin();

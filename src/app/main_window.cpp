@@ -535,8 +535,6 @@ void MainWindow::EndWithoutQuestion() {
   const JobSaving policy = application_.GetSettings().jobSaving;
   if (!ended_) End(policy == JobSaving::Ask ? JobSaving::Automatic : policy);
   close();
-  // Also out of the loops of dialogs that wait for an answer.
-  QCoreApplication::exit();
 }
 
 void MainWindow::End(JobSaving policy) {
