@@ -31,6 +31,7 @@ PositionSlider::PositionSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent
 void PositionSlider::SetWaveform(std::shared_ptr<const Waveform> waveform) {
   if (waveform == waveform_) return;
   waveform_ = std::move(waveform);
+  outline_ = QPixmap();
   setAccessibleDescription(waveform_ ? QtText(TextId::PlaybackWaveformName) : QString());
   update();
 }
@@ -45,20 +46,34 @@ void PositionSlider::keyPressEvent(QKeyEvent* event) {
   QSlider::keyPressEvent(event);
 }
 
+// Drawn once for each title, size and palette: the position moves 60 times a second over it.
+void PositionSlider::DrawOutline() {
+  outline_ = QPixmap(size() * devicePixelRatioF());
+  outline_.setDevicePixelRatio(devicePixelRatioF());
+  outline_.fill(Qt::transparent);
+  QPainter painter(&outline_);
+  QColor colour = palette().highlight().color();
+  colour.setAlpha(110);
+  painter.setPen(colour);
+  const qreal middle = height() * 0.5;
+  // The loudest part fills the height, so that the outline of a soft piece can be seen as well.
+  const qreal loudest = std::max(*std::ranges::max_element(*waveform_), kSoftest);
+  for (int x = 0; x < width(); ++x) {
+    const auto part = static_cast<std::size_t>(x) * waveform_->size() / static_cast<std::size_t>(width());
+    const qreal half = middle * (*waveform_)[part] / loudest;
+    painter.drawLine(QPointF(x, middle - half), QPointF(x, middle + half));
+  }
+}
+
+void PositionSlider::changeEvent(QEvent* event) {
+  outline_ = QPixmap();
+  QSlider::changeEvent(event);
+}
+
 void PositionSlider::paintEvent(QPaintEvent* event) {
   if (waveform_ && !waveform_->empty()) {
-    QPainter painter(this);
-    QColor colour = palette().highlight().color();
-    colour.setAlpha(110);
-    painter.setPen(colour);
-    const qreal middle = height() * 0.5;
-    // The loudest part fills the height, so that the outline of a soft piece can be seen as well.
-    const qreal loudest = std::max(*std::ranges::max_element(*waveform_), kSoftest);
-    for (int x = 0; x < width(); ++x) {
-      const auto part = static_cast<std::size_t>(x) * waveform_->size() / static_cast<std::size_t>(width());
-      const qreal half = middle * (*waveform_)[part] / loudest;
-      painter.drawLine(QPointF(x, middle - half), QPointF(x, middle + half));
-    }
+    if (outline_.size() != size() * devicePixelRatioF()) DrawOutline();
+    QPainter(this).drawPixmap(0, 0, outline_);
   }
   QSlider::paintEvent(event);
 }

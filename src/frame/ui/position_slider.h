@@ -1,6 +1,7 @@
 // The position of a player, over the outline of what is played. Keys move it by the steps of playback_form.h.
 #pragma once
 
+#include <QPixmap>
 #include <QSlider>
 #include <memory>
 
@@ -20,10 +21,14 @@ class PositionSlider : public QSlider {
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void DrawOutline();
+
   std::shared_ptr<const Waveform> waveform_;
+  QPixmap outline_;  // of the waveform
 };
 
 }  // namespace ts5
