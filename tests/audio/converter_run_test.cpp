@@ -93,7 +93,7 @@ TEST(WaveConverterRunTest, ManyFilesGiveTheSameEveryTime) {
   for (int i = 0; i < 20; ++i) {
     std::vector<std::int16_t> samples(static_cast<std::size_t>(1000 + i * 137));
     for (std::size_t s = 0; s < samples.size(); ++s)
-      samples[s] = static_cast<std::int16_t>(s * 7919 + 13 * i);
+      samples[s] = static_cast<std::int16_t>(s * 7919 + 13 * static_cast<std::size_t>(i));
     files.push_back(place.Write("s" + std::to_string(i) + ".wav",
                                 AsText(Wave(PcmFormat(44100, 16, 1), Samples16(samples)))));
   }

@@ -115,7 +115,6 @@ struct Timed {
   std::size_t track;
   std::string bytes;
   unsigned place;  // MergeClass
-  friend bool operator==(const Timed&, const Timed&) = default;
 };
 using TimedTracks = std::vector<std::vector<Timed>>;
 
