@@ -55,6 +55,7 @@ Outcome ScorePerformer::Run(std::optional<nanoseconds> end) {
         break;
       case PlayTurn::Pause:
         Silence();
+        Show();
         transport_.AwaitResume();
         break;
       case PlayTurn::Seek: {

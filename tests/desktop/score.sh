@@ -72,7 +72,7 @@ sleep 1
 keys Escape
 sleep 1
 picture 10-stopped
-press "$playback" alt+F4
+press "$playback" Escape
 closed '^Playback-Parameter' || fail "the playback window stays"
 to_main
 

@@ -71,7 +71,7 @@ void StaffLights::paintEvent(QPaintEvent* /*event*/) {
     const QRect place(i % columns * cell, i / columns * height, cell, height);
     const bool lit = lit_[static_cast<std::size_t>(i)];
     const QRect circle(place.left() + 2, place.top() + (height - lamp) / 2, lamp, lamp);
-    painter.setPen(palette().color(QPalette::Mid));
+    painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.setBrush(lit ? palette().color(QPalette::Highlight) : palette().color(QPalette::Base));
     painter.drawEllipse(circle);
     painter.setPen(palette().color(QPalette::WindowText));
