@@ -73,7 +73,7 @@ TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
   EXPECT_EQ(json["items"][0]["source"], "lieder/eins.mid");
   EXPECT_EQ(json["items"][0]["destination"], "neu/eins.cnv.mid");
   EXPECT_EQ(json["items"][1]["code"], -104);
-  for (const int missing : {2, 3, 4}) EXPECT_EQ(json["items"][missing]["code"], -300) << missing;
+  for (const std::size_t missing : {2U, 3U, 4U}) EXPECT_EQ(json["items"][missing]["code"], -300) << missing;
   EXPECT_EQ(NewFiles(), "eins.cnv.mid");
   // Format 0, one track.
   EXPECT_THAT(Content(folder_.File("neu/eins.cnv.mid")), StartsWith(std::string("MThd\0\0\0\6\0\0\0\1", 12)));
