@@ -94,7 +94,7 @@ TEST_F(WindowStory, EveryControlHasANameAndCanBeReached) {
   Start();
   for (const FilterId filter : {FilterId::MidiConverter, FilterId::MidiSearch, FilterId::MidiPlayer,
                                 FilterId::AudioPlayer, FilterId::CdBurner, FilterId::Artworker}) {
-    ActiveJob().filter = filter;
+    ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), filter, W()));
     W().ShowFilter();
     for (const bool list : {false, true}) {
       if ((ActiveJob().Mode() == SourceMode::List) != list) W().Trigger(CommandId::SwitchListMode);
@@ -218,7 +218,7 @@ TEST_F(WindowStory, FixingHidesAllOtherFilters) {
 TEST_F(WindowStory, WithoutDevicesThePanelsSaySo) {
   Start();
   const auto expectOnly = [&](FilterId filter, DeviceKind kind, TextId text) {
-    ActiveJob().filter = filter;
+    ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), filter, W()));
     W().ShowFilter();
     const QListWidget* list = W().Target().DeviceList(kind);
     EXPECT_TRUE(list->isVisible());
