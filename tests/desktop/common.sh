@@ -73,3 +73,28 @@ end_program() {
   within 10 gone || fail "the program did not end"
   app=
 }
+
+# make_files DIRECTORY COUNT: as many MIDI files of one song, lied000001.mid and on, as links.
+make_files() {
+  mkdir -p "$1"
+  python3 - "$demo/Maple Leaf Rag.mid" "$1" "$2" <<'PYTHON'
+import os, shutil, sys
+for i in range(int(sys.argv[3])):
+    name = f"{sys.argv[2]}/lied{i + 1:06}.mid"
+    if i % 50000 == 0:  # no more links to one file than a file system bears
+        original = shutil.copy(sys.argv[1], name)
+    else:
+        os.link(original, name)
+PYTHON
+}
+# drag_selection FROM TO: takes the selected files of the view at one height and holds them over the free list's
+# strip at the other.
+drag_selection() {
+  xdotool mousemove $((X + 620)) $((Y + $1)) mousedown 1
+  local step
+  for step in 1 2 3 4 5 6 7 8; do
+    xdotool mousemove $((X + 620 + step * 20)) $((Y + $1 + step * ($2 - $1) / 8))
+    sleep 0.1
+  done
+  sleep 0.5
+}

@@ -11,19 +11,6 @@ pictures=${2:-}
 dropped=${TS5_TROUBLE_FILES:-100000}
 converted=3000
 
-# make_files DIRECTORY COUNT: that many MIDI files of one song, as links.
-make_files() {
-  mkdir -p "$1"
-  python3 - "$demo/Maple Leaf Rag.mid" "$1" "$2" <<'PYTHON'
-import os, shutil, sys
-for i in range(int(sys.argv[3])):
-    name = f"{sys.argv[2]}/lied{i + 1:06}.mid"
-    if i % 50000 == 0:  # no more links to one file than a file system bears
-        original = shutil.copy(sys.argv[1], name)
-    else:
-        os.link(original, name)
-PYTHON
-}
 # set_job NUMBER NAME VALUE
 set_job() { "$console" registry set "Jobs\\Job $1" "$2" "$3"; }
 done_in() { [ "$(find "$HOME/$1" -name '*.cnv.mid' | wc -l)" -eq "$2" ]; }
@@ -42,13 +29,7 @@ click 620 135
 keys shift+End
 sleep 2
 picture 1-selected
-xdotool mousemove $((X + 620)) $((Y + 175)) mousedown 1
-for step in 1 2 3 4 5 6 7 8; do
-  xdotool mousemove $((X + 620 + step * 20)) $((Y + 155 + step * 42))
-  sleep 0.1
-done
-xdotool mousemove $((X + 780)) $((Y + 497))
-sleep 0.5
+drag_selection 175 497
 began=$(date +%s%N)
 xdotool mouseup 1
 xdotool key --clearmodifiers F10

@@ -27,13 +27,7 @@ sleep 0.7
 picture 3-selected
 
 # The selected files are dragged with the mouse over the free list, which stands below the directory's files.
-xdotool mousemove $((X + 620)) $((Y + 155)) mousedown 1
-for step in 1 2 3 4 5 6 7 8; do
-  xdotool mousemove $((X + 620 + step * 20)) $((Y + 155 + step * 42))
-  sleep 0.1
-done
-xdotool mousemove $((X + 780)) $((Y + 497))
-sleep 0.4
+drag_selection 155 332
 picture 3b-dragged
 xdotool mouseup 1
 sleep 0.7

@@ -10,17 +10,7 @@ pictures=${2:-}
 . "$(dirname "$0")/common.sh"
 count=${TS5_TROUBLE_FILES:-100000}
 
-cp "$demo/Maple Leaf Rag.mid" "$HOME/lied.mid"
-mkdir "$work/viele"
-python3 - "$HOME/lied.mid" "$work/viele" "$count" <<'PYTHON'
-import os, shutil, sys
-for i in range(int(sys.argv[3])):
-    name = f"{sys.argv[2]}/lied{i + 1:06}.mid"
-    if i % 50000 == 0:  # no more links to one file than a file system bears
-        original = shutil.copy(sys.argv[1], name)
-    else:
-        os.link(original, name)
-PYTHON
+make_files "$work/viele" "$count"
 {
   printf '[sts5 Filelist]\r\nFiles=%d\r\n' "$count"
   seq "$count" | awk -v d="$work/viele" '{ printf "%d=%s/lied%06d.mid\r\n", $1, d, $1 }'
