@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 #include "resources/icons.h"
@@ -10,13 +12,13 @@
 namespace ts5 {
 
 QString VersionText() {
-  return ToQt(Format(Text(TextId::VersionLine), TS5_VERSION));
+  return ToQt(Format(Text(texts::VersionLine), TS5_VERSION));
 }
 
 AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::ABOUT>()) {
   ui_->setupUi(this);
-  setWindowTitle(QtText(TextId::AboutCaption));
-  ui_->nameLabel->setText(QtText(TextId::ApplicationTitle));
+  setWindowTitle(QtText(texts::AboutCaption));
+  ui_->nameLabel->setText(QtText(texts::ApplicationTitle));
   ui_->versionLabel->setText(VersionText());
   ui_->logo->setPixmap(Icon("stavora-ts5").pixmap(ui_->logo->minimumSize(), devicePixelRatioF()));
   InitializeResources();

@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "app/filter_modules.h"
+#include "app/texts.h"
 #include "frame/settings_store.h"
 #include "platform/audio_in.h"
 #include "platform/audio_out.h"
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/midi_out.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -37,7 +39,7 @@ JobSurroundings SurroundingsOf(const VolumeTable& volumes, const DeviceLists& de
 std::vector<std::string> Printers() {
   std::vector<std::string> names;
   for (const QString& name : QPrinterInfo::availablePrinterNames()) names.push_back(name.toStdString());
-  names.emplace_back(Text(TextId::PdfPrinter));  // built in, so that there is always one
+  names.emplace_back(Text(texts::PdfPrinter));  // built in, so that there is always one
   return names;
 }
 
@@ -51,19 +53,19 @@ Application::Application(const StartOptions& options, const std::function<void(T
   OpenRegistry(registryPath_);
   siblings_ = FindSiblings(*registry_);
 
-  announce_(TextId::StartDrives);
+  announce_(texts::StartDrives);
   volumes_ = options.volumes ? *options.volumes : VolumeTable::OfThisMachine();
-  announce_(TextId::StartAudioInputs);
-  announce_(TextId::StartAudioOutputs);
+  announce_(texts::StartAudioInputs);
+  announce_(texts::StartAudioOutputs);
   devices_ = options.devices.value_or(DeviceLists{});
   if (!options.devices) {
     devices_.audioInputs = AudioInputDevices();
     devices_.audioOutputs = AudioOutputDevices();
   }
-  announce_(TextId::StartMidiDevices);
+  announce_(texts::StartMidiDevices);
   if (!options.devices) devices_.midiOutputs = MidiOutputDevices();
-  announce_(TextId::StartCodecs);
-  announce_(TextId::StartPrinters);
+  announce_(texts::StartCodecs);
+  announce_(texts::StartPrinters);
   if (!options.devices) devices_.printers = Printers();
   settings_ = LoadSettings(*registry_, DefaultSettingsGround());
   CheckRecordMixer(settings_, [this](std::int32_t line) -> std::optional<std::string> {
@@ -71,9 +73,9 @@ Application::Application(const StartOptions& options, const std::function<void(T
     if (std::cmp_greater_equal(line, inputs.size())) return std::nullopt;
     return inputs[static_cast<std::size_t>(line)];
   });
-  announce_(TextId::StartMp3Interfaces);
+  announce_(texts::StartMp3Interfaces);
 
-  announce_(TextId::StartMainWindow);
+  announce_(texts::StartMainWindow);
   const JobSurroundings surroundings = SurroundingsOf(volumes_, devices_, modules_);
   auto stored = LoadJobs(*registry_, surroundings);
   if (!stored) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/main_window.h"
+#include "app/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/qt_text.h"
@@ -58,8 +59,8 @@ void AreaCommands::BrowseDestination() {
   std::string start = FromQt(window_.Target().Field()->text());
   if (!IsAbsolutePath(start)) start = JoinPath(DirectoryOf(source), start);
   const bool xml = EqualsIgnoringCase(ExtensionOf(source), "xml");
-  window_.ShowPrompt(QtText(TextId::BrowseTargetPrompt));
-  const auto path = AskDestination({.title = QtText(TextId::BrowseTargetTitle),
+  window_.ShowPrompt(QtText(texts::BrowseTargetPrompt));
+  const auto path = AskDestination({.title = QtText(texts::BrowseTargetTitle),
                                     .start = start,
                                     .filter = TargetFileFilter(job.filter, {.sourceIsXml = xml}),
                                     .helpTopic = QStringLiteral("zielmedium.htm")},

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <array>
 
+#include "app/texts.h"
+#include "frame/texts.h"
+#include "search/texts.h"
+
 namespace ts5 {
 namespace {
 
 using enum MenuId;
 using C = CommandId;
-using T = TextId;
+namespace T = texts;
 constexpr FilterId kAlways = FilterId::None;
 
 constexpr std::array kCommands{

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "frame/directory_listing.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
@@ -26,7 +27,7 @@ struct DirectoryTreeModel::Node {
   // What stands below a directory until its own directories have been read.
   static std::unique_ptr<Node> Placeholder(Node* parent) {
     auto node = std::make_unique<Node>();
-    node->label = QtText(TextId::TreePlaceholder);
+    node->label = QtText(texts::TreePlaceholder);
     node->parent = parent;
     node->mayHaveChildren = false;
     return node;

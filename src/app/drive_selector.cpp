@@ -4,7 +4,9 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 
+#include "app/texts.h"
 #include "frame/file_list.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 
@@ -12,8 +14,8 @@ namespace ts5 {
 
 DriveSelector::DriveSelector(QWidget* parent) : QComboBox(parent) {
   setObjectName("driveSelector");
-  setAccessibleName(QtText(TextId::DriveSelectorName));
-  setToolTip(QtText(TextId::HintTakeDrive));
+  setAccessibleName(QtText(texts::DriveSelectorName));
+  setToolTip(QtText(texts::HintTakeDrive));
   setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
   setMinimumContentsLength(24);
   connect(this, &QComboBox::activated, this, [this] {
@@ -24,7 +26,7 @@ DriveSelector::DriveSelector(QWidget* parent) : QComboBox(parent) {
 void DriveSelector::SetDrives(const std::vector<Drive>& drives) {
   const QSignalBlocker quiet(this);
   clear();
-  addItem(Icon("filesicon"), QtText(TextId::ListModeDrive), kListModeDrive);
+  addItem(Icon("filesicon"), QtText(texts::ListModeDrive), kListModeDrive);
   for (const Drive& drive : drives) addItem(Icon("diskicon"), drive.text, drive.index);
   SetCurrent(current_);
 }

@@ -6,6 +6,7 @@
 #include "audio/media_probe.h"
 #include "audio/ui/audio_properties_dialog.h"
 #include "frame/file_properties.h"
+#include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "midi/midi_file.h"
 #include "midi/midi_properties.h"
@@ -52,13 +53,13 @@ void ShowFileProperties(const FileListEntry& file, DialogHost& host, QWidget* ow
       MidiPropertiesDialog(*properties, host, owner)->exec();
       return;
     }
-    ShowWarning(owner, TextId::FileNotOpened);  // it went away since
+    ShowWarning(owner, texts::FileNotOpened);  // it went away since
   } else if (choice.window == PropertiesWindow::Score) {
     if (const auto properties = ReadScoreProperties(file.path)) {
       ScorePropertiesDialog(*properties, host, owner).exec();
       return;
     }
-    ShowWarning(owner, TextId::FileNotOpened);
+    ShowWarning(owner, texts::FileNotOpened);
   } else if (choice.window == PropertiesWindow::Wave || choice.window == PropertiesWindow::Audio) {
     ShowAudioProperties(file.path, host, owner);
   } else {

@@ -13,6 +13,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/paths.h"
 #include "resources/icons.h"
@@ -29,7 +31,7 @@ class LabelDelegate : public QStyledItemDelegate {
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const override {
     auto* editor = new QLineEdit(parent);
-    editor->setAccessibleName(QtText(TextId::NewFileName));
+    editor->setAccessibleName(QtText(texts::NewFileName));
     editor->setFrame(false);
     (void)option;
     (void)index;
@@ -69,7 +71,7 @@ std::vector<std::string> PathsOf(const QMimeData& data) {
 
 FileView::FileView(QWidget* parent) : QTreeView(parent) {
   setObjectName("fileView");
-  setAccessibleName(QtText(TextId::FileViewName));
+  setAccessibleName(QtText(texts::FileViewName));
   setRootIsDecorated(false);
   setItemsExpandable(false);
   setUniformRowHeights(true);
@@ -207,7 +209,7 @@ void FileView::paintEvent(QPaintEvent* event) {
   if (model_ == nullptr || model_->Size() > 0) return;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
-  const QString text = QtText(model_->ShowsList() ? TextId::EmptyFreeList : TextId::EmptyFileView);
+  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : texts::EmptyFileView);
   painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }

@@ -6,6 +6,7 @@
 #include "app/parameter_windows.h"
 #include "app/playback_commands.h"
 #include "frame/filter_bar.h"
+#include "frame/texts.h"
 #include "frame/ui/message_box.h"
 
 namespace ts5 {
@@ -39,7 +40,7 @@ void FilterCommands::EditParameters() {
   if (IsPlayer(job.filter) && job.parameters) return window_.Playback().Open(job);
   const ParameterDialog* dialog = FindParameterDialog(job.filter);
   if (dialog == nullptr || !job.parameters) {
-    ShowNotice(&window_, TextId::NoDecoderPage);
+    ShowNotice(&window_, texts::NoDecoderPage);
     return;
   }
   if (dialog->edit(job, window_.App(), window_, &window_)) {

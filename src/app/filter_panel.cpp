@@ -4,6 +4,8 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 #include "resources/icons.h"
@@ -22,10 +24,10 @@ std::size_t Index(FilterId filter) {
 FilterPanel::FilterPanel(std::span<const TileButton::Look> looks, TileStyle style, QWidget* parent)
     : QWidget(parent), scroll_(new QScrollArea(this)), fix_(new QToolButton(this)) {
   setObjectName("filterBar");
-  setAccessibleName(QtText(TextId::FilterBarName));
+  setAccessibleName(QtText(texts::FilterBarName));
   auto* list = new QWidget(scroll_);
   list->setObjectName("filterTiles");
-  list->setAccessibleName(QtText(TextId::FilterBarName));
+  list->setAccessibleName(QtText(texts::FilterBarName));
   auto* lines = new QVBoxLayout(list);
   lines->setContentsMargins(2, 2, 2, 2);
   lines->setSpacing(3);
@@ -60,10 +62,10 @@ FilterPanel::FilterPanel(std::span<const TileButton::Look> looks, TileStyle styl
   scroll_->setFocusPolicy(Qt::NoFocus);
 
   fix_->setObjectName("fixFilter");
-  fix_->setText(QtText(TextId::FixFilter));
-  fix_->setToolTip(QtText(TextId::FixFilterToolTip));
-  fix_->setAccessibleName(QtText(TextId::FixFilter));
-  fix_->setAccessibleDescription(QtText(TextId::FixFilterToolTip));
+  fix_->setText(QtText(texts::FixFilter));
+  fix_->setToolTip(QtText(texts::FixFilterToolTip));
+  fix_->setAccessibleName(QtText(texts::FixFilter));
+  fix_->setAccessibleDescription(QtText(texts::FixFilterToolTip));
   fix_->setCheckable(true);
   fix_->setFocusPolicy(Qt::StrongFocus);
   fix_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -94,7 +96,7 @@ void FilterPanel::Show(std::span<const Tile> tiles, FilterId current, bool fixed
     row.toggle->setEnabled(shown.toggleEnabled);
     row.toggle->setIcon(Icon(shown.expanded ? "collapse" : "expand"));
     const QString label = ToQt(
-        Format(Text(shown.expanded ? TextId::CollapseTile : TextId::ExpandTile), FromQt(row.tile->text())));
+        Format(Text(shown.expanded ? texts::CollapseTile : texts::ExpandTile), FromQt(row.tile->text())));
     row.toggle->setToolTip(label);
     row.toggle->setAccessibleName(label);
     if (!shown.shown && hadFocus) fix_->setFocus();

@@ -17,6 +17,7 @@
 #include <QTreeWidget>
 #include <QUrl>
 
+#include "app/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 #include "resources/icons.h"
@@ -74,15 +75,15 @@ HelpWindow::HelpWindow(QWidget* parent)
     : QMainWindow(parent), contents_(new QTreeWidget), page_(new QTextBrowser) {
   InitializeResources();
   setWindowFlag(Qt::Window);
-  setWindowTitle(QtText(TextId::HelpCaption));
+  setWindowTitle(QtText(texts::HelpCaption));
   setWindowIcon(Icon("help"));
   setObjectName(QStringLiteral("helpWindow"));
   resize(900, 640);
 
-  contents_->setAccessibleName(QtText(TextId::HelpContentsName));
+  contents_->setAccessibleName(QtText(texts::HelpContentsName));
   contents_->setHeaderHidden(true);
   contents_->setMinimumWidth(180);
-  page_->setAccessibleName(QtText(TextId::HelpPageName));
+  page_->setAccessibleName(QtText(texts::HelpPageName));
   page_->setOpenExternalLinks(true);
   page_->setSearchPaths({QStringLiteral(":/help")});
   page_->document()->setDocumentMargin(18);
@@ -120,7 +121,7 @@ void HelpWindow::BuildContents() {
 }
 
 void HelpWindow::BuildToolBar() {
-  QToolBar* bar = addToolBar(QtText(TextId::HelpToolBarName));
+  QToolBar* bar = addToolBar(QtText(texts::HelpToolBarName));
   bar->setMovable(false);
   bar->setContextMenuPolicy(Qt::PreventContextMenu);
   bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -132,10 +133,10 @@ void HelpWindow::BuildToolBar() {
     return action;
   };
   QAction* back =
-      add("back", TextId::HelpBack, QKeySequence(Qt::ALT | Qt::Key_Left), [this] { page_->backward(); });
-  QAction* forward = add("forward", TextId::HelpForward, QKeySequence(Qt::ALT | Qt::Key_Right),
-                         [this] { page_->forward(); });
-  add("contents", TextId::HelpHome, QKeySequence(Qt::ALT | Qt::Key_Home), [this] { OpenTopic({}); });
+      add("back", texts::HelpBack, QKeySequence(Qt::ALT | Qt::Key_Left), [this] { page_->backward(); });
+  QAction* forward =
+      add("forward", texts::HelpForward, QKeySequence(Qt::ALT | Qt::Key_Right), [this] { page_->forward(); });
+  add("contents", texts::HelpHome, QKeySequence(Qt::ALT | Qt::Key_Home), [this] { OpenTopic({}); });
   back->setEnabled(false);
   forward->setEnabled(false);
   connect(page_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
@@ -145,12 +146,12 @@ void HelpWindow::BuildToolBar() {
   space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
   bar->addWidget(space);
   searchField_ = new QLineEdit;
-  searchField_->setPlaceholderText(QtText(TextId::HelpSearch));
-  searchField_->setAccessibleName(QtText(TextId::HelpSearch));
+  searchField_->setPlaceholderText(QtText(texts::HelpSearch));
+  searchField_->setAccessibleName(QtText(texts::HelpSearch));
   searchField_->setClearButtonEnabled(true);
   searchField_->setMaximumWidth(240);
   bar->addWidget(searchField_);
-  add("find", TextId::HelpFindNext, QKeySequence(Qt::Key_F3), [this] { FindNext(searchField_->text()); });
+  add("find", texts::HelpFindNext, QKeySequence(Qt::Key_F3), [this] { FindNext(searchField_->text()); });
   connect(searchField_, &QLineEdit::returnPressed, this, [this] { FindNext(searchField_->text()); });
 
   const auto key = [this](const QKeySequence& keys, auto act) {
@@ -200,8 +201,8 @@ QString HelpWindow::CurrentTopic() const {
 // The line of the contents follows the page, however it was reached.
 void HelpWindow::FollowPage() {
   setWindowTitle(page_->documentTitle().isEmpty()
-                     ? QtText(TextId::HelpCaption)
-                     : QStringLiteral("%1 - %2").arg(page_->documentTitle(), QtText(TextId::HelpCaption)));
+                     ? QtText(texts::HelpCaption)
+                     : QStringLiteral("%1 - %2").arg(page_->documentTitle(), QtText(texts::HelpCaption)));
   statusBar()->clearMessage();
   const QSignalBlocker quiet(contents_);
   contents_->setCurrentItem(nullptr);
@@ -227,7 +228,7 @@ bool HelpWindow::FindNext(const QString& text, bool backward) {
   if (found) {
     statusBar()->clearMessage();
   } else {
-    statusBar()->showMessage(ToQt(Format(Text(TextId::HelpNotFound), FromQt(text))));
+    statusBar()->showMessage(ToQt(Format(Text(texts::HelpNotFound), FromQt(text))));
   }
   return found;
 }

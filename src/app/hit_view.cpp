@@ -9,9 +9,11 @@
 #include <chrono>
 
 #include "app/hit_model.h"
+#include "app/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 #include "search/hit_passage.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -20,14 +22,14 @@ constexpr int kNumberColumn = 96;  // width at the start
 
 std::string MapTimeText(std::chrono::nanoseconds time) {
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
-  return Format(Text(TextId::HitMapTime), seconds / 60, seconds % 60);
+  return Format(Text(texts::HitMapTime), seconds / 60, seconds % 60);
 }
 
 }  // namespace
 
 HitView::HitView(HitModel& model, QWidget* parent) : QTreeView(parent), model_(model) {
   setObjectName("hits");
-  setAccessibleName(QtText(TextId::HitListName));
+  setAccessibleName(QtText(texts::HitListName));
   setModel(&model_);
   setRootIsDecorated(false);
   setItemsExpandable(false);

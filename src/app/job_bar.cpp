@@ -6,6 +6,8 @@
 #include <QWheelEvent>
 #include <algorithm>
 
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 #include "resources/icons.h"
@@ -20,18 +22,18 @@ JobBar::JobBar(QWidget* parent)
       row_(new QWidget),
       scroll_(new QScrollArea(this)) {
   setObjectName("jobBar");
-  setAccessibleName(QtText(TextId::JobBarName));
+  setAccessibleName(QtText(texts::JobBarName));
   row_->setObjectName("jobButtons");
-  row_->setAccessibleName(QtText(TextId::JobBarName));
+  row_->setAccessibleName(QtText(texts::JobBarName));
   auto* buttons = new QHBoxLayout(row_);
   buttons->setContentsMargins(0, 0, 0, 0);
   buttons->setSpacing(2);
   newJob_ = MakeButton();
   newJob_->setObjectName("newJob");
   newJob_->setCheckable(false);
-  newJob_->setText(QtText(TextId::NewJobButton));
-  newJob_->setToolTip(QtText(TextId::NewJobButtonHint));
-  newJob_->setAccessibleDescription(QtText(TextId::NewJobButtonHint));
+  newJob_->setText(QtText(texts::NewJobButton));
+  newJob_->setToolTip(QtText(texts::NewJobButtonHint));
+  newJob_->setAccessibleDescription(QtText(texts::NewJobButtonHint));
   buttons->addWidget(newJob_);
   buttons->addStretch(1);
   connect(newJob_, &QToolButton::clicked, this, &JobBar::NewJobChosen);
@@ -47,9 +49,9 @@ JobBar::JobBar(QWidget* parent)
 
   menuButton_->setObjectName("jobMenu");
   menuButton_->setIcon(Icon("menu"));
-  menuButton_->setToolTip(QtText(TextId::JobMenuHint));
-  menuButton_->setAccessibleName(QtText(TextId::JobMenuName));
-  menuButton_->setAccessibleDescription(QtText(TextId::JobMenuHint));
+  menuButton_->setToolTip(QtText(texts::JobMenuHint));
+  menuButton_->setAccessibleName(QtText(texts::JobMenuName));
+  menuButton_->setAccessibleDescription(QtText(texts::JobMenuHint));
   menuButton_->setPopupMode(QToolButton::InstantPopup);
   menuButton_->setMenu(menu_);
   menuButton_->setFocusPolicy(Qt::StrongFocus);
@@ -96,7 +98,7 @@ void JobBar::Show(const std::vector<Button>& jobs, int active, bool switchable, 
     QString label = jobs[i].title;
     label.replace('&', "&&");
     const QString name =
-        jobs[i].running ? ToQt(Format(Text(TextId::JobRunning), FromQt(jobs[i].title))) : jobs[i].title;
+        jobs[i].running ? ToQt(Format(Text(texts::JobRunning), FromQt(jobs[i].title))) : jobs[i].title;
     buttons_[i]->setText(jobs[i].running ? QStringLiteral("▶ ") + label : label);
     buttons_[i]->setAccessibleName(name);
     buttons_[i]->setToolTip(jobs[i].description);

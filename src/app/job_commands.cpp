@@ -1,6 +1,7 @@
 #include "app/job_commands.h"
 
 #include "app/main_window.h"
+#include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/message_box.h"
 
@@ -31,7 +32,7 @@ void JobCommands::Create() {
   JobDialog dialog(JobDialog::Purpose::Create, {preset.title, preset.description}, window_, &window_);
   if (dialog.exec() != QDialog::Accepted) return;
   const JobNames names = dialog.Names();
-  if (!jobs.Create({names.title, names.description})) ShowWarning(&window_, TextId::JobNotCreated);
+  if (!jobs.Create({names.title, names.description})) ShowWarning(&window_, texts::JobNotCreated);
   window_.RefreshJobBar();
   window_.RefreshCommands();
 }

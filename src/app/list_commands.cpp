@@ -13,6 +13,7 @@
 #include "frame/file_list_file.h"
 #include "frame/file_rename.h"
 #include "frame/file_view.h"
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
@@ -108,13 +109,13 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
 
 void ListCommands::Open() {
   Job& job = window_.ActiveJob();
-  const auto path = AskFileToOpen({QtText(TextId::LoadListCaption), window_.App().lastFileList,
-                                   Text(TextId::FileListFilter), QtText(TextId::LoadListHelp)},
+  const auto path = AskFileToOpen({QtText(texts::LoadListCaption), window_.App().lastFileList,
+                                   Text(texts::FileListFilter), QtText(texts::LoadListHelp)},
                                   window_, &window_);
   if (!path) return;
   bool replace = true;
   if (job.Mode() == SourceMode::List && !job.files.Empty()) {
-    replace = AskYesNo(&window_, TextId::AskClearBeforeLoad);
+    replace = AskYesNo(&window_, texts::AskClearBeforeLoad);
   }
   if (job.Mode() == SourceMode::Directory) {
     job.sourceDrive = kListModeDrive;
@@ -134,13 +135,13 @@ void ListCommands::Load(const std::string& path, bool replace) {
   (void)window_.Show(job);
   ListChanged();
   if (message) window_.Tell(message->text, MessageIcon::Exclamation);
-  if (tooMany) ShowNotice(&window_, TextId::TooManyTracks);
+  if (tooMany) ShowNotice(&window_, texts::TooManyTracks);
 }
 
 void ListCommands::SaveAs() {
   const Job& job = window_.ActiveJob();
-  const auto chosen = AskFileToSave({QtText(TextId::SaveListCaption), window_.App().lastFileList,
-                                     Text(TextId::FileListFilter), QtText(TextId::SaveListHelp)},
+  const auto chosen = AskFileToSave({QtText(texts::SaveListCaption), window_.App().lastFileList,
+                                     Text(texts::FileListFilter), QtText(texts::SaveListHelp)},
                                     window_, &window_);
   if (!chosen) return;
   const std::string path = FileListName(*chosen);
@@ -154,7 +155,7 @@ void ListCommands::SaveAs() {
 
 void ListCommands::Clear(bool ask) {
   Job& job = window_.ActiveJob();
-  if (ask && !AskYesNo(&window_, TextId::AskClearList)) return;
+  if (ask && !AskYesNo(&window_, texts::AskClearList)) return;
   job.files.Clear();
   window_.ReloadSource();
   ListChanged();
@@ -220,17 +221,17 @@ void ListCommands::TakeLabel(std::size_t row, const QString& label) {
   const RenamePlan plan = PlanRename(path, FromQt(label));
   if (plan.kind == RenamePlan::Kind::Nothing) return;
   if (plan.kind == RenamePlan::Kind::Refused) {
-    ShowWarning(&window_, TextId::RenameFailed);
+    ShowWarning(&window_, texts::RenameFailed);
     return;
   }
   if (plan.kind == RenamePlan::Kind::Ask &&
-      !AskYesNo(&window_, TextId::AskRenameUnsupported, DefaultButton::No)) {
+      !AskYesNo(&window_, texts::AskRenameUnsupported, DefaultButton::No)) {
     return;
   }
   const Outcome outcome = job.Mode() == SourceMode::List ? RenameEntry(job.files, row, plan.newPath)
                                                          : RenameFile(path, plan.newPath);
   if (Failed(outcome)) {
-    ShowWarning(&window_, TextId::RenameFailed);
+    ShowWarning(&window_, texts::RenameFailed);
     return;
   }
   if (job.Mode() == SourceMode::Directory)
@@ -291,7 +292,7 @@ void ListCommands::PickFiles() {
   // its own.
   const std::string& source = window_.ActiveJob().directory.path;
   const std::string directory = source.empty() || !IsDirectory(source) ? ProgramDirectory() : source;
-  if (!OpenInFileManager(directory)) ShowWarning(&window_, TextId::DialogFailed);
+  if (!OpenInFileManager(directory)) ShowWarning(&window_, texts::DialogFailed);
 }
 
 void ListCommands::FindFiles() {
@@ -304,7 +305,7 @@ void ListCommands::FindFiles() {
     arguments.append(home);
     if (QProcess::startDetached(path, arguments)) return;
   }
-  if (!OpenInFileManager(HomeDirectory())) ShowWarning(&window_, TextId::DialogFailed);
+  if (!OpenInFileManager(HomeDirectory())) ShowWarning(&window_, texts::DialogFailed);
 }
 
 void ListCommands::ShowProperties() {

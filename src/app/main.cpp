@@ -14,7 +14,9 @@
 #include "app/end_signals.h"
 #include "app/main_window.h"
 #include "app/splash.h"
+#include "app/texts.h"
 #include "app/toolkit_texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/write_signals.h"
 #include "resources/icons.h"
@@ -31,7 +33,7 @@ int main(int argc, char** argv) {
   TurnWriteSignalsIntoErrors();
   QApplication qt(argc, argv);
   QApplication::setApplicationName("stavora-ts5");
-  QApplication::setApplicationDisplayName(QtText(TextId::ApplicationTitle));
+  QApplication::setApplicationDisplayName(QtText(texts::ApplicationTitle));
   QApplication::setDesktopFileName("stavora-ts5");
   InitializeResources();
   InstallToolkitTexts(qt);
@@ -57,7 +59,7 @@ int main(int argc, char** argv) {
     window.show();
     window.LoadFileList(FromQt(arguments.at(1)));
   } else {
-    splash->ShowStep(Text(TextId::StartDone));
+    splash->ShowStep(Text(texts::StartDone));
     QTimer::singleShot(kLastSplashMilliseconds, &window, [&] {
       window.show();
       splash.reset();

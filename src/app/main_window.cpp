@@ -18,9 +18,11 @@
 #include "app/playback_commands.h"
 #include "app/run_commands.h"
 #include "app/search_commands.h"
+#include "app/texts.h"
 #include "app/tile_looks.h"
 #include "frame/destination_display.h"
 #include "frame/file_drop.h"
+#include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/paths.h"
@@ -51,7 +53,7 @@ QString WithoutKeys(TextId text) {
 MainWindow::MainWindow(Application& application)
     : application_(application), actions_(new CommandActions(this)), dialogs_(this), reader_(this) {
   setObjectName("mainWindow");
-  setWindowTitle(QtText(TextId::ApplicationTitle));
+  setWindowTitle(QtText(texts::ApplicationTitle));
   setWindowIcon(Icon("stavora-ts5"));
   setAcceptDrops(true);
   setMinimumSize(kSmallestWindow);
@@ -59,7 +61,7 @@ MainWindow::MainWindow(Application& application)
   actions_->FillMenuBar(*menuBar());
   source_->Files()->setContextMenuPolicy(Qt::ActionsContextMenu);
   for (const CommandId command : kFileCommands) source_->Files()->addAction(actions_->Action(command));
-  menuBar()->setAccessibleName(QtText(TextId::MenuBarName));
+  menuBar()->setAccessibleName(QtText(texts::MenuBarName));
   lists_ = std::make_unique<ListCommands>(*this);
   jobCommands_ = std::make_unique<JobCommands>(*this);
   filterCommands_ = std::make_unique<FilterCommands>(*this);
@@ -115,7 +117,7 @@ void MainWindow::BuildAreas() {
   layout->addWidget(across_, 1);
   setCentralWidget(centre);
 
-  status_ = new QLabel(QtText(TextId::StatusReady), this);
+  status_ = new QLabel(QtText(texts::StatusReady), this);
   status_->setObjectName("status");
   status_->setTextFormat(Qt::PlainText);
   statusBar()->addWidget(status_, 1);
@@ -150,11 +152,11 @@ void MainWindow::ConnectAreas() {
     actions_->SetAccelerators(editing ? AcceleratorTable::Off : AcceleratorsOf(ActiveJob().filter));
   });
   connect(source_->Files(), &FileView::DragChanged, this,
-          [this](bool dragging) { ShowPrompt(dragging ? QtText(TextId::DragToList) : QString()); });
+          [this](bool dragging) { ShowPrompt(dragging ? QtText(texts::DragToList) : QString()); });
 
   connect(&reader_, &SourceReader::Begun, this, [this] {
     source_->ClearFiles();
-    ShowPrompt(QtText(TextId::ReadingDirectory));
+    ShowPrompt(QtText(texts::ReadingDirectory));
   });
   connect(&reader_, &SourceReader::Found, source_, &SourceArea::AddFiles);
   connect(&reader_, &SourceReader::Done, this, &MainWindow::TakeSourceDone);
@@ -180,8 +182,8 @@ void MainWindow::Begin() {
   }
   for (const std::string& notice : application_.Notices()) {
     dialogs_.Add([this, text = ToQt(notice)]() -> QDialog* {
-      return new QMessageBox(QMessageBox::Information, QtText(TextId::ApplicationTitle), text,
-                             QMessageBox::Ok, this);
+      return new QMessageBox(QMessageBox::Information, QtText(texts::ApplicationTitle), text, QMessageBox::Ok,
+                             this);
     });
   }
 }
@@ -246,7 +248,7 @@ void MainWindow::ShowFilter() {
 
 void MainWindow::ShowSource(Job& job) {
   reader_.Stop();
-  if (status_->text() == QtText(TextId::ReadingDirectory)) ShowPrompt({});
+  if (status_->text() == QtText(texts::ReadingDirectory)) ShowPrompt({});
   if (job.Mode() == SourceMode::List) {
     source_->ShowList(job.files, job.filter);
     SelectStoredFiles();
@@ -274,7 +276,7 @@ void MainWindow::ReloadSource() {
 void MainWindow::TakeSourceDone(Outcome outcome) {
   ShowPrompt({});
   if (Failed(outcome)) {
-    statusBar()->showMessage(ToQt(Format(Text(TextId::DirectoryNotRead), ActiveJob().directory.path)));
+    statusBar()->showMessage(ToQt(Format(Text(texts::DirectoryNotRead), ActiveJob().directory.path)));
   }
   SelectStoredFiles();
   TakeSelection();
@@ -480,8 +482,7 @@ void MainWindow::SetMaximised(bool maximised) {
   jobBar_->setVisible(!maximised);
   lower_->setVisible(!maximised);
   source_->SetMaximised(maximised);
-  actions_->SetText(CommandId::MaximiseList,
-                    maximised ? TextId::MenuNormaliseList : TextId::MenuMaximiseList);
+  actions_->SetText(CommandId::MaximiseList, maximised ? texts::MenuNormaliseList : texts::MenuMaximiseList);
   actions_->Action(CommandId::MaximiseList)->setIcon(Icon(maximised ? "normalise" : "maximise"));
 }
 
@@ -505,7 +506,7 @@ void MainWindow::OpenHelp(const QString& topic) {
 }
 
 void MainWindow::ShowPrompt(const QString& prompt) {
-  status_->setText(prompt.isEmpty() ? QtText(TextId::StatusReady) : prompt);
+  status_->setText(prompt.isEmpty() ? QtText(texts::StatusReady) : prompt);
 }
 
 // --- files dropped beside the file view
@@ -522,7 +523,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
 // --- the end
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (!ended_ && !Confirm(Text(TextId::AskQuit), MessageIcon::Question, Answer::Yes)) {
+  if (!ended_ && !Confirm(Text(texts::AskQuit), MessageIcon::Question, Answer::Yes)) {
     event->ignore();
     return;
   }

@@ -10,11 +10,13 @@
 #include "app/main_window.h"
 #include "app/parameter_windows.h"
 #include "app/playback_commands.h"
+#include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
 #include "platform/paths.h"
 #include "search/search_run.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -37,16 +39,16 @@ struct AnswerButton {
   TextId text;
 };
 std::vector<AnswerButton> ButtonsOf(QuestionButtons buttons) {
-  const AnswerButton yes{Answer::Yes, QMessageBox::Yes, TextId::ButtonYes};
-  const AnswerButton no{Answer::No, QMessageBox::No, TextId::ButtonNo};
-  const AnswerButton cancel{Answer::Cancelled, QMessageBox::Cancel, TextId::ButtonCancel};
+  const AnswerButton yes{Answer::Yes, QMessageBox::Yes, texts::ButtonYes};
+  const AnswerButton no{Answer::No, QMessageBox::No, texts::ButtonNo};
+  const AnswerButton cancel{Answer::Cancelled, QMessageBox::Cancel, texts::ButtonCancel};
   switch (buttons) {
     case QuestionButtons::YesNo:
       return {yes, no};
     case QuestionButtons::YesNoCancel:
       return {yes, no, cancel};
     case QuestionButtons::OkCancel:
-      return {{Answer::Yes, QMessageBox::Ok, TextId::ButtonOk}, cancel};
+      return {{Answer::Yes, QMessageBox::Ok, texts::ButtonOk}, cancel};
   }
   return {yes, no};
 }
@@ -99,7 +101,7 @@ void RunCommands::Start() {
     request.begin = [this, &job, policy = settings.oldSearchResults] {
       const auto& parameters = static_cast<const SearchParameters&>(*job.parameters);
       window_.PanelOf(job).BeginSearch(RecordAtStart(job.filter, parameters), policy, [this] {
-        return window_.Confirm(Text(TextId::AskClearResults), MessageIcon::Question, Answer::Yes);
+        return window_.Confirm(Text(texts::AskClearResults), MessageIcon::Question, Answer::Yes);
       });
     };
   }
@@ -148,7 +150,7 @@ void RunCommands::Take(const std::shared_ptr<JobRun>& run, RunNews news) {
   }
   for (const auto& [text, icon] : news.notices) {
     window_.Dialogs().Add([this, text = ToQt(text), icon = IconOf(icon)]() -> QDialog* {
-      return new QMessageBox(icon, QtText(TextId::ApplicationTitle), text, QMessageBox::Ok, &window_);
+      return new QMessageBox(icon, QtText(texts::ApplicationTitle), text, QMessageBox::Ok, &window_);
     });
   }
   for (const auto& question : news.questions) Ask(question);
@@ -197,7 +199,7 @@ QDialog* RunCommands::QuestionDialog(const std::shared_ptr<Question>& question) 
       question->Reply(result == QDialog::Accepted ? Answer::Yes : Answer::Cancelled);
     });
   } else {
-    auto* box = new QMessageBox(IconOf(text.icon), QtText(TextId::ApplicationTitle), ToQt(text.text),
+    auto* box = new QMessageBox(IconOf(text.icon), QtText(texts::ApplicationTitle), ToQt(text.text),
                                 QMessageBox::NoButton, &window_);
     box->setTextFormat(Qt::PlainText);
     const auto buttons = ButtonsOf(text.buttons);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
@@ -30,12 +31,12 @@ RunPanel::RunPanel(QWidget* parent)
   setObjectName("runPanel");
   status_->setObjectName("runStatus");
   status_->setTextFormat(Qt::PlainText);
-  status_->setAccessibleName(QtText(TextId::RunStatusName));
+  status_->setAccessibleName(QtText(texts::RunStatusName));
   status_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   files_->setObjectName("filesProgress");
-  files_->setAccessibleName(QtText(TextId::FilesProgressName));
+  files_->setAccessibleName(QtText(texts::FilesProgressName));
   item_->setObjectName("itemProgress");
-  item_->setAccessibleName(QtText(TextId::ItemProgressName));
+  item_->setAccessibleName(QtText(texts::ItemProgressName));
   item_->setRange(0, kItemSteps);
   item_->setTextVisible(false);
   item_->setMaximumHeight(10);
@@ -44,7 +45,7 @@ RunPanel::RunPanel(QWidget* parent)
     if (hits_.rowCount() < static_cast<int>(results_.Size())) ShowHits();
   });
   protocolView_->setObjectName("protocol");
-  protocolView_->setAccessibleName(QtText(TextId::ProtocolName));
+  protocolView_->setAccessibleName(QtText(texts::ProtocolName));
   protocolView_->setModel(&protocol_);
   protocolView_->setUniformItemSizes(true);
   protocolView_->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -9,12 +9,15 @@
 
 #include "app/main_window.h"
 #include "app/sibling_visit.h"
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "midi/midi_capture.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "resources/icons.h"
 #include "search/search_parameters.h"
+#include "search/texts.h"
 #include "search/ui/result_viewer_dialog.h"
 
 namespace ts5 {
@@ -94,7 +97,7 @@ void SearchCommands::Refresh() {
   actions.SetEnabled(CommandId::PrintSearchResults, any && !panel.Searching());
   actions.SetEnabled(CommandId::CopyHits, hit);
   actions.SetEnabled(CommandId::PlayHit, playing_ || (hit && midi && Device().has_value()));
-  actions.SetText(CommandId::PlayHit, playing_ ? TextId::StopHit : TextId::PlayHit);
+  actions.SetText(CommandId::PlayHit, playing_ ? texts::StopHit : texts::PlayHit);
   actions.Action(CommandId::PlayHit)->setIcon(Icon(playing_ ? "stop" : "play"));
   actions.SetEnabled(CommandId::ShowSearchResult, hit && SiblingIsKnown() && (!visit_ || visit_->Ended()));
 }
@@ -131,12 +134,12 @@ void SearchCommands::ShowMenu(const QPoint& position) {
   const CommandActions& actions = window_.Actions();
   const bool midi = Panel().Results().Record().kind == SearchKind::Midi;
   QMenu menu(&window_);
-  menu.setAccessibleName(QtText(TextId::HitMenuName));
-  QAction* const show = menu.addAction(QtText(midi ? TextId::ShowInSequencer : TextId::ShowInScore), this,
+  menu.setAccessibleName(QtText(texts::HitMenuName));
+  QAction* const show = menu.addAction(QtText(midi ? texts::ShowInSequencer : texts::ShowInScore), this,
                                        [this] { window_.Trigger(CommandId::ShowSearchResult); });
   show->setEnabled(actions.Action(CommandId::ShowSearchResult)->isEnabled());
-  show->setToolTip(QtText(TextId::ShowHitTitle));
-  show->setStatusTip(QtText(TextId::HintShowSearchResult));
+  show->setToolTip(QtText(texts::ShowHitTitle));
+  show->setStatusTip(QtText(texts::HintShowSearchResult));
   for (const CommandId command : {CommandId::PlayHit, CommandId::CopyHits}) actions.AddTo(menu, command);
   menu.addSeparator();
   for (const CommandId command : {CommandId::PrintSearchResults, CommandId::SearchResults})
@@ -164,7 +167,7 @@ void SearchCommands::TogglePlaying() {
         QMetaObject::invokeMethod(
             this, [this, round, outcome] { PlayingEnded(round, outcome); }, Qt::QueuedConnection);
       });
-  window_.ShowPrompt(ToQt(Format(Text(TextId::HitPlaying), FileNameOf(hit.file), std::int64_t{hit.bar} + 1)));
+  window_.ShowPrompt(ToQt(Format(Text(texts::HitPlaying), FileNameOf(hit.file), std::int64_t{hit.bar} + 1)));
   window_.Refresh();
 }
 
@@ -174,11 +177,11 @@ void SearchCommands::PlayingEnded(int round, Outcome outcome) {
   window_.ShowPrompt({});
   window_.Refresh();
   if (outcome == Outcome::SourceFailed) {
-    Tell(TextId::HitNotInFile);
+    Tell(texts::HitNotInFile);
   } else if (outcome == Outcome::TargetFailed) {
-    Tell(TextId::HitDeviceFailed);
+    Tell(texts::HitDeviceFailed);
   } else if (Failed(outcome) && outcome != Outcome::Cancelled) {
-    Tell(TextId::MidiDeviceGone);
+    Tell(texts::MidiDeviceGone);
   }
 }
 
@@ -203,7 +206,7 @@ void SearchCommands::ShowHitInApplication() {
 
 void SearchCommands::Tell(TextId text) {
   window_.Dialogs().Add([this, text]() -> QDialog* {
-    return new QMessageBox(QMessageBox::Warning, QtText(TextId::ApplicationTitle), QtText(text),
+    return new QMessageBox(QMessageBox::Warning, QtText(texts::ApplicationTitle), QtText(text),
                            QMessageBox::Ok, &window_);
   });
 }

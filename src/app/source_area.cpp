@@ -7,6 +7,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "app/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 
@@ -24,7 +25,7 @@ FreeListStrip::FreeListStrip(QWidget* parent) : QLabel(parent) {
 }
 
 void FreeListStrip::SetCount(std::size_t files) {
-  setText(ToQt(Format(Text(TextId::FreeListStrip), files)));
+  setText(ToQt(Format(Text(texts::FreeListStrip), files)));
   setAccessibleName(text());
 }
 
@@ -51,18 +52,18 @@ void FreeListStrip::dropEvent(QDropEvent* event) {
 SourceArea::SourceArea(QWidget* parent)
     : QWidget(parent),
       drives_(new DriveSelector(this)),
-      driveLabel_(new QLabel(QtText(TextId::SourceAreaName), this)),
+      driveLabel_(new QLabel(QtText(texts::SourceAreaName), this)),
       splitter_(new QSplitter(Qt::Horizontal, this)),
       tree_(new QTreeView(splitter_)),
       files_(nullptr),
       strip_(nullptr) {
   setObjectName("sourceArea");
-  setAccessibleName(QtText(TextId::SourceAreaName));
+  setAccessibleName(QtText(texts::SourceAreaName));
   driveLabel_->setProperty("role", "areaTitle");
   driveLabel_->setBuddy(drives_);
 
   tree_->setObjectName("directoryTree");
-  tree_->setAccessibleName(QtText(TextId::TreeName));
+  tree_->setAccessibleName(QtText(texts::TreeName));
   tree_->setHeaderHidden(true);
   tree_->setUniformRowHeights(true);
   tree_->setTabKeyNavigation(false);
@@ -132,7 +133,7 @@ void SourceArea::LeaveVanishing(const QModelIndex& index) {
 void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
   listMode_ = true;
   drives_->SetCurrent(kListModeDrive);
-  files_->setAccessibleName(QtText(TextId::FreeListName));
+  files_->setAccessibleName(QtText(texts::FreeListName));
   model_.ShowList(list, filter);
   UpdateVisibility();
 }
@@ -140,7 +141,7 @@ void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
 void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path) {
   listMode_ = false;
   drives_->SetCurrent(drive);
-  files_->setAccessibleName(QtText(TextId::FileViewName));
+  files_->setAccessibleName(QtText(texts::FileViewName));
   model_.ShowDirectory({}, false);
   shownDirectory_ = path;
   if (treeModel_.RootPath() != root) {

@@ -4,6 +4,7 @@
 #include <QScreen>
 
 #include "app/about_dialog.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 #include "ui_TITELBILD.h"
@@ -13,7 +14,7 @@ namespace ts5 {
 Splash::Splash(int steps, QWidget* parent)
     : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint), ui_(std::make_unique<Ui::TITELBILD>()) {
   ui_->setupUi(this);
-  ui_->nameLabel->setText(QtText(TextId::ApplicationTitle));
+  ui_->nameLabel->setText(QtText(texts::ApplicationTitle));
   ui_->versionLabel->setText(VersionText());
   ui_->logo->setPixmap(Icon("logo").pixmap(ui_->logo->minimumSize(), devicePixelRatioF()));
   ui_->progressBar->setMaximum(steps);

@@ -5,6 +5,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 
@@ -18,10 +20,10 @@ struct DeviceRow {
   std::string_view icon;
 };
 constexpr std::array<DeviceRow, kDeviceKinds> kDevices{{
-    {kPanelMidiDevices, TextId::MidiDevicesName, TextId::NoMidiDevices, "middevicon"},
-    {kPanelAudioDevices, TextId::AudioDevicesName, TextId::NoAudioDevices, "wavdevicon"},
-    {kPanelDiscDrives, TextId::DrivesName, TextId::NoDrives, "burnicon"},
-    {kPanelPrinters, TextId::PrintersName, TextId::NoPrinters, "printericon"},
+    {kPanelMidiDevices, texts::MidiDevicesName, texts::NoMidiDevices, "middevicon"},
+    {kPanelAudioDevices, texts::AudioDevicesName, texts::NoAudioDevices, "wavdevicon"},
+    {kPanelDiscDrives, texts::DrivesName, texts::NoDrives, "burnicon"},
+    {kPanelPrinters, texts::PrintersName, texts::NoPrinters, "printericon"},
 }};
 
 constexpr int kListHeight = 92;
@@ -30,17 +32,17 @@ constexpr int kListHeight = 92;
 
 TargetArea::TargetArea(QWidget* parent)
     : QWidget(parent),
-      file_(new QRadioButton(QtText(TextId::TargetFile), this)),
-      screen_(new QRadioButton(QtText(TextId::TargetScreen), this)),
+      file_(new QRadioButton(QtText(texts::TargetFile), this)),
+      screen_(new QRadioButton(QtText(texts::TargetScreen), this)),
       field_(new QLineEdit(this)),
-      browse_(new QPushButton(QtText(TextId::BrowseTarget), this)),
-      protocolLine_(new QLabel(QtText(TextId::ProtocolLineEmpty), this)),
+      browse_(new QPushButton(QtText(texts::BrowseTarget), this)),
+      protocolLine_(new QLabel(QtText(texts::ProtocolLineEmpty), this)),
       filePanel_(MakeFilePanel()),
       devicePanel_(new QStackedWidget(this)),
-      run_(new QPushButton(QtText(TextId::RunButtonRun), this)),
-      stop_(new QPushButton(QtText(TextId::StopButton), this)) {
+      run_(new QPushButton(QtText(texts::RunButtonRun), this)),
+      stop_(new QPushButton(QtText(texts::StopButton), this)) {
   setObjectName("targetArea");
-  setAccessibleName(QtText(TextId::TargetAreaName));
+  setAccessibleName(QtText(texts::TargetAreaName));
   for (std::size_t i = 0; i < kDeviceKinds; ++i) {
     auto* list = new QListWidget(devicePanel_);
     list->setAccessibleName(QtText(kDevices[i].name));
@@ -58,17 +60,17 @@ TargetArea::TargetArea(QWidget* parent)
   run_->setIcon(Icon("run"));
   run_->setMinimumWidth(124);
   run_->setAutoDefault(false);
-  run_->setToolTip(QtText(TextId::HintRun));
-  run_->setAccessibleDescription(QtText(TextId::HintRun));
+  run_->setToolTip(QtText(texts::HintRun));
+  run_->setAccessibleDescription(QtText(texts::HintRun));
   stop_->setObjectName("stopButton");
   stop_->setIcon(Icon("stop"));
   stop_->setAutoDefault(false);
-  stop_->setToolTip(QtText(TextId::HintStop));
-  stop_->setAccessibleDescription(QtText(TextId::HintStop));
+  stop_->setToolTip(QtText(texts::HintStop));
+  stop_->setAccessibleDescription(QtText(texts::HintStop));
   connect(run_, &QPushButton::clicked, this, &TargetArea::RunClicked);
   connect(stop_, &QPushButton::clicked, this, &TargetArea::StopClicked);
 
-  auto* title = new QLabel(QtText(TextId::TargetAreaName), this);
+  auto* title = new QLabel(QtText(texts::TargetAreaName), this);
   title->setProperty("role", "areaTitle");
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(run_);
@@ -98,15 +100,15 @@ QWidget* TargetArea::MakeFilePanel() {
   file_->setObjectName("targetFile");
   screen_->setObjectName("targetScreen");
   field_->setObjectName("targetField");
-  field_->setAccessibleName(QtText(TextId::TargetFieldName));
-  field_->setToolTip(QtText(TextId::TargetFieldName));
+  field_->setAccessibleName(QtText(texts::TargetFieldName));
+  field_->setToolTip(QtText(texts::TargetFieldName));
   browse_->setObjectName("targetBrowse");
   browse_->setIcon(Icon("browse"));
   browse_->setAutoDefault(false);
-  browse_->setToolTip(QtText(TextId::BrowseTargetTip));
-  browse_->setAccessibleDescription(QtText(TextId::BrowseTargetTip));
+  browse_->setToolTip(QtText(texts::BrowseTargetTip));
+  browse_->setAccessibleDescription(QtText(texts::BrowseTargetTip));
   protocolLine_->setObjectName("protocolLine");
-  protocolLine_->setAccessibleName(QtText(TextId::ProtocolLineName));
+  protocolLine_->setAccessibleName(QtText(texts::ProtocolLineName));
   protocolLine_->setTextFormat(Qt::PlainText);
   protocolLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   grid->addWidget(file_, 0, 0);
@@ -156,7 +158,7 @@ void TargetArea::ShowPanels(std::uint32_t panels) {
 }
 
 void TargetArea::SetProtocolLine(const QString& text) {
-  const QString shown = text.isEmpty() ? QtText(TextId::ProtocolLineEmpty) : text;
+  const QString shown = text.isEmpty() ? QtText(texts::ProtocolLineEmpty) : text;
   protocolLine_->setText(shown);
   protocolLine_->setToolTip(text);
 }

@@ -9,11 +9,13 @@
 #include <utility>
 #include <vector>
 
+#include "audio/texts.h"
 #include "audio/wave_stream.h"
 #include "audio/waveform_overview.h"
 #include "frame/file_types.h"
 #include "frame/player_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "platform/audio_out.h"
 #include "platform/sample_fifo.h"
 
@@ -23,8 +25,8 @@ namespace {
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
 
-constexpr auto kRemarks = PlayerRemarks(TextId::PlayerAudioDeviceFailed,
-                                        {Code(Outcome::FormatRefused), TextId::AudioFormatRefused});
+constexpr auto kRemarks =
+    PlayerRemarks(texts::PlayerAudioDeviceFailed, {Code(Outcome::FormatRefused), texts::AudioFormatRefused});
 
 constexpr std::uint32_t kChannels = 2;
 constexpr std::size_t kBlockFrames = 1024;

@@ -4,7 +4,9 @@
 #include <optional>
 
 #include "audio/format_texts.h"
+#include "audio/texts.h"
 #include "audio/wave_stream.h"
+#include "midi/texts.h"
 #include "platform/input_file.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -25,7 +27,7 @@ std::string Decibels(double value, TextId unit) {
 
 std::string DurationText(double seconds) {
   const auto all = static_cast<std::uint64_t>(seconds * 1000 + 0.5);
-  return Format(Text(TextId::AudioPropertyDurationValue), all / 3600000, all / 60000 % 60, all / 1000 % 60,
+  return Format(Text(texts::AudioPropertyDurationValue), all / 3600000, all / 60000 % 60, all / 1000 % 60,
                 all % 1000);
 }
 
@@ -35,32 +37,30 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
                                            std::uint64_t fileSize) {
   const auto [day, month, year] = NumbersOf(lastWritten);
   std::vector<PropertyRow> rows{
-      {Copy(TextId::PropertyFileFormat), Copy(KindName(probe.kind))},
-      {Copy(TextId::PropertyLastWritten), Format(Text(TextId::PropertyDate), day, month, year)},
-      {Copy(TextId::AudioPropertyCoding), Copy(FullCodingName(probe.format))},
-      {Copy(TextId::AudioPropertyFormat), FormatText(probe.format)},
-      {Copy(TextId::AudioPropertyRate),
-       Format(Text(TextId::AudioPropertyRateValue), probe.format.sampleRate)},
-      {Copy(TextId::AudioPropertyChannels), std::to_string(probe.format.channels)},
-      {Copy(TextId::AudioPropertyByteRate), std::to_string(probe.format.bytesPerSecond)},
-      {Copy(TextId::AudioPropertyDuration), DurationText(probe.seconds)},
+      {Copy(texts::PropertyFileFormat), Copy(KindName(probe.kind))},
+      {Copy(texts::PropertyLastWritten), Format(Text(texts::PropertyDate), day, month, year)},
+      {Copy(texts::AudioPropertyCoding), Copy(FullCodingName(probe.format))},
+      {Copy(texts::AudioPropertyFormat), FormatText(probe.format)},
+      {Copy(texts::AudioPropertyRate), Format(Text(texts::AudioPropertyRateValue), probe.format.sampleRate)},
+      {Copy(texts::AudioPropertyChannels), std::to_string(probe.format.channels)},
+      {Copy(texts::AudioPropertyByteRate), std::to_string(probe.format.bytesPerSecond)},
+      {Copy(texts::AudioPropertyDuration), DurationText(probe.seconds)},
   };
   if (probe.format.bitsPerSample != 0) {
     const auto behindRate = rows.begin() + 5;
-    rows.insert(behindRate, {Copy(TextId::AudioPropertyBits),
-                             Format(Text(TextId::AudioPropertyBitsValue), probe.format.bitsPerSample)});
+    rows.insert(behindRate, {Copy(texts::AudioPropertyBits),
+                             Format(Text(texts::AudioPropertyBitsValue), probe.format.bitsPerSample)});
   }
   if (!IsWaveKind(probe.kind)) {
     constexpr std::uint64_t kKilo = 1024;
-    rows.push_back(
-        {Copy(TextId::AudioPropertySize),
-         Format(Text(TextId::AudioPropertySizeValue), fileSize / kKilo, fileSize % kKilo * 10 / kKilo)});
-    rows.push_back({Copy(TextId::AudioPropertyBitRate), Format(Text(TextId::AudioPropertyBitRateValue),
-                                                               (probe.format.bytesPerSecond + 62) / 125)});
+    rows.push_back({Copy(texts::AudioPropertySize), Format(Text(texts::AudioPropertySizeValue),
+                                                           fileSize / kKilo, fileSize % kKilo * 10 / kKilo)});
+    rows.push_back({Copy(texts::AudioPropertyBitRate), Format(Text(texts::AudioPropertyBitRateValue),
+                                                              (probe.format.bytesPerSecond + 62) / 125)});
   }
-  if (probe.frames) rows.push_back({Copy(TextId::AudioPropertyFrames), std::to_string(*probe.frames)});
-  rows.push_back({Copy(TextId::AudioPropertyDataLength),
-                  Format(Text(TextId::AudioPropertyDataLengthValue), probe.dataLength)});
+  if (probe.frames) rows.push_back({Copy(texts::AudioPropertyFrames), std::to_string(*probe.frames)});
+  rows.push_back({Copy(texts::AudioPropertyDataLength),
+                  Format(Text(texts::AudioPropertyDataLengthValue), probe.dataLength)});
   return rows;
 }
 
@@ -72,7 +72,7 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
   AudioProperties properties;
-  properties.title = Format(Text(TextId::PropertiesTitle), FileNameOf(path));
+  properties.title = Format(Text(texts::PropertiesTitle), FileNameOf(path));
   properties.kind = probe.kind;
   properties.rows = AudioPropertyRows(probe, *written, file->Size());
   return properties;
@@ -80,14 +80,13 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
 
 std::vector<PropertyRow> LoudnessRows(const Loudness& loudness) {
   const auto value = [](std::optional<double> level, TextId unit) {
-    return level ? Decibels(*level, unit) : Copy(TextId::AudioPropertySilence);
+    return level ? Decibels(*level, unit) : Copy(texts::AudioPropertySilence);
   };
-  std::string integrated = value(loudness.integrated, TextId::AudioPropertyLoudnessValue);
+  std::string integrated = value(loudness.integrated, texts::AudioPropertyLoudnessValue);
   // A sound, but too short or too soft for the measure.
-  if (!loudness.integrated && loudness.truePeak) integrated = Copy(TextId::AudioPropertyNotMeasured);
-  return {
-      {Copy(TextId::AudioPropertyLoudness), integrated},
-      {Copy(TextId::AudioPropertyTruePeak), value(loudness.truePeak, TextId::AudioPropertyTruePeakValue)}};
+  if (!loudness.integrated && loudness.truePeak) integrated = Copy(texts::AudioPropertyNotMeasured);
+  return {{Copy(texts::AudioPropertyLoudness), integrated},
+          {Copy(texts::AudioPropertyTruePeak), value(loudness.truePeak, texts::AudioPropertyTruePeakValue)}};
 }
 
 Result<std::vector<PropertyRow>> MeasureAudioProperties(const std::string& path, const WorkWatch& watch) {

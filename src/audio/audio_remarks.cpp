@@ -1,9 +1,12 @@
 #include "audio/audio_remarks.h"
 
+#include "audio/texts.h"
+#include "frame/texts.h"
+
 namespace ts5 {
 namespace {
 
-using enum TextId;
+using namespace texts;
 
 constexpr Remark kAudio[] = {
     {-2, RemarkOutOfMemory},

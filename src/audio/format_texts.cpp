@@ -1,34 +1,35 @@
 #include "audio/format_texts.h"
 
+#include "audio/texts.h"
 #include "platform/text.h"
 
 namespace ts5 {
 
 std::string FormatText(const WaveFormat& format) {
-  return Format(Text(TextId::WaveFormatText), format.sampleRate, format.bitsPerSample,
-                Text(format.channels == 1 ? TextId::WaveMono : TextId::WaveStereo));
+  return Format(Text(texts::WaveFormatText), format.sampleRate, format.bitsPerSample,
+                Text(format.channels == 1 ? texts::WaveMono : texts::WaveStereo));
 }
 
 std::string FullFormatText(const WaveFormat& format) {
   const std::string text = FormatText(format);
-  return EffectiveTag(format) == kTagFloat ? Format(Text(TextId::WaveFormatFloat), text) : text;
+  return EffectiveTag(format) == kTagFloat ? Format(Text(texts::WaveFormatFloat), text) : text;
 }
 
 TextId CodingName(const WaveFormat& format) {
   switch (EffectiveTag(format)) {
     case kTagPcm:
-      return TextId::WaveTagPcm;
+      return texts::WaveTagPcm;
     case kTagAdpcm:
-      return TextId::WaveTagAdpcm;
+      return texts::WaveTagAdpcm;
     case kTagMpegLayer3:
-      return TextId::WaveTagMpegLayer3;
+      return texts::WaveTagMpegLayer3;
     default:
-      return TextId::WaveTagOther;
+      return texts::WaveTagOther;
   }
 }
 
 TextId FullCodingName(const WaveFormat& format) {
-  return EffectiveTag(format) == kTagFloat ? TextId::WaveTagFloat : CodingName(format);
+  return EffectiveTag(format) == kTagFloat ? texts::WaveTagFloat : CodingName(format);
 }
 
 WaveFormat TargetFormat(std::uint32_t sampleRate, std::uint16_t bits, std::uint16_t channels) {

@@ -4,7 +4,9 @@
 #include <cmath>
 #include <iterator>
 
+#include "audio/texts.h"
 #include "audio/wave_file.h"
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/media_reader.h"
 
@@ -116,23 +118,23 @@ TextId KindName(MediaKind kind) {
     case MediaKind::None:
       break;
     case MediaKind::Wave:
-      return TextId::AudioKindWave;
+      return texts::AudioKindWave;
     case MediaKind::MpegLayer1:
-      return TextId::AudioKindLayer1;
+      return texts::AudioKindLayer1;
     case MediaKind::MpegLayer2:
-      return TextId::AudioKindLayer2;
+      return texts::AudioKindLayer2;
     case MediaKind::MpegLayer3:
-      return TextId::AudioKindLayer3;
+      return texts::AudioKindLayer3;
     case MediaKind::Aiff:
-      return TextId::AudioKindAiff;
+      return texts::AudioKindAiff;
     case MediaKind::WindowsMedia:
-      return TextId::AudioKindWindowsMedia;
+      return texts::AudioKindWindowsMedia;
     case MediaKind::OggVorbis:
-      return TextId::AudioKindOgg;
+      return texts::AudioKindOgg;
     case MediaKind::MonkeysAudio:
-      return TextId::AudioKindApe;
+      return texts::AudioKindApe;
   }
-  return TextId::UnknownFileFormat;
+  return texts::UnknownFileFormat;
 }
 
 }  // namespace ts5

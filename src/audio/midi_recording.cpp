@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/texts.h"
 #include "audio/wave_file.h"
 #include "audio/wave_stream.h"
 #include "midi/midi_capture.h"
@@ -73,16 +74,16 @@ std::optional<TextId> MixerProblem(const MidiToWaveParameters& parameters,
                                    const std::vector<std::string>& inputs, const Settings& settings) {
   if (parameters.Method() != MidiWaveMethod::SoundCard || !parameters.configureMixer) return std::nullopt;
   if (inputs.empty()) {
-    return settings.askForDeviceConnectNoMixer ? std::optional(TextId::MidiWaveNoMixer) : std::nullopt;
+    return settings.askForDeviceConnectNoMixer ? std::optional(texts::MidiWaveNoMixer) : std::nullopt;
   }
   if (!settings.askForDeviceConnectError || !RecordingSource(inputs, settings.recordMixerName).empty())
     return std::nullopt;
-  return TextId::MidiWaveMixerNotSet;
+  return texts::MidiWaveMixerNotSet;
 }
 
 void ForgetMixerProblem(TextId problem, Settings& settings) {
-  (problem == TextId::MidiWaveNoMixer ? settings.askForDeviceConnectNoMixer
-                                      : settings.askForDeviceConnectError) = false;
+  (problem == texts::MidiWaveNoMixer ? settings.askForDeviceConnectNoMixer
+                                     : settings.askForDeviceConnectError) = false;
 }
 
 void TakeRecordingSum(std::string_view sum, const std::vector<std::string>& inputs, Settings& settings) {

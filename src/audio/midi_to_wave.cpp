@@ -9,10 +9,12 @@
 #include "audio/midi_recording.h"
 #include "audio/synthesis.h"
 #include "audio/synthesizer_config.h"
+#include "audio/texts.h"
 #include "audio/wave_file.h"
 #include "audio/wave_stream.h"
 #include "frame/item_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "midi/midi_file.h"
 #include "platform/casts.h"
 #include "platform/media_engine.h"
@@ -22,7 +24,7 @@
 namespace ts5 {
 namespace {
 
-using enum TextId;
+using namespace texts;
 
 constexpr Remark kRemarks[] = {
     {Code(Outcome::OutOfMemory), RemarkOutOfMemory},

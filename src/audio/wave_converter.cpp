@@ -9,6 +9,7 @@
 #include "audio/wave_stream.h"
 #include "frame/item_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "platform/media_engine.h"
 
 namespace ts5 {
@@ -96,7 +97,7 @@ FilterModule WaveConverterModule() {
   module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
     return TargetRule{.extension = "wav", .formatKept = true};
   };
-  module.stop.status = TextId::Stopping;
+  module.stop.status = texts::Stopping;
   return module;
 }
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "batch/texts.h"
 #include "platform/text.h"
 
 namespace ts5::batch {
@@ -93,7 +94,7 @@ std::optional<int> Arguments::Read(std::span<const std::string> line, Console& c
     // The parser wants the last argument first.
     parser_->app.parse(std::vector<std::string>(line.rbegin(), line.rend()));
   } catch (const CLI::ParseError& error) {
-    return WrongUsage(console, command_, Format(Text(TextId::BatchOptionWrong), OptionIn(error.what())));
+    return WrongUsage(console, command_, Format(Text(texts::BatchOptionWrong), OptionIn(error.what())));
   }
   for (const auto& single : parser_->singles) {
     if (single->option->count() > 0) *single->target = single->value;
@@ -105,7 +106,7 @@ std::optional<int> Arguments::Read(std::span<const std::string> line, Console& c
     if (!onlyWords && word == "--") {
       onlyWords = true;
     } else if (!onlyWords && LooksLikeOption(word)) {
-      return WrongUsage(console, command_, Format(Text(TextId::BatchOptionUnknown), word));
+      return WrongUsage(console, command_, Format(Text(texts::BatchOptionUnknown), word));
     } else {
       words.push_back(word);
     }
@@ -128,10 +129,10 @@ std::optional<int> Arguments::Read(std::span<const std::string> line, Console& c
     return kExitSuccess;
   }
   if (!missing.empty()) {
-    return WrongUsage(console, command_, Format(Text(TextId::BatchArgumentMissing), missing));
+    return WrongUsage(console, command_, Format(Text(texts::BatchArgumentMissing), missing));
   }
   if (next < words.size()) {
-    return WrongUsage(console, command_, Format(Text(TextId::BatchArgumentTooMuch), words[next]));
+    return WrongUsage(console, command_, Format(Text(texts::BatchArgumentTooMuch), words[next]));
   }
   return std::nullopt;
 }
@@ -161,8 +162,7 @@ std::string Arguments::Usage() const {
 }
 
 std::string Arguments::Help() const {
-  std::string help =
-      Format(Text(TextId::BatchUsage), Usage()) + "\n\n" + std::string(Text(summary_)) + "\n\n";
+  std::string help = Format(Text(texts::BatchUsage), Usage()) + "\n\n" + std::string(Text(summary_)) + "\n\n";
   std::size_t width = 0;
   for (const Row& row : rows_) width = std::max(width, CharacterCount(row.name + " " + row.value));
   for (const Row& row : rows_) {
@@ -174,7 +174,7 @@ std::string Arguments::Help() const {
     }
   }
   if (tail_) help += tail_();
-  help += "\n" + std::string(Text(TextId::BatchExamples)) + "\n";
+  help += "\n" + std::string(Text(texts::BatchExamples)) + "\n";
   for (const std::string_view line : Split(Text(examples_), '\n')) help += "  " + std::string(line) + "\n";
   return help;
 }

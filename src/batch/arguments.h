@@ -2,9 +2,9 @@
 //
 //   bool json = false;
 //   std::vector<std::string> files;
-//   Arguments arguments("info", TextId::BatchInfoSummary, TextId::BatchInfoExamples);
-//   arguments.Flag("--json", json, TextId::BatchHelpJson);
-//   arguments.Rest("FILE", files, TextId::BatchHelpInfoFiles, 1);
+//   Arguments arguments("info", texts::BatchInfoSummary, texts::BatchInfoExamples);
+//   arguments.Flag("--json", json, texts::BatchHelpJson);
+//   arguments.Rest("FILE", files, texts::BatchHelpInfoFiles, 1);
 //   if (const auto status = arguments.Read(line, console)) return *status;
 #pragma once
 
@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "batch/console.h"
+#include "batch/texts.h"
 #include "platform/strings.h"
 
 namespace ts5::batch {

@@ -5,6 +5,7 @@
 #include "batch/arguments.h"
 #include "batch/commands.h"
 #include "batch/json_text.h"
+#include "batch/texts.h"
 #include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
 #include "platform/paths.h"
@@ -34,8 +35,8 @@ std::string Joined(const std::vector<std::string_view>& words) {
 
 int FiltersCommand(CommandLine line, Console& console) {
   bool json = false;
-  Arguments arguments("filters", TextId::BatchFiltersSummary, TextId::BatchFiltersExamples);
-  arguments.Flag("--json", json, TextId::BatchHelpJson);
+  Arguments arguments("filters", texts::BatchFiltersSummary, texts::BatchFiltersExamples);
+  arguments.Flag("--json", json, texts::BatchHelpJson);
   if (const auto status = arguments.Read(line, console)) return *status;
 
   if (json) {
@@ -62,20 +63,20 @@ int FiltersCommand(CommandLine line, Console& console) {
   for (const FilterDescriptor& filter : FilterCatalogue()) {
     const bool here = CanRun(filter.id);
     console.out << Format("%2i ", static_cast<int>(filter.id))
-                << Padded(here ? Text(TextId::BatchFilterHere) : "", 2)
+                << Padded(here ? Text(texts::BatchFilterHere) : "", 2)
                 << Padded(filter.identifier, identifierWidth + 2) << Padded(filter.Name(), nameWidth + 2)
                 << Joined(Extensions(filter)) << '\n';
   }
-  console.out << '\n' << Text(TextId::BatchFiltersEnd) << '\n';
+  console.out << '\n' << Text(texts::BatchFiltersEnd) << '\n';
   return kExitSuccess;
 }
 
 int TypeCommand(CommandLine line, Console& console) {
   bool json = false;
   std::vector<std::string> names;
-  Arguments arguments("type", TextId::BatchTypeSummary, TextId::BatchTypeExamples);
-  arguments.Flag("--json", json, TextId::BatchHelpJson);
-  arguments.Rest("NAME", names, TextId::BatchHelpTypeNames, 1);
+  Arguments arguments("type", texts::BatchTypeSummary, texts::BatchTypeExamples);
+  arguments.Flag("--json", json, texts::BatchHelpJson);
+  arguments.Rest("NAME", names, texts::BatchHelpTypeNames, 1);
   if (const auto status = arguments.Read(line, console)) return *status;
 
   Json files = Json::array();

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "batch/texts.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
@@ -34,17 +35,17 @@ std::optional<std::string> ApplySettings(std::span<const ParameterField> fields,
                                          std::span<const std::string> settings) {
   for (const std::string& text : settings) {
     const auto setting = ParseSetting(text);
-    if (!setting) return Format(Text(TextId::BatchSettingShape), text);
+    if (!setting) return Format(Text(texts::BatchSettingShape), text);
     const auto field = std::ranges::find_if(
         fields, [&](const ParameterField& row) { return EqualsIgnoringCase(row.name, setting->name); });
     if (field == fields.end()) {
       std::string names;
       for (const ParameterField& row : fields) names += (names.empty() ? "" : ", ") + row.name;
-      if (names.empty()) return std::string(Text(TextId::BatchNoParameters));
-      return Format(Text(TextId::BatchParameterUnknown), setting->name, names);
+      if (names.empty()) return std::string(Text(texts::BatchNoParameters));
+      return Format(Text(texts::BatchParameterUnknown), setting->name, names);
     }
     if (!field->set(parameters, setting->value)) {
-      return Format(Text(TextId::BatchValueWrong), setting->value, field->name, field->description);
+      return Format(Text(texts::BatchValueWrong), setting->value, field->name, field->description);
     }
   }
   return std::nullopt;

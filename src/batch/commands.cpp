@@ -5,21 +5,23 @@
 #include <exception>
 #include <new>
 
+#include "batch/texts.h"
+#include "frame/texts.h"
 #include "platform/text.h"
 
 namespace ts5::batch {
 namespace {
 
 constexpr std::array kCommands{
-    Command{"filters", TextId::BatchFiltersSummary, FiltersCommand},
-    Command{"jobs", TextId::BatchJobsSummary, JobsCommand},
-    Command{"type", TextId::BatchTypeSummary, TypeCommand},
-    Command{"info", TextId::BatchInfoSummary, InfoCommand},
-    Command{"run", TextId::BatchRunSummary, RunCommand},
-    Command{"job", TextId::BatchJobSummary, JobCommand},
-    Command{"registry", TextId::BatchRegistrySummary, RegistryCommand},
+    Command{"filters", texts::BatchFiltersSummary, FiltersCommand},
+    Command{"jobs", texts::BatchJobsSummary, JobsCommand},
+    Command{"type", texts::BatchTypeSummary, TypeCommand},
+    Command{"info", texts::BatchInfoSummary, InfoCommand},
+    Command{"run", texts::BatchRunSummary, RunCommand},
+    Command{"job", texts::BatchJobSummary, JobCommand},
+    Command{"registry", texts::BatchRegistrySummary, RegistryCommand},
 };
-constexpr CommandGroup kProgram{"", kCommands, TextId::BatchOverview, TextId::BatchOverviewExamples};
+constexpr CommandGroup kProgram{"", kCommands, texts::BatchOverview, texts::BatchOverviewExamples};
 
 bool AsksForHelp(std::string_view word) {
   return word == "--help" || word == "-h" || word == "--hilfe" || word == "help";
@@ -28,17 +30,17 @@ bool AsksForHelp(std::string_view word) {
 void PrintOverview(const CommandGroup& group, Console& console) {
   const std::string call =
       std::string(kProgramName) + (group.prefix.empty() ? "" : " ") + std::string(group.prefix);
-  console.out << Format(Text(TextId::BatchUsage), call + " BEFEHL ...") << "\n\n"
+  console.out << Format(Text(texts::BatchUsage), call + " BEFEHL ...") << "\n\n"
               << Text(group.overview) << "\n\n"
-              << Text(TextId::BatchCommands) << '\n';
+              << Text(texts::BatchCommands) << '\n';
   std::size_t width = 0;
   for (const Command& command : group.commands) width = std::max(width, command.name.size());
   for (const Command& command : group.commands) {
     console.out << "  " << Padded(command.name, width + 2) << Text(command.summary) << '\n';
   }
-  console.out << '\n' << Text(TextId::BatchExamples) << '\n';
+  console.out << '\n' << Text(texts::BatchExamples) << '\n';
   for (const std::string_view line : Split(Text(group.examples), '\n')) console.out << "  " << line << '\n';
-  if (group.prefix.empty()) console.out << '\n' << Text(TextId::BatchOverviewEnd) << '\n';
+  if (group.prefix.empty()) console.out << '\n' << Text(texts::BatchOverviewEnd) << '\n';
 }
 
 }  // namespace
@@ -49,7 +51,7 @@ int Dispatch(const CommandGroup& group, CommandLine line, Console& console) {
     names += (names.empty() ? "" : ", ") + std::string(command.name);
   }
   if (line.empty()) {
-    return WrongUsage(console, group.prefix, Format(Text(TextId::BatchCommandMissing), names));
+    return WrongUsage(console, group.prefix, Format(Text(texts::BatchCommandMissing), names));
   }
   if (AsksForHelp(line.front())) {
     PrintOverview(group, console);
@@ -57,7 +59,7 @@ int Dispatch(const CommandGroup& group, CommandLine line, Console& console) {
   }
   const auto found = std::ranges::find(group.commands, line.front(), &Command::name);
   if (found == group.commands.end()) {
-    return WrongUsage(console, group.prefix, Format(Text(TextId::BatchCommandUnknown), line.front(), names));
+    return WrongUsage(console, group.prefix, Format(Text(texts::BatchCommandUnknown), line.front(), names));
   }
   return found->run(line.subspan(1), console);
 }
@@ -66,19 +68,19 @@ int RunBatch(CommandLine line, Console& console) {
   int status = kExitFailed;
   try {
     if (!line.empty() && line.front() == "--version") {
-      console.out << Format(Text(TextId::BatchVersion), Text(TextId::ApplicationTitle), TS5_VERSION) << '\n';
+      console.out << Format(Text(texts::BatchVersion), Text(texts::ApplicationTitle), TS5_VERSION) << '\n';
       status = kExitSuccess;
     } else {
       status = Dispatch(kProgram, line, console);
     }
     console.out.flush();
   } catch (const std::bad_alloc&) {
-    PrintError(console, Text(TextId::BatchOutOfMemory));
+    PrintError(console, Text(texts::BatchOutOfMemory));
   } catch (const std::exception& error) {
     PrintError(console, error.what());
   }
   if (!console.out && status == kExitSuccess) {
-    PrintError(console, Text(TextId::BatchOutputFailed));
+    PrintError(console, Text(texts::BatchOutputFailed));
     status = kExitFailed;
   }
   return status;

@@ -1,5 +1,6 @@
 #include "batch/console.h"
 
+#include "batch/texts.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
@@ -12,7 +13,7 @@ void PrintError(Console& console, std::string_view message) {
 int WrongUsage(Console& console, std::string_view command, std::string_view message) {
   PrintError(console, message);
   const std::string call = std::string(kProgramName) + (command.empty() ? "" : " ") + std::string(command);
-  console.err << Format(Text(TextId::BatchSeeHelp), call) << '\n';
+  console.err << Format(Text(texts::BatchSeeHelp), call) << '\n';
   return kExitUsage;
 }
 

@@ -5,6 +5,7 @@
 
 #include "batch/command_line.h"
 #include "batch/run_output.h"
+#include "batch/texts.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
@@ -32,11 +33,11 @@ Answer AskOnConsole(Console& console, const QuestionText& question) {
   const std::string text = OnOneLine(question.text);
   const Answer no = question.buttons == QuestionButtons::OkCancel ? Answer::Cancelled : Answer::No;
   if (!console.readLine) {
-    console.err << Format(Text(TextId::BatchAnsweredNo), text) << '\n';
+    console.err << Format(Text(texts::BatchAnsweredNo), text) << '\n';
     return no;
   }
   const bool presetYes = question.preset == Answer::Yes;
-  console.err << Format(Text(presetYes ? TextId::BatchQuestionYesNoPreset : TextId::BatchQuestionYesNo), text)
+  console.err << Format(Text(presetYes ? texts::BatchQuestionYesNoPreset : texts::BatchQuestionYesNo), text)
               << std::flush;
   const auto reply = console.readLine();
   if (!reply) {
@@ -62,7 +63,7 @@ void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()
     if (!stopping_ && console_.Interrupted()) {
       stopping_ = true;
       const auto text = stop();
-      status_ = Text(text.value_or(TextId::BatchStopping));
+      status_ = Text(text.value_or(texts::BatchStopping));
     }
     for (const Action& action : actions) action();
     actions.clear();
@@ -76,7 +77,7 @@ void ConsoleHost::ShowProgress() {
   if (progress_.items > 0) {
     const double done =
         (progress_.item > 0 ? progress_.item - 1 : 0) + std::clamp(progress_.fraction, 0.0, 1.0);
-    text = Format(Text(TextId::BatchProgress), progress_.item, progress_.items,
+    text = Format(Text(texts::BatchProgress), progress_.item, progress_.items,
                   static_cast<int>(100 * std::min(done / progress_.items, 1.0)));
   }
   if (!status_.empty()) text += (text.empty() ? "" : "  ") + status_;

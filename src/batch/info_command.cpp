@@ -6,8 +6,10 @@
 #include "batch/arguments.h"
 #include "batch/commands.h"
 #include "batch/json_text.h"
+#include "batch/texts.h"
 #include "frame/file_types.h"
 #include "midi/midi_properties.h"
+#include "midi/texts.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "score/score_properties.h"
@@ -82,9 +84,9 @@ Json JsonRows(const std::vector<PropertyRow>& rows) {
 int InfoCommand(CommandLine line, Console& console) {
   bool json = false;
   std::vector<std::string> files;
-  Arguments arguments("info", TextId::BatchInfoSummary, TextId::BatchInfoExamples);
-  arguments.Flag("--json", json, TextId::BatchHelpJson);
-  arguments.Rest("DATEI", files, TextId::BatchHelpInfoFiles, 1);
+  Arguments arguments("info", texts::BatchInfoSummary, texts::BatchInfoExamples);
+  arguments.Flag("--json", json, texts::BatchHelpJson);
+  arguments.Rest("DATEI", files, texts::BatchHelpInfoFiles, 1);
   if (const auto status = arguments.Read(line, console)) return *status;
 
   int status = kExitSuccess;
@@ -96,8 +98,8 @@ int InfoCommand(CommandLine line, Console& console) {
     if (Failed(outcome)) {
       status = kExitFailed;
       const TextId text =
-          outcome == Outcome::SourceFailed ? TextId::BatchFileNotOpened : TextId::PropertyUnknownFormat;
-      PrintError(console, Format(Text(TextId::BatchItemFailed), file, Text(text)));
+          outcome == Outcome::SourceFailed ? texts::BatchFileNotOpened : texts::PropertyUnknownFormat;
+      PrintError(console, Format(Text(texts::BatchItemFailed), file, Text(text)));
     }
     if (json) {
       Json row;
@@ -112,7 +114,7 @@ int InfoCommand(CommandLine line, Console& console) {
       console.out << file << '\n';
       PrintRows(console, page->rows);
       if (!page->attributes.empty()) {
-        console.out << Text(TextId::BatchRiffAttributes) << '\n';
+        console.out << Text(texts::BatchRiffAttributes) << '\n';
         PrintRows(console, page->attributes);
       }
     }

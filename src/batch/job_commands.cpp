@@ -7,6 +7,7 @@
 #include "batch/json_text.h"
 #include "batch/run_session.h"
 #include "batch/store.h"
+#include "batch/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/job_store.h"
 #include "frame/settings_store.h"
@@ -32,7 +33,7 @@ std::optional<Store> LoadStore(Console& console) {
 }
 
 std::string_view FilterName(FilterId filter) {
-  return IsFilter(filter) ? Descriptor(filter).Name() : Text(TextId::BatchNoFilter);
+  return IsFilter(filter) ? Descriptor(filter).Name() : Text(texts::BatchNoFilter);
 }
 
 std::vector<Job*> Numbered(StoredJobs& jobs) {
@@ -56,8 +57,8 @@ Job* FindJob(StoredJobs& jobs, std::string_view word) {
 
 int JobsCommand(CommandLine line, Console& console) {
   bool json = false;
-  Arguments arguments("jobs", TextId::BatchJobsSummary, TextId::BatchJobsExamples);
-  arguments.Flag("--json", json, TextId::BatchHelpJson);
+  Arguments arguments("jobs", texts::BatchJobsSummary, texts::BatchJobsExamples);
+  arguments.Flag("--json", json, texts::BatchHelpJson);
   if (const auto status = arguments.Read(line, console)) return *status;
   auto store = LoadStore(console);
   if (!store) return kExitFailed;
@@ -86,10 +87,10 @@ int JobsCommand(CommandLine line, Console& console) {
 int JobCommand(CommandLine line, Console& console) {
   std::string word;
   OutputOptions output;
-  Arguments arguments("job", TextId::BatchJobSummary, TextId::BatchJobExamples);
-  arguments.Required("NUMMER-ODER-TITEL", word, TextId::BatchHelpJob);
-  arguments.Flag("--json", output.json, TextId::BatchHelpJson);
-  arguments.Flag("--quiet", output.quiet, TextId::BatchHelpQuiet);
+  Arguments arguments("job", texts::BatchJobSummary, texts::BatchJobExamples);
+  arguments.Required("NUMMER-ODER-TITEL", word, texts::BatchHelpJob);
+  arguments.Flag("--json", output.json, texts::BatchHelpJson);
+  arguments.Flag("--quiet", output.quiet, texts::BatchHelpQuiet);
   if (const auto status = arguments.Read(line, console)) return *status;
   auto store = LoadStore(console);
   if (!store) return kExitFailed;
@@ -98,10 +99,10 @@ int JobCommand(CommandLine line, Console& console) {
   if (job == nullptr) {
     std::string names;
     for (const Job* known : Numbered(store->jobs)) names += (names.empty() ? "" : ", ") + known->title;
-    return WrongUsage(console, "job", Format(Text(TextId::BatchJobUnknown), word, names));
+    return WrongUsage(console, "job", Format(Text(texts::BatchJobUnknown), word, names));
   }
   if (!IsFilter(job->filter)) {
-    PrintError(console, Format(Text(TextId::BatchJobWithoutFilter), job->title));
+    PrintError(console, Format(Text(texts::BatchJobWithoutFilter), job->title));
     return kExitFailed;
   }
   return RunOnConsole(console, *job,

@@ -2,7 +2,9 @@
 
 #include <vector>
 
+#include "batch/texts.h"
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 #include "platform/text.h"
 #include "search/melody_store.h"
 #include "search/melody_text.h"
@@ -27,26 +29,26 @@ std::string StoredNames(Registry& registry) {
   for (const StoredMelodyInfo& melody : stored.value_or(std::vector<StoredMelodyInfo>())) {
     names += (names.empty() ? "\"" : ", \"") + melody.name + "\"";
   }
-  return names.empty() ? std::string(Text(TextId::NoRemarks)) : names;
+  return names.empty() ? std::string(Text(texts::NoRemarks)) : names;
 }
 
 }  // namespace
 
 void AddMelodyOptions(Arguments& arguments, MelodyOptions& options) {
-  arguments.Option("--melody", "60:240,r:120,...", options.numbers, TextId::BatchHelpMelody);
-  arguments.Option("--melody-name", "NAME", options.stored, TextId::BatchHelpMelodyName);
-  arguments.Option("--keys", "TASTEN", options.keys, TextId::BatchHelpKeys);
+  arguments.Option("--melody", "60:240,r:120,...", options.numbers, texts::BatchHelpMelody);
+  arguments.Option("--melody-name", "NAME", options.stored, texts::BatchHelpMelodyName);
+  arguments.Option("--keys", "TASTEN", options.keys, texts::BatchHelpKeys);
 }
 
 std::optional<std::string> TakeMelody(const MelodyOptions& options, Registry& registry, Job& job) {
   if (options.Count() == 0) return std::nullopt;
-  if (!IsSearch(job.filter)) return std::string(Text(TextId::BatchMelodyForSearch));
-  if (options.Count() > 1) return std::string(Text(TextId::BatchMelodyTwice));
+  if (!IsSearch(job.filter)) return std::string(Text(texts::BatchMelodyForSearch));
+  if (options.Count() > 1) return std::string(Text(texts::BatchMelodyTwice));
   auto melody = ReadMelody(options, registry);
   if (!melody) {
     if (options.stored)
-      return Format(Text(TextId::BatchMelodyUnknown), *options.stored, StoredNames(registry));
-    return Format(Text(TextId::BatchMelodyWrong), options.numbers ? *options.numbers : *options.keys);
+      return Format(Text(texts::BatchMelodyUnknown), *options.stored, StoredNames(registry));
+    return Format(Text(texts::BatchMelodyWrong), options.numbers ? *options.numbers : *options.keys);
   }
   static_cast<SearchParameters&>(*job.parameters).melody = std::move(*melody);
   return std::nullopt;

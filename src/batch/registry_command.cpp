@@ -5,6 +5,7 @@
 #include "batch/command_line.h"
 #include "batch/commands.h"
 #include "batch/store.h"
+#include "batch/texts.h"
 #include "platform/files.h"
 #include "platform/reg_file.h"
 #include "platform/text.h"
@@ -36,7 +37,7 @@ std::string ValueLine(std::string_view name, const RegistryValue& value) {
 // The key of a command line; nothing after saying that it is none.
 std::optional<std::string> KeyOrComplain(Console& console, std::string_view text) {
   auto key = KeyOf(text);
-  if (!key) PrintError(console, Format(Text(TextId::BatchKeyWrong), text));
+  if (!key) PrintError(console, Format(Text(texts::BatchKeyWrong), text));
   return key;
 }
 
@@ -62,9 +63,9 @@ Outcome PrintKey(Console& console, const Registry& registry, const std::string& 
 int ListCommand(CommandLine line, Console& console) {
   std::optional<std::string> keyText;
   bool recursive = false;
-  Arguments arguments("registry list", TextId::BatchRegistryListSummary, TextId::BatchRegistryListExamples);
-  arguments.Flag("--recursive", recursive, TextId::BatchHelpRecursive);
-  arguments.Optional("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  Arguments arguments("registry list", texts::BatchRegistryListSummary, texts::BatchRegistryListExamples);
+  arguments.Flag("--recursive", recursive, texts::BatchHelpRecursive);
+  arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText.value_or(""));
   if (!key) return kExitUsage;
@@ -74,7 +75,7 @@ int ListCommand(CommandLine line, Console& console) {
   const auto exists = registry->Exists(*key);
   if (!exists) return StoreFailed(console, exists.error());
   if (!*exists && keyText) {
-    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
     return kExitFailed;
   }
   const Outcome outcome = PrintKey(console, *registry, *key, recursive);
@@ -84,9 +85,9 @@ int ListCommand(CommandLine line, Console& console) {
 int GetCommand(CommandLine line, Console& console) {
   std::string keyText;
   std::string name;
-  Arguments arguments("registry get", TextId::BatchRegistryGetSummary, TextId::BatchRegistryGetExamples);
-  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
-  arguments.Required("NAME", name, TextId::BatchHelpValueName);
+  Arguments arguments("registry get", texts::BatchRegistryGetSummary, texts::BatchRegistryGetExamples);
+  arguments.Required("SCHLÜSSEL", keyText, texts::BatchHelpKey);
+  arguments.Required("NAME", name, texts::BatchHelpValueName);
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText);
   if (!key) return kExitUsage;
@@ -97,7 +98,7 @@ int GetCommand(CommandLine line, Console& console) {
   if (!values) return StoreFailed(console, values.error());
   const RegistryValue* value = values->Find(name);
   if (value == nullptr) {
-    PrintError(console, Format(Text(TextId::BatchValueMissing), name, *key));
+    PrintError(console, Format(Text(texts::BatchValueMissing), name, *key));
     return kExitFailed;
   }
   console.out << ValueText(*value) << '\n';
@@ -109,18 +110,18 @@ int SetCommand(CommandLine line, Console& console) {
   std::string name;
   std::string valueText;
   bool binary = false;
-  Arguments arguments("registry set", TextId::BatchRegistrySetSummary, TextId::BatchRegistrySetExamples);
-  arguments.Flag("--binary", binary, TextId::BatchHelpBinary);
-  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
-  arguments.Required("NAME", name, TextId::BatchHelpValueName);
-  arguments.Required("WERT", valueText, TextId::BatchHelpValue);
+  Arguments arguments("registry set", texts::BatchRegistrySetSummary, texts::BatchRegistrySetExamples);
+  arguments.Flag("--binary", binary, texts::BatchHelpBinary);
+  arguments.Required("SCHLÜSSEL", keyText, texts::BatchHelpKey);
+  arguments.Required("NAME", name, texts::BatchHelpValueName);
+  arguments.Required("WERT", valueText, texts::BatchHelpValue);
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText);
   if (!key) return kExitUsage;
   RegistryValue value{RegistryValue::Kind::Text, valueText};
   if (binary) {
     const auto bytes = ParseHexBytes(valueText);
-    if (!bytes) return WrongUsage(console, "registry set", Format(Text(TextId::BatchHexWrong), valueText));
+    if (!bytes) return WrongUsage(console, "registry set", Format(Text(texts::BatchHexWrong), valueText));
     value = {RegistryValue::Kind::Binary, *bytes};
   }
   auto registry = OpenRegistry(console);
@@ -132,10 +133,10 @@ int SetCommand(CommandLine line, Console& console) {
 int DeleteCommand(CommandLine line, Console& console) {
   std::string keyText;
   std::optional<std::string> name;
-  Arguments arguments("registry delete", TextId::BatchRegistryDeleteSummary,
-                      TextId::BatchRegistryDeleteExamples);
-  arguments.Required("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
-  arguments.Optional("NAME", name, TextId::BatchHelpValueName);
+  Arguments arguments("registry delete", texts::BatchRegistryDeleteSummary,
+                      texts::BatchRegistryDeleteExamples);
+  arguments.Required("SCHLÜSSEL", keyText, texts::BatchHelpKey);
+  arguments.Optional("NAME", name, texts::BatchHelpValueName);
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText);
   if (!key) return kExitUsage;
@@ -145,12 +146,12 @@ int DeleteCommand(CommandLine line, Console& console) {
   const auto values = registry->Read(*key);
   if (!values) return StoreFailed(console, values.error());
   if (name && values->Find(*name) == nullptr) {
-    PrintError(console, Format(Text(TextId::BatchValueMissing), *name, *key));
+    PrintError(console, Format(Text(texts::BatchValueMissing), *name, *key));
     return kExitFailed;
   }
   const auto exists = registry->Exists(*key);
   if (exists && !*exists) {
-    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
     return kExitFailed;
   }
   const Outcome outcome = name ? registry->DeleteValue(*key, *name) : registry->DeleteKey(*key);
@@ -159,42 +160,42 @@ int DeleteCommand(CommandLine line, Console& console) {
 
 int ImportCommand(CommandLine line, Console& console) {
   std::string path;
-  Arguments arguments("registry import", TextId::BatchRegistryImportSummary,
-                      TextId::BatchRegistryImportExamples);
-  arguments.Required("DATEI.reg", path, TextId::BatchHelpRegFile);
+  Arguments arguments("registry import", texts::BatchRegistryImportSummary,
+                      texts::BatchRegistryImportExamples);
+  arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
   if (const auto status = arguments.Read(line, console)) return *status;
   auto registry = OpenRegistry(console);
   if (!registry) return kExitFailed;
 
   const auto content = ReadFile(path, kMaxRegFileSize);
   if (!content) {
-    PrintError(console, Format(Text(TextId::BatchFileUnreadable), path));
+    PrintError(console, Format(Text(texts::BatchFileUnreadable), path));
     return kExitFailed;
   }
   const auto report = ImportRegText(*content, *registry);
   if (!report) {
     if (report.error() != Outcome::WrongFormat) return StoreFailed(console, report.error());
-    PrintError(console, Format(Text(TextId::BatchNotARegFile), path));
+    PrintError(console, Format(Text(texts::BatchNotARegFile), path));
     return kExitFailed;
   }
   for (const RegFileError& error : report->errors) {
-    PrintError(console, Format(Text(TextId::BatchRegLine), path, error.line, error.text));
+    PrintError(console, Format(Text(texts::BatchRegLine), path, error.line, error.text));
   }
   if (report->errorCount > report->errors.size()) {
-    PrintError(console, Format(Text(TextId::BatchRegMoreLines), report->errorCount - report->errors.size()));
+    PrintError(console, Format(Text(texts::BatchRegMoreLines), report->errorCount - report->errors.size()));
   }
-  console.out << Format(Text(TextId::BatchImported), report->keys, report->values) << '\n';
-  if (report->skipped > 0) console.out << Format(Text(TextId::BatchSkipped), report->skipped) << '\n';
+  console.out << Format(Text(texts::BatchImported), report->keys, report->values) << '\n';
+  if (report->skipped > 0) console.out << Format(Text(texts::BatchSkipped), report->skipped) << '\n';
   return report->errorCount > 0 ? kExitFailed : kExitSuccess;
 }
 
 int ExportCommand(CommandLine line, Console& console) {
   std::string path;
   std::optional<std::string> keyText;
-  Arguments arguments("registry export", TextId::BatchRegistryExportSummary,
-                      TextId::BatchRegistryExportExamples);
-  arguments.Required("DATEI.reg", path, TextId::BatchHelpRegFile);
-  arguments.Optional("SCHLÜSSEL", keyText, TextId::BatchHelpKey);
+  Arguments arguments("registry export", texts::BatchRegistryExportSummary,
+                      texts::BatchRegistryExportExamples);
+  arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
+  arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText.value_or(""));
   if (!key) return kExitUsage;
@@ -203,28 +204,28 @@ int ExportCommand(CommandLine line, Console& console) {
 
   const auto exists = registry->Exists(*key);
   if (exists && !*exists) {
-    PrintError(console, Format(Text(TextId::BatchKeyMissing), *key));
+    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
     return kExitFailed;
   }
   const auto text = ExportRegText(*registry, *key);
   if (!text) return StoreFailed(console, text.error());
   if (Failed(WriteFile(path, *text))) {
-    PrintError(console, Format(Text(TextId::BatchFileUnwritable), path));
+    PrintError(console, Format(Text(texts::BatchFileUnwritable), path));
     return kExitFailed;
   }
   return kExitSuccess;
 }
 
 constexpr std::array kCommands{
-    Command{"list", TextId::BatchRegistryListSummary, ListCommand},
-    Command{"get", TextId::BatchRegistryGetSummary, GetCommand},
-    Command{"set", TextId::BatchRegistrySetSummary, SetCommand},
-    Command{"delete", TextId::BatchRegistryDeleteSummary, DeleteCommand},
-    Command{"import", TextId::BatchRegistryImportSummary, ImportCommand},
-    Command{"export", TextId::BatchRegistryExportSummary, ExportCommand},
+    Command{"list", texts::BatchRegistryListSummary, ListCommand},
+    Command{"get", texts::BatchRegistryGetSummary, GetCommand},
+    Command{"set", texts::BatchRegistrySetSummary, SetCommand},
+    Command{"delete", texts::BatchRegistryDeleteSummary, DeleteCommand},
+    Command{"import", texts::BatchRegistryImportSummary, ImportCommand},
+    Command{"export", texts::BatchRegistryExportSummary, ExportCommand},
 };
-constexpr CommandGroup kGroup{"registry", kCommands, TextId::BatchRegistrySummary,
-                              TextId::BatchRegistryOverviewExamples};
+constexpr CommandGroup kGroup{"registry", kCommands, texts::BatchRegistrySummary,
+                              texts::BatchRegistryOverviewExamples};
 
 }  // namespace
 

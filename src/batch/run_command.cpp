@@ -8,11 +8,13 @@
 #include "batch/melody_options.h"
 #include "batch/run_session.h"
 #include "batch/store.h"
+#include "batch/texts.h"
 #include "frame/directory_listing.h"
 #include "frame/file_list_file.h"
 #include "frame/filter_bar.h"
 #include "frame/filter_catalogue.h"
 #include "frame/settings_store.h"
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -51,9 +53,9 @@ std::string FilterNames(bool runnable) {
 // The help of the filter's parameters, with the defaults; how to get it while no filter is named.
 std::string ParameterHelp(const std::string& filter) {
   const FilterModule* module = FindModule(FindFilter(filter));
-  if (module == nullptr) return "\n" + std::string(Text(TextId::BatchHelpParameterTail)) + "\n";
+  if (module == nullptr) return "\n" + std::string(Text(texts::BatchHelpParameterTail)) + "\n";
   const auto parameters = module->create();
-  std::string help = "\n" + std::string(Text(TextId::BatchHelpParameters)) + "\n";
+  std::string help = "\n" + std::string(Text(texts::BatchHelpParameters)) + "\n";
   std::size_t width = 0;
   for (const ParameterField& field : module->fields) width = std::max(width, field.name.size());
   for (const ParameterField& field : module->fields) {
@@ -93,14 +95,14 @@ std::string ResultFileIn(const Job& job, const DestinationRules& rules, bool who
 // What cannot be right whatever the files hold; nothing when all is well.
 std::optional<std::string> Contradiction(const Request& request) {
   const bool names = !request.files.empty() || request.list;
-  if (request.directory && names) return std::string(Text(TextId::BatchDirAlone));
-  if (!request.directory && !names) return std::string(Text(TextId::BatchNoSources));
-  if (request.destination && request.destinationDirectory) return std::string(Text(TextId::BatchDestTwice));
+  if (request.directory && names) return std::string(Text(texts::BatchDirAlone));
+  if (!request.directory && !names) return std::string(Text(texts::BatchNoSources));
+  if (request.destination && request.destinationDirectory) return std::string(Text(texts::BatchDestTwice));
   if (request.overwrite && !ParseOverwrite(*request.overwrite)) {
-    return Format(Text(TextId::BatchOverwriteWrong), *request.overwrite);
+    return Format(Text(texts::BatchOverwriteWrong), *request.overwrite);
   }
   for (const auto& directory : {request.destinationDirectory, request.directory}) {
-    if (directory && !IsDirectory(*directory)) return Format(Text(TextId::BatchNoDirectory), *directory);
+    if (directory && !IsDirectory(*directory)) return Format(Text(texts::BatchNoDirectory), *directory);
   }
   return std::nullopt;
 }
@@ -125,11 +127,11 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
   };
   const ListingEnd end = ListDirectory(directory, {}, {}, take);
   if (Failed(end.outcome)) {
-    PrintError(console, Format(Text(TextId::BatchDirectoryUnreadable), directory));
+    PrintError(console, Format(Text(texts::BatchDirectoryUnreadable), directory));
     return false;
   }
   if (job.directory.names.empty()) {
-    PrintError(console, Format(Text(TextId::BatchDirectoryEmpty), directory));
+    PrintError(console, Format(Text(texts::BatchDirectoryEmpty), directory));
     return false;
   }
   return true;
@@ -144,7 +146,7 @@ std::optional<bool> TakeList(Console& console, Job& job, const std::string& path
   if (!loaded) return std::nullopt;
   const bool complete = loaded->missing == 0;
   if (TakeLoadedList(job.files, std::move(*loaded), true, burner)) {
-    PrintError(console, Text(TextId::TooManyTracks));
+    PrintError(console, Text(texts::TooManyTracks));
   }
   return complete;
 }
@@ -153,20 +155,20 @@ std::optional<bool> TakeList(Console& console, Job& job, const std::string& path
 
 int RunCommand(CommandLine line, Console& console) {
   Request request;
-  Arguments arguments(kCommand, TextId::BatchRunSummary, TextId::BatchRunExamples);
-  arguments.Required("FILTER", request.filter, TextId::BatchHelpFilter);
-  arguments.Repeated("--set", "NAME=WERT", request.settings, TextId::BatchHelpSet);
-  arguments.Option("--dest", "DATEI", request.destination, TextId::BatchHelpDest);
-  arguments.Option("--dest-dir", "VERZ", request.destinationDirectory, TextId::BatchHelpDestDir);
-  arguments.Option("--overwrite", "yes|number|ask", request.overwrite, TextId::BatchHelpOverwrite);
-  arguments.Option("--list", "LISTE.sts", request.list, TextId::BatchHelpList);
-  arguments.Option("--dir", "VERZ", request.directory, TextId::BatchHelpDir);
-  arguments.Option("--device", "NAME", request.device, TextId::BatchHelpDevice);
-  arguments.Option("--input", "NAME", request.input, TextId::BatchHelpInput);
+  Arguments arguments(kCommand, texts::BatchRunSummary, texts::BatchRunExamples);
+  arguments.Required("FILTER", request.filter, texts::BatchHelpFilter);
+  arguments.Repeated("--set", "NAME=WERT", request.settings, texts::BatchHelpSet);
+  arguments.Option("--dest", "DATEI", request.destination, texts::BatchHelpDest);
+  arguments.Option("--dest-dir", "VERZ", request.destinationDirectory, texts::BatchHelpDestDir);
+  arguments.Option("--overwrite", "yes|number|ask", request.overwrite, texts::BatchHelpOverwrite);
+  arguments.Option("--list", "LISTE.sts", request.list, texts::BatchHelpList);
+  arguments.Option("--dir", "VERZ", request.directory, texts::BatchHelpDir);
+  arguments.Option("--device", "NAME", request.device, texts::BatchHelpDevice);
+  arguments.Option("--input", "NAME", request.input, texts::BatchHelpInput);
   AddMelodyOptions(arguments, request.melody);
-  arguments.Flag("--json", request.output.json, TextId::BatchHelpJson);
-  arguments.Flag("--quiet", request.output.quiet, TextId::BatchHelpQuiet);
-  arguments.Rest("DATEI", request.files, TextId::BatchHelpFiles, 0);
+  arguments.Flag("--json", request.output.json, texts::BatchHelpJson);
+  arguments.Flag("--quiet", request.output.quiet, texts::BatchHelpQuiet);
+  arguments.Rest("DATEI", request.files, texts::BatchHelpFiles, 0);
   arguments.HelpTail([&] { return ParameterHelp(request.filter); });
   if (const auto status = arguments.Read(line, console)) return *status;
 
@@ -174,13 +176,13 @@ int RunCommand(CommandLine line, Console& console) {
   job.filter = FindFilter(request.filter);
   if (job.filter == FilterId::None) {
     return WrongUsage(console, kCommand,
-                      Format(Text(TextId::BatchFilterUnknown), request.filter, FilterNames(false)));
+                      Format(Text(texts::BatchFilterUnknown), request.filter, FilterNames(false)));
   }
   const FilterModule* module = FindModule(job.filter);
   if (!CanRun(job.filter)) {
     return WrongUsage(
         console, kCommand,
-        Format(Text(TextId::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
+        Format(Text(texts::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
   }
   job.parameters = module->create();
   if (const auto fault = ApplySettings(module->fields, *job.parameters, request.settings)) {
@@ -220,7 +222,7 @@ int RunCommand(CommandLine line, Console& console) {
   job.destinationIsScreen = IsSearch(job.filter) && !resultFile;
   if (request.destination) {
     if (ItemCount(job) > 1 && !IsSearch(job.filter))
-      return WrongUsage(console, kCommand, Text(TextId::BatchDestForOne));
+      return WrongUsage(console, kCommand, Text(texts::BatchDestForOne));
     job.destinationName = FromCurrentDirectory(*request.destination);
     rules.chosenName = true;
     if (rules.overwrite == OverwritePolicy::Number)

@@ -4,6 +4,7 @@
 
 #include "batch/console.h"
 #include "batch/json_text.h"
+#include "batch/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/remarks.h"
 #include "platform/strings.h"
@@ -48,7 +49,7 @@ std::string ResultText(const RunResult& result) {
     text += "  " + Padded(line.label, width + 2) + std::string(count.size() < 6 ? 6 - count.size() : 0, ' ') +
             count + "\n";
   }
-  text += std::string(Text(TextId::BatchRemarks)) + "\n";
+  text += std::string(Text(texts::BatchRemarks)) + "\n";
   const std::string remarks = RemarksText(result);
   for (const std::string_view line : Split(remarks, '\n')) text += "  " + std::string(Trim(line)) + "\n";
   return text;
@@ -81,18 +82,18 @@ void WriteResultJson(const RunResult& result, const SearchResults& hits, std::os
 std::string HitText(SearchKind kind, const SearchHit& hit) {
   const auto ordinal = [](std::int32_t index) { return std::int64_t{index} + 1; };
   if (kind == SearchKind::Score) {
-    return Format(Text(TextId::BatchHitScore), hit.file, ordinal(hit.track), ordinal(hit.voice),
+    return Format(Text(texts::BatchHitScore), hit.file, ordinal(hit.track), ordinal(hit.voice),
                   ordinal(hit.bar), ordinal(hit.time));
   }
   const std::int32_t seconds = hit.time / 1000;
-  return Format(Text(TextId::BatchHitMidi), hit.file, ordinal(hit.track), ordinal(hit.bar), seconds / 60,
+  return Format(Text(texts::BatchHitMidi), hit.file, ordinal(hit.track), ordinal(hit.bar), seconds / 60,
                 seconds % 60);
 }
 
 std::string ItemRemark(const RunItem& item, std::span<const Remark> table) {
   if (item.code >= 0) return "";
   const auto lines = RemarkLines(table, Status{.code = item.code, .number = item.code});
-  return lines.empty() ? Format(Text(TextId::BatchItemCode), item.code) : lines.front();
+  return lines.empty() ? Format(Text(texts::BatchItemCode), item.code) : lines.front();
 }
 
 int ExitStatusOf(const RunResult& result) {

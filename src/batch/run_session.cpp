@@ -5,6 +5,7 @@
 
 #include "app/filter_modules.h"
 #include "batch/run_output.h"
+#include "batch/texts.h"
 #include "frame/item_run.h"
 #include "platform/text.h"
 
@@ -30,7 +31,7 @@ int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions o
       if (const std::string remark = ItemRemark(item, module->remarks); !remark.empty()) {
         // What concerns no source is the failure of the destination.
         const std::string& name = item.source.empty() ? item.destination : item.source;
-        PrintError(console, Format(Text(TextId::BatchItemFailed), name, remark));
+        PrintError(console, Format(Text(texts::BatchItemFailed), name, remark));
       }
     }
     console.out << ResultText(result);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/settings.h"
+#include "frame/texts.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
@@ -44,7 +45,7 @@ std::vector<Background> LoadBackgrounds(const Registry& registry) {
          std::string(FirstCharacters(values->Text("Name").value_or(""), kMaxBackgroundName))});
   }
   if (backgrounds.empty())
-    backgrounds.push_back({kWhite, kWhite, 0, std::string(Text(TextId::DefaultBackground))});
+    backgrounds.push_back({kWhite, kWhite, 0, std::string(Text(texts::DefaultBackground))});
   return backgrounds;
 }
 

@@ -4,6 +4,7 @@
 
 #include "frame/filter_catalogue.h"
 #include "frame/settings.h"
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -93,7 +94,7 @@ TargetName ResultFileNameFor(const DestinationRules& rules, const std::string& s
                              bool wholeList, const DestinationFiles& files) {
   const std::string directory = TargetDirectory(rules, source, files);
   if (items <= 1 && !wholeList) return NameParts(directory, WithExtension(FileNameOf(source), "txt"));
-  return {.head = JoinPath(directory, Text(TextId::SearchResultsName)),
+  return {.head = JoinPath(directory, Text(texts::SearchResultsName)),
           .tail = ".txt",
           .numbered = items > 1 || rules.overwrite != OverwritePolicy::Replace};
 }
@@ -112,15 +113,15 @@ std::optional<std::string> SettledName(const TargetName& name, bool number, cons
 DestinationCheck CheckDestination(const std::string& field, const DestinationRules& rules,
                                   const std::string& source, const DestinationFiles& files) {
   std::string name(Trim(field));
-  if (name.empty()) return {.name = {}, .message = TextId::NoTargetName};
+  if (name.empty()) return {.name = {}, .message = texts::NoTargetName};
   const std::string directory(DirectoryOf(name));
   if (!directory.empty()) {
     const bool valid = rules.sourceDirectory || files.isDirectory(directory);
-    return {.name = name, .message = valid ? std::nullopt : std::optional(TextId::InvalidTargetDirectory)};
+    return {.name = name, .message = valid ? std::nullopt : std::optional(texts::InvalidTargetDirectory)};
   }
   if (rules.sourceDirectory)
     return {.name = JoinPath(TargetDirectory(rules, source, files), name), .message = {}};
-  if (!files.isDirectory(rules.directory)) return {.name = name, .message = TextId::InvalidTargetDirectory};
+  if (!files.isDirectory(rules.directory)) return {.name = name, .message = texts::InvalidTargetDirectory};
   return {.name = JoinPath(rules.directory, name), .message = {}};
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
@@ -51,7 +52,7 @@ void Deliver(std::vector<FoundFile> files, const std::stop_token& stop, const It
 void DeliverTracks(const std::vector<std::uint32_t>& seconds, const ItemSink& sink) {
   std::vector<DirectoryItem> items;
   for (std::size_t i = 0; i < seconds.size(); ++i) {
-    items.push_back({Format(Text(TextId::TrackName), i + 1), FileTypeId::CdTrack, true, seconds[i]});
+    items.push_back({Format(Text(texts::TrackName), i + 1), FileTypeId::CdTrack, true, seconds[i]});
   }
   if (!items.empty()) sink(std::move(items));
 }
@@ -83,7 +84,7 @@ bool IsTreeDirectory(const fs::directory_entry& entry) {
 }  // namespace
 
 std::vector<std::string> ListedPatterns() {
-  return ParseFileFilter(Text(TextId::FileFilterMedia)).at(0).patterns;
+  return ParseFileFilter(Text(texts::FileFilterMedia)).at(0).patterns;
 }
 
 ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/texts.h"
 #include "platform/casts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -57,7 +58,7 @@ class Dropper {
     }
     if (burner_) {
       if (list_.Size() >= kMaxBurnerEntries) {
-        result_.messages.push_back({TextId::TooManyTracks, std::string(Text(TextId::TooManyTracks))});
+        result_.messages.push_back({texts::TooManyTracks, std::string(Text(texts::TooManyTracks))});
         return false;
       }
       entry.duration = WholeSeconds(environment_.durationOf ? environment_.durationOf(entry) : 0);
@@ -71,7 +72,7 @@ class Dropper {
   DropResult Finish() {
     if (result_.rejected > 0) {
       result_.messages.push_back(
-          {TextId::FilesRejected, Format(Text(TextId::FilesRejected), result_.rejected)});
+          {texts::FilesRejected, Format(Text(texts::FilesRejected), result_.rejected)});
     }
     return std::move(result_);
   }
@@ -87,12 +88,12 @@ class Dropper {
 }  // namespace
 
 std::string CdTrackEntry(const DriveName& drive, int track) {
-  return Format(Text(TextId::DriveTrackNumber), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
+  return Format(Text(texts::DriveTrackNumber), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
                 track);
 }
 
 std::string CdTrackEntry(const DriveName& drive, std::string_view trackName) {
-  return Format(Text(TextId::DriveTrackName), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
+  return Format(Text(texts::DriveTrackName), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
                 trackName);
 }
 
@@ -128,7 +129,7 @@ DropResult DropEntries(FreeFileList& list, FilterId filter, std::vector<FileList
 }
 
 UserMessage DropWithoutList() {
-  return {TextId::NoWindowForFiles, std::string(Text(TextId::NoWindowForFiles))};
+  return {texts::NoWindowForFiles, std::string(Text(texts::NoWindowForFiles))};
 }
 
 }  // namespace ts5

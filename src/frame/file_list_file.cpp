@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -142,7 +143,7 @@ std::string FileListName(std::string_view chosen) {
 Profile FileListProfile(const FreeFileList& list, bool burner) {
   Profile profile = EmptyProfile(list);
   profile.Write(kSection, kBannerKey, std::string(46, '='));
-  profile.Write(kSection, kStopKey, Text(TextId::FileListHead));
+  profile.Write(kSection, kStopKey, Text(texts::FileListHead));
   profile.WriteInteger(kSection, kCountKey, static_cast<std::int64_t>(list.Size()));
   for (std::size_t i = 0; i < list.Size(); ++i) {
     profile.Write(kSection, std::to_string(i + 1), ValueFor(list[i], burner));
@@ -190,14 +191,14 @@ std::optional<UserMessage> LoadMessage(const Result<LoadedFileList>& loaded, std
   const auto message = [](TextId id, const auto&... arguments) {
     return UserMessage{id, Format(Text(id), arguments...)};
   };
-  if (!loaded && loaded.error() == Outcome::NotABurnerList) return message(TextId::NotABurnerList);
-  if (!loaded) return message(TextId::ListNotLoaded, path);
-  if (loaded->missing > 0) return message(TextId::FilesNotLoaded, loaded->missing);
+  if (!loaded && loaded.error() == Outcome::NotABurnerList) return message(texts::NotABurnerList);
+  if (!loaded) return message(texts::ListNotLoaded, path);
+  if (loaded->missing > 0) return message(texts::FilesNotLoaded, loaded->missing);
   return std::nullopt;
 }
 
 UserMessage SaveFailedMessage(std::string_view path) {
-  return {TextId::ListNotSaved, Format(Text(TextId::ListNotSaved), path)};
+  return {texts::ListNotSaved, Format(Text(texts::ListNotSaved), path)};
 }
 
 }  // namespace ts5

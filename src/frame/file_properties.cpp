@@ -1,5 +1,7 @@
 #include "frame/file_properties.h"
 
+#include "frame/texts.h"
+
 namespace ts5 {
 namespace {
 
@@ -22,7 +24,7 @@ PropertiesChoice ChooseProperties(const FileListEntry& file, std::span<const Pro
     if (step.applies ? !step.applies(file) : file.cdTrack) continue;
     const auto window = step.read(file);
     if (window) return {*window};
-    if (Stops(step.failure, window.error())) return {std::nullopt, TextId::FileNotOpened};
+    if (Stops(step.failure, window.error())) return {std::nullopt, texts::FileNotOpened};
   }
   return {};
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "frame/file_list.h"
+#include "frame/texts.h"
 #include "platform/outcome.h"
 #include "platform/strings.h"
 
@@ -33,7 +34,7 @@ struct PropertiesStep {
 
 struct PropertiesChoice {
   std::optional<PropertiesWindow> window;
-  TextId message = TextId::UnknownFileFormat;  // when there is no window
+  TextId message = texts::UnknownFileFormat;  // when there is no window
 };
 [[nodiscard]] PropertiesChoice ChooseProperties(const FileListEntry& file,
                                                 std::span<const PropertiesStep> steps);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "frame/file_list.h"
+#include "frame/texts.h"
 #include "platform/outcome.h"
 
 namespace ts5 {
@@ -13,8 +14,8 @@ struct RenamePlan {
   enum class Kind : std::uint8_t {
     Nothing,  // the name stays: empty, the same but for case, or not a file
     Rename,
-    Ask,      // TextId::AskRenameUnsupported first, No as default
-    Refused,  // the new name holds a separator or makes the path too long: TextId::RenameFailed
+    Ask,      // texts::AskRenameUnsupported first, No as default
+    Refused,  // the new name holds a separator or makes the path too long: texts::RenameFailed
   };
   Kind kind = Kind::Nothing;
   std::string newPath;
@@ -24,7 +25,7 @@ struct RenamePlan {
 [[nodiscard]] RenamePlan PlanRename(std::string_view path, std::string_view newName);
 
 // Renames on disk, never over another file, and gives the entry its new path. SourceFailed, TargetFailed: the
-// message is TextId::RenameFailed, and the list is unchanged.
+// message is texts::RenameFailed, and the list is unchanged.
 [[nodiscard]] Outcome RenameEntry(FreeFileList& list, std::size_t index, const std::string& newPath);
 
 }  // namespace ts5

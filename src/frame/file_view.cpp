@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "frame/texts.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "platform/volumes.h"
@@ -10,14 +11,14 @@ namespace ts5 {
 namespace {
 
 constexpr auto kListColumns = std::to_array<ColumnTitle>({
-    {FileColumn::Name, TextId::FileColumnName},
-    {FileColumn::Directory, TextId::FileColumnDirectory},
-    {FileColumn::Time, TextId::FileColumnTime},
-    {FileColumn::Pause, TextId::FileColumnPause},
+    {FileColumn::Name, texts::FileColumnName},
+    {FileColumn::Directory, texts::FileColumnDirectory},
+    {FileColumn::Time, texts::FileColumnTime},
+    {FileColumn::Pause, texts::FileColumnPause},
 });
 constexpr auto kAudioCdColumns = std::to_array<ColumnTitle>({
-    {FileColumn::Name, TextId::FileColumnTracks},
-    {FileColumn::Time, TextId::FileColumnTime},
+    {FileColumn::Name, texts::FileColumnTracks},
+    {FileColumn::Time, texts::FileColumnTime},
 });
 
 }  // namespace
@@ -46,15 +47,15 @@ std::string ColumnText(const FileListEntry& entry, FileColumn column) {
 }
 
 std::string TimeText(std::uint32_t seconds) {
-  return Format(Text(TextId::MinutesAndSeconds), seconds / 60, seconds % 60);
+  return Format(Text(texts::MinutesAndSeconds), seconds / 60, seconds % 60);
 }
 
 std::string DriveFailedText(std::int32_t driveIndex) {
-  return Format(Text(TextId::DriveFailed), std::string{LetterOfDrive(driveIndex), ':'});
+  return Format(Text(texts::DriveFailed), std::string{LetterOfDrive(driveIndex), ':'});
 }
 
 std::string TreeRootText(std::int32_t driveIndex) {
-  return Format(Text(TextId::TreeRoot), LetterOfDrive(driveIndex));
+  return Format(Text(texts::TreeRoot), LetterOfDrive(driveIndex));
 }
 
 std::optional<std::int32_t> SwitchedSourceDrive(std::int32_t current, std::string_view sourcePath,
@@ -66,12 +67,12 @@ std::optional<std::int32_t> SwitchedSourceDrive(std::int32_t current, std::strin
 }
 
 std::string DeleteQuestion(bool listMode, std::size_t count, std::string_view name) {
-  if (count == 1) return Format(Text(listMode ? TextId::AskRemoveEntry : TextId::AskDeleteFile), name);
-  return Format(Text(listMode ? TextId::AskRemoveEntries : TextId::AskDeleteFiles), count);
+  if (count == 1) return Format(Text(listMode ? texts::AskRemoveEntry : texts::AskDeleteFile), name);
+  return Format(Text(listMode ? texts::AskRemoveEntries : texts::AskDeleteFiles), count);
 }
 
 std::string FileNotDeletedText(std::string_view path) {
-  return Format(Text(TextId::FileNotDeleted), path);
+  return Format(Text(texts::FileNotDeleted), path);
 }
 
 }  // namespace ts5

@@ -11,6 +11,7 @@
 
 #include "frame/file_list.h"
 #include "frame/filter_id.h"
+#include "frame/texts.h"
 #include "platform/strings.h"
 
 namespace ts5 {
@@ -29,7 +30,7 @@ struct ColumnTitle {
 [[nodiscard]] std::string TimeText(std::uint32_t seconds);  // 185 -> "3:05"
 
 // Texts of a drive by its index; its entry in the drive selector stands one below, as the first entry is the
-// free file list (TextId::ListModeDrive).
+// free file list (texts::ListModeDrive).
 [[nodiscard]] std::string DriveFailedText(std::int32_t driveIndex);  // with the drive as "x:"
 [[nodiscard]] std::string TreeRootText(std::int32_t driveIndex);
 

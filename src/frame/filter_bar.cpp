@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 #include "platform/paths.h"
 
 namespace ts5 {
@@ -182,7 +183,7 @@ FilterSwitch PlanFilterSwitch(FilterId current, FilterId next, bool listIsEmpty,
   if (!jobIsIdle) return {Refused, {}};
   if (current == next) return {Same, {}};
   if (listIsEmpty || (current != CdBurner && next != CdBurner)) return {Free, {}};
-  return {Ask, next == CdBurner ? TextId::AskSwitchToBurner : TextId::AskSwitchFromBurner};
+  return {Ask, next == CdBurner ? texts::AskSwitchToBurner : texts::AskSwitchFromBurner};
 }
 
 }  // namespace ts5

@@ -4,6 +4,7 @@
 #include <array>
 #include <optional>
 
+#include "frame/texts.h"
 #include "platform/text.h"
 
 namespace ts5 {
@@ -30,39 +31,39 @@ constexpr auto kXml = std::to_array<std::string_view>({"stvx", "xml"});
 constexpr auto kFilters = std::to_array<FilterDescriptor>({
     // id, identifier, name, description, window, template,
     //     single, several, whole list, destinations, panels, colour 1, colour 2
-    {ScoreToMidi, "ScoreToMidi", TextId::FilterNameScoreToMidi, TextId::FilterDescriptionScoreToMidi, Dialog, "SCOREMIDI",
+    {ScoreToMidi, "ScoreToMidi", texts::FilterNameScoreToMidi, texts::FilterDescriptionScoreToMidi, Dialog, "SCOREMIDI",
         kScores, kScores, {}, DestinationKinds::File, kPanelFile, 0x00FF00, 0x800000},
-    {MidiToScore, "MidiToScore", TextId::FilterNameMidiToScore, TextId::FilterDescriptionMidiToScore, Dialog, "MIDSTV",
+    {MidiToScore, "MidiToScore", texts::FilterNameMidiToScore, texts::FilterDescriptionMidiToScore, Dialog, "MIDSTV",
         kMidi, kMidi, {}, DestinationKinds::File, kPanelFile, 0xFF0000, 0x008000},
-    {ScoreSearch, "ScoreSearch", TextId::FilterNameScoreSearch, TextId::FilterDescriptionScoreSearch, Dialog, "MIDIFINDPARAMS",
+    {ScoreSearch, "ScoreSearch", texts::FilterNameScoreSearch, texts::FilterDescriptionScoreSearch, Dialog, "MIDIFINDPARAMS",
         kScoresOfEngine, kScoresOfEngine, kScoresOfEngine, DestinationKinds::FileOrScreen, kPanelFile | kPanelScreen, 0xFF0000, 0x400000},
-    {MidiSearch, "MidiSearch", TextId::FilterNameMidiSearch, TextId::FilterDescriptionMidiSearch, Dialog, "MIDIFINDPARAMS",
+    {MidiSearch, "MidiSearch", texts::FilterNameMidiSearch, texts::FilterDescriptionMidiSearch, Dialog, "MIDIFINDPARAMS",
         kMidi, kMidi, kMidi, DestinationKinds::FileOrScreen, kPanelFile | kPanelScreen, 0x00FF00, 0x004000},
-    {MidiPlayer, "MidiPlayer", TextId::FilterNameMidiPlayer, TextId::FilterDescriptionMidiPlayer, Playback, "",
+    {MidiPlayer, "MidiPlayer", texts::FilterNameMidiPlayer, texts::FilterDescriptionMidiPlayer, Playback, "",
         kMidi, kMidi, {}, DestinationKinds::File, kPanelMidiDevices, 0x00FF00, 0x004000},
-    {MidiConverter, "MidiConverter", TextId::FilterNameMidiConverter, TextId::FilterDescriptionMidiConverter, Dialog, "MIDICONVERT",
+    {MidiConverter, "MidiConverter", texts::FilterNameMidiConverter, texts::FilterDescriptionMidiConverter, Dialog, "MIDICONVERT",
         kMidi, kMidi, {}, DestinationKinds::File, kPanelFile, 0x00FF00, 0x004000},
-    {MidiToWave, "MidiToWave", TextId::FilterNameMidiToWave, TextId::FilterDescriptionMidiToWave, Dialog, "MIDWAVPARAMS",
+    {MidiToWave, "MidiToWave", texts::FilterNameMidiToWave, texts::FilterDescriptionMidiToWave, Dialog, "MIDWAVPARAMS",
         kMidi, kMidi, {}, DestinationKinds::File, kPanelFile, 0x0000FF, 0x008000},
-    {AudioPlayer, "AudioPlayer", TextId::FilterNameAudioPlayer, TextId::FilterDescriptionAudioPlayer, Playback, "",
+    {AudioPlayer, "AudioPlayer", texts::FilterNameAudioPlayer, texts::FilterDescriptionAudioPlayer, Playback, "",
         kAudio, kAudio, kTracks, DestinationKinds::File, kPanelAudioDevices, 0x0000FF, 0x000040},
-    {WaveConverter, "WaveConverter", TextId::FilterNameWaveConverter, TextId::FilterDescriptionWaveConverter, Dialog, "WAVECONVERTPARAMS",
+    {WaveConverter, "WaveConverter", texts::FilterNameWaveConverter, texts::FilterDescriptionWaveConverter, Dialog, "WAVECONVERTPARAMS",
         kWaves, kWaves, {}, DestinationKinds::File, kPanelFile, 0x0000FF, 0x000040},
-    {AudioCompressor, "AudioCompressor", TextId::FilterNameAudioCompressor, TextId::FilterDescriptionAudioCompressor, Dialog, "WAVMP3PARAMS",
+    {AudioCompressor, "AudioCompressor", texts::FilterNameAudioCompressor, texts::FilterDescriptionAudioCompressor, Dialog, "WAVMP3PARAMS",
         kWaves, kWaves, {}, DestinationKinds::File, kPanelFile, 0xFF00FF, 0x000080},
-    {AudioDecompressor, "AudioDecompressor", TextId::FilterNameAudioDecompressor, TextId::FilterDescriptionAudioDecompressor, DecoderPage, "MPDecoder",
+    {AudioDecompressor, "AudioDecompressor", texts::FilterNameAudioDecompressor, texts::FilterDescriptionAudioDecompressor, DecoderPage, "MPDecoder",
         kCompressed, kCompressed, {}, DestinationKinds::File, kPanelFile, 0x0000FF, 0xC800C8},
-    {CdBurner, "CdBurner", TextId::FilterNameCdBurner, TextId::FilterDescriptionCdBurner, Dialog, "BURNPARAMS",
+    {CdBurner, "CdBurner", texts::FilterNameCdBurner, texts::FilterDescriptionCdBurner, Dialog, "BURNPARAMS",
         {}, {}, kBurnable, DestinationKinds::File, kPanelDiscDrives, 0x00FFFF, 0x004040},
-    {CdGrabber, "CdGrabber", TextId::FilterNameCdGrabber, TextId::FilterDescriptionCdGrabber, Dialog, "GRABPARAMS",
+    {CdGrabber, "CdGrabber", texts::FilterNameCdGrabber, texts::FilterDescriptionCdGrabber, Dialog, "GRABPARAMS",
         kTracks, kTracks, kTracks, DestinationKinds::File, kPanelFile, 0xFFFF00, 0x404000},
-    {CdCopier, "CdCopier", TextId::FilterNameCdCopier, TextId::FilterDescriptionCdCopier, Dialog, "COPYPARAMS",
+    {CdCopier, "CdCopier", texts::FilterNameCdCopier, texts::FilterDescriptionCdCopier, Dialog, "COPYPARAMS",
         {}, {}, {}, DestinationKinds::File, kPanelDiscDrives, 0xC8C800, 0x202000},
-    {ScorePlayer, "ScorePlayer", TextId::FilterNameScorePlayer, TextId::FilterDescriptionScorePlayer, Playback, "",
+    {ScorePlayer, "ScorePlayer", texts::FilterNameScorePlayer, texts::FilterDescriptionScorePlayer, Playback, "",
         kScoresOfEngine, kScoresOfEngine, {}, DestinationKinds::File, kPanelMidiDevices, 0xC80000, 0x200000},
-    {Artworker, "Artworker", TextId::FilterNameArtworker, TextId::FilterDescriptionArtworker, Modeless, "ARTWORKERPARAMS",
+    {Artworker, "Artworker", texts::FilterNameArtworker, texts::FilterDescriptionArtworker, Modeless, "ARTWORKERPARAMS",
         {}, {}, {}, DestinationKinds::File, kPanelPrinters, 0xFFFFFF, 0x000000},
-    {XmlConverter, "XmlConverter", TextId::FilterNameXmlConverter, TextId::FilterDescriptionXmlConverter, Dialog, "XMLCONVPARAMS",
+    {XmlConverter, "XmlConverter", texts::FilterNameXmlConverter, texts::FilterDescriptionXmlConverter, Dialog, "XMLCONVPARAMS",
         kXml, kXml, {}, DestinationKinds::File, kPanelFile, 0x77A4FF, 0x0042CC},
 });
 // clang-format on
@@ -98,18 +99,18 @@ std::string_view TargetFileFilter(FilterId id, TargetFilterContext context) {
   switch (id) {
     case ScoreToMidi:
     case MidiConverter:
-      return Text(TextId::FileFilterMidi);
+      return Text(texts::FileFilterMidi);
     case MidiToScore:
-      return Text(TextId::FileFilterScore);
+      return Text(texts::FileFilterScore);
     case ScoreSearch:
     case MidiSearch:
-      return Text(TextId::FileFilterText);
+      return Text(texts::FileFilterText);
     case AudioCompressor:
-      return Text(context.wmaInterface ? TextId::FileFilterWma : TextId::FileFilterMp);
+      return Text(context.wmaInterface ? texts::FileFilterWma : texts::FileFilterMp);
     case XmlConverter:
-      return Text(context.sourceIsXml ? TextId::FileFilterStvXml : TextId::FileFilterMusicXml);
+      return Text(context.sourceIsXml ? texts::FileFilterStvXml : texts::FileFilterMusicXml);
     default:
-      return Text(TextId::FileFilterWave);
+      return Text(texts::FileFilterWave);
   }
 }
 

@@ -16,6 +16,7 @@
 #include "frame/filter_catalogue.h"
 #include "frame/item_dependence.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "platform/casts.h"
 #include "platform/paths.h"
 
@@ -119,7 +120,7 @@ class ItemRun {
 
   [[nodiscard]] bool MayReplace(const std::string& target) {
     run_.StatusText(target);
-    return run_.Ask({.text = std::string(Text(TextId::AskOverwriteTarget)),
+    return run_.Ask({.text = std::string(Text(texts::AskOverwriteTarget)),
                      .icon = MessageIcon::Exclamation}) == Answer::Yes;
   }
 

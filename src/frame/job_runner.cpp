@@ -12,6 +12,7 @@
 #include "frame/filter_catalogue.h"
 #include "frame/item_run.h"
 #include "frame/remarks.h"
+#include "frame/texts.h"
 #include "platform/text.h"
 
 namespace ts5 {
@@ -67,9 +68,9 @@ bool WritesDisc(FilterId filter) {
 std::optional<TextId> MissingSources(const Job& job, const FilterModule& module) {
   const bool needsNone = job.filter == FilterId::Artworker || job.filter == FilterId::CdCopier;
   if (needsNone || ItemCount(job) > 0) return std::nullopt;
-  if (job.Mode() == SourceMode::List) return TextId::NoFilesInList;
+  if (job.Mode() == SourceMode::List) return texts::NoFilesInList;
   // Searches walk the directory, a disc is taken whole.
-  if (module.target && job.filter != FilterId::CdGrabber) return TextId::NoFilesSelected;
+  if (module.target && job.filter != FilterId::CdGrabber) return texts::NoFilesSelected;
   return std::nullopt;
 }
 
@@ -85,7 +86,7 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, co
     return check.message;
   }
   if (!rules.sourceDirectory && !rules.directory.empty() && !request.files.isDirectory(rules.directory)) {
-    return TextId::InvalidTargetDirectory;
+    return texts::InvalidTargetDirectory;
   }
   if (IsSearch(job.filter)) job.destinationName = AutomaticDestination(job, module, rules, request.files);
   return std::nullopt;
@@ -114,7 +115,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
   if (module == nullptr || !module->run || !job.parameters) {
     const std::string_view name =
         IsFilter(job.filter) ? Descriptor(job.filter).Name() : std::string_view("-");
-    dialogs.Tell(Format(Text(TextId::FilterMissing), name), MessageIcon::Exclamation);
+    dialogs.Tell(Format(Text(texts::FilterMissing), name), MessageIcon::Exclamation);
     return false;
   }
   std::optional<TextId> problem = MissingSources(job, *module);
@@ -130,11 +131,11 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
   worker->state = job.run.Shared();
   if (module->midiDevice) worker->midiDevice = module->midiDevice(job);
   if (HoldsDevice(*worker)) {
-    dialogs.Tell(Text(TextId::MidiDeviceInUse), MessageIcon::Exclamation);
+    dialogs.Tell(Text(texts::MidiDeviceInUse), MessageIcon::Exclamation);
     return false;
   }
   if (WritesDisc(job.filter) && AnyRunning() &&
-      !dialogs.Confirm(Text(TextId::AskStartBurning), MessageIcon::Exclamation, Answer::No)) {
+      !dialogs.Confirm(Text(texts::AskStartBurning), MessageIcon::Exclamation, Answer::No)) {
     return false;
   }
 
@@ -153,7 +154,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
     worker->thread = std::jthread([run, ending = worker->ending] { Work(run, ending); });
   } catch (const std::system_error&) {
     state.state = RunState::Idle;
-    dialogs.Tell(Text(TextId::RunNotStarted), MessageIcon::Exclamation);
+    dialogs.Tell(Text(texts::RunNotStarted), MessageIcon::Exclamation);
     return false;
   }
   workers_.push_back(std::move(worker));

@@ -9,6 +9,7 @@
 
 #include "frame/filter_catalogue.h"
 #include "frame/settings.h"
+#include "frame/texts.h"
 #include "platform/casts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
@@ -146,10 +147,10 @@ void LoadTitle(Job& job, const RegistryValues& values, std::size_t number) {
   const bool isDefault = number == 0;
   job.title =
       TextOr(values, "Title", kMaxTitleCharacters,
-             isDefault ? std::string(Text(TextId::DefaultJobTitle)) : Format(Text(TextId::JobTitle), number));
+             isDefault ? std::string(Text(texts::DefaultJobTitle)) : Format(Text(texts::JobTitle), number));
   job.description = TextOr(values, "Description", kMaxDescriptionCharacters,
-                           isDefault ? std::string(Text(TextId::DefaultJobDescription))
-                                     : Format(Text(TextId::JobDescription), number));
+                           isDefault ? std::string(Text(texts::DefaultJobDescription))
+                                     : Format(Text(texts::JobDescription), number));
 }
 
 void LoadSourcePlace(Job& job, const RegistryValues& values, bool isDefault, const JobSurroundings& around) {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 
@@ -65,7 +66,7 @@ void Jobs::Commit(JobWindow& window) {
   if (const auto panel = window.Panel()) {
     CommitDestination(Active(), *panel);
   } else {
-    window.Tell(Text(TextId::JobNotSaved), MessageIcon::Exclamation);
+    window.Tell(Text(texts::JobNotSaved), MessageIcon::Exclamation);
   }
 }
 
@@ -76,7 +77,7 @@ void Jobs::Leave(JobSaving policy, JobWindow& window) {
   if (!job.MayChange()) return;
   const bool keep = policy == JobSaving::Automatic ||
                     (policy == JobSaving::Ask &&
-                     window.Confirm(Text(TextId::AskSaveActiveJob), MessageIcon::Question, Answer::Yes));
+                     window.Confirm(Text(texts::AskSaveActiveJob), MessageIcon::Question, Answer::Yes));
   if (keep) {
     Commit(window);
   } else if (snapshot_) {
@@ -92,7 +93,7 @@ bool Jobs::Activate(std::size_t number, JobSaving policy, JobWindow& window) {
   if (number > saved_.size()) return false;
   Leave(policy, window);
   if (!window.Show((*this)[number])) {
-    window.Tell(Text(TextId::JobNotActivated), MessageIcon::Exclamation);
+    window.Tell(Text(texts::JobNotActivated), MessageIcon::Exclamation);
     return false;
   }
   active_ = number;
@@ -104,7 +105,7 @@ bool Jobs::Activate(std::size_t number, JobSaving policy, JobWindow& window) {
 void Jobs::CommitAtEnd(JobSaving policy, JobWindow& window) {
   const bool keep = policy == JobSaving::Automatic ||
                     (policy == JobSaving::Ask &&
-                     window.Confirm(Text(TextId::AskSaveActiveJob), MessageIcon::Question, Answer::Yes));
+                     window.Confirm(Text(texts::AskSaveActiveJob), MessageIcon::Question, Answer::Yes));
   if (keep) Commit(window);
 }
 
@@ -114,7 +115,7 @@ bool Jobs::MayCreate() const {
 
 JobTitle Jobs::NewTitle() const {
   const std::size_t number = saved_.size() + 1;
-  return {Format(Text(TextId::JobTitle), number), Format(Text(TextId::JobDescription), number)};
+  return {Format(Text(texts::JobTitle), number), Format(Text(texts::JobDescription), number)};
 }
 
 std::optional<std::size_t> Jobs::Create(const JobTitle& title) {
@@ -149,14 +150,14 @@ bool Jobs::MayRemove(std::size_t number) const {
 
 bool Jobs::Remove(std::size_t number, JobWindow& window) {
   if (!MayRemove(number)) return false;
-  if (!window.Confirm(Text(TextId::AskDeleteJob), MessageIcon::Question, Answer::Yes)) return false;
+  if (!window.Confirm(Text(texts::AskDeleteJob), MessageIcon::Question, Answer::Yes)) return false;
   saved_.erase(saved_.begin() + static_cast<std::ptrdiff_t>(number - 1));
   if (active_ > number) {
     --active_;
   } else if (active_ == number) {
     active_ = 0;
     TakeSnapshot();
-    if (!window.Show(default_)) window.Tell(Text(TextId::JobNotActivated), MessageIcon::Exclamation);
+    if (!window.Show(default_)) window.Tell(Text(texts::JobNotActivated), MessageIcon::Exclamation);
   }
   return true;
 }
@@ -166,7 +167,7 @@ bool Jobs::SwitchFilter(Job& job, FilterId filter, JobDialogs& dialogs) {
   if (job.filter == filter) return true;
   const bool toBurner = filter == FilterId::CdBurner;
   if (!job.files.Empty() && (toBurner || job.filter == FilterId::CdBurner)) {
-    const TextId question = toBurner ? TextId::AskSwitchToBurner : TextId::AskSwitchFromBurner;
+    const TextId question = toBurner ? texts::AskSwitchToBurner : texts::AskSwitchFromBurner;
     if (!dialogs.Confirm(Text(question), MessageIcon::Question, Answer::No)) return false;
     job.files.Clear();
   }

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "frame/texts.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
@@ -13,8 +14,8 @@ using std::chrono::milliseconds;
 
 std::string BalanceText(std::int32_t balance) {
   const std::int32_t percent = std::abs(balance) / (kFarBalance / 100);
-  if (percent == 0) return std::string(Text(TextId::PlaybackBalanceMiddle));
-  return Format(Text(balance < 0 ? TextId::PlaybackBalanceLeft : TextId::PlaybackBalanceRight), percent);
+  if (percent == 0) return std::string(Text(texts::PlaybackBalanceMiddle));
+  return Format(Text(balance < 0 ? texts::PlaybackBalanceLeft : texts::PlaybackBalanceRight), percent);
 }
 
 }  // namespace
@@ -27,9 +28,9 @@ milliseconds PositionStep(PositionKey key, bool control) {
 
 std::string PositionText(std::chrono::nanoseconds position, const std::optional<BarBeat>& place,
                          bool inBars) {
-  if (inBars && place) return Format(Text(TextId::PlaybackTimeBars), place->bar, place->beat);
+  if (inBars && place) return Format(Text(texts::PlaybackTimeBars), place->bar, place->beat);
   const auto total = std::chrono::duration_cast<milliseconds>(position).count();
-  return Format(Text(TextId::PlaybackTimeMinutes), total / 60'000, total / 1000 % 60, total % 1000);
+  return Format(Text(texts::PlaybackTimeMinutes), total / 60'000, total / 1000 % 60, total % 1000);
 }
 
 PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunState state,
@@ -41,12 +42,12 @@ PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunSt
   form.barsEnabled = form.optionsEnabled && filter != FilterId::AudioPlayer;
   form.positionEnabled = playing && status.duration.count() > 0;
   form.meterShown = filter == FilterId::AudioPlayer;
-  form.title = playing ? std::string(FileNameOf(status.title)) : std::string(Text(TextId::PlaybackNothing));
-  const std::string_view none = Text(TextId::PlaybackZeroTime);
+  form.title = playing ? std::string(FileNameOf(status.title)) : std::string(Text(texts::PlaybackNothing));
+  const std::string_view none = Text(texts::PlaybackZeroTime);
   form.elapsed =
       playing ? PositionText(status.position, status.place, options.timeInBars) : std::string(none);
   form.duration = playing ? PositionText(status.duration, {}, false) : std::string(none);
-  form.volume = Format(Text(TextId::PlaybackVolumeValue), options.volume / 100);
+  form.volume = Format(Text(texts::PlaybackVolumeValue), options.volume / 100);
   form.balance = BalanceText(options.balance);
   return form;
 }

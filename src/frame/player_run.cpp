@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "platform/casts.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
@@ -38,7 +39,7 @@ class PlayerRun {
       run_.AddCode(device.error());
       if (count_ > 0) run_.Result().items.push_back({run_.Source(0), "", Code(device.error())});
       ++failed_;
-      run_.Notice(Format(Text(TextId::PlaybackNotStarted), Code(device.error())));
+      run_.Notice(Format(Text(texts::PlaybackNotStarted), Code(device.error())));
     }
     control_.Report({});
     Conclude();
@@ -82,7 +83,7 @@ class PlayerRun {
   Turn PlayItem(std::size_t index) {
     const std::string source = run_.Source(index);
     run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), 0);
-    run_.StatusText(Format(Text(TextId::PlayerNowPlaying), FileNameOf(source)));
+    run_.StatusText(Format(Text(texts::PlayerNowPlaying), FileNameOf(source)));
     run_.SetState(RunState::Preparing);
     auto title = IsUsablePath(source) ? device_->Open(source)
                                       : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
@@ -147,7 +148,7 @@ class PlayerRun {
   std::optional<PlayerStep> PauseBefore(std::size_t next) {
     if (options_.interval <= 0 || next >= count_) return std::nullopt;
     run_.SetState(RunState::Waiting);
-    run_.StatusText(Text(TextId::PlayerWaiting));
+    run_.StatusText(Text(texts::PlayerWaiting));
     control_.Report({});
     const auto until = std::chrono::steady_clock::now() + options_.Pause();
     while (!run_.Cancelled()) {
@@ -165,7 +166,7 @@ class PlayerRun {
     run_.AddCode(code);
     run_.Result().items.push_back({source, "", Code(code)});
     const std::string_view text =
-        Text(code == Outcome::NotNecessary ? TextId::PlayerCdFailed : TextId::PlayerTitleFailed);
+        Text(code == Outcome::NotNecessary ? texts::PlayerCdFailed : texts::PlayerTitleFailed);
     if (count_ == 1) {
       run_.Notice(text);
     } else {
@@ -187,8 +188,8 @@ class PlayerRun {
     result.remarks = run_.Remarks();
     result.show = options_.resultDialog;
     if (!device_ || failed_ == 0 || count_ == 1) return;
-    result.remarks.emplace_back(Text(TextId::PlayerSomeFailed));
-    if (!result.show) run_.Notice(Text(TextId::PlayerSomeFailed));
+    result.remarks.emplace_back(Text(texts::PlayerSomeFailed));
+    if (!result.show) run_.Notice(Text(texts::PlayerSomeFailed));
   }
 
   Run& run_;

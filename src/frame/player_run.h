@@ -13,6 +13,7 @@
 #include "frame/player_control.h"
 #include "frame/player_parameters.h"
 #include "frame/remarks.h"
+#include "frame/texts.h"
 #include "platform/outcome.h"
 
 namespace ts5 {
@@ -53,14 +54,14 @@ using OpenPlayer = std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)>;
 // What a player says of its titles: as the conversions do, but with its own words for a device that does not
 // open, and its own row for titles that are damaged or of no use.
 [[nodiscard]] constexpr std::array<Remark, 9> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
-  return {{{Code(Outcome::Cancelled), TextId::RemarkCancelled},
-           {Code(Outcome::OutOfMemory), TextId::RemarkOutOfMemory},
-           {Code(Outcome::ReadFailed), TextId::RemarkReadFailed},
-           {Code(Outcome::WriteFailed), TextId::PlayerDeviceGone},
-           {Code(Outcome::WrongFormat), TextId::RemarkWrongFormat},
+  return {{{Code(Outcome::Cancelled), texts::RemarkCancelled},
+           {Code(Outcome::OutOfMemory), texts::RemarkOutOfMemory},
+           {Code(Outcome::ReadFailed), texts::RemarkReadFailed},
+           {Code(Outcome::WriteFailed), texts::PlayerDeviceGone},
+           {Code(Outcome::WrongFormat), texts::RemarkWrongFormat},
            {Code(Outcome::TargetFailed), deviceFailed},
-           {Code(Outcome::SourceFailed), TextId::RemarkSourceFailed},
-           {Code(Outcome::NotNecessary), TextId::PlayerCdFailed},
+           {Code(Outcome::SourceFailed), texts::RemarkSourceFailed},
+           {Code(Outcome::NotNecessary), texts::PlayerCdFailed},
            badTitle}};
 }
 

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "frame/texts.h"
 #include "platform/text.h"
 
 namespace ts5 {
 namespace {
 
-using enum TextId;
+using namespace texts;
 
 constexpr RunTitles Conversion(TextId title) {
   return {title, {CountConverted, CountNotConverted}};

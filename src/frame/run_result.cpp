@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "frame/texts.h"
 #include "platform/strings.h"
 
 namespace ts5 {
 
 std::string RemarksText(const RunResult& result) {
-  if (result.remarks.empty()) return std::string(Text(TextId::NoRemarks));
+  if (result.remarks.empty()) return std::string(Text(texts::NoRemarks));
   std::string text;
   for (const std::string& remark : result.remarks) {
     const std::size_t size = text.size() + (text.empty() ? 0 : 2) + remark.size();

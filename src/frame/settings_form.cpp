@@ -1,6 +1,7 @@
 #include "frame/settings_form.h"
 
 #include "frame/settings_store.h"
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 
@@ -55,15 +56,15 @@ SettingsCheck ValidateSettings(const Settings& current, const SettingsForm& form
     return SettingsCheck{current, message, field, false};
   };
   if (!IsUsableDirectory(next.artworkerLayoutDirectory)) {
-    return refused(TextId::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
+    return refused(texts::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
   }
   if (!IsUsableDirectory(next.playbackParameterDirectory)) {
-    return refused(TextId::InvalidDirectory, SettingsField::PlaybackParameterDirectory);
+    return refused(texts::InvalidDirectory, SettingsField::PlaybackParameterDirectory);
   }
   if (!next.sourceDirectoryAsTarget && !next.noTargetDefault && !IsUsableDirectory(next.targetDirectory)) {
-    return refused(TextId::InvalidDestinationDirectory, SettingsField::TargetDirectory);
+    return refused(texts::InvalidDestinationDirectory, SettingsField::TargetDirectory);
   }
-  if (next.useSuffix && next.suffix.empty()) return refused(TextId::NoSuffix, SettingsField::Suffix);
+  if (next.useSuffix && next.suffix.empty()) return refused(texts::NoSuffix, SettingsField::Suffix);
   return {next, std::nullopt, SettingsField::None, next.searchWholePath != current.searchWholePath};
 }
 

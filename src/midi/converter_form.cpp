@@ -1,5 +1,7 @@
 #include "midi/converter_form.h"
 
+#include "midi/texts.h"
+
 namespace ts5 {
 
 ConverterForm ConverterFormOf(const ConverterParameters& parameters, std::optional<MidiContainer> source) {
@@ -9,8 +11,8 @@ ConverterForm ConverterFormOf(const ConverterParameters& parameters, std::option
   form.attributesShown = !sourceIsRiff;
   form.attributesEnabled = parameters.changeContainer && parameters.toRiff && !sourceIsRiff;
   form.timeBaseEnabled = parameters.changeTimeBase;
-  if (sourceIsRiff) form.riffLabel = TextId::ConverterPlain;
-  if (source == MidiContainer::Sequencer) form.sequencerLabel = TextId::ConverterPlain;
+  if (sourceIsRiff) form.riffLabel = texts::ConverterPlain;
+  if (source == MidiContainer::Sequencer) form.sequencerLabel = texts::ConverterPlain;
   return form;
 }
 

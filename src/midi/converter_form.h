@@ -5,6 +5,7 @@
 
 #include "midi/converter_fields.h"
 #include "midi/midi_file.h"
+#include "midi/texts.h"
 #include "platform/strings.h"
 
 namespace ts5 {
@@ -14,8 +15,8 @@ struct ConverterForm {
   bool attributesEnabled = false;  // "Attribute..."
   bool attributesShown = true;
   bool timeBaseEnabled = false;
-  TextId riffLabel = TextId::ConverterRiff;
-  TextId sequencerLabel = TextId::ConverterSequencer;
+  TextId riffLabel = texts::ConverterRiff;
+  TextId sequencerLabel = texts::ConverterSequencer;
 };
 
 // source: the container of the file that the dialog looks at, nothing when there is none. Its own container's

@@ -3,6 +3,7 @@
 
 #include "frame/item_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "midi/midi_converter.h"
 
 namespace ts5 {
@@ -41,7 +42,7 @@ FilterModule MidiConverterModule() {
   module.target = [](const FilterParameters& parameters, const std::string& source) {
     return ConverterTarget(static_cast<const ConverterParameters&>(parameters), source);
   };
-  module.stop.status = TextId::Stopping;
+  module.stop.status = texts::Stopping;
   return module;
 }
 

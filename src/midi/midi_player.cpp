@@ -6,6 +6,7 @@
 
 #include "frame/player_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "midi/conductor.h"
 #include "midi/midi_file.h"
 #include "midi/midi_sequence.h"
@@ -20,7 +21,7 @@ namespace {
 using std::chrono::nanoseconds;
 
 constexpr auto kRemarks =
-    PlayerRemarks(TextId::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), TextId::RemarkDamagedMidi});
+    PlayerRemarks(texts::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), texts::RemarkDamagedMidi});
 
 // Where the bars lie, from the first track; 4/4 where that does not say it.
 TimeSignatureMap SignaturesOf(ByteView file, std::uint16_t division) {

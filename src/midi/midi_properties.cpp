@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "midi/texts.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 
@@ -14,31 +15,31 @@ struct InfoLabel {
   TextId label;
 };
 constexpr InfoLabel kInfoLabels[] = {
-    {"IARL", TextId::RiffInfoIarl}, {"IART", TextId::RiffInfoIart}, {"ICMS", TextId::RiffInfoIcms},
-    {"ICMT", TextId::RiffInfoIcmt}, {"ICOP", TextId::RiffInfoIcop}, {"ICRD", TextId::RiffInfoIcrd},
-    {"ICRP", TextId::RiffInfoIcrp}, {"IDIM", TextId::RiffInfoIdim}, {"IDPI", TextId::RiffInfoIdpi},
-    {"IGNR", TextId::RiffInfoIgnr}, {"IKEY", TextId::RiffInfoIkey}, {"ILGT", TextId::RiffInfoIlgt},
-    {"IMED", TextId::RiffInfoImed}, {"INAM", TextId::RiffInfoInam}, {"IPLT", TextId::RiffInfoIplt},
-    {"IPRD", TextId::RiffInfoIprd}, {"ISBJ", TextId::RiffInfoIsbj}, {"IENG", TextId::RiffInfoIeng},
-    {"ISFT", TextId::RiffInfoIsft}, {"ISHP", TextId::RiffInfoIshp}, {"ISRC", TextId::RiffInfoIsrc},
-    {"ISRF", TextId::RiffInfoIsrf}, {"ITCH", TextId::RiffInfoItch}, {"ISMP", TextId::RiffInfoIsmp},
-    {"IDIT", TextId::RiffInfoIdit},
+    {"IARL", texts::RiffInfoIarl}, {"IART", texts::RiffInfoIart}, {"ICMS", texts::RiffInfoIcms},
+    {"ICMT", texts::RiffInfoIcmt}, {"ICOP", texts::RiffInfoIcop}, {"ICRD", texts::RiffInfoIcrd},
+    {"ICRP", texts::RiffInfoIcrp}, {"IDIM", texts::RiffInfoIdim}, {"IDPI", texts::RiffInfoIdpi},
+    {"IGNR", texts::RiffInfoIgnr}, {"IKEY", texts::RiffInfoIkey}, {"ILGT", texts::RiffInfoIlgt},
+    {"IMED", texts::RiffInfoImed}, {"INAM", texts::RiffInfoInam}, {"IPLT", texts::RiffInfoIplt},
+    {"IPRD", texts::RiffInfoIprd}, {"ISBJ", texts::RiffInfoIsbj}, {"IENG", texts::RiffInfoIeng},
+    {"ISFT", texts::RiffInfoIsft}, {"ISHP", texts::RiffInfoIshp}, {"ISRC", texts::RiffInfoIsrc},
+    {"ISRF", texts::RiffInfoIsrf}, {"ITCH", texts::RiffInfoItch}, {"ISMP", texts::RiffInfoIsmp},
+    {"IDIT", texts::RiffInfoIdit},
 };
 
 TextId FormatName(MidiFileKind kind) {
   switch (kind) {
     case MidiFileKind::Riff:
-      return TextId::PropertyFormatRiff;
+      return texts::PropertyFormatRiff;
     case MidiFileKind::Sequencer:
-      return TextId::PropertyFormatSequencer;
+      return texts::PropertyFormatSequencer;
     case MidiFileKind::Format0:
-      return TextId::PropertyFormatMidi0;
+      return texts::PropertyFormatMidi0;
     case MidiFileKind::Format1:
-      return TextId::PropertyFormatMidi1;
+      return texts::PropertyFormatMidi1;
     case MidiFileKind::None:
       break;
   }
-  return TextId::PropertyUnknownFormat;
+  return texts::PropertyUnknownFormat;
 }
 
 std::string Copy(TextId id) {
@@ -56,12 +57,12 @@ std::vector<PropertyRow> MidiPropertyRows(const MidiFileInfo& info, CalendarDate
   const auto [day, month, year] = NumbersOf(lastWritten);
   const bool timeCode = (info.header.division & 0x8000) != 0;
   return {
-      {Copy(TextId::PropertyFileFormat), Copy(FormatName(info.kind))},
-      {Copy(TextId::PropertyLastWritten), Format(Text(TextId::PropertyDate), day, month, year)},
-      {Copy(TextId::PropertyTrackCount), std::to_string(info.header.trackCount)},
-      {Copy(TextId::PropertyTimeFormat),
-       Copy(timeCode ? TextId::PropertyTimeCode : TextId::PropertyTicksPerQuarter)},
-      {Copy(TextId::PropertyDivision), std::to_string(info.header.division)},
+      {Copy(texts::PropertyFileFormat), Copy(FormatName(info.kind))},
+      {Copy(texts::PropertyLastWritten), Format(Text(texts::PropertyDate), day, month, year)},
+      {Copy(texts::PropertyTrackCount), std::to_string(info.header.trackCount)},
+      {Copy(texts::PropertyTimeFormat),
+       Copy(timeCode ? texts::PropertyTimeCode : texts::PropertyTicksPerQuarter)},
+      {Copy(texts::PropertyDivision), std::to_string(info.header.division)},
   };
 }
 
@@ -79,7 +80,7 @@ Result<MidiProperties> ReadMidiProperties(const std::string& path) {
   if (!written) return Failure(written.error());
 
   MidiProperties properties;
-  properties.title = Format(Text(TextId::PropertiesTitle), FileNameOf(path));
+  properties.title = Format(Text(texts::PropertiesTitle), FileNameOf(path));
   properties.rows = MidiPropertyRows(*info, *written);
   if (const auto entries = ReadRiffInfo(path)) {
     properties.isRiff = true;

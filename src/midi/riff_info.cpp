@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "midi/texts.h"
 #include "platform/files.h"
 #include "platform/strings.h"
 #include "platform/text.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr std::uint32_t kDisplayText = 1;  // the DISP chunk holds a text (CF_TEXT)
 
 void AppendText(ByteWriter& out, std::string_view text) {
-  if (text.empty()) text = Text(TextId::RiffAttributeUnused);
+  if (text.empty()) text = Text(texts::RiffAttributeUnused);
   out.Append(Windows1252FromUtf8(text.substr(0, text.find('\0'))));
   out.U8(0);
 }

@@ -8,6 +8,7 @@
 #include "platform/files.h"
 #include "platform/strings.h"
 #include "platform/text.h"
+#include "platform/texts.h"
 
 namespace ts5 {
 namespace {
@@ -223,13 +224,13 @@ class Import {
     ignoring_ = true;
     const std::size_t end = line.rfind(']');
     if (end == std::string_view::npos || !IsEndOfLine(Trim(line.substr(end + 1))))
-      return Complain(TextId::RegFileBadLine, line_);
+      return Complain(texts::RegFileBadLine, line_);
     std::string_view name = line.substr(1, end - 1);
     const bool deletes = name.starts_with('-');
     if (deletes) name.remove_prefix(1);
     const auto known = NormalisedKey(name);
     if (!known) {
-      if (!IsForeignRoot(name)) return Complain(TextId::RegFileUnknownKey, line_);
+      if (!IsForeignRoot(name)) return Complain(texts::RegFileUnknownKey, line_);
       ++report.skipped;
       return Outcome::Success;
     }
@@ -256,7 +257,7 @@ class Import {
         whole += Trim(TakeLine());
       }
     }
-    if (!key_) return ignoring_ ? Outcome::Success : Complain(TextId::RegFileNoKey, number);
+    if (!key_) return ignoring_ ? Outcome::Success : Complain(texts::RegFileNoKey, number);
 
     Quoted name;
     if (whole.starts_with('@')) {
@@ -264,10 +265,10 @@ class Import {
     } else if (auto quoted = TakeQuoted(whole)) {
       name = std::move(*quoted);
     } else {
-      return Complain(TextId::RegFileBadLine, number);
+      return Complain(texts::RegFileBadLine, number);
     }
     if (!name.rest.starts_with('=') || whole.find('\0') != std::string::npos)
-      return Complain(TextId::RegFileBadLine, number);
+      return Complain(texts::RegFileBadLine, number);
     std::string_view data = Trim(name.rest.substr(1));
     if (whole.size() == line.size() && data.starts_with('"') && !TakeQuoted(data))
       data = WithTheLinesOfItsText(line.substr(static_cast<std::size_t>(data.data() - whole.data())));
@@ -276,7 +277,7 @@ class Import {
     } else if (auto value = ParseData(data, wide_)) {
       values_.Set(name.text, std::move(*value));
     } else {
-      return Complain(TextId::RegFileBadData, number);
+      return Complain(texts::RegFileBadData, number);
     }
     ++report.values;
     return Outcome::Success;

@@ -12,6 +12,7 @@
 #include "platform/paths.h"
 #include "platform/registry_blob.h"
 #include "platform/strings.h"
+#include "platform/texts.h"
 
 namespace ts5 {
 namespace {
@@ -314,12 +315,12 @@ std::optional<std::string> NormalisedKey(std::string_view key) {
 std::string RegistryFailureText(Outcome outcome, const std::string& path) {
   switch (outcome) {
     case Outcome::InUse:
-      return Format(Text(TextId::RegistryInUse), path);
+      return Format(Text(texts::RegistryInUse), path);
     case Outcome::WriteFailed:
     case Outcome::TargetFailed:
-      return Format(Text(TextId::RegistryNotWritten), path, Code(outcome));
+      return Format(Text(texts::RegistryNotWritten), path, Code(outcome));
     default:
-      return Format(Text(TextId::RegistryNotRead), path, Code(outcome));
+      return Format(Text(texts::RegistryNotRead), path, Code(outcome));
   }
 }
 
@@ -345,7 +346,7 @@ Result<Registry> Registry::Open(const std::string& path, std::chrono::millisecon
     if (!aside) return Failure(opened);
     database = std::make_unique<Database>();
     opened = database->Open(path, patience);
-    database->notice = Format(Text(TextId::RegistrySetAside), path, *aside);
+    database->notice = Format(Text(texts::RegistrySetAside), path, *aside);
   }
   if (Failed(opened)) return Failure(opened);
   return Registry(std::move(database));

@@ -11,7 +11,7 @@ std::optional<std::string_view> TextByNumber(int number) {
 #define TEXT(name, number, text) \
   case number:                   \
     return text;
-#include "resources/strings.def"
+#include "resources/strings/all.def"
 #undef TEXT
     default:
       return std::nullopt;
@@ -25,8 +25,8 @@ std::string_view Text(TextId id) {
 std::span<const TextRow> AllTexts() {
   static const std::vector<TextRow> rows = [] {
     std::vector<TextRow> all{
-#define TEXT(name, number, text) TextRow{TextId::name, text},
-#include "resources/strings.def"
+#define TEXT(name, number, text) TextRow{TextId{number}, text},
+#include "resources/strings/all.def"
 #undef TEXT
     };
     std::ranges::sort(all, {}, &TextRow::id);

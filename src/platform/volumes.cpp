@@ -8,6 +8,7 @@
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
+#include "platform/texts.h"
 
 namespace ts5 {
 namespace {
@@ -100,8 +101,8 @@ VolumeTable VolumeTable::Of(std::string_view home, std::string_view mountInfo,
   using Kind = Volume::Kind;
   VolumeTable table;
   auto& volumes = table.volumes_;
-  volumes.push_back({Kind::Home, std::string(Text(TextId::VolumeHome)), NormalisedPath(home), ""});
-  volumes.push_back({Kind::Root, std::string(Text(TextId::VolumeRoot)), "/", ""});
+  volumes.push_back({Kind::Home, std::string(Text(texts::VolumeHome)), NormalisedPath(home), ""});
+  volumes.push_back({Kind::Root, std::string(Text(texts::VolumeRoot)), "/", ""});
   const auto media = MediaOf(mountInfo);
   for (const Mount& mount : media) {
     if (std::ranges::find(opticalDevices, mount.source) != opticalDevices.end()) continue;
@@ -109,7 +110,7 @@ VolumeTable VolumeTable::Of(std::string_view home, std::string_view mountInfo,
   }
   for (const std::string& device : opticalDevices) {
     const auto disc = std::ranges::find(media, device, &Mount::source);
-    Volume drive{Kind::Optical, std::string(Text(TextId::VolumeOptical)), "", device};
+    Volume drive{Kind::Optical, std::string(Text(texts::VolumeOptical)), "", device};
     if (disc != media.end()) {
       drive.path = disc->point;
       drive.name = FileNameOf(disc->point);
@@ -140,7 +141,7 @@ const Volume* VolumeTable::Find(int drive) const {
 
 std::string VolumeTable::DisplayText(int drive) const {
   const Volume* const volume = Find(drive);
-  return volume == nullptr ? "" : Format(Text(TextId::VolumeDisplay), volume->name, LetterOfDrive(drive));
+  return volume == nullptr ? "" : Format(Text(texts::VolumeDisplay), volume->name, LetterOfDrive(drive));
 }
 
 int VolumeTable::DriveOfPath(std::string_view nativePath) const {

@@ -4,24 +4,26 @@
 
 #include "frame/item_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/text.h"
 #include "score/score_at_hand.h"
 #include "score/score_midi.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
 
 constexpr Remark kRemarks[] = {
-    {-1, TextId::RemarkLibraryFailed},    {-2, TextId::RemarkOutOfMemory},
-    {-5, TextId::RemarkCancelled},        {-6, TextId::ScoreRemarkUnexpected},
-    {-7, TextId::ScoreRemarkNotDone},     {-12, TextId::ScoreRemarkNoPlayingTime},
-    {-100, TextId::RemarkReadFailed},     {-101, TextId::RemarkWriteFailed},
-    {-103, TextId::ScoreRemarkNotOpened}, {-104, TextId::RemarkWrongFormat},
-    {-1001, TextId::RemarkWrongFormat},   {-200, TextId::ScoreRemarkTargetFailed},
-    {-300, TextId::RemarkSourceFailed},   {-602, TextId::ScoreRemarkMidiDevice},
-    {-1000, TextId::ScoreRemarkDamaged},
+    {-1, texts::RemarkLibraryFailed},    {-2, texts::RemarkOutOfMemory},
+    {-5, texts::RemarkCancelled},        {-6, texts::ScoreRemarkUnexpected},
+    {-7, texts::ScoreRemarkNotDone},     {-12, texts::ScoreRemarkNoPlayingTime},
+    {-100, texts::RemarkReadFailed},     {-101, texts::RemarkWriteFailed},
+    {-103, texts::ScoreRemarkNotOpened}, {-104, texts::RemarkWrongFormat},
+    {-1001, texts::RemarkWrongFormat},   {-200, texts::ScoreRemarkTargetFailed},
+    {-300, texts::RemarkSourceFailed},   {-602, texts::ScoreRemarkMidiDevice},
+    {-1000, texts::ScoreRemarkDamaged},
 };
 
 constexpr std::string_view kMidiExtension = "mid";
@@ -36,13 +38,13 @@ Outcome CheckItem(const FilterParameters& parameters, const std::string& source)
 
 Outcome ConvertItem(ItemWork& work) {
   const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
-  work.run.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(work.source)));
+  work.run.StatusText(Format(Text(texts::ScoreReading), FileNameOf(work.source)));
   ScoreParameters parameters = own.For(work.source);
   const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats);
   if (!score) return score.error();
   if (Failed(LoadAutomaticSet(work.run.GetSettings().playbackParameterDirectory, work.source, score->voices,
                               parameters)))
-    work.run.Notice(Text(TextId::ParameterSetNotLoaded));
+    work.run.Notice(Text(texts::ParameterSetNotLoaded));
 
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   ScoreOptions options;
@@ -88,11 +90,11 @@ FilterModule ScoreToMidiModule() {
   module.target = [](const FilterParameters&, const std::string&) {
     return TargetRule{std::string(kMidiExtension), false};
   };
-  module.stop.status = TextId::Stopping;
+  module.stop.status = texts::Stopping;
   module.missing = [](const Job& job) -> std::optional<TextId> {
     const auto* parameters = dynamic_cast<const ScoreToMidiParameters*>(job.parameters.Get());
     if (parameters == nullptr || parameters->UsesEngine()) return std::nullopt;
-    return TextId::ScoreLibraryMethodMissing;
+    return texts::ScoreLibraryMethodMissing;
   };
   return module;
 }

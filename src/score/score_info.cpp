@@ -11,6 +11,7 @@
 #include "score/score_drawings.h"
 #include "score/score_groups.h"
 #include "score/score_source.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
@@ -29,7 +30,7 @@ std::string TextOf(ByteView bytes) {
 std::string StaffName(const std::array<std::string, 3>& candidates) {
   const std::string& name = candidates[1].empty() ? candidates[0] : candidates[1];
   if (!name.empty()) return name;
-  return candidates[2].empty() ? std::string(Text(TextId::ScoreStaffUnnamed)) : candidates[2];
+  return candidates[2].empty() ? std::string(Text(texts::ScoreStaffUnnamed)) : candidates[2];
 }
 
 void ReadStaffFrame(ScoreSource& in, StaffLayout& staff) {

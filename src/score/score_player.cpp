@@ -5,6 +5,7 @@
 
 #include "frame/player_run.h"
 #include "frame/run.h"
+#include "frame/texts.h"
 #include "midi/player_output.h"
 #include "platform/paths.h"
 #include "platform/text.h"
@@ -13,6 +14,7 @@
 #include "score/score_midi.h"
 #include "score/score_performer.h"
 #include "score/score_stage.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
@@ -57,17 +59,17 @@ class ScoreDevice final : public PlayerDevice {
       if (const Outcome reset = output_->Reset(); Failed(reset)) return Failure(reset);
     }
     begun_ = true;
-    run_.StatusText(Format(Text(TextId::ScoreReading), FileNameOf(source)));
+    run_.StatusText(Format(Text(texts::ScoreReading), FileNameOf(source)));
     ScoreParameters parameters = stage_->Base().For(source);
     auto score = OpenAndScan(source, parameters.playback, parameters.playRepeats);
     if (!score) return Failure(score.error());
     if (Failed(LoadAutomaticSet(run_.GetSettings().playbackParameterDirectory, source, score->voices,
                                 parameters)))
-      run_.Notice(Text(TextId::ParameterSetNotLoaded));
+      run_.Notice(Text(texts::ParameterSetNotLoaded));
     if (score->scan.time == 0) return Failure(Outcome::NoPlayingTime);
     const bool repeats = parameters.playRepeats;
     stage_->Open(std::make_shared<ScoreAtHand>(DescribeScore(source, *score)), std::move(parameters));
-    run_.StatusText(Format(Text(TextId::PlayerNowPlaying), FileNameOf(source)));
+    run_.StatusText(Format(Text(texts::PlayerNowPlaying), FileNameOf(source)));
     return std::make_unique<ScoreTitle>(*std::move(score), repeats, *stage_, *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }

@@ -1,8 +1,10 @@
 #include "score/score_properties.h"
 
+#include "midi/texts.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
@@ -12,13 +14,13 @@ std::string Copy(TextId id) {
 }
 
 std::string OrMissing(const std::string& text) {
-  return text.empty() ? Copy(TextId::ScoreTextMissing) : text;
+  return text.empty() ? Copy(texts::ScoreTextMissing) : text;
 }
 
 std::string StaffList(const std::vector<StaffLayout>& staves) {
-  std::string list = Format(Text(TextId::ScoreStaffListHead), staves.size());
+  std::string list = Format(Text(texts::ScoreStaffListHead), staves.size());
   for (std::size_t i = 0; i < staves.size(); ++i)
-    list += Format(Text(TextId::ScoreStaffListLine), i + 1, staves[i].name);
+    list += Format(Text(texts::ScoreStaffListLine), i + 1, staves[i].name);
   return list;
 }
 
@@ -31,17 +33,17 @@ std::vector<PropertyRow> ScorePropertyRows(const ScoreFileInfo& info, CalendarDa
   const auto add = [&rows](TextId label, std::string value) {
     rows.push_back({Copy(label), std::move(value)});
   };
-  add(TextId::PropertyFileFormat, Copy(current ? TextId::ScoreFormatCurrent : TextId::ScoreFormatOlder));
-  add(TextId::PropertyLastWritten, Format(Text(TextId::PropertyDate), day, month, year));
+  add(texts::PropertyFileFormat, Copy(current ? texts::ScoreFormatCurrent : texts::ScoreFormatOlder));
+  add(texts::PropertyLastWritten, Format(Text(texts::PropertyDate), day, month, year));
   if (current) {
-    add(TextId::ScoreAuthor, OrMissing(info.author));
-    add(TextId::ScoreKeywords, OrMissing(info.keywords));
-    add(TextId::ScoreComment, OrMissing(info.comment));
+    add(texts::ScoreAuthor, OrMissing(info.author));
+    add(texts::ScoreKeywords, OrMissing(info.keywords));
+    add(texts::ScoreComment, OrMissing(info.comment));
   }
-  add(TextId::ScorePageFormat, Copy(info.landscape ? TextId::ScoreLandscape : TextId::ScorePortrait));
-  if (current) add(TextId::ScoreGalleryObjects, std::to_string(info.galleryObjects));
-  add(TextId::ScoreSystems, std::to_string(info.systems));
-  add(TextId::ScoreStavesPerSystem, StaffList(info.staves));
+  add(texts::ScorePageFormat, Copy(info.landscape ? texts::ScoreLandscape : texts::ScorePortrait));
+  if (current) add(texts::ScoreGalleryObjects, std::to_string(info.galleryObjects));
+  add(texts::ScoreSystems, std::to_string(info.systems));
+  add(texts::ScoreStavesPerSystem, StaffList(info.staves));
   return rows;
 }
 
@@ -50,7 +52,7 @@ Result<ScoreProperties> ReadScoreProperties(const std::string& path) {
   if (!info) return Failure(info.error());
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
-  return ScoreProperties{Format(Text(TextId::ScorePropertiesTitle), FileNameOf(path)),
+  return ScoreProperties{Format(Text(texts::ScorePropertiesTitle), FileNameOf(path)),
                          ScorePropertyRows(*info, *written)};
 }
 

@@ -6,6 +6,7 @@
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -55,21 +56,21 @@ std::string LinePath(const std::string& path) {
 TextId EndingText(SearchEnd ending) {
   switch (ending) {
     case SearchEnd::Cancelled:
-      return TextId::ResultEndCancelled;
+      return texts::ResultEndCancelled;
     case SearchEnd::Failed:
-      return TextId::ResultEndFailed;
+      return texts::ResultEndFailed;
     case SearchEnd::Finished:
       break;
   }
-  return TextId::ResultEndSucceeded;
+  return texts::ResultEndSucceeded;
 }
 
 }  // namespace
 
 std::array<std::string_view, 4> HitColumnTitles(SearchKind kind) {
   const bool midi = kind == SearchKind::Midi;
-  return {Text(TextId::ColumnFile), Text(midi ? TextId::ColumnTrack : TextId::ColumnStaffVoice),
-          Text(TextId::ColumnBar), Text(midi ? TextId::ColumnTime : TextId::ColumnBeat)};
+  return {Text(texts::ColumnFile), Text(midi ? texts::ColumnTrack : texts::ColumnStaffVoice),
+          Text(texts::ColumnBar), Text(midi ? texts::ColumnTime : texts::ColumnBeat)};
 }
 
 HitRow HitColumns(SearchKind kind, const SearchHit& hit, bool wholePath) {
@@ -83,14 +84,14 @@ HitRow HitColumns(SearchKind kind, const SearchHit& hit, bool wholePath) {
 }
 
 HitRow PrintedHit(SearchKind kind, const SearchHit& hit, bool wholePath) {
-  const std::string bar = Format(Text(TextId::PrintBar), Ordinal(hit.bar));
+  const std::string bar = Format(Text(texts::PrintBar), Ordinal(hit.bar));
   if (kind == SearchKind::Midi) {
-    return {ShownPath(hit, wholePath), Format(Text(TextId::PrintTrack), Ordinal(hit.track)), bar,
-            Format(Text(TextId::PrintTime), Minutes(hit), Seconds(hit))};
+    return {ShownPath(hit, wholePath), Format(Text(texts::PrintTrack), Ordinal(hit.track)), bar,
+            Format(Text(texts::PrintTime), Minutes(hit), Seconds(hit))};
   }
   return {ShownPath(hit, wholePath),
-          Format(Text(TextId::PrintStaffVoice), Ordinal(hit.track), Ordinal(hit.voice)), bar,
-          Format(Text(TextId::PrintBeat), Ordinal(hit.time))};
+          Format(Text(texts::PrintStaffVoice), Ordinal(hit.track), Ordinal(hit.voice)), bar,
+          Format(Text(texts::PrintBeat), Ordinal(hit.time))};
 }
 
 std::string ShortenedPath(std::string path) {
@@ -112,21 +113,21 @@ std::string HitLine(SearchKind kind, const SearchHit& hit) {
   // Back in UTF-8 every character of the code page is one of width 1, so that the format pads it right.
   const std::string file = Utf8FromWindows1252(ShortenedPath(LinePath(hit.file)));
   const std::string line = kind == SearchKind::Midi
-                               ? Format(Text(TextId::HitLineMidi), file, Ordinal(hit.track), Ordinal(hit.bar),
+                               ? Format(Text(texts::HitLineMidi), file, Ordinal(hit.track), Ordinal(hit.bar),
                                         Minutes(hit), Seconds(hit))
-                               : Format(Text(TextId::HitLineScore), file, Ordinal(hit.track),
+                               : Format(Text(texts::HitLineScore), file, Ordinal(hit.track),
                                         Ordinal(hit.voice), Ordinal(hit.bar), Ordinal(hit.time));
   return Windows1252FromUtf8(line);
 }
 
 std::string ResultTitle(const SearchRecord& record) {
-  const std::string_view name = record.melodyName.empty() ? Text(TextId::MelodyUnknown) : record.melodyName;
-  return Format(Text(TextId::ResultTitle), name);
+  const std::string_view name = record.melodyName.empty() ? Text(texts::MelodyUnknown) : record.melodyName;
+  return Format(Text(texts::ResultTitle), name);
 }
 
 std::string ResultDate(const SearchRecord& record) {
   const CivilTime& t = record.start;
-  return Format(Text(TextId::ResultDate), t.day, t.month, t.year, t.hour, t.minute, t.second);
+  return Format(Text(texts::ResultDate), t.day, t.month, t.year, t.hour, t.minute, t.second);
 }
 
 std::string ResultEnding(const SearchRecord& record) {
@@ -136,9 +137,9 @@ std::string ResultEnding(const SearchRecord& record) {
 
 std::array<std::string, 3> ResultCounts(const SearchRecord& record) {
   const SearchStatistics& counts = record.statistics;
-  return {Format(Text(TextId::ResultSearched), std::uint64_t{counts.searched} + counts.unsuitable),
-          Format(Text(TextId::ResultUnsuitable), counts.unsuitable),
-          Format(Text(TextId::ResultFound), counts.hits)};
+  return {Format(Text(texts::ResultSearched), std::uint64_t{counts.searched} + counts.unsuitable),
+          Format(Text(texts::ResultUnsuitable), counts.unsuitable),
+          Format(Text(texts::ResultFound), counts.hits)};
 }
 
 std::string_view ResultTagLine() {
@@ -152,7 +153,7 @@ std::string ResultHeader(const SearchRecord& record) {
 }
 
 std::string ResultFooter(const SearchRecord& record) {
-  const std::string_view label = Text(TextId::ResultStatistics);
+  const std::string_view label = Text(texts::ResultStatistics);
   std::string text(kRule);
   text.append(ResultEnding(record)).append(kLineEnd).append(kRule);
   std::string indent(label);

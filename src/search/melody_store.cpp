@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/text.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -94,28 +95,28 @@ void SortMelodies(std::vector<StoredMelodyInfo>& melodies, MelodyColumn column, 
 
 MelodyAction SaveMelodyAs(MelodyStore& store, std::string_view name, const SearchMelody& melody,
                           const MelodyQuestion& ask) {
-  if (name.empty()) return {false, TextId::MelodyNameMissing};
-  if (store.Exists(name).value_or(false) && !ask(TextId::MelodyExists)) return {};
-  return ActionOf(store.SaveMelody(name, melody), TextId::MelodyNotSaved);
+  if (name.empty()) return {false, texts::MelodyNameMissing};
+  if (store.Exists(name).value_or(false) && !ask(texts::MelodyExists)) return {};
+  return ActionOf(store.SaveMelody(name, melody), texts::MelodyNotSaved);
 }
 
 MelodyAction RenameStoredMelody(MelodyStore& store, std::string_view from, std::string_view to,
                                 const MelodyQuestion& ask) {
   const bool another = !EqualsIgnoringCase(from, to) && store.Exists(to).value_or(false);
-  if (another && !ask(TextId::MelodyTitleExists)) return {};
-  return ActionOf(store.RenameMelody(from, to), TextId::MelodyNotRenamed);
+  if (another && !ask(texts::MelodyTitleExists)) return {};
+  return ActionOf(store.RenameMelody(from, to), texts::MelodyNotRenamed);
 }
 
 MelodyAction DeleteStoredMelody(MelodyStore& store, std::string_view name, const MelodyQuestion& ask) {
-  if (!ask(TextId::AskDeleteMelody)) return {};
-  return ActionOf(store.DeleteMelody(name), TextId::MelodyNotDeleted);
+  if (!ask(texts::AskDeleteMelody)) return {};
+  return ActionOf(store.DeleteMelody(name), texts::MelodyNotDeleted);
 }
 
 MelodyAction LoadStoredMelody(MelodyStore& store, std::string_view name, SearchMelody& melody,
                               const MelodyQuestion& ask) {
-  if (!ask(TextId::AskReplaceMelody)) return {};
+  if (!ask(texts::AskReplaceMelody)) return {};
   auto elements = store.LoadMelody(name);
-  if (!elements) return {false, TextId::MelodyNotLoaded};
+  if (!elements) return {false, texts::MelodyNotLoaded};
   ReplaceMelody(melody, std::move(*elements), std::string(name));
   return {true, {}};
 }

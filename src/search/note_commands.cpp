@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "search/texts.h"
+
 namespace ts5 {
 namespace {
 
@@ -10,25 +12,25 @@ using C = NoteCommand;
 using K = EditorKey;
 
 constexpr std::array kRows = {
-    NoteCommandRow{C::OctaveDown, 0, K::F2, TextId::TipOctaveDown},
-    NoteCommandRow{C::OctaveNormal, 0, K::F3, TextId::TipOctaveNormal},
-    NoteCommandRow{C::OctaveUp, 0, K::F4, TextId::TipOctaveUp},
-    NoteCommandRow{C::Flat, '-', K::None, TextId::TipFlat},
-    NoteCommandRow{C::Natural, '0', K::None, TextId::TipNatural},
-    NoteCommandRow{C::Sharp, '+', K::None, TextId::TipSharp},
-    NoteCommandRow{C::TrebleClef, 0, K::F7, TextId::TipTrebleClef},
-    NoteCommandRow{C::BassClef, 0, K::F8, TextId::TipBassClef},
-    NoteCommandRow{C::ToggleDot, '.', K::None, TextId::TipDot},
-    NoteCommandRow{C::Whole, '1', K::None, TextId::TipWhole},
-    NoteCommandRow{C::Half, '2', K::None, TextId::TipHalf},
-    NoteCommandRow{C::Quarter, '4', K::None, TextId::TipQuarter},
-    NoteCommandRow{C::Eighth, '8', K::None, TextId::TipEighth},
-    NoteCommandRow{C::Sixteenth, '6', K::None, TextId::TipSixteenth},
-    NoteCommandRow{C::ThirtySecond, '3', K::None, TextId::TipThirtySecond},
-    NoteCommandRow{C::Play, 0, K::F9, TextId::TipPlay},
-    NoteCommandRow{C::DeleteAll, 0, K::CtrlDelete, TextId::TipDeleteMelody},
-    NoteCommandRow{C::Save, 0, K::None, TextId::SaveMelodyTitle},
-    NoteCommandRow{C::Manage, 0, K::None, TextId::TipManageMelodies},
+    NoteCommandRow{C::OctaveDown, 0, K::F2, texts::TipOctaveDown},
+    NoteCommandRow{C::OctaveNormal, 0, K::F3, texts::TipOctaveNormal},
+    NoteCommandRow{C::OctaveUp, 0, K::F4, texts::TipOctaveUp},
+    NoteCommandRow{C::Flat, '-', K::None, texts::TipFlat},
+    NoteCommandRow{C::Natural, '0', K::None, texts::TipNatural},
+    NoteCommandRow{C::Sharp, '+', K::None, texts::TipSharp},
+    NoteCommandRow{C::TrebleClef, 0, K::F7, texts::TipTrebleClef},
+    NoteCommandRow{C::BassClef, 0, K::F8, texts::TipBassClef},
+    NoteCommandRow{C::ToggleDot, '.', K::None, texts::TipDot},
+    NoteCommandRow{C::Whole, '1', K::None, texts::TipWhole},
+    NoteCommandRow{C::Half, '2', K::None, texts::TipHalf},
+    NoteCommandRow{C::Quarter, '4', K::None, texts::TipQuarter},
+    NoteCommandRow{C::Eighth, '8', K::None, texts::TipEighth},
+    NoteCommandRow{C::Sixteenth, '6', K::None, texts::TipSixteenth},
+    NoteCommandRow{C::ThirtySecond, '3', K::None, texts::TipThirtySecond},
+    NoteCommandRow{C::Play, 0, K::F9, texts::TipPlay},
+    NoteCommandRow{C::DeleteAll, 0, K::CtrlDelete, texts::TipDeleteMelody},
+    NoteCommandRow{C::Save, 0, K::None, texts::SaveMelodyTitle},
+    NoteCommandRow{C::Manage, 0, K::None, texts::TipManageMelodies},
     NoteCommandRow{C::LowC, 'c', K::None, {}},
     NoteCommandRow{C::LowD, 'd', K::None, {}},
     NoteCommandRow{C::LowE, 'e', K::None, {}},

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "search/note_layout.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -123,17 +124,17 @@ EditResult NoteEditor::Execute(NoteCommand command) {
 }
 
 EditResult NoteEditor::Enter(std::int16_t pitch) {
-  if (pitch == kRestCode && melody_.cursor == 0) return {false, TextId::RestAtStart};
-  if (!HasRoomForNote(melody_.elements, width_)) return {false, TextId::NoRoomForNote};
+  if (pitch == kRestCode && melody_.cursor == 0) return {false, texts::RestAtStart};
+  if (!HasRoomForNote(melody_.elements, width_)) return {false, texts::NoRoomForNote};
   const auto duration =
       static_cast<std::int16_t>(melody_.noteValue + (melody_.dotted ? melody_.noteValue / 2 : 0));
-  if (!InsertMelodyElement(melody_, {pitch, duration}, melody_.cursor)) return {false, TextId::NoRoomForNote};
+  if (!InsertMelodyElement(melody_, {pitch, duration}, melody_.cursor)) return {false, texts::NoRoomForNote};
   ++melody_.cursor;
   return {true, {}};
 }
 
 EditResult NoteEditor::Delete(std::size_t position, std::size_t count, std::size_t cursor) {
-  if (!RemoveMelodyElements(melody_, position, count)) return {false, TextId::NoteNotDeleted};
+  if (!RemoveMelodyElements(melody_, position, count)) return {false, texts::NoteNotDeleted};
   melody_.cursor = cursor;
   return {true, {}};
 }

@@ -5,13 +5,14 @@
 
 #include "platform/strings.h"
 #include "platform/text.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
 
-constexpr std::array<TextId, 6> kValues = {TextId::ValueWhole,     TextId::ValueHalf,
-                                           TextId::ValueQuarter,   TextId::ValueEighth,
-                                           TextId::ValueSixteenth, TextId::ValueThirtySecond};
+constexpr std::array<TextId, 6> kValues = {texts::ValueWhole,     texts::ValueHalf,
+                                           texts::ValueQuarter,   texts::ValueEighth,
+                                           texts::ValueSixteenth, texts::ValueThirtySecond};
 // White keys by semitone; the black ones are written from a neighbour.
 constexpr std::array<std::string_view, 12> kLetters = {"c", "c", "d", "d", "e", "f",
                                                        "f", "g", "g", "a", "a", "h"};
@@ -48,7 +49,7 @@ std::string DurationName(int duration) {
     const int plain = 960 >> level;
     const std::string name(Text(kValues[level]));
     if (duration == plain) return name;
-    if (duration == plain + plain / 2) return Format(Text(TextId::ValueDotted), name);
+    if (duration == plain + plain / 2) return Format(Text(texts::ValueDotted), name);
   }
   return std::to_string(duration) + "/240";
 }
@@ -59,7 +60,7 @@ std::string SpokenMelody(std::span<const MelodyElement> elements) {
     if (!spoken.empty()) spoken += ", ";
     const std::string value = DurationName(element.duration);
     spoken +=
-        IsRest(element) ? Format(Text(TextId::SpokenRest), value) : PitchName(element.pitch) + " " + value;
+        IsRest(element) ? Format(Text(texts::SpokenRest), value) : PitchName(element.pitch) + " " + value;
   }
   return spoken;
 }

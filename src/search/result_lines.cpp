@@ -8,10 +8,12 @@
 #include <utility>
 #include <vector>
 
+#include "frame/texts.h"
 #include "platform/input_file.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 #include "search/hit_texts.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -110,13 +112,13 @@ Result<ResultLines> LoadResultFile(const std::string& path, const std::function<
 std::string_view ResultFileFailureText(Outcome outcome) {
   switch (outcome) {
     case Outcome::WrongFormat:
-      return Text(TextId::NotAResultFile);
+      return Text(texts::NotAResultFile);
     case Outcome::SourceFailed:
-      return Text(TextId::RemarkSourceFailed);
+      return Text(texts::RemarkSourceFailed);
     case Outcome::OutOfMemory:
-      return Text(TextId::RemarkOutOfMemory);
+      return Text(texts::RemarkOutOfMemory);
     default:
-      return Text(TextId::RemarkReadFailed);
+      return Text(texts::RemarkReadFailed);
   }
 }
 

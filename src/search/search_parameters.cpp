@@ -8,6 +8,7 @@
 
 #include "platform/strings.h"
 #include "search/melody_text.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -140,7 +141,7 @@ bool HasMelody(const SearchParameters& parameters) {
 }
 
 std::string_view InstrumentName(std::int32_t program) {
-  const int number = static_cast<int>(TextId::Instrument001) + std::clamp(program, 0, 127);
+  const int number = static_cast<int>(texts::Instrument001) + std::clamp(program, 0, 127);
   return TextByNumber(number).value_or(std::string_view{});
 }
 

@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "frame/texts.h"
 #include "platform/casts.h"
 #include "platform/clock.h"
 #include "platform/files.h"
@@ -15,6 +16,7 @@
 #include "search/midi_search.h"
 #include "search/result_file.h"
 #include "search/score_search.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -22,11 +24,11 @@ namespace {
 constexpr unsigned kMostThreads = 16;
 
 constexpr std::array kRemarks = {
-    Remark{-104, TextId::RemarkWrongFormat}, Remark{-100, TextId::RemarkReadFailed},
-    Remark{-101, TextId::RemarkWriteFailed}, Remark{-5, TextId::RemarkCancelled},
-    Remark{-2, TextId::SearchOutOfMemory},   Remark{-200, TextId::SearchTargetFailed},
-    Remark{-201, TextId::NoTargetName},      Remark{-300, TextId::SearchSourceFailed},
-    Remark{-601, TextId::RemarkDamagedMidi}, Remark{-1400, TextId::SearchXmlFailed},
+    Remark{-104, texts::RemarkWrongFormat}, Remark{-100, texts::RemarkReadFailed},
+    Remark{-101, texts::RemarkWriteFailed}, Remark{-5, texts::RemarkCancelled},
+    Remark{-2, texts::SearchOutOfMemory},   Remark{-200, texts::SearchTargetFailed},
+    Remark{-201, texts::NoTargetName},      Remark{-300, texts::SearchSourceFailed},
+    Remark{-601, texts::RemarkDamagedMidi}, Remark{-1400, texts::SearchXmlFailed},
 };
 
 // What ends the run; every other code counts its file as unsuitable.
@@ -61,7 +63,7 @@ class SearchRun {
     bool append = false;
     if (run_.Files().exists(name) && run_.Destination().overwrite != OverwritePolicy::Replace) {
       const Answer answer = run_.Ask(
-          {.text = std::string(Text(TextId::ResultFileExists)), .buttons = QuestionButtons::YesNoCancel});
+          {.text = std::string(Text(texts::ResultFileExists)), .buttons = QuestionButtons::YesNoCancel});
       if (answer == Answer::Cancelled) return Outcome::Cancelled;
       append = answer == Answer::No;
     }
@@ -195,7 +197,7 @@ FilterModule SearchModule(FilterId filter, SearchFunction search) {
   module.remarks = kRemarks;
   module.missing = [](const Job& job) -> std::optional<TextId> {
     if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
-    return TextId::MelodyMissing;
+    return texts::MelodyMissing;
   };
   module.run = [search](Run& run) {
     const auto& parameters = run.Parameters<SearchParameters>();

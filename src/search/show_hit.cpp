@@ -2,6 +2,8 @@
 
 #include <initializer_list>
 
+#include "search/texts.h"
+
 namespace ts5 {
 namespace {
 
@@ -53,29 +55,28 @@ std::optional<TextId> ShowInSequencer(const SearchHit& hit, const SiblingProgram
     services.raise(sequencer.windowClass);
     messages.push_back(SequencerOpenMessage(hit));
   } else {
-    if (Failed(services.start(sequencer.path, {hit.file}))) return TextId::ApplicationNotStarted;
+    if (Failed(services.start(sequencer.path, {hit.file}))) return texts::ApplicationNotStarted;
     while (!services.isThere(sequencer.windowClass)) {
       if (!services.sleep(kPoll)) return std::nullopt;
     }
   }
   messages.push_back(SequencerPlaceMessage(hit));
-  if (Failed(services.send(sequencer.windowClass, messages))) return TextId::HitNotShown;
+  if (Failed(services.send(sequencer.windowClass, messages))) return texts::HitNotShown;
   return std::nullopt;
 }
 
 std::optional<TextId> ShowInScoreEditor(const SearchHit& hit, const std::function<SiblingProgram()>& editor,
                                         const SiblingServices& services) {
   SiblingProgram program = editor();
-  if (program.windowClass.empty()) return TextId::NotForThisScore;
+  if (program.windowClass.empty()) return texts::NotForThisScore;
   if (!services.isThere(program.windowClass)) {
-    if (program.path.empty() || Failed(services.start(program.path, {})))
-      return TextId::ApplicationNotStarted;
+    if (program.path.empty() || Failed(services.start(program.path, {}))) return texts::ApplicationNotStarted;
     while (program.windowClass.empty() || !services.isThere(program.windowClass)) {
       if (!services.sleep(kPoll)) return std::nullopt;
       program = editor();
     }
   }
-  if (Failed(services.send(program.windowClass, ScoreMessages(hit)))) return TextId::HitNotShown;
+  if (Failed(services.send(program.windowClass, ScoreMessages(hit)))) return texts::HitNotShown;
   if (services.sleep(kRestored)) services.raise(program.windowClass);
   return std::nullopt;
 }

@@ -12,6 +12,7 @@
 #include "audio/midi_recording.h"
 #include "audio/synthesis.h"
 #include "audio/synthesizer_config.h"
+#include "audio/texts.h"
 #include "audio/wave_file.h"
 #include "audio/wave_stream.h"
 #include "frame/run_support.h"
@@ -176,7 +177,7 @@ TEST_F(MidiToWaveTest, AnUnknownRateKeepsTheRunFromStarting) {
   EXPECT_FALSE(module.missing(job));
   auto& parameters = static_cast<MidiToWaveParameters&>(*job.parameters);
   parameters.format[0] = 48000;
-  EXPECT_EQ(module.missing(job), TextId::MidiWaveChooseRate);
+  EXPECT_EQ(module.missing(job), texts::MidiWaveChooseRate);
 }
 
 TEST(MidiRecording, FindsTheRecordingSumByAPartOfItsName) {

@@ -21,6 +21,7 @@
 #include "audio/waveform_overview.h"
 #include "frame/player_parameters.h"
 #include "frame/run_support.h"
+#include "frame/texts.h"
 #include "platform/resampler.h"
 #include "support/child.h"
 #include "support/matchers.h"
@@ -199,7 +200,7 @@ TEST_F(PlayerTroubleTest, AnOutputThatVanishesEndsTheRun) {
               const RunResult result = Play({song, song}, "wave:" + place_.File("aus.wav"));
               return std::chrono::steady_clock::now() - start < std::chrono::seconds(20) &&
                      result.items.size() == 1 && result.items[0].code == Code(Outcome::WriteFailed) &&
-                     result.remarks.at(0) == Text(TextId::PlayerDeviceGone);
+                     result.remarks.at(0) == Text(texts::PlayerDeviceGone);
             }),
             0);
   EXPECT_EQ(Listing(place_.Path()), "lang.wav");

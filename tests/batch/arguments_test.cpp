@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "batch/captured_console.h"
+#include "batch/texts.h"
 
 namespace ts5::batch {
 namespace {
@@ -21,12 +22,12 @@ struct Everything {
   CapturedConsole captured;
 
   std::optional<int> Read(const std::vector<std::string>& line) {
-    Arguments arguments("run", TextId::BatchRunSummary, TextId::BatchRunExamples);
-    arguments.Required("FILTER", filter, TextId::BatchHelpFilter);
-    arguments.Flag("--json", json, TextId::BatchHelpJson);
-    arguments.Option("--dest", "DATEI", destination, TextId::BatchHelpDest);
-    arguments.Repeated("--set", "NAME=WERT", settings, TextId::BatchHelpSet);
-    arguments.Rest("DATEI", files, TextId::BatchHelpFiles, 1);
+    Arguments arguments("run", texts::BatchRunSummary, texts::BatchRunExamples);
+    arguments.Required("FILTER", filter, texts::BatchHelpFilter);
+    arguments.Flag("--json", json, texts::BatchHelpJson);
+    arguments.Option("--dest", "DATEI", destination, texts::BatchHelpDest);
+    arguments.Repeated("--set", "NAME=WERT", settings, texts::BatchHelpSet);
+    arguments.Rest("DATEI", files, texts::BatchHelpFiles, 1);
     return arguments.Read(line, captured.console);
   }
 };

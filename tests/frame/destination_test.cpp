@@ -5,6 +5,7 @@
 #include <set>
 
 #include "frame/settings.h"
+#include "frame/texts.h"
 
 namespace ts5 {
 namespace {
@@ -145,12 +146,12 @@ TEST(Destination, CheckBeforeARun) {
     std::optional<TextId> message;
   };
   for (const Case& c : {
-           Case{"", beside, "", TextId::NoTargetName},
-           Case{" \t", elsewhere, "", TextId::NoTargetName},
+           Case{"", beside, "", texts::NoTargetName},
+           Case{" \t", elsewhere, "", texts::NoTargetName},
            Case{"b.mid", elsewhere, "/there/b.mid", std::nullopt},
-           Case{"b.mid", nowhere, "b.mid", TextId::InvalidTargetDirectory},
+           Case{"b.mid", nowhere, "b.mid", texts::InvalidTargetDirectory},
            Case{"/music/b.mid", elsewhere, "/music/b.mid", std::nullopt},
-           Case{"/gone/b.mid", elsewhere, "/gone/b.mid", TextId::InvalidTargetDirectory},
+           Case{"/gone/b.mid", elsewhere, "/gone/b.mid", texts::InvalidTargetDirectory},
            Case{"b.mid", beside, "/music/b.mid", std::nullopt},
            Case{"/gone/b.mid", beside, "/gone/b.mid", std::nullopt},
        }) {

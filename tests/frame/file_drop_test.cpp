@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "frame/texts.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -78,7 +79,7 @@ TEST(FileDrop, BurnerStopsAtTheHundredthTrack) {
   EXPECT_EQ(list.Size(), 99U);
   EXPECT_EQ(list[98].path, "/m/99.wav");
   EXPECT_EQ(result.rejected, 2U) << "what follows the hundredth is not looked at";
-  EXPECT_THAT(IdsOf(result), ElementsAre(TextId::TooManyTracks, TextId::FilesRejected));
+  EXPECT_THAT(IdsOf(result), ElementsAre(texts::TooManyTracks, texts::FilesRejected));
 
   FreeFileList other;
   paths.assign(150, "/m/a.wav");

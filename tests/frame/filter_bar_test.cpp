@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 
 namespace ts5 {
 namespace {
@@ -212,8 +213,8 @@ TEST(FilterSwitch, AsksOnlyAroundTheBurnerWithAFilledList) {
     FilterSwitch::Kind kind;
     std::optional<TextId> question;
   } kCases[] = {
-      {MidiConverter, CdBurner, false, true, Ask, TextId::AskSwitchToBurner},
-      {CdBurner, MidiConverter, false, true, Ask, TextId::AskSwitchFromBurner},
+      {MidiConverter, CdBurner, false, true, Ask, texts::AskSwitchToBurner},
+      {CdBurner, MidiConverter, false, true, Ask, texts::AskSwitchFromBurner},
       {CdBurner, MidiConverter, true, true, Free, {}},
       {MidiConverter, CdBurner, true, true, Free, {}},
       {CdBurner, CdBurner, false, true, Same, {}},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame/texts.h"
 #include "run_support.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -26,7 +27,7 @@ class JobRunnerTest : public testing::Test {
     for (const FilterId id : {FilterId::MidiConverter, FilterId::MidiToWave, FilterId::MidiPlayer,
                               FilterId::CdBurner, FilterId::MidiSearch}) {
       FilterModule& module = modules_.emplace_back(CopyModule(id));
-      module.stop.status = TextId::Stopping;
+      module.stop.status = texts::Stopping;
       module.midiDevice = [](const Job& job) -> std::optional<std::int32_t> {
         const std::int32_t device = static_cast<const CopyParameters&>(*job.parameters).device;
         return device < 0 ? std::nullopt : std::optional(device);
@@ -69,7 +70,7 @@ TEST_F(JobRunnerTest, SeveralJobsRunAtOnceAndEachEndsOnce) {
   }
   EXPECT_FALSE(runner_.Start(jobs[0], {}, hosts[0], dialogs_)) << "runs already";
 
-  EXPECT_EQ(runner_.Stop(jobs[2]), TextId::Stopping);
+  EXPECT_EQ(runner_.Stop(jobs[2]), texts::Stopping);
   (void)runner_.Stop(jobs[2]);  // changes nothing, whether the run has ended by now or not
   ASSERT_TRUE(hosts[2]->WaitForResult());
   EXPECT_TRUE(hosts[2]->results[0].cancelled);

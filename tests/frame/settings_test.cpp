@@ -3,6 +3,7 @@
 #include "frame/backgrounds.h"
 #include "frame/settings_form.h"
 #include "frame/settings_store.h"
+#include "frame/texts.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -227,15 +228,15 @@ TEST_F(SettingsFormCheck, RefusesInTheOrderOfThePages) {
   form_.sourceDirectoryAsTarget = false;
   form_.targetDirectory = "";
   form_.suffix = "/";
-  ExpectRefused(TextId::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
+  ExpectRefused(texts::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
   form_.artworkerLayoutDirectory = directory_.Path();
-  ExpectRefused(TextId::InvalidDirectory, SettingsField::PlaybackParameterDirectory);
+  ExpectRefused(texts::InvalidDirectory, SettingsField::PlaybackParameterDirectory);
   form_.playbackParameterDirectory = directory_.Path();
-  ExpectRefused(TextId::InvalidDestinationDirectory, SettingsField::TargetDirectory);
+  ExpectRefused(texts::InvalidDestinationDirectory, SettingsField::TargetDirectory);
   form_.targetDirectory = directory_.File("missing");
-  ExpectRefused(TextId::InvalidDestinationDirectory, SettingsField::TargetDirectory);
+  ExpectRefused(texts::InvalidDestinationDirectory, SettingsField::TargetDirectory);
   form_.noTargetDefault = true;
-  ExpectRefused(TextId::NoSuffix, SettingsField::Suffix);
+  ExpectRefused(texts::NoSuffix, SettingsField::Suffix);
   form_.useSuffix = false;
   EXPECT_TRUE(ValidateSettings(current_, form_).Accepted());
 }

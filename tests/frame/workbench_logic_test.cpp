@@ -6,6 +6,7 @@
 #include "frame/file_properties.h"
 #include "frame/filter_module.h"
 #include "frame/siblings.h"
+#include "frame/texts.h"
 #include "platform/registry.h"
 #include "support/test_data.h"
 
@@ -80,14 +81,14 @@ TEST(ChooseProperties, TheFirstReaderThatKnowsTheFileWins) {
     TextId message;
   };
   const Case cases[] = {
-      {Outcome::Success, Outcome::Success, Outcome::Success, W::Midi, TextId::UnknownFileFormat},
-      {Outcome::WrongFormat, Outcome::Success, Outcome::Success, W::Score, TextId::UnknownFileFormat},
-      {Outcome::ReadFailed, Outcome::Success, Outcome::Success, W::Score, TextId::UnknownFileFormat},
-      {Outcome::SourceFailed, Outcome::Success, Outcome::Success, std::nullopt, TextId::FileNotOpened},
-      {Outcome::WrongFormat, Outcome::WrongFormat, Outcome::Success, W::Audio, TextId::UnknownFileFormat},
-      {Outcome::WrongFormat, Outcome::WrongFormat, Outcome::ReadFailed, std::nullopt, TextId::FileNotOpened},
+      {Outcome::Success, Outcome::Success, Outcome::Success, W::Midi, texts::UnknownFileFormat},
+      {Outcome::WrongFormat, Outcome::Success, Outcome::Success, W::Score, texts::UnknownFileFormat},
+      {Outcome::ReadFailed, Outcome::Success, Outcome::Success, W::Score, texts::UnknownFileFormat},
+      {Outcome::SourceFailed, Outcome::Success, Outcome::Success, std::nullopt, texts::FileNotOpened},
+      {Outcome::WrongFormat, Outcome::WrongFormat, Outcome::Success, W::Audio, texts::UnknownFileFormat},
+      {Outcome::WrongFormat, Outcome::WrongFormat, Outcome::ReadFailed, std::nullopt, texts::FileNotOpened},
       {Outcome::WrongFormat, Outcome::WrongFormat, Outcome::WrongFormat, std::nullopt,
-       TextId::UnknownFileFormat},
+       texts::UnknownFileFormat},
   };
   for (const Case& c : cases) {
     const PropertiesStep steps[] = {reader(c.midi, W::Midi, StopAtSource),

@@ -7,6 +7,7 @@
 
 #include "frame/player_run.h"
 #include "frame/run_support.h"
+#include "frame/texts.h"
 #include "midi/midi_capture.h"
 #include "midi/midi_level.h"
 #include "midi/midi_player.h"
@@ -120,7 +121,7 @@ TEST_F(MidiPlayerTest, WhatCannotBePlayedIsCountedAndTheRestIsPlayed) {
       Play({broken, DataPath("midi/made_gymnopedie.rdl"), folder_.File("fehlt.mid")}, parameters);
   EXPECT_THAT((std::vector{result.lines[0].count, result.lines[1].count, result.lines[2].count}),
               ElementsAre(1, 1, 2));
-  EXPECT_EQ(result.remarks.back(), Text(TextId::PlayerSomeFailed));
+  EXPECT_EQ(result.remarks.back(), Text(texts::PlayerSomeFailed));
   EXPECT_GT(Sequence(capture_).Messages().size(), 0U) << "the sequencer file sounds";
 }
 

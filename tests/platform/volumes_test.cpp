@@ -109,7 +109,7 @@ TEST(Directories, FollowTheBaseDirectoryRules) {
   ::unsetenv("XDG_DATA_HOME");
   EXPECT_EQ(ConfigurationDirectory(), home.File(".config/stavora-ts5"));
   EXPECT_EQ(ProgramDirectory(), home.File(".local/share/stavora-ts5"));
-  EXPECT_TRUE(std::filesystem::exists(InstalledDirectory() + "/strings.def"))
+  EXPECT_TRUE(std::filesystem::exists(InstalledDirectory() + "/strings/all.def"))
       << "not installed: the source tree";
   ::setenv("HOME", realHome.c_str(), 1);
 }

@@ -6,6 +6,7 @@
 #include "midi/midi_sequence.h"
 #include "score/parameter_set.h"
 #include "score/score_filter.h"
+#include "score/texts.h"
 #include "score_log.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -121,7 +122,7 @@ TEST_F(ScoreConverterRun, TheMethodOfTheLibraryIsRefusedBeforeTheStart) {
   Job job = ListJob({"a.stv"}, module_);
   for (const std::int32_t method : {0, 2}) {
     static_cast<ScoreToMidiParameters&>(*job.parameters).method = method;
-    EXPECT_EQ(module_.missing(job), TextId::ScoreLibraryMethodMissing);
+    EXPECT_EQ(module_.missing(job), texts::ScoreLibraryMethodMissing);
   }
   static_cast<ScoreToMidiParameters&>(*job.parameters).method = 1;
   EXPECT_EQ(module_.missing(job), std::nullopt);

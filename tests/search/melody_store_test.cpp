@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/text.h"
+#include "search/texts.h"
 #include "support/matchers.h"
 
 namespace ts5 {
@@ -64,15 +65,15 @@ TEST_F(MelodyStoreTest, ListsAndSorts) {
 TEST_F(MelodyStoreTest, EmptyStoreHasNothing) {
   EXPECT_TRUE(store_.ListStoredMelodies().value().empty());
   EXPECT_THAT(store_.RenameMelody("a", "b"), FailsWith(Outcome::SourceFailed));
-  EXPECT_EQ(DeleteStoredMelody(store_, "a", ask_).message, TextId::MelodyNotDeleted);
-  EXPECT_EQ(RenameStoredMelody(store_, "a", "b", ask_).message, TextId::MelodyNotRenamed);
+  EXPECT_EQ(DeleteStoredMelody(store_, "a", ask_).message, texts::MelodyNotDeleted);
+  EXPECT_EQ(RenameStoredMelody(store_, "a", "b", ask_).message, texts::MelodyNotRenamed);
   SearchMelody melody = tune_;
-  EXPECT_EQ(LoadStoredMelody(store_, "a", melody, ask_).message, TextId::MelodyNotLoaded);
+  EXPECT_EQ(LoadStoredMelody(store_, "a", melody, ask_).message, texts::MelodyNotLoaded);
   EXPECT_EQ(melody, tune_);
 }
 
 TEST_F(MelodyStoreTest, AsksBeforeItReplaces) {
-  EXPECT_EQ(SaveMelodyAs(store_, "", tune_, ask_).message, TextId::MelodyNameMissing);
+  EXPECT_EQ(SaveMelodyAs(store_, "", tune_, ask_).message, texts::MelodyNameMissing);
   EXPECT_TRUE(SaveMelodyAs(store_, "Lied", tune_, ask_).done);
   EXPECT_TRUE(asked_.empty());
   answer_ = false;
@@ -84,8 +85,7 @@ TEST_F(MelodyStoreTest, AsksBeforeItReplaces) {
   answer_ = true;
   EXPECT_TRUE(RenameStoredMelody(store_, "Tanz", "lied", ask_).done);
   EXPECT_THAT(store_.ListStoredMelodies().value(), ElementsAre(StoredMelodyInfo{"lied", 1}));
-  EXPECT_THAT(asked_,
-              ElementsAre(TextId::MelodyExists, TextId::MelodyTitleExists, TextId::MelodyTitleExists));
+  EXPECT_THAT(asked_, ElementsAre(texts::MelodyExists, texts::MelodyTitleExists, texts::MelodyTitleExists));
 }
 
 TEST_F(MelodyStoreTest, RenamingMayChangeTheCaseAlone) {

@@ -6,6 +6,7 @@
 
 #include "search/melody_text.h"
 #include "search/note_layout.h"
+#include "search/texts.h"
 #include "support/matchers.h"
 
 namespace ts5 {
@@ -64,11 +65,11 @@ TEST(NoteEditorTest, CursorDecidesWhereElementsComeAndGo) {
 TEST(NoteEditorTest, RefusesWithItsReasons) {
   SearchMelody melody;
   NoteEditor editor(melody);
-  EXPECT_EQ(editor.Execute(NoteCommand::Rest).message, TextId::RestAtStart);
+  EXPECT_EQ(editor.Execute(NoteCommand::Rest).message, texts::RestAtStart);
   editor.SetWidth(150);
   int entered = 0;
   while (!editor.Execute(NoteCommand::LowC).message && entered < 100) ++entered;
-  EXPECT_EQ(editor.Execute(NoteCommand::Rest).message, TextId::NoRoomForNote);
+  EXPECT_EQ(editor.Execute(NoteCommand::Rest).message, texts::NoRoomForNote);
   EXPECT_GE(entered, 2);
   EXPECT_LE(entered, 6);
   const NotePlace last = LayOutNotes(melody.elements, melody.clef).back();

@@ -11,6 +11,7 @@
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/midi_search.h"
+#include "search/texts.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 #include "track_builder.h"
@@ -374,7 +375,7 @@ TEST(SearchParametersTest, MelodyIsNeededAndInstrumentsHaveNames) {
   const FilterModule module = MidiSearchModule();
   Job job;
   job.parameters = ParametersValue(module.create());
-  EXPECT_EQ(module.missing(job), TextId::MelodyMissing);
+  EXPECT_EQ(module.missing(job), texts::MelodyMissing);
   for (const ParameterField& field : module.fields) {
     if (field.name == "Melody") {
       EXPECT_TRUE(field.set(*job.parameters, kTune));

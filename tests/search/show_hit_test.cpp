@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <thread>
 
+#include "search/texts.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -128,12 +129,12 @@ TEST(ShowHitTest, TheSequencerIsStartedOrRaised) {
   EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, stopped.Services()), std::nullopt);
   EXPECT_THAT(stopped.log, ElementsAre("start /bin/rondelis /m/ä.stv", "send 1"));
   Siblings broken{.pollsUntilThere = 3, .starts = false};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, broken.Services()), TextId::ApplicationNotStarted);
+  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, broken.Services()), texts::ApplicationNotStarted);
   Siblings never{.pollsUntilThere = 1000};
   EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, never.Services()), std::nullopt);
   EXPECT_EQ(never.log.size(), 1u);
   Siblings deaf{.takes = false};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, deaf.Services()), TextId::HitNotShown);
+  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, deaf.Services()), texts::HitNotShown);
   Siblings unknown;
   EXPECT_EQ(ShowInSequencer(ScoreHit(), {}, unknown.Services()), std::nullopt);
   EXPECT_TRUE(unknown.log.empty());
@@ -147,7 +148,7 @@ TEST(ShowHitTest, TheScoreEditorIsStartedWithoutArguments) {
   Siblings none;
   EXPECT_EQ(ShowInScoreEditor(
                 ScoreHit(), [] { return SiblingProgram{}; }, none.Services()),
-            TextId::NotForThisScore);
+            texts::NotForThisScore);
   EXPECT_TRUE(none.log.empty());
 }
 

@@ -3,6 +3,7 @@
 #include "app/about_dialog.h"
 #include "app/help_window.h"
 #include "app/splash.h"
+#include "audio/texts.h"
 #include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/midi_to_wave_dialog.h"
 #include "audio/ui/mixer_help_dialog.h"
@@ -183,7 +184,7 @@ const std::vector<WindowSample>& WindowSamples() {
        }},
       {"ASKDIALOG",
        [](DialogHost& host) {
-         return std::make_unique<MixerHelpDialog>(TextId::MidiWaveMixerNotSet, "Stereo-Mix", host, nullptr);
+         return std::make_unique<MixerHelpDialog>(texts::MidiWaveMixerNotSet, "Stereo-Mix", host, nullptr);
        }},
       {"AUDIOPROPS",
        [](DialogHost& host) -> std::unique_ptr<QWidget> {

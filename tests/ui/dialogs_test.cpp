@@ -13,6 +13,7 @@
 #include <QTreeWidget>
 
 #include "dialogs_support.h"
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/qt_text.h"
@@ -161,23 +162,23 @@ TEST_F(SettingsDialogTest, RefusesWhatIsMissingAndGoesToTheField) {
     EXPECT_EQ(pages.currentIndex(), page);
     EXPECT_EQ(dialog.focusWidget()->objectName(), field);
     EXPECT_EQ(message.Icon(), QMessageBox::Information);
-    EXPECT_EQ(message.Title(), QtText(TextId::ApplicationTitle));
+    EXPECT_EQ(message.Title(), QtText(texts::ApplicationTitle));
     return message.Text();
   };
 
   pages.setCurrentIndex(1);
   auto& layouts = Child<QLineEdit>(dialog, "artworkerDirectoryEdit");
   layouts.setText(ToQt(directory_.Path()) + "/fehlt");
-  EXPECT_EQ(refusal("artworkerDirectoryEdit", 0), QtText(TextId::InvalidDirectory));
+  EXPECT_EQ(refusal("artworkerDirectoryEdit", 0), QtText(texts::InvalidDirectory));
   EXPECT_EQ(layouts.selectedText(), layouts.text());
   layouts.setText(ToQt(directory_.Path()));
 
   Child<QRadioButton>(dialog, "targetDirectoryRadio").setChecked(true);
-  EXPECT_EQ(refusal("targetDirectoryEdit", 1), QtText(TextId::InvalidDestinationDirectory));
+  EXPECT_EQ(refusal("targetDirectoryEdit", 1), QtText(texts::InvalidDestinationDirectory));
   Child<QLineEdit>(dialog, "targetDirectoryEdit").setText(ToQt(directory_.Path()));
 
   Child<QLineEdit>(dialog, "suffixEdit").clear();
-  EXPECT_EQ(refusal("suffixEdit", 1), QtText(TextId::NoSuffix));
+  EXPECT_EQ(refusal("suffixEdit", 1), QtText(texts::NoSuffix));
   Type(Child<QLineEdit>(dialog, "suffixEdit"), "abcde");
   EXPECT_EQ(Child<QLineEdit>(dialog, "suffixEdit").text(), "abcd");
 
@@ -370,7 +371,7 @@ TEST(FileDialogsTest, SpeaksGermanAndHelps) {
   timer.start(10);
   const auto chosen = AskFileToSave({.title = "Freie Dateiliste speichern",
                                      .start = directory.Path(),
-                                     .filter = Text(TextId::FileListFilter),
+                                     .filter = Text(texts::FileListFilter),
                                      .helpTopic = "Befehle-Datei-Speichern.htm"},
                                     host, nullptr);
   EXPECT_EQ(chosen, directory.Path() + "/liste.sts");

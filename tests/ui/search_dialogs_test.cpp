@@ -23,6 +23,7 @@
 #include <atomic>
 
 #include "dialogs_support.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files.h"
 #include "platform/registry.h"
@@ -30,6 +31,7 @@
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/note_commands.h"
+#include "search/texts.h"
 #include "search/ui/manage_melodies_dialog.h"
 #include "search/ui/note_editor_panel.h"
 #include "search/ui/print_abort_dialog.h"
@@ -203,13 +205,13 @@ TEST_F(SearchDialogTest, RefusalsSayWhyAndChangeNothing) {
   {
     NextMessage message;
     Keys(" ");
-    EXPECT_EQ(message.Text(), QtText(TextId::RestAtStart));
+    EXPECT_EQ(message.Text(), QtText(texts::RestAtStart));
     EXPECT_THAT(Edited().elements, IsEmpty());
   }
   // Until the staff is full; then the dialog is made wider.
   NextMessage full;
   for (int i = 0; i < 200 && full.Text().isEmpty(); ++i) Keys("c");
-  EXPECT_EQ(full.Text(), QtText(TextId::NoRoomForNote));
+  EXPECT_EQ(full.Text(), QtText(texts::NoRoomForNote));
   const std::size_t count = Edited().elements.size();
   EXPECT_GT(count, 10U);
   EXPECT_LT(count, 200U);
@@ -300,7 +302,7 @@ TEST_F(SearchDialogTest, PlayingLocksTheEntryAndStops) {
   opens_ = false;
   NextMessage failure;
   Key(Qt::Key_F9);
-  EXPECT_EQ(failure.Text(), QtText(TextId::MelodyNotPlayed));
+  EXPECT_EQ(failure.Text(), QtText(texts::MelodyNotPlayed));
 }
 
 TEST_F(SearchDialogTest, ADeviceThatGoesEndsThePlayingWithItsMessage) {
@@ -310,7 +312,7 @@ TEST_F(SearchDialogTest, ADeviceThatGoesEndsThePlayingWithItsMessage) {
   NextMessage message;
   Key(Qt::Key_F9);
   EXPECT_TRUE(QTest::qWaitFor([&] { return !message.Text().isEmpty(); }));
-  EXPECT_EQ(message.Text(), QtText(TextId::MidiDeviceGone));
+  EXPECT_EQ(message.Text(), QtText(texts::MidiDeviceGone));
   EXPECT_TRUE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
 }
 
@@ -348,7 +350,7 @@ TEST_F(SearchDialogTest, RhythmAndPitchAreNeverBothFree) {
 TEST_F(SearchDialogTest, DeviceTempoAndInstrumentAreStored) {
   parameters_.device = 7;  // no longer there
   Open();
-  EXPECT_EQ(Child<QComboBox>(*dialog_, "deviceBox").currentText(), QtText(TextId::MidiMapper));
+  EXPECT_EQ(Child<QComboBox>(*dialog_, "deviceBox").currentText(), QtText(texts::MidiMapper));
   EXPECT_EQ(Child<QComboBox>(*dialog_, "instrumentBox").count(), 128);
   EXPECT_EQ(Child<QComboBox>(*dialog_, "instrumentBox").itemText(127), "Schuss");
   Child<QComboBox>(*dialog_, "deviceBox").setCurrentIndex(1);
@@ -370,8 +372,8 @@ TEST_F(SearchDialogTest, WithoutADeviceNothingPlaysAndTheScoreSearchHasNoToleran
   Child<QTabWidget>(*dialog_, "tabs").setCurrentIndex(1);
   EXPECT_FALSE(Child<QWidget>(*dialog_, "midiGroup").isEnabled());
   EXPECT_FALSE(Child<QWidget>(*dialog_, "toleranceBox").isVisible());
-  EXPECT_EQ(Child<QCheckBox>(*dialog_, "firstTrackCheck").text(), QtText(TextId::FirstStaffOnly));
-  EXPECT_EQ(Child<QCheckBox>(*dialog_, "drumTrackCheck").text(), QtText(TextId::DrumStaffToo));
+  EXPECT_EQ(Child<QCheckBox>(*dialog_, "firstTrackCheck").text(), QtText(texts::FirstStaffOnly));
+  EXPECT_EQ(Child<QCheckBox>(*dialog_, "drumTrackCheck").text(), QtText(texts::DrumStaffToo));
   EXPECT_EQ(dialog_->HelpTopic(), "parm_melodiesuche-optionen.htm");
   Child<QTabWidget>(*dialog_, "tabs").setCurrentIndex(0);
   EXPECT_EQ(dialog_->HelpTopic(), "parm_melodiesuche-melodie.htm");
@@ -414,13 +416,13 @@ TEST_F(SearchDialogTest, SavesUnderAnyNameAndAsksBeforeItOverwrites) {
   {
     NextMessage message;
     Press(dialog, "okButton");
-    EXPECT_EQ(message.Text(), QtText(TextId::MelodyNameMissing));
+    EXPECT_EQ(message.Text(), QtText(texts::MelodyNameMissing));
   }
   name.setText("Kuckuck");
   {
     NextMessage no(QMessageBox::No);
     Press(dialog, "okButton");
-    EXPECT_EQ(no.Text(), QtText(TextId::MelodyExists));
+    EXPECT_EQ(no.Text(), QtText(texts::MelodyExists));
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(name.selectedText(), "Kuckuck") << "back in the name field";
   }
@@ -482,7 +484,7 @@ class ManageTest : public SearchDialogTest {
 
 TEST_F(ManageTest, SortsByBothColumnsInBothDirections) {
   OpenManager();
-  EXPECT_EQ(host_.prompts.last(), QtText(TextId::ManageMelodiesPrompt));
+  EXPECT_EQ(host_.prompts.last(), QtText(texts::ManageMelodiesPrompt));
   EXPECT_EQ(Column(0), QStringList({"Amsel", "bass", "Drossel"})) << "without regard to case";
   EXPECT_EQ(Column(1), QStringList({"5", "2", "5"}));
   const auto click = [&](int section) {
@@ -507,7 +509,7 @@ TEST_F(ManageTest, RenamesInPlaceAndAsksBeforeItReplaces) {
   {
     NextMessage no(QMessageBox::No);
     Rename("Amsel");
-    EXPECT_EQ(no.Text(), QtText(TextId::MelodyTitleExists));
+    EXPECT_EQ(no.Text(), QtText(texts::MelodyTitleExists));
   }
   EXPECT_EQ(Column(0).size(), 3);
   NextMessage yes(QMessageBox::Yes);
@@ -522,7 +524,7 @@ TEST_F(ManageTest, DeletesLoadsAndShowsAnEmptyStore) {
   {
     NextMessage yes(QMessageBox::Yes);
     Press(*manager_, "loadButton");
-    EXPECT_EQ(yes.Text(), QtText(TextId::AskReplaceMelody));
+    EXPECT_EQ(yes.Text(), QtText(texts::AskReplaceMelody));
   }
   EXPECT_TRUE(manager_->Loaded());
   EXPECT_EQ(manager_->Melody().name, "bass");
@@ -530,14 +532,14 @@ TEST_F(ManageTest, DeletesLoadsAndShowsAnEmptyStore) {
   {
     NextMessage no(QMessageBox::No);
     Press(*manager_, "deleteButton");
-    EXPECT_EQ(no.Text(), QtText(TextId::AskDeleteMelody));
+    EXPECT_EQ(no.Text(), QtText(texts::AskDeleteMelody));
     EXPECT_EQ(Column(0).size(), 3);
   }
   for (int left = 3; left > 0; --left) {
     NextMessage yes(QMessageBox::Yes);
     Press(*manager_, "deleteButton");
   }
-  EXPECT_EQ(Column(0), QStringList(QtText(TextId::NoMelodyFound)));
+  EXPECT_EQ(Column(0), QStringList(QtText(texts::NoMelodyFound)));
   for (const char* button : {"renameButton", "deleteButton", "loadButton", "playButton"})
     EXPECT_FALSE(Child<QWidget>(*manager_, button).isEnabled()) << button;
 }
@@ -547,12 +549,12 @@ TEST_F(ManageTest, PlaysAndStops) {
   SelectName("Amsel");
   auto& play = Child<QAbstractButton>(*manager_, "playButton");
   play.click();
-  EXPECT_EQ(play.text(), QtText(TextId::ManageStop));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return play.text() == QtText(TextId::ManagePlay); }));
+  EXPECT_EQ(play.text(), QtText(texts::ManageStop));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return play.text() == QtText(texts::ManagePlay); }));
   opens_ = false;
   NextMessage message;
   play.click();
-  EXPECT_EQ(message.Text(), QtText(TextId::StoredMelodyNotPlayed));
+  EXPECT_EQ(message.Text(), QtText(texts::StoredMelodyNotPlayed));
 }
 
 // --- reading and printing results
@@ -589,7 +591,7 @@ class PrintingTest : public testing::Test {
     return pages;
   }
   test::TemporaryDirectory directory_;
-  const PrintSetup setup_ = DefaultPrintSetup(QtText(TextId::PdfPrinter));
+  const PrintSetup setup_ = DefaultPrintSetup(QtText(texts::PdfPrinter));
   RecordingHost host_;
 };
 
@@ -660,7 +662,7 @@ TEST_F(PrintingTest, TheSetupKeepsWhatIsChosenAndRefusesImpossibleMargins) {
   {
     NextMessage message;
     Press(dialog, "okButton");
-    EXPECT_EQ(message.Text(), QtText(TextId::MarginsTooLarge));
+    EXPECT_EQ(message.Text(), QtText(texts::MarginsTooLarge));
     EXPECT_TRUE(dialog.isVisible());
   }
   Child<QSpinBox>(dialog, "topBox").setValue(30);
@@ -698,7 +700,7 @@ TEST_F(PrintingTest, ThePreviewShowsThePagesUpToItsLimit) {
 
 TEST_F(PrintingTest, TheAbortDialogEndsAPrinting) {
   PrintAbortDialog dialog(nullptr);
-  EXPECT_EQ(dialog.windowTitle(), QtText(TextId::PrintAbortTitle));
+  EXPECT_EQ(dialog.windowTitle(), QtText(texts::PrintAbortTitle));
   EXPECT_TRUE(dialog.Proceed(1, 100));
   EXPECT_FALSE(dialog.isVisible()) << "not for a glance";
   EXPECT_TRUE(dialog.Proceed(30, 100));
@@ -728,7 +730,7 @@ TEST_F(PrintingTest, TheViewerShowsTheListOrAResultFile) {
   EXPECT_FALSE(Child<QWidget>(dialog, "loadButton").isEnabled());
 
   const std::pair<std::string, TextId> failures[] = {
-      {wrong, TextId::NotAResultFile}, {directory_.File("fehlt.txt"), TextId::RemarkSourceFailed}};
+      {wrong, texts::NotAResultFile}, {directory_.File("fehlt.txt"), texts::RemarkSourceFailed}};
   for (const auto& [path, message] : failures) {
     name.setText(ToQt(path));
     EXPECT_TRUE(Child<QWidget>(dialog, "loadButton").isEnabled());

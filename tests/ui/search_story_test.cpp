@@ -18,6 +18,7 @@
 #include <atomic>
 #include <thread>
 
+#include "app/texts.h"
 #include "dialogs_support.h"
 #include "midi/midi_sequence.h"
 #include "platform/files.h"
@@ -27,6 +28,7 @@
 #include "score/score_writer.h"
 #include "search/melody_store.h"
 #include "search/search_parameters.h"
+#include "search/texts.h"
 #include "search/ui/note_editor_panel.h"
 #include "search/ui/result_line_view.h"
 #include "search/ui/staff_view.h"
@@ -146,7 +148,7 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   script_.Expect([](QDialog& dialog) {
     QTest::keyClicks(dialog.findChild<StaffView*>(), "8cde");
     for (auto* button : dialog.findChildren<QToolButton*>()) {
-      if (button->toolTip() == QtText(TextId::SaveMelodyTitle)) ClickSoon(button);
+      if (button->toolTip() == QtText(texts::SaveMelodyTitle)) ClickSoon(button);
     }
   });
   script_.Expect([](QDialog& dialog) {
@@ -191,7 +193,7 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   PressKey(Qt::Key_F9);
   EXPECT_THAT(W().StatusText().toStdString(), HasSubstr("ab Takt"));
   ASSERT_TRUE(WaitFor([&] { return FileExists(capture_); }, 30'000));
-  ASSERT_TRUE(WaitFor([&] { return W().StatusText() == QtText(TextId::StatusReady); }));
+  ASSERT_TRUE(WaitFor([&] { return W().StatusText() == QtText(texts::StatusReady); }));
   const auto heard = MidiSequence::FromFile(*ReadFile(capture_));
   ASSERT_THAT(heard, test::IsOk());
   EXPECT_TRUE(std::ranges::any_of(heard->Messages(), &SequenceMessage::IsNoteOn));
@@ -262,7 +264,7 @@ TEST_F(SearchStory, OldResultsGoAsTheSettingSays) {
   application_->GetSettings().oldSearchResults = OldSearchResults::Ask;
   script_.ExpectBox(QMessageBox::No);
   Search();
-  EXPECT_EQ(script_.LastText(), QtText(TextId::AskClearResults));
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskClearResults));
   EXPECT_EQ(Panel().Results().Size(), 3 * once);
   script_.ExpectBox(QMessageBox::Yes);
   Search();
@@ -273,7 +275,7 @@ TEST_F(SearchStory, OldResultsGoAsTheSettingSays) {
   static_cast<SearchParameters&>(*ActiveJob().parameters).melody.elements.clear();
   script_.ExpectBox(QMessageBox::Ok);
   W().Trigger(CommandId::Run);
-  EXPECT_EQ(script_.LastText(), QtText(TextId::MelodyMissing));
+  EXPECT_EQ(script_.LastText(), QtText(texts::MelodyMissing));
   EXPECT_EQ(Panel().Results().Size(), once);
 }
 
@@ -299,10 +301,10 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   ASSERT_TRUE(Enabled(CommandId::PlayHit));
   // Stopped by Esc.
   W().Trigger(CommandId::PlayHit);
-  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::StopHit));
+  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(texts::StopHit));
   PressKey(Qt::Key_Escape);
-  EXPECT_EQ(W().StatusText(), QtText(TextId::StatusReady));
-  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(TextId::PlayHit));
+  EXPECT_EQ(W().StatusText(), QtText(texts::StatusReady));
+  EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(texts::PlayHit));
 
   // A file that has gone.
   const std::string file = Panel().Results().Hit(0).file;
@@ -311,7 +313,7 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   script_.ExpectBox(QMessageBox::Ok);
   W().Trigger(CommandId::PlayHit);
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
-  EXPECT_EQ(script_.LastText(), QtText(TextId::HitNotInFile));
+  EXPECT_EQ(script_.LastText(), QtText(texts::HitNotInFile));
   (void)directory_.Write(std::string(FileNameOf(file)), content);
 
   // A device that cannot be opened.
@@ -321,7 +323,7 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   W().Trigger(CommandId::PlayHit);
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   EXPECT_THAT(script_.LastText(),
-              testing::AnyOf(QtText(TextId::HitDeviceFailed), QtText(TextId::MidiDeviceGone)));
+              testing::AnyOf(QtText(texts::HitDeviceFailed), QtText(texts::MidiDeviceGone)));
 }
 
 TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
@@ -404,8 +406,8 @@ TEST_F(SearchStory, AScoreIsSearchedByStaffVoiceAndBeat) {
   script_.Expect([](QDialog& dialog) {
     QTest::keyClicks(dialog.findChild<StaffView*>(), QLatin1String("cde"));
     Child<QTabWidget>(dialog, "tabs").setCurrentIndex(1);
-    EXPECT_EQ(Child<QCheckBox>(dialog, "firstTrackCheck").text(), QtText(TextId::FirstStaffOnly));
-    EXPECT_EQ(Child<QCheckBox>(dialog, "drumTrackCheck").text(), QtText(TextId::DrumStaffToo));
+    EXPECT_EQ(Child<QCheckBox>(dialog, "firstTrackCheck").text(), QtText(texts::FirstStaffOnly));
+    EXPECT_EQ(Child<QCheckBox>(dialog, "drumTrackCheck").text(), QtText(texts::DrumStaffToo));
     EXPECT_FALSE(Child<QComboBox>(dialog, "toleranceBox").isVisible());
     Child<QRadioButton>(dialog, "rhythmRelativeRadio").click();
     ts5::Press(dialog, "okButton");

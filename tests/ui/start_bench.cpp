@@ -10,6 +10,7 @@
 
 #include "app/appearance.h"
 #include "app/main_window.h"
+#include "app/texts.h"
 #include "app/toolkit_texts.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
@@ -43,7 +44,7 @@ int main(int argc, char** argv) {
   MainWindow window(application);
   window.Begin();
   window.show();
-  while (window.StatusText() != QtText(TextId::StatusReady)) QApplication::processEvents();
+  while (window.StatusText() != QtText(texts::StatusReady)) QApplication::processEvents();
   QApplication::processEvents();
   // The processor's time beside it, which other programs on the machine do not lengthen.
   std::printf("start: %lld ms to a usable window (%.0f ms of the processor), %.1f MiB resident\n",

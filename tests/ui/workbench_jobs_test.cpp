@@ -4,6 +4,7 @@
 #include <QLineEdit>
 
 #include "app/filter_modules.h"
+#include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "workbench_support.h"
 
@@ -23,7 +24,7 @@ class JobStory : public WorkbenchTest {
   }
   void NewJob(const QString& title) {
     script_.Expect([title](QDialog& dialog) {
-      EXPECT_EQ(dialog.windowTitle(), QtText(TextId::CreateJobCaption));
+      EXPECT_EQ(dialog.windowTitle(), QtText(texts::CreateJobCaption));
       dialog.findChild<QLineEdit*>()->setText(title);
       dialog.accept();
     });
@@ -68,7 +69,7 @@ TEST_F(JobStory, AskingDoesWhatIsAnswered) {
   StartWithJob();
   script_.ExpectBox(QMessageBox::No);
   EXPECT_NE(EditedAndBack(JobSaving::Ask), "neu.mid");
-  EXPECT_EQ(script_.LastText(), QtText(TextId::AskSaveActiveJob));
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskSaveActiveJob));
   application_->GetSettings().jobSaving = JobSaving::Automatic;
   W().JobButtons().JobButton(0)->click();
   script_.ExpectBox(QMessageBox::Yes);
@@ -79,7 +80,7 @@ TEST_F(JobStory, RenamingChangesTheButton) {
   StartWithJob();
   W().JobButtons().JobButton(1)->click();
   script_.Expect([](QDialog& dialog) {
-    EXPECT_EQ(dialog.windowTitle(), QtText(TextId::RenameJobCaption));
+    EXPECT_EQ(dialog.windowTitle(), QtText(texts::RenameJobCaption));
     auto* title = dialog.findChild<QLineEdit*>();
     EXPECT_EQ(title->text(), "Erster");
     title->setText("Chor");
@@ -98,7 +99,7 @@ TEST_F(JobStory, TheShownJobIsDeletedAfterTheQuestion) {
   EXPECT_EQ(W().JobButtons().JobCount(), 3);
   script_.ExpectBox(QMessageBox::Yes);
   W().Trigger(CommandId::DeleteJob);
-  EXPECT_EQ(script_.LastText(), QtText(TextId::AskDeleteJob));
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskDeleteJob));
   ASSERT_EQ(W().JobButtons().JobCount(), 2);
   EXPECT_EQ(W().JobButtons().JobButton(1)->text(), "Zweiter");
   EXPECT_TRUE(W().JobButtons().JobButton(0)->isChecked()) << "the default job is shown";

@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <filesystem>
 
+#include "frame/texts.h"
 #include "workbench_support.h"
 
 namespace ts5 {
@@ -143,7 +144,7 @@ TEST_F(ListStory, ADropThatMeetsNoListSaysSo) {
   StartInDirectory();
   script_.ExpectBox(QMessageBox::Ok);
   Drop({WriteMidi("x.mid")});
-  EXPECT_EQ(script_.LastText(), QtText(TextId::NoWindowForFiles));
+  EXPECT_EQ(script_.LastText(), QtText(texts::NoWindowForFiles));
   EXPECT_TRUE(ActiveJob().files.Empty());
   // The strip below the directory stands for the list.
   emit W().Source().Strip()->FilesDropped({directory_.File("x.mid")});
@@ -165,7 +166,7 @@ TEST_F(ListStory, RenamingAsksAboutExtensionsThatNoFilterTakes) {
   Select({RowOf("a.mid")});
   script_.ExpectBox(QMessageBox::No);
   RenameTo("a");
-  EXPECT_EQ(script_.LastText(), QtText(TextId::AskRenameUnsupported));
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskRenameUnsupported));
   EXPECT_THAT(test::Listing(directory_.File("Musik")), HasSubstr("a.mid"));
   RenameTo("neu.mid");
   EXPECT_THAT(test::Listing(directory_.File("Musik")), HasSubstr("neu.mid"));
@@ -173,7 +174,7 @@ TEST_F(ListStory, RenamingAsksAboutExtensionsThatNoFilterTakes) {
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("neu.mid")});
   script_.ExpectBox(QMessageBox::Ok);
   RenameTo("b.mid");
-  EXPECT_EQ(script_.LastText(), QtText(TextId::RenameFailed)) << "never over another file";
+  EXPECT_EQ(script_.LastText(), QtText(texts::RenameFailed)) << "never over another file";
 }
 
 TEST_F(ListStory, TheSourceDirectoryGoesAndComesBack) {

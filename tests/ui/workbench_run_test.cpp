@@ -10,7 +10,9 @@
 #include <QTextEdit>
 
 #include "app/filter_modules.h"
+#include "app/texts.h"
 #include "frame/remarks.h"
+#include "frame/texts.h"
 #include "frame/ui/results_dialog.h"
 #include "workbench_support.h"
 
@@ -86,7 +88,7 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Escape);
-  EXPECT_EQ(W().PanelOf(ActiveJob()).StatusLabel()->text(), QtText(TextId::Stopping));
+  EXPECT_EQ(W().PanelOf(ActiveJob()).StatusLabel()->text(), QtText(texts::Stopping));
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
@@ -156,7 +158,7 @@ TEST_F(RunStory, AQuestionThatNobodyAnsweredGoesWithTheStop) {
   const auto gate = std::make_shared<GatedRun>();
   std::atomic<int> answer = -1;
   gate->before = [&](ts5::Run& run) {
-    answer = static_cast<int>(run.Ask({.text = Text(TextId::AskOverwriteTarget).data()}));
+    answer = static_cast<int>(run.Ask({.text = Text(texts::AskOverwriteTarget).data()}));
   };
   bool asked = false;
   StartGated(gate, [&] { script_.Expect([&](QDialog&) { asked = true; }); });  // seen, not answered
@@ -173,7 +175,7 @@ TEST_F(RunStory, AnAnswerReachesTheRun) {
   const auto gate = std::make_shared<GatedRun>();
   std::atomic<int> answer = -1;
   gate->before = [&](ts5::Run& run) {
-    answer = static_cast<int>(run.Ask({.text = Text(TextId::AskOverwriteTarget).data()}));
+    answer = static_cast<int>(run.Ask({.text = Text(texts::AskOverwriteTarget).data()}));
     gate->open = true;
   };
   std::string results;
@@ -183,7 +185,7 @@ TEST_F(RunStory, AnAnswerReachesTheRun) {
   });
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_EQ(answer, static_cast<int>(Answer::No));
-  EXPECT_EQ(script_.Texts().front(), QtText(TextId::AskOverwriteTarget));
+  EXPECT_EQ(script_.Texts().front(), QtText(texts::AskOverwriteTarget));
 }
 
 TEST_F(RunStory, TheWindowClosesDuringARunAndWhileAQuestionIsOpen) {
@@ -191,7 +193,7 @@ TEST_F(RunStory, TheWindowClosesDuringARunAndWhileAQuestionIsOpen) {
     const auto gate = std::make_shared<GatedRun>();
     bool asked = !withQuestion;
     if (withQuestion) {
-      gate->before = [](ts5::Run& run) { (void)run.Ask({.text = Text(TextId::AskOverwriteTarget).data()}); };
+      gate->before = [](ts5::Run& run) { (void)run.Ask({.text = Text(texts::AskOverwriteTarget).data()}); };
     }
     StartGated(gate, [&] {
       if (withQuestion) script_.Expect([&](QDialog&) { asked = true; });
@@ -219,7 +221,7 @@ TEST_F(RunStory, RunIsRefusedWithoutADestinationName) {
   W().Target().Field()->clear();
   script_.ExpectBox(QMessageBox::Ok);
   W().Trigger(CommandId::Run);
-  EXPECT_EQ(script_.LastText(), QtText(TextId::NoTargetName));
+  EXPECT_EQ(script_.LastText(), QtText(texts::NoTargetName));
   EXPECT_EQ(ActiveJob().State(), RunState::Idle);
   EXPECT_EQ(W().focusWidget(), W().Target().Field());
 }
@@ -228,7 +230,7 @@ TEST_F(RunStory, TheEndAsksAndNoKeepsTheProgramRunning) {
   Start();
   script_.ExpectBox(QMessageBox::No);
   EXPECT_FALSE(W().close());
-  EXPECT_EQ(script_.LastText(), QtText(TextId::AskQuit));
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskQuit));
   EXPECT_TRUE(W().isVisible());
   script_.ExpectBox(QMessageBox::Yes);
   EXPECT_TRUE(W().close());

@@ -19,6 +19,7 @@
 
 #include "app/filter_modules.h"
 #include "app/main_window.h"
+#include "app/texts.h"
 #include "frame/run.h"
 #include "frame/ui/qt_text.h"
 #include "support/test_data.h"
@@ -166,7 +167,7 @@ class WorkbenchTest : public testing::Test {
     W().TakeSelection();
   }
   bool WaitForListing() {
-    return WaitFor([this] { return W().StatusText() == QtText(TextId::StatusReady); });
+    return WaitFor([this] { return W().StatusText() == QtText(texts::StatusReady); });
   }
   // The converter as the filter, with its dialog accepted as it stands.
   void ChooseConverter() {

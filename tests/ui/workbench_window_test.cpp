@@ -9,6 +9,8 @@
 #include <set>
 
 #include "app/help_commands.h"
+#include "app/texts.h"
+#include "frame/texts.h"
 #include "support/accessible.h"
 #include "workbench_support.h"
 
@@ -226,11 +228,11 @@ TEST_F(WindowStory, WithoutDevicesThePanelsSaySo) {
     EXPECT_EQ(list->item(0)->text(), QtText(text));
     EXPECT_FALSE(W().Target().Field()->isVisible());
   };
-  expectOnly(FilterId::MidiPlayer, DeviceKind::Midi, TextId::NoMidiDevices);
+  expectOnly(FilterId::MidiPlayer, DeviceKind::Midi, texts::NoMidiDevices);
   EXPECT_EQ(W().Target().RunButton()->text(), "Play");
   EXPECT_EQ(W().Actions().Action(CommandId::Run)->text(), "&Play\tLeertaste,Strg-Enter");
   EXPECT_EQ(W().Actions().Accelerators(), AcceleratorTable::Player);
-  expectOnly(FilterId::AudioPlayer, DeviceKind::Audio, TextId::NoAudioDevices);
+  expectOnly(FilterId::AudioPlayer, DeviceKind::Audio, texts::NoAudioDevices);
 }
 
 TEST_F(WindowStory, ContextHelpKnowsTheAreas) {

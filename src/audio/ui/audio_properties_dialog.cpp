@@ -3,10 +3,12 @@
 #include <QTreeWidget>
 #include <utility>
 
+#include "audio/texts.h"
 #include "audio/wave_stream.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/properties_dialog.h"
 #include "frame/ui/qt_text.h"
+#include "midi/texts.h"
 #include "ui_AUDIOPROPS.h"
 #include "ui_FILEPROPS_WAVE.h"
 
@@ -24,7 +26,7 @@ class CompressedDialog final : public HostedDialog {
  public:
   CompressedDialog(const AudioProperties& properties, const std::string& path, DialogHost& host,
                    QWidget* parent)
-      : HostedDialog(host, QtText(TextId::PropertiesPrompt), parent) {
+      : HostedDialog(host, QtText(texts::PropertiesPrompt), parent) {
     ui_.setupUi(this);
     ConnectButtons();
     setWindowTitle(ToQt(properties.title));
@@ -44,7 +46,7 @@ AudioPropertyList::AudioPropertyList(QTreeWidget& list, const std::vector<Proper
     : QObject(&list), list_(list), engine_(loop_) {
   for (const PropertyRow& row : rows) AddRow(row);
   if (!path.empty()) {
-    for (const PropertyRow& row : Unmeasured(TextId::AudioPropertyMeasuring)) AddRow(row);
+    for (const PropertyRow& row : Unmeasured(texts::AudioPropertyMeasuring)) AddRow(row);
     Measure(path);
   }
   list_.resizeColumnToContents(0);
@@ -54,13 +56,13 @@ AudioPropertyList::AudioPropertyList(QTreeWidget& list, const std::vector<Proper
 
 void AudioPropertyList::Measure(const std::string& path) {
   auto source = OpenPcm(path);
-  if (!source) return ShowMeasured(Unmeasured(TextId::AudioPropertyNotMeasured));
+  if (!source) return ShowMeasured(Unmeasured(texts::AudioPropertyNotMeasured));
   auto sink = std::make_unique<LoudnessSink>((*source)->Shape());
   const LoudnessSink* const meter = sink.get();
   engine_.Build(*std::move(source), std::move(sink));
   (void)engine_.Start({.finished = [this, meter](Outcome outcome) {
     ShowMeasured(Succeeded(outcome) ? LoudnessRows(meter->Measured())
-                                    : Unmeasured(TextId::AudioPropertyNotMeasured));
+                                    : Unmeasured(texts::AudioPropertyNotMeasured));
   }});
 }
 
@@ -84,15 +86,15 @@ std::unique_ptr<HostedDialog> AudioPropertiesDialog(const AudioProperties& prope
   Ui::FILEPROPS_WAVE ui;
   ui.setupUi(page.get());
   new AudioPropertyList(*ui.propertyList, properties.rows, path);
-  return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(TextId::PropertiesPrompt),
+  return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(texts::PropertiesPrompt),
                                             std::move(page), host, parent);
 }
 
 void ShowAudioProperties(const std::string& path, DialogHost& host, QWidget* owner) {
   const auto properties = ReadAudioProperties(path);
   if (!properties) {
-    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? TextId::PropertyUnknownFormat
-                                                                  : TextId::PropertyFileNotOpened);
+    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? texts::PropertyUnknownFormat
+                                                                  : texts::PropertyFileNotOpened);
     return;
   }
   AudioPropertiesDialog(*properties, path, host, owner)->exec();

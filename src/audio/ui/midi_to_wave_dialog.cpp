@@ -4,10 +4,12 @@
 #include <utility>
 
 #include "audio/format_texts.h"
+#include "audio/texts.h"
 #include "audio/ui/mixer_help_dialog.h"
 #include "audio/ui/normalise_box.h"
 #include "audio/ui/synthesis_format_dialog.h"
 #include "audio/ui/wave_format_dialog.h"
+#include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_MIDWAVPARAMS.h"
@@ -27,7 +29,7 @@ void FillDevices(QListWidget& list, const std::vector<std::string>& names, std::
 
 MidiToWaveDialog::MidiToWaveDialog(MidiToWaveParameters parameters, MidiToWaveDevices devices,
                                    DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::MidiWavePrompt), parent),
+    : HostedDialog(host, QtText(texts::MidiWavePrompt), parent),
       parameters_(std::move(parameters)),
       devices_(std::move(devices)),
       normalise_(new NormaliseBox(NormaliseBox::Wording::MidiToWave)),
@@ -35,8 +37,8 @@ MidiToWaveDialog::MidiToWaveDialog(MidiToWaveParameters parameters, MidiToWaveDe
   ui_->setupUi(this);
   ConnectButtons();
   ui_->normaliseLayout->insertWidget(0, normalise_);
-  FillDevices(*ui_->midiList, devices_.midiOutputs, parameters_.midiDevice, TextId::NoMidiDevices);
-  FillDevices(*ui_->waveList, devices_.audioInputs, parameters_.waveDevice, TextId::MidiWaveNoInput);
+  FillDevices(*ui_->midiList, devices_.midiOutputs, parameters_.midiDevice, texts::NoMidiDevices);
+  FillDevices(*ui_->waveList, devices_.audioInputs, parameters_.waveDevice, texts::MidiWaveNoInput);
   ShowParameters();
   UpdateControls();
   connect(ui_->cardRadio, &QAbstractButton::toggled, this, [this] { UpdateControls(); });
@@ -71,7 +73,7 @@ void MidiToWaveDialog::UpdateControls() {
   ui_->recordButton->setEnabled(!devices_.audioInputs.empty());
   const auto recording = parameters_.recordingFormats.find(WaveDevice());
   ui_->recordLabel->setText(recording == parameters_.recordingFormats.end()
-                                ? QtText(TextId::MidiWaveNoRecordFormat)
+                                ? QtText(texts::MidiWaveNoRecordFormat)
                                 : ToQt(FormatText(FormatOf(recording->second))));
   ui_->synthesisLabel->setText(ToQt(FormatText(FormatOf(parameters_.format))));
 }
@@ -98,7 +100,7 @@ void MidiToWaveDialog::ChooseSynthesisFormat() {
 void MidiToWaveDialog::Commit() {
   const bool synthesis = ui_->synthesisRadio->isChecked();
   if (synthesis && !parameters_.HasSynthesisFormat()) {
-    ShowNotice(this, TextId::MidiWaveChooseRate);
+    ShowNotice(this, texts::MidiWaveChooseRate);
     ui_->synthesisButton->setFocus();
     return;
   }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "audio/midi_recording.h"
+#include "audio/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_ASKDIALOG.h"
@@ -23,12 +24,11 @@ void OpenMixerProgram(QWidget* owner) {
     const QString program = QStandardPaths::findExecutable(QString::fromLatin1(name));
     if (!program.isEmpty() && QProcess::startDetached(program, {})) return;
   }
-  ShowNotice(owner, TextId::MidiWaveNoMixerProgram);
+  ShowNotice(owner, texts::MidiWaveNoMixerProgram);
 }
 
 MixerHelpDialog::MixerHelpDialog(TextId problem, const std::string& sum, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::MidiWaveMixerPrompt), parent),
-      ui_(std::make_unique<Ui::ASKDIALOG>()) {
+    : HostedDialog(host, QtText(texts::MidiWaveMixerPrompt), parent), ui_(std::make_unique<Ui::ASKDIALOG>()) {
   ui_->setupUi(this);
   ConnectButtons();
   ui_->problemLabel->setText(QtText(problem));

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 #include <optional>
 
+#include "audio/texts.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -17,16 +18,16 @@ struct ModeRow {
   const char* name;
 };
 constexpr std::array<ModeRow, 3> kModes{{
-    {TextId::NormaliseNone, TextId::NormaliseNoneMidi, std::nullopt, "normaliseNoneRadio"},
-    {TextId::NormaliseEach, TextId::NormaliseEach, TextId::NormaliseEachHint, "normaliseEachRadio"},
-    {TextId::NormaliseProject, TextId::NormaliseProjectMidi, TextId::NormaliseProjectHint,
+    {texts::NormaliseNone, texts::NormaliseNoneMidi, std::nullopt, "normaliseNoneRadio"},
+    {texts::NormaliseEach, texts::NormaliseEach, texts::NormaliseEachHint, "normaliseEachRadio"},
+    {texts::NormaliseProject, texts::NormaliseProjectMidi, texts::NormaliseProjectHint,
      "normaliseProjectRadio"},
 }};
 
 }  // namespace
 
 NormaliseBox::NormaliseBox(Wording wording, QWidget* parent)
-    : QGroupBox(QtText(TextId::NormaliseGroup).trimmed(), parent), hint_(new QLabel(this)) {
+    : QGroupBox(QtText(texts::NormaliseGroup).trimmed(), parent), hint_(new QLabel(this)) {
   auto* const layout = new QVBoxLayout(this);
   for (std::size_t i = 0; i < kModes.size(); ++i) {
     const ModeRow& row = kModes.at(i);

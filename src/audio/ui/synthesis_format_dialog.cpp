@@ -1,5 +1,6 @@
 #include "audio/ui/synthesis_format_dialog.h"
 
+#include "audio/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_TIMIDITYFORMAT.h"
@@ -7,7 +8,7 @@
 namespace ts5 {
 
 SynthesisFormatDialog::SynthesisFormatDialog(const WaveNumbers& current, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::MidiWaveFormatPrompt), parent),
+    : HostedDialog(host, QtText(texts::MidiWaveFormatPrompt), parent),
       ui_(std::make_unique<Ui::TIMIDITYFORMAT>()) {
   ui_->setupUi(this);
   ConnectButtons();
@@ -30,7 +31,7 @@ WaveNumbers SynthesisFormatDialog::Chosen() const {
 
 void SynthesisFormatDialog::Commit() {
   if (ui_->rateBox->currentIndex() < 0) {
-    ShowNotice(this, TextId::MidiWaveChooseRate);
+    ShowNotice(this, texts::MidiWaveChooseRate);
     ui_->rateBox->setFocus();
     return;
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "audio/format_texts.h"
+#include "audio/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_WAVECONVERTPARAMS.h"
@@ -12,7 +13,7 @@ namespace ts5 {
 
 WaveConvertDialog::WaveConvertDialog(WaveConverterParameters parameters, MediaProbe source, bool single,
                                      DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::WaveConverterPrompt), parent),
+    : HostedDialog(host, QtText(texts::WaveConverterPrompt), parent),
       parameters_(std::move(parameters)),
       source_(std::move(source)),
       single_(single),
@@ -33,7 +34,7 @@ QString WaveConvertDialog::HelpTopic() const {
 
 void WaveConvertDialog::ShowSource() {
   if (source_.kind == MediaKind::None) {
-    ui_->sourceCodingLabel->setText(QtText(TextId::WaveConverterNoSource));
+    ui_->sourceCodingLabel->setText(QtText(texts::WaveConverterNoSource));
     ui_->sourceFormatLabel->hide();
     return;
   }
@@ -55,13 +56,13 @@ void WaveConvertDialog::FillFormats() {
 void WaveConvertDialog::Commit() {
   const auto selected = ui_->formatList->selectedItems();
   if (selected.isEmpty()) {
-    ShowNotice(this, TextId::WaveConverterNothingChosen);
+    ShowNotice(this, texts::WaveConverterNothingChosen);
     return;
   }
   const WaveFormat& chosen = formats_.at(static_cast<std::size_t>(ui_->formatList->row(selected.front())));
   if (single_ && source_.kind == MediaKind::Wave &&
       FullFormatText(chosen) == FullFormatText(source_.format)) {
-    ShowNotice(this, TextId::WaveConverterSameFormat);
+    ShowNotice(this, texts::WaveConverterSameFormat);
     return;
   }
   parameters_.sampleRate = chosen.sampleRate;
@@ -75,7 +76,7 @@ bool EditWaveConverterParameters(Job& job, DialogHost& host, QWidget* owner) {
   const std::string first = ItemSource(job, 0);
   const MediaProbe source = first.empty() ? MediaProbe() : ProbeMedia(first);
   if (!first.empty() && !IsWaveKind(source.kind)) {
-    ShowWarning(owner, TextId::AudioNotInitialised);
+    ShowWarning(owner, texts::AudioNotInitialised);
     return false;
   }
   WaveConvertDialog dialog(parameters != nullptr ? *parameters : WaveConverterParameters(), source,

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "audio/format_texts.h"
+#include "audio/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "ui_WAVEFORMAT.h"
@@ -11,7 +12,7 @@ namespace ts5 {
 
 WaveFormatDialog::WaveFormatDialog(std::vector<WaveNumbers> formats, std::optional<WaveNumbers> current,
                                    DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::MidiWaveFormatPrompt), parent),
+    : HostedDialog(host, QtText(texts::MidiWaveFormatPrompt), parent),
       formats_(std::move(formats)),
       ui_(std::make_unique<Ui::WAVEFORMAT>()) {
   ui_->setupUi(this);
@@ -33,7 +34,7 @@ QString WaveFormatDialog::HelpTopic() const {
 void WaveFormatDialog::Commit() {
   const auto selected = ui_->formatList->selectedItems();
   if (selected.isEmpty()) {
-    ShowNotice(this, TextId::WaveConverterNothingChosen);
+    ShowNotice(this, texts::WaveConverterNothingChosen);
     return;
   }
   chosen_ = formats_.at(static_cast<std::size_t>(ui_->formatList->row(selected.front())));

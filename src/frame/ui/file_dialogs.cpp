@@ -9,6 +9,7 @@
 #include <QStringList>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -54,14 +55,14 @@ std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHo
   dialog.setOption(QFileDialog::DontConfirmOverwrite, kind == Kind::SaveUnasked);
   if (kind != Kind::Directory) dialog.setNameFilters(DialogFilters(question.filter));
 
-  dialog.setLabelText(QFileDialog::LookIn, QtText(TextId::DialogLookIn));
+  dialog.setLabelText(QFileDialog::LookIn, QtText(texts::DialogLookIn));
   dialog.setLabelText(QFileDialog::FileName,
-                      QtText(kind == Kind::Directory ? TextId::DialogDirectory : TextId::DialogFileName));
-  dialog.setLabelText(QFileDialog::FileType, QtText(TextId::DialogFileType));
-  dialog.setLabelText(QFileDialog::Accept, QtText(kind == Kind::Directory ? TextId::DialogChoose
-                                                  : kind == Kind::Open    ? TextId::DialogOpen
-                                                                          : TextId::DialogSave));
-  dialog.setLabelText(QFileDialog::Reject, QtText(TextId::ButtonCancel));
+                      QtText(kind == Kind::Directory ? texts::DialogDirectory : texts::DialogFileName));
+  dialog.setLabelText(QFileDialog::FileType, QtText(texts::DialogFileType));
+  dialog.setLabelText(QFileDialog::Accept, QtText(kind == Kind::Directory ? texts::DialogChoose
+                                                  : kind == Kind::Open    ? texts::DialogOpen
+                                                                          : texts::DialogSave));
+  dialog.setLabelText(QFileDialog::Reject, QtText(texts::ButtonCancel));
   StartAt(dialog, question.start, kind);
 
   const auto filters = ParseFileFilter(question.filter);
@@ -71,7 +72,7 @@ std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHo
   }
   if (auto* box = dialog.findChild<QDialogButtonBox*>(); box != nullptr && host != nullptr) {
     if (!question.helpTopic.isEmpty()) {
-      const auto* help = box->addButton(QtText(TextId::ButtonHelp), QDialogButtonBox::HelpRole);
+      const auto* help = box->addButton(QtText(texts::ButtonHelp), QDialogButtonBox::HelpRole);
       QObject::connect(help, &QAbstractButton::clicked, &dialog,
                        [host, topic = question.helpTopic] { host->OpenHelp(topic); });
     }

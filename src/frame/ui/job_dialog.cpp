@@ -2,21 +2,22 @@
 
 #include <utility>
 
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "ui_CREATEJOB.h"
 
 namespace ts5 {
 
 JobDialog::JobDialog(Purpose purpose, JobNames preset, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::CreateJobStatus), parent),
+    : HostedDialog(host, QtText(texts::CreateJobStatus), parent),
       purpose_(purpose),
       preset_(std::move(preset)),
       ui_(std::make_unique<Ui::CREATEJOB>()) {
   ui_->setupUi(this);
   ConnectButtons();
   if (purpose_ == Purpose::Rename) {
-    setWindowTitle(QtText(TextId::RenameJobCaption));
-    ui_->titlePrompt->setText(QtText(TextId::RenameJobPrompt));
+    setWindowTitle(QtText(texts::RenameJobCaption));
+    ui_->titlePrompt->setText(QtText(texts::RenameJobPrompt));
   }
   ui_->titleEdit->setText(ToQt(preset_.title));
   ui_->descriptionEdit->setText(ToQt(preset_.description));

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
 
@@ -12,8 +13,7 @@ namespace ts5 {
 namespace {
 
 constexpr std::array kMarks{-60, -40, -30, -20, -12, -6, -3, 0};
-constexpr std::array kStyleNames{TextId::MeterStyleBars, TextId::MeterStyleSegments,
-                                 TextId::MeterStyleNeedle};
+constexpr std::array kStyleNames{texts::MeterStyleBars, texts::MeterStyleSegments, texts::MeterStyleNeedle};
 constexpr int kSegments = 40;
 constexpr double kYellow = -9;  // dB
 constexpr double kRed = -3;
@@ -30,7 +30,7 @@ QColor ColourOf(double decibels) {
 
 LevelMeterWidget::LevelMeterWidget(QWidget* parent) : QWidget(parent) {
   setMinimumHeight(56);
-  setAccessibleName(QtText(TextId::PlaybackMeterName));
+  setAccessibleName(QtText(texts::PlaybackMeterName));
   setAttribute(Qt::WA_OpaquePaintEvent);
   SetStyle(MeterStyle::Bars);
   clock_.start();
@@ -55,7 +55,7 @@ void LevelMeterWidget::paintEvent(QPaintEvent* /*event*/) {
   QPainter painter(this);
   painter.fillRect(rect(), palette().base());
   const auto& levels = ballistics_.Levels();
-  const std::array names{TextId::MeterChannelLeft, TextId::MeterChannelRight};
+  const std::array names{texts::MeterChannelLeft, texts::MeterChannelRight};
   if (style_ == MeterStyle::Needle) {
     painter.setRenderHint(QPainter::Antialiasing);
     for (std::size_t i = 0; i < levels.size(); ++i) {

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QMessageBox>
 
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -10,12 +11,12 @@ namespace {
 
 // Yes and No in German, whatever translation of the toolkit is installed.
 void LabelButtons(QMessageBox& box) {
-  if (QAbstractButton* yes = box.button(QMessageBox::Yes)) yes->setText(QtText(TextId::ButtonYes));
-  if (QAbstractButton* no = box.button(QMessageBox::No)) no->setText(QtText(TextId::ButtonNo));
+  if (QAbstractButton* yes = box.button(QMessageBox::Yes)) yes->setText(QtText(texts::ButtonYes));
+  if (QAbstractButton* no = box.button(QMessageBox::No)) no->setText(QtText(texts::ButtonNo));
 }
 
 void Show(QWidget* owner, QMessageBox::Icon icon, const QString& text) {
-  QMessageBox box(icon, QtText(TextId::ApplicationTitle), text, QMessageBox::Ok, owner);
+  QMessageBox box(icon, QtText(texts::ApplicationTitle), text, QMessageBox::Ok, owner);
   box.setTextFormat(Qt::PlainText);
   box.exec();
 }
@@ -36,7 +37,7 @@ void ShowNotice(QWidget* owner, TextId text) {
 }
 
 bool AskYesNo(QWidget* owner, const QString& text, DefaultButton preset) {
-  QMessageBox box(QMessageBox::Question, QtText(TextId::ApplicationTitle), text,
+  QMessageBox box(QMessageBox::Question, QtText(texts::ApplicationTitle), text,
                   QMessageBox::Yes | QMessageBox::No, owner);
   box.setTextFormat(Qt::PlainText);
   LabelButtons(box);

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QSignalBlocker>
 
+#include "frame/texts.h"
 #include "frame/ui/level_meter_widget.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/position_slider.h"
@@ -32,14 +33,14 @@ int Milliseconds(std::chrono::nanoseconds time) {
 }  // namespace
 
 PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::PlaybackPrompt), parent),
+    : HostedDialog(host, QtText(texts::PlaybackPrompt), parent),
       subject_(std::move(subject)),
       ui_(std::make_unique<Ui::PLAYBACK>()),
       position_(new PositionSlider(this)),
       meter_(new LevelMeterWidget(this)) {
   ui_->setupUi(this);
   ConnectButtons();
-  setWindowTitle(ToQt(Format(Text(TextId::PlaybackCaption), subject_.title)));
+  setWindowTitle(ToQt(Format(Text(texts::PlaybackCaption), subject_.title)));
   ui_->positionLayout->addWidget(position_);
   ui_->meterLayout->addWidget(meter_);
 
@@ -76,7 +77,7 @@ PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* paren
             [this, step = row.step] { subject_.run->player.Step(step); });
   }
   connect(ui_->soundButton, &QAbstractButton::clicked, this,
-          [this] { ShowNotice(this, TextId::PlaybackNoSound); });
+          [this] { ShowNotice(this, texts::PlaybackNoSound); });
   connect(&timer_, &QTimer::timeout, this, [this] { Refresh(); });
   timer_.start(kRefreshMilliseconds);
   Refresh();
@@ -140,7 +141,7 @@ void PlaybackWindow::Refresh() {
   }
   position_->SetWaveform(status.waveform);
   const bool active = !MayChangeJob(state);
-  ui_->playButton->setText(QtText(active && !status.paused ? TextId::RunButtonPause : TextId::RunButtonPlay));
+  ui_->playButton->setText(QtText(active && !status.paused ? texts::RunButtonPause : texts::RunButtonPlay));
   for (QAbstractButton* button :
        {static_cast<QAbstractButton*>(ui_->stopButton), static_cast<QAbstractButton*>(ui_->previousButton),
         static_cast<QAbstractButton*>(ui_->restartButton), static_cast<QAbstractButton*>(ui_->nextButton)})

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "frame/playback_form.h"
+#include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -25,14 +26,14 @@ constexpr float kSoftest = 0.001F;  // what is below all the time looks like sil
 
 PositionSlider::PositionSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
   setMinimumHeight(48);
-  setAccessibleName(QtText(TextId::PlaybackPositionName));
+  setAccessibleName(QtText(texts::PlaybackPositionName));
 }
 
 void PositionSlider::SetWaveform(std::shared_ptr<const Waveform> waveform) {
   if (waveform == waveform_) return;
   waveform_ = std::move(waveform);
   outline_ = QPixmap();
-  setAccessibleDescription(waveform_ ? QtText(TextId::PlaybackWaveformName) : QString());
+  setAccessibleDescription(waveform_ ? QtText(texts::PlaybackWaveformName) : QString());
   update();
 }
 

@@ -1,5 +1,6 @@
 #include "frame/ui/settings_dialog.h"
 
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
@@ -51,7 +52,7 @@ std::array<Choice<SkinLayout>, 3> LayoutChoices(const Ui::EIN_ALLGEMEIN& page) {
 }  // namespace
 
 SettingsDialog::SettingsDialog(const Settings& settings, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::SettingsStatus), parent),
+    : HostedDialog(host, QtText(texts::SettingsStatus), parent),
       settings_(settings),
       ui_(std::make_unique<Ui::EINSTELLUNGEN>()),
       general_(std::make_unique<Ui::EIN_ALLGEMEIN>()),
@@ -81,8 +82,8 @@ SettingsDialog::SettingsDialog(const Settings& settings, DialogHost& host, QWidg
 SettingsDialog::~SettingsDialog() = default;
 
 QString SettingsDialog::HelpTopic() const {
-  return QtText(ui_->pages->currentWidget() == generalPage_ ? TextId::SettingsHelpGeneral
-                                                            : TextId::SettingsHelpConversion);
+  return QtText(ui_->pages->currentWidget() == generalPage_ ? texts::SettingsHelpGeneral
+                                                            : texts::SettingsHelpConversion);
 }
 
 void SettingsDialog::Show(const SettingsForm& form) {

@@ -7,6 +7,7 @@
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "midi/converter_form.h"
+#include "midi/texts.h"
 #include "midi/ui/riff_attributes_dialog.h"
 #include "midi/ui/time_base_box.h"
 #include "platform/files.h"
@@ -17,7 +18,7 @@ namespace ts5 {
 
 MidiConvertDialog::MidiConvertDialog(ConverterParameters parameters, std::string source, DialogHost& host,
                                      QWidget* parent)
-    : HostedDialog(host, QtText(TextId::ConverterPrompt), parent),
+    : HostedDialog(host, QtText(texts::ConverterPrompt), parent),
       parameters_(std::move(parameters)),
       source_(std::move(source)),
       ui_(std::make_unique<Ui::MIDICONVERT>()) {
@@ -57,7 +58,7 @@ void MidiConvertDialog::ReadSource() {
     return;
   }
   container_ = ContainerOf(*beginning);
-  ui_->currentTimeBaseLabel->setText(ToQt(Format(Text(TextId::ConverterTimeBase), info->header.division)));
+  ui_->currentTimeBaseLabel->setText(ToQt(Format(Text(texts::ConverterTimeBase), info->header.division)));
   ui_->currentTimeBaseLabel->show();
 }
 
@@ -65,7 +66,7 @@ void MidiConvertDialog::ReadSource() {
 void MidiConvertDialog::showEvent(QShowEvent* event) {
   HostedDialog::showEvent(event);
   if (std::exchange(sourceFailed_, false)) {
-    QTimer::singleShot(0, this, [this] { ShowWarning(this, TextId::ConverterSourceFailed); });
+    QTimer::singleShot(0, this, [this] { ShowWarning(this, texts::ConverterSourceFailed); });
   }
 }
 
@@ -106,7 +107,7 @@ void MidiConvertDialog::Commit() {
   ui_->timeBaseBox->interpretText();
   TakeControls();
   if (!HasStep(parameters_)) {
-    ShowNotice(this, TextId::ConverterNothingChosen);
+    ShowNotice(this, texts::ConverterNothingChosen);
     return;
   }
   accept();

@@ -5,6 +5,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "midi/texts.h"
 #include "ui_FILEPROPS_MIDI.h"
 
 namespace ts5 {
@@ -35,15 +36,15 @@ std::unique_ptr<QWidget> MidiPropertiesPage(const MidiProperties& properties) {
 
 std::unique_ptr<PropertiesDialog> MidiPropertiesDialog(const MidiProperties& properties, DialogHost& host,
                                                        QWidget* parent) {
-  return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(TextId::PropertiesPrompt),
+  return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(texts::PropertiesPrompt),
                                             MidiPropertiesPage(properties), host, parent);
 }
 
 void ShowMidiProperties(const std::string& path, DialogHost& host, QWidget* owner) {
   const Result<MidiProperties> properties = ReadMidiProperties(path);
   if (!properties) {
-    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? TextId::PropertyUnknownFormat
-                                                                  : TextId::PropertyFileNotOpened);
+    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? texts::PropertyUnknownFormat
+                                                                  : texts::PropertyFileNotOpened);
     return;
   }
   MidiPropertiesDialog(*properties, host, owner)->exec();

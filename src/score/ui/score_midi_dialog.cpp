@@ -6,6 +6,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "score/texts.h"
 #include "score/ui/score_pages.h"
 #include "ui_SCOREMIDI.h"
 
@@ -13,7 +14,7 @@ namespace ts5 {
 
 ScoreMidiDialog::ScoreMidiDialog(ScoreToMidiParameters parameters, const std::string& source,
                                  std::string setDirectory, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::ScoreMidiPrompt), parent),
+    : HostedDialog(host, QtText(texts::ScoreMidiPrompt), parent),
       parameters_(std::move(parameters)),
       ui_(std::make_unique<Ui::SCOREMIDI>()) {
   ui_->setupUi(this);
@@ -48,7 +49,7 @@ void ScoreMidiDialog::UpdateControls() {
 void ScoreMidiDialog::showEvent(QShowEvent* event) {
   HostedDialog::showEvent(event);
   if (std::exchange(setFailed_, false))
-    QTimer::singleShot(0, this, [this] { ShowWarning(this, TextId::ParameterSetNotLoaded); });
+    QTimer::singleShot(0, this, [this] { ShowWarning(this, texts::ParameterSetNotLoaded); });
 }
 
 void ScoreMidiDialog::Commit() {

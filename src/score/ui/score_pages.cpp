@@ -9,11 +9,13 @@
 #include <QTabWidget>
 #include <utility>
 
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/paths.h"
 #include "score/parameter_set.h"
+#include "score/texts.h"
 #include "score/ui/sound_page.h"
 #include "ui_PLAYBACK2.h"
 #include "ui_PLAYBACK3.h"
@@ -73,7 +75,7 @@ ScorePages::ScorePages(Purpose purpose, std::string setDirectory, DialogHost& ho
   tabs.addTab(sounds_, sounds_->windowTitle());
   std::tie(dynamics_, pages_[3]) = AddPage<Ui::PLAYBACK6>(tabs);
   staves_->stavesLabel->setText(
-      QtText(purpose == Purpose::Play ? TextId::ScoreStavesPlayed : TextId::ScoreStavesWritten));
+      QtText(purpose == Purpose::Play ? texts::ScoreStavesPlayed : texts::ScoreStavesWritten));
   tabs.setUsesScrollButtons(false);  // all pages in sight
   Bind();
   Show(nullptr, {});
@@ -126,7 +128,7 @@ void ScorePages::Show(std::shared_ptr<const ScoreAtHand> score, const ScoreParam
 
 void ScorePages::SetPlaying(bool playing) {
   staves_->repeatsCheck->setEnabled(!playing);
-  staves_->repeatsCheck->setToolTip(playing ? QtText(TextId::PlaybackOnlyStopped) : QString());
+  staves_->repeatsCheck->setToolTip(playing ? QtText(texts::PlaybackOnlyStopped) : QString());
 }
 
 void ScorePages::ShowValues() {
@@ -146,7 +148,7 @@ void ScorePages::ShowValues() {
   }
   staves_->repeatsCheck->setChecked(parameters_.playRepeats);
   second_->autoCheck->setChecked(parameters_.automaticSet);
-  second_->setLabel->setText(parameters_.parameterSet.empty() ? QtText(TextId::ParameterSetNone)
+  second_->setLabel->setText(parameters_.parameterSet.empty() ? QtText(texts::ParameterSetNone)
                                                               : ToQt(parameters_.parameterSet));
   second_->setLabel->setToolTip(ToQt(parameters_.parameterSet).toHtmlEscaped());
 }
@@ -156,7 +158,7 @@ void ScorePages::ShowStaves() {
   list.clear();
   list.setEnabled(score_ != nullptr);
   if (score_ == nullptr) {
-    list.addItem(QtText(TextId::ScoreNoneAtHand));
+    list.addItem(QtText(texts::ScoreNoneAtHand));
     return;
   }
   const bool own = parameters_.chosenFor == score_->path;
@@ -213,9 +215,9 @@ void ScorePages::TakeStaves() {
 }
 
 void ScorePages::LoadSetOfUser() {
-  const auto path = AskFileToOpen({.title = QtText(TextId::ParameterSetLoad),
+  const auto path = AskFileToOpen({.title = QtText(texts::ParameterSetLoad),
                                    .start = setDirectory_,
-                                   .filter = Text(TextId::ParameterSetFilter),
+                                   .filter = Text(texts::ParameterSetFilter),
                                    .helpTopic = QLatin1String(kHelpTopic)},
                                   host_, window_);
   if (!path) return;
@@ -224,14 +226,14 @@ void ScorePages::LoadSetOfUser() {
   const Outcome outcome = LoadSet(*path, voices, loaded);
   Show(score_, loaded);
   emit Changed();
-  if (Failed(outcome)) ShowWarning(window_, TextId::ParameterSetNotLoaded);
+  if (Failed(outcome)) ShowWarning(window_, texts::ParameterSetNotLoaded);
 }
 
 void ScorePages::SaveSetOfUser() {
   const std::string name = WithExtension(FileNameOf(score_->path), kParameterSetExtension);
-  const auto path = AskFileToSave({.title = QtText(TextId::ParameterSetSave),
+  const auto path = AskFileToSave({.title = QtText(texts::ParameterSetSave),
                                    .start = JoinPath(setDirectory_, name),
-                                   .filter = Text(TextId::ParameterSetFilter),
+                                   .filter = Text(texts::ParameterSetFilter),
                                    .helpTopic = QLatin1String(kHelpTopic)},
                                   host_, window_);
   if (!path) return;
@@ -243,7 +245,7 @@ void ScorePages::SaveSetOfUser() {
       saved.channels[staff][voice] = ChannelOf(*score_, parameters_, staff, voice);
   }
   if (Failed(SaveParameterSet(saved, score_->Voices(), *path))) {
-    ShowWarning(window_, TextId::ParameterSetNotSaved);
+    ShowWarning(window_, texts::ParameterSetNotSaved);
     return;
   }
   parameters_ = parameters_.For(score_->path);

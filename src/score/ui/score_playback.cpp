@@ -8,6 +8,7 @@
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
+#include "score/texts.h"
 #include "score/ui/score_pages.h"
 #include "score/ui/staff_lights.h"
 #include "ui_PLAYBACKSCORE.h"
@@ -78,7 +79,7 @@ void ScorePlayback::ShowTitle(const ScoreStage::View& view) {
   if (view.tempo == 0 || ui_->tempoSlider->isSliderDown()) return;
   const QSignalBlocker quiet(ui_->tempoSlider);
   ui_->tempoSlider->setValue(static_cast<int>(std::min(view.tempo, kFastestTempo)));
-  ui_->tempoLabel->setText(ToQt(Format(Text(TextId::ScoreTempoValue), view.tempo)));
+  ui_->tempoLabel->setText(ToQt(Format(Text(texts::ScoreTempoValue), view.tempo)));
 }
 
 // While nothing plays: the score that would be played first.
@@ -93,7 +94,7 @@ void ScorePlayback::ShowSource() {
   ScoreParameters shown = parameters->For(source);
   if (score != nullptr && shown.parameterSet.empty()) {
     if (Failed(LoadAutomaticSet(subject_.setDirectory, source, score->Voices(), shown)))
-      QTimer::singleShot(0, this, [this] { ShowWarning(&window_, TextId::ParameterSetNotLoaded); });
+      QTimer::singleShot(0, this, [this] { ShowWarning(&window_, texts::ParameterSetNotLoaded); });
   }
   lights_->SetStaves(StaffNames(score.get()));
   pages_->Show(std::move(score), shown);

@@ -1,13 +1,14 @@
 #include "score/ui/score_properties_dialog.h"
 
 #include "frame/ui/qt_text.h"
+#include "score/texts.h"
 #include "ui_STVPROPS.h"
 
 namespace ts5 {
 
 ScorePropertiesDialog::ScorePropertiesDialog(const ScoreProperties& properties, DialogHost& host,
                                              QWidget* parent)
-    : HostedDialog(host, QtText(TextId::ScorePropertiesPrompt), parent),
+    : HostedDialog(host, QtText(texts::ScorePropertiesPrompt), parent),
       ui_(std::make_unique<Ui::STVPROPS>()) {
   ui_->setupUi(this);
   ConnectButtons();

@@ -3,6 +3,7 @@
 #include <QMenu>
 
 #include "frame/ui/qt_text.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
@@ -23,7 +24,7 @@ QString SoundName(std::uint8_t program) {
 std::unique_ptr<QMenu> SoundMenu(std::uint8_t current) {
   auto menu = std::make_unique<QMenu>();
   for (int family = 0; family < kFamilies; ++family) {
-    QMenu* const part = menu->addMenu(TextAt(static_cast<int>(TextId::SoundFamily01) + family));
+    QMenu* const part = menu->addMenu(TextAt(static_cast<int>(texts::SoundFamily01) + family));
     for (int i = 0; i < kFamilySize; ++i) {
       const int program = family * kFamilySize + i;
       QAction* const action = part->addAction(SoundName(static_cast<std::uint8_t>(program)));

@@ -6,6 +6,7 @@
 
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
+#include "score/texts.h"
 #include "score/ui/sound_menu.h"
 #include "ui_PLAYBACK5.h"
 
@@ -62,14 +63,14 @@ void SoundPage::ShowScore(std::shared_ptr<const ScoreAtHand> score, const ScoreP
       item->setData(0, kStaffRole, static_cast<int>(staff));
       item->setData(0, kVoiceRole, static_cast<int>(voice));
       item->setText(kStaff, ToQt(at.name));
-      item->setText(kVoice, ToQt(Format(Text(TextId::ScoreVoiceNumber), voice + 1)));
+      item->setText(kVoice, ToQt(Format(Text(texts::ScoreVoiceNumber), voice + 1)));
       item->setText(kChannel, QString::number(ChannelOf(*score_, parameters_, staff, voice) + 1));
-      item->setText(kSound, at.usesNoteMap ? QtText(TextId::ScoreSoundOfDrums)
-                            : voice > 0    ? QtText(TextId::ScoreSoundAsFirst)
+      item->setText(kSound, at.usesNoteMap ? QtText(texts::ScoreSoundOfDrums)
+                            : voice > 0    ? QtText(texts::ScoreSoundAsFirst)
                                            : SoundName(SoundOf(*score_, parameters_, staff)));
     }
   }
-  if (score_ == nullptr) (new QTreeWidgetItem(&list, {QtText(TextId::ScoreNoneAtHand)}))->setDisabled(true);
+  if (score_ == nullptr) (new QTreeWidgetItem(&list, {QtText(texts::ScoreNoneAtHand)}))->setDisabled(true);
   if (score_ != nullptr) list.setCurrentItem(list.topLevelItem(row));
   UpdateControls();
 }

@@ -8,6 +8,7 @@
 
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
@@ -93,7 +94,7 @@ bool StaffLights::event(QEvent* event) {
   const qsizetype index = help->pos().y() / RowHeight() * columns + column;
   if (index < 0 || index >= names_.size()) return false;
   const TextId text =
-      lit_[static_cast<std::size_t>(index)] ? TextId::ScoreStaffSounds : TextId::ScoreStaffSilent;
+      lit_[static_cast<std::size_t>(index)] ? texts::ScoreStaffSounds : texts::ScoreStaffSilent;
   QToolTip::showText(help->globalPos(), ToQt(Format(Text(text), FromQt(names_[index]))), this);
   return true;
 }

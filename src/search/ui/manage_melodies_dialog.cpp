@@ -5,6 +5,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 #include "search/ui/melody_list_model.h"
 #include "ui_MANAGEMELODIES.h"
 
@@ -12,7 +13,7 @@ namespace ts5 {
 
 ManageMelodiesDialog::ManageMelodiesDialog(MelodyStore& store, SearchMelody current, MelodySound& sound,
                                            const MelodyVoice& voice, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::ManageMelodiesPrompt), parent),
+    : HostedDialog(host, QtText(texts::ManageMelodiesPrompt), parent),
       store_(store),
       melody_(std::move(current)),
       sound_(sound),
@@ -60,7 +61,7 @@ void ManageMelodiesDialog::ShowState() {
   ui_->deleteButton->setEnabled(any);
   ui_->loadButton->setEnabled(any);
   ui_->playButton->setEnabled(sound_.Playing() || (any && sound_.Available()));
-  ui_->playButton->setText(QtText(sound_.Playing() ? TextId::ManageStop : TextId::ManagePlay));
+  ui_->playButton->setText(QtText(sound_.Playing() ? texts::ManageStop : texts::ManagePlay));
 }
 
 void ManageMelodiesDialog::Rename(const std::string& from, const std::string& to) {
@@ -94,7 +95,7 @@ void ManageMelodiesDialog::TogglePlaying() {
     return;
   }
   const auto elements = store_.LoadMelody(Selected());
-  if (!elements || !sound_.Start(*elements, voice_)) ShowWarning(this, TextId::StoredMelodyNotPlayed);
+  if (!elements || !sound_.Start(*elements, voice_)) ShowWarning(this, texts::StoredMelodyNotPlayed);
 }
 
 QString ManageMelodiesDialog::HelpTopic() const {

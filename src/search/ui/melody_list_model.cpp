@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 
 namespace ts5 {
 
@@ -35,7 +36,7 @@ int MelodyListModel::columnCount(const QModelIndex& parent) const {
 
 QVariant MelodyListModel::data(const QModelIndex& index, int role) const {
   const bool name = index.column() == 0;
-  if (Empty()) return name && role == Qt::DisplayRole ? QtText(TextId::NoMelodyFound) : QVariant{};
+  if (Empty()) return name && role == Qt::DisplayRole ? QtText(texts::NoMelodyFound) : QVariant{};
   const StoredMelodyInfo& melody = melodies_[static_cast<std::size_t>(index.row())];
   if (role == Qt::DisplayRole || role == Qt::EditRole) {
     return name ? QVariant(ToQt(melody.name)) : QVariant(static_cast<qulonglong>(melody.noteCount));
@@ -46,7 +47,7 @@ QVariant MelodyListModel::data(const QModelIndex& index, int role) const {
 
 QVariant MelodyListModel::headerData(int section, Qt::Orientation orientation, int role) const {
   if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-  return QtText(section == 0 ? TextId::ColumnMelody : TextId::ColumnNoteCount);
+  return QtText(section == 0 ? texts::ColumnMelody : texts::ColumnNoteCount);
 }
 
 Qt::ItemFlags MelodyListModel::flags(const QModelIndex& index) const {

@@ -7,6 +7,7 @@
 
 #include "frame/ui/qt_text.h"
 #include "platform/text.h"
+#include "search/texts.h"
 #include "ui_PRINTPREVIEW.h"
 
 namespace ts5 {
@@ -57,8 +58,8 @@ PrintPreviewDialog::~PrintPreviewDialog() = default;
 void PrintPreviewDialog::ShowPage() {
   const auto* preview = findChild<QPrintPreviewWidget*>(QStringLiteral("preview"));
   if (preview == nullptr) return;
-  QString text = ToQt(Format(Text(TextId::PreviewPageOf), preview->currentPage(), pages_));
-  if (pages_ > kMostPages) text += "  " + ToQt(Format(Text(TextId::PreviewCut), kMostPages));
+  QString text = ToQt(Format(Text(texts::PreviewPageOf), preview->currentPage(), pages_));
+  if (pages_ > kMostPages) text += "  " + ToQt(Format(Text(texts::PreviewCut), kMostPages));
   ui_->pageLabel->setText(text);
   ui_->firstButton->setEnabled(preview->currentPage() > 1);
   ui_->previousButton->setEnabled(preview->currentPage() > 1);

@@ -5,6 +5,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 #include "ui_PRINTSETUP.h"
 
 namespace ts5 {
@@ -25,7 +26,7 @@ constexpr double kLeastText = 60.0;  // millimetres across and down
 
 PrintSetupDialog::PrintSetupDialog(const QStringList& printers, const PrintSetup& setup, DialogHost& host,
                                    QWidget* parent)
-    : HostedDialog(host, QtText(TextId::PrintSetupPrompt), parent), ui_(std::make_unique<Ui::PRINTSETUP>()) {
+    : HostedDialog(host, QtText(texts::PrintSetupPrompt), parent), ui_(std::make_unique<Ui::PRINTSETUP>()) {
   ui_->setupUi(this);
   ConnectButtons();
   ui_->printerBox->addItems(printers);
@@ -61,7 +62,7 @@ PrintSetup PrintSetupDialog::Setup() const {
 bool PrintSetupDialog::MarginsFit() {
   const QRectF text = Setup().layout.paintRect(QPageLayout::Millimeter);
   if (text.width() >= kLeastText && text.height() >= kLeastText) return true;
-  ShowNotice(this, TextId::MarginsTooLarge);
+  ShowNotice(this, texts::MarginsTooLarge);
   ui_->leftBox->setFocus();
   return false;
 }

@@ -7,13 +7,14 @@
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 #include "search/ui/result_line_view.h"
 #include "ui_RESULTVIEWER.h"
 
 namespace ts5 {
 ResultViewerDialog::ResultViewerDialog(const SearchResults& results, bool wholePaths, std::string lastFile,
                                        ResultsPrinting& printing, DialogHost& host, QWidget* parent)
-    : HostedDialog(host, QtText(TextId::ResultViewerPrompt), parent),
+    : HostedDialog(host, QtText(texts::ResultViewerPrompt), parent),
       results_(results),
       wholePaths_(wholePaths),
       lastFile_(std::move(lastFile)),
@@ -21,7 +22,7 @@ ResultViewerDialog::ResultViewerDialog(const SearchResults& results, bool wholeP
       ui_(std::make_unique<Ui::RESULTVIEWER>()) {
   ui_->setupUi(this);
   ConnectButtons();
-  ui_->browseButton->setAccessibleDescription(QtText(TextId::PickResultFile));
+  ui_->browseButton->setAccessibleDescription(QtText(texts::PickResultFile));
   ui_->fileEdit->setText(ToQt(lastFile_));
 
   const bool any = results_.Size() > 0;
@@ -50,10 +51,10 @@ void ResultViewerDialog::ShowMedium() {
 }
 
 void ResultViewerDialog::Browse() {
-  Host().ShowPrompt(QtText(TextId::PickResultFilePrompt));
+  Host().ShowPrompt(QtText(texts::PickResultFilePrompt));
   const auto path =
-      AskFileToOpen({QtText(TextId::PickResultFile), FromQt(ui_->fileEdit->text()), {}, {}}, Host(), this);
-  Host().ShowPrompt(QtText(TextId::ResultViewerPrompt));
+      AskFileToOpen({QtText(texts::PickResultFile), FromQt(ui_->fileEdit->text()), {}, {}}, Host(), this);
+  Host().ShowPrompt(QtText(texts::ResultViewerPrompt));
   if (!path) return;
   ui_->fileEdit->setText(ToQt(*path));
   Load();

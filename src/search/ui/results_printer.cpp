@@ -10,6 +10,7 @@
 #include "platform/casts.h"
 #include "platform/text.h"
 #include "search/hit_texts.h"
+#include "search/texts.h"
 
 namespace ts5 {
 namespace {
@@ -64,9 +65,9 @@ class Page {
 
   void Head(const SearchRecord& record, int number) {
     painter_.setFont(title_);
-    Draw(0, 0, width_, QtText(TextId::PrintJobName), Qt::AlignLeft);
+    Draw(0, 0, width_, QtText(texts::PrintJobName), Qt::AlignLeft);
     painter_.setFont(text_);
-    Draw(0, 0, width_, ToQt(Format(Text(TextId::PrintPage), number)), Qt::AlignRight);
+    Draw(0, 0, width_, ToQt(Format(Text(texts::PrintPage), number)), Qt::AlignRight);
     const double second = titleMetrics_.lineSpacing() * 1.5;
     if (number == 1) Draw(0, second, width_, ToQt(ResultTitle(record)), Qt::AlignLeft);
     Draw(0, second + LineHeight(), width_, ToQt(ResultDate(record)), Qt::AlignLeft);
@@ -84,7 +85,7 @@ class Page {
   void Footer(int line, const SearchRecord& record) {
     Rule(LineTop(line) + LineHeight() / 2.0);
     Draw(0, LineTop(++line), width_, ToQt(ResultEnding(record)), Qt::AlignLeft);
-    const QString statistics = QtText(TextId::ResultStatistics);
+    const QString statistics = QtText(texts::ResultStatistics);
     const double indent = metrics_.horizontalAdvance(statistics);
     Draw(0, LineTop(line + 1), width_, statistics, Qt::AlignLeft);
     for (const std::string& count : ResultCounts(record))
@@ -152,7 +153,7 @@ Printed PrintResultLines(const QString& title, const ResultLines& lines, QPagedP
   const int perPage = std::max(1, static_cast<int>(device.height() / metrics.lineSpacing()) - kTextHeadLines);
   const int pages = std::max(1, (count + perPage - 1) / perPage);
   return DrawPages(device, painter, pages, job, [&](int number) {
-    const QString page = ToQt(Format(Text(TextId::PrintPage), number));
+    const QString page = ToQt(Format(Text(texts::PrintPage), number));
     const double left = device.width() - metrics.horizontalAdvance(page);
     painter.drawText(QPointF(0, metrics.ascent()),
                      metrics.elidedText(title, Qt::ElideMiddle, left - metrics.averageCharWidth()));

@@ -6,11 +6,13 @@
 #include <QPrinterInfo>
 #include <utility>
 
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files.h"
 #include "platform/paths.h"
+#include "search/texts.h"
 #include "search/ui/print_abort_dialog.h"
 #include "search/ui/print_preview_dialog.h"
 #include "search/ui/print_setup_dialog.h"
@@ -52,8 +54,8 @@ Printed PrintPdf(const PrintSetup& setup, const std::string& path, const PrintDr
   {
     QPdfWriter writer(&device);
     writer.setPageLayout(setup.layout);
-    writer.setTitle(QtText(TextId::PrintJobName));
-    writer.setCreator(QtText(TextId::ApplicationTitle));
+    writer.setTitle(QtText(texts::PrintJobName));
+    writer.setCreator(QtText(texts::ApplicationTitle));
     printed = drawing(writer, job);
   }
   if (printed != Printed::Done) return printed;
@@ -65,7 +67,7 @@ Printed PrintOnPaper(const PrintSetup& setup, const PrintDrawing& drawing, const
   printer.setPrinterName(setup.printer);
   if (!printer.isValid() || printer.printerName() != setup.printer) return Printed::Failed;
   printer.setPageLayout(setup.layout);
-  printer.setDocName(QtText(TextId::PrintJobName));
+  printer.setDocName(QtText(texts::PrintJobName));
   const Printed printed = drawing(printer, job);
   if (printed == Printed::Aborted) printer.abort();
   return printed;
@@ -80,12 +82,12 @@ PrintSetup DefaultPrintSetup(const QString& printer) {
 
 Printed PrintWith(const PrintSetup& setup, const std::string& pdf, const PrintDrawing& drawing,
                   const PrintJob& job) {
-  return setup.printer == QtText(TextId::PdfPrinter) ? PrintPdf(setup, pdf, drawing, job)
-                                                     : PrintOnPaper(setup, drawing, job);
+  return setup.printer == QtText(texts::PdfPrinter) ? PrintPdf(setup, pdf, drawing, job)
+                                                    : PrintOnPaper(setup, drawing, job);
 }
 
 ResultsPrinting::ResultsPrinting(const std::vector<std::string>& printers, DialogHost& host) : host_(host) {
-  const QString pdf = QtText(TextId::PdfPrinter);
+  const QString pdf = QtText(texts::PdfPrinter);
   for (const std::string& printer : printers) printers_.append(ToQt(printer));
   if (!printers_.contains(pdf)) printers_.append(pdf);
   const QString standard = QPrinterInfo::defaultPrinterName();
@@ -118,9 +120,9 @@ void ResultsPrinting::Print(const PrintDrawing& drawing, QWidget* parent) {
   setup_ = dialog.Setup();
 
   std::string pdf;
-  if (setup_.printer == QtText(TextId::PdfPrinter)) {
-    if (pdf_.empty()) pdf_ = Text(TextId::PdfProposal);
-    const auto chosen = AskFileToSave({QtText(TextId::SavePdfTitle), pdf_, Text(TextId::PdfFilter),
+  if (setup_.printer == QtText(texts::PdfPrinter)) {
+    if (pdf_.empty()) pdf_ = Text(texts::PdfProposal);
+    const auto chosen = AskFileToSave({QtText(texts::SavePdfTitle), pdf_, Text(texts::PdfFilter),
                                        QStringLiteral("Befehle-Aktion-Suchergebnisse.htm")},
                                       host_, parent);
     if (!chosen) return;
@@ -131,7 +133,7 @@ void ResultsPrinting::Print(const PrintDrawing& drawing, QWidget* parent) {
   job.proceed = [&abort](int page, int pages) { return abort.Proceed(page, pages); };
   const Printed printed = PrintWith(setup_, pdf, drawing, job);
   abort.hide();
-  if (printed == Printed::Failed) ShowWarning(parent, TextId::PrintFailed);
+  if (printed == Printed::Failed) ShowWarning(parent, texts::PrintFailed);
 }
 
 }  // namespace ts5

@@ -7,6 +7,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 #include "search/ui/manage_melodies_dialog.h"
 #include "search/ui/save_melody_dialog.h"
 #include "ui_MIDIFINDPARAMS.h"
@@ -14,8 +15,8 @@
 namespace ts5 {
 namespace {
 
-constexpr std::array kToleranceTexts = {TextId::ToleranceNone, TextId::ToleranceLow, TextId::ToleranceMedium,
-                                        TextId::ToleranceHigh};
+constexpr std::array kToleranceTexts = {texts::ToleranceNone, texts::ToleranceLow, texts::ToleranceMedium,
+                                        texts::ToleranceHigh};
 constexpr int kPrograms = 128;
 
 }  // namespace
@@ -23,7 +24,7 @@ constexpr int kPrograms = 128;
 SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyStore& store,
                            std::vector<std::string> devices, MidiOpener opener, DialogHost& host,
                            QWidget* parent)
-    : HostedDialog(host, QtText(TextId::SearchDialogPrompt), parent),
+    : HostedDialog(host, QtText(texts::SearchDialogPrompt), parent),
       filter_(filter),
       parameters_(std::move(parameters)),
       store_(store),
@@ -44,7 +45,7 @@ SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyS
   });
   connect(&sound_, &MelodySound::DeviceGone, this, [this] {
     QWidget* const front = QApplication::activeModalWidget();
-    ShowWarning(front != nullptr ? front : this, TextId::MidiDeviceGone);
+    ShowWarning(front != nullptr ? front : this, texts::MidiDeviceGone);
   });
   ui_->notePanel->setFocus();
 }
@@ -53,13 +54,13 @@ SearchDialog::~SearchDialog() = default;
 
 void SearchDialog::FillOptions() {
   if (filter_ == FilterId::ScoreSearch) {
-    ui_->firstTrackCheck->setText(QtText(TextId::FirstStaffOnly));
-    ui_->drumTrackCheck->setText(QtText(TextId::DrumStaffToo));
+    ui_->firstTrackCheck->setText(QtText(texts::FirstStaffOnly));
+    ui_->drumTrackCheck->setText(QtText(texts::DrumStaffToo));
     ui_->toleranceLabel->hide();
     ui_->toleranceBox->hide();
   }
   for (const TextId text : kToleranceTexts) ui_->toleranceBox->addItem(QtText(text));
-  if (sound_.Available()) ui_->deviceBox->addItem(QtText(TextId::MidiMapper));
+  if (sound_.Available()) ui_->deviceBox->addItem(QtText(texts::MidiMapper));
   for (const std::string& device : sound_.Devices()) ui_->deviceBox->addItem(ToQt(device));
   for (int program = 0; program < kPrograms; ++program)
     ui_->instrumentBox->addItem(ToQt(InstrumentName(program)));
@@ -116,7 +117,7 @@ void SearchDialog::TogglePlaying() {
   if (sound_.Playing()) {
     sound_.Stop();
   } else if (!sound_.Start(ui_->notePanel->Melody().elements, Voice())) {
-    ShowWarning(this, TextId::MelodyNotPlayed);
+    ShowWarning(this, texts::MelodyNotPlayed);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "frame/ui/qt_text.h"
 #include "search/note_layout.h"
 #include "search/note_names.h"
+#include "search/texts.h"
 #include "search/ui/music_shapes.h"
 
 namespace ts5 {
@@ -52,7 +53,7 @@ StaffView::StaffView(const SearchMelody& melody, QWidget* parent) : QWidget(pare
   setFocusPolicy(Qt::StrongFocus);
   setAttribute(Qt::WA_OpaquePaintEvent);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::MinimumExpanding);
-  setAccessibleName(QtText(TextId::StaffName));
+  setAccessibleName(QtText(texts::StaffName));
   MelodyChanged();
 }
 
@@ -65,7 +66,7 @@ QSize StaffView::minimumSizeHint() const {
 
 void StaffView::MelodyChanged() {
   const std::string spoken = SpokenMelody(melody_.elements);
-  setAccessibleDescription(spoken.empty() ? QtText(TextId::StaffEmpty) : ToQt(spoken));
+  setAccessibleDescription(spoken.empty() ? QtText(texts::StaffEmpty) : ToQt(spoken));
   update();
 }
 
