@@ -93,10 +93,9 @@ void SearchCommands::Refresh() {
   const bool any = panel.Results().Size() > 0;
   const bool shown = any && IsFilter(window_.ActiveJob().filter) && IsSearch(window_.ActiveJob().filter);
   const bool hit = shown && panel.Hitlist()->CurrentHit().has_value();
-  const bool midi = panel.Results().Record().kind == SearchKind::Midi;
   actions.SetEnabled(CommandId::PrintSearchResults, any && !panel.Searching());
   actions.SetEnabled(CommandId::CopyHits, hit);
-  actions.SetEnabled(CommandId::PlayHit, playing_ || (hit && midi && Device().has_value()));
+  actions.SetEnabled(CommandId::PlayHit, playing_ || (hit && Device().has_value()));
   actions.SetText(CommandId::PlayHit, playing_ ? texts::StopHit : texts::PlayHit);
   actions.Action(CommandId::PlayHit)->setIcon(Icon(playing_ ? "stop" : "play"));
   actions.SetEnabled(CommandId::ShowSearchResult, hit && SiblingIsKnown() && (!visit_ || visit_->Ended()));

@@ -11,6 +11,8 @@
 
 namespace ts5 {
 
+inline constexpr std::uint32_t kDefaultTempo = 120;  // quarter notes a minute, where nothing says another
+
 struct TimeSignatureEntry {
   std::uint64_t tick = 0;  // where the bar of the change begins
   std::uint64_t bars = 0;  // whole bars before that tick

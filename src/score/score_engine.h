@@ -16,6 +16,7 @@
 #include <optional>
 #include <vector>
 
+#include "midi/conductor.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
 #include "score/playback_parameters.h"
@@ -25,7 +26,6 @@
 namespace ts5 {
 
 inline constexpr std::uint32_t kScoreStep = 15;
-inline constexpr std::uint32_t kDefaultTempo = 120;
 inline constexpr std::uint32_t kMaxJumps = 4096;  // repeats of a score; one with more is damaged
 inline constexpr std::int8_t kNoKey = 127;
 inline constexpr std::uint8_t kMetaBarLine = 0x30;  // in the conductor track, without data

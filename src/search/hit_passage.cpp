@@ -2,35 +2,45 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "midi/conductor.h"
 #include "midi/midi_events.h"
 #include "midi/midi_file.h"
 #include "platform/files.h"
+#include "score/score_midi.h"
 #include "search/midi_search.h"
 #include "search/note_stream.h"
+#include "search/score_items.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
 namespace {
 
-struct HitTrack {
-  ByteView track;
-  Conductor conductor;
+// The bars of a file, in ticks.
+struct Bars {
+  TimeSignatureMap signatures;
   std::uint16_t division = 0;
 
-  [[nodiscard]] std::uint64_t Bar(std::uint64_t tick) const {
-    return BarOf(conductor.signatures, division, tick);
-  }
+  [[nodiscard]] std::uint64_t Of(std::uint64_t tick) const { return BarOf(signatures, division, tick); }
   // Where a bar begins.
   [[nodiscard]] std::uint64_t TickOf(std::uint64_t bar) const {
-    const TimeSignatureMap& map = conductor.signatures;
-    const auto after = std::ranges::upper_bound(map, bar, {}, &TimeSignatureEntry::bars);
-    if (after == map.begin()) return 0;
+    const auto after = std::ranges::upper_bound(signatures, bar, {}, &TimeSignatureEntry::bars);
+    if (after == signatures.begin()) return 0;
     const TimeSignatureEntry& entry = *std::prev(after);
     return entry.tick + (bar - entry.bars) * BarTicks(division, entry.numerator, entry.denominator);
   }
+  // The bars that what sounds from onset up to end lies in.
+  [[nodiscard]] HitPassage Around(std::uint64_t onset, std::uint64_t end) const {
+    return {TickOf(Of(onset)), onset, TickOf(Of(std::max(end, onset + 1) - 1) + 1)};
+  }
+};
+
+struct HitTrack {
+  ByteView track;
+  std::uint32_t tempo = kDefaultTempo;
+  Bars bars;
 };
 
 // The track that the hit names, as the search counts them.
@@ -40,15 +50,16 @@ Result<HitTrack> TrackOf(ByteView file, const SearchHit& hit) {
   const std::size_t wanted =
       static_cast<std::size_t>(std::max(hit.track, 0)) + (info.header.trackCount < 2 ? 0 : 1);
   HitTrack found;
-  found.division = info.header.division;
+  found.bars.division = info.header.division;
   MidiTrackReader tracks(MidiBytesOf(file), info.header.trackCount);
   ByteView track;
   for (std::size_t i = 0; i <= wanted; ++i) {
     if (!tracks.Next(track)) return Failure(Outcome::DamagedMidi);
     if (i > 0) continue;
-    auto conductor = ScanConductorTrack(track, found.division);
+    auto conductor = ScanConductorTrack(track, info.header.division);
     if (!conductor) return Failure(conductor.error());
-    found.conductor = std::move(*conductor);
+    found.tempo = conductor->tempo.value_or(kDefaultTempo);
+    found.bars.signatures = std::move(conductor->signatures);
   }
   found.track = track;
   return found;
@@ -59,8 +70,6 @@ Result<HitTrack> TrackOf(ByteView file, const SearchHit& hit) {
 Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size_t notes) {
   const auto found = TrackOf(file, hit);
   if (!found) return Failure(found.error());
-  const std::uint32_t tempo = found->conductor.tempo.value_or(kDefaultTempo);
-
   MidiEventCursor cursor(found->track);
   MidiEvent event;
   const auto nextNote = [&] {
@@ -71,29 +80,75 @@ Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size
   };
   // The hit knows its time in whole milliseconds: the first note of that time and bar.
   const auto isFirst = [&] {
-    return HitTime(event.tick, found->division, tempo) == hit.time &&
-           std::cmp_equal(found->Bar(event.tick), hit.bar);
+    return HitTime(event.tick, found->bars.division, found->tempo) == hit.time &&
+           std::cmp_equal(found->bars.Of(event.tick), hit.bar);
   };
   do {
     if (!nextNote()) return Failure(Outcome::DamagedMidi);
   } while (!isFirst());
 
-  HitPassage passage;
-  passage.onset = event.tick;
-  passage.bar = found->TickOf(found->Bar(event.tick));
+  const std::uint64_t onset = event.tick;
   // The notes of a melody follow each other in the track without another one between them.
   for (std::size_t i = 1; i < notes && nextNote();) ++i;
   const std::uint64_t last = event.tick;
   while (nextNote() && event.tick <= last + kChordTicks) continue;
-  const std::uint64_t end = std::max(cursor.Tick(), last + 1);
-  passage.end = found->TickOf(found->Bar(end - 1) + 1);
-  return passage;
+  return found->bars.Around(onset, std::max(cursor.Tick(), last + 1));
 }
 
+namespace {
+
+// A score sounds as the MIDI file that is made of it, straight through as the search counts its bars.
+struct SoundingScore {
+  OpenScore score;
+  Bytes midi;
+};
+
+Result<SoundingScore> MidiOfScore(Bytes file) {
+  PlaybackParameters parameters;
+  auto score = OpenAndScan(std::move(file), parameters, false);
+  if (!score) return Failure(score.error());
+  ScoreOptions options;
+  options.repeats = false;
+  auto midi = ScoreToMidi(*score, parameters, std::move(options));
+  if (!midi) return Failure(midi.error());
+  return SoundingScore{std::move(*score), std::move(*midi)};
+}
+
+Result<HitPassage> FindScorePassage(const SoundingScore& sounding, const SearchHit& hit) {
+  const auto lines = ReadScoreItems(sounding.score.file, sounding.score.info);
+  if (!lines) return Failure(lines.error());
+  if (hit.track < 0 || std::cmp_greater_equal(hit.track, lines->size()) || hit.voice < 0 ||
+      std::cmp_greater_equal(hit.voice, kMaxVoices))
+    return Failure(Outcome::DamagedScore);
+  constexpr std::int64_t kTicksPerUnit = kScoreTicksPerQuarter / kMelodyQuarter;
+  std::int64_t now = sounding.score.scan.leadIn;
+  std::optional<std::int64_t> onset;
+  for (const ScoreSearchItem& item :
+       (*lines)[static_cast<std::size_t>(hit.track)][static_cast<std::size_t>(hit.voice)]) {
+    if (item.system == hit.firstSystem && item.object == hit.firstObject) onset = now;
+    now += item.duration * kTicksPerUnit;
+    if (!onset || item.system != hit.lastSystem || item.object != hit.lastObject) continue;
+    auto found = TrackOf(sounding.midi, SearchHit{});
+    if (!found) return Failure(found.error());
+    return found->bars.Around(static_cast<std::uint64_t>(*onset), static_cast<std::uint64_t>(now));
+  }
+  return Failure(Outcome::DamagedScore);
+}
+
+}  // namespace
+
 Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes) {
-  const auto file = ReadFile(hit.file, kMaxSequenceFile);
+  auto file = ReadFile(hit.file, std::max<std::uint64_t>(kMaxSequenceFile, kMaxScoreFile));
   if (!file) return Failure(file.error());
-  const auto passage = FindHitPassage(*file, hit, notes);
+  Result<HitPassage> passage;
+  if (DetectMidiKind(*file).kind == MidiFileKind::None) {
+    auto sounding = MidiOfScore(std::move(*file));
+    if (!sounding) return Failure(sounding.error());
+    passage = FindScorePassage(*sounding, hit);
+    *file = std::move(sounding->midi);
+  } else {
+    passage = FindHitPassage(*file, hit, notes);
+  }
   if (!passage) return Failure(passage.error());
   auto sequence = MidiSequence::FromFile(*file);
   if (!sequence) return Failure(sequence.error());

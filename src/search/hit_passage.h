@@ -1,5 +1,6 @@
-// The place of a MIDI hit in its file, read from the file again: where its bar begins and where the melody
-// ends, for playing it, and when it sounds by the tempo map of the file.
+// The place of a hit in its file, read from the file again: where its bar begins and where the melody ends,
+// for playing it, and when it sounds by the tempo map of the file. A score is taken as the MIDI file that the
+// converter makes of it, without repeats.
 #pragma once
 
 #include <chrono>
@@ -23,8 +24,8 @@ struct HitPassage {
   bool operator==(const HitPassage&) const = default;
 };
 
-// In the image of a whole file. notes: how many the melody has. WrongFormat: no MIDI file; DamagedMidi: the
-// file does not have the hit (any more).
+// In the image of a whole MIDI file. notes: how many the melody has. WrongFormat: no MIDI file; DamagedMidi:
+// the file does not have the hit (any more).
 [[nodiscard]] Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size_t notes);
 
 // The music of the file with the times of the passage.
@@ -34,7 +35,8 @@ struct PlayableHit {
   std::chrono::nanoseconds onset{};
   std::chrono::nanoseconds end{};
 };
-// Also SourceFailed and ReadFailed; files above kMaxSequenceFile are refused.
+// Also SourceFailed and ReadFailed; of a score OldScore and DamagedScore, where it has no such hit (any more)
+// too. MIDI files above kMaxSequenceFile are refused, scores above kMaxScoreFile.
 [[nodiscard]] Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes);
 
 }  // namespace ts5

@@ -12,8 +12,6 @@
 
 namespace ts5 {
 
-inline constexpr std::uint32_t kDefaultTempo = 120;  // of a file without Set Tempo
-
 // The image of a whole file. WrongFormat: no MIDI file. DamagedMidi: a track is missing or breaks off; the
 // hits of the tracks before it were sent. Else what the sink or the cancel check ended it with.
 [[nodiscard]] SearchOutcome SearchMidiImage(ByteView file, const std::string& path, const MelodyQuery& query,

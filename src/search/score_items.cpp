@@ -9,7 +9,6 @@
 namespace ts5 {
 namespace {
 
-constexpr std::uint32_t kMelodyQuarter = 240;
 constexpr unsigned kCancelEvery = 4096;  // objects
 
 // The bar line types at which an upbeat may end: a plain one and the start of a repeat.

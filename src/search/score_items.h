@@ -18,6 +18,8 @@
 
 namespace ts5 {
 
+inline constexpr std::uint32_t kMelodyQuarter = 240;  // units of a melody
+
 struct ScoreSearchItem {
   std::int32_t system = 0;            // from 0
   std::int32_t object = 0;            // within its voice in its system, from 0

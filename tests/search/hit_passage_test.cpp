@@ -3,16 +3,20 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <mutex>
 #include <thread>
 
 #include "midi/conductor.h"
 #include "midi/midi_file.h"
 #include "platform/files.h"
+#include "score/score_engine.h"
 #include "search/hit_player.h"
 #include "search/melody_text.h"
 #include "search/midi_search.h"
+#include "search/score_search.h"
 #include "search/track_matcher.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -134,6 +138,45 @@ TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {
       ASSERT_THAT(playable, test::IsOk());
       EXPECT_LE(playable->bar, playable->onset);
       EXPECT_LT(playable->onset, playable->end);
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 20U);
+}
+
+TEST(HitPassageTest, EveryHitInAScoreIsFoundAgainWhereItsFirstNoteSounds) {
+  SearchOptions options;
+  options.rhythm = RhythmMode::Any;
+  options.pitch = PitchMode::Relative;
+  const MelodyQuery query{MelodyFromNumbers("60:240,62:240,64:240")->elements, options};
+  std::size_t checked = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(test::DataPath("../../demo"))) {
+    if (entry.path().extension() != ".stv") continue;
+    SCOPED_TRACE(entry.path());
+    std::vector<SearchHit> hits;
+    const HitSink sink = [&](const SearchHit& hit) {
+      hits.push_back(hit);
+      return Outcome::Success;
+    };
+    EXPECT_EQ(SearchScoreFile(entry.path().string(), query, sink, {}).code, Outcome::Success);
+    for (const SearchHit& hit : hits) {
+      const auto playable = LoadPlayableHit(hit, 3);
+      ASSERT_THAT(playable, test::IsOk());
+      EXPECT_LE(playable->bar, playable->onset);
+      EXPECT_LT(playable->onset, playable->end);
+      // The music goes on in steps, which a triplet may lie between.
+      const std::uint64_t onset = playable->sequence.TickAt(playable->onset);
+      EXPECT_TRUE(std::ranges::any_of(playable->sequence.Messages(),
+                                      [&](const SequenceMessage& message) {
+                                        return message.IsNoteOn() && message.tick + kScoreStep > onset &&
+                                               message.tick < onset + kScoreStep;
+                                      }))
+          << "voice " << hit.track << "/" << hit.voice << " bar " << hit.bar;
+      SearchHit gone = hit;
+      gone.lastObject = 10'000;
+      EXPECT_THAT(LoadPlayableHit(gone, 3), test::FailsWith(Outcome::DamagedScore));
+      gone.track = -1;
+      EXPECT_THAT(LoadPlayableHit(gone, 3), test::FailsWith(Outcome::DamagedScore));
       ++checked;
     }
   }
