@@ -88,7 +88,12 @@ class PlayerRun {
     auto title = IsUsablePath(source) ? device_->Open(source)
                                       : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
     if (!title) {
-      ReportFailure(source, title.error());
+      // Stopped while it was read: it is neither started nor failed.
+      if (title.error() == Outcome::Cancelled) {
+        run_.Result().items.push_back({source, "", Code(Outcome::Cancelled)});
+      } else {
+        ReportFailure(source, title.error());
+      }
       return {title.error(), {}};
     }
     ++started_;

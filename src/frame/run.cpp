@@ -94,7 +94,10 @@ void Run::AddStatus(const Status& status) {
 std::vector<std::string> Run::Remarks() const {
   std::vector<std::string> lines;
   for (const Status& status : statusList_) {
-    for (std::string& line : RemarkLines(module_->remarks, status)) lines.push_back(std::move(line));
+    for (std::string& line : RemarkLines(module_->remarks, status)) {
+      // Different outcomes may have one text.
+      if (std::ranges::find(lines, line) == lines.end()) lines.push_back(std::move(line));
+    }
   }
   return lines;
 }

@@ -8,8 +8,11 @@
 
 namespace ts5 {
 
+// Asked now and then whether work is to stop; may be empty.
+using CancelCheck = std::function<bool()>;
+
 struct WorkWatch {
-  std::function<bool()> cancelled = {};
+  CancelCheck cancelled = {};
   std::function<void(double)> progress = {};  // fraction done, 0 to 1
 };
 

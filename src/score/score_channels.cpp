@@ -6,15 +6,16 @@
 
 namespace ts5 {
 
-Result<std::vector<std::uint8_t>> CountVoices(ByteView file, const ScoreFileInfo& info) {
+Result<std::vector<std::uint8_t>> CountVoices(ByteView file, const ScoreFileInfo& info,
+                                              const CancelCheck& cancelled) {
   std::vector<std::uint8_t> voices(info.staves.size());
-  ScoreSource in(file, info.bodyOffset);
+  ScoreSource in(file, info.bodyOffset, &cancelled);
   for (std::uint32_t s = 0; s < info.systems && in.Ok(); ++s) {
     const ScoreSystem system = ReadSystem(in, voices.size());
     for (const SystemStaff& staff : system.staves)
       voices[staff.layout] = std::max(voices[staff.layout], static_cast<std::uint8_t>(staff.voices));
   }
-  if (!in.Ok()) return Failure(Outcome::DamagedScore);
+  if (!in.Ok()) return Failure(in.Stopped() ? Outcome::Cancelled : Outcome::DamagedScore);
   return voices;
 }
 

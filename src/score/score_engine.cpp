@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "midi/midi_events.h"
+#include "platform/casts.h"
 #include "platform/midi_out.h"
 #include "platform/text.h"
 #include "score/score_system.h"
@@ -129,6 +130,20 @@ Outcome ScoreEngine::Begin() {
 }
 
 Outcome ScoreEngine::Step(std::uint32_t most) {
+  const Outcome outcome = Interpret();
+  return Failed(outcome) || atEnd_ ? outcome : GoOn(most);
+}
+
+Outcome ScoreEngine::StepTowards(std::uint64_t scoreTime) {
+  const Outcome outcome = Interpret();
+  if (Failed(outcome) || atEnd_) return outcome;
+  const std::uint64_t step =
+      std::max<std::uint64_t>(StepMilliseconds(state_.tempo) * std::uint64_t{10'000}, 1);
+  const std::uint64_t left = scoreTime > scoreTime_ ? scoreTime - scoreTime_ : 0;
+  return GoOn(ClampTo<std::uint32_t>(std::max<std::uint64_t>((left + step - 1) / step, 1)));
+}
+
+Outcome ScoreEngine::Interpret() {
   while (!atEnd_) {
     ReleaseDue();
     std::int64_t at = 0;
@@ -152,7 +167,10 @@ Outcome ScoreEngine::Step(std::uint32_t most) {
     }
     if (!ReadSystem()) return Outcome::DamagedScore;
   }
-  if (atEnd_) return Outcome::Success;
+  return Outcome::Success;
+}
+
+Outcome ScoreEngine::GoOn(std::uint32_t most) {
   WriteConductor();
   Advance(IdleSteps(most));
   return ticks_ > kMaxTicks ? Outcome::DamagedScore : Outcome::Success;
@@ -340,13 +358,17 @@ ScoreScan ScoreEngine::Scan() const {
 }
 
 Result<ScoreScan> ScanScore(ByteView file, const ScoreFileInfo& info, const std::vector<std::uint8_t>& voices,
-                            const PlaybackParameters& parameters, bool repeats) {
+                            const PlaybackParameters& parameters, bool repeats,
+                            const CancelCheck& cancelled) {
   ScoreOptions options;
   options.repeats = repeats;
   ScoreEngine engine(file, info, voices, parameters, options, nullptr);
   if (const Outcome begun = engine.Begin(); Failed(begun)) return Failure(begun);
   const std::uint32_t tempo = engine.Tempo();
+  const WorkWatch watch{cancelled};
+  WatchedWork work(watch, 0);
   while (!engine.AtEnd()) {
+    if (!work.GoOn(0)) return Failure(Outcome::Cancelled);
     if (const Outcome outcome = engine.Step(); Failed(outcome)) return Failure(outcome);
   }
   ScoreScan scan = engine.Scan();

@@ -19,6 +19,7 @@
 #include "midi/conductor.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 #include "score/playback_parameters.h"
 #include "score/score_info.h"
 #include "score/score_objects.h"
@@ -68,8 +69,9 @@ struct ScoreOptions {
 // Microseconds of a quarter note as tempo events have them, three bytes.
 [[nodiscard]] std::uint32_t TempoMicroseconds(std::uint32_t tempo);
 
-// The voices of each staff layout, from the whole body. DamagedScore.
-[[nodiscard]] Result<std::vector<std::uint8_t>> CountVoices(ByteView file, const ScoreFileInfo& info);
+// The voices of each staff layout, from the whole body. DamagedScore, Cancelled.
+[[nodiscard]] Result<std::vector<std::uint8_t>> CountVoices(ByteView file, const ScoreFileInfo& info,
+                                                            const CancelCheck& cancelled = {});
 // Gives every voice a channel that has none.
 void AssignChannels(const ScoreFileInfo& info, const std::vector<std::uint8_t>& voices,
                     std::vector<VoiceChannels>& channels);
@@ -90,6 +92,8 @@ class ScoreEngine {
   // Interprets what is due, then goes on by steps of which only the first may have had anything to do: at
   // least one, at most so many. DamagedScore.
   [[nodiscard]] Outcome Step(std::uint32_t most = UINT32_MAX);
+  // The same, but no farther than to the first step at or behind the place, in the score's own time (100 ns).
+  [[nodiscard]] Outcome StepTowards(std::uint64_t scoreTime);
   // Releases what still sounds.
   void Finish();
 
@@ -142,6 +146,8 @@ class ScoreEngine {
   };
   enum class Pending : std::uint8_t { None, Start, Jump, PassAndStart, Pass };
 
+  [[nodiscard]] Outcome Interpret();  // what is due now
+  [[nodiscard]] Outcome GoOn(std::uint32_t most);
   [[nodiscard]] bool ReadSystem();
   [[nodiscard]] bool RunVoices();
   [[nodiscard]] bool RunVoice(std::size_t layout, std::size_t voice, bool first);
@@ -210,9 +216,10 @@ class ScoreEngine {
   int firstVoiceKey_ = 0;
 };
 
-// A walk over the whole score without sound. DamagedScore.
+// A walk over the whole score without sound. DamagedScore, Cancelled.
 [[nodiscard]] Result<ScoreScan> ScanScore(ByteView file, const ScoreFileInfo& info,
                                           const std::vector<std::uint8_t>& voices,
-                                          const PlaybackParameters& parameters, bool repeats = true);
+                                          const PlaybackParameters& parameters, bool repeats = true,
+                                          const CancelCheck& cancelled = {});
 
 }  // namespace ts5

@@ -28,10 +28,9 @@ constexpr Remark kRemarks[] = {
 
 constexpr std::string_view kMidiExtension = "mid";
 
-Outcome CheckItem(const FilterParameters& parameters, const std::string& source) {
-  const auto& own = static_cast<const ScoreToMidiParameters&>(parameters);
+Outcome CheckItem(const ScoreToMidiParameters& own, const std::string& source, const CancelCheck& cancelled) {
   PlaybackParameters playback = own.playback;
-  const auto score = OpenAndScan(source, playback, own.playRepeats);
+  const auto score = OpenAndScan(source, playback, own.playRepeats, cancelled);
   if (!score) return score.error();
   return score->scan.time == 0 ? Outcome::NoPlayingTime : Outcome::Success;
 }
@@ -40,13 +39,14 @@ Outcome ConvertItem(ItemWork& work) {
   const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
   work.run.StatusText(Format(Text(texts::ScoreReading), FileNameOf(work.source)));
   ScoreParameters parameters = own.For(work.source);
-  const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats);
+  const CancelCheck cancelled = [&work] { return work.Cancelled(); };
+  const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats, cancelled);
   if (!score) return score.error();
   if (Failed(LoadAutomaticSet(work.run.GetSettings().playbackParameterDirectory, work.source, score->voices,
                               parameters)))
     work.run.Notice(Text(texts::ParameterSetNotLoaded));
 
-  const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
+  const WorkWatch watch{cancelled, work.progress};
   ScoreOptions options;
   options.repeats = own.playRepeats;
   options.silentStaves = parameters.silentStaves;
@@ -75,7 +75,10 @@ std::vector<ParameterField> ScoreToMidiFields() {
 void RunScoreToMidi(Run& run) {
   ItemFilter filter;
   filter.independent = true;
-  filter.check = CheckItem;
+  filter.check = [&run](const FilterParameters& parameters, const std::string& source) {
+    return CheckItem(static_cast<const ScoreToMidiParameters&>(parameters), source,
+                     [&run] { return run.Cancelled(); });
+  };
   filter.convert = ConvertItem;
   RunItems(run, filter);
 }

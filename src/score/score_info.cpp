@@ -85,6 +85,7 @@ void ReadLayoutBlock(ScoreSource& in, ScoreFileInfo& info) {
   (void)in.CompactSigned();
   in.Frame();
   const std::uint32_t count = in.CompactUnsigned();
+  in.Require(count <= kMaxStaves);
   for (std::uint32_t i = 0; i < count && in.Ok(); ++i) info.staves.push_back(ReadStaff(in));
 }
 
@@ -183,8 +184,8 @@ void ReadOld(ScoreSource& in, const OldLayout& layout, ScoreFileInfo& info) {
 
 }  // namespace
 
-Result<ScoreFileInfo> ReadScoreInfo(ByteView file) {
-  ScoreSource in(file);
+Result<ScoreFileInfo> ReadScoreInfo(ByteView file, const CancelCheck& cancelled) {
+  ScoreSource in(file, 0, &cancelled);
   ScoreFileInfo info;
   info.magic = in.U32();
   if (!in.Ok()) return Failure(Outcome::WrongFormat);
@@ -197,7 +198,7 @@ Result<ScoreFileInfo> ReadScoreInfo(ByteView file) {
     if (version >= kOldLayouts.size()) return Failure(Outcome::WrongFormat);
     ReadOld(in, kOldLayouts[version], info);
   }
-  if (!in.Ok()) return Failure(Outcome::ReadFailed);
+  if (!in.Ok()) return Failure(in.Stopped() ? Outcome::Cancelled : Outcome::ReadFailed);
   return info;
 }
 

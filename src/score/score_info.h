@@ -11,11 +11,13 @@
 
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 
 inline constexpr std::uint32_t kScoreMagic = 0x33767473;     // "stv3"
 inline constexpr std::uint32_t kOldScoreMagic = 0x74B3E289;  // and the two numbers behind it
+inline constexpr std::size_t kMaxStaves = 65'535;            // staff layouts; a file with more is damaged
 inline constexpr std::uint64_t kMaxScoreFile = std::uint64_t{256} << 20;
 
 using NoteMap = std::array<std::uint8_t, 128>;  // MIDI key -> what sounds
@@ -46,7 +48,7 @@ struct ScoreFileInfo {
 };
 
 // WrongFormat: no score, or a score of another version; ReadFailed: a field that breaks off or cannot be.
-[[nodiscard]] Result<ScoreFileInfo> ReadScoreInfo(ByteView file);
+[[nodiscard]] Result<ScoreFileInfo> ReadScoreInfo(ByteView file, const CancelCheck& cancelled = {});
 // Also SourceFailed.
 [[nodiscard]] Result<ScoreFileInfo> ReadScoreFileInfo(const std::string& path);
 

@@ -2,7 +2,7 @@
 
 #include "midi/midi_events.h"
 #include "midi/track_writer.h"
-#include "platform/files.h"
+#include "platform/input_file.h"
 #include "platform/midi_out.h"
 
 namespace ts5 {
@@ -74,27 +74,31 @@ class ScoreTracks : public ScoreSink {
 
 }  // namespace
 
-Result<OpenScore> OpenAndScan(Bytes file, PlaybackParameters& parameters, bool repeats) {
+Result<OpenScore> OpenAndScan(Bytes file, PlaybackParameters& parameters, bool repeats,
+                              const CancelCheck& cancelled) {
   OpenScore score;
   score.file = std::move(file);
-  auto info = ReadScoreInfo(score.file);
+  auto info = ReadScoreInfo(score.file, cancelled);
   if (!info) return Failure(info.error());
   if (!info->IsCurrent()) return Failure(Outcome::OldScore);
   score.info = std::move(*info);
-  auto voices = CountVoices(score.file, score.info);
+  auto voices = CountVoices(score.file, score.info, cancelled);
   if (!voices) return Failure(voices.error());
   score.voices = std::move(*voices);
   AssignChannels(score.info, score.voices, parameters.channels);
-  const auto scan = ScanScore(score.file, score.info, score.voices, parameters, repeats);
+  const auto scan = ScanScore(score.file, score.info, score.voices, parameters, repeats, cancelled);
   if (!scan) return Failure(scan.error());
   score.scan = *scan;
   return score;
 }
 
-Result<OpenScore> OpenAndScan(const std::string& path, PlaybackParameters& parameters, bool repeats) {
-  auto file = ReadFile(path, kMaxScoreFile);
+Result<OpenScore> OpenAndScan(const std::string& path, PlaybackParameters& parameters, bool repeats,
+                              const CancelCheck& cancelled) {
+  const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
-  return OpenAndScan(std::move(*file), parameters, repeats);
+  auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
+  if (!bytes) return Failure(bytes.error());
+  return OpenAndScan(std::move(*bytes), parameters, repeats, cancelled);
 }
 
 Result<Bytes> ScoreToMidi(const OpenScore& score, const PlaybackParameters& parameters, ScoreOptions options,

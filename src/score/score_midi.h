@@ -20,12 +20,13 @@ struct OpenScore {
   ScoreScan scan;
 };
 
-// OldScore for the older formats, the codes of ReadScoreInfo, DamagedScore. Channels of the parameters that
-// are not set are assigned.
-[[nodiscard]] Result<OpenScore> OpenAndScan(Bytes file, PlaybackParameters& parameters, bool repeats = true);
+// OldScore for the older formats, the codes of ReadScoreInfo, DamagedScore, Cancelled. Channels of the
+// parameters that are not set are assigned.
+[[nodiscard]] Result<OpenScore> OpenAndScan(Bytes file, PlaybackParameters& parameters, bool repeats = true,
+                                            const CancelCheck& cancelled = {});
 // Also SourceFailed and ReadFailed.
 [[nodiscard]] Result<OpenScore> OpenAndScan(const std::string& path, PlaybackParameters& parameters,
-                                            bool repeats = true);
+                                            bool repeats = true, const CancelCheck& cancelled = {});
 
 // The whole file. DamagedScore, Cancelled.
 [[nodiscard]] Result<Bytes> ScoreToMidi(const OpenScore& score, const PlaybackParameters& parameters,

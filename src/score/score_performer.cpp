@@ -93,12 +93,12 @@ Outcome ScorePerformer::Start(nanoseconds place) {
                                           std::move(options), static_cast<ScoreSink*>(this));
   TakeChanges();
   Outcome outcome = engine_->Begin();
-  while (Succeeded(outcome) && seeking_ && !engine_->AtEnd() && Nanoseconds(engine_->ScoreTime()) < place)
-    outcome = engine_->Step(1);
+  const auto wanted = static_cast<std::uint64_t>(std::max(place, nanoseconds{0}).count() + 99) / 100;
+  while (Succeeded(outcome) && seeking_ && !engine_->AtEnd() && engine_->ScoreTime() < wanted)
+    outcome = engine_->StepTowards(wanted);
   if (seeking_) {
     seeking_ = false;
-    for (Channel& channel : channels_) {
-      channel.sounding.fill(0);
+    for (const Channel& channel : channels_) {
       for (const std::uint32_t message : {channel.program, channel.volume}) {
         if (message != 0) Send(message);
       }
@@ -157,14 +157,23 @@ void ScorePerformer::Message(std::size_t track, std::uint32_t message) {
   if (kind == 0xC0) channel.program = message;
   if (kind == 0xB0) channel.volume = message;  // the only controller of the engine
   if (kind == 0x90) {
-    if (seeking_) return;
+    const bool struck = message >> 16 != 0;
     std::uint16_t& count = channel.sounding[message >> 8 & 0x7F];
+    std::uint16_t& unheard = channel.unheard[message >> 8 & 0x7F];
     std::uint32_t& notes = sounding_[track - 1];
-    if (message >> 16 != 0) {
+    if (seeking_ && struck) {
+      ++unheard;
+      return;
+    }
+    if (!struck && unheard > 0) {
+      --unheard;
+      return;
+    }
+    if (struck) {
       ++count;
       ++notes;
     } else {
-      if (count == 0) return;  // it was ended by a pause or a seek
+      if (count == 0) return;
       --count;
       notes -= std::min(notes, 1U);
     }
@@ -180,8 +189,10 @@ void ScorePerformer::Silence() {
   for (std::size_t i = 0; i < channels_.size(); ++i) {
     const auto status = static_cast<std::uint8_t>(0x90 | i);
     for (std::uint8_t key = 0; key < 128; ++key) {
-      for (; channels_[i].sounding[key] > 0; --channels_[i].sounding[key])
+      for (std::uint16_t& count = channels_[i].sounding[key]; count > 0; --count) {
         Send(ShortMidiMessage(status, key));
+        ++channels_[i].unheard[key];
+      }
     }
   }
   std::ranges::fill(sounding_, 0U);

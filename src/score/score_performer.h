@@ -54,6 +54,8 @@ class ScorePerformer final : private ScoreSink {
     std::uint32_t program = 0;  // the message; 0: none yet
     std::uint32_t volume = 0;
     std::array<std::uint16_t, 128> sounding{};  // how often each key was struck and not released
+    std::array<std::uint16_t, 128>
+        unheard{};  // releases to come that a pause or a seek has taken the note of
   };
 
   void Message(std::size_t track, std::uint32_t message) override;

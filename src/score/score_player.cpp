@@ -61,7 +61,8 @@ class ScoreDevice final : public PlayerDevice {
     begun_ = true;
     run_.StatusText(Format(Text(texts::ScoreReading), FileNameOf(source)));
     ScoreParameters parameters = stage_->Base().For(source);
-    auto score = OpenAndScan(source, parameters.playback, parameters.playRepeats);
+    auto score =
+        OpenAndScan(source, parameters.playback, parameters.playRepeats, [this] { return run_.Cancelled(); });
     if (!score) return Failure(score.error());
     if (Failed(LoadAutomaticSet(run_.GetSettings().playbackParameterDirectory, source, score->voices,
                                 parameters)))

@@ -17,6 +17,12 @@ std::uint32_t PaletteColour(std::uint8_t index) {
   return kPalette[index & 15];
 }
 
+bool ScoreSource::Stop() const {
+  constexpr unsigned kAskEvery = 4096;  // records
+  if (!stopped_ && ++asked_ % kAskEvery == 0) stopped_ = (*stop_)();
+  return stopped_;
+}
+
 std::uint32_t ScoreSource::CompactUnsigned() {
   const std::uint8_t first = U8();
   if (first == 254) return U16();

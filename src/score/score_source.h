@@ -1,23 +1,30 @@
 // The fields of score files, read from bytes in memory with every length checked.
 //
 // A field past the end gives zeros and makes Ok() false for good, as ByteReader does; so does a field whose
-// value no score can hold (Invalid()). Readers of records therefore read a whole record and ask once.
-// All integers are little-endian.
+// value no score can hold (Invalid()). Readers of records therefore read a whole record and ask once; every
+// loop over records asks, so that a reading can be stopped wherever it is. All integers are little-endian.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
 #include "platform/bytes.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 
 class ScoreSource {
  public:
   ScoreSource() = default;
-  explicit ScoreSource(ByteView bytes, std::size_t position = 0) : in_(bytes) { in_.Seek(position); }
+  // stopped must outlive the source.
+  explicit ScoreSource(ByteView bytes, std::size_t position = 0, const CancelCheck* stopped = nullptr)
+      : in_(bytes), stop_(stopped != nullptr && *stopped ? stopped : nullptr) {
+    in_.Seek(position);
+  }
 
-  [[nodiscard]] bool Ok() const { return in_.Ok() && !invalid_; }
+  [[nodiscard]] bool Ok() const { return in_.Ok() && !invalid_ && !(stop_ != nullptr && Stop()); }
+  // Why it is not Ok: it was told to stop.
+  [[nodiscard]] bool Stopped() const { return stopped_; }
   void Invalid() { invalid_ = true; }
   // A value outside its range makes the record invalid.
   void Require(bool holds) {
@@ -48,8 +55,13 @@ class ScoreSource {
   void Frame();
 
  private:
+  [[nodiscard]] bool Stop() const;
+
   ByteReader in_;
   bool invalid_ = false;
+  const CancelCheck* stop_ = nullptr;
+  mutable unsigned asked_ = 0;
+  mutable bool stopped_ = false;
 };
 
 // The sixteen colours that have a number, red in the low byte.

@@ -5,8 +5,6 @@
 namespace ts5 {
 namespace {
 
-constexpr unsigned kPollEvery = 4096;  // records
-
 SystemStaff& StaffOf(ScoreSystem& system, const StaffHeader& header) {
   const auto found = std::ranges::find(system.staves, std::size_t{header.layout}, &SystemStaff::layout);
   if (found != system.staves.end()) return *found;
@@ -18,8 +16,7 @@ SystemStaff& StaffOf(ScoreSystem& system, const StaffHeader& header) {
 
 class SystemReader {
  public:
-  SystemReader(ScoreSource& in, std::size_t layouts, const std::function<bool()>& stopped)
-      : in_(in), layouts_(layouts), stopped_(stopped) {}
+  SystemReader(ScoreSource& in, std::size_t layouts) : in_(in), layouts_(layouts) {}
 
   ScoreSystem Read() {
     ScoreSystem system;
@@ -29,7 +26,6 @@ class SystemReader {
       const StaffHeader staff = ReadStaffHeader(in_);
       in_.Require(staff.layout < layouts_);
       if (in_.Ok()) ReadVoices(staff.voices, StaffOf(system, staff));
-      Poll();
     }
     return system;
   }
@@ -42,28 +38,18 @@ class SystemReader {
         staff.places[i] = {in_.Position(), header.objects};
         staff.voices = std::max<std::size_t>(staff.voices, i + 1);
       }
-      for (std::uint32_t k = 0; k < header.objects && in_.Ok(); ++k) {
-        (void)ReadObject(in_);
-        Poll();
-      }
-      Poll();
+      for (std::uint32_t k = 0; k < header.objects && in_.Ok(); ++k) (void)ReadObject(in_);
     }
-  }
-
-  void Poll() {
-    if (++records_ % kPollEvery == 0 && stopped_ && stopped_()) in_.Invalid();
   }
 
   ScoreSource& in_;
   std::size_t layouts_;
-  const std::function<bool()>& stopped_;
-  unsigned records_ = 0;
 };
 
 }  // namespace
 
-ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts, const std::function<bool()>& stopped) {
-  return SystemReader(in, layouts, stopped).Read();
+ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts) {
+  return SystemReader(in, layouts).Read();
 }
 
 }  // namespace ts5

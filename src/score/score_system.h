@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 #include "score/playback_parameters.h"
@@ -31,9 +30,7 @@ struct ScoreSystem {
   std::vector<SystemStaff> staves;  // in the order of the score, each layout once: its last voices count
 };
 
-// layouts: how many staff layouts the score has; another one makes the record invalid. stopped is polled
-// every few thousand records and may be empty; when it says so, the source is not Ok() either.
-[[nodiscard]] ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts,
-                                     const std::function<bool()>& stopped = {});
+// layouts: how many staff layouts the score has; another one makes the record invalid.
+[[nodiscard]] ScoreSystem ReadSystem(ScoreSource& in, std::size_t layouts);
 
 }  // namespace ts5

@@ -53,10 +53,10 @@ class ItemBuilder {
         lines_(info.staves.size()) {}
 
   Result<std::vector<ScoreLine>> Build() {
-    ScoreSource in(file_, info_.bodyOffset);
+    ScoreSource in(file_, info_.bodyOffset, &cancelled_);
     for (std::uint32_t i = 0; i < info_.systems; ++i) {
-      const ScoreSystem system = ReadSystem(in, info_.staves.size(), cancelled_);
-      if (!in.Ok()) return Failure(Cancelled() ? Outcome::Cancelled : Outcome::DamagedScore);
+      const ScoreSystem system = ReadSystem(in, info_.staves.size());
+      if (!in.Ok()) return Failure(in.Stopped() ? Outcome::Cancelled : Outcome::DamagedScore);
       system_ = ClampTo<std::int32_t>(i);
       if (const Outcome outcome = WalkSystem(system); Failed(outcome)) return Failure(outcome);
     }

@@ -130,7 +130,8 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
 
 SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
                                const HitSink& sink, const CancelCheck& cancelled) {
-  const auto info = ReadScoreInfo(file);
+  const auto info = ReadScoreInfo(file, cancelled);
+  if (!info && info.error() == Outcome::Cancelled) return {Outcome::Cancelled, 0};
   if (!info) return {info.error() == Outcome::WrongFormat ? Outcome::WrongFormat : Outcome::SourceFailed, 0};
   if (!info->IsCurrent()) return {Outcome::WrongFormat, 0};
   const auto lines = ReadScoreItems(file, *info, cancelled);

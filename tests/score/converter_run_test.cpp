@@ -70,8 +70,7 @@ TEST_F(ScoreConverterRun, TellsWhatBecameOfEachScore) {
   EXPECT_EQ(result.lines[0], (RunLine{"Erfolgreich konvertierte Dateien:", 1}));
   EXPECT_EQ(result.lines[1], (RunLine{"Nicht (ordnungsgemäß) konvertierte Dateien:", 5}));
   EXPECT_THAT(result.remarks,
-              ElementsAre("Die Quelle hat ein ungültiges Dateiformat.",  // an older one
-                          "Die Quelle hat ein ungültiges Dateiformat.",
+              ElementsAre("Die Quelle hat ein ungültiges Dateiformat.",  // both of them
                           "Die Spielzeit der Quelldatei beträgt 0 Sekunden.", "Fehler in der Stavora-Datei.",
                           "Es trat ein Fehler in der Quelldatei auf."));
   EXPECT_THAT(host_->status, testing::Contains("Lese und untersuche \"gut.stv\"..."));

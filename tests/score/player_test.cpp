@@ -11,6 +11,7 @@
 #include "frame/run_support.h"
 #include "midi/midi_sequence.h"
 #include "platform/paths.h"
+#include "random_score.h"
 #include "score/parameter_set.h"
 #include "score/score_performer.h"
 #include "score/score_player.h"
@@ -145,11 +146,14 @@ TEST(ScorePlayer, TheDeviceGetsEveryEventThatTheConverterWrites) {
 }
 
 TEST(ScorePlayer, ASeekSoundsAsStraightPlayDoesFromThere) {
-  for (const std::string& path : DemoScores()) {
-    Stand straight(FileOf(path));
+  std::map<std::string, Bytes> scores;
+  for (const std::string& path : DemoScores()) scores[path] = FileOf(path);
+  for (unsigned seed = 0; seed < 60; ++seed) scores[std::to_string(seed)] = WriteScore(RandomScore(seed));
+  for (const auto& [path, file] : scores) {
+    Stand straight(file);
     EXPECT_THAT(straight.performer->Run(), IsOk());
     for (const int percent : {1, 30, 50, 77, 99}) {
-      Stand sought(FileOf(path));
+      Stand sought(file);
       sought.performer->Seek(sought.performer->Duration() * percent / 100);
       EXPECT_THAT(sought.performer->Run(), IsOk());
       const nanoseconds start = straight.device.now - sought.device.now;
