@@ -1,6 +1,9 @@
 // The score-to-MIDI converter as a filter of the frame: whole runs over files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include "frame/run_support.h"
 #include "midi/midi_sequence.h"
@@ -8,6 +11,7 @@
 #include "score/score_filter.h"
 #include "score/texts.h"
 #include "score_log.h"
+#include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -89,6 +93,21 @@ TEST_F(ScoreConverterRun, ATargetThatCannotBeMadeAndAStopAreSaid) {
   const RunResult stopped = Convert({score});
   EXPECT_TRUE(stopped.cancelled);
   EXPECT_THAT(stopped.remarks, ElementsAre("Der Vorgang wurde durch den Anwender abgebrochen."));
+  EXPECT_EQ(Listing(place_.Path()), "lied.stv");
+}
+
+TEST_F(ScoreConverterRun, AFullDiskLeavesNothingBehind) {
+  const std::string score = Score("lied.stv", OneVoice(VoiceItems(5000, Quarter())));
+  EXPECT_EQ(
+      InChild([&] {
+        (void)std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{20'000, 20'000};
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
+        const RunResult result = Convert({score, score});
+        return result.items.size() == 2 && result.items[0].code == -101 && result.items[1].code == -101 &&
+               result.remarks == std::vector<std::string>{"In eine Datei konnte nicht geschrieben werden."};
+      }),
+      0);
   EXPECT_EQ(Listing(place_.Path()), "lied.stv");
 }
 
