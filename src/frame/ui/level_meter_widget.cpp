@@ -1,7 +1,9 @@
 #include "frame/ui/level_meter_widget.h"
 
 #include <QPainter>
+#include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <numbers>
 
@@ -26,6 +28,14 @@ QColor ColourOf(double decibels) {
   return {60, 170, 80};
 }
 
+// A place on the dial, at a part of the needle's length.
+QPointF OnDial(const QRectF& area, double decibels, qreal part) {
+  const QPointF hub(area.center().x(), area.bottom() + area.height() * 0.4);
+  const qreal radius = area.height() * 1.3 * part;
+  const double angle = std::numbers::pi * (0.75 - 0.5 * MeterPlace(decibels));
+  return hub + QPointF(std::cos(angle) * radius, -std::sin(angle) * radius);
+}
+
 }  // namespace
 
 LevelMeterWidget::LevelMeterWidget(QWidget* parent) : QWidget(parent) {
@@ -39,62 +49,145 @@ LevelMeterWidget::LevelMeterWidget(QWidget* parent) : QWidget(parent) {
 void LevelMeterWidget::SetStyle(MeterStyle style) {
   style_ = style;
   setToolTip(QtText(kStyleNames.at(static_cast<std::size_t>(style))));
+  still_ = {};
   update();
 }
 
 void LevelMeterWidget::Advance(LevelTap& tap) {
   const std::chrono::milliseconds elapsed(clock_.restart());
-  if (ballistics_.Update(tap.Take(), elapsed)) update();
+  if (!ballistics_.Update(tap.Take(), elapsed)) return;
+  for (std::size_t i = 0; i < places_.size(); ++i) {
+    const Places now = PlacesOf(ballistics_.Levels()[i]);
+    if (now == places_[i]) continue;
+    update(Moved(i, places_[i], now));
+    if (now.over != places_[i].over) update(Lamp(i).toAlignedRect());
+    places_[i] = now;
+  }
 }
 
 void LevelMeterWidget::mouseDoubleClickEvent(QMouseEvent* /*event*/) {
   SetStyle(static_cast<MeterStyle>((static_cast<std::size_t>(style_) + 1) % kStyleNames.size()));
 }
 
-void LevelMeterWidget::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
-  painter.fillRect(rect(), palette().base());
-  const auto& levels = ballistics_.Levels();
-  const std::array names{texts::MeterChannelLeft, texts::MeterChannelRight};
-  if (style_ == MeterStyle::Needle) {
-    painter.setRenderHint(QPainter::Antialiasing);
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-      const QRectF area(width() * 0.5 * static_cast<qreal>(i), 0, width() * 0.5, height());
-      PaintNeedle(painter, area.adjusted(6, 4, -6, -4), levels[i]);
-      painter.setPen(palette().text().color());
-      painter.drawText(area.adjusted(6, 2, 0, 0), Qt::AlignLeft | Qt::AlignTop, QtText(names[i]));
-    }
-    return;
-  }
-  const qreal scale = fontMetrics().height() + 2.0;
-  const qreal bar = (height() - scale) / 2;
-  for (std::size_t i = 0; i < levels.size(); ++i) {
-    const qreal top = bar * static_cast<qreal>(i);
-    painter.setPen(palette().text().color());
-    painter.drawText(QRectF(2, top, kNameWidth, bar), Qt::AlignCenter, QtText(names[i]));
-    PaintBar(painter, QRectF(kNameWidth + 4, top + 2, width() - kNameWidth - kOverWidth - 10, bar - 4),
-             levels[i], style_ == MeterStyle::Segments);
-    painter.fillRect(QRectF(width() - kOverWidth - 2, top + 2, kOverWidth, bar - 4),
-                     levels[i].over ? QColor(220, 30, 30) : palette().mid().color());
-  }
-  PaintScale(painter,
-             QRectF(kNameWidth + 4, height() - scale, width() - kNameWidth - kOverWidth - 10, scale));
+void LevelMeterWidget::resizeEvent(QResizeEvent* /*event*/) {
+  still_ = {};
 }
 
-void LevelMeterWidget::PaintBar(QPainter& painter, const QRectF& area, const MeterBallistics::Channel& level,
-                                bool segments) const {
-  painter.fillRect(area, palette().alternateBase());
-  const auto at = [&](double decibels) { return area.left() + area.width() * MeterPlace(decibels); };
-  if (segments) {
-    const double step = -kMeterFloor / kSegments;
-    for (int i = 0; i < kSegments; ++i) {
-      const double low = kMeterFloor + step * i;
-      QColor colour = ColourOf(low + step / 2);
-      if (level.peak < low + step / 2 && !(level.hold >= low && level.hold < low + step)) colour.setAlpha(40);
-      painter.fillRect(QRectF(at(low) + 1, area.top(), area.width() / kSegments - 2, area.height()), colour);
-    }
-    return;
+void LevelMeterWidget::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  still_ = {};
+  update();
+}
+
+// --- places
+
+QRectF LevelMeterWidget::Half(std::size_t channel) const {
+  return {width() * 0.5 * static_cast<qreal>(channel), 0, width() * 0.5, static_cast<qreal>(height())};
+}
+
+QRectF LevelMeterWidget::Bar(std::size_t channel) const {
+  const qreal bar = (height() - fontMetrics().height() - 2.0) / 2;
+  return {kNameWidth + 4, bar * static_cast<qreal>(channel) + 2, width() - kNameWidth - kOverWidth - 10,
+          bar - 4};
+}
+
+QRectF LevelMeterWidget::Lamp(std::size_t channel) const {
+  const QRectF bar = Bar(channel);
+  return {width() - kOverWidth - 2, bar.top(), kOverWidth, bar.height()};
+}
+
+LevelMeterWidget::Places LevelMeterWidget::PlacesOf(const Level& level) const {
+  const qreal length =
+      (style_ == MeterStyle::Needle ? Half(0).width() : Bar(0).width()) * devicePixelRatioF();
+  const auto at = [length](double decibels) {
+    return static_cast<int>(std::lround(length * MeterPlace(decibels)));
+  };
+  return {at(level.peak), at(level.rms), at(level.hold), level.over};
+}
+
+// What must be painted anew: a needle sweeps over its whole half.
+QRect LevelMeterWidget::Moved(std::size_t channel, const Places& from, const Places& to) const {
+  if (style_ == MeterStyle::Needle) return Half(channel).toAlignedRect();
+  int left = INT_MAX;
+  int right = INT_MIN;
+  for (const int Places::*place : {&Places::peak, &Places::rms, &Places::hold}) {
+    if (from.*place == to.*place) continue;
+    left = std::min({left, from.*place, to.*place});
+    right = std::max({right, from.*place, to.*place});
   }
+  if (left > right) return {};
+  const QRectF bar = Bar(channel);
+  const qreal scale = devicePixelRatioF();
+  // A segment is lit as a whole.
+  const qreal around = style_ == MeterStyle::Segments ? bar.width() / kSegments + 1 : 3;
+  return QRectF(QPointF(bar.left() + left / scale - around, bar.top()),
+                QPointF(bar.left() + right / scale + around, bar.bottom()))
+      .intersected(bar)
+      .toAlignedRect();
+}
+
+// --- painting
+
+void LevelMeterWidget::paintEvent(QPaintEvent* /*event*/) {
+  if (still_.isNull()) PaintStill();
+  QPainter painter(this);
+  painter.drawPixmap(0, 0, still_);
+  const auto& levels = ballistics_.Levels();
+  for (std::size_t i = 0; i < levels.size(); ++i) {
+    if (style_ == MeterStyle::Needle) {
+      PaintNeedles(painter, Half(i).adjusted(6, 4, -6, -4), levels[i]);
+      continue;
+    }
+    if (style_ == MeterStyle::Segments) {
+      PaintSegments(painter, Bar(i), &levels[i]);
+    } else {
+      PaintBar(painter, Bar(i), levels[i]);
+    }
+    if (levels[i].over) painter.fillRect(Lamp(i), QColor(220, 30, 30));
+  }
+}
+
+void LevelMeterWidget::PaintStill() {
+  still_ = QPixmap(size() * devicePixelRatioF());
+  still_.setDevicePixelRatio(devicePixelRatioF());
+  still_.fill(palette().base().color());
+  QPainter painter(&still_);
+  painter.setFont(font());
+  const std::array names{texts::MeterChannelLeft, texts::MeterChannelRight};
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    painter.setPen(palette().text().color());
+    if (style_ == MeterStyle::Needle) {
+      painter.drawText(Half(i).adjusted(6, 2, 0, 0), Qt::AlignLeft | Qt::AlignTop, QtText(names[i]));
+      PaintDial(painter, Half(i).adjusted(6, 4, -6, -4));
+      continue;
+    }
+    const QRectF bar = Bar(i);
+    painter.drawText(QRectF(2, bar.top(), kNameWidth, bar.height()), Qt::AlignCenter, QtText(names[i]));
+    painter.fillRect(bar, palette().alternateBase());
+    if (style_ == MeterStyle::Segments) PaintSegments(painter, bar, nullptr);
+    painter.fillRect(Lamp(i), palette().mid().color());
+  }
+  if (style_ != MeterStyle::Needle) PaintScale(painter);
+}
+
+void LevelMeterWidget::PaintSegments(QPainter& painter, const QRectF& area, const Level* level) const {
+  const double step = -kMeterFloor / kSegments;
+  for (int i = 0; i < kSegments; ++i) {
+    const double low = kMeterFloor + step * i;
+    QColor colour = ColourOf(low + step / 2);
+    if (level == nullptr) {
+      colour.setAlpha(40);
+    } else if (level->peak < low + step / 2 && !(level->hold >= low && level->hold < low + step)) {
+      continue;
+    }
+    painter.fillRect(QRectF(area.left() + area.width() * MeterPlace(low) + 1, area.top(),
+                            area.width() / kSegments - 2, area.height()),
+                     colour);
+  }
+}
+
+void LevelMeterWidget::PaintBar(QPainter& painter, const QRectF& area, const Level& level) const {
+  const auto at = [&](double decibels) { return area.left() + area.width() * MeterPlace(decibels); };
   double from = kMeterFloor;
   for (const double to : {kYellow, kRed, 0.0}) {
     const double end = std::min(to, level.peak);
@@ -112,25 +205,25 @@ void LevelMeterWidget::PaintBar(QPainter& painter, const QRectF& area, const Met
   }
 }
 
-void LevelMeterWidget::PaintNeedle(QPainter& painter, const QRectF& area,
-                                   const MeterBallistics::Channel& level) const {
-  const QPointF hub(area.center().x(), area.bottom() + area.height() * 0.4);
-  const qreal length = area.height() * 1.3;
-  const auto point = [&](double decibels, qreal radius) {
-    const double angle = std::numbers::pi * (0.75 - 0.5 * MeterPlace(decibels));
-    return hub + QPointF(std::cos(angle) * radius, -std::sin(angle) * radius);
-  };
+void LevelMeterWidget::PaintDial(QPainter& painter, const QRectF& area) const {
+  painter.setRenderHint(QPainter::Antialiasing);
   for (const int mark : kMarks) {
     painter.setPen(QPen(mark > kRed ? ColourOf(mark) : palette().text().color(), 1.5));
-    painter.drawLine(point(mark, length * 0.92), point(mark, length));
+    painter.drawLine(OnDial(area, mark, 0.92), OnDial(area, mark, 1));
   }
-  painter.setPen(QPen(ColourOf(level.hold), 1));
-  painter.drawLine(point(level.hold, length * 0.6), point(level.hold, length * 0.9));
-  painter.setPen(QPen(palette().text().color(), 2));
-  painter.drawLine(point(level.rms, length * 0.35), point(level.rms, length * 0.9));
 }
 
-void LevelMeterWidget::PaintScale(QPainter& painter, const QRectF& area) const {
+void LevelMeterWidget::PaintNeedles(QPainter& painter, const QRectF& area, const Level& level) const {
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(ColourOf(level.hold), 1));
+  painter.drawLine(OnDial(area, level.hold, 0.6), OnDial(area, level.hold, 0.9));
+  painter.setPen(QPen(palette().text().color(), 2));
+  painter.drawLine(OnDial(area, level.rms, 0.35), OnDial(area, level.rms, 0.9));
+}
+
+void LevelMeterWidget::PaintScale(QPainter& painter) const {
+  const QRectF bar = Bar(1);
+  const QRectF area(bar.left(), bar.bottom() + 2, bar.width(), height() - bar.bottom() - 2);
   painter.setPen(palette().text().color());
   for (const int mark : kMarks) {
     const qreal x = area.left() + area.width() * MeterPlace(mark);

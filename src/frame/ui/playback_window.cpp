@@ -17,6 +17,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kRefreshMilliseconds = 16;  // 60 times a second
+constexpr unsigned kRefreshesPerTime = 3;
 
 using std::chrono::milliseconds;
 
@@ -147,10 +148,16 @@ void PlaybackWindow::Refresh() {
         static_cast<QAbstractButton*>(ui_->restartButton), static_cast<QAbstractButton*>(ui_->nextButton)})
     button->setEnabled(active);
   emit Refreshed();
-  PlaybackForm form = PlaybackFormOf(subject_.filter, *options, state, status);
+  const PlaybackForm form = PlaybackFormOf(subject_.filter, *options, state, status);
   if (shown_ == form) return;
+  if (shown_ && refreshes_++ % kRefreshesPerTime != 0) {
+    // A time that nobody can read faster would cost a new layout each time.
+    PlaybackForm later = *shown_;
+    later.elapsed = form.elapsed;
+    if (later == form) return;
+  }
   Show(form);
-  shown_ = std::move(form);
+  shown_ = form;
 }
 
 void PlaybackWindow::Show(const PlaybackForm& form) {

@@ -63,6 +63,7 @@ class PlaybackWindow : public HostedDialog {
   LevelMeterWidget* meter_;
   QTimer timer_;
   std::optional<PlaybackForm> shown_;
+  unsigned refreshes_ = 0;
 };
 
 }  // namespace ts5
