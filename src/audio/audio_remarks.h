@@ -7,7 +7,8 @@
 
 namespace ts5 {
 
-// The codes that the audio filters share.
+// The codes that the audio filters share; the first row of a code counts, so a filter puts its own before
+// them.
 [[nodiscard]] std::span<const Remark> AudioRemarks();
 // Those of the wave converter: whatever keeps a conversion from beginning reads the same.
 [[nodiscard]] std::span<const Remark> WaveConverterRemarks();

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/audio_remarks.h"
 #include "audio/midi_recording.h"
 #include "audio/synthesis.h"
 #include "audio/synthesizer_config.h"
@@ -26,9 +27,8 @@ namespace {
 
 using namespace texts;
 
-constexpr Remark kRemarks[] = {
-    {Code(Outcome::OutOfMemory), RemarkOutOfMemory},
-    {Code(Outcome::Cancelled), RemarkCancelled},
+// What this filter says otherwise than the audio filters do in common.
+constexpr Remark kOwnRemarks[] = {
     {Code(Outcome::NotNecessary), NormaliseNotNecessary},
     {Code(Outcome::LibraryNotLoaded), MidiWaveSynthFailed},
     {Code(Outcome::LibraryFailed), MidiWaveSynthFailed},
@@ -37,13 +37,18 @@ constexpr Remark kRemarks[] = {
     {Code(Outcome::ConverterNotOpened), MidiWaveRecordingFailed},
     {Code(Outcome::EncoderNotStarted), MidiWaveInputNotStarted},
     {Code(Outcome::EncoderFailed), MidiWaveInputGone},
-    {Code(Outcome::ReadFailed), RemarkReadFailed},
-    {Code(Outcome::WriteFailed), RemarkWriteFailed},
     {Code(Outcome::WrongFormat), RemarkWrongFormat},
-    {Code(Outcome::TargetFailed), RemarkTargetFailed},
-    {Code(Outcome::SourceFailed), RemarkSourceFailed},
     {Code(Outcome::DamagedMidi), RemarkDamagedMidi},
 };
+
+std::span<const Remark> AllRemarks() {
+  static const std::vector<Remark> remarks = [] {
+    std::vector<Remark> all(std::begin(kOwnRemarks), std::end(kOwnRemarks));
+    all.insert(all.end(), AudioRemarks().begin(), AudioRemarks().end());
+    return all;
+  }();
+  return remarks;
+}
 
 Outcome CheckSource(const FilterParameters& /*parameters*/, const std::string& source) {
   const auto info = ReadMidiFileHeader(source);
@@ -201,7 +206,7 @@ FilterModule MidiToWaveModule() {
   module.create = [] { return std::make_unique<MidiToWaveParameters>(); };
   module.fields = MidiToWaveFields();
   module.run = [](Run& run) { MidiToWaveRun(run).Execute(); };
-  module.remarks = kRemarks;
+  module.remarks = AllRemarks();
   module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
     return TargetRule{.extension = "wav", .formatKept = false};
   };
