@@ -160,6 +160,25 @@ TEST(DamagedScores, ChangedAtAnyByteComeToAnEnd) {
   }
 }
 
+// Repeats may be many and may have nothing between them; a score with more of them than any music is damaged.
+TEST(DamagedScores, RepeatsWithoutEndComeToOne) {
+  const auto repeated = [](std::size_t times, const VoiceItems& section) {
+    VoiceItems items;
+    for (std::size_t i = 0; i < times; ++i) items.insert(items.end(), section.begin(), section.end());
+    PlaybackParameters parameters;
+    const auto score = OpenAndScan(WriteScore(OneVoice(items)), parameters);
+    return score ? score->scan.ticks : 0;
+  };
+  constexpr std::uint64_t kLeadIn = 1440;  // a first quarter alone is an upbeat
+  const VoiceItems section = {BarItem(4), Quarter(), BarItem(3)};
+  EXPECT_EQ(repeated(1000, section), kLeadIn + 2U * 1000 * 480);
+  EXPECT_EQ(repeated(kMaxJumps + 1, section), 0U);
+  EXPECT_EQ(repeated(kMaxJumps + 1, {BarItem(4), BarItem(3)}), 0U);
+  // Each goes back to where the one before it stood.
+  EXPECT_EQ(repeated(100, {Quarter(), BarItem(5)}), kLeadIn + 2U * 100 * 480);
+  EXPECT_EQ(repeated(100, {Quarter(), BarItem(3)}), kLeadIn + 2U * 100 * 480);
+}
+
 TEST(DamagedScores, VersesWithoutEndAreNotKept) {
   ByteWriter out;
   for (const int byte : {1, 0, 0, 2, 0x40, 255, 0xFF, 0xFF, 0xFF, 0xFF})
