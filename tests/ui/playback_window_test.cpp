@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QCheckBox>
+#include <QScreen>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
@@ -91,6 +92,30 @@ TEST_F(PlaybackWindowTest, VolumeBalanceAndPositionReachThePlayer) {
   EXPECT_EQ(run_->player.Take(0ms).seek, 20s) << "wherever the focus is";
   slider->setValue(30'000);
   EXPECT_EQ(run_->player.Take(0ms).seek, 30s);
+}
+
+// What is on the screen after many small repaints is what a whole one would show. (A needle is drawn as a
+// whole.)
+TEST_F(PlaybackWindowTest, TheMeterRepaintsAllThatHasMoved) {
+  for (const MeterStyle style : {MeterStyle::Bars, MeterStyle::Segments}) {
+    LevelMeterWidget meter;
+    meter.resize(400, 70);
+    meter.SetStyle(style);
+    meter.show();
+    QApplication::processEvents();
+    LevelTap tap;
+    for (int tick = 0; tick < 40; ++tick) {
+      const float loud = tick % 8 == 0 ? 1.0F : 0.02F * static_cast<float>(tick % 5);
+      tap.Add(std::vector<float>(2 * 512, loud), 2, 44100);
+      QTest::qWait(10);
+      meter.Advance(tap);
+      QApplication::processEvents();
+      const QImage shown = meter.screen()->grabWindow(meter.winId()).toImage();
+      const QImage whole = meter.grab().toImage();
+      ASSERT_EQ(shown.convertToFormat(QImage::Format_RGB32), whole.convertToFormat(QImage::Format_RGB32))
+          << static_cast<int>(style) << " at " << tick;
+    }
+  }
 }
 
 TEST_F(PlaybackWindowTest, TheMeterShowsLevelsInEveryStyle) {

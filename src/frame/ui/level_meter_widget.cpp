@@ -28,6 +28,21 @@ QColor ColourOf(double decibels) {
   return {60, 170, 80};
 }
 
+// Where a level stands along a bar of so many pixels.
+int PixelOf(double decibels, qreal length) {
+  return static_cast<int>(std::lround(length * MeterPlace(decibels)));
+}
+
+// How many segments a peak lights, and the one that a held peak lies in.
+constexpr double kSegmentStep = -kMeterFloor / kSegments;
+int LitSegments(double peak) {
+  return static_cast<int>(
+      std::clamp(std::floor((peak - kMeterFloor) / kSegmentStep + 0.5), 0.0, kSegments * 1.0));
+}
+int SegmentOf(double hold) {
+  return static_cast<int>(std::floor((hold - kMeterFloor) / kSegmentStep));
+}
+
 // A place on the dial, at a part of the needle's length.
 QPointF OnDial(const QRectF& area, double decibels, qreal part) {
   const QPointF hub(area.center().x(), area.bottom() + area.height() * 0.4);
@@ -99,10 +114,11 @@ QRectF LevelMeterWidget::Lamp(std::size_t channel) const {
 LevelMeterWidget::Places LevelMeterWidget::PlacesOf(const Level& level) const {
   const qreal length =
       (style_ == MeterStyle::Needle ? Half(0).width() : Bar(0).width()) * devicePixelRatioF();
-  const auto at = [length](double decibels) {
-    return static_cast<int>(std::lround(length * MeterPlace(decibels)));
-  };
-  return {at(level.peak), at(level.rms), at(level.hold), level.over};
+  if (style_ == MeterStyle::Segments) {
+    const auto behind = [length](int segments) { return static_cast<int>(length * segments / kSegments); };
+    return {behind(LitSegments(level.peak)), 0, behind(SegmentOf(level.hold)), level.over};
+  }
+  return {PixelOf(level.peak, length), PixelOf(level.rms, length), PixelOf(level.hold, length), level.over};
 }
 
 // What must be painted anew: a needle sweeps over its whole half.
@@ -171,13 +187,12 @@ void LevelMeterWidget::PaintStill() {
 }
 
 void LevelMeterWidget::PaintSegments(QPainter& painter, const QRectF& area, const Level* level) const {
-  const double step = -kMeterFloor / kSegments;
   for (int i = 0; i < kSegments; ++i) {
-    const double low = kMeterFloor + step * i;
-    QColor colour = ColourOf(low + step / 2);
+    const double low = kMeterFloor + kSegmentStep * i;
+    QColor colour = ColourOf(low + kSegmentStep / 2);
     if (level == nullptr) {
       colour.setAlpha(40);
-    } else if (level->peak < low + step / 2 && !(level->hold >= low && level->hold < low + step)) {
+    } else if (i >= LitSegments(level->peak) && i != SegmentOf(level->hold)) {
       continue;
     }
     painter.fillRect(QRectF(area.left() + area.width() * MeterPlace(low) + 1, area.top(),
@@ -187,7 +202,10 @@ void LevelMeterWidget::PaintSegments(QPainter& painter, const QRectF& area, cons
 }
 
 void LevelMeterWidget::PaintBar(QPainter& painter, const QRectF& area, const Level& level) const {
-  const auto at = [&](double decibels) { return area.left() + area.width() * MeterPlace(decibels); };
+  const qreal scale = devicePixelRatioF();
+  const auto at = [&](double decibels) {
+    return area.left() + PixelOf(decibels, area.width() * scale) / scale;
+  };
   double from = kMeterFloor;
   for (const double to : {kYellow, kRed, 0.0}) {
     const double end = std::min(to, level.peak);
@@ -200,7 +218,7 @@ void LevelMeterWidget::PaintBar(QPainter& painter, const QRectF& area, const Lev
   painter.fillRect(QRectF(QPointF(area.left(), area.top() + area.height() / 3),
                           QPointF(at(level.rms), area.bottom() - area.height() / 3)),
                    QColor(0, 0, 0, 90));
-  if (level.hold > kMeterFloor) {
+  if (at(level.hold) - 2 >= area.left()) {
     painter.fillRect(QRectF(at(level.hold) - 2, area.top(), 2, area.height()), ColourOf(level.hold));
   }
 }
