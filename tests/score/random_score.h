@@ -42,6 +42,7 @@ inline ScoreDocument RandomScore(unsigned seed) {
   document.staves = {StaffNamed("A"), StaffNamed("B", 40)};
   for (int s = 0; s < 3; ++s) {
     SystemItems system;
+    system.tempo = random() % 3 == 0 ? 0U : static_cast<std::uint32_t>(40 + random() % 200);
     for (std::uint8_t layout = 0; layout < 2; ++layout) {
       StaffItems staff{layout, {}, {}};
       for (int v = 0; v < 2; ++v) {
