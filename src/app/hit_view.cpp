@@ -107,6 +107,7 @@ void HitView::ShowTip(const QPoint& position, const QPoint& globalPosition) {
   const SearchHit hit = results.Hit(row);
   const QString file = QStringLiteral("<p>%1</p>").arg(ToQt(hit.file).toHtmlEscaped());
   QToolTip::showText(globalPosition, file, viewport());
+  if (results.Record().kind != SearchKind::Midi) return;
   worker_.Start([this, hit, file, globalPosition, notes = results.Notes(row)]() -> BackgroundWorker::Done {
     const auto playable = LoadPlayableHit(hit, notes);
     if (!playable) return {};

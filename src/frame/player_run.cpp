@@ -88,12 +88,7 @@ class PlayerRun {
     auto title = IsUsablePath(source) ? device_->Open(source)
                                       : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
     if (!title) {
-      // Stopped while it was read: it is neither started nor failed.
-      if (title.error() == Outcome::Cancelled) {
-        run_.Result().items.push_back({source, "", Code(Outcome::Cancelled)});
-      } else {
-        ReportFailure(source, title.error());
-      }
+      Book(source, title.error());
       return {title.error(), {}};
     }
     ++started_;
@@ -101,11 +96,7 @@ class PlayerRun {
     const Turn turn = Supervise(index, source, **title);
     if (Succeeded(turn.code)) ++finished_;
     if (turn.code == Outcome::WriteFailed) deviceGone_ = true;
-    if (Failed(turn.code) && turn.code != Outcome::Cancelled) {
-      ReportFailure(source, turn.code);
-    } else {
-      run_.Result().items.push_back({source, "", Code(turn.code)});
-    }
+    Book(source, turn.code);
     return turn;
   }
 
@@ -166,10 +157,12 @@ class PlayerRun {
     return std::nullopt;
   }
 
-  void ReportFailure(const std::string& source, Outcome code) {
+  // What became of a title. One that was stopped, if only while it was read, has not failed.
+  void Book(const std::string& source, Outcome code) {
+    run_.Result().items.push_back({source, "", Code(code)});
+    if (Succeeded(code) || code == Outcome::Cancelled) return;
     ++failed_;
     run_.AddCode(code);
-    run_.Result().items.push_back({source, "", Code(code)});
     const std::string_view text =
         Text(code == Outcome::NotNecessary ? texts::PlayerCdFailed : texts::PlayerTitleFailed);
     if (count_ == 1) {

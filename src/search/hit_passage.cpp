@@ -8,7 +8,7 @@
 #include "midi/conductor.h"
 #include "midi/midi_events.h"
 #include "midi/midi_file.h"
-#include "platform/files.h"
+#include "platform/input_file.h"
 #include "score/score_midi.h"
 #include "search/midi_search.h"
 #include "search/note_stream.h"
@@ -37,40 +37,79 @@ struct Bars {
   }
 };
 
-struct HitTrack {
-  ByteView track;
-  std::uint32_t tempo = kDefaultTempo;
+struct MidiTrack {
+  ByteView bytes;
+  std::uint32_t tempo = kDefaultTempo;  // the first of the file
   Bars bars;
 };
 
-// The track that the hit names, as the search counts them.
-Result<HitTrack> TrackOf(ByteView file, const SearchHit& hit) {
-  const MidiFileInfo info = DetectMidiKind(file);
-  if (info.kind == MidiFileKind::None || info.header.division == 0) return Failure(Outcome::WrongFormat);
-  const std::size_t wanted =
-      static_cast<std::size_t>(std::max(hit.track, 0)) + (info.header.trackCount < 2 ? 0 : 1);
-  HitTrack found;
-  found.bars.division = info.header.division;
-  MidiTrackReader tracks(MidiBytesOf(file), info.header.trackCount);
-  ByteView track;
-  for (std::size_t i = 0; i <= wanted; ++i) {
-    if (!tracks.Next(track)) return Failure(Outcome::DamagedMidi);
+// number: in the file, from 0.
+Result<MidiTrack> TrackOf(ByteView file, const MidiFileHeader& header, std::size_t number) {
+  MidiTrackReader tracks(MidiBytesOf(file), header.trackCount);
+  MidiTrack found;
+  found.bars.division = header.division;
+  for (std::size_t i = 0; i <= number; ++i) {
+    if (!tracks.Next(found.bytes)) return Failure(Outcome::DamagedMidi);
     if (i > 0) continue;
-    auto conductor = ScanConductorTrack(track, info.header.division);
+    auto conductor = ScanConductorTrack(found.bytes, header.division);
     if (!conductor) return Failure(conductor.error());
     found.tempo = conductor->tempo.value_or(kDefaultTempo);
     found.bars.signatures = std::move(conductor->signatures);
   }
-  found.track = track;
   return found;
+}
+
+// A score sounds as the MIDI file that is made of it, straight through as the search counts its bars.
+struct SoundingScore {
+  OpenScore score;
+  Bytes midi;
+};
+
+Result<SoundingScore> MidiOfScore(Bytes file, const CancelCheck& cancelled) {
+  PlaybackParameters parameters;
+  auto score = OpenAndScan(std::move(file), parameters, false, cancelled);
+  if (!score) return Failure(score.error());
+  ScoreOptions options;
+  options.repeats = false;
+  auto midi = ScoreToMidi(*score, parameters, std::move(options), {.cancelled = cancelled});
+  if (!midi) return Failure(midi.error());
+  return SoundingScore{std::move(*score), std::move(*midi)};
+}
+
+Result<HitPassage> FindScorePassage(const SoundingScore& sounding, const SearchHit& hit,
+                                    const CancelCheck& cancelled) {
+  const auto lines = ReadScoreItems(sounding.score.file, sounding.score.info, cancelled);
+  if (!lines) return Failure(lines.error());
+  if (hit.track < 0 || std::cmp_greater_equal(hit.track, lines->size()) || hit.voice < 0 ||
+      std::cmp_greater_equal(hit.voice, kMaxVoices))
+    return Failure(Outcome::DamagedScore);
+  const auto& items = (*lines)[static_cast<std::size_t>(hit.track)][static_cast<std::size_t>(hit.voice)];
+  const auto at = [](std::int32_t system, std::int32_t object) {
+    return [=](const ScoreSearchItem& item) { return item.system == system && item.object == object; };
+  };
+  const auto first = std::ranges::find_if(items, at(hit.firstSystem, hit.firstObject));
+  const auto last = std::find_if(first, items.end(), at(hit.lastSystem, hit.lastObject));
+  if (last == items.end()) return Failure(Outcome::DamagedScore);
+  const auto conductor = TrackOf(sounding.midi, DetectMidiKind(sounding.midi).header, 0);
+  if (!conductor) return Failure(conductor.error());
+  const auto tick = [&](std::int64_t units) {
+    constexpr std::int64_t kTicksPerUnit = kScoreTicksPerQuarter / kMelodyQuarter;
+    return sounding.score.scan.leadIn + static_cast<std::uint64_t>(units * kTicksPerUnit);
+  };
+  return conductor->bars.Around(tick(first->onset), tick(last->onset + last->duration));
 }
 
 }  // namespace
 
 Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size_t notes) {
-  const auto found = TrackOf(file, hit);
+  const MidiFileInfo info = DetectMidiKind(file);
+  if (info.kind == MidiFileKind::None || info.header.division == 0) return Failure(Outcome::WrongFormat);
+  // The search counts from the track behind the conductor.
+  const std::size_t number =
+      static_cast<std::size_t>(std::max(hit.track, 0)) + (info.header.trackCount < 2 ? 0 : 1);
+  const auto found = TrackOf(file, info.header, number);
   if (!found) return Failure(found.error());
-  MidiEventCursor cursor(found->track);
+  MidiEventCursor cursor(found->bytes);
   MidiEvent event;
   const auto nextNote = [&] {
     while (cursor.Next(event)) {
@@ -95,56 +134,16 @@ Result<HitPassage> FindHitPassage(ByteView file, const SearchHit& hit, std::size
   return found->bars.Around(onset, std::max(cursor.Tick(), last + 1));
 }
 
-namespace {
-
-// A score sounds as the MIDI file that is made of it, straight through as the search counts its bars.
-struct SoundingScore {
-  OpenScore score;
-  Bytes midi;
-};
-
-Result<SoundingScore> MidiOfScore(Bytes file) {
-  PlaybackParameters parameters;
-  auto score = OpenAndScan(std::move(file), parameters, false);
-  if (!score) return Failure(score.error());
-  ScoreOptions options;
-  options.repeats = false;
-  auto midi = ScoreToMidi(*score, parameters, std::move(options));
-  if (!midi) return Failure(midi.error());
-  return SoundingScore{std::move(*score), std::move(*midi)};
-}
-
-Result<HitPassage> FindScorePassage(const SoundingScore& sounding, const SearchHit& hit) {
-  const auto lines = ReadScoreItems(sounding.score.file, sounding.score.info);
-  if (!lines) return Failure(lines.error());
-  if (hit.track < 0 || std::cmp_greater_equal(hit.track, lines->size()) || hit.voice < 0 ||
-      std::cmp_greater_equal(hit.voice, kMaxVoices))
-    return Failure(Outcome::DamagedScore);
-  constexpr std::int64_t kTicksPerUnit = kScoreTicksPerQuarter / kMelodyQuarter;
-  std::int64_t now = sounding.score.scan.leadIn;
-  std::optional<std::int64_t> onset;
-  for (const ScoreSearchItem& item :
-       (*lines)[static_cast<std::size_t>(hit.track)][static_cast<std::size_t>(hit.voice)]) {
-    if (item.system == hit.firstSystem && item.object == hit.firstObject) onset = now;
-    now += item.duration * kTicksPerUnit;
-    if (!onset || item.system != hit.lastSystem || item.object != hit.lastObject) continue;
-    auto found = TrackOf(sounding.midi, SearchHit{});
-    if (!found) return Failure(found.error());
-    return found->bars.Around(static_cast<std::uint64_t>(*onset), static_cast<std::uint64_t>(now));
-  }
-  return Failure(Outcome::DamagedScore);
-}
-
-}  // namespace
-
-Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes) {
-  auto file = ReadFile(hit.file, std::max<std::uint64_t>(kMaxSequenceFile, kMaxScoreFile));
+Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes, const CancelCheck& cancelled) {
+  const auto input = InputFile::Open(hit.file);
+  if (!input) return Failure(input.error());
+  auto file = input->ReadAll(std::max<std::uint64_t>(kMaxSequenceFile, kMaxScoreFile), cancelled);
   if (!file) return Failure(file.error());
   Result<HitPassage> passage;
   if (DetectMidiKind(*file).kind == MidiFileKind::None) {
-    auto sounding = MidiOfScore(std::move(*file));
+    auto sounding = MidiOfScore(std::move(*file), cancelled);
     if (!sounding) return Failure(sounding.error());
-    passage = FindScorePassage(*sounding, hit);
+    passage = FindScorePassage(*sounding, hit, cancelled);
     *file = std::move(sounding->midi);
   } else {
     passage = FindHitPassage(*file, hit, notes);

@@ -12,6 +12,7 @@
 #include "midi/midi_sequence.h"
 #include "platform/bytes.h"
 #include "platform/outcome.h"
+#include "platform/work_watch.h"
 
 namespace ts5 {
 
@@ -35,8 +36,9 @@ struct PlayableHit {
   std::chrono::nanoseconds onset{};
   std::chrono::nanoseconds end{};
 };
-// Also SourceFailed and ReadFailed; of a score OldScore and DamagedScore, where it has no such hit (any more)
-// too. MIDI files above kMaxSequenceFile are refused, scores above kMaxScoreFile.
-[[nodiscard]] Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes);
+// Also SourceFailed, ReadFailed and Cancelled; of a score OldScore and DamagedScore, where it has no such hit
+// (any more) too. MIDI files above kMaxSequenceFile are refused, scores above kMaxScoreFile.
+[[nodiscard]] Result<PlayableHit> LoadPlayableHit(const SearchHit& hit, std::size_t notes,
+                                                  const CancelCheck& cancelled = {});
 
 }  // namespace ts5

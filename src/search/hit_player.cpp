@@ -16,9 +16,9 @@ constexpr std::chrono::milliseconds kDecay{400};  // the last notes die away bef
 
 Outcome Play(const std::stop_token& stop, const SearchHit& hit, std::size_t notes,
              const HitPlayer::Opener& open) {
-  const auto playable = LoadPlayableHit(hit, notes);
-  if (!playable) return Outcome::SourceFailed;
+  const auto playable = LoadPlayableHit(hit, notes, [&stop] { return stop.stop_requested(); });
   if (stop.stop_requested()) return Outcome::Cancelled;
+  if (!playable) return Outcome::SourceFailed;
   const auto device = open();
   if (!device) return Outcome::TargetFailed;
 

@@ -78,15 +78,18 @@ class ItemBuilder {
         walkers.push({0, i, voice, staff.places[voice].position, 0, staff.places[voice].objects});
     }
     vertical_ += info_.systemSpacing;
+    std::int64_t longest = 0;
 
     while (!walkers.empty()) {
       Walker walker = walkers.top();
       walkers.pop();
+      longest = std::max(longest, walker.elapsed);
       if (walker.object == walker.objects) continue;
       if (++walked_ % kCancelEvery == 0 && Cancelled()) return Outcome::Cancelled;
       Advance(walker, system.staves[walker.staff].layout, positions[walker.staff]);
       walkers.push(walker);
     }
+    start_ += longest;
     return Outcome::Success;
   }
 
@@ -116,6 +119,7 @@ class ItemBuilder {
         item.system = system_;
         item.object = ClampTo<std::int32_t>(walker.object);
         item.verticalPosition = verticalPosition;
+        item.onset = start_ + walker.elapsed;
         AddGroup(group, info_.staves[layout].transpose, item, voice, lines_[layout][walker.voice]);
         walker.elapsed += group.duration;
         break;
@@ -182,6 +186,7 @@ class ItemBuilder {
   std::vector<ScoreLine> lines_;
   std::int32_t system_ = 0;
   std::int64_t vertical_ = 0;
+  std::int64_t start_ = 0;  // of the system
   ScoreTimeSignature time_;
   std::int64_t beat_ = kMelodyQuarter;
   std::int64_t bar_ = std::int64_t{4} * kMelodyQuarter;

@@ -31,6 +31,8 @@ struct ScoreSearchItem {
   bool isRest = false;
   bool tieOnward = false;
   std::int64_t duration = 0;
+  std::int64_t onset = 0;  // from the start of the score without repeats: a system begins where the longest
+                           // voice of the one before it has ended
 
   bool operator==(const ScoreSearchItem&) const = default;
 };

@@ -13,6 +13,7 @@
 #include "midi/midi_file.h"
 #include "platform/files.h"
 #include "score/score_engine.h"
+#include "score/score_log.h"
 #include "search/hit_player.h"
 #include "search/melody_text.h"
 #include "search/midi_search.h"
@@ -181,6 +182,32 @@ TEST(HitPassageTest, EveryHitInAScoreIsFoundAgainWhereItsFirstNoteSounds) {
     }
   }
   EXPECT_GT(checked, 20U);
+}
+
+// A staff that comes in with the second system plays where it stands, not where it has counted its bars to.
+TEST(HitPassageTest, AStaffThatComesInLateIsHeardThere) {
+  const auto quarter = [](std::int8_t position) { return ChordItem(2, {test::Note(position)}); };
+  const VoiceItems rests(8, RestItem(2));
+  const VoiceItems tune = {RestItem(2), quarter(test::kMiddleC), quarter(test::kD), RestItem(2)};
+  ScoreDocument score;
+  score.staves = {test::StaffNamed("A"), test::StaffNamed("B")};
+  score.systems.resize(2);
+  score.systems[0].staves = {{0, {}, {rests}}};
+  score.systems[1].staves = {{0, {}, {VoiceItems(4, quarter(test::kE))}}, {1, {}, {tune}}};
+  const test::TemporaryDirectory directory;
+  const std::string path = directory.Write("a.stv", AsText(WriteScore(score)));
+  SearchHit found;
+  const HitSink sink = [&](const SearchHit& hit) {
+    found = hit;
+    return Outcome::Success;
+  };
+  const MelodyQuery query{MelodyFromNumbers("60:240,62:240")->elements, {}};
+  ASSERT_EQ(SearchScoreFile(path, query, sink, {}).hits, 1U);
+  const auto playable = LoadPlayableHit(found, 2);
+  ASSERT_THAT(playable, test::IsOk());
+  EXPECT_EQ(playable->sequence.TickAt(playable->bar), 2U * 1920);
+  EXPECT_EQ(playable->sequence.TickAt(playable->onset), 2U * 1920 + 480);
+  EXPECT_THAT(LoadPlayableHit(found, 2, [] { return true; }), test::FailsWith(Outcome::Cancelled));
 }
 
 TEST(HitPassageTest, TimesFollowTheTempoMap) {

@@ -102,12 +102,15 @@ TEST_F(PlaybackWindowTest, TheMeterRepaintsAllThatHasMoved) {
     meter.resize(400, 70);
     meter.SetStyle(style);
     meter.show();
-    QApplication::processEvents();
     LevelTap tap;
-    for (int tick = 0; tick < 40; ++tick) {
-      const float loud = tick % 8 == 0 ? 1.0F : 0.02F * static_cast<float>(tick % 5);
+    for (int tick = 0; tick < 66; ++tick) {
+      // Towards the end the held peak falls as well; then all has other places.
+      if (tick == 58) meter.resize(1200, 70);
+      if (tick == 62) meter.SetStyle(style == MeterStyle::Bars ? MeterStyle::Segments : MeterStyle::Bars);
+      QApplication::processEvents();
+      const float loud = tick == 4 ? 1.0F : 0.02F * static_cast<float>(tick % 5);
       tap.Add(std::vector<float>(2 * 512, loud), 2, 44100);
-      QTest::qWait(10);
+      QTest::qWait(30);
       meter.Advance(tap);
       QApplication::processEvents();
       const QImage shown = meter.screen()->grabWindow(meter.winId()).toImage();

@@ -163,7 +163,9 @@ void LevelMeterWidget::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
+// With all that is painted anew, so what stands there from now on is known as well.
 void LevelMeterWidget::PaintStill() {
+  for (std::size_t i = 0; i < places_.size(); ++i) places_[i] = PlacesOf(ballistics_.Levels()[i]);
   still_ = QPixmap(size() * devicePixelRatioF());
   still_.setDevicePixelRatio(devicePixelRatioF());
   still_.fill(palette().base().color());

@@ -61,7 +61,7 @@ class LevelMeterWidget : public QWidget {
   MeterStyle style_ = MeterStyle::Bars;
   QElapsedTimer clock_;
   QPixmap still_;
-  std::array<Places, 2> places_{};
+  std::array<Places, kMeterChannels> places_{};  // as they are on the screen
 };
 
 }  // namespace ts5
