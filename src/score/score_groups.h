@@ -16,8 +16,8 @@ inline constexpr std::size_t kMaxVerses = 64;     // nor are further verses
 inline constexpr std::uint32_t kScoreTicksPerQuarter = 480;
 
 struct ScoreTimeSignature {
-  std::uint16_t numerator = 4;
-  std::int16_t power = 2;  // the denominator is 2 to the power; what the file holds, so -1..126
+  std::uint16_t numerator = 4;  // in a file below 256
+  std::int16_t power = 2;       // the denominator is 2 to the power; what the file holds, so -1..126
 
   [[nodiscard]] bool Usable() const { return numerator > 0 && power >= 0 && power < 13; }
   bool operator==(const ScoreTimeSignature&) const = default;

@@ -5,10 +5,14 @@
 namespace ts5 {
 namespace {
 
+// The numerator has two bytes, of which the upper one is zero, or one alone; the denominator is never zero,
+// which tells the two apart.
 ScoreTimeSignature ReadTime(ScoreSource& in) {
   ScoreTimeSignature time;
-  time.numerator = in.U16();
-  time.power = static_cast<std::int16_t>((in.U8() & 0x7F) - 1);
+  time.numerator = in.U8();
+  std::uint8_t denominator = in.U8();
+  if (denominator == 0) denominator = in.U8();
+  time.power = static_cast<std::int16_t>((denominator & 0x7F) - 1);
   return time;
 }
 

@@ -170,6 +170,17 @@ TEST(Drawings, NestedTooDeepAreRefused) {
   EXPECT_EQ(Play(nested(kMaxDrawingDepth + 1)).outcome, Outcome::DamagedScore);
 }
 
+TEST(TimeSignatures, HaveANumeratorOfOneByteOrTwo) {
+  for (const Bytes& bytes : {Bytes{4, 0, 0, 6, 0, 0x84, 0xAA}, Bytes{4, 0, 0, 6, 0x84, 0xAA}}) {
+    ScoreSource in{ByteView(bytes)};
+    const ScoreObject object = ReadObject(in);
+    EXPECT_TRUE(in.Ok());
+    EXPECT_EQ(object.time.numerator, 6);
+    EXPECT_EQ(object.time.power, 3);
+    EXPECT_EQ(in.U8(), 0xAA) << "and nothing behind it is taken";
+  }
+}
+
 TEST(ObjectParameters, HoldNumbers) {
   ByteWriter out;
   out.U8(9);
