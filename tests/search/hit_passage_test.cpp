@@ -286,6 +286,21 @@ TEST_F(HitPlayerTest, PlaysThePassageAndNothingElse) {
   EXPECT_TRUE(heard_.closed);
 }
 
+TEST_F(HitPlayerTest, PlaysTheBarOfAScore) {
+  VoiceItems items;
+  for (const std::int8_t position :
+       {test::kMiddleC, test::kD, test::kE, test::kMiddleC, test::kE, test::kD}) {
+    items.push_back(test::Quarter(position));
+    if (items.size() == 4) items.push_back(BarItem());
+  }
+  hit_ = {};
+  hit_.file = directory_.Write("a.stv", AsText(WriteScore(test::OneVoice(items, 1800))));
+  hit_.firstObject = 5;  // the first note of the second bar
+  hit_.lastObject = 6;
+  EXPECT_EQ(Play(open_), Outcome::Success);
+  EXPECT_EQ(heard_.keys, (std::vector<int>{64, 62}));
+}
+
 TEST_F(HitPlayerTest, SaysWhyItEnded) {
   heard_.lastUntilGone = 3;
   EXPECT_EQ(Play(open_), Outcome::WriteFailed);
