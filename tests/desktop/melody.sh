@@ -2,13 +2,14 @@
 # A musician looks for a melody with real mouse and keys: types it and saves it under a name, searches a directory, reads
 # the hits, prints them into a PDF file, hears one, opens the viewer, ends. Needs Xvfb, xdotool and ImageMagick's import.
 #
-#   tests/desktop/melody.sh PROGRAM [PICTURES]
+#   tests/desktop/melody.sh PROGRAM [PICTURES] [KINDS]
 #
+# KINDS are the extensions of the demo files to look in: "mid rmi rdl" unless given; "stv" for the scores.
 # Exit status 0 when the melody is stored, the PDF file is there and the program ended by itself.
 program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
-cp "$demo"/*.mid "$demo"/*.rmi "$demo"/*.rdl "$HOME/Musik"
+for kind in ${3:-mid rmi rdl}; do cp "$demo"/*."$kind" "$HOME/Musik"; done
 
 start_program
 
