@@ -1,6 +1,7 @@
 #include "audio/audio_properties.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "audio/format_texts.h"
@@ -20,7 +21,7 @@ std::string Copy(TextId id) {
 
 // One decimal place, with the comma of the language.
 std::string Decibels(double value, TextId unit) {
-  std::string number = Format("%.1f", value);
+  std::string number = Format("%.1f", std::round(value * 10) / 10 + 0.0);  // never "-0,0"
   std::ranges::replace(number, '.', ',');
   return Format(Text(unit), number);
 }

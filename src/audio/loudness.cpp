@@ -14,6 +14,8 @@ constexpr double kAbsoluteGate = -70;  // LUFS
 constexpr double kRelativeGate = -10;  // LU below the mean of what passes the absolute one
 constexpr double kBinsPerUnit = 100;
 constexpr double kLoudest = 30;  // LUFS; what is louder counts there
+// Below it the weighting filter would have its corner beyond what the rate can hold.
+constexpr std::uint32_t kLeastRate = 4000;
 
 // The interpolating filter of BS.1770-4, annex 2: the phases 0 and 1 of four; 2 and 3 are their mirrors.
 constexpr std::array<double, 12> kPhase0{0.0017089843750,  0.0109863281250,  -0.0196533203125,
@@ -63,7 +65,7 @@ LoudnessMeter::LoudnessMeter(const PcmShape& shape)
   std::uint32_t mask = shape.channelMask;
   for (Channel& channel : channels_) {
     const std::uint32_t speaker = mask & (~mask + 1);
-    channel.weight = WeightOf(speaker);
+    channel.weight = rate_ < kLeastRate ? 0 : WeightOf(speaker);
     mask &= ~speaker;
   }
   stepLength_ = std::max<std::uint64_t>(1, rate_ / 10);
@@ -139,7 +141,7 @@ void LoudnessMeter::EndStep() {
   stepLength_ = std::max<std::uint64_t>(1, (stepCount_ + 1) * rate_ / 10 - stepCount_ * rate_ / 10);
   if (stepCount_ < steps_.size()) return;
   const double block = (steps_[0] + steps_[1] + steps_[2] + steps_[3]) / 4;
-  if (block <= 0) return;
+  if (block <= 0 || !std::isfinite(block)) return;
   const double loudness = std::min(LoudnessOf(block), kLoudest);
   if (loudness <= kAbsoluteGate) return;
   Bin& bin = bins_.at(static_cast<std::size_t>((loudness - kAbsoluteGate) * kBinsPerUnit));

@@ -15,7 +15,8 @@
 namespace ts5 {
 
 struct Loudness {
-  // LUFS; nothing when no 400 ms of it are louder than -70 LUFS, as in silence and in very short sounds.
+  // LUFS; nothing when no 400 ms of it are louder than -70 LUFS, as in silence and in very short sounds, and
+  // for sample rates below 4 kHz, for which the measure is not made.
   std::optional<double> integrated;
   std::optional<double> truePeak;  // dBTP; nothing in silence
 };

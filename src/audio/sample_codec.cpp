@@ -10,6 +10,7 @@ namespace ts5 {
 namespace {
 
 constexpr std::size_t kBlock = 1024;  // samples that are scaled and dithered together
+constexpr double kMostFloat = std::numeric_limits<float>::max();
 
 // Little-endian bytes in and out of numbers, whatever the machine; compilers make one instruction of it.
 template <typename T>
@@ -36,7 +37,7 @@ template <typename T>
 void DecodeFloats(const std::uint8_t* in, std::span<double> out) {
   for (std::size_t i = 0; i < out.size(); ++i) {
     const T sample = Load<T>(in + i * sizeof(T));
-    out[i] = std::isfinite(sample) ? static_cast<double>(sample) : 0.0;
+    out[i] = std::isfinite(sample) ? std::clamp<double>(sample, -kMostFloat, kMostFloat) : 0.0;
   }
 }
 
@@ -139,8 +140,7 @@ void SampleEncoder::Encode(std::span<const double> in, std::span<std::uint8_t> o
   if (type_ == SampleType::Float32 || type_ == SampleType::Float64) {
     for (const double sample : in) {
       if (type_ == SampleType::Float32) {
-        constexpr double kMost = std::numeric_limits<float>::max();
-        Store(static_cast<float>(std::min(std::max(sample, -kMost), kMost)), to);
+        Store(static_cast<float>(std::min(std::max(sample, -kMostFloat), kMostFloat)), to);
       } else {
         Store(sample, to);
       }

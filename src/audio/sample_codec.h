@@ -12,7 +12,8 @@
 
 namespace ts5 {
 
-// in holds out.size() samples. Numbers that are none, and infinite ones, become 0.
+// in holds out.size() samples. Numbers that are none, and infinite ones, become 0; those beyond what 32-bit
+// floats hold are limited to it, so that sums of them stay numbers.
 void DecodeSamples(SampleType type, ByteView in, std::span<double> out);
 
 // Triangular dither of two quantisation steps' width, white, the same in every run.

@@ -60,6 +60,16 @@ TEST(LoudnessTest, SilenceHasNoLoudness) {
   EXPECT_FALSE(Measure(44100, 2, 1000, {{2, -80}}).integrated) << "below the gate";
 }
 
+// Rates below what the weighting is made for, and floats beyond all measure: a peak, but no loudness.
+TEST(LoudnessTest, WhatCannotBeWeighedHasOnlyAPeak) {
+  for (const std::uint32_t rate : {1U, 10U, 999U, 3400U}) {
+    const Loudness low = Measure(rate, 2, 0, {{5000.0 / rate, -6}}, std::numbers::pi / 2);
+    EXPECT_FALSE(low.integrated) << rate;
+    EXPECT_TRUE(low.truePeak) << rate;
+  }
+  EXPECT_FALSE(Measure(44100, 2, 1000, {{1, 4000}}).integrated);
+}
+
 // A sine of a quarter of the rate whose samples all lie 3 dB below its crest.
 TEST(LoudnessTest, FindsThePeakBetweenTheSamples) {
   const Loudness between = Measure(48000, 2, 12000, {{1, -6}}, std::numbers::pi / 4);
