@@ -44,11 +44,17 @@ Result<WaveFile> OpenSource(const std::string& name) {
   return Failure(file.error() == Outcome::OutOfMemory ? file.error() : Outcome::SourceNotOpened);
 }
 
+// Bytes of a frame by the samples that are in it: what the header says of blocks may be wrong.
+std::size_t FrameSize(const WaveFormat& format) {
+  return SampleSize(SampleTypeOf(format).value_or(SampleType::Float64)) *
+         std::max<std::size_t>(1, format.channels);
+}
+
 // Reads the data block by block: whole frames, but for what is left at the end.
 template <typename Take>
 Outcome ForEachBlock(WaveFile& file, const WorkWatch& watch, const Take& take) {
   const WaveFormat& format = file.Format();
-  const std::size_t frame = std::max<std::size_t>(1, format.blockAlign);
+  const std::size_t frame = FrameSize(format);
   const std::size_t size = std::clamp<std::size_t>(format.bytesPerSecond, kLeastBlock, kMostBlock);
   Bytes block((size + frame - 1) / frame * frame);
   const std::uint64_t total = file.DataSize();

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "audio/silence_trimmer.h"
 #include "platform/files.h"
@@ -106,12 +107,62 @@ TEST(NormaliseTest, LeavesAloneWhatNeedsNothing) {
     EXPECT_THAT(Normalise({{source}}, {{place.File("t.wav")}}, 0, 1), FailsWith(Outcome::NotNecessary));
     EXPECT_THAT(Normalise({{source}}, {{place.File("t.wav")}}, kWholeProject, 1),
                 FailsWith(Outcome::NotNecessary));
+    {
+      auto staged = StagedFile::Create(place.File("t.wav"));
+      ASSERT_THAT(staged, IsOk());
+      ASSERT_THAT(staged->Write(row.file), IsOk());
+      EXPECT_THAT(NormaliseStaged(*staged), FailsWith(Outcome::NotNecessary));
+      EXPECT_EQ(ReadFile(staged->TemporaryPath()).value_or(Bytes()), row.file);
+    }
     EXPECT_EQ(*ReadFile(source), row.file);
     EXPECT_EQ(Listing(place.Path()), "s.wav");
   }
   // 32767 is not yet full scale for a file by itself.
   const std::string almost = place.Write("s.wav", AsText(Wave16({32767})));
   EXPECT_THAT(Normalise({{almost}}, {{place.File("t.wav")}}, 0, 1), IsOk());
+}
+
+// A header whose block size and byte rate have nothing to do with its samples: they are not torn apart.
+TEST(NormaliseTest, TakesWholeSamplesWhateverTheHeaderSaysOfBlocks) {
+  const TemporaryDirectory place;
+  std::vector<std::int16_t> samples(20'000);
+  for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<std::int16_t>(i % 16385);
+  std::vector<std::int16_t> louder(samples);
+  for (std::int16_t& sample : louder) sample = static_cast<std::int16_t>(std::min(2 * sample, 32767));
+  for (const std::uint16_t align : std::initializer_list<std::uint16_t>{0, 1, 3}) {
+    SCOPED_TRACE(align);
+    WaveFormat format = PcmFormat(44100, 16, 2);
+    format.blockAlign = align;
+    format.bytesPerSecond = 4097;
+    const Bytes file = Wave(format, Samples16(samples));
+    for (const int index : {0, kWholeProject}) {
+      const std::string name = place.Write("a.wav", AsText(file));
+      ASSERT_THAT(Normalise({{name}}, {}, index, 1), IsOk());
+      EXPECT_EQ(DataOf(name), Samples16(louder));
+    }
+    auto staged = StagedFile::Create(place.File("b.wav"));
+    ASSERT_THAT(staged, IsOk());
+    ASSERT_THAT(staged->Write(file), IsOk());
+    ASSERT_THAT(NormaliseStaged(*staged), IsOk());
+    EXPECT_EQ(DataOf(staged->TemporaryPath()), Samples16(louder));
+  }
+}
+
+// The file is cut while it is scanned, and while it is written louder.
+TEST(NormaliseTest, AFileThatIsCutOnTheWayIsAReadError) {
+  for (const int moment : {1, 4}) {
+    const TemporaryDirectory place;
+    const std::string source = place.Write(
+        "a.wav", AsText(Wave(PcmFormat(8000, 16, 1), Samples16(std::vector<std::int16_t>(24'000, 99)))));
+    int asked = 0;
+    const WorkWatch watch{[&] {
+                            if (asked++ == moment) std::filesystem::resize_file(source, 5000);
+                            return false;
+                          },
+                          {}};
+    EXPECT_THAT(Normalise({{source}}, {{place.File("b.wav")}}, 0, 1, watch), FailsWith(Outcome::ReadFailed));
+    EXPECT_EQ(Listing(place.Path()), "a.wav");
+  }
 }
 
 TEST(NormaliseTest, AProjectGetsTheGainOfItsLoudestFile) {
