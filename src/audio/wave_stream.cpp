@@ -59,6 +59,9 @@ class ConvertedSource final : public PcmSource {
         mix_(source_->Shape().channels, channels, source_->Shape().channelMask),
         resampler_(std::move(resampler)),
         shape_(source_->Shape()) {
+    // Many frames come out of few where the source's rate is low: then it is taken in small blocks.
+    blockFrames_ = static_cast<std::size_t>(std::clamp<std::uint64_t>(
+        std::uint64_t{kBlockFrames} * shape_.sampleRate / sampleRate, 1, kBlockFrames));
     shape_.sampleRate = sampleRate;
     shape_.channels = channels;
     if (mix_.Changes()) shape_.channelMask = UsualChannelMask(channels);
@@ -75,7 +78,9 @@ class ConvertedSource final : public PcmSource {
   Result<std::size_t> Read(std::span<double> out) override {
     if (!resampler_) return ReadMixed(out);
     const std::size_t wanted = out.size() / shape_.channels * shape_.channels;
-    while (ready_.size() - taken_ < wanted && !ended_) {
+    // Where few frames come out of many, what is there has to do, so that a stop is heard in between.
+    for (int blocks = 0; ready_.size() - taken_ < wanted && !ended_; ++blocks) {
+      if (blocks >= kMostBlocks && ready_.size() > taken_) break;
       if (const Outcome more = Resample(); Failed(more)) return Failure(more);
     }
     const std::size_t count = std::min(wanted, ready_.size() - taken_);
@@ -108,7 +113,7 @@ class ConvertedSource final : public PcmSource {
   Outcome Resample() {
     ready_.erase(ready_.begin(), ready_.begin() + static_cast<std::ptrdiff_t>(taken_));
     taken_ = 0;
-    mixed_.resize(kBlockFrames * shape_.channels);
+    mixed_.resize(blockFrames_ * shape_.channels);
     const auto got = ReadMixed(mixed_);
     if (!got) return got.error();
     if (*got == 0) {
@@ -119,11 +124,13 @@ class ConvertedSource final : public PcmSource {
   }
 
   static constexpr std::size_t kBlockFrames = 4096;
+  static constexpr int kMostBlocks = 64;
 
   std::unique_ptr<PcmSource> source_;
   ChannelMix mix_;
   std::optional<Resampler> resampler_;
   PcmShape shape_;
+  std::size_t blockFrames_ = kBlockFrames;
   std::vector<double> unmixed_;
   std::vector<double> mixed_;
   std::vector<double> ready_;  // resampled

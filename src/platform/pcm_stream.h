@@ -31,8 +31,8 @@ class PcmSource {
   // How many frames there are in all; nothing when only reading to the end will tell. An estimate for files
   // that do not say it exactly.
   [[nodiscard]] virtual std::optional<std::uint64_t> Frames() const = 0;
-  // Fills out with whole frames and returns how many; 0 at the end only. ReadFailed: an I/O error, or the
-  // file has become shorter; SourceFailed: nothing of it can be decoded.
+  // Fills out with whole frames and returns how many; 0 at the end only, but fewer than fit at any time.
+  // ReadFailed: an I/O error, or the file has become shorter; SourceFailed: nothing of it can be decoded.
   [[nodiscard]] virtual Result<std::size_t> Read(std::span<double> out) = 0;
   // The frame that is read next, at most Frames(). SourceFailed: the stream cannot be searched.
   [[nodiscard]] virtual Outcome Seek(std::uint64_t frame) = 0;

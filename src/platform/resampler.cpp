@@ -10,6 +10,8 @@ namespace {
 
 constexpr std::size_t kSlack = 4096;  // frames that may come out late and all at once
 constexpr std::size_t kRoomAtEnd = 4096;
+// Beyond it the filter's delay alone is a fortune of samples, and no sound has such rates.
+constexpr std::uint64_t kMostRatio = 1024;
 
 struct FreeSoxr {
   void operator()(soxr* resampler) const { soxr_delete(resampler); }
@@ -53,6 +55,8 @@ Resampler::~Resampler() = default;
 
 Result<Resampler> Resampler::Create(std::uint32_t fromRate, std::uint32_t toRate, std::uint32_t channels) {
   if (fromRate == 0 || toRate == 0 || channels == 0) return Failure(Outcome::FormatRefused);
+  if (fromRate > toRate * kMostRatio || toRate > fromRate * kMostRatio)
+    return Failure(Outcome::FormatRefused);
   soxr_error_t error = nullptr;
   const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT64_I, SOXR_FLOAT64_I);
   const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_VHQ, SOXR_ROLLOFF_NONE);

@@ -16,7 +16,7 @@ namespace ts5 {
 
 class Resampler {
  public:
-  // FormatRefused: rates that are too far apart. OutOfMemory.
+  // FormatRefused: rates that are more than 1 to 1024 apart. OutOfMemory.
   [[nodiscard]] static Result<Resampler> Create(std::uint32_t fromRate, std::uint32_t toRate,
                                                 std::uint32_t channels);
   Resampler(Resampler&&) noexcept;

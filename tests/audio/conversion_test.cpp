@@ -107,6 +107,12 @@ TEST(SampleCodecTest, RoundsAndLimitsAndNeverWraps) {
   std::vector<double> decoded(3);
   DecodeSamples(SampleType::Float32, special.View(), decoded);
   EXPECT_THAT(decoded, ElementsAre(0, 0, 0.5));
+  // The greatest floats that there are go through mixer and resampler without becoming none.
+  ByteWriter huge;
+  for (int i = 0; i < 1000; ++i) huge.U64Le(0x7FEFFFFFFFFFFFFF);
+  const Bytes file = Wave(PcmFormat(8000, 64, 2, kTagFloat), huge.View());
+  for (const double value : Values(PcmFormat(44100, 16, 1), ConvertedData(file, PcmFormat(44100, 16, 1))))
+    ASSERT_GT(value, 0.9);
 }
 
 // Triangular dither: no bias, a variance of a quarter step beside the twelfth of rounding, and no trace of a
@@ -226,7 +232,52 @@ TEST(ResamplerTest, GivesTheLengthToTheFrame) {
   }
   EXPECT_EQ(ResampledLength(3, 2, 1), 2U);
   EXPECT_EQ(ResampledLength(std::uint64_t{1} << 50, 44100, 48000), 1225469286359319U);
-  EXPECT_THAT(Resampler::Create(0, 44100, 1), FailsWith(Outcome::FormatRefused));
+  for (const std::uint32_t rate : {0U, 1U, 0xFFFFFFFFU})
+    EXPECT_THAT(Resampler::Create(rate, 44100, 1), FailsWith(Outcome::FormatRefused)) << rate;
+}
+
+// Silence without end, that counts what is taken of it.
+class EndlessSilence final : public PcmSource {
+ public:
+  EndlessSilence(std::uint32_t rate, std::uint64_t& taken, std::size_t& most)
+      : shape_{rate, 1, 0, 16}, taken_(taken), most_(most) {}
+  const PcmShape& Shape() const override { return shape_; }
+  std::optional<std::uint64_t> Frames() const override { return std::nullopt; }
+  Result<std::size_t> Read(std::span<double> out) override {
+    std::ranges::fill(out, 0.0);
+    taken_ += out.size();
+    most_ = std::max(most_, out.size());
+    return out.size();
+  }
+  Outcome Seek(std::uint64_t /*frame*/) override { return Outcome::Success; }
+
+ private:
+  PcmShape shape_;
+  std::uint64_t& taken_;
+  std::size_t& most_;
+};
+
+// Rates as far apart as a header can claim: neither memory without measure nor a long time between two
+// questions for a stop.
+TEST(WaveStreamTest, RatesThatAreFarApartGoInSmallSteps) {
+  struct Row {
+    std::uint32_t from;
+    std::uint32_t to;
+  };
+  for (const Row& row : {Row{188, 192000}, Row{8000 * 1024, 8000}, Row{44100, 48000}}) {
+    SCOPED_TRACE(row.from);
+    std::uint64_t taken = 0;
+    std::size_t most = 0;
+    auto source = Converted(std::make_unique<EndlessSilence>(row.from, taken, most), row.to, 1);
+    ASSERT_THAT(source, IsOk());
+    std::vector<double> block(16384);
+    for (int reads = 0; reads < 3; ++reads) {
+      const std::uint64_t before = taken;
+      EXPECT_GT((*source)->Read(block).value_or(0), 0U);
+      EXPECT_LE(taken - before, 3'000'000U);
+    }
+    EXPECT_LE(static_cast<std::uint64_t>(most) * row.to / row.from, 10'000U) << "frames at once";
+  }
 }
 
 // Amplitude of a frequency in the middle of a signal, by correlation under a window.
