@@ -7,6 +7,7 @@
 #include "audio/texts.h"
 #include "audio/wave_file.h"
 #include "frame/texts.h"
+#include "platform/casts.h"
 #include "platform/files.h"
 #include "platform/media_reader.h"
 
@@ -87,7 +88,12 @@ MediaProbe ProbeMedia(const std::string& path) {
     probe.format = wave->Format();
     if (const auto type = SampleTypeOf(probe.format)) {
       probe.kind = MediaKind::Wave;
-      probe.frames = wave->DataSize() / (SampleSize(*type) * probe.format.channels);
+      // What the samples take: a header that says otherwise would give lengths and times that are none.
+      const std::size_t frameSize = SampleSize(*type) * probe.format.channels;
+      probe.format.blockAlign = static_cast<std::uint16_t>(frameSize);
+      probe.format.bytesPerSecond =
+          ClampTo<std::uint32_t>(std::uint64_t{probe.format.sampleRate} * frameSize);
+      probe.frames = wave->DataSize() / frameSize;
       SetDuration(probe, static_cast<double>(*probe.frames) / probe.format.sampleRate);
       return probe;
     }
@@ -98,9 +104,9 @@ MediaProbe ProbeMedia(const std::string& path) {
   if (wave) probe.frames = FramesInBlocks(probe.format, wave->DataSize());
   if (wave && (probe.frames || !reader || probe.format.bytesPerSecond != 0)) {
     probe.kind = MediaKind::Wave;
-    SetDuration(probe, probe.frames ? static_cast<double>(*probe.frames) / probe.format.sampleRate
-                                    : static_cast<double>(wave->DataSize()) /
-                                          std::max<std::uint32_t>(1, probe.format.bytesPerSecond));
+    const std::uint32_t rate = probe.frames ? probe.format.sampleRate : probe.format.bytesPerSecond;
+    const std::uint64_t units = probe.frames.value_or(wave->DataSize());
+    SetDuration(probe, rate == 0 ? 0 : static_cast<double>(units) / rate);
     return probe;
   }
   if (!reader) return {};

@@ -27,6 +27,8 @@ constexpr int kMostChannels = 64;
 constexpr int kMostRate = 1 << 20;
 // Decoding is taken up this far before a sought place, so that codecs with a memory are warm there.
 constexpr double kPrerollSeconds = 0.5;
+// No MPEG audio has fewer; a file that claims to last longer lies.
+constexpr double kLeastMpegByteRate = 1000;
 
 // The file as the demuxer sees it.
 struct FileStream {
@@ -178,7 +180,8 @@ double Scaled(T sample) {
   } else if constexpr (std::is_integral_v<T>) {
     return static_cast<double>(sample) / (static_cast<double>(std::numeric_limits<T>::max()) + 1);
   } else {
-    return std::isfinite(sample) ? static_cast<double>(sample) : 0;
+    constexpr double kMost = std::numeric_limits<float>::max();
+    return std::isfinite(sample) ? std::clamp<double>(sample, -kMost, kMost) : 0;
   }
 }
 
@@ -355,6 +358,8 @@ class LibraryReader final : public MediaReader {
     return Outcome::Success;
   }
 
+  [[nodiscard]] double FileSize() const { return static_cast<double>(stream_.file.Size()); }
+
   void Describe() {
     shape_.sampleRate = static_cast<std::uint32_t>(codec_->sample_rate);
     shape_.channels = static_cast<std::uint32_t>(codec_->ch_layout.nb_channels);
@@ -372,6 +377,8 @@ class LibraryReader final : public MediaReader {
       const int block = track_->codecpar->frame_size;
       info_.frames = TaggedMp3Length(stream_.file, block > 0 ? static_cast<std::uint32_t>(block) : 1152);
     }
+    if (info_.container == MediaContainer::Mpeg && info_.seconds * kLeastMpegByteRate > FileSize())
+      info_.seconds = FileSize() / info_.format.bytesPerSecond;
     if (info_.container == MediaContainer::Aiff && info_.seconds > 0)
       info_.frames = static_cast<std::uint64_t>(std::llround(info_.seconds * shape_.sampleRate));
     if (info_.frames) info_.seconds = static_cast<double>(*info_.frames) / shape_.sampleRate;

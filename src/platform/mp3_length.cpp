@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::size_t kId3Header = 10;
 constexpr std::size_t kLookedAt = 4096;  // junk before the first frame, and the frame
+constexpr std::size_t kLeastBlock = 24;  // bytes: 8 kbit/s at 24 kHz
 constexpr std::uint32_t kHasBlocks = 1;
 constexpr std::uint32_t kHasBytes = 2;
 constexpr std::uint32_t kHasPlaces = 4;
@@ -43,7 +44,9 @@ std::optional<std::uint64_t> TaggedMp3Length(const InputFile& file, std::uint32_
   in.Seek(tag + 4);
   const std::uint32_t flags = in.U32Be();
   if ((flags & kHasBlocks) == 0) return std::nullopt;
-  const std::uint64_t frames = std::uint64_t{in.U32Be()} * framesPerBlock;
+  const std::uint64_t blocks = in.U32Be();
+  if (blocks > file.Size() / kLeastBlock) return std::nullopt;  // a lie
+  const std::uint64_t frames = blocks * framesPerBlock;
   if ((flags & kHasBytes) != 0) in.Skip(4);
   if ((flags & kHasPlaces) != 0) in.Skip(kPlaces);
   if ((flags & kHasQuality) != 0) in.Skip(4);

@@ -132,6 +132,38 @@ TEST(MediaTest, JunkAroundAnMp3DoesNotLengthenIt) {
   EXPECT_NEAR(static_cast<double>(DecodeAll(**source).frames), 46080, 1152);
 }
 
+// Lengths and times come from what there is, not from what a header claims.
+TEST(MediaTest, HeadersThatLieDoNotLengthenAFile) {
+  const TemporaryDirectory place;
+  for (const std::uint32_t claimed : {0U, 4097U, 0xFFFFFFFFU}) {
+    WaveFormat format = PcmFormat(8000, 16, 2);
+    format.bytesPerSecond = claimed;
+    format.blockAlign = 1;
+    const MediaProbe probe = ProbeMedia(place.Write("a.wav", AsText(Wave(format, Bytes(16000)))));
+    EXPECT_EQ(probe.format, PcmFormat(8000, 16, 2));
+    EXPECT_EQ(probe.dataLength, 16000U);
+    EXPECT_EQ(probe.Milliseconds(), 500U);
+    // Of a coding without a byte rate nothing is known.
+    format.tag = 0x4321;
+    format.bytesPerSecond = 0;
+    EXPECT_EQ(ProbeMedia(place.Write("b.wav", AsText(Wave(format, Bytes(16000))))).seconds, 0);
+  }
+  std::string song = Content(DataPath("audio/mpeg1_layer3_vbr_xing_id3v2.mp3"));
+  const std::size_t tag = song.find("Xing");
+  ASSERT_NE(tag, std::string::npos);
+  song.replace(tag + 8, 4, "\xFF\xFF\xFF\xFF");
+  const MediaProbe probe = ProbeMedia(place.Write("a.mp3", song));
+  EXPECT_EQ(probe.kind, MediaKind::MpegLayer3);
+  EXPECT_LT(probe.seconds, 10);
+  EXPECT_FALSE(probe.frames);
+}
+
+TEST(MediaTest, LevelsNextToZeroHaveNoSign) {
+  const auto rows = LoudnessRows({.integrated = -0.04, .truePeak = -0.06});
+  EXPECT_EQ(rows.at(0).value, "0,0 LUFS");
+  EXPECT_EQ(rows.at(1).value, "-0,1 dBTP");
+}
+
 // Every kind cut off and damaged: an outcome, or fewer samples, but never a crash, and never more than the
 // bytes can hold.
 TEST(MediaTest, DamagedFilesEndSomewhere) {
