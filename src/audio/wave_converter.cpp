@@ -74,12 +74,6 @@ Outcome ConvertWaveFile(const std::string& source, const std::string& target, co
   return file->Commit();
 }
 
-bool ChangesNothing(const std::vector<std::string>& sources, const WaveFormat& target) {
-  if (sources.size() != 1) return false;
-  const MediaProbe probe = ProbeMedia(sources.front());
-  return probe.kind == MediaKind::Wave && FullFormatText(probe.format) == FullFormatText(target);
-}
-
 FilterModule WaveConverterModule() {
   FilterModule module;
   module.id = FilterId::WaveConverter;

@@ -34,9 +34,6 @@ struct WaveConverterParameters : ClonableParameters<WaveConverterParameters> {
 [[nodiscard]] Outcome ConvertWaveFile(const std::string& source, const std::string& target,
                                       const WaveFormat& format, const WorkWatch& watch = {});
 
-// Whether the dialog's choice is refused: a single wave file that has the format already.
-[[nodiscard]] bool ChangesNothing(const std::vector<std::string>& sources, const WaveFormat& target);
-
 [[nodiscard]] FilterModule WaveConverterModule();
 
 }  // namespace ts5
