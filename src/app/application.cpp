@@ -17,25 +17,6 @@
 namespace ts5 {
 namespace {
 
-JobSurroundings SurroundingsOf(const VolumeTable& volumes, const DeviceLists& devices,
-                               const ModuleFinder& modules) {
-  JobSurroundings surroundings;
-  surroundings.modules = modules;
-  surroundings.homeDirectory = HomeDirectory();
-  surroundings.audioDevices = devices.audioOutputs.size();
-  surroundings.midiDevices = devices.midiOutputs.size();
-  surroundings.isDirectory = [](const std::string& path) { return IsDirectory(path); };
-  surroundings.nativePath = [&volumes](const std::string& path) {
-    return volumes.NativePath(path).value_or(path);
-  };
-  surroundings.driveOf = [&volumes](const std::string& path) { return volumes.DriveOfPath(path); };
-  surroundings.onDataDisc = [&volumes](const std::string& path) {
-    const Volume* volume = volumes.Find(volumes.DriveOfPath(path));
-    return volume != nullptr && volume->kind == Volume::Kind::Optical;
-  };
-  return surroundings;
-}
-
 std::vector<std::string> Printers() {
   std::vector<std::string> names;
   for (const QString& name : QPrinterInfo::availablePrinterNames()) names.push_back(name.toStdString());
@@ -76,7 +57,9 @@ Application::Application(const StartOptions& options, const std::function<void(T
   announce_(texts::StartMp3Interfaces);
 
   announce_(texts::StartMainWindow);
-  const JobSurroundings surroundings = SurroundingsOf(volumes_, devices_, modules_);
+  JobSurroundings surroundings = JobSurroundingsOf(volumes_, modules_);
+  surroundings.audioDevices = devices_.audioOutputs.size();
+  surroundings.midiDevices = devices_.midiOutputs.size();
   auto stored = LoadJobs(*registry_, surroundings);
   if (!stored) {
     // Jobs that could not be read must not be replaced by what is made up now.

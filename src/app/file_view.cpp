@@ -22,6 +22,9 @@
 namespace ts5 {
 namespace {
 
+// Tracks of an audio CD on the way to the list, which are no files: their entries, one per line.
+constexpr const char* kTrackType = "application/x-stavora-cd-tracks";
+
 // Reports the end of an editing, and selects the name without its extension at the beginning.
 class LabelDelegate : public QStyledItemDelegate {
  public:
@@ -66,10 +69,17 @@ std::vector<std::string> PathsOf(const QMimeData& data) {
   for (const QUrl& url : data.urls()) {
     if (url.isLocalFile()) paths.push_back(url.toLocalFile().toStdString());
   }
+  const QByteArray tracks = data.data(kTrackType);
+  for (const QByteArray& track : tracks.isEmpty() ? QList<QByteArray>() : tracks.split('\n'))
+    paths.push_back(track.toStdString());
   return paths;
 }
 
-FileView::FileView(QWidget* parent) : QTreeView(parent) {
+bool HoldsFiles(const QMimeData& data) {
+  return data.hasUrls() || data.hasFormat(kTrackType);
+}
+
+FileView::FileView(QWidget* parent) : QTreeView(parent), emptyText_(texts::EmptyFileView) {
   setObjectName("fileView");
   setAccessibleName(QtText(texts::FileViewName));
   setRootIsDecorated(false);
@@ -157,18 +167,20 @@ bool FileView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event
 
 QMimeData* FileView::SelectedFiles() const {
   QList<QUrl> urls;
+  QStringList tracks;
   for (const std::size_t row : SelectedRows()) {
     const FileListEntry& entry = model_->At(row);
-    if (!entry.cdTrack) urls.append(QUrl::fromLocalFile(ToQt(entry.path)));
+    entry.cdTrack ? tracks.append(ToQt(entry.path)) : urls.append(QUrl::fromLocalFile(ToQt(entry.path)));
   }
   auto* data = new QMimeData;
   data->setUrls(urls);
+  if (!tracks.isEmpty()) data->setData(kTrackType, tracks.join('\n').toUtf8());
   return data;
 }
 
 void FileView::startDrag(Qt::DropActions /*actions*/) {
   QMimeData* data = SelectedFiles();
-  if (data->urls().isEmpty()) {
+  if (!HoldsFiles(*data)) {
     delete data;
     return;
   }
@@ -181,10 +193,10 @@ void FileView::startDrag(Qt::DropActions /*actions*/) {
 }
 
 void FileView::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls() && event->source() != this) event->acceptProposedAction();
+  if (HoldsFiles(*event->mimeData()) && event->source() != this) event->acceptProposedAction();
 }
 void FileView::dragMoveEvent(QDragMoveEvent* event) {
-  if (event->mimeData()->hasUrls() && event->source() != this) event->acceptProposedAction();
+  if (HoldsFiles(*event->mimeData()) && event->source() != this) event->acceptProposedAction();
 }
 void FileView::dropEvent(QDropEvent* event) {
   event->acceptProposedAction();
@@ -198,10 +210,16 @@ void FileView::keyPressEvent(QKeyEvent* event) {
   }
   if (event->matches(QKeySequence::Paste)) {
     const QMimeData* data = QApplication::clipboard()->mimeData();
-    if (data != nullptr && data->hasUrls()) emit FilesDropped(PathsOf(*data));
+    if (data != nullptr && HoldsFiles(*data)) emit FilesDropped(PathsOf(*data));
     return;
   }
   QTreeView::keyPressEvent(event);
+}
+
+void FileView::SetEmptyText(TextId text) {
+  if (text == emptyText_) return;
+  emptyText_ = text;
+  viewport()->update();
 }
 
 void FileView::paintEvent(QPaintEvent* event) {
@@ -209,7 +227,7 @@ void FileView::paintEvent(QPaintEvent* event) {
   if (model_ == nullptr || model_->Size() > 0) return;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
-  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : texts::EmptyFileView);
+  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : emptyText_);
   painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }

@@ -12,6 +12,8 @@ namespace ts5 {
 
 // The local files among what is dragged or on the clipboard.
 [[nodiscard]] std::vector<std::string> PathsOf(const QMimeData& data);
+// Whether there are any.
+[[nodiscard]] bool HoldsFiles(const QMimeData& data);
 
 class FileView : public QTreeView {
   Q_OBJECT
@@ -20,6 +22,8 @@ class FileView : public QTreeView {
   explicit FileView(QWidget* parent = nullptr);
 
   void SetFileModel(FileViewModel* model);
+  // What stands in the place of the files of an empty directory.
+  void SetEmptyText(TextId text);
   [[nodiscard]] FileViewModel* FileModel() const { return model_; }
 
   // Ascending.
@@ -50,6 +54,7 @@ class FileView : public QTreeView {
   void LayColumns();
 
   FileViewModel* model_ = nullptr;
+  TextId emptyText_;
   bool selecting_ = false;
 };
 

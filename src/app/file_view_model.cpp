@@ -27,6 +27,7 @@ void FileViewModel::ShowDirectory(std::vector<FileListEntry> files, bool audioCd
 
 void FileViewModel::Append(const std::vector<FileListEntry>& files) {
   if (ShowsList() || files.empty()) return;
+  if (files_.empty() && files.front().cdTrack) return ShowDirectory(files, true);
   const int first = rowCount();
   beginInsertRows({}, first, first + static_cast<int>(files.size()) - 1);
   files_.insert(files_.end(), files.begin(), files.end());

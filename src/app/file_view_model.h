@@ -22,12 +22,16 @@ class FileViewModel : public QAbstractTableModel {
   // The list must outlive the model, or be replaced by another Show before it goes.
   void ShowList(const FreeFileList& list, FilterId filter);
   void ShowDirectory(std::vector<FileListEntry> files, bool audioCd);
-  // More files of the directory that is shown.
+  // More files of the directory that is shown; tracks have columns of their own.
   void Append(const std::vector<FileListEntry>& files);
   // The list that is shown has changed.
   void Changed();
 
   [[nodiscard]] bool ShowsList() const { return list_ != nullptr; }
+  // The directory is an audio CD, and what is shown are its tracks.
+  [[nodiscard]] bool ShowsAudioCd() const {
+    return !ShowsList() && !files_.empty() && files_.front().cdTrack;
+  }
   [[nodiscard]] std::size_t Size() const { return Entries().size(); }
   [[nodiscard]] const FileListEntry& At(std::size_t row) const { return Entries()[row]; }
 

@@ -6,9 +6,12 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <array>
+#include <utility>
 
+#include "app/disc_commands.h"
 #include "app/file_properties_dialog.h"
 #include "app/main_window.h"
+#include "frame/cd_tracks.h"
 #include "frame/file_drop.h"
 #include "frame/file_list_file.h"
 #include "frame/file_rename.h"
@@ -20,6 +23,7 @@
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/paths.h"
+#include "platform/virtual_cd.h"
 #include "platform/wastebasket.h"
 
 namespace ts5 {
@@ -68,7 +72,7 @@ ListCommands::ListCommands(MainWindow& window) : window_(window) {
   connect(source.Files(), &FileView::FilesDropped, this, [this](const auto& paths) {
     if (window_.ActiveJob().Mode() == SourceMode::List) {
       Drop(paths);
-    } else {
+    } else if (!window_.Discs().TakeDrop(paths)) {
       window_.Tell(DropWithoutList().text, MessageIcon::Information);
     }
   });
@@ -94,7 +98,10 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
     return;
   }
   window_.TakeSelection();
-  const DropResult result = DropFiles(job.files, job.filter, paths, {});
+  const DropResult result = DropFiles(
+      job.files, job.filter, paths,
+      {.driveOf = [this](const std::string& path) { return DriveOfFile(window_.App().Volumes(), path); },
+       .durationOf = {}});
   if (result.rejected > 0) QApplication::beep();
   window_.Source().SetFreeListCount(job.files.Size());
   if (job.Mode() == SourceMode::List) {
@@ -128,7 +135,7 @@ void ListCommands::Load(const std::string& path, bool replace) {
   Job& job = window_.ActiveJob();
   const bool burner = job.filter == FilterId::CdBurner;
   window_.App().lastFileList = path;
-  auto loaded = LoadFileList(path, burner, window_.App().Volumes());
+  auto loaded = LoadFileList(path, burner, window_.App().Volumes(), CdTrackExists);
   const auto message = LoadMessage(loaded, path);
   bool tooMany = false;
   if (loaded) tooMany = TakeLoadedList(job.files, std::move(*loaded), replace, burner);
@@ -258,16 +265,34 @@ void ListCommands::TakeDrive(std::int32_t drive) {
   if (drive == job.sourceDrive || !job.MayChange()) return;
   if (drive != kListModeDrive) {
     const Volume* volume = window_.App().Volumes().Find(drive);
-    if (volume == nullptr || volume->path.empty() || !IsDirectory(volume->path)) {
+    const bool disc = volume != nullptr && volume->kind == Volume::Kind::Optical;
+    if (volume == nullptr || !(disc || IsDirectory(volume->path))) {
       window_.Source().Drives()->SetCurrent(job.sourceDrive);
       window_.Tell(DriveFailedText(drive), MessageIcon::Exclamation);
       return;
     }
+    if (volume->path == VirtualCdDirectory() && !window_.Discs().HasDisc()) {
+      window_.Source().Drives()->SetCurrent(job.sourceDrive);
+      return;
+    }
+    // A drive shows only when it is read whether there is a disc in it.
+    if (disc) beforeDisc_ = {drive, job.sourceDrive, job.directory};
     job.directory = {volume->path, {}, {}};
   }
   job.sourceDrive = drive;
   (void)window_.Show(job);
   window_.RefreshDestination();
+}
+
+bool ListCommands::GoesBack(Outcome read) {
+  Job& job = window_.ActiveJob();
+  auto before = std::exchange(beforeDisc_, std::nullopt);
+  if (Succeeded(read) || !before || job.sourceDrive != before->disc) return false;
+  window_.Tell(DriveFailedText(before->disc), MessageIcon::Exclamation);
+  job.sourceDrive = before->drive;
+  job.directory = std::move(before->directory);
+  (void)window_.Show(job);
+  return true;
 }
 
 void ListCommands::TakeDirectory(const std::string& path) {

@@ -3,10 +3,13 @@
 
 #include <QObject>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "app/background_worker.h"
+#include "frame/file_list.h"
+#include "platform/outcome.h"
 
 namespace ts5 {
 
@@ -18,6 +21,9 @@ class ListCommands : public QObject {
 
   // Loads a file-list file into the free file list and says what could not be loaded.
   void Load(const std::string& path, bool replace);
+  // How the reading of the source ended. When that is a disc drive that the user has just taken and that
+  // cannot be read, says so and shows the source before it: true.
+  [[nodiscard]] bool GoesBack(Outcome read);
   // Files from outside or from the directory view go to the free file list.
   void Drop(const std::vector<std::string>& paths);
 
@@ -42,6 +48,13 @@ class ListCommands : public QObject {
 
   MainWindow& window_;
   BackgroundWorker worker_;
+  // The source before a disc drive was taken whose disc is still being read.
+  struct BeforeDisc {
+    std::int32_t disc = 0;
+    std::int32_t drive = 0;
+    DirectorySelection directory;
+  };
+  std::optional<BeforeDisc> beforeDisc_;
 };
 
 }  // namespace ts5

@@ -11,6 +11,7 @@
 #include <array>
 
 #include "app/area_commands.h"
+#include "app/disc_commands.h"
 #include "app/filter_commands.h"
 #include "app/help_commands.h"
 #include "app/job_commands.h"
@@ -63,6 +64,7 @@ MainWindow::MainWindow(Application& application)
   for (const CommandId command : kFileCommands) source_->Files()->addAction(actions_->Action(command));
   menuBar()->setAccessibleName(QtText(texts::MenuBarName));
   lists_ = std::make_unique<ListCommands>(*this);
+  discs_ = std::make_unique<DiscCommands>(*this);
   jobCommands_ = std::make_unique<JobCommands>(*this);
   filterCommands_ = std::make_unique<FilterCommands>(*this);
   runs_ = std::make_unique<RunCommands>(*this);
@@ -275,10 +277,13 @@ void MainWindow::ReloadSource() {
 
 void MainWindow::TakeSourceDone(Outcome outcome) {
   ShowPrompt({});
+  if (lists_->GoesBack(outcome)) return;
   if (Failed(outcome)) {
     statusBar()->showMessage(ToQt(Format(Text(texts::DirectoryNotRead), ActiveJob().directory.path)));
   }
   SelectStoredFiles();
+  // Which filters fit depends on the disc, too.
+  RefreshFilterBar();
   TakeSelection();
   Refresh();
 }
@@ -296,8 +301,7 @@ void MainWindow::SelectStoredFiles() {
   const FileViewModel& model = source_->Model();
   for (std::size_t row = 0; row < model.Size() && !names.empty(); ++row) {
     const FileListEntry& entry = model.At(row);
-    const std::string_view name = entry.cdTrack ? std::string_view(entry.path) : FileNameOf(entry.path);
-    if (std::ranges::binary_search(names, name, std::less<>())) rows.push_back(row);
+    if (std::ranges::binary_search(names, FileNameOf(entry.path), std::less<>())) rows.push_back(row);
   }
   source_->Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());
 }
@@ -321,7 +325,7 @@ void MainWindow::TakeSelection() {
     const FileViewModel& model = source_->Model();
     for (const std::size_t row : rows) {
       const FileListEntry& entry = model.At(row);
-      selection.names.emplace_back(entry.cdTrack ? std::string_view(entry.path) : FileNameOf(entry.path));
+      selection.names.emplace_back(FileNameOf(entry.path));
       selection.indices.push_back(static_cast<std::uint32_t>(row));
     }
     if (selection == job.directory) {
@@ -367,8 +371,9 @@ void MainWindow::RefreshFilterBar() {
   Job& job = ActiveJob();
   const auto refreshed = [&] {
     FilterBarInput input;
-    input.source =
-        job.Mode() == SourceMode::List ? ListContext(job.files) : DirectoryContext(job.directory, false);
+    input.source = job.Mode() == SourceMode::List
+                       ? ListContext(job.files)
+                       : DirectoryContext(job.directory, source_->Model().ShowsAudioCd());
     input.devices = application_.Devices().Counts();
     input.jobIsIdle = job.MayChange();
     input.filter = job.filter;
@@ -422,7 +427,8 @@ void MainWindow::RefreshRunDisplay() {
                    .stop = running});
   source_->Enable({.drives = idle,
                    .tree = idle,
-                   .files = idle && (source_->Model().Size() > 0 || job.Mode() == SourceMode::List)});
+                   .files = idle && (source_->Model().Size() > 0 || job.Mode() == SourceMode::List ||
+                                     discs_->DriveIsSource())});
   source_->SetFreeListCount(job.files.Size());
   if (idle && focusBeforeRun_ != nullptr) {
     if (focusBeforeRun_->isEnabled() && focusBeforeRun_->isVisible()) focusBeforeRun_->setFocus();
@@ -464,7 +470,8 @@ void MainWindow::RefreshCommands() {
   actions_->SetEnabled(CommandId::SaveList, !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearList, idle && list && !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearListSilently, idle && list);
-  actions_->SetEnabled(CommandId::Delete, idle && selected);
+  const bool onDisc = source_->Model().ShowsAudioCd();
+  actions_->SetEnabled(CommandId::Delete, idle && selected && !onDisc);
   actions_->SetEnabled(CommandId::MoveUp, idle && list && focused && focus > 0);
   actions_->SetEnabled(CommandId::MoveDown, idle && list && focused && focus + 1 < rows);
   actions_->SetEnabled(CommandId::Rename, idle && focused && !source_->Model().At(focus).cdTrack);
@@ -474,6 +481,7 @@ void MainWindow::RefreshCommands() {
   actions_->SetEnabled(CommandId::NewJob, jobs.MayCreate());
   actions_->SetEnabled(CommandId::DeleteJob, jobs.MayRemove(jobs.ActiveNumber()));
   searches_->Refresh();
+  discs_->Refresh();
 }
 
 void MainWindow::SetMaximised(bool maximised) {

@@ -28,6 +28,7 @@
 namespace ts5 {
 
 class AreaCommands;
+class DiscCommands;
 class FilterCommands;
 class HelpCommands;
 class JobCommands;
@@ -55,6 +56,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] Application& App() { return application_; }
   // The job that the window shows.
   [[nodiscard]] Job& ActiveJob() { return *shown_; }
+  [[nodiscard]] bool HasActiveJob() const { return shown_ != nullptr; }
   [[nodiscard]] CommandActions& Actions() { return *actions_; }
   [[nodiscard]] FilterPanel& Filters() { return *filters_; }
   [[nodiscard]] JobBar& JobButtons() { return *jobBar_; }
@@ -64,6 +66,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] DialogQueue& Dialogs() { return dialogs_; }
   [[nodiscard]] PlaybackCommands& Playback() { return *playback_; }
   [[nodiscard]] JobCommands& JobActions() { return *jobCommands_; }
+  [[nodiscard]] DiscCommands& Discs() { return *discs_; }
   // What a command does; each group of commands registers its own.
   void On(CommandId command, std::function<void()> action) { handlers_[command] = std::move(action); }
   [[nodiscard]] QString StatusText() const { return status_->text(); }
@@ -135,6 +138,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   std::unique_ptr<HelpWindow> help_;
 
   std::unique_ptr<ListCommands> lists_;
+  std::unique_ptr<DiscCommands> discs_;
   std::unique_ptr<JobCommands> jobCommands_;
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;

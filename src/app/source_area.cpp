@@ -36,7 +36,7 @@ void FreeListStrip::Mark(bool marked) {
 }
 
 void FreeListStrip::dragEnterEvent(QDragEnterEvent* event) {
-  if (!event->mimeData()->hasUrls()) return;
+  if (!HoldsFiles(*event->mimeData())) return;
   event->acceptProposedAction();
   Mark(true);
 }

@@ -1,6 +1,8 @@
 #include "app/source_reader.h"
 
+#include "frame/cd_tracks.h"
 #include "frame/ui/qt_text.h"
+#include "platform/files.h"
 #include "platform/paths.h"
 
 namespace ts5 {
@@ -13,9 +15,12 @@ constexpr int kQuietMilliseconds = 600;
 }  // namespace
 
 SourceReader::SourceReader(QObject* parent)
-    : QObject(parent), lister_([this](std::function<void()> message) {
-        QMetaObject::invokeMethod(this, std::move(message), Qt::QueuedConnection);
-      }) {
+    : QObject(parent),
+      lister_(
+          [this](std::function<void()> message) {
+            QMetaObject::invokeMethod(this, std::move(message), Qt::QueuedConnection);
+          },
+          FindAudioCd) {
   changed_.setSingleShot(true);
   changed_.setInterval(kQuietMilliseconds);
   connect(&watcher_, &QFileSystemWatcher::directoryChanged, &changed_, qOverload<>(&QTimer::start));
@@ -36,7 +41,7 @@ void SourceReader::Read(const std::string& directory) {
     std::vector<FileListEntry> files;
     files.reserve(batch.size());
     for (DirectoryItem& item : batch) {
-      files.push_back({item.cdTrack ? std::move(item.name) : JoinPath(directory_, item.name), item.cdTrack,
+      files.push_back({item.cdTrack ? std::move(item.entry) : JoinPath(directory_, item.name), item.cdTrack,
                        item.seconds, 0});
     }
     emit Found(files);
@@ -46,7 +51,7 @@ void SourceReader::Read(const std::string& directory) {
 
 void SourceReader::Finish(ListingEnd end) {
   // Only a directory that has answered is watched: watching one that hangs would hang as well.
-  if (Succeeded(end.outcome)) watcher_.addPath(ToQt(directory_));
+  if (Succeeded(end.outcome) && IsDirectory(directory_)) watcher_.addPath(ToQt(directory_));
   emit Done(end.outcome);
 }
 

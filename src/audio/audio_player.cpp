@@ -9,14 +9,17 @@
 #include <utility>
 #include <vector>
 
+#include "audio/cd_track_source.h"
 #include "audio/texts.h"
 #include "audio/wave_stream.h"
 #include "audio/waveform_overview.h"
+#include "frame/cd_tracks.h"
 #include "frame/file_types.h"
 #include "frame/player_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "platform/audio_out.h"
+#include "platform/files.h"
 #include "platform/sample_fifo.h"
 
 namespace ts5 {
@@ -30,14 +33,17 @@ constexpr auto kRemarks =
 
 constexpr std::uint32_t kChannels = 2;
 constexpr std::size_t kBlockFrames = 1024;
-constexpr std::uint32_t kFifoParts = 2;  // of a second that are decoded ahead
+// Decoded ahead, so that a disc or a network that makes a pause is not heard; and what there is of it before
+// the device begins.
+constexpr std::size_t kSecondsAhead = 8;
+constexpr std::size_t kStartParts = 2;  // of a second
 constexpr auto kPoll = 5ms;
 
 // What the device's thread and the thread that decodes share.
 class Stream {
  public:
   Stream(std::uint32_t sampleRate, LevelTap& levels)
-      : rate_(sampleRate), levels_(levels), fifo_(std::size_t{sampleRate} * kChannels / kFifoParts) {}
+      : rate_(sampleRate), levels_(levels), fifo_(std::size_t{sampleRate} * kChannels * kSecondsAhead) {}
 
   // On the device's thread.
   void Render(std::span<float> out) {
@@ -81,6 +87,7 @@ class Stream {
     played_ = frame;
   }
   SampleFifo& Fifo() { return fifo_; }
+  [[nodiscard]] bool HasEnoughToBegin() const { return fifo_.Size() >= rate_ * kChannels / kStartParts; }
   [[nodiscard]] std::uint32_t Rate() const { return rate_; }
   [[nodiscard]] std::uint64_t Played() const { return played_; }
 
@@ -106,9 +113,13 @@ struct Sound {
 
 class AudioTitle final : public PlayedTitle {
  public:
-  AudioTitle(std::unique_ptr<PcmSource> source, Sound& sound, std::string path, PlayerControl& control)
-      : source_(std::move(source)), sound_(sound) {
+  AudioTitle(std::unique_ptr<PcmSource> source, Sound& sound, std::string name)
+      : source_(std::move(source)), sound_(sound), name_(std::move(name)) {
     frames_ = source_->Frames().value_or(0);
+  }
+
+  // Shows the outline of a file; a disc would have to be in two places for it.
+  void ReportWaveform(std::string path, PlayerControl& control) {
     overview_ = std::jthread([path = std::move(path), &control](const std::stop_token& stop) {
       const auto own = OpenPcm(path);
       if (!own) return;
@@ -146,7 +157,6 @@ class AudioTitle final : public PlayedTitle {
         continue;
       }
       if (stream.Fifo().Room() < samples.size()) {
-        if (!Start()) return Outcome::WriteFailed;
         std::this_thread::sleep_for(kPoll);
         continue;
       }
@@ -160,6 +170,7 @@ class AudioTitle final : public PlayedTitle {
                              [](double sample) { return static_cast<float>(sample); });
       stream.Fifo().Put(std::span(samples).first(*got * kChannels));
       next += *got;
+      if (stream.HasEnoughToBegin() && !Start()) return Outcome::WriteFailed;
     }
     stream.Restart(0, *sound_.output);
     return Outcome::Cancelled;
@@ -182,6 +193,7 @@ class AudioTitle final : public PlayedTitle {
     return std::min(TimeOf(seek_.value_or(sound_.stream.Played())), Duration());
   }
   nanoseconds Duration() const override { return TimeOf(frames_); }
+  std::string Name() const override { return name_; }
 
  private:
   [[nodiscard]] nanoseconds TimeOf(std::uint64_t frame) const {
@@ -202,6 +214,7 @@ class AudioTitle final : public PlayedTitle {
 
   std::unique_ptr<PcmSource> source_;
   Sound& sound_;
+  std::string name_;
   std::uint64_t frames_ = 0;
   std::atomic<bool> stop_ = false;
   std::atomic<bool> paused_ = false;
@@ -212,16 +225,20 @@ class AudioTitle final : public PlayedTitle {
 
 class AudioDevice final : public PlayerDevice {
  public:
-  AudioDevice(std::string name, PlayerControl& control) : name_(std::move(name)), control_(control) {}
+  AudioDevice(std::string name, PlayerControl& control, CancelCheck cancelled)
+      : name_(std::move(name)), control_(control), cancelled_(std::move(cancelled)) {}
 
   Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
-    if (IsCdTrackText(source)) return Failure(Outcome::NotNecessary);
-    auto pcm = OpenPcm(source);
+    const auto track = FindCdTrack(source);
+    if (!track && IsCdTrackText(source) && !FileExists(source)) return Failure(Outcome::CdDriveFailed);
+    auto pcm = track ? OpenCdTrack(*track, cancelled_) : OpenPcm(source);
     if (!pcm) return Failure(pcm.error());
     if (const Outcome ready = Prepare((*pcm)->Shape().sampleRate); Failed(ready)) return Failure(ready);
     auto shaped = Converted(*std::move(pcm), sound_->stream.Rate(), kChannels);
     if (!shaped) return Failure(shaped.error());
-    return std::make_unique<AudioTitle>(*std::move(shaped), *sound_, source, control_);
+    auto title = std::make_unique<AudioTitle>(*std::move(shaped), *sound_, track ? track->Title() : "");
+    if (!track) title->ReportWaveform(source, control_);
+    return title;
   }
   void SetSound(PlayerSound sound) override {
     sound_ ? sound_->stream.SetSound(sound) : void();
@@ -261,6 +278,7 @@ class AudioDevice final : public PlayerDevice {
 
   std::string name_;
   PlayerControl& control_;
+  CancelCheck cancelled_;
   PlayerSound wanted_;
   std::unique_ptr<Sound> sound_;
 };
@@ -279,7 +297,7 @@ Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
     return std::ranges::find(devices, name) != devices.end();
   };
   if (!known()) return Failure(Outcome::TargetFailed);
-  return std::make_unique<AudioDevice>(std::move(name), run.Player());
+  return std::make_unique<AudioDevice>(std::move(name), run.Player(), [&run] { return run.Cancelled(); });
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ constexpr std::array kCommands{
     Command{"info", texts::BatchInfoSummary, InfoCommand},
     Command{"run", texts::BatchRunSummary, RunCommand},
     Command{"job", texts::BatchJobSummary, JobCommand},
+    Command{"cd", texts::BatchCdSummary, CdCommand},
     Command{"registry", texts::BatchRegistrySummary, RegistryCommand},
 };
 constexpr CommandGroup kProgram{"", kCommands, texts::BatchOverview, texts::BatchOverviewExamples};

@@ -25,6 +25,7 @@ int InfoCommand(CommandLine line, Console& console);
 int RunCommand(CommandLine line, Console& console);
 int JobCommand(CommandLine line, Console& console);
 int RegistryCommand(CommandLine line, Console& console);
+int CdCommand(CommandLine line, Console& console);
 
 // One of several commands by the first argument; help, and what is said of a wrong one, come from the table.
 // prefix: what stands before the command on the line, "" or "registry".

@@ -9,6 +9,7 @@
 #include "batch/run_session.h"
 #include "batch/store.h"
 #include "batch/texts.h"
+#include "frame/cd_tracks.h"
 #include "frame/directory_listing.h"
 #include "frame/file_list_file.h"
 #include "frame/filter_bar.h"
@@ -102,7 +103,8 @@ std::optional<std::string> Contradiction(const Request& request) {
     return Format(Text(texts::BatchOverwriteWrong), *request.overwrite);
   }
   for (const auto& directory : {request.destinationDirectory, request.directory}) {
-    if (directory && !IsDirectory(*directory)) return Format(Text(texts::BatchNoDirectory), *directory);
+    if (directory && !IsDirectory(*directory) && !FindAudioCd(*directory))
+      return Format(Text(texts::BatchNoDirectory), *directory);
   }
   return std::nullopt;
 }
@@ -116,7 +118,7 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
   std::uint32_t index = 0;
   const auto take = [&](const std::vector<DirectoryItem>& items) {
     for (const DirectoryItem& item : items) {
-      SourceContext one;
+      SourceContext one{.listMode = false, .sourceIsAudioCd = item.cdTrack, .selection = {}};
       one.selection.Add(item.name, item.cdTrack);
       if (Accepts(job.filter, one)) {
         job.directory.names.push_back(item.name);
@@ -125,7 +127,7 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
       ++index;
     }
   };
-  const ListingEnd end = ListDirectory(directory, {}, {}, take);
+  const ListingEnd end = ListDirectory(directory, FindAudioCd, {}, take);
   if (Failed(end.outcome)) {
     PrintError(console, Format(Text(texts::BatchDirectoryUnreadable), directory));
     return false;
@@ -141,7 +143,7 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
 // else whether all files were there.
 std::optional<bool> TakeList(Console& console, Job& job, const std::string& path) {
   const bool burner = job.filter == FilterId::CdBurner;
-  auto loaded = LoadFileList(path, burner, VolumeTable::OfThisMachine());
+  auto loaded = LoadFileList(path, burner, VolumeTable::OfThisMachine(), CdTrackExists);
   if (const auto message = LoadMessage(loaded, path)) PrintError(console, message->text);
   if (!loaded) return std::nullopt;
   const bool complete = loaded->missing == 0;
@@ -188,6 +190,9 @@ int RunCommand(CommandLine line, Console& console) {
   if (const auto fault = ApplySettings(module->fields, *job.parameters, request.settings)) {
     return WrongUsage(console, kCommand, *fault);
   }
+  // A drive goes by its name too.
+  if (request.directory && !IsDirectory(*request.directory))
+    if (auto drive = CdDirectoryOf(*request.directory)) request.directory = std::move(drive);
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
 
   auto registry = OpenRegistry(console);

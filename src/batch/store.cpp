@@ -4,8 +4,6 @@
 
 #include "app/filter_modules.h"
 #include "frame/settings.h"
-#include "platform/directories.h"
-#include "platform/files.h"
 #include "platform/volumes.h"
 
 namespace ts5::batch {
@@ -29,14 +27,7 @@ std::optional<std::string> KeyOf(std::string_view text) {
 }
 
 JobSurroundings SystemJobSurroundings() {
-  const auto volumes = std::make_shared<const VolumeTable>(VolumeTable::OfThisMachine());
-  return {
-      .modules = FindModule,
-      .homeDirectory = HomeDirectory(),
-      .isDirectory = IsDirectory,
-      .nativePath = [volumes](const std::string& path) { return volumes->NativePath(path).value_or(path); },
-      .driveOf = [volumes](const std::string& path) { return volumes->DriveOfPath(path); },
-      .onDataDisc = [](const std::string&) { return false; }};
+  return JobSurroundingsOf(VolumeTable::OfThisMachine(), FindModule);
 }
 
 }  // namespace ts5::batch

@@ -49,10 +49,12 @@ void Deliver(std::vector<FoundFile> files, const std::stop_token& stop, const It
   if (!batch.empty()) sink(std::move(batch));
 }
 
-void DeliverTracks(const std::vector<std::uint32_t>& seconds, const ItemSink& sink) {
+void DeliverTracks(const AudioCd& disc, const ItemSink& sink) {
   std::vector<DirectoryItem> items;
-  for (std::size_t i = 0; i < seconds.size(); ++i) {
-    items.push_back({Format(Text(texts::TrackName), i + 1), FileTypeId::CdTrack, true, seconds[i]});
+  for (const AudioCd::Track& track : disc.tracks) {
+    std::string name = Format(Text(texts::TrackName), track.number);
+    std::string entry = CdTrackEntry(disc.drive, name);
+    items.push_back({std::move(name), FileTypeId::CdTrack, true, track.seconds, std::move(entry)});
   }
   if (!items.empty()) sink(std::move(items));
 }
@@ -89,9 +91,9 @@ std::vector<std::string> ListedPatterns() {
 
 ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,
                          const std::stop_token& stop, const ItemSink& sink) {
-  if (const auto tracks = audioCd ? audioCd(directory) : std::nullopt) {
+  if (const auto disc = audioCd ? audioCd(directory) : std::nullopt) {
     if (stop.stop_requested()) return {Outcome::Cancelled};
-    DeliverTracks(*tracks, sink);
+    DeliverTracks(*disc, sink);
     return {};
   }
 

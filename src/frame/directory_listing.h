@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/cd_tracks.h"
 #include "frame/file_types.h"
 #include "platform/outcome.h"
 
@@ -20,6 +21,7 @@ struct DirectoryItem {
   FileTypeId type = FileTypeId::Unsupported;
   bool cdTrack = false;
   std::uint32_t seconds = 0;  // playing time of a track
+  std::string entry = {};     // how lists name a track: "VENDOR PRODUCT\Track 01"
 
   bool operator==(const DirectoryItem&) const = default;
 };
@@ -29,9 +31,8 @@ struct ListingEnd {
   std::size_t refused = 0;             // files whose path is too long or no text
 };
 
-// The playing times of the tracks of the audio CD that a directory lies on, in seconds; nothing when it lies
-// on none.
-using AudioCdQuery = std::function<std::optional<std::vector<std::uint32_t>>(const std::string& directory)>;
+// The audio CD that a directory stands for; nothing when it stands for none.
+using AudioCdQuery = std::function<std::optional<AudioCd>(const std::string& directory)>;
 
 using ItemSink = std::function<void(std::vector<DirectoryItem> batch)>;
 

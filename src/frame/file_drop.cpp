@@ -12,18 +12,13 @@ namespace ts5 {
 namespace {
 
 constexpr std::uint64_t kUnitsPerSecond = 10'000'000;  // of 100 ns
-constexpr int kMaxTrack = 99;
-
-std::string CleanDriveName(std::string_view name) {
-  std::string clean(Trim(name));
-  std::ranges::replace_if(
-      clean, [](char c) { return c == '.' || c == ':'; }, ' ');
-  return clean;
-}
 
 // Nothing when the file is not taken at all.
 std::optional<FileListEntry> EntryFor(const std::string& path, const DropEnvironment& environment) {
   if (FileTypeOf(path) != FileTypeId::CdTrack) return FileListEntry{path};
+  // Files come with their whole path; what has none is a track of the directory view.
+  if (!IsAbsolutePath(path) && !DirectoryOf(path).empty() && IsCdTrackText(path))
+    return FileListEntry{path, true};
   const auto track = TrackNumberOf(FileNameOf(path));
   const auto drive = track && environment.driveOf ? environment.driveOf(path) : std::nullopt;
   if (!drive) return std::nullopt;
@@ -87,24 +82,6 @@ class Dropper {
 
 }  // namespace
 
-std::string CdTrackEntry(const DriveName& drive, int track) {
-  return Format(Text(texts::DriveTrackNumber), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
-                track);
-}
-
-std::string CdTrackEntry(const DriveName& drive, std::string_view trackName) {
-  return Format(Text(texts::DriveTrackName), CleanDriveName(drive.vendor), CleanDriveName(drive.product),
-                trackName);
-}
-
-std::optional<int> TrackNumberOf(std::string_view cdaName) {
-  const std::string_view stem = WithoutExtension(cdaName);
-  const std::size_t end = stem.find_last_not_of("0123456789");
-  const auto number = ParseInteger(stem.substr(end == std::string_view::npos ? 0 : end + 1));
-  if (!number || *number < 1 || *number > kMaxTrack) return std::nullopt;
-  return static_cast<int>(*number);
-}
-
 DropResult DropFiles(FreeFileList& list, FilterId filter, const std::vector<std::string>& paths,
                      const DropEnvironment& environment) {
   Dropper dropper(list, filter, environment);
@@ -115,15 +92,6 @@ DropResult DropFiles(FreeFileList& list, FilterId filter, const std::vector<std:
     } else if (!dropper.Add(std::move(*entry))) {
       break;
     }
-  }
-  return dropper.Finish();
-}
-
-DropResult DropEntries(FreeFileList& list, FilterId filter, std::vector<FileListEntry> entries,
-                       const DropEnvironment& environment) {
-  Dropper dropper(list, filter, environment);
-  for (FileListEntry& entry : entries) {
-    if (!dropper.Add(std::move(entry))) break;
   }
   return dropper.Finish();
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "frame/cd_tracks.h"
 #include "frame/filter_catalogue.h"
 #include "frame/settings.h"
 #include "frame/texts.h"
@@ -267,12 +268,16 @@ JobSurroundings JobSurroundingsOf(const VolumeTable& table, ModuleFinder modules
   around.modules = std::move(modules);
   const Volume* const home = volumes->Find(0);
   around.homeDirectory = home != nullptr ? home->path : "/";
-  around.isDirectory = IsDirectory;
+  // A disc drive is its own directory.
+  around.isDirectory = [volumes](const std::string& path) {
+    return IsDirectory(path) ||
+           std::ranges::find(volumes->Volumes(), path, &Volume::path) != volumes->Volumes().end();
+  };
   around.nativePath = [volumes](const std::string& path) { return volumes->NativePath(path).value_or(path); };
   around.driveOf = [volumes](const std::string& path) { return volumes->DriveOfPath(path); };
   around.onDataDisc = [volumes](const std::string& path) {
     const Volume* const volume = volumes->Find(volumes->DriveOfPath(path));
-    return volume != nullptr && volume->kind == Volume::Kind::Optical;
+    return volume != nullptr && volume->kind == Volume::Kind::Optical && !FindAudioCd(volume->path);
   };
   return around;
 }

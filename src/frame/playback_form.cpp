@@ -42,7 +42,11 @@ PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunSt
   form.barsEnabled = form.optionsEnabled && filter != FilterId::AudioPlayer;
   form.positionEnabled = playing && status.duration.count() > 0;
   form.meterShown = filter == FilterId::AudioPlayer;
-  form.title = playing ? std::string(FileNameOf(status.title)) : std::string(Text(texts::PlaybackNothing));
+  if (!playing) {
+    form.title = Text(texts::PlaybackNothing);
+  } else {
+    form.title = status.name.empty() ? FileNameOf(status.title) : status.name;
+  }
   const std::string_view none = Text(texts::PlaybackZeroTime);
   form.elapsed =
       playing ? PositionText(status.position, status.place, options.timeInBars) : std::string(none);

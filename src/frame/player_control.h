@@ -35,6 +35,7 @@ using Waveform = std::vector<float>;
 
 struct PlayerStatus {
   std::string title = {};  // path of what is played; "" while nothing is
+  std::string name = {};   // what it is called; "" for the name of its file
   std::chrono::nanoseconds position{};
   std::chrono::nanoseconds duration{};
   std::optional<BarBeat> place = {};  // where the title has bars

@@ -21,6 +21,11 @@ using std::chrono::nanoseconds;
 // How often the position is reported: as often as a window can show it.
 constexpr milliseconds kReportInterval{15};
 
+TextId TitleFailedText(Outcome code) {
+  if (code == Outcome::InUse) return texts::PlayerCdBusy;
+  return code == Outcome::CdDriveFailed ? texts::PlayerCdFailed : texts::PlayerTitleFailed;
+}
+
 class PlayerRun {
  public:
   PlayerRun(Run& run, const PlayerOptions& options, const OpenPlayer& open)
@@ -92,6 +97,7 @@ class PlayerRun {
       return {title.error(), {}};
     }
     ++started_;
+    if (const std::string name = (*title)->Name(); !name.empty()) run_.StatusText(name);
     run_.SetState(RunState::Running);
     const Turn turn = Supervise(index, source, **title);
     if (Succeeded(turn.code)) ++finished_;
@@ -103,7 +109,8 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
-    control_.Report({.title = source, .duration = title.Duration(), .place = title.Place()});
+    control_.Report(
+        {.title = source, .name = title.Name(), .duration = title.Duration(), .place = title.Place()});
 
     Turn turn;
     std::atomic<bool> ended = false;
@@ -163,8 +170,7 @@ class PlayerRun {
     if (Succeeded(code) || code == Outcome::Cancelled) return;
     ++failed_;
     run_.AddCode(code);
-    const std::string_view text =
-        Text(code == Outcome::NotNecessary ? texts::PlayerCdFailed : texts::PlayerTitleFailed);
+    const std::string_view text = Text(TitleFailedText(code));
     if (count_ == 1) {
       run_.Notice(text);
     } else {

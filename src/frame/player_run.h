@@ -36,13 +36,15 @@ class PlayedTitle {
   [[nodiscard]] virtual std::chrono::nanoseconds Duration() const = 0;
   // Where it is in bars, for music that has them.
   [[nodiscard]] virtual std::optional<BarBeat> Place() const { return std::nullopt; }
+  // What the window calls it; "" for the name of its file.
+  [[nodiscard]] virtual std::string Name() const { return {}; }
 };
 
 // The device that the titles of a run are played on; it stays open from the first to the last.
 class PlayerDevice {
  public:
   virtual ~PlayerDevice() = default;
-  // NotNecessary: a track of an audio CD that no drive plays.
+  // InUse: a track of an audio CD whose drive is busy; CdDriveFailed: one that no drive plays.
   [[nodiscard]] virtual Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) = 0;
   virtual void SetSound(PlayerSound sound) = 0;
   // The end of the run; a device that makes a file completes it.
@@ -53,7 +55,7 @@ using OpenPlayer = std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)>;
 
 // What a player says of its titles: as the conversions do, but with its own words for a device that does not
 // open, and its own row for titles that are damaged or of no use.
-[[nodiscard]] constexpr std::array<Remark, 9> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
+[[nodiscard]] constexpr std::array<Remark, 10> PlayerRemarks(TextId deviceFailed, Remark badTitle) {
   return {{{Code(Outcome::Cancelled), texts::RemarkCancelled},
            {Code(Outcome::OutOfMemory), texts::RemarkOutOfMemory},
            {Code(Outcome::ReadFailed), texts::RemarkReadFailed},
@@ -61,7 +63,8 @@ using OpenPlayer = std::function<Result<std::unique_ptr<PlayerDevice>>(Run&)>;
            {Code(Outcome::WrongFormat), texts::RemarkWrongFormat},
            {Code(Outcome::TargetFailed), deviceFailed},
            {Code(Outcome::SourceFailed), texts::RemarkSourceFailed},
-           {Code(Outcome::NotNecessary), texts::PlayerCdFailed},
+           {Code(Outcome::CdDriveFailed), texts::PlayerCdFailed},
+           {Code(Outcome::InUse), texts::PlayerCdBusy},
            badTitle}};
 }
 

@@ -40,6 +40,7 @@ enum class [[nodiscard]] Outcome : std::int32_t{
     ConverterNotOpened = -401,
     PcmConverterMissing = -402,
     EncoderFailed = -403,         // it says so itself; what it wrote may be of no use
+    CdDriveFailed = -500,         // a disc drive does not answer, or holds no disc that can be used
     DamagedMidi = -601,           // a MIDI file that breaks off or contradicts itself
     MidiDeviceFailed = -602,      // the MIDI output device cannot be opened
     DamagedScore = -1000,         // a score with an invalid record

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "platform/cd_drive.h"
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/paths.h"
 #include "platform/strings.h"
 #include "platform/text.h"
 #include "platform/texts.h"
+#include "platform/virtual_cd.h"
 
 namespace ts5 {
 namespace {
@@ -110,7 +112,7 @@ VolumeTable VolumeTable::Of(std::string_view home, std::string_view mountInfo,
   }
   for (const std::string& device : opticalDevices) {
     const auto disc = std::ranges::find(media, device, &Mount::source);
-    Volume drive{Kind::Optical, std::string(Text(texts::VolumeOptical)), "", device};
+    Volume drive{Kind::Optical, std::string(Text(texts::VolumeOptical)), device, device};
     if (disc != media.end()) {
       drive.path = disc->point;
       drive.name = FileNameOf(disc->point);
@@ -122,16 +124,15 @@ VolumeTable VolumeTable::Of(std::string_view home, std::string_view mountInfo,
 }
 
 VolumeTable VolumeTable::OfThisMachine() {
-  std::vector<std::string> optical;
-  std::error_code error;
-  for (fs::directory_iterator entry("/sys/class/block", error), end; !error && entry != end;
-       entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
-    if (name.starts_with("sr")) optical.push_back("/dev/" + name);
-  }
-  std::ranges::sort(optical);
   const auto mounts = ReadFile("/proc/self/mountinfo");
-  return Of(HomeDirectory(), mounts ? AsText(*mounts) : std::string_view{}, optical);
+  VolumeTable table = Of(HomeDirectory(), mounts ? AsText(*mounts) : std::string_view{}, CdDeviceFiles());
+  table.AddVirtualCd(VirtualCdDirectory());
+  return table;
+}
+
+void VolumeTable::AddVirtualCd(const std::string& directory) {
+  if (volumes_.size() < kMaxDrives)
+    volumes_.push_back({Volume::Kind::Optical, std::string(Text(texts::VolumeVirtualCd)), directory, ""});
 }
 
 const Volume* VolumeTable::Find(int drive) const {

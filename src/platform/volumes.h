@@ -5,7 +5,8 @@
 //   volumes.FindPath("C:\\Musik\\Chor\\LIED.MID")   // "/home/anna/Musik/Chor/Lied.mid"
 //
 // c: is the user's home, d: the root of the file system; mounted media and optical drives follow in the order
-// in which the system lists them. A drive index is the letter counted from c (c: is 0, d: 1), -1 is no drive.
+// in which the system lists them, and the virtual CD drive at the end. A drive index is the letter counted
+// from c (c: is 0, d: 1), -1 is no drive.
 #pragma once
 
 #include <optional>
@@ -32,7 +33,7 @@ struct Volume {
   enum class Kind : unsigned char { Home, Root, Medium, Optical };
   Kind kind = Kind::Medium;
   std::string name;    // what the user calls it, e.g. "Persönlicher Ordner", "USBSTICK"
-  std::string path;    // where its files are; "" for an optical drive without a mounted disc
+  std::string path;    // where its files are; the device file of an optical drive without a mounted disc
   std::string device;  // "/dev/sr0"; "" where it does not matter
 
   bool operator==(const Volume&) const = default;
@@ -45,6 +46,8 @@ class VolumeTable {
   [[nodiscard]] static VolumeTable Of(std::string_view home, std::string_view mountInfo,
                                       const std::vector<std::string>& opticalDevices);
   [[nodiscard]] static VolumeTable OfThisMachine();
+  // One more drive behind the last, which stands for discs; nothing when there are too many.
+  void AddVirtualCd(const std::string& directory);
 
   // The place in the list is the drive index.
   [[nodiscard]] const std::vector<Volume>& Volumes() const { return volumes_; }

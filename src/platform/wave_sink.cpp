@@ -26,8 +26,8 @@ void WaveSink::Write(std::span<const float> interleaved) {
   ByteWriter samples;
   samples.Reserve(size);
   for (const float sample : interleaved) {
-    const float limited = std::clamp(sample, -1.0F, 1.0F);
-    samples.U16Le(static_cast<std::uint16_t>(std::lrint(limited * 32767.0F)));
+    const long value = std::lrint(std::clamp(sample, -1.0F, 1.0F) * 32768.0F);
+    samples.U16Le(static_cast<std::uint16_t>(std::min(value, 32767L)));
   }
   state_ = file_->Write(samples.View());
   dataSize_ += size;

@@ -63,12 +63,14 @@ TEST(DirectoryListing, ListsTypeByTypeAndEachByName) {
 }
 
 TEST(DirectoryListing, ListsTheTracksOfAnAudioCd) {
-  const Listed listed = List("/media/cd", [](const std::string& directory) {
-    EXPECT_EQ(directory, "/media/cd");
-    return std::vector<std::uint32_t>{185, 60};
+  const Listed listed = List("/dev/sr0", [](const std::string& directory) {
+    EXPECT_EQ(directory, "/dev/sr0");
+    return AudioCd{{"PLEXTOR", "PX-1"}, {{1, 185}, {12, 60}}};
   });
-  EXPECT_THAT(listed.items, ElementsAre(DirectoryItem{"Track 01", FileTypeId::CdTrack, true, 185},
-                                        DirectoryItem{"Track 02", FileTypeId::CdTrack, true, 60}));
+  EXPECT_THAT(
+      listed.items,
+      ElementsAre(DirectoryItem{"Track 01", FileTypeId::CdTrack, true, 185, "PLEXTOR PX-1\\Track 01"},
+                  DirectoryItem{"Track 12", FileTypeId::CdTrack, true, 60, "PLEXTOR PX-1\\Track 12"}));
 }
 
 TEST(DirectoryListing, SaysWhatCannotBeListed) {
@@ -164,11 +166,10 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   std::atomic<int> answered = 0;
   std::optional<DirectoryLister> lister(std::in_place, PostTo(loop),
                                         [&answered, hold](const std::string& path) {
-                                          if (path != "/slow")
-                                            return std::optional<std::vector<std::uint32_t>>{};
+                                          if (path != "/slow") return std::optional<AudioCd>{};
                                           const std::lock_guard wait(*hold);
                                           ++answered;
-                                          return std::optional<std::vector<std::uint32_t>>{{60}};
+                                          return std::optional<AudioCd>{AudioCd{{}, {{1, 60}}}};
                                         });
   const auto never = [](auto) { FAIL() << "a cancelled listing has reported"; };
   bool ended = false;

@@ -106,8 +106,10 @@ TEST(FileDrop, CdaFilesBecomeTracks) {
   EXPECT_EQ(EntryFromPath(list[0].path).cdTrack, true) << "known as a track again after a reload";
 
   EXPECT_EQ(CdTrackEntry({" HL-DT-ST ", "CD:RW/DVD"}, "Track 07"), "HL-DT-ST CD RW/DVD\\Track 07");
+  // A track of the directory view comes as its entry; a file without an extension is none.
   FreeFileList dragged;
-  EXPECT_EQ(DropEntries(dragged, FilterId::AudioPlayer, {EntryFromPath("A B\\Track 07")}, {}).added, 1U);
+  EXPECT_EQ(DropFiles(dragged, FilterId::AudioPlayer, {"A B\\Track 07", "/m/Track 07"}, {}).added, 1U);
+  EXPECT_EQ(dragged[0], (FileListEntry{"A B\\Track 07", true}));
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ TEST(Volumes, LettersInOrder) {
       {Volume::Kind::Root, "Dateisystem", "/", ""},
       {Volume::Kind::Medium, "USB STICK", "/media/anna/USB STICK", "/dev/sdb1"},
       {Volume::Kind::Medium, "noten", "/mnt/noten", "/dev/sdc1"},
-      {Volume::Kind::Optical, "CD-Laufwerk", "", "/dev/sr0"},
+      {Volume::Kind::Optical, "CD-Laufwerk", "/dev/sr0", "/dev/sr0"},
       {Volume::Kind::Optical, "MOZART", "/media/anna/MOZART", "/dev/sr1"},
   };
   EXPECT_EQ(table.Volumes(), expected);
@@ -64,7 +64,7 @@ TEST(Volumes, PathsAreFoundWithoutRegardToCase) {
   const test::TemporaryDirectory home;
   for (const char* name : {"Musik/Größe.mid", "Musik/LIED.mid", "Musik/Lied.mid", "datei"})
     home.Write(name, "x");
-  const VolumeTable table = VolumeTable::Of(home.Path(), "", {"/dev/sr0"});
+  const VolumeTable table = VolumeTable::Of(home.Path(), "", {"/dev/sr99"});
   const std::pair<std::string_view, std::string_view> cases[] = {
       {"c:\\musik\\GRÖSSE.MID", ""},  // ß is no SS
       {"C:\\MUSIK\\GRÖßE.MID", "Musik/Größe.mid"},
@@ -92,9 +92,13 @@ TEST(Volumes, PathsAreFoundWithoutRegardToCase) {
 
 TEST(Volumes, ThisMachineHasItsHomeAndRoot) {
   const VolumeTable table = VolumeTable::OfThisMachine();
-  ASSERT_GE(table.Volumes().size(), 2U);
+  ASSERT_GE(table.Volumes().size(), 3U);
   EXPECT_EQ(table.Volumes()[0].path, HomeDirectory());
   EXPECT_EQ(table.FindPath("d:\\PROC\\Self"), "/proc/self");
+  // The virtual drive comes last, so that it moves no letter.
+  EXPECT_EQ(table.Volumes().back().name, "Virtuelles CD-Laufwerk");
+  EXPECT_EQ(table.DriveOfPath(table.Volumes().back().path + "/Track 01"),
+            static_cast<int>(table.Volumes().size()) - 1);
 }
 
 TEST(Directories, FollowTheBaseDirectoryRules) {
