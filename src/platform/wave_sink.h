@@ -19,8 +19,8 @@ class WaveSink {
   [[nodiscard]] static Result<WaveSink> Create(const std::string& path, std::uint32_t sampleRate,
                                                std::uint32_t channels);
 
-  // Samples interleaved, full scale at -1 and +1, so that 16-bit samples come back as they were. After a failure nothing more is written, and so behind the
-  // end of what a file of this kind can hold (4 GB).
+  // Samples interleaved, full scale at -1 and +1, so that 16-bit samples come back as they were. After a
+  // failure nothing more is written, and so behind the end of what a file of this kind can hold (4 GB).
   void Write(std::span<const float> interleaved);
   [[nodiscard]] Outcome State() const { return state_; }
   // Completes the file. TargetFailed, WriteFailed.

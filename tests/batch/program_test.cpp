@@ -168,8 +168,8 @@ TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
     std::string part;  // of what is said
   };
   const std::vector<Case> cases{
-      {{}, "filters, jobs, type, info, run, job, registry"},
-      {{"spiele"}, "filters, jobs, type, info, run, job, registry"},
+      {{}, "filters, jobs, type, info, run, job, cd, registry"},
+      {{"spiele"}, "filters, jobs, type, info, run, job, cd, registry"},
       {{"run", "MidiKonverter", song}, "MidiConverter"},
       {{"run", "17", song}, "MidiConverter"},
       {{"run", "AudioCompressor", song}, "Möglich sind: "},
@@ -477,6 +477,37 @@ TEST_F(ProgramTest, OutputThatCannotBeWrittenIsAFailure) {
   captured_->out.setstate(std::ios::badbit);
   EXPECT_EQ(captured_->Run({"filters"}), kExitFailed);
   EXPECT_THAT(Err(), HasSubstr("Ausgabe"));
+}
+
+TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
+  ::setenv("XDG_DATA_HOME", home_.Path().c_str(), 1);
+  EXPECT_EQ(Run({"cd", "list"}), 0);
+  EXPECT_THAT(Out(), HasSubstr("keine lesbare CD"));
+  EXPECT_EQ(Run({"cd", "insert", DataPath("cd/three_tracks.bin")}), 1);
+  EXPECT_THAT(Err(), HasSubstr("ist kein CUE-Sheet"));
+  EXPECT_EQ(Run({"cd", "insert", DataPath("cd/three_tracks.cue")}), 0);
+  EXPECT_EQ(Run({"cd", "list", "--json"}), 0);
+  const auto drives = nlohmann::json::parse(Out())["drives"];
+  const auto& tracks = drives.back()["tracks"];
+  ASSERT_EQ(tracks.size(), 3U);
+  EXPECT_EQ(tracks[1]["sectors"], 60);
+
+  // A track by the name that the list shows, and a whole disc by the name of its drive.
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", tracks[1]["track"].get<std::string>()}),
+            0);
+  EXPECT_EQ(nlohmann::json::parse(Out())["lines"][1]["count"], 1);
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", "--set", "KurzAnspielen?=1", "--set",
+                 "Anspielzeit=1", "--dir", drives.back()["drive"].get<std::string>()}),
+            0);
+  EXPECT_EQ(nlohmann::json::parse(Out())["lines"][1]["count"], 3);
+  EXPECT_EQ(Run({"run", "MidiConverter", "--dir", "stavora virtuelle cd"}), 1) << "no tracks for this one";
+
+  EXPECT_EQ(Run({"cd", "eject"}), 0);
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", tracks[1]["track"].get<std::string>()}),
+            1);
+  EXPECT_EQ(nlohmann::json::parse(Out())["items"][0]["code"], -500);
+  EXPECT_EQ(Run({"cd"}), 2);
+  ::unsetenv("XDG_DATA_HOME");
 }
 
 }  // namespace

@@ -130,11 +130,10 @@ TEST_F(DiscStory, TracksGoIntoTheListAndArePlayed) {
   W().ShowFilter();
   Select({0});
   bool seen = false;
-  script_.Expect([](QDialog& dialog) { dialog.accept(); });  // the results
   W().Trigger(CommandId::Run);
   ASSERT_TRUE(WaitFor([&] {
     seen = seen || ActiveJob().run->player.Status().name == "Track 2 von STAVORA VIRTUELLE CD";
-    return ActiveJob().MayChange() && script_.Done();
+    return ActiveJob().MayChange();
   }));
   EXPECT_TRUE(seen);
 }

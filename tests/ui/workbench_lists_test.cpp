@@ -229,12 +229,14 @@ TEST_F(ListStory, DeletedFilesGoToTheWastebasket) {
 }
 
 TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
-  options_.volumes = VolumeTable::Of(directory_.Path(), "", {"/dev/sr0"});
+  options_.volumes = VolumeTable::Of(directory_.Path(), "", {"/dev/sr99"});
   Start();
   ASSERT_TRUE(WaitForListing());
   const std::int32_t drive = ActiveJob().sourceDrive;
   script_.ExpectBox(QMessageBox::Ok);
   emit W().Source().Drives()->DriveTaken(2);
+  ASSERT_TRUE(WaitFor([this] { return script_.Done(); })) << "as soon as the drive has been asked";
+  ASSERT_TRUE(WaitForListing());
   EXPECT_EQ(script_.LastText(), ToQt(DriveFailedText(2)));
   EXPECT_EQ(ActiveJob().sourceDrive, drive);
   EXPECT_EQ(W().Source().Drives()->currentData().toInt(), drive);
