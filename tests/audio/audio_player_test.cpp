@@ -81,9 +81,7 @@ class AudioPlayerTest : public testing::Test {
 // Where the samples begin in what was played, and how many follow without a gap or a change.
 std::pair<std::size_t, std::size_t> FindRun(const std::vector<double>& played,
                                             const std::vector<std::int16_t>& samples) {
-  const auto same = [&](std::size_t at, std::size_t i) {
-    return played[at] * 32768 == samples[i];
-  };
+  const auto same = [&](std::size_t at, std::size_t i) { return played[at] * 32768 == samples[i]; };
   std::size_t start = 0;
   while (start < played.size() && played[start] == 0) ++start;
   std::size_t count = 0;
