@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <random>
 
-#include "frame/run_support.h"
 #include "audio/audio_player.h"
 #include "audio/cd_track_source.h"
 #include "audio/wave_file.h"
 #include "frame/player_parameters.h"
+#include "frame/run_support.h"
 #include "frame/texts.h"
 #include "platform/virtual_cd.h"
 #include "support/matchers.h"
