@@ -175,7 +175,8 @@ std::string Arguments::Help() const {
   }
   if (tail_) help += tail_();
   help += "\n" + std::string(Text(texts::BatchExamples)) + "\n";
-  for (const std::string_view line : Split(Text(examples_), '\n')) help += "  " + std::string(line) + "\n";
+  const TextId examples = fitting_ ? fitting_() : examples_;
+  for (const std::string_view line : Split(Text(examples), '\n')) help += "  " + std::string(line) + "\n";
   return help;
 }
 

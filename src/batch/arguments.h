@@ -40,6 +40,8 @@ class Arguments {
   void Rest(std::string_view name, std::vector<std::string>& target, TextId help, std::size_t least);
   // What the help says at its end, known only when the other arguments are read.
   void HelpTail(std::function<std::string()> tail) { tail_ = std::move(tail); }
+  // Examples that fit the arguments, instead of those of the command.
+  void HelpExamples(std::function<TextId()> examples) { fitting_ = std::move(examples); }
 
   // Nothing when the command may go on; else its exit status: the help was asked for and is printed, or the
   // line is wrong and this is said.
@@ -64,6 +66,7 @@ class Arguments {
   TextId examples_;
   std::vector<Row> rows_;
   std::function<std::string()> tail_;
+  std::function<TextId()> fitting_;
   bool help_ = false;
   std::unique_ptr<Parser> parser_;
 };

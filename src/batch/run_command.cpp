@@ -51,6 +51,29 @@ std::string FilterNames(bool runnable) {
   return names;
 }
 
+struct FilterExamples {
+  FilterId filter;
+  TextId text;
+};
+
+// One line per filter.
+constexpr FilterExamples kExamples[] = {
+    {FilterId::ScoreToMidi, texts::BatchExamplesScoreToMidi},
+    {FilterId::ScoreSearch, texts::BatchExamplesScoreSearch},
+    {FilterId::MidiSearch, texts::BatchExamplesMidiSearch},
+    {FilterId::MidiPlayer, texts::BatchExamplesMidiPlayer},
+    {FilterId::MidiConverter, texts::BatchExamplesMidiConverter},
+    {FilterId::MidiToWave, texts::BatchExamplesMidiToWave},
+    {FilterId::AudioPlayer, texts::BatchExamplesAudioPlayer},
+    {FilterId::WaveConverter, texts::BatchExamplesWaveConverter},
+    {FilterId::ScorePlayer, texts::BatchExamplesScorePlayer},
+};
+
+TextId ExamplesOf(FilterId filter) {
+  const auto* const row = std::ranges::find(kExamples, filter, &FilterExamples::filter);
+  return row == std::end(kExamples) ? texts::BatchRunExamples : row->text;
+}
+
 // The help of the filter's parameters, with the defaults; how to get it while no filter is named.
 std::string ParameterHelp(const std::string& filter) {
   const FilterModule* module = FindModule(FindFilter(filter));
@@ -172,6 +195,7 @@ int RunCommand(CommandLine line, Console& console) {
   arguments.Flag("--quiet", request.output.quiet, texts::BatchHelpQuiet);
   arguments.Rest("DATEI", request.files, texts::BatchHelpFiles, 0);
   arguments.HelpTail([&] { return ParameterHelp(request.filter); });
+  arguments.HelpExamples([&] { return ExamplesOf(FindFilter(request.filter)); });
   if (const auto status = arguments.Read(line, console)) return *status;
 
   Job job;

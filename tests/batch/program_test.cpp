@@ -8,8 +8,10 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "app/filter_modules.h"
 #include "batch/captured_console.h"
 #include "batch/run_program.h"
+#include "frame/filter_catalogue.h"
 #include "support/test_data.h"
 
 namespace ts5::batch {
@@ -350,6 +352,81 @@ TEST_F(ProgramTest, EveryCommandHasHelp) {
   }
   EXPECT_EQ(Run({"run", "MidiConverter", "--help"}), kExitSuccess);
   EXPECT_THAT(Out(), HasSubstr("NewTimebase"));
+}
+
+// The words of a line as a shell makes them, "*.mid" for the names that there are.
+std::vector<std::string> ShellWords(std::string_view line, const std::string& directory) {
+  std::vector<std::string> words;
+  std::string word;
+  bool quoted = false;
+  for (const char c : std::string(line) + ' ') {
+    if (c == '"') {
+      quoted = !quoted;
+    } else if (c != ' ' || quoted) {
+      word += c;
+    } else if (word.starts_with('*')) {
+      for (const auto& file : fs::directory_iterator(directory)) {
+        const std::string name = file.path().filename();
+        if (name.ends_with(word.substr(1))) words.push_back(name);
+      }
+      word.clear();
+    } else if (!word.empty()) {
+      words.push_back(std::exchange(word, {}));
+    }
+  }
+  return words;
+}
+
+// The lines of a help text behind "Beispiele:".
+std::vector<std::string> Examples(const std::string& help) {
+  std::vector<std::string> lines;
+  std::istringstream rest(help.substr(help.find("Beispiele:\n")));
+  std::string line;
+  std::getline(rest, line);
+  while (std::getline(rest, line)) lines.push_back(line.substr(2));
+  return lines;
+}
+
+TEST_F(ProgramTest, TheHelpOfEachFilterShowsExamplesOfItsOwnThatRun) {
+  // Five sixteenths c to g, short enough to be played.
+  std::string notes;
+  for (const char key : {'\x3C', '\x3E', '\x40', '\x41', '\x43'})
+    notes += std::string("\0\x90", 2) + key + std::string("\x40\x18\x80", 3) + key + '\0';
+  const std::string song =
+      std::string("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\x2C", 22) + notes + std::string("\0\xFF\x2F\0", 4);
+  std::vector<FilterId> filters{FilterId::None};
+  for (const FilterModule& module : Modules()) filters.push_back(module.id);
+  for (const FilterId filter : filters) {
+    const std::string name = filter == FilterId::None ? "" : std::string(Descriptor(filter).identifier);
+    ASSERT_EQ(Run(name.empty() ? std::vector<std::string>{"run", "--help"}
+                               : std::vector<std::string>{"run", name, "--help"}),
+              kExitSuccess);
+    const auto examples = Examples(Out());
+    EXPECT_GE(examples.size(), 2U) << name;
+    for (const std::string& example : examples) {
+      EXPECT_THAT(example, StartsWith("ts5-batch run " + name));
+      // Each in a place of its own, where the files are that it names.
+      const TemporaryDirectory place;
+      for (const char* path : {"Lied.mid", "Tanz.mid", "Lieder/Lied.mid"}) place.Write(path, song);
+      for (const char* path : {"Konzert.wav", "Aufnahmen/Konzert.wav"})
+        place.Write(path, Content(DataPath("audio/wav_quiet_minus30db.wav")));
+      for (const char* path : {"Chor.stv", "Partituren/Chor.stv"})
+        place.Write(path, Content(DataPath("../../demo/Bruder Jakob.stv")));
+      place.Write("Chor.sts", "[sts5 Filelist]\r\nFiles=1\r\n1=Lied.mid\r\n");
+      fs::create_directory(place.File("Neu"));
+      std::vector<std::string> line = ShellWords(example, place.Path());
+      line.erase(line.begin());
+      // What sounds, sounds into a file, which takes no time, or where nobody hears it.
+      const bool score = filter == FilterId::ScorePlayer;
+      if (score && std::ranges::find(line, "--device") == line.end()) {
+        line.insert(line.end(), {"--device", "synth:" + place.File("gespielt.wav")});
+      } else if (name.ends_with("Player") && std::ranges::find(line, "--device") == line.end()) {
+        line.insert(line.end(), {"--device", "null"});
+      }
+      const ProgramEnd end = Program(line, place.Path(), registry_).Wait();
+      EXPECT_EQ(end.status, kExitSuccess) << example << '\n' << end.out << end.err;
+    }
+  }
 }
 
 TEST_F(ProgramTest, TypesAndProperties) {
