@@ -244,6 +244,7 @@ class AudioDevice final : public PlayerDevice {
     sound_ ? sound_->stream.SetSound(sound) : void();
     wanted_ = sound;
   }
+  bool Alive() override { return !sound_ || sound_->output->Alive(); }
   Outcome Close() override {
     const Outcome stopped = sound_ ? sound_->output->Stop() : Outcome::Success;
     sound_.reset();

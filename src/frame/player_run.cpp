@@ -22,8 +22,16 @@ using std::chrono::nanoseconds;
 constexpr milliseconds kReportInterval{15};
 
 TextId TitleFailedText(Outcome code) {
-  if (code == Outcome::InUse) return texts::PlayerCdBusy;
-  return code == Outcome::CdDriveFailed ? texts::PlayerCdFailed : texts::PlayerTitleFailed;
+  switch (code) {
+    case Outcome::InUse:
+      return texts::PlayerCdBusy;
+    case Outcome::CdDriveFailed:
+      return texts::PlayerCdFailed;
+    case Outcome::WriteFailed:
+      return texts::PlayerDeviceGone;
+    default:
+      return texts::PlayerTitleFailed;
+  }
 }
 
 class PlayerRun {
@@ -93,6 +101,7 @@ class PlayerRun {
     auto title = IsUsablePath(source) ? device_->Open(source)
                                       : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
     if (!title) {
+      deviceGone_ = title.error() == Outcome::WriteFailed;
       Book(source, title.error());
       return {title.error(), {}};
     }
@@ -156,7 +165,7 @@ class PlayerRun {
     const auto until = std::chrono::steady_clock::now() + options_.Pause();
     while (!run_.Cancelled()) {
       const auto left = until - std::chrono::steady_clock::now();
-      if (left <= left.zero()) break;
+      if (left <= left.zero() || !device_->Alive()) break;
       const PlayerOrders orders = control_.Take(std::min(kCancelPoll, std::chrono::ceil<milliseconds>(left)));
       if (orders.sound) device_->SetSound(control_.Sound());
       if (orders.step) return orders.step;
@@ -171,7 +180,7 @@ class PlayerRun {
     ++failed_;
     run_.AddCode(code);
     const std::string_view text = Text(TitleFailedText(code));
-    if (count_ == 1) {
+    if (count_ == 1 || code == Outcome::WriteFailed) {
       run_.Notice(text);
     } else {
       run_.ProtocolLine(source + ": " + std::string(text));
@@ -191,9 +200,10 @@ class PlayerRun {
                             std::min(ClampTo<std::uint32_t>(result.items.size()), finished_);
     result.remarks = run_.Remarks();
     result.show = options_.resultDialog;
-    if (!device_ || failed_ == 0 || count_ == 1) return;
+    if (!device_ || failed_ == 0) return;
     result.remarks.emplace_back(Text(texts::PlayerSomeFailed));
-    if (!result.show) run_.Notice(Text(texts::PlayerSomeFailed));
+    // Of a single title it has been said already.
+    if (!result.show && count_ > 1) run_.Notice(Text(texts::PlayerSomeFailed));
   }
 
   Run& run_;

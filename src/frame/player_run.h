@@ -47,6 +47,8 @@ class PlayerDevice {
   // InUse: a track of an audio CD whose drive is busy; CdDriveFailed: one that no drive plays.
   [[nodiscard]] virtual Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) = 0;
   virtual void SetSound(PlayerSound sound) = 0;
+  // False once the device has gone; asked between two titles.
+  [[nodiscard]] virtual bool Alive() { return true; }
   // The end of the run; a device that makes a file completes it.
   [[nodiscard]] virtual Outcome Close() = 0;
 };

@@ -23,7 +23,10 @@ class MidiLevel final : public MidiOutput {
 
   Outcome Send(std::uint32_t message) override;
   Outcome SendSystemExclusive(ByteView message) override;
+  // Also undoes what the music has set and a reset of the controllers leaves: sounds, volumes, places, the
+  // range of bends and the tuning.
   Outcome Reset() override;
+  [[nodiscard]] bool Alive() override;
   [[nodiscard]] bool KeepsTime() const override { return device_->KeepsTime(); }
   void Elapse(std::chrono::nanoseconds time) override { device_->Elapse(time); }
   [[nodiscard]] Outcome Close() override;
@@ -34,12 +37,15 @@ class MidiLevel final : public MidiOutput {
   struct Channel {
     std::uint8_t volume = kNormalVolume;
     std::uint8_t place = kMiddle;
+    bool sounds = false;  // has its bank or program from the music
+    bool tuned = false;   // has registered parameters from the music
   };
 
   [[nodiscard]] bool Changes() const { return sound_ != PlayerSound{}; }
   [[nodiscard]] std::uint8_t Volume(std::uint8_t volume) const;
   [[nodiscard]] std::uint8_t Place(std::uint8_t place) const;
   Outcome SendAll();
+  Outcome Undo(std::uint8_t channel);
 
   std::mutex mutex_;
   std::unique_ptr<MidiOutput> device_;

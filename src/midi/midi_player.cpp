@@ -86,6 +86,7 @@ class MidiDevice final : public PlayerDevice {
     return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
+  bool Alive() override { return output_->Alive(); }
   Outcome Close() override { return output_->Close(); }
 
  private:

@@ -6,6 +6,10 @@ namespace ts5 {
 
 using std::chrono::nanoseconds;
 
+namespace {
+constexpr std::uint8_t kAllSoundOff = 120;
+}
+
 void MidiSequencer::Seek(nanoseconds position) {
   transport_.Seek(std::clamp(position, nanoseconds{0}, sequence_.Duration()));
 }
@@ -33,18 +37,24 @@ Outcome MidiSequencer::Run(std::optional<nanoseconds> end) {
         break;
       case PlayTurn::Pause:
         result = Silence();
+        if (Succeeded(result)) result = CutOff();
         transport_.AwaitResume();
         break;
       case PlayTurn::Seek: {
         const nanoseconds target = transport_.TakeSeek();
         next = sequence_.FirstAt(target);
         result = Silence();
+        // What was played so far may lie behind the target.
+        if (Succeeded(result) && begun_) result = output_.Reset();
         if (Succeeded(result)) result = Chase(next);
         transport_.Locate(target);
         break;
       }
       case PlayTurn::Stop:
         over = true;
+        break;
+      case PlayTurn::Gone:
+        result = Outcome::WriteFailed;
         break;
     }
   }
@@ -57,9 +67,11 @@ Outcome MidiSequencer::Run(std::optional<nanoseconds> end) {
 }
 
 Outcome MidiSequencer::SendMessage(const SequenceMessage& message) {
+  begun_ = true;
   if (message.message == 0) return output_.SendSystemExclusive(sequence_.Exclusive(message));
   if (message.IsNote()) {
     sounding_[message.message & 0x0F][message.message >> 8 & 0x7F] = message.IsNoteOn();
+    if (message.IsNoteOn()) struck_.set(message.message & 0x0F);
   }
   return output_.Send(message.message);
 }
@@ -80,6 +92,17 @@ Outcome MidiSequencer::Silence() {
     }
     sounding_[channel].reset();
   }
+  return Outcome::Success;
+}
+
+// A pedal that is down holds notes that have ended; it stays down, but nothing sounds.
+Outcome MidiSequencer::CutOff() {
+  for (std::uint8_t channel = 0; channel < struck_.size(); ++channel) {
+    if (!struck_[channel]) continue;
+    const auto status = static_cast<std::uint8_t>(0xB0 | channel);
+    if (const Outcome sent = output_.Send(ShortMidiMessage(status, kAllSoundOff)); Failed(sent)) return sent;
+  }
+  struck_.reset();
   return Outcome::Success;
 }
 

@@ -42,11 +42,15 @@ class MidiSequencer {
   Outcome SendMessage(const SequenceMessage& message);
   Outcome Chase(std::size_t next);
   Outcome Silence();
+  Outcome CutOff();
 
   const MidiSequence& sequence_;
   MidiOutput& output_;
   PlayTransport transport_;
-  std::array<std::bitset<128>, 16> sounding_;  // by channel and key; the running thread's own
+  // The running thread's own.
+  std::array<std::bitset<128>, 16> sounding_;  // by channel and key
+  std::bitset<16> struck_;                     // channels that may sound, if only by their pedal
+  bool begun_ = false;                         // something was sent
 };
 
 }  // namespace ts5

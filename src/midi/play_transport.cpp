@@ -9,6 +9,8 @@ using std::chrono::nanoseconds;
 
 // So that a stop is seen while a device goes on in its own time.
 constexpr std::chrono::milliseconds kOwnTimeSlice{50};
+// So that the end of a device is seen while nothing is sent.
+constexpr std::chrono::milliseconds kLookAtDevice{250};
 
 }  // namespace
 
@@ -72,6 +74,7 @@ PlayTurn PlayTransport::Await(nanoseconds due) {
   std::unique_lock lock(mutex_);
   while (true) {
     if (stop_) return PlayTurn::Stop;
+    if (!output_.Alive()) return PlayTurn::Gone;
     if (seek_) return PlayTurn::Seek;
     if (paused_) return PlayTurn::Pause;
     const nanoseconds left = due - Elapsed();
@@ -83,14 +86,14 @@ PlayTurn PlayTransport::Await(nanoseconds due) {
       lock.lock();
       located_ += slice;
     } else {
-      steered_.wait_until(lock, locatedAt_ + (due - located_));
+      steered_.wait_until(lock, std::min(locatedAt_ + (due - located_), Clock::now() + kLookAtDevice));
     }
   }
 }
 
 void PlayTransport::AwaitResume() {
   std::unique_lock lock(mutex_);
-  steered_.wait(lock, [this] { return stop_ || !paused_ || seek_; });
+  while (!stop_ && paused_ && !seek_ && output_.Alive()) steered_.wait_for(lock, kLookAtDevice);
 }
 
 nanoseconds PlayTransport::TakeSeek() {

@@ -6,7 +6,7 @@
 //     case PlayTurn::Due: send what is due; break;
 //     case PlayTurn::Pause: silence; transport.AwaitResume(); break;
 //     case PlayTurn::Seek: go to transport.TakeSeek(); transport.Locate(there); break;
-//     case PlayTurn::Stop: return;
+//     case PlayTurn::Stop: case PlayTurn::Gone: return;
 //   }
 //
 // Times are kept against an absolute schedule, so that delays do not add up. With a device that has a time of
@@ -23,7 +23,8 @@
 
 namespace ts5 {
 
-enum class PlayTurn : std::uint8_t { Due, Pause, Seek, Stop };
+// Gone: the device is no longer there.
+enum class PlayTurn : std::uint8_t { Due, Pause, Seek, Stop, Gone };
 
 class PlayTransport {
  public:
@@ -44,7 +45,7 @@ class PlayTransport {
   bool End(std::chrono::nanoseconds place);  // it stands there; true when Stop was called
   // Until it is due, or something else is wanted.
   [[nodiscard]] PlayTurn Await(std::chrono::nanoseconds due);
-  void AwaitResume();                                 // or a seek, or a stop
+  void AwaitResume();                                 // or a seek, or a stop, or the end of the device
   [[nodiscard]] std::chrono::nanoseconds TakeSeek();  // 0 when there is none
   void Locate(std::chrono::nanoseconds place);        // the schedule is made anew from here
 

@@ -1,16 +1,12 @@
 #include "platform/audio_in.h"
 
-#include <rtaudio/RtAudio.h>
-
 #include <algorithm>
 #include <chrono>
-#include <optional>
 #include <stop_token>
 #include <thread>
 #include <utility>
 
-#include "platform/device_pace.h"
-#include "platform/quiet.h"
+#include "platform/sound_card.h"
 
 namespace ts5 {
 namespace {
@@ -48,110 +44,41 @@ class SilentInput final : public AudioInput {
   std::jthread thread_;
 };
 
-// Tells the quiet library from a broken one: its warnings are of no use to a musician.
-void IgnoreAudioMessage(RtAudioError::Type /*type*/, const std::string& /*text*/) {}
-
-std::optional<RtAudio::DeviceInfo> InputAt(RtAudio& audio, unsigned index) {
-  try {
-    RtAudio::DeviceInfo info = audio.getDeviceInfo(index);
-    if (info.probed && info.inputChannels > 0) return info;
-  } catch (const RtAudioError&) {
-  }
-  return std::nullopt;
-}
-
 class SoundCardInput final : public AudioInput {
  public:
-  SoundCardInput(AudioFormat format, AudioTake take)
-      : format_(format), take_(std::move(take)), pace_(format.sampleRate) {
-    audio_.showWarnings(false);
+  bool Open(std::string_view device, AudioFormat format, AudioTake take) {
+    return card_.Open(SoundDirection::Input, device, format,
+                      [take = std::move(take)](std::span<float> block) { take(block); });
   }
-  ~SoundCardInput() override { SoundCardInput::Stop(); }
-
-  Outcome Open(std::string_view device) {
-    try {
-      for (unsigned index = 0; index < audio_.getDeviceCount(); ++index) {
-        const auto info = InputAt(audio_, index);
-        if (!info || (!device.empty() && info->name != device)) continue;
-        RtAudio::StreamParameters parameters;
-        parameters.deviceId = device.empty() ? audio_.getDefaultInputDevice() : index;
-        parameters.nChannels = format_.channels;
-        unsigned frames = kBlockFrames;
-        audio_.openStream(nullptr, &parameters, RTAUDIO_FLOAT32, format_.sampleRate, &frames, &Callback, this,
-                          nullptr, &IgnoreAudioMessage);
-        return audio_.isStreamOpen() ? Outcome::Success : Outcome::SourceFailed;
-      }
-    } catch (const RtAudioError&) {
-    }
-    return Outcome::SourceFailed;
-  }
-
-  Outcome Start() override {
-    try {
-      audio_.startStream();
-    } catch (const RtAudioError&) {
-      return Outcome::SourceFailed;
-    }
-    return Outcome::Success;
-  }
-  void Stop() override {
-    try {
-      if (audio_.isStreamRunning()) audio_.stopStream();
-      if (audio_.isStreamOpen()) audio_.closeStream();
-    } catch (const RtAudioError&) {
-    }
-  }
-  bool Alive() const override { return pace_.Alive(); }
+  Outcome Start() override { return card_.Start() ? Outcome::Success : Outcome::SourceFailed; }
+  void Stop() override { card_.Stop(); }
+  bool Alive() const override { return card_.Alive(); }
 
  private:
-  static int Callback(void* /*output*/, void* input, unsigned frames, double /*time*/,
-                      RtAudioStreamStatus /*status*/, void* self) {
-    auto* const in = static_cast<SoundCardInput*>(self);
-    in->pace_.Moved(frames);
-    in->take_({static_cast<const float*>(input), std::size_t{frames} * in->format_.channels});
-    return 0;
-  }
-
-  AudioFormat format_;
-  AudioTake take_;
-  DevicePace pace_;
-  RtAudio audio_;
+  SoundCard card_;
 };
 
 }  // namespace
 
 std::vector<std::string> AudioInputDevices() {
-  const QuietLibraries quiet;
   std::vector<std::string> names;
-  RtAudio audio;
-  audio.showWarnings(false);
-  for (unsigned index = 0; index < audio.getDeviceCount(); ++index) {
-    if (const auto info = InputAt(audio, index)) names.push_back(info->name);
-  }
+  for (SoundCardInfo& card : SoundCards(SoundDirection::Input)) names.push_back(std::move(card.name));
   return names;
 }
 
 AudioInputAbility AbilityOfAudioInput(std::string_view device) {
-  const QuietLibraries quiet;
-  RtAudio audio;
-  audio.showWarnings(false);
-  for (unsigned index = 0; index < audio.getDeviceCount(); ++index) {
-    const auto info = InputAt(audio, index);
-    if (!info || info->name != device) continue;
-    AudioInputAbility ability{{info->sampleRates.begin(), info->sampleRates.end()},
-                              static_cast<std::int32_t>(info->inputChannels)};
-    std::ranges::sort(ability.rates);
-    return ability;
-  }
-  return {};
+  auto cards = SoundCards(SoundDirection::Input);
+  const auto card = std::ranges::find(cards, device, &SoundCardInfo::name);
+  if (card == cards.end()) return {};
+  std::ranges::sort(card->rates);
+  return {std::move(card->rates), static_cast<std::int32_t>(card->channels)};
 }
 
 Result<std::unique_ptr<AudioInput>> OpenAudioInput(std::string_view device, AudioFormat format,
                                                    AudioTake take) {
   if (device == kNullDevice) return std::make_unique<SilentInput>(format, std::move(take));
-  const QuietLibraries quiet;
-  auto card = std::make_unique<SoundCardInput>(format, std::move(take));
-  if (const Outcome opened = card->Open(device); Failed(opened)) return Failure(opened);
+  auto card = std::make_unique<SoundCardInput>();
+  if (!card->Open(device, format, std::move(take))) return Failure(Outcome::SourceFailed);
   return card;
 }
 

@@ -1,16 +1,12 @@
 #include "platform/audio_out.h"
 
-#include <rtaudio/RtAudio.h>
-
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <stop_token>
 #include <thread>
 #include <utility>
 
-#include "platform/device_pace.h"
-#include "platform/quiet.h"
+#include "platform/sound_card.h"
 #include "platform/wave_sink.h"
 
 namespace ts5 {
@@ -82,87 +78,27 @@ class WaveFileOutput final : public ClockedOutput {
   std::atomic<bool> failed_ = false;
 };
 
-// Tells the quiet library from a broken one: its warnings are of no use to a musician.
-void IgnoreAudioMessage(RtAudioError::Type /*type*/, const std::string& /*text*/) {}
-
-std::optional<RtAudio::DeviceInfo> DeviceAt(RtAudio& audio, unsigned index) {
-  try {
-    RtAudio::DeviceInfo info = audio.getDeviceInfo(index);
-    if (info.probed && info.outputChannels > 0) return info;
-  } catch (const RtAudioError&) {
-  }
-  return std::nullopt;
-}
-
 class SoundCardOutput final : public AudioOutput {
  public:
-  SoundCardOutput(AudioFormat format, AudioRender render)
-      : format_(format), render_(std::move(render)), pace_(format.sampleRate) {
-    audio_.showWarnings(false);
+  bool Open(std::string_view device, AudioFormat format, AudioRender render) {
+    return card_.Open(SoundDirection::Output, device, format, std::move(render));
   }
-  ~SoundCardOutput() override { (void)Stop(); }
-
-  Outcome Open(std::string_view device) {
-    try {
-      for (unsigned index = 0; index < audio_.getDeviceCount(); ++index) {
-        const auto info = DeviceAt(audio_, index);
-        if (!info || (!device.empty() && info->name != device)) continue;
-        RtAudio::StreamParameters parameters;
-        parameters.deviceId = device.empty() ? audio_.getDefaultOutputDevice() : index;
-        parameters.nChannels = format_.channels;
-        unsigned frames = kBlockFrames;
-        audio_.openStream(&parameters, nullptr, RTAUDIO_FLOAT32, format_.sampleRate, &frames, &Callback, this,
-                          nullptr, &IgnoreAudioMessage);
-        return audio_.isStreamOpen() ? Outcome::Success : Outcome::TargetFailed;
-      }
-    } catch (const RtAudioError&) {
-    }
-    return Outcome::TargetFailed;
-  }
-
-  Outcome Start() override {
-    try {
-      audio_.startStream();
-    } catch (const RtAudioError&) {
-      return Outcome::TargetFailed;
-    }
-    return Outcome::Success;
-  }
+  Outcome Start() override { return card_.Start() ? Outcome::Success : Outcome::TargetFailed; }
   Outcome Stop() override {
-    try {
-      if (audio_.isStreamRunning()) audio_.stopStream();
-      if (audio_.isStreamOpen()) audio_.closeStream();
-    } catch (const RtAudioError&) {
-    }
+    card_.Stop();
     return Outcome::Success;
   }
-  bool Alive() const override { return pace_.Alive(); }
+  bool Alive() const override { return card_.Alive(); }
 
  private:
-  static int Callback(void* output, void* /*input*/, unsigned frames, double /*time*/,
-                      RtAudioStreamStatus /*status*/, void* self) {
-    auto* const out = static_cast<SoundCardOutput*>(self);
-    out->pace_.Moved(frames);
-    out->render_({static_cast<float*>(output), std::size_t{frames} * out->format_.channels});
-    return 0;
-  }
-
-  AudioFormat format_;
-  AudioRender render_;
-  DevicePace pace_;
-  RtAudio audio_;
+  SoundCard card_;
 };
 
 }  // namespace
 
 std::vector<std::string> AudioOutputDevices() {
-  const QuietLibraries quiet;
   std::vector<std::string> names;
-  RtAudio audio;
-  audio.showWarnings(false);
-  for (unsigned index = 0; index < audio.getDeviceCount(); ++index) {
-    if (const auto info = DeviceAt(audio, index)) names.push_back(info->name);
-  }
+  for (SoundCardInfo& card : SoundCards(SoundDirection::Output)) names.push_back(std::move(card.name));
   return names;
 }
 
@@ -177,9 +113,8 @@ Result<std::unique_ptr<AudioOutput>> OpenAudioOutput(std::string_view device, Au
   const bool silent = device == kNullDevice || (device.empty() && AudioOutputDevices().empty());
   if (silent) return std::make_unique<ClockedOutput>(format, std::move(render));
 
-  const QuietLibraries quiet;
-  auto card = std::make_unique<SoundCardOutput>(format, std::move(render));
-  if (const Outcome opened = card->Open(device); Failed(opened)) return Failure(opened);
+  auto card = std::make_unique<SoundCardOutput>();
+  if (!card->Open(device, format, std::move(render))) return Failure(Outcome::TargetFailed);
   return card;
 }
 

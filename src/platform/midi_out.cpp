@@ -56,6 +56,11 @@ class SynthesizerOutput final : public MidiOutput {
     synthesizer_->SystemExclusive(message);
     return audio_->Alive() ? Outcome::Success : Outcome::WriteFailed;
   }
+  bool Alive() override { return audio_->Alive(); }
+  Outcome Reset() override {
+    synthesizer_->Reset();
+    return audio_->Alive() ? Outcome::Success : Outcome::WriteFailed;
+  }
   Outcome Close() override {
     const Outcome reset = Reset();
     const Outcome stopped = audio_->Stop();
@@ -98,7 +103,8 @@ class SynthesizerFile final : public MidiOutput {
   }
   Outcome Reset() override {
     RingOut();
-    return MidiOutput::Reset();
+    synthesizer_->Reset();
+    return sink_.State();
   }
   Outcome Close() override {
     RingOut();
@@ -157,10 +163,11 @@ class PortOutput final : public MidiOutput {
     return SendSystemExclusive({bytes, ShortMidiLength(message)});
   }
   Outcome SendSystemExclusive(ByteView message) override {
-    if (failed_ || !Present()) return Outcome::WriteFailed;
+    if (!Alive()) return Outcome::WriteFailed;
     port_->sendMessage(message.data(), message.size());
     return failed_ ? Outcome::WriteFailed : Outcome::Success;
   }
+  bool Alive() override { return !failed_ && Present(); }
 
  private:
   // A port that has gone takes messages without a word, so it is looked for now and then.

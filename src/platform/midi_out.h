@@ -41,6 +41,8 @@ class MidiOutput {
   // WriteFailed: the device has gone.
   [[nodiscard]] virtual Outcome Send(std::uint32_t message) = 0;
   [[nodiscard]] virtual Outcome SendSystemExclusive(ByteView message) = 0;  // F0 to F7
+  // False once the device has gone; what does not know it says true.
+  [[nodiscard]] virtual bool Alive() { return true; }
   // Ends every sounding note and lets go of the pedals on all channels.
   virtual Outcome Reset();
   // A device with a time of its own: what plays on it does not wait, but says how far the music goes on.

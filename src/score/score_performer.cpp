@@ -68,6 +68,9 @@ Outcome ScorePerformer::Run(std::optional<nanoseconds> end) {
       case PlayTurn::Stop:
         over = true;
         break;
+      case PlayTurn::Gone:
+        sent_ = Outcome::WriteFailed;
+        break;
     }
     if (Succeeded(result)) result = sent_;
   }

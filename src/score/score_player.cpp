@@ -74,6 +74,7 @@ class ScoreDevice final : public PlayerDevice {
     return std::make_unique<ScoreTitle>(*std::move(score), repeats, *stage_, *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
+  bool Alive() override { return output_->Alive(); }
   Outcome Close() override {
     run_.Player().SetStage(nullptr);
     return output_->Close();

@@ -195,5 +195,29 @@ TEST(MidiLevel, ScalesVolumesMovesPlacesAndLeavesAllElse) {
   EXPECT_EQ(messages[0], 0x7F07B0U) << "the music's own volume again";
 }
 
+TEST(MidiLevel, AResetUndoesWhatTheMusicHasSetAndNothingElse) {
+  std::vector<std::uint32_t> messages;
+  MidiLevel level(std::make_unique<Device>(messages));
+  // An organ, soft, on channel 2; bends of an octave on channel 3.
+  for (const std::uint32_t message : {0x0013C1U, 0x1E07B1U, 0x0065B2U, 0x0064B2U, 0x0C06B2U})
+    EXPECT_THAT(level.Send(message), IsOk());
+  const auto afterReset = [&] {
+    messages.clear();
+    EXPECT_THAT(level.Reset(), IsOk());
+    messages.erase(messages.begin(), messages.begin() + 64);  // what every reset sends
+    return messages;
+  };
+  EXPECT_THAT(afterReset(), ElementsAre(0x0000B1U, 0x0020B1U, 0x0000C1U, 0x6407B1U,  // channel 2
+                                        0x0065B2U, 0x0064B2U, 0x0206B2U, 0x0026B2U,  // channel 3: bends
+                                        0x0164B2U, 0x4006B2U, 0x0026B2U, 0x0264B2U, 0x4006B2U,  // its tuning
+                                        0x7F65B2U, 0x7F64B2U));
+  EXPECT_THAT(afterReset(), testing::IsEmpty());
+  level.SetSound({.volume = -4000});
+  EXPECT_THAT(afterReset(), testing::Each(testing::AnyOf(testing::Truly([](std::uint32_t message) {
+                return (message & 0xFFF0) == 0x07B0 ? message >> 16 == 10 : message >> 16 == 64;
+              }))))
+      << "but the volume of the window stays";
+}
+
 }  // namespace
 }  // namespace ts5

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <random>
@@ -203,11 +205,66 @@ TEST(MidiSequencer, SeeksPausesAndStops) {
   EXPECT_EQ(output.messages, (std::vector<std::uint32_t>{0x0007C0, 0x644090, 0x404080}));
 }
 
+TEST(MidiSequencer, APauseCutsOffWhatThePedalHoldsAndASeekBackLetsGoOfIt) {
+  // A short note over a pedal that goes down at 100 ms; the end is at 60 s.
+  const Bytes file =
+      File({{0, 0x91, 60, 100, 100, 0xB1, 64, 127, 1, 0x81, 60, 0, 0x83, 0xD2, 0x7B, 0x91, 62, 0}}, 500);
+  const auto sequence = MidiSequence::FromFile(file);
+  ASSERT_THAT(sequence, IsOk());
+  RecordingOutput output;
+  MidiSequencer sequencer(*sequence, output);
+  Outcome result = Outcome::Success;
+  std::jthread thread([&] { result = sequencer.Run(); });
+  const auto waitFor = [&](nanoseconds position) {
+    while (sequencer.Position() < position) std::this_thread::sleep_for(5ms);
+  };
+  waitFor(150ms);
+  sequencer.Pause();
+  std::this_thread::sleep_for(50ms);
+  sequencer.Seek(10ms);
+  sequencer.Resume();
+  while (sequencer.Position() > 100ms) std::this_thread::sleep_for(1ms);
+  waitFor(20ms);
+  sequencer.Stop();
+  thread.join();
+  EXPECT_EQ(result, Outcome::Cancelled);
+  ASSERT_GT(output.messages.size(), 4U);
+  output.messages.resize(std::min(output.messages.size(), std::size_t{4 + 64}));
+  EXPECT_EQ(output.messages[2], 0x003C81U);
+  EXPECT_EQ(output.messages[3], 0x0078B1U) << "the pause: all sound off, on the channel that sounds only";
+  const auto pedalUp = std::ranges::find(output.messages, 0x0040B1U);
+  EXPECT_NE(pedalUp, output.messages.end()) << "before the pedal went down it is up";
+}
+
 TEST(MidiSequencer, ADeviceThatGoesAwayEndsIt) {
   const auto sequence = MidiSequence::FromFile(File({{0, 0x90, 60, 1, 1, 61, 1, 1, 62, 1}}, 500));
   ASSERT_THAT(sequence, IsOk());
   RecordingOutput output(1);
   EXPECT_EQ(MidiSequencer(*sequence, output).Run(), Outcome::WriteFailed);
+}
+
+TEST(MidiSequencer, ADeviceThatGoesAwayInALongRestOrAPauseEndsItAsWell) {
+  class Mortal final : public MidiOutput {
+   public:
+    Outcome Send(std::uint32_t /*message*/) override { return Outcome::Success; }
+    Outcome SendSystemExclusive(ByteView /*message*/) override { return Outcome::Success; }
+    bool Alive() override { return alive; }
+    std::atomic<bool> alive = true;
+  };
+  const auto sequence = MidiSequence::FromFile(File({{0, 0x90, 60, 1, 0x83, 0xD2, 0x7B, 61, 1}}, 500));
+  ASSERT_THAT(sequence, IsOk());
+  for (const bool paused : {false, true}) {
+    Mortal output;
+    MidiSequencer sequencer(*sequence, output);
+    if (paused) sequencer.Pause();
+    const auto start = std::chrono::steady_clock::now();
+    std::jthread killer([&] {
+      std::this_thread::sleep_for(50ms);
+      output.alive = false;
+    });
+    EXPECT_EQ(sequencer.Run(), Outcome::WriteFailed);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << "and not after the minute of the rest";
+  }
 }
 
 TEST(MidiCapture, WritesWhatItGetsWithItsTimes) {

@@ -1,0 +1,109 @@
+// The run of every player, with a device that does as the test wants.
+#include "frame/player_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "frame/run_support.h"
+
+namespace ts5 {
+namespace {
+
+using std::chrono::nanoseconds;
+using testing::ElementsAre;
+
+constexpr const char* kGone = "Das Ausgabegerät nimmt keine Daten mehr an.";
+constexpr const char* kFailed = "Diese Datei kann nicht abgespielt werden.";
+constexpr const char* kSomeFailed = "Eine oder mehrere Dateien konnten nicht abgespielt werden.";
+
+class Title final : public PlayedTitle {
+ public:
+  explicit Title(Outcome end) : end_(end) {}
+  Outcome Play(nanoseconds /*end*/) override { return end_; }
+  void Stop() override {}
+  void Pause() override {}
+  void Resume() override {}
+  void Seek(nanoseconds /*position*/) override {}
+  nanoseconds Position() const override { return {}; }
+  nanoseconds Duration() const override { return std::chrono::seconds(1); }
+
+ private:
+  Outcome end_;
+};
+
+// Titles end as their names say: "gut", "weg" (the device goes), "still" (it is found gone afterwards). Any
+// other cannot be opened.
+class Device final : public PlayerDevice {
+ public:
+  Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
+    if (!alive_) return Failure(Outcome::WriteFailed);
+    if (source == "still") alive_ = false;
+    if (source == "gut" || source == "still") return std::make_unique<Title>(Outcome::Success);
+    if (source == "weg") return std::make_unique<Title>(Outcome::WriteFailed);
+    return Failure(Outcome::WrongFormat);
+  }
+  void SetSound(PlayerSound /*sound*/) override {}
+  bool Alive() override { return alive_; }
+  Outcome Close() override { return Outcome::Success; }
+
+ private:
+  bool alive_ = true;
+};
+
+class PlayerRunTest : public testing::Test {
+ protected:
+  RunResult Play(const std::vector<std::string>& titles, const PlayerOptions& options = {}) {
+    FilterModule module;
+    module.id = FilterId::MidiPlayer;
+    module.create = [] { return std::make_unique<PlayerParameters>(); };
+    const auto open = [](ts5::Run&) -> Result<std::unique_ptr<PlayerDevice>> {
+      return std::make_unique<Device>();
+    };
+    module.run = [&](ts5::Run& run) { RunPlayer(run, options, open); };
+    static constexpr auto kRemarks =
+        PlayerRemarks(texts::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), texts::RemarkDamagedMidi});
+    module.remarks = kRemarks;
+    host_ = std::make_shared<test::RecordingHost>();
+    return test::RunJob(test::ListJob(titles, module), module, {}, host_);
+  }
+  static std::vector<std::uint32_t> Counts(const RunResult& result) {
+    return {result.lines[0].count, result.lines[1].count, result.lines[2].count};
+  }
+
+  std::shared_ptr<test::RecordingHost> host_;
+};
+
+TEST_F(PlayerRunTest, ATitleThatCannotBePlayedIsReportedAndTheRunGoesOn) {
+  RunResult result = Play({"gut", "kaputt", "gut"});
+  EXPECT_THAT(Counts(result), ElementsAre(2, 2, 1));
+  EXPECT_THAT(host_->notices, ElementsAre(kSomeFailed));
+  EXPECT_THAT(host_->lines, ElementsAre("kaputt: " + std::string(kFailed)));
+  EXPECT_EQ(result.remarks.back(), kSomeFailed);
+  result = Play({"kaputt"});
+  EXPECT_THAT(host_->notices, ElementsAre(kFailed)) << "once";
+  EXPECT_EQ(result.remarks.back(), kSomeFailed);
+  result = Play({"gut"});
+  EXPECT_THAT(host_->notices, testing::IsEmpty());
+  EXPECT_THAT(result.remarks, testing::IsEmpty());
+}
+
+TEST_F(PlayerRunTest, ADeviceThatGoesEndsTheRunAndIsNamed) {
+  RunResult result = Play({"gut", "weg", "gut"});
+  EXPECT_THAT(Counts(result), ElementsAre(2, 1, 1)) << "the third is not tried";
+  EXPECT_EQ(result.items.back().code, Code(Outcome::WriteFailed));
+  EXPECT_THAT(host_->notices, ElementsAre(kGone, kSomeFailed));
+  EXPECT_THAT(result.remarks, ElementsAre(kGone, kSomeFailed));
+
+  PlayerOptions options;
+  options.interval = kLongestPause;
+  const auto start = std::chrono::steady_clock::now();
+  result = Play({"still", "gut", "gut"}, options);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "nor is the pause kept";
+  EXPECT_THAT(Counts(result), ElementsAre(1, 1, 1));
+  EXPECT_THAT(host_->notices, ElementsAre(kGone, kSomeFailed));
+}
+
+}  // namespace
+}  // namespace ts5
