@@ -26,6 +26,8 @@ using namespace std::chrono_literals;
 constexpr std::uint32_t kFifoSeconds = 4;
 constexpr auto kPoll = 10ms;
 constexpr std::uint32_t kLeastRate = 8000;
+constexpr std::uint32_t kSettledParts = 10;  // of a second that has come: the input gives samples
+constexpr auto kStartPatience = 5s;
 constexpr auto kTail = 1s;  // what still sounds behind the last event
 
 std::string NameAt(const std::vector<std::string>& names, std::int32_t index) {
@@ -37,11 +39,25 @@ std::string NameAt(const std::vector<std::string>& names, std::int32_t index) {
 class Recorder {
  public:
   Recorder(PcmSink& sink, const WaveFormat& format)
-      : sink_(sink), fifo_(std::size_t{format.sampleRate} * format.channels * kFifoSeconds) {}
+      : sink_(sink),
+        fifo_(std::size_t{format.sampleRate} * format.channels * kFifoSeconds),
+        settled_(std::size_t{format.sampleRate} * format.channels / kSettledParts) {}
 
   // On the device's thread.
   void Take(std::span<const float> block) {
     if (fifo_.Put(block) < block.size()) overrun_ = true;
+  }
+  // Until samples flow: sound servers give a first block at once and the next when the device has settled,
+  // which may take a second. What has come so far does not count.
+  Outcome AwaitStart(const WorkWatch& watch) {
+    const auto until = std::chrono::steady_clock::now() + kStartPatience;
+    while (fifo_.Size() < settled_) {
+      if (watch.cancelled && watch.cancelled()) return Outcome::Cancelled;
+      if (std::chrono::steady_clock::now() >= until) return Outcome::EncoderNotStarted;
+      std::this_thread::sleep_for(kPoll);
+    }
+    fifo_.Drop();
+    return Outcome::Success;
   }
   Outcome Drain() {
     if (overrun_) return Outcome::EncoderFailed;
@@ -55,6 +71,7 @@ class Recorder {
  private:
   PcmSink& sink_;
   SampleFifo fifo_;
+  std::size_t settled_;
   std::atomic<bool> overrun_ = false;
   std::vector<float> taken_;
   std::vector<double> samples_;
@@ -145,6 +162,7 @@ Outcome RecordMidi(const std::string& source, StagedFile& target, const WaveForm
                               [&recorder](std::span<const float> block) { recorder.Take(block); });
   if (!input) return Outcome::ConverterNotOpened;
   if (Failed((*input)->Start())) return Outcome::EncoderNotStarted;
+  if (const Outcome started = recorder.AwaitStart(watch); Failed(started)) return started;
 
   MidiSequencer sequencer(*sequence, **output);
   std::atomic<bool> ended = false;
