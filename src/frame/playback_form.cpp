@@ -37,6 +37,7 @@ PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunSt
                             const PlayerStatus& status) {
   PlaybackForm form;
   const bool playing = !status.title.empty();
+  form.playEnabled = state != RunState::Waiting;
   form.optionsEnabled = MayChangeJob(state);
   form.shortSecondsEnabled = form.optionsEnabled && options.shortPlay;
   form.barsEnabled = form.optionsEnabled && filter != FilterId::AudioPlayer;

@@ -25,6 +25,7 @@ enum class PositionKey : std::uint8_t { Left, Right, PageUp, PageDown };
                                        bool inBars);
 
 struct PlaybackForm {
+  bool playEnabled = true;     // not while a pause between two titles passes
   bool optionsEnabled = true;  // the page of the options: while stopped only
   bool shortSecondsEnabled = false;
   bool barsEnabled = true;       // the display in bars: for music with bars

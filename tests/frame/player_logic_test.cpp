@@ -39,6 +39,8 @@ TEST(PlaybackForm, ShowsTimesAndRules) {
   EXPECT_EQ(form.elapsed, "00:00");
   EXPECT_EQ(form.volume, "-12 dB");
   EXPECT_EQ(form.balance, "links 30 %");
+  EXPECT_TRUE(form.playEnabled);
+  EXPECT_FALSE(PlaybackFormOf(FilterId::MidiPlayer, options, RunState::Waiting, {}).playEnabled);
   const PlayerStatus playing{.title = "/lieder/a.mid", .position = 1s, .duration = 2min};
   form = PlaybackFormOf(FilterId::AudioPlayer, options, RunState::Paused, playing);
   EXPECT_FALSE(form.optionsEnabled || form.shortSecondsEnabled || form.barsEnabled);

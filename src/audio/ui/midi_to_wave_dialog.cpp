@@ -106,9 +106,9 @@ void MidiToWaveDialog::Commit() {
   }
   parameters_.method =
       static_cast<std::int32_t>(synthesis ? MidiWaveMethod::Synthesis : MidiWaveMethod::SoundCard);
-  if (ui_->midiList->isEnabled() || !synthesis)
-    parameters_.midiDevice = std::max(ui_->midiList->currentRow(), 0);
-  parameters_.waveDevice = WaveDevice();
+  // A list without devices says nothing about those that the job had.
+  if (!devices_.midiOutputs.empty()) parameters_.midiDevice = ui_->midiList->currentRow();
+  if (!devices_.audioInputs.empty()) parameters_.waveDevice = WaveDevice();
   parameters_.configureMixer = ui_->mixerCheck->isChecked();
   parameters_.normalise = static_cast<std::int32_t>(normalise_->Mode());
   accept();

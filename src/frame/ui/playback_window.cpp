@@ -161,6 +161,7 @@ void PlaybackWindow::Refresh() {
 }
 
 void PlaybackWindow::Show(const PlaybackForm& form) {
+  ui_->playButton->setEnabled(form.playEnabled);
   ui_->PLAYBACK1->setEnabled(form.optionsEnabled);
   ui_->shortBox->setEnabled(form.shortSecondsEnabled);
   ui_->barsRadio->setEnabled(form.barsEnabled);
