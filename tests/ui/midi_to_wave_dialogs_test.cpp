@@ -73,6 +73,7 @@ TEST(MidiToWaveDialogTest, AsksForTheRateThatIsMissing) {
   RecordingHost host;
   MidiToWaveParameters parameters;
   parameters.format = {48000, 1, 8};
+  parameters.waveDevice = 3;
   MidiToWaveDialog dialog(parameters, {{"A"}, {}, {}}, host, nullptr);
   dialog.show();
   EXPECT_FALSE(Child<QAbstractButton>(dialog, "recordButton").isEnabled());
@@ -99,6 +100,7 @@ TEST(MidiToWaveDialogTest, AsksForTheRateThatIsMissing) {
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
   EXPECT_EQ(dialog.Parameters().format, (WaveNumbers{22050, 1, 16}));
   EXPECT_EQ(dialog.Parameters().Normalising(), NormaliseMode::Project);
+  EXPECT_EQ(dialog.Parameters().waveDevice, 3) << "no input is there to choose: the job's stays";
 }
 
 TEST(MixerHelpDialogTest, TakesTheNameAndIsNotShownAgain) {
