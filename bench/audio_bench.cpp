@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/cd_track_source.h"
 #include "audio/loudness.h"
 #include "audio/normalise.h"
 #include "audio/wave_converter.h"
@@ -21,6 +22,7 @@
 #include "peak_memory.h"
 #include "peer.h"
 #include "platform/files.h"
+#include "platform/virtual_cd.h"
 
 namespace ts5 {
 namespace {
@@ -147,6 +149,37 @@ void LoudnessOfAll(benchmark::State& state) {
   });
 }
 BENCHMARK(LoudnessOfAll)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+bool ReadAll(PcmSource& source) {
+  std::vector<double> block(std::size_t{4096} * 2);
+  Result<std::size_t> got = std::size_t{1};
+  while (got && *got > 0) got = source.Read(block);
+  return got.has_value();
+}
+
+// The piece as a track of an audio CD in the virtual drive, by its commands, beside the same file read as
+// one.
+void CdTrack(benchmark::State& state) {
+  const fs::path directory = fs::path(ThePiece().Source()).parent_path();
+  ::setenv("XDG_DATA_HOME", directory.c_str(), 1);
+  const std::string sheet = (directory / "disc.cue").string();
+  std::ofstream(sheet) << "FILE source.wav WAVE\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n";
+  const auto place = FindCdTrack(CdTrackEntry(VirtualCdName(), 1));
+  if (Failed(InsertVirtualDisc(sheet)) || !place) return state.SkipWithError("no disc");
+  Measure(state, [&] {
+    const auto track = OpenCdTrack(*place);
+    return track && ReadAll(**track);
+  });
+}
+BENCHMARK(CdTrack)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void ReadWave(benchmark::State& state) {
+  Measure(state, [] {
+    const auto source = OpenPcm(ThePiece().Source());
+    return source && ReadAll(**source);
+  });
+}
+BENCHMARK(ReadWave)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void Peer(benchmark::State& state, const std::string& command) {
   if (!HasPeer(command)) {

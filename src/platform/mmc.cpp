@@ -15,7 +15,8 @@ constexpr std::size_t kDescriptorBytes = 8;
 constexpr std::uint32_t kSessionGap = 11'400;
 
 constexpr std::uint8_t kOnlyAudio = 1U << 2;  // READ CD, expected sector type
-constexpr std::uint8_t kUserData = 0x10;      // READ CD, main channel
+constexpr std::uint8_t kWholeSector =
+    0xF8;  // READ CD, main channel: all drives know this; audio is nothing else
 
 constexpr std::uint8_t ByteOf(std::uint32_t value, unsigned index) {
   return static_cast<std::uint8_t>(value >> (8 * index));
@@ -62,7 +63,7 @@ std::array<std::uint8_t, 12> ReadCdAudioCdb(std::uint32_t sector, std::uint32_t 
           ByteOf(count, 2),
           ByteOf(count, 1),
           ByteOf(count, 0),
-          kUserData,
+          kWholeSector,
           0,
           0};
 }

@@ -28,6 +28,12 @@ std::string DiscFile() {
   return JoinPath(VirtualCdDirectory(), kDiscFile);
 }
 
+Result<DriveClaim> ClaimToChange() {
+  auto claim = DriveClaim::Take(VirtualCdDirectory());
+  if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
+  return claim;
+}
+
 ScsiReply Refused(SenseData sense) {
   return {false, sense, 0};
 }
@@ -166,13 +172,13 @@ Outcome InsertVirtualDisc(const std::string& cuePath) {
   std::error_code error;
   const std::string path = std::filesystem::absolute(cuePath, error).string();
   if (error) return Outcome::SourceFailed;
-  const auto claim = DriveClaim::Take(VirtualCdDirectory());
+  const auto claim = ClaimToChange();
   if (!claim) return claim.error();
   return WriteFile(DiscFile(), AsBytes(path));
 }
 
 Outcome EjectVirtualDisc() {
-  const auto claim = DriveClaim::Take(VirtualCdDirectory());
+  const auto claim = ClaimToChange();
   if (!claim) return claim.error();
   return FileExists(DiscFile()) ? RemoveFile(DiscFile()) : Outcome::Success;
 }

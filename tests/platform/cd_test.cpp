@@ -302,7 +302,7 @@ TEST(ScsiGeneric, SendsWhatItIsGivenAndTellsWhatCameBack) {
 TEST(Mmc, CommandsAreTheBytesOfTheStandard) {
   EXPECT_THAT(InquiryCdb(), ElementsAre(0x12, 0, 0, 0, 36, 0));
   EXPECT_THAT(ReadTocCdb(), ElementsAre(0x43, 0, 0, 0, 0, 0, 0, 0x03, 0x24, 0));
-  EXPECT_THAT(ReadCdAudioCdb(0x01020304, 26), ElementsAre(0xBE, 0x04, 1, 2, 3, 4, 0, 0, 26, 0x10, 0, 0));
+  EXPECT_THAT(ReadCdAudioCdb(0x01020304, 26), ElementsAre(0xBE, 0x04, 1, 2, 3, 4, 0, 0, 26, 0xF8, 0, 0));
 }
 
 Bytes TocBytes(const std::vector<std::array<std::uint32_t, 3>>& entries) {  // control, number, start
@@ -417,6 +417,13 @@ TEST_F(VirtualDriveTest, KeepsItsDiscUntilItIsTakenOut) {
   EXPECT_EQ(VirtualDisc(), std::nullopt);
   EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
   EXPECT_EQ(CdDrives().back().path, VirtualCdDirectory());
+
+  // Where nothing can be kept.
+  ::setenv("XDG_DATA_HOME", "/proc/self", 1);
+  EXPECT_THAT(InsertVirtualDisc(sheet), FailsWith(Outcome::TargetFailed));
+  EXPECT_EQ(VirtualDisc(), std::nullopt);
+  EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
+  ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1);
 
   // A disc whose files have gone is none.
   const std::string copy = data_.Write("weg.cue", test::Content(sheet));
