@@ -24,7 +24,7 @@ constexpr std::size_t kFramesPerSector = 588;
 constexpr std::size_t kBytesPerFrame = 4;
 
 void PutSample(double sample, std::uint8_t* out) {
-  const auto value = static_cast<std::int16_t>(std::clamp(std::round(sample * 32768.0), -32768.0, 32767.0));
+  const auto value = static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
   const auto bits = static_cast<std::uint16_t>(value);
   out[0] = static_cast<std::uint8_t>(bits & 0xFF);
   out[1] = static_cast<std::uint8_t>(bits >> 8);
