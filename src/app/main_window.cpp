@@ -367,13 +367,18 @@ void MainWindow::Refresh() {
   RefreshCommands();
 }
 
+bool MainWindow::OnAudioCd(const DirectorySelection& directory) const {
+  // Tracks that are selected tell it before their disc has been read.
+  return directory.names.empty() ? source_->ShowsAudioCd(directory.path)
+                                 : IsCdTrackText(directory.names.front());
+}
+
 void MainWindow::RefreshFilterBar() {
   Job& job = ActiveJob();
   const auto refreshed = [&] {
     FilterBarInput input;
-    input.source = job.Mode() == SourceMode::List
-                       ? ListContext(job.files)
-                       : DirectoryContext(job.directory, source_->Model().ShowsAudioCd());
+    input.source = job.Mode() == SourceMode::List ? ListContext(job.files)
+                                                  : DirectoryContext(job.directory, OnAudioCd(job.directory));
     input.devices = application_.Devices().Counts();
     input.jobIsIdle = job.MayChange();
     input.filter = job.filter;
@@ -470,7 +475,7 @@ void MainWindow::RefreshCommands() {
   actions_->SetEnabled(CommandId::SaveList, !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearList, idle && list && !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearListSilently, idle && list);
-  const bool onDisc = source_->Model().ShowsAudioCd();
+  const bool onDisc = !list && OnAudioCd(job.directory);
   actions_->SetEnabled(CommandId::Delete, idle && selected && !onDisc);
   actions_->SetEnabled(CommandId::MoveUp, idle && list && focused && focus > 0);
   actions_->SetEnabled(CommandId::MoveDown, idle && list && focused && focus + 1 < rows);

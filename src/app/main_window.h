@@ -117,6 +117,7 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   void End(JobSaving policy);
   void TakeSourceDone(Outcome outcome);
   void SelectStoredFiles();
+  [[nodiscard]] bool OnAudioCd(const DirectorySelection& directory) const;
 
   Application& application_;
   Job* shown_ = nullptr;

@@ -68,6 +68,10 @@ class SourceArea : public QWidget {
   [[nodiscard]] FreeListStrip* Strip() const { return strip_; }
   [[nodiscard]] QSplitter* Splitter() const { return splitter_; }
   [[nodiscard]] const FileViewModel& Model() const { return model_; }
+  // Whether the directory is shown and is an audio CD.
+  [[nodiscard]] bool ShowsAudioCd(const std::string& directory) const {
+    return model_.ShowsAudioCd() && shownDirectory_ == directory;
+  }
 
  signals:
   void DirectoryChosen(const std::string& path);
