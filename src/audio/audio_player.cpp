@@ -60,7 +60,8 @@ class Stream {
     const float step = 1.0F / static_cast<float>(std::max<std::size_t>(count / kChannels, 1));
     for (std::size_t i = 0; i < count; ++i) {
       const std::size_t channel = i % kChannels;
-      const float part = static_cast<float>(i / kChannels + 1) * step;
+      const std::size_t frame = i / kChannels;
+      const float part = static_cast<float>(frame + 1) * step;
       out[i] *= gain_[channel] + (target[channel] - gain_[channel]) * part;
     }
     std::copy(std::begin(target), std::end(target), std::begin(gain_));
@@ -87,7 +88,9 @@ class Stream {
     played_ = frame;
   }
   SampleFifo& Fifo() { return fifo_; }
-  [[nodiscard]] bool HasEnoughToBegin() const { return fifo_.Size() >= rate_ * kChannels / kStartParts; }
+  [[nodiscard]] bool HasEnoughToBegin() const {
+    return fifo_.Size() >= std::size_t{rate_} * kChannels / kStartParts;
+  }
   [[nodiscard]] std::uint32_t Rate() const { return rate_; }
   [[nodiscard]] std::uint64_t Played() const { return played_; }
 
@@ -200,7 +203,8 @@ class AudioTitle final : public PlayedTitle {
     return nanoseconds(static_cast<std::int64_t>(static_cast<double>(frame) * 1e9 / sound_.stream.Rate()));
   }
   [[nodiscard]] std::uint64_t FrameAt(nanoseconds time) const {
-    return static_cast<std::uint64_t>(static_cast<double>(time.count()) / 1e9 * sound_.stream.Rate() + 0.5);
+    return static_cast<std::uint64_t>(
+        std::llround(static_cast<double>(time.count()) / 1e9 * sound_.stream.Rate()));
   }
   std::optional<std::uint64_t> TakeSeek() {
     const std::lock_guard lock(mutex_);
