@@ -27,7 +27,7 @@ std::string Decibels(double value, TextId unit) {
 }
 
 std::string DurationText(double seconds) {
-  const auto all = static_cast<std::uint64_t>(seconds * 1000 + 0.5);
+  const auto all = static_cast<std::uint64_t>(std::llround(seconds * 1000));
   return Format(Text(texts::AudioPropertyDurationValue), all / 3600000, all / 60000 % 60, all / 1000 % 60,
                 all % 1000);
 }

@@ -84,7 +84,7 @@ Outcome MidiSequencer::Chase(std::size_t next) {
 }
 
 Outcome MidiSequencer::Silence() {
-  for (std::uint8_t channel = 0; channel < sounding_.size(); ++channel) {
+  for (std::size_t channel = 0; channel < sounding_.size(); ++channel) {
     for (std::uint8_t key = 0; key < 128; ++key) {
       if (!sounding_[channel][key]) continue;
       const auto status = static_cast<std::uint8_t>(0x80 | channel);
@@ -97,7 +97,7 @@ Outcome MidiSequencer::Silence() {
 
 // A pedal that is down holds notes that have ended; it stays down, but nothing sounds.
 Outcome MidiSequencer::CutOff() {
-  for (std::uint8_t channel = 0; channel < struck_.size(); ++channel) {
+  for (std::size_t channel = 0; channel < struck_.size(); ++channel) {
     if (!struck_[channel]) continue;
     const auto status = static_cast<std::uint8_t>(0xB0 | channel);
     if (const Outcome sent = output_.Send(ShortMidiMessage(status, kAllSoundOff)); Failed(sent)) return sent;

@@ -101,7 +101,7 @@ TEST(NormaliseBoxTest, SaysWhatTheModeDoesAndFallsBack) {
   EXPECT_EQ(box.Mode(), NormaliseMode::None);
   EXPECT_EQ(Child<QLabel>(box, "normaliseHint").text(), "");
   int changes = 0;
-  QObject::connect(&box, &NormaliseBox::modeChanged, [&] { ++changes; });
+  QObject::connect(&box, &NormaliseBox::ModeChanged, [&] { ++changes; });
   Child<QRadioButton>(box, "normaliseProjectRadio").click();
   EXPECT_EQ(box.Mode(), NormaliseMode::Project);
   EXPECT_TRUE(Child<QLabel>(box, "normaliseHint").text().contains("den größten Pegel"));

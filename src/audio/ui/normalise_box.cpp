@@ -37,7 +37,7 @@ NormaliseBox::NormaliseBox(Wording wording, QWidget* parent)
     connect(button, &QAbstractButton::toggled, this, [this](bool on) {
       if (!on) return;
       ShowHint();
-      emit modeChanged();
+      emit ModeChanged();
     });
     layout->addWidget(button);
     buttons_.at(i) = button;

@@ -27,7 +27,7 @@ class NormaliseBox : public QGroupBox {
   void SetProjectAllowed(bool allowed);
 
  signals:
-  void modeChanged();
+  void ModeChanged();
 
  private:
   void ShowHint();
