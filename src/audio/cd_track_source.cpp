@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/sample_codec.h"
 #include "platform/cd_drive.h"
 #include "platform/drive_claim.h"
 
@@ -11,8 +12,6 @@ namespace ts5 {
 namespace {
 
 constexpr std::size_t kChannels = 2;
-constexpr std::uint32_t kFramesPerSector = 588;
-constexpr std::size_t kBytesPerFrame = 4;
 
 class CdTrackSource final : public PcmSource {
  public:
@@ -33,11 +32,9 @@ class CdTrackSource final : public PcmSource {
       const auto at = static_cast<std::size_t>(next_ - std::uint64_t{first_} * kFramesPerSector);
       const std::size_t there = sectors_.size() / kBytesPerFrame - at;
       const std::size_t count = std::min<std::size_t>(there, wanted - done);
-      for (std::size_t i = 0; i < count * kChannels; ++i) {
-        const std::size_t byte = (at * kChannels + i) * 2;
-        const auto bits = static_cast<std::uint16_t>(sectors_[byte] | sectors_[byte + 1] << 8);
-        out[done * kChannels + i] = static_cast<std::int16_t>(bits) / 32768.0;
-      }
+      DecodeSamples(SampleType::Signed16,
+                    ByteView(sectors_).subspan(at * kBytesPerFrame, count * kBytesPerFrame),
+                    out.subspan(done * kChannels, count * kChannels));
       done += count;
       next_ += count;
     }

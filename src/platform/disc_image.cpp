@@ -12,6 +12,7 @@
 #include "platform/media_reader.h"
 #include "platform/paths.h"
 #include "platform/text.h"
+#include "platform/wave_format.h"
 
 namespace ts5 {
 namespace {
@@ -19,9 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t kMostSheetBytes = 1 << 20;
-constexpr std::uint32_t kDiscRate = 44'100;
-constexpr std::size_t kFramesPerSector = 588;
-constexpr std::size_t kBytesPerFrame = 4;
 
 void PutSample(double sample, std::uint8_t* out) {
   const auto value = static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
@@ -64,7 +62,8 @@ class DiscImage::File {
     if (!audio) return Failure(audio.error());
     const PcmShape& shape = (*audio)->Shape();
     const auto frames = (*audio)->Frames();
-    if (shape.sampleRate != kDiscRate || shape.channels > 2 || !frames) return Failure(Outcome::WrongFormat);
+    if (shape.sampleRate != AudioCdFormat().sampleRate || shape.channels > 2 || !frames)
+      return Failure(Outcome::WrongFormat);
     file->size_ = std::min(*frames, std::uint64_t{kMostSectors} * kFramesPerSector) * kBytesPerFrame;
     file->audio_ = *std::move(audio);
     return file;

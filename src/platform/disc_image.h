@@ -14,8 +14,11 @@
 
 namespace ts5 {
 
-inline constexpr std::size_t kAudioSectorBytes = 2352;  // 588 frames of 16 bit stereo, low byte first
-inline constexpr std::uint32_t kMostSectors = 100 * 60 * kSectorsPerSecond;  // no disc is longer
+// An audio sector: frames of 16 bit stereo in audio-CD format, low byte first.
+inline constexpr std::uint32_t kFramesPerSector = 588;
+inline constexpr std::size_t kBytesPerFrame = 4;
+inline constexpr std::size_t kAudioSectorBytes = kFramesPerSector * kBytesPerFrame;  // 2352
+inline constexpr std::uint32_t kMostSectors = 100 * 60 * kSectorsPerSecond;          // no disc is longer
 
 class DiscImage {
  public:

@@ -8,7 +8,6 @@ namespace ts5 {
 namespace {
 
 constexpr std::uint8_t kDiscDrive = 0x05;  // peripheral device type
-constexpr std::uint8_t kLeadOut = 0xAA;
 constexpr std::uint8_t kDataTrack = 0x04;  // control bit
 constexpr std::size_t kDescriptorBytes = 8;
 // From the end of an audio session to the first track of the next one: lead-out, lead-in and pre-gap.
@@ -89,7 +88,7 @@ Result<DiscToc> DiscToc::Parse(ByteView bytes) {
     const std::uint32_t start = in.U32Be();
     const std::uint32_t earliest = toc.tracks.empty() ? 0 : toc.tracks.back().start + 1;
     if (start < earliest || start > 0x7FFFFFFF) return Failure(Outcome::WrongFormat);
-    if (number == kLeadOut) {
+    if (number == kLeadOutTrack) {
       toc.leadOut = start;
       ended = true;
     } else {

@@ -30,6 +30,7 @@ struct DriveName {
 };
 
 inline constexpr std::size_t kInquiryBytes = 36;
+inline constexpr std::uint8_t kLeadOutTrack = 0xAA;  // the number under which a table of contents has the end
 inline constexpr std::size_t kTocBytes = 4 + 100 * 8;
 
 [[nodiscard]] std::array<std::uint8_t, 6> TestUnitReadyCdb();

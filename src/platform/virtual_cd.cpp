@@ -22,8 +22,6 @@ constexpr SenseData kOutOfRange{0x05, 0x21, 0};
 constexpr SenseData kInvalidField{0x05, 0x24, 0};
 constexpr SenseData kNotThatKind{0x05, 0x64, 0};
 
-constexpr std::uint8_t kLeadOut = 0xAA;
-
 std::string DiscFile() {
   return JoinPath(VirtualCdDirectory(), kDiscFile);
 }
@@ -93,7 +91,7 @@ class VirtualCdTransport final : public ScsiTransport {
     if ((command.cdb[2] & 0x0F) != 0) return Refused(kInvalidField);  // format 0 only
     const auto& tracks = disc_->Tracks();
     const int from = command.cdb[6];
-    if (from != kLeadOut && from > tracks.back().number) return Refused(kInvalidField);
+    if (from != kLeadOutTrack && from > tracks.back().number) return Refused(kInvalidField);
     ByteWriter entries;
     const auto add = [&](std::uint8_t control, std::uint8_t number, std::uint32_t sector) {
       entries.U8(0);
@@ -113,10 +111,10 @@ class VirtualCdTransport final : public ScsiTransport {
     for (const DiscImage::Track& track : tracks) {
       const unsigned control =
           (track.audio ? 0U : 4U) | (track.copyPermitted ? 2U : 0U) | (track.preEmphasis ? 1U : 0U);
-      if (from != kLeadOut && track.number >= from)
+      if (from != kLeadOutTrack && track.number >= from)
         add(static_cast<std::uint8_t>(control), static_cast<std::uint8_t>(track.number), track.start);
     }
-    add(tracks.back().audio ? 0 : 4, kLeadOut, disc_->LeadOut());
+    add(tracks.back().audio ? 0 : 4, kLeadOutTrack, disc_->LeadOut());
 
     ByteWriter out;
     out.U16Be(static_cast<std::uint16_t>(entries.Size() + 2));

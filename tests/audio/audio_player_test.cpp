@@ -58,19 +58,7 @@ class AudioPlayerTest : public testing::Test {
   }
   RunResult Play(const std::vector<std::string>& files, const PlayerParameters& parameters = {},
                  const std::function<void(PlayerControl&)>& steer = {}) {
-    const FilterModule module = AudioPlayerModule();
-    Job job = test::ListJob(files, module);
-    job.parameters = ParametersValue(std::make_unique<PlayerParameters>(parameters));
-    RunSetup setup;
-    setup.job = job;
-    setup.devices.output = "wave:" + out_;
-    ts5::Run run(std::move(setup), module, job.run.Shared(), host_);
-    std::jthread user;
-    if (steer) user = std::jthread([&] { steer(job.run->player); });
-    module.run(run);
-    if (user.joinable()) user.join();
-    run.Finish();
-    return host_->results.back();
+    return test::PlayFiles(AudioPlayerModule(), files, "wave:" + out_, parameters, steer, host_);
   }
 
   test::TemporaryDirectory folder_;

@@ -36,18 +36,7 @@ class CdTrackTest : public testing::Test {
   static std::string Entry(int track) { return CdTrackEntry(VirtualCdName(), track); }
   RunResult Play(const std::vector<std::string>& files,
                  const std::function<void(PlayerControl&)>& steer = {}) {
-    const FilterModule module = AudioPlayerModule();
-    Job job = test::ListJob(files, module);
-    RunSetup setup;
-    setup.job = job;
-    setup.devices.output = "wave:" + out_;
-    ts5::Run run(std::move(setup), module, job.run.Shared(), host_);
-    std::jthread user;
-    if (steer) user = std::jthread([&] { steer(job.run->player); });
-    module.run(run);
-    if (user.joinable()) user.join();
-    run.Finish();
-    return host_->results.back();
+    return test::PlayFiles(AudioPlayerModule(), files, "wave:" + out_, PlayerParameters{}, steer, host_);
   }
 
   test::TemporaryDirectory data_;

@@ -10,11 +10,7 @@ program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
 
-pulseaudio -n --exit-idle-time=-1 --realtime=no --high-priority=no -L 'module-null-sink sink_name=probe sink_properties=device.description=Probeklang' \
-  -L module-native-protocol-unix >/dev/null 2>&1 &
-sound=$!
-trap 'kill "$sound" 2>/dev/null || true; cleanup' EXIT
-within 10 [ -S "$XDG_RUNTIME_DIR/pulse/native" ] || fail "no sound server"
+start_sound
 
 mkdir "$HOME/Klang"
 cp "$demo/Maple Leaf Rag.mid" "$demo/Gymnopédie Nr. 1.rdl" "$HOME/Musik"
@@ -94,13 +90,13 @@ picture 5-playing
 keys ctrl+Next ctrl+Prior
 sleep 1
 picture 6-seeked
-pactl list short sink-inputs | grep -q . || fail "nothing sounds"
+sounds || fail "nothing sounds"
 to_main
 keys Next
 sleep 1
 picture 7-next
 keys Escape
-within 10 bash -c '! pactl list short sink-inputs | grep -q .' || fail "it still sounds"
+within 10 silent || fail "it still sounds"
 xdotool windowfocus "$player" || true
 keys Escape
 closed '^Playback-Parameter' || fail "the window of the player stays"
@@ -136,7 +132,7 @@ keys ctrl+Return
 sleep 3
 xdotool windowfocus "$player" || true
 picture 11-midi-player
-pactl list short sink-inputs | grep -q . || fail "the MIDI file does not sound"
+sounds || fail "the MIDI file does not sound"
 to_main
 keys Escape
 sleep 1

@@ -10,9 +10,11 @@ work=$(mktemp -d)
 display=:$((90 + RANDOM % 9))
 Xvfb "$display" -screen 0 1280x860x24 >/dev/null 2>&1 &
 server=$!
+sound=
 app=
 cleanup() {
   [ -z "$app" ] || kill "$app" 2>/dev/null || true
+  [ -z "$sound" ] || kill "$sound" 2>/dev/null || true
   kill "$server" 2>/dev/null || true
   rm -rf "$work"
 }
@@ -73,6 +75,16 @@ end_program() {
   within 10 gone || fail "the program did not end"
   app=
 }
+
+# start_sound: a sound server of its own that swallows what it gets; needs pulseaudio.
+start_sound() {
+  pulseaudio -n --exit-idle-time=-1 --realtime=no --high-priority=no -L 'module-null-sink sink_name=probe sink_properties=device.description=Probeklang' \
+    -L module-native-protocol-unix >/dev/null 2>&1 &
+  sound=$!
+  within 10 [ -S "$XDG_RUNTIME_DIR/pulse/native" ] || fail "no sound server"
+}
+sounds() { pactl list short sink-inputs | grep -q .; }
+silent() { ! sounds; }
 
 # make_files DIRECTORY COUNT: as many MIDI files of one song, lied000001.mid and on, as links.
 make_files() {

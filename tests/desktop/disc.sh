@@ -10,11 +10,7 @@ program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
 
-pulseaudio -n --exit-idle-time=-1 --realtime=no --high-priority=no -L 'module-null-sink sink_name=probe sink_properties=device.description=Probeklang' \
-  -L module-native-protocol-unix >/dev/null 2>&1 &
-sound=$!
-trap 'kill "$sound" 2>/dev/null || true; cleanup' EXIT
-within 10 [ -S "$XDG_RUNTIME_DIR/pulse/native" ] || fail "no sound server"
+start_sound
 
 "$console" run MidiToWave --set 'DestFormat=44100 2 16' --dest "$HOME/Rag.wav" "$demo/Maple Leaf Rag.mid" >/dev/null ||
   fail "the console makes no wave file"
@@ -26,9 +22,6 @@ FILE "Rag.wav" WAVE
     INDEX 00 00:28:00
     INDEX 01 00:30:00
 END
-
-sounds() { pactl list short sink-inputs | grep -q .; }
-silent() { ! sounds; }
 
 # --- the empty drive asks for its disc
 start_program

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -16,6 +17,7 @@
 #include "frame/filter_module.h"
 #include "frame/item_run.h"
 #include "frame/job_dialogs.h"
+#include "frame/player_parameters.h"
 #include "frame/run.h"
 #include "platform/files.h"
 
@@ -194,6 +196,20 @@ inline RunResult RunJob(const Job& job, const FilterModule& module, const Destin
   module.run(run);
   run.Finish();
   return host->results.back();
+}
+
+// The run of a player over the files on that device; meanwhile steers.
+inline RunResult PlayFiles(const FilterModule& module, const std::vector<std::string>& files,
+                           const std::string& device, const PlayerParameters& parameters,
+                           const std::function<void(PlayerControl&)>& steer,
+                           const std::shared_ptr<RecordingHost>& host) {
+  Job job = ListJob(files, module);
+  job.parameters = ParametersValue(std::make_unique<PlayerParameters>(parameters));
+  RunSetup setup;
+  setup.devices.output = device;
+  std::jthread user;
+  if (steer) user = std::jthread([&] { steer(job.run->player); });
+  return RunJob(job, module, {}, host, std::move(setup));
 }
 
 }  // namespace ts5::test

@@ -48,18 +48,7 @@ class MidiPlayerTest : public testing::Test {
   // Plays the files; meanwhile steers.
   RunResult Play(const std::vector<std::string>& files, PlayerParameters parameters,
                  const std::function<void(PlayerControl&)>& steer = {}) {
-    Job job = test::ListJob(files, module_);
-    job.parameters = ParametersValue(std::make_unique<PlayerParameters>(parameters));
-    RunSetup setup;
-    setup.job = job;
-    setup.devices.output = "capture:" + capture_;
-    ts5::Run run(std::move(setup), module_, job.run.Shared(), host_);
-    std::jthread user;
-    if (steer) user = std::jthread([&] { steer(job.run->player); });
-    module_.run(run);
-    if (user.joinable()) user.join();
-    run.Finish();
-    return host_->results.back();
+    return test::PlayFiles(module_, files, "capture:" + capture_, parameters, steer, host_);
   }
   static void WaitForPosition(PlayerControl& control, nanoseconds position) {
     for (int i = 0; i < 1000 && control.Status().position < position; ++i) std::this_thread::sleep_for(5ms);
