@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/main_window.h"
+#include "app/source_commands.h"
 #include "app/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/ui/file_dialogs.h"
@@ -53,7 +54,7 @@ void AreaCommands::Move(Direction direction) {
 }
 
 void AreaCommands::BrowseDestination() {
-  window_.TakeSelection();
+  window_.Sources().TakeSelection();
   const Job& job = window_.ActiveJob();
   const std::string source = ItemSource(job, 0);
   std::string start = FromQt(window_.Target().Field()->text());

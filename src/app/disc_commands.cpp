@@ -1,6 +1,7 @@
 #include "app/disc_commands.h"
 
 #include "app/main_window.h"
+#include "app/source_commands.h"
 #include "app/texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/ui/file_dialogs.h"
@@ -16,13 +17,12 @@ DiscCommands::DiscCommands(MainWindow& window)
       insert_(new QAction(QtText(texts::DiscInsert), this)),
       eject_(new QAction(QtText(texts::DiscEject), this)) {
   connect(insert_, &QAction::triggered, this, [this] {
-    if (AskDisc()) window_.ReadSource();
+    if (AskDisc()) window_.Sources().Read();
   });
   connect(eject_, &QAction::triggered, this, [this] { Eject(); });
   window_.Source().Tree()->setContextMenuPolicy(Qt::ActionsContextMenu);
   window_.Source().Tree()->addActions({insert_, eject_});
   window_.Source().Files()->addActions({insert_, eject_});
-  Refresh();
 }
 
 bool DiscCommands::DriveIsSource() const {
@@ -31,7 +31,7 @@ bool DiscCommands::DriveIsSource() const {
 }
 
 void DiscCommands::Refresh() {
-  const bool shown = window_.HasActiveJob() && DriveIsSource();
+  const bool shown = DriveIsSource();
   for (QAction* action : {insert_, eject_}) {
     action->setVisible(shown);
     action->setEnabled(shown && window_.ActiveJob().MayChange());
@@ -59,13 +59,13 @@ bool DiscCommands::Insert(const std::string& cuePath) {
 void DiscCommands::Eject() {
   const Outcome outcome = EjectVirtualDisc();
   if (Failed(outcome)) window_.Tell(DiscFailureText(outcome, {}), MessageIcon::Exclamation);
-  window_.ReadSource();
+  window_.Sources().Read();
 }
 
 bool DiscCommands::TakeDrop(const std::vector<std::string>& paths) {
   const bool sheet = paths.size() == 1 && EqualsIgnoringCase(ExtensionOf(paths.front()), "cue");
   if (!sheet || !DriveIsSource() || !window_.ActiveJob().MayChange()) return false;
-  if (Insert(paths.front())) window_.ReadSource();
+  if (Insert(paths.front())) window_.Sources().Read();
   return true;
 }
 

@@ -17,17 +17,17 @@ void FileViewModel::ShowList(const FreeFileList& list, FilterId filter) {
   endResetModel();
 }
 
-void FileViewModel::ShowDirectory(std::vector<FileListEntry> files, bool audioCd) {
+void FileViewModel::ShowDirectory(std::vector<FileListEntry> files) {
   beginResetModel();
   list_ = nullptr;
   files_ = std::move(files);
-  columns_ = DirectoryColumns(audioCd);
+  columns_ = DirectoryColumns(ShowsAudioCd());
   endResetModel();
 }
 
 void FileViewModel::Append(const std::vector<FileListEntry>& files) {
   if (ShowsList() || files.empty()) return;
-  if (files_.empty() && files.front().cdTrack) return ShowDirectory(files, true);
+  if (files_.empty()) return ShowDirectory(files);
   const int first = rowCount();
   beginInsertRows({}, first, first + static_cast<int>(files.size()) - 1);
   files_.insert(files_.end(), files.begin(), files.end());

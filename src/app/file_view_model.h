@@ -21,8 +21,9 @@ class FileViewModel : public QAbstractTableModel {
 
   // The list must outlive the model, or be replaced by another Show before it goes.
   void ShowList(const FreeFileList& list, FilterId filter);
-  void ShowDirectory(std::vector<FileListEntry> files, bool audioCd);
-  // More files of the directory that is shown; tracks have columns of their own.
+  // Tracks of an audio CD have columns of their own.
+  void ShowDirectory(std::vector<FileListEntry> files);
+  // More files of the directory that is shown.
   void Append(const std::vector<FileListEntry>& files);
   // The list that is shown has changed.
   void Changed();

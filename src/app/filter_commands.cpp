@@ -5,6 +5,7 @@
 #include "app/main_window.h"
 #include "app/parameter_windows.h"
 #include "app/playback_commands.h"
+#include "app/source_commands.h"
 #include "frame/filter_bar.h"
 #include "frame/texts.h"
 #include "frame/ui/message_box.h"
@@ -19,7 +20,7 @@ FilterCommands::FilterCommands(MainWindow& window) : window_(window) {
 }
 
 void FilterCommands::Choose(FilterId filter) {
-  window_.TakeSelection();
+  window_.Sources().TakeSelection();
   Job& job = window_.ActiveJob();
   if (!job.MayChange()) {
     // The window of a player can be opened while it plays.

@@ -1,6 +1,7 @@
 #include "app/job_commands.h"
 
 #include "app/main_window.h"
+#include "app/source_commands.h"
 #include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/message_box.h"
@@ -16,7 +17,7 @@ JobCommands::JobCommands(MainWindow& window) : window_(window) {
 }
 
 void JobCommands::Activate(int number) {
-  window_.TakeSelection();
+  window_.Sources().TakeSelection();
   Jobs& jobs = window_.App().GetJobs();
   if (static_cast<std::size_t>(number) != jobs.ActiveNumber()) {
     (void)jobs.Activate(static_cast<std::size_t>(number), window_.App().GetSettings().jobSaving, window_);

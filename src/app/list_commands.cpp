@@ -6,11 +6,11 @@
 #include <QStandardPaths>
 #include <QUrl>
 #include <array>
-#include <utility>
 
 #include "app/disc_commands.h"
 #include "app/file_properties_dialog.h"
 #include "app/main_window.h"
+#include "app/source_commands.h"
 #include "frame/cd_tracks.h"
 #include "frame/file_drop.h"
 #include "frame/file_list_file.h"
@@ -23,7 +23,6 @@
 #include "platform/directories.h"
 #include "platform/files.h"
 #include "platform/paths.h"
-#include "platform/virtual_cd.h"
 #include "platform/wastebasket.h"
 
 namespace ts5 {
@@ -59,15 +58,9 @@ ListCommands::ListCommands(MainWindow& window) : window_(window) {
   window_.On(CommandId::MoveDown, [this] { Move(false); });
   window_.On(CommandId::Rename, [this] { this->Rename(); });
   window_.On(CommandId::Properties, [this] { ShowProperties(); });
-  window_.On(CommandId::SwitchListMode, [this] { SwitchMode(); });
   window_.On(CommandId::MaximiseList, [this] { ToggleMaximised(); });
-  window_.On(CommandId::TakeDrive, [this] { window_.Source().Drives()->Take(); });
 
   SourceArea& source = window_.Source();
-  connect(source.Drives(), &DriveSelector::DriveTaken, this,
-          [this](std::int32_t drive) { this->TakeDrive(drive); });
-  connect(&source, &SourceArea::DirectoryChosen, this,
-          [this](const std::string& path) { TakeDirectory(path); });
   connect(source.Strip(), &FreeListStrip::FilesDropped, this, [this](const auto& paths) { Drop(paths); });
   connect(source.Files(), &FileView::FilesDropped, this, [this](const auto& paths) {
     if (window_.ActiveJob().Mode() == SourceMode::List) {
@@ -97,7 +90,7 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
     QApplication::beep();
     return;
   }
-  window_.TakeSelection();
+  window_.Sources().TakeSelection();
   const DropResult result = DropFiles(
       job.files, job.filter, paths,
       {.driveOf = [this](const std::string& path) { return DriveOfFile(window_.App().Volumes(), path); },
@@ -106,7 +99,7 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
   window_.Source().SetFreeListCount(job.files.Size());
   if (job.Mode() == SourceMode::List) {
     if (result.added > 0) {
-      window_.ReloadSource();
+      window_.Sources().Reload();
       window_.Source().Files()->scrollToBottom();
     }
     ListChanged();
@@ -164,7 +157,7 @@ void ListCommands::Clear(bool ask) {
   Job& job = window_.ActiveJob();
   if (ask && !AskYesNo(&window_, texts::AskClearList)) return;
   job.files.Clear();
-  window_.ReloadSource();
+  window_.Sources().Reload();
   ListChanged();
 }
 
@@ -182,7 +175,7 @@ void ListCommands::Delete() {
 void ListCommands::RemoveEntries() {
   Job& job = window_.ActiveJob();
   job.files.Remove(job.files.Selection());
-  window_.ReloadSource();
+  window_.Sources().Reload();
   ListChanged();
 }
 
@@ -198,7 +191,7 @@ void ListCommands::DeleteFiles() {
       if (Failed(MoveToTrash(path))) failed.push_back(path);
     }
     return [this, failed = std::move(failed)] {
-      if (window_.ActiveJob().Mode() == SourceMode::Directory) window_.ReloadSource();
+      if (window_.ActiveJob().Mode() == SourceMode::Directory) window_.Sources().Reload();
       for (std::size_t i = 0; i < failed.size() && i < kMostFailuresTold; ++i) {
         window_.Tell(FileNotDeletedText(failed[i]), MessageIcon::Exclamation);
       }
@@ -209,7 +202,7 @@ void ListCommands::DeleteFiles() {
 void ListCommands::Move(bool up) {
   Job& job = window_.ActiveJob();
   if (!(up ? job.files.MoveUp() : job.files.MoveDown())) return;
-  window_.ReloadSource();
+  window_.Sources().Reload();
   ListChanged();
 }
 
@@ -243,63 +236,8 @@ void ListCommands::TakeLabel(std::size_t row, const QString& label) {
   }
   if (job.Mode() == SourceMode::Directory)
     job.directory.names.assign(1, std::string(FileNameOf(plan.newPath)));
-  window_.ReloadSource();
+  window_.Sources().Reload();
   ListChanged();
-}
-
-// --- the source
-
-void ListCommands::SwitchMode() {
-  Job& job = window_.ActiveJob();
-  const auto drive = SwitchedSourceDrive(job.sourceDrive, job.directory.path,
-                                         window_.App().Volumes().DriveOfPath(job.directory.path),
-                                         job.State() == RunState::Preparing);
-  if (!drive) return;
-  job.sourceDrive = *drive;
-  (void)window_.Show(job);
-  window_.RefreshDestination();
-}
-
-void ListCommands::TakeDrive(std::int32_t drive) {
-  Job& job = window_.ActiveJob();
-  if (drive == job.sourceDrive || !job.MayChange()) return;
-  if (drive != kListModeDrive) {
-    const Volume* volume = window_.App().Volumes().Find(drive);
-    const bool disc = volume != nullptr && volume->kind == Volume::Kind::Optical;
-    if (volume == nullptr || !(disc || IsDirectory(volume->path))) {
-      window_.Source().Drives()->SetCurrent(job.sourceDrive);
-      window_.Tell(DriveFailedText(drive), MessageIcon::Exclamation);
-      return;
-    }
-    if (volume->path == VirtualCdDirectory() && !window_.Discs().HasDisc()) {
-      window_.Source().Drives()->SetCurrent(job.sourceDrive);
-      return;
-    }
-    // A drive shows only when it is read whether there is a disc in it.
-    if (disc) beforeDisc_ = {drive, job.sourceDrive, job.directory};
-    job.directory = {volume->path, {}, {}};
-  }
-  job.sourceDrive = drive;
-  (void)window_.Show(job);
-  window_.RefreshDestination();
-}
-
-bool ListCommands::GoesBack(Outcome read) {
-  Job& job = window_.ActiveJob();
-  auto before = std::exchange(beforeDisc_, std::nullopt);
-  if (Succeeded(read) || !before || job.sourceDrive != before->disc) return false;
-  window_.Tell(DriveFailedText(before->disc), MessageIcon::Exclamation);
-  job.sourceDrive = before->drive;
-  job.directory = std::move(before->directory);
-  (void)window_.Show(job);
-  return true;
-}
-
-void ListCommands::TakeDirectory(const std::string& path) {
-  Job& job = window_.ActiveJob();
-  if (job.Mode() == SourceMode::List || !job.MayChange()) return;
-  job.directory = {path, {}, {}};
-  window_.ReadSource();
 }
 
 void ListCommands::ToggleMaximised() {

@@ -7,7 +7,6 @@
 #include <QMimeData>
 #include <QStatusBar>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <array>
 
 #include "app/area_commands.h"
@@ -19,6 +18,7 @@
 #include "app/playback_commands.h"
 #include "app/run_commands.h"
 #include "app/search_commands.h"
+#include "app/source_commands.h"
 #include "app/texts.h"
 #include "app/tile_looks.h"
 #include "frame/destination_display.h"
@@ -26,7 +26,6 @@
 #include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
-#include "platform/paths.h"
 #include "resources/icons.h"
 
 namespace ts5 {
@@ -52,7 +51,7 @@ QString WithoutKeys(TextId text) {
 }  // namespace
 
 MainWindow::MainWindow(Application& application)
-    : application_(application), actions_(new CommandActions(this)), dialogs_(this), reader_(this) {
+    : application_(application), actions_(new CommandActions(this)), dialogs_(this) {
   setObjectName("mainWindow");
   setWindowTitle(QtText(texts::ApplicationTitle));
   setWindowIcon(Icon("stavora-ts5"));
@@ -63,6 +62,7 @@ MainWindow::MainWindow(Application& application)
   source_->Files()->setContextMenuPolicy(Qt::ActionsContextMenu);
   for (const CommandId command : kFileCommands) source_->Files()->addAction(actions_->Action(command));
   menuBar()->setAccessibleName(QtText(texts::MenuBarName));
+  sources_ = std::make_unique<SourceCommands>(*this);
   lists_ = std::make_unique<ListCommands>(*this);
   discs_ = std::make_unique<DiscCommands>(*this);
   jobCommands_ = std::make_unique<JobCommands>(*this);
@@ -146,25 +146,12 @@ void MainWindow::ConnectAreas() {
   connect(filters_, &FilterPanel::Hint, this, hint);
   connect(jobBar_, &JobBar::Hint, this, hint);
 
-  selectionTimer_.setSingleShot(true);
-  selectionTimer_.setInterval(0);
-  connect(&selectionTimer_, &QTimer::timeout, this, &MainWindow::TakeSelection);
-  connect(source_->Files(), &FileView::SelectedByUser, &selectionTimer_, qOverload<>(&QTimer::start));
   connect(source_->Files(), &FileView::LabelEditingChanged, this, [this](bool editing) {
     actions_->SetAccelerators(editing ? AcceleratorTable::Off : AcceleratorsOf(ActiveJob().filter));
   });
   connect(source_->Files(), &FileView::DragChanged, this,
           [this](bool dragging) { ShowPrompt(dragging ? QtText(texts::DragToList) : QString()); });
 
-  connect(&reader_, &SourceReader::Begun, this, [this] {
-    source_->ClearFiles();
-    ShowPrompt(QtText(texts::ReadingDirectory));
-  });
-  connect(&reader_, &SourceReader::Found, source_, &SourceArea::AddFiles);
-  connect(&reader_, &SourceReader::Done, this, &MainWindow::TakeSourceDone);
-  connect(&reader_, &SourceReader::Changed, this, [this] {
-    if (ActiveJob().MayChange() && !source_->Files()->IsEditing()) ReloadSource();
-  });
   connect(target_, &TargetArea::ChoiceChanged, this, [this] { RefreshRunDisplay(); });
   for (QSplitter* splitter : {across_, down_, source_->Splitter()}) {
     connect(splitter, &QSplitter::splitterMoved, this, [this] {
@@ -200,7 +187,7 @@ void MainWindow::LoadFileList(const std::string& path) {
 void MainWindow::Trigger(CommandId command) {
   const auto handler = handlers_.find(command);
   if (ended_ || handler == handlers_.end() || !actions_->Action(command)->isEnabled()) return;
-  TakeSelection();
+  sources_->TakeSelection();
   // A copy: what it does may register others.
   const auto action = handler->second;
   action();
@@ -210,7 +197,7 @@ void MainWindow::Trigger(CommandId command) {
 
 bool MainWindow::Show(Job& job) {
   shown_ = &job;
-  selectionTimer_.stop();
+  sources_->Leave();
   RunPanel& panel = PanelOf(job);
   panels_->setCurrentWidget(&panel);
   // A job that never had a filter gets its first one here.
@@ -224,7 +211,7 @@ bool MainWindow::Show(Job& job) {
   if (!midi) destination.audioDevice = destination.drive = destination.printer = job.destinationDevice;
   target_->SetPanel(destination);
   SetMaximised(job.Mode() == SourceMode::List && job.fileWindowMaximised);
-  ShowSource(job);
+  sources_->Show(job);
   if (job.destinationName.empty()) RefreshDestination();
   RefreshJobBar();
   Refresh();
@@ -242,98 +229,7 @@ void MainWindow::ShowFilter() {
   Job& job = ActiveJob();
   ShowFilterPanels(job);
   // The switch to or from the burner has emptied the list, and the burner's list has columns of its own.
-  if (job.Mode() == SourceMode::List) ShowSource(job);
-  RefreshFilterBar();
-  RefreshDestination();
-  Refresh();
-}
-
-void MainWindow::ShowSource(Job& job) {
-  reader_.Stop();
-  if (status_->text() == QtText(texts::ReadingDirectory)) ShowPrompt({});
-  if (job.Mode() == SourceMode::List) {
-    source_->ShowList(job.files, job.filter);
-    SelectStoredFiles();
-    return;
-  }
-  const Volume* volume = application_.Volumes().Find(job.sourceDrive);
-  const std::string root = volume != nullptr && !volume->path.empty() ? volume->path : job.directory.path;
-  source_->ShowDirectory(job.sourceDrive, root, job.directory.path);
-  source_->SetFreeListCount(job.files.Size());
-  reader_.Read(job.directory.path);
-}
-
-void MainWindow::ReloadSource() {
-  Job& job = ActiveJob();
-  if (job.Mode() == SourceMode::List) {
-    source_->ListChanged();
-    SelectStoredFiles();
-    Refresh();
-  } else {
-    source_->TreeModel().Refresh(source_->Tree()->currentIndex());
-    reader_.Read(job.directory.path);
-  }
-}
-
-void MainWindow::TakeSourceDone(Outcome outcome) {
-  ShowPrompt({});
-  if (lists_->GoesBack(outcome)) return;
-  if (Failed(outcome)) {
-    statusBar()->showMessage(ToQt(Format(Text(texts::DirectoryNotRead), ActiveJob().directory.path)));
-  }
-  SelectStoredFiles();
-  // Which filters fit depends on the disc, too.
-  RefreshFilterBar();
-  TakeSelection();
-  Refresh();
-}
-
-// The view selects what the job says; files that are gone are no longer part of its selection.
-void MainWindow::SelectStoredFiles() {
-  Job& job = ActiveJob();
-  if (job.Mode() == SourceMode::List) {
-    source_->Files()->SelectRows(job.files.Selection(), job.files.Focus());
-    return;
-  }
-  std::vector<std::string> names = job.directory.names;
-  std::ranges::sort(names);
-  std::vector<std::size_t> rows;
-  const FileViewModel& model = source_->Model();
-  for (std::size_t row = 0; row < model.Size() && !names.empty(); ++row) {
-    const FileListEntry& entry = model.At(row);
-    if (std::ranges::binary_search(names, FileNameOf(entry.path), std::less<>())) rows.push_back(row);
-  }
-  source_->Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());
-}
-
-void MainWindow::TakeSelection() {
-  selectionTimer_.stop();
-  if (shown_ == nullptr || reader_.Reading() || !ActiveJob().MayChange()) return;
-  Job& job = ActiveJob();
-  const FileView& view = *source_->Files();
-  const std::vector<std::size_t> rows = view.SelectedRows();
-  if (job.Mode() == SourceMode::List) {
-    const bool changed = rows != job.files.Selection();
-    job.files.Select(rows);
-    job.files.SetFocus(view.FocusRow());
-    if (!changed) {
-      RefreshCommands();
-      return;
-    }
-  } else {
-    DirectorySelection selection{job.directory.path, {}, {}};
-    const FileViewModel& model = source_->Model();
-    for (const std::size_t row : rows) {
-      const FileListEntry& entry = model.At(row);
-      selection.names.emplace_back(FileNameOf(entry.path));
-      selection.indices.push_back(static_cast<std::uint32_t>(row));
-    }
-    if (selection == job.directory) {
-      RefreshCommands();
-      return;
-    }
-    job.directory = std::move(selection);
-  }
+  if (job.Mode() == SourceMode::List) sources_->Show(job);
   RefreshFilterBar();
   RefreshDestination();
   Refresh();
@@ -367,18 +263,11 @@ void MainWindow::Refresh() {
   RefreshCommands();
 }
 
-bool MainWindow::OnAudioCd(const DirectorySelection& directory) const {
-  // Tracks that are selected tell it before their disc has been read.
-  return directory.names.empty() ? source_->ShowsAudioCd(directory.path)
-                                 : IsCdTrackText(directory.names.front());
-}
-
 void MainWindow::RefreshFilterBar() {
   Job& job = ActiveJob();
   const auto refreshed = [&] {
     FilterBarInput input;
-    input.source = job.Mode() == SourceMode::List ? ListContext(job.files)
-                                                  : DirectoryContext(job.directory, OnAudioCd(job.directory));
+    input.source = sources_->Context();
     input.devices = application_.Devices().Counts();
     input.jobIsIdle = job.MayChange();
     input.filter = job.filter;
@@ -475,8 +364,7 @@ void MainWindow::RefreshCommands() {
   actions_->SetEnabled(CommandId::SaveList, !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearList, idle && list && !job.files.Empty());
   actions_->SetEnabled(CommandId::ClearListSilently, idle && list);
-  const bool onDisc = !list && OnAudioCd(job.directory);
-  actions_->SetEnabled(CommandId::Delete, idle && selected && !onDisc);
+  actions_->SetEnabled(CommandId::Delete, idle && selected && !sources_->IsAudioCd());
   actions_->SetEnabled(CommandId::MoveUp, idle && list && focused && focus > 0);
   actions_->SetEnabled(CommandId::MoveDown, idle && list && focused && focus + 1 < rows);
   actions_->SetEnabled(CommandId::Rename, idle && focused && !source_->Model().At(focus).cdTrack);
@@ -552,9 +440,9 @@ void MainWindow::EndWithoutQuestion() {
 }
 
 void MainWindow::End(JobSaving policy) {
-  TakeSelection();
+  sources_->TakeSelection();
   StoreWindowPlace(*this, application_.GetSettings());
-  reader_.Stop();
+  sources_->Leave();
   help_.reset();
   application_.GetJobs().CommitAtEnd(policy, *this);
   ended_ = true;

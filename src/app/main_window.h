@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QTimer>
 #include <map>
 #include <memory>
 #include <optional>
@@ -20,7 +19,6 @@
 #include "app/job_bar.h"
 #include "app/run_panel.h"
 #include "app/source_area.h"
-#include "app/source_reader.h"
 #include "app/target_area.h"
 #include "app/window_places.h"
 #include "frame/ui/dialog_host.h"
@@ -36,6 +34,7 @@ class ListCommands;
 class PlaybackCommands;
 class RunCommands;
 class SearchCommands;
+class SourceCommands;
 
 class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   Q_OBJECT
@@ -56,7 +55,6 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] Application& App() { return application_; }
   // The job that the window shows.
   [[nodiscard]] Job& ActiveJob() { return *shown_; }
-  [[nodiscard]] bool HasActiveJob() const { return shown_ != nullptr; }
   [[nodiscard]] CommandActions& Actions() { return *actions_; }
   [[nodiscard]] FilterPanel& Filters() { return *filters_; }
   [[nodiscard]] JobBar& JobButtons() { return *jobBar_; }
@@ -66,17 +64,12 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   [[nodiscard]] DialogQueue& Dialogs() { return dialogs_; }
   [[nodiscard]] PlaybackCommands& Playback() { return *playback_; }
   [[nodiscard]] JobCommands& JobActions() { return *jobCommands_; }
+  [[nodiscard]] SourceCommands& Sources() { return *sources_; }
   [[nodiscard]] DiscCommands& Discs() { return *discs_; }
   // What a command does; each group of commands registers its own.
   void On(CommandId command, std::function<void()> action) { handlers_[command] = std::move(action); }
   [[nodiscard]] QString StatusText() const { return status_->text(); }
 
-  // The selection of the file view goes into the active job at once.
-  void TakeSelection();
-  // Shows the files of the job's directory after it was changed.
-  void ReadSource() { reader_.Read(ActiveJob().directory.path); }
-  // Reads the source directory of the active job again, or shows its list again.
-  void ReloadSource();
   // Shows what follows from the job: its filter bar, destination, run display, commands.
   void Refresh();
   void RefreshFilterBar();
@@ -112,12 +105,8 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   void BuildAreas();
   void ConnectAreas();
   void ShowFilterPanels(const Job& job);
-  void ShowSource(Job& job);
   [[nodiscard]] AreaSplitters Splitters() const { return {across_, source_->Splitter(), down_}; }
   void End(JobSaving policy);
-  void TakeSourceDone(Outcome outcome);
-  void SelectStoredFiles();
-  [[nodiscard]] bool OnAudioCd(const DirectorySelection& directory) const;
 
   Application& application_;
   Job* shown_ = nullptr;
@@ -133,11 +122,10 @@ class MainWindow : public QMainWindow, public JobWindow, public DialogHost {
   QSplitter* down_ = nullptr;    // source | destination and run panel
   QWidget* lower_ = nullptr;
   QLabel* status_ = nullptr;
-  QTimer selectionTimer_;
   DialogQueue dialogs_;
-  SourceReader reader_;
   std::unique_ptr<HelpWindow> help_;
 
+  std::unique_ptr<SourceCommands> sources_;
   std::unique_ptr<ListCommands> lists_;
   std::unique_ptr<DiscCommands> discs_;
   std::unique_ptr<JobCommands> jobCommands_;

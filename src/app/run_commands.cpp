@@ -10,6 +10,7 @@
 #include "app/main_window.h"
 #include "app/parameter_windows.h"
 #include "app/playback_commands.h"
+#include "app/source_commands.h"
 #include "frame/texts.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
@@ -174,7 +175,7 @@ void RunCommands::Finish(Job* job, const RunResult& result) {
       const std::string& directory = job->directory.path;
       const bool beside = std::ranges::any_of(
           result.items, [&](const RunItem& item) { return DirectoryOf(item.destination) == directory; });
-      if (job->Mode() == SourceMode::Directory && beside) window_.ReloadSource();
+      if (job->Mode() == SourceMode::Directory && beside) window_.Sources().Reload();
     }
     window_.RefreshJobBar();
   }

@@ -142,7 +142,7 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
   listMode_ = false;
   drives_->SetCurrent(drive);
   files_->setAccessibleName(QtText(texts::FileViewName));
-  model_.ShowDirectory({}, false);
+  model_.ShowDirectory({});
   shownDirectory_ = path;
   if (treeModel_.RootPath() != root) {
     revealing_ = true;
@@ -154,7 +154,7 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
 }
 
 void SourceArea::ClearFiles() {
-  if (!listMode_) model_.ShowDirectory({}, false);
+  if (!listMode_) model_.ShowDirectory({});
 }
 
 void SourceArea::Enable(const Enabling& enabling) {

@@ -1,7 +1,6 @@
 #include "platform/disc_image.h"
 
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <limits>
 #include <optional>
@@ -22,8 +21,7 @@ namespace fs = std::filesystem;
 constexpr std::uint64_t kMostSheetBytes = 1 << 20;
 
 void PutSample(double sample, std::uint8_t* out) {
-  const auto value = static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
-  const auto bits = static_cast<std::uint16_t>(value);
+  const auto bits = static_cast<std::uint16_t>(Sample16(sample));
   out[0] = static_cast<std::uint8_t>(bits & 0xFF);
   out[1] = static_cast<std::uint8_t>(bits >> 8);
 }

@@ -4,6 +4,8 @@
 // and wide enough for the best resampling. A source or sink belongs to one thread at a time.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -22,6 +24,11 @@ struct PcmShape {
 
   bool operator==(const PcmShape&) const = default;
 };
+
+// A sample as 16 bits: rounded, limited, never wrapped; what was 16 bits before comes out as it was.
+[[nodiscard]] inline std::int16_t Sample16(double sample) {
+  return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0, -32768.0, 32767.0)));
+}
 
 class PcmSource {
  public:

@@ -1,7 +1,6 @@
 #include "platform/wave_sink.h"
 
-#include <algorithm>
-#include <cmath>
+#include "platform/pcm_stream.h"
 
 namespace ts5 {
 namespace {
@@ -26,8 +25,7 @@ void WaveSink::Write(std::span<const float> interleaved) {
   ByteWriter samples;
   samples.Reserve(size);
   for (const float sample : interleaved) {
-    const long value = std::lrint(std::clamp(sample, -1.0F, 1.0F) * 32768.0F);
-    samples.U16Le(static_cast<std::uint16_t>(std::min(value, 32767L)));
+    samples.U16Le(static_cast<std::uint16_t>(Sample16(sample)));
   }
   state_ = file_->Write(samples.View());
   dataSize_ += size;

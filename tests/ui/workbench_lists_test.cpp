@@ -9,6 +9,7 @@
 #include <QUrl>
 #include <filesystem>
 
+#include "app/source_commands.h"
 #include "frame/texts.h"
 #include "workbench_support.h"
 
@@ -187,7 +188,7 @@ TEST_F(ListStory, TheSourceDirectoryGoesAndComesBack) {
   EXPECT_TRUE(ActiveJob().directory.names.empty());
   EXPECT_FALSE(W().Actions().Action(CommandId::Delete)->isEnabled());
   WriteMidi("Musik/neu.mid");
-  W().ReloadSource();
+  W().Sources().Reload();
   EXPECT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1; }));
 }
 

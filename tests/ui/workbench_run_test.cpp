@@ -10,6 +10,7 @@
 #include <QTextEdit>
 
 #include "app/filter_modules.h"
+#include "app/source_commands.h"
 #include "app/texts.h"
 #include "frame/remarks.h"
 #include "frame/texts.h"
@@ -47,7 +48,7 @@ class RunStory : public WorkbenchTest {
     ToListMode();
     Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
     W().Source().Files()->selectAll();
-    W().TakeSelection();
+    W().Sources().TakeSelection();
     ChooseConverter();
     if (expect) expect();
     W().Trigger(CommandId::Run);
@@ -61,7 +62,7 @@ TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
   Drop({WriteMidi("eins.mid"), directory_.Write("zwei.mid", "kein Midi"), WriteMidi("drei.mid")});
   ASSERT_EQ(ActiveJob().files.Size(), 3U);
   W().Source().Files()->selectAll();
-  W().TakeSelection();
+  W().Sources().TakeSelection();
   EXPECT_TRUE(W().Filters().TileOf(FilterId::MidiConverter)->isVisible());
   EXPECT_FALSE(W().Filters().TileOf(FilterId::WaveConverter)->isVisible());
   ChooseConverter();
@@ -102,7 +103,7 @@ TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
   ToListMode();
   Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
   W().Source().Files()->selectAll();
-  W().TakeSelection();
+  W().Sources().TakeSelection();
   ChooseConverter();
   script_.Expect([](QDialog& dialog) { dialog.accept(); });
   W().Trigger(CommandId::NewJob);

@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include "app/command_table.h"
+#include "app/source_commands.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -54,7 +55,7 @@ SampleWorkbench::SampleWorkbench(const std::string& demo, SkinLayout layout, boo
     emit window_->Source().Files()->FilesDropped(files);
   }
   window_->Source().Files()->SelectRows({0, 1}, 0);
-  window_->TakeSelection();
+  window_->Sources().TakeSelection();
   (void)jobs.SwitchFilter(window_->ActiveJob(), FilterId::MidiConverter, *window_);
   window_->ShowFilter();
   ProcessFor(300, [] { return false; });

@@ -19,6 +19,7 @@
 
 #include "app/filter_modules.h"
 #include "app/main_window.h"
+#include "app/source_commands.h"
 #include "app/texts.h"
 #include "frame/run.h"
 #include "frame/ui/qt_text.h"
@@ -164,7 +165,7 @@ class WorkbenchTest : public testing::Test {
   }
   void Select(const std::vector<std::size_t>& rows) {
     W().Source().Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());
-    W().TakeSelection();
+    W().Sources().TakeSelection();
   }
   bool WaitForListing() {
     return WaitFor([this] { return W().StatusText() == QtText(texts::StatusReady); });
