@@ -125,10 +125,13 @@ std::optional<std::string> Contradiction(const Request& request) {
   if (request.overwrite && !ParseOverwrite(*request.overwrite)) {
     return Format(Text(texts::BatchOverwriteWrong), *request.overwrite);
   }
-  for (const auto& directory : {request.destinationDirectory, request.directory}) {
-    if (directory && !IsDirectory(*directory) && !FindAudioCd(*directory))
-      return Format(Text(texts::BatchNoDirectory), *directory);
-  }
+  const auto missing = [](const std::optional<std::string>& directory) {
+    return directory && !IsDirectory(*directory);
+  };
+  if (missing(request.destinationDirectory))
+    return Format(Text(texts::BatchNoDirectory), *request.destinationDirectory);
+  if (missing(request.directory) && !IsCdDrive(*request.directory))
+    return Format(Text(texts::BatchNoDirectory), *request.directory);
   return std::nullopt;
 }
 
@@ -216,7 +219,7 @@ int RunCommand(CommandLine line, Console& console) {
   }
   // A drive goes by its name too.
   if (request.directory && !IsDirectory(*request.directory))
-    if (auto drive = CdDirectoryOf(*request.directory)) request.directory = std::move(drive);
+    request.directory = CdDirectoryOf(*request.directory).value_or(*request.directory);
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
 
   auto registry = OpenRegistry(console);

@@ -24,12 +24,6 @@ std::string EntryName(const DriveName& drive) {
   return std::string(DirectoryOf(CdTrackEntry(drive, 1)));
 }
 
-bool IsCdDrive(const std::string& path) {
-  if (path == VirtualCdDirectory()) return true;
-  const auto devices = CdDeviceFiles();
-  return std::ranges::find(devices, path) != devices.end();
-}
-
 }  // namespace
 
 std::string CdTrackEntry(const DriveName& drive, int track) {
@@ -75,6 +69,12 @@ bool CdTrackExists(std::string_view source) {
   auto drive = place ? CdDrive::Open(place->drive.path) : Failure(Outcome::SourceFailed);
   const auto toc = drive ? drive->ReadToc() : Failure(Outcome::CdDriveFailed);
   return toc && toc->Find(place->number) != nullptr;
+}
+
+bool IsCdDrive(const std::string& path) {
+  if (path == VirtualCdDirectory()) return true;
+  const auto devices = CdDeviceFiles();
+  return std::ranges::find(devices, path) != devices.end();
 }
 
 std::optional<std::string> CdDirectoryOf(std::string_view driveName) {

@@ -38,7 +38,9 @@ struct CdTrackPlace {
 // Whether the disc in that drive has the track; asks the drive.
 [[nodiscard]] bool CdTrackExists(std::string_view source);
 
-// The directory that stands for the drive of that name, "VENDOR PRODUCT"; nothing when there is none.
+// Whether a path stands for a disc drive: its device file, or the directory of the virtual one.
+[[nodiscard]] bool IsCdDrive(const std::string& path);
+// The path that stands for the drive of that name, "VENDOR PRODUCT"; nothing when there is none.
 [[nodiscard]] std::optional<std::string> CdDirectoryOf(std::string_view driveName);
 // Why the disc of the virtual drive could not be changed, for the user.
 [[nodiscard]] std::string DiscFailureText(Outcome outcome, std::string_view path);

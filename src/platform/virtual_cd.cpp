@@ -27,6 +27,7 @@ std::string DiscFile() {
 }
 
 Result<DriveClaim> ClaimToChange() {
+  if (const Outcome made = MakeDirectories(VirtualCdDirectory()); Failed(made)) return Failure(made);
   auto claim = DriveClaim::Take(VirtualCdDirectory());
   if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
   return claim;
@@ -150,9 +151,7 @@ class VirtualCdTransport final : public ScsiTransport {
 }  // namespace
 
 std::string VirtualCdDirectory() {
-  std::string directory = JoinPath(ProgramDirectory(), "virtual-cd");
-  (void)MakeDirectories(directory);
-  return directory;
+  return JoinPath(ProgramDirectory(), "virtual-cd");
 }
 
 DriveName VirtualCdName() {

@@ -14,7 +14,8 @@
 
 namespace ts5 {
 
-// The directory that stands for the drive, below ProgramDirectory(); made when it does not exist.
+// The directory that stands for the drive, below ProgramDirectory(). It is made when the first disc is put
+// in.
 [[nodiscard]] std::string VirtualCdDirectory();
 [[nodiscard]] DriveName VirtualCdName();
 

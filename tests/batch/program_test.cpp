@@ -560,6 +560,7 @@ TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
   ::setenv("XDG_DATA_HOME", home_.Path().c_str(), 1);
   EXPECT_EQ(Run({"cd", "list"}), 0);
   EXPECT_THAT(Out(), HasSubstr("keine lesbare CD"));
+  EXPECT_FALSE(fs::exists(home_.File("stavora-ts5"))) << "to look makes nothing";
   EXPECT_EQ(Run({"cd", "insert", DataPath("cd/three_tracks.bin")}), 1);
   EXPECT_THAT(Err(), HasSubstr("ist kein CUE-Sheet"));
   EXPECT_EQ(Run({"cd", "insert", DataPath("cd/three_tracks.cue")}), 0);
@@ -578,6 +579,8 @@ TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
             0);
   EXPECT_EQ(nlohmann::json::parse(Out())["lines"][1]["count"], 3);
   EXPECT_EQ(Run({"run", "MidiConverter", "--dir", "stavora virtuelle cd"}), 1) << "no tracks for this one";
+  EXPECT_EQ(Run({"run", "MidiConverter", "--dest-dir", "stavora virtuelle cd", Song("a.mid")}), 2)
+      << "nor targets";
 
   EXPECT_EQ(Run({"cd", "eject"}), 0);
   EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", tracks[1]["track"].get<std::string>()}),
