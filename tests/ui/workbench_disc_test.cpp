@@ -79,8 +79,8 @@ TEST_F(DiscStory, AnEmptyDriveAsksForADiscAndShowsItsTracks) {
   EXPECT_FALSE(W().Actions().Action(CommandId::Delete)->isEnabled());
   EXPECT_FALSE(W().Actions().Action(CommandId::Rename)->isEnabled());
 
-  // Another session comes back to the disc and the selection, when the job is a saved one.
-  ActiveJob().filter = FilterId::AudioPlayer;
+  // Another session comes back to the disc.
+  ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), FilterId::AudioPlayer, W()));
   Start();
   ASSERT_TRUE(WaitForListing());
   EXPECT_EQ(ActiveJob().sourceDrive, 2);
