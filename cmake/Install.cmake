@@ -15,11 +15,18 @@ function(ts5_compressed file directory)
 endfunction()
 
 install(TARGETS ts5-batch)
+install(TARGETS ts5-batch-full DESTINATION ${CMAKE_INSTALL_LIBEXECDIR})
 ts5_compressed(docs/ts5-batch.1 ${CMAKE_INSTALL_MANDIR}/man1)
 ts5_compressed(packaging/changelog ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 install(FILES ${CMAKE_SOURCE_DIR}/scripts/completion.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ts5-batch)
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
+
+# What a beginner sees and hears first.
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/demo DESTINATION ${CMAKE_INSTALL_DATADIR}/stavora-ts5
+        FILES_MATCHING PATTERN "*.mid" PATTERN "*.rmi" PATTERN "*.rdl" PATTERN "*.stv" PATTERN "LICENCES.md"
+        PATTERN "scores" EXCLUDE PATTERN "show" EXCLUDE)
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/resources/layouts DESTINATION ${CMAKE_INSTALL_DATADIR}/stavora-ts5)
 
 if(TARGET stavora-ts5)
   set(icons ${CMAKE_SOURCE_DIR}/src/resources/icons)

@@ -2,7 +2,7 @@
 set -u
 export LC_ALL=C.UTF-8
 # One compiler cache for all builds and all clones: paths below the tree count relative to it.
-export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 
 jobs=$(nproc 2>/dev/null || echo 2)
 passed=0

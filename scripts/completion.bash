@@ -10,7 +10,7 @@ _ts5_batch() {
   local command="${COMP_WORDS[1]:-}"
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    COMPREPLY=($(compgen -W "filters jobs type info run job cd registry --help --version" -- "$word"))
+    COMPREPLY=($(compgen -W "filters jobs type info attributes interfaces score run job resume codecs cd layout results registry --help --version" -- "$word"))
     return
   fi
   case "$before" in
@@ -25,9 +25,12 @@ _ts5_batch() {
   esac
   local options="--help"
   case "$command" in
-    filters | jobs | type | info) options="$options --json" ;;
-    run) options="$options --set --dest --dest-dir --overwrite --list --dir --melody --melody-name --keys --device --input --json --quiet" ;;
+    filters | jobs | type | info | score | codecs) options="$options --json" ;;
+    attributes) options="$options --json --set --remove" ;;
+    results | layout) options="$options --json" ;;
+    run) options="$options --set --dest --dest-dir --overwrite --list --dir --part --preview --attribute --melody --melody-name --keys --device --input --json --quiet" ;;
     job) options="$options --json --quiet" ;;
+    resume) options="$options --list --discard --json --quiet" ;;
     registry) options="$options --recursive --binary" ;;
   esac
   case "$word" in
@@ -36,8 +39,11 @@ _ts5_batch() {
   case "$command:$COMP_CWORD" in
     run:2) COMPREPLY=($(compgen -W "$("$program" filters 2>/dev/null | awk '$2 == "*" { print $3 }')" -- "$word")) ;;
     job:2) COMPREPLY=($(compgen -W "$("$program" jobs 2>/dev/null | awk '{ print $1 }')" -- "$word")) ;;
-    cd:2) COMPREPLY=($(compgen -W "list insert eject" -- "$word")) ;;
+    cd:2) COMPREPLY=($(compgen -W "list insert blank info track erase eject load" -- "$word")) ;;
     cd:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.[cC][uU][eE]' -- "$word")) ;;
+    results:2) COMPREPLY=($(compgen -W "merge" -- "$word")) ;;
+    results:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.json' -- "$word")) ;;
+    interfaces:2) COMPREPLY=($(compgen -W "list add remove find" -- "$word")) ;;
     registry:2) COMPREPLY=($(compgen -W "list get set delete import export" -- "$word")) ;;
     *) compopt -o default ;;
   esac

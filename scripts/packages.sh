@@ -2,19 +2,19 @@
 # Read by ./run, ./test and .ci/run after scripts/common.sh.
 
 # Compiler and tools.
-packages_tools="g++ cmake ninja-build pkg-config ccache git python3"
+packages_tools="g++ cmake ninja-build lld pkg-config ccache git python3"
 # What the programs are made of; each is there for one job (docs/architecture.md says which).
 packages_libraries="
-  libfmt-dev libexpected-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev libpugixml-dev
+  libfmt-dev libexpected-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev libpugixml-dev libminizip-dev
   libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libsoxr-dev
   libvorbis-dev libogg-dev libmp3lame-dev libshine-dev libtag1-dev
   librtmidi-dev librtaudio-dev libfluidsynth-dev timgm6mb-soundfont"
 # The desktop; its base package also holds Qt Core, which everything uses.
-packages_desktop="qt6-base-dev qt6-svg-dev libqt6svg6 libqt6svgwidgets6"
+packages_desktop="qt6-base-dev qt6-svg-dev libqt6svg6 libqt6svgwidgets6 fonts-liberation"
 # The libraries of the tests and benchmarks, which every build is configured with.
 packages_test_libraries="libgtest-dev libgmock-dev libbenchmark-dev"
 # What the tests start.
-packages_tests="xvfb xauth"
+packages_tests="xvfb xauth libxml2-utils"
 # What only the checks of .ci/run need.
 packages_checks="clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 groff-base man-db"
 
