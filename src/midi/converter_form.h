@@ -6,7 +6,7 @@
 #include "midi/converter_fields.h"
 #include "midi/midi_file.h"
 #include "midi/texts.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 

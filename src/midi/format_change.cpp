@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "midi/file_shell.h"
 #include "midi/merged_events.h"
 #include "midi/midi_file.h"
 #include "midi/track_writer.h"
@@ -112,14 +111,6 @@ Result<Bytes> MergeTracksToFormat0(ByteView file, const WorkWatch& watch) {
 
 Result<Bytes> SplitChannelsToFormat1(ByteView file, const WorkWatch& watch) {
   return OpenPlainFile(file).and_then([&](const PlainFile& plain) { return Split(plain, watch); });
-}
-
-Outcome MergeTracksToFormat0(const std::string& source, const std::string& target, const WorkWatch& watch) {
-  return ConvertFileWith(source, target, [&](ByteView file) { return MergeTracksToFormat0(file, watch); });
-}
-
-Outcome SplitChannelsToFormat1(const std::string& source, const std::string& target, const WorkWatch& watch) {
-  return ConvertFileWith(source, target, [&](ByteView file) { return SplitChannelsToFormat1(file, watch); });
 }
 
 }  // namespace ts5

@@ -2,28 +2,23 @@
 //
 // Codes of both: DamagedMidi (no "MThd", a chunk that is no track, a track that breaks off, a distance
 // between two events that no delta time can say), ReadFailed (the file ends before its last track),
-// Cancelled. The shells add SourceFailed, TargetFailed, WriteFailed and OutOfMemory, and leave the target as
-// it was when they fail.
+// Cancelled.
 #pragma once
 
 #include <string>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 
 // All events in one track, in the order of MergedEvents, channel messages with their status byte. The file
 // ends with its last event: the times at which the tracks ended are not kept.
 [[nodiscard]] Result<Bytes> MergeTracksToFormat0(ByteView file, const WorkWatch& watch = {});
-[[nodiscard]] Outcome MergeTracksToFormat0(const std::string& source, const std::string& target,
-                                           const WorkWatch& watch = {});
 
 // A first track with all meta and system exclusive events, then one for each channel that occurs. A file that
 // says format 0 and yet has several tracks is merged first, so that nothing of it is lost.
 [[nodiscard]] Result<Bytes> SplitChannelsToFormat1(ByteView file, const WorkWatch& watch = {});
-[[nodiscard]] Outcome SplitChannelsToFormat1(const std::string& source, const std::string& target,
-                                             const WorkWatch& watch = {});
 
 }  // namespace ts5

@@ -6,7 +6,7 @@
 
 #include "midi/midi_events.h"
 #include "midi/midi_file.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 
 namespace ts5 {
 

@@ -1,7 +1,5 @@
 #include "midi/midi_containers.h"
 
-#include "midi/file_shell.h"
-
 namespace ts5 {
 
 namespace {
@@ -105,30 +103,6 @@ Result<Bytes> SequencerToRiff(ByteView sequencer, const RiffFileInfo& info) {
 
 Result<Bytes> SequencerToSmf(ByteView sequencer) {
   return SequencerContent(sequencer).map([](ByteView midi) { return PlainFile(midi, kSmfMagic); });
-}
-
-Outcome SmfToRiff(const std::string& source, const std::string& target, const RiffFileInfo& info) {
-  return ConvertFileWith(source, target, [&](ByteView file) { return SmfToRiff(file, info); });
-}
-
-Outcome SmfToSequencer(const std::string& source, const std::string& target) {
-  return ConvertFileWith(source, target, [](ByteView file) { return SmfToSequencer(file); });
-}
-
-Outcome RiffToSmf(const std::string& source, const std::string& target) {
-  return ConvertFileWith(source, target, [](ByteView file) { return RiffToSmf(file); });
-}
-
-Outcome RiffToSequencer(const std::string& source, const std::string& target) {
-  return ConvertFileWith(source, target, [](ByteView file) { return RiffToSequencer(file); });
-}
-
-Outcome SequencerToRiff(const std::string& source, const std::string& target, const RiffFileInfo& info) {
-  return ConvertFileWith(source, target, [&](ByteView file) { return SequencerToRiff(file, info); });
-}
-
-Outcome SequencerToSmf(const std::string& source, const std::string& target) {
-  return ConvertFileWith(source, target, [](ByteView file) { return SequencerToSmf(file); });
 }
 
 }  // namespace ts5

@@ -1,10 +1,8 @@
-// Changes between the three containers of MIDI files. The pure functions take the bytes of a whole file and
-// give those of another; the functions with paths are shells around them, which leave the target as it was
-// when anything fails.
+// Changes between the three containers of MIDI files. The functions take the bytes of a whole file and give
+// those of another.
 //
-// Codes of the pure functions: WrongFormat (the source is not of the expected container, or another chunk
-// stands where a track should), ReadFailed (the source ends before its last track), ChunkNotWritten. The
-// shells add SourceFailed, TargetFailed, WriteFailed and OutOfMemory.
+// Codes: WrongFormat (the source is not of the expected container, or another chunk stands where a track
+// should), ReadFailed (the source ends before its last track), ChunkNotWritten.
 //
 // From a plain file everything behind the header is taken over, whatever it is. From the other two, the
 // header and as many tracks as it counts: a RIFF file's INFO list and a sequencer file's settings stay
@@ -15,8 +13,8 @@
 
 #include "midi/midi_file.h"
 #include "midi/riff_info.h"
-#include "platform/bytes.h"
-#include "platform/outcome.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -32,15 +30,6 @@ struct RiffFileInfo {
 [[nodiscard]] Result<Bytes> RiffToSequencer(ByteView riff);
 [[nodiscard]] Result<Bytes> SequencerToRiff(ByteView sequencer, const RiffFileInfo& info);
 [[nodiscard]] Result<Bytes> SequencerToSmf(ByteView sequencer);
-
-[[nodiscard]] Outcome SmfToRiff(const std::string& source, const std::string& target,
-                                const RiffFileInfo& info);
-[[nodiscard]] Outcome SmfToSequencer(const std::string& source, const std::string& target);
-[[nodiscard]] Outcome RiffToSmf(const std::string& source, const std::string& target);
-[[nodiscard]] Outcome RiffToSequencer(const std::string& source, const std::string& target);
-[[nodiscard]] Outcome SequencerToRiff(const std::string& source, const std::string& target,
-                                      const RiffFileInfo& info);
-[[nodiscard]] Outcome SequencerToSmf(const std::string& source, const std::string& target);
 
 // The MIDI data of a RIFF file: its form must be RMID and have a data chunk. What is given reaches to the end
 // of the file, not of the chunk: where the two disagree, the tracks decide. WrongFormat.

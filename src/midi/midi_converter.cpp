@@ -3,11 +3,10 @@
 #include <utility>
 
 #include "midi/converter_fields.h"
-#include "midi/file_shell.h"
 #include "midi/format_change.h"
 #include "midi/midi_containers.h"
 #include "midi/time_base.h"
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 
@@ -106,28 +105,6 @@ Result<ConvertedMidi> ConvertMidi(ByteView file, MidiFileKind kind, const Conver
   auto converted = Conversion(file, kind, parameters, today, watch).Run();
   if (converted) converted->fromSequencer = ContainerOf(file) == MidiContainer::Sequencer;
   return converted;
-}
-
-Result<ConvertedMidi> ConvertMidiSource(const ConverterParameters& parameters, const std::string& source,
-                                        const WorkWatch& watch) {
-  const auto file = ReadFile(source);
-  if (!file) return Failure(file.error());
-  return ConvertMidi(*file, DetectMidiKind(*file).kind, parameters, TodayUtc(), watch);
-}
-
-Result<std::uint32_t> ConvertMidiFile(const ConverterParameters& parameters, const std::string& source,
-                                      const std::string& target, const WorkWatch& watch) {
-  try {
-    const auto converted = ConvertMidiSource(parameters, source, watch);
-    if (!converted) return Failure(converted.error());
-    if (!converted->bytes.empty()) {
-      if (const Outcome written = WriteFile(target, converted->bytes); Failed(written))
-        return Failure(written);
-    }
-    return converted->flags;
-  } catch (const std::bad_alloc&) {
-    return Failure(Outcome::OutOfMemory);
-  }
 }
 
 TargetRule ConverterTarget(const ConverterParameters& parameters, const std::string& source) {

@@ -9,9 +9,9 @@
 #include "frame/filter_module.h"
 #include "midi/converter_fields.h"
 #include "midi/midi_file.h"
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 
@@ -40,16 +40,6 @@ struct ConvertedMidi {
 [[nodiscard]] Result<ConvertedMidi> ConvertMidi(ByteView file, MidiFileKind kind,
                                                 const ConverterParameters& parameters, CalendarDate today,
                                                 const WorkWatch& watch = {});
-
-// The same from a file, today. Also SourceFailed and ReadFailed.
-[[nodiscard]] Result<ConvertedMidi> ConvertMidiSource(const ConverterParameters& parameters,
-                                                      const std::string& source, const WorkWatch& watch = {});
-
-// The flags, or the code of the step that failed; the target is written only when all went well and something
-// was changed. Also SourceFailed, ReadFailed, TargetFailed, WriteFailed, OutOfMemory.
-[[nodiscard]] Result<std::uint32_t> ConvertMidiFile(const ConverterParameters& parameters,
-                                                    const std::string& source, const std::string& target,
-                                                    const WorkWatch& watch = {});
 
 // The container that a file of this container gets.
 [[nodiscard]] MidiContainer TargetContainer(const ConverterParameters& parameters, MidiContainer source);

@@ -1,10 +1,13 @@
 // The MIDI converter as a filter of the frame.
-#include <memory>
+#include <optional>
+#include <utility>
 
 #include "frame/item_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "midi/midi_converter.h"
+#include "midi/midi_item.h"
+#include "midi/texts.h"
 
 namespace ts5 {
 
@@ -12,10 +15,12 @@ namespace {
 
 Outcome ConvertItem(ItemWork& work) {
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  const auto& parameters = static_cast<const ConverterParameters&>(work.parameters);
-  const auto converted = ConvertMidiSource(parameters, work.source, watch);
+  const auto& parameters = As<ConverterParameters>(work.parameters);
+  const auto& item = work.Prepared<MidiItem>();
+  const auto converted = ConvertMidi(item.file, item.kind, parameters, TodayUtc(), watch);
   if (!converted) return converted.error();
   if (const Outcome written = work.target.Write(converted->bytes); Failed(written)) return written;
+  work.unchanged = converted->bytes.empty();
   work.extended = converted->fromSequencer && (converted->flags & kTimeBaseChanged) != 0;
   return static_cast<Outcome>(converted->flags);
 }
@@ -25,25 +30,25 @@ Outcome ConvertItem(ItemWork& work) {
 void RunMidiConverter(Run& run) {
   ItemFilter filter;
   filter.independent = true;
-  filter.check = [](const FilterParameters&, const std::string& source) {
-    const auto info = ReadMidiFileHeader(source);
-    return info ? Outcome::Success : info.error();
-  };
+  filter.prepare = [](const FilterParameters&, const std::string& source) { return OpenMidiItem(source); };
   filter.convert = ConvertItem;
   RunItems(run, filter);
 }
 
 FilterModule MidiConverterModule() {
-  FilterModule module;
+  using P = ConverterParameters;
+  ModuleOf<P> module;
   module.id = FilterId::MidiConverter;
-  module.create = [] { return std::make_unique<ConverterParameters>(); };
   module.fields = ConverterFields();
-  module.run = RunMidiConverter;
-  module.target = [](const FilterParameters& parameters, const std::string& source) {
-    return ConverterTarget(static_cast<const ConverterParameters&>(parameters), source);
-  };
+  module.run = [](Run& run, const P&) { RunMidiConverter(run); };
+  module.target = ConverterTarget;
   module.stop.status = texts::Stopping;
-  return module;
+  module.missing = [](const P& parameters) -> std::optional<TextId> {
+    if (parameters.changeContainer || parameters.changeFormat || parameters.changeTimeBase)
+      return std::nullopt;
+    return texts::ConverterNothingChosen;
+  };
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5

@@ -16,7 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace ts5 {
 

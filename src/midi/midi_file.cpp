@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 
@@ -58,7 +58,11 @@ ByteView MidiBytesOf(ByteView file) {
 }
 
 MidiTrackReader::MidiTrackReader(ByteView midi, std::size_t trackCount)
-    : midi_(midi), position_(std::min(kMidiHeaderSize, midi.size())), left_(trackCount) {}
+    : midi_(midi), position_(std::min(kMidiHeaderSize, midi.size())), left_(trackCount) {
+  // A header that counts none before one that is there contradicts itself; music would be lost silently.
+  hasFault_ = trackCount == 0 && ByteReader(midi_.subspan(position_)).Tag() == kTrackMagic;
+  if (hasFault_) fault_ = TrackFault::NotATrack;
+}
 
 bool MidiTrackReader::Next(ByteView& track) {
   if (left_ == 0 || hasFault_) return false;

@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -73,7 +73,7 @@ struct MidiFileInfo {
 
 // Why the next track cannot be had: the header promises more tracks than the file has whole.
 enum class TrackFault {
-  NotATrack,  // another chunk stands where a track should
+  NotATrack,  // another chunk stands where a track should, or a track where the header counts none
   CutShort,   // the file ends inside the chunk or before it
 };
 

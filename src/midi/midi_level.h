@@ -10,7 +10,7 @@
 #include <mutex>
 
 #include "frame/player_control.h"
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 
 namespace ts5 {
 

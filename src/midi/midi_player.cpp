@@ -12,8 +12,8 @@
 #include "midi/midi_sequence.h"
 #include "midi/midi_sequencer.h"
 #include "midi/player_output.h"
-#include "platform/files.h"
-#include "platform/thread_priority.h"
+#include "platform/files/files.h"
+#include "platform/sound/thread_priority.h"
 
 namespace ts5 {
 namespace {
@@ -103,16 +103,15 @@ Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
 }  // namespace
 
 FilterModule MidiPlayerModule() {
-  FilterModule module;
-  module.id = FilterId::MidiPlayer;
-  module.create = [] { return std::make_unique<PlayerParameters>(); };
   FieldTable<PlayerParameters> table;
   AddPlayerFields(table);
-  module.fields = table.Build();
-  module.run = [](Run& run) { RunPlayer(run, run.Parameters<PlayerParameters>(), OpenDevice); };
-  module.remarks = kRemarks;
-  module.midiDevice = [](const Job& job) { return std::optional(PlayerDeviceIndex(job)); };
-  return module;
+  return MakeModule<PlayerParameters>(
+      {.id = FilterId::MidiPlayer,
+       .fields = table.Build(),
+       .run = [](Run& run, const PlayerParameters& parameters) { RunPlayer(run, parameters, OpenDevice); },
+       .remarks = kRemarks,
+       .midiDevice = [](const PlayerParameters&,
+                        const Job& job) { return std::optional(PlayerDeviceIndex(job)); }});
 }
 
 }  // namespace ts5

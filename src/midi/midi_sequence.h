@@ -11,8 +11,9 @@
 #include <span>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
+#include "midi/tempo_map.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -47,9 +48,9 @@ class MidiSequence {
   [[nodiscard]] std::uint16_t Division() const { return division_; }
 
   // Where a tick lies in time.
-  [[nodiscard]] std::chrono::nanoseconds TimeOf(std::uint64_t tick) const;
+  [[nodiscard]] std::chrono::nanoseconds TimeOf(std::uint64_t tick) const { return tempos_.TimeOf(tick); }
   // The last tick at or before the time.
-  [[nodiscard]] std::uint64_t TickAt(std::chrono::nanoseconds time) const;
+  [[nodiscard]] std::uint64_t TickAt(std::chrono::nanoseconds time) const { return tempos_.TickAt(time); }
   // The first message at or behind the time.
   [[nodiscard]] std::size_t FirstAt(std::chrono::nanoseconds time) const;
   // What must be sent so that the device stands as if everything before that message had been played, but for
@@ -58,16 +59,9 @@ class MidiSequence {
   [[nodiscard]] std::vector<std::size_t> ChaseBefore(std::size_t message) const;
 
  private:
-  struct TempoChange {
-    std::uint64_t tick = 0;
-    double seconds = 0;         // where the change lies
-    double secondsPerTick = 0;  // from there on
-  };
-  void BuildTempoMap(std::vector<std::pair<std::uint64_t, std::uint32_t>> tempos);
-
   std::vector<SequenceMessage> messages_;
   Bytes exclusive_;
-  std::vector<TempoChange> tempoMap_;
+  TempoMap tempos_;
   std::chrono::nanoseconds duration_{};
   std::uint16_t division_ = 0;
 };

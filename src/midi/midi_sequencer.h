@@ -15,8 +15,8 @@
 
 #include "midi/midi_sequence.h"
 #include "midi/play_transport.h"
-#include "platform/midi_out.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
+#include "platform/sound/midi_out.h"
 
 namespace ts5 {
 

@@ -19,7 +19,7 @@
 #include <mutex>
 #include <optional>
 
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 
 namespace ts5 {
 

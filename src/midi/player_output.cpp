@@ -4,7 +4,7 @@
 
 #include "frame/run.h"
 #include "midi/midi_capture.h"
-#include "platform/audio_out.h"
+#include "platform/sound/audio_out.h"
 
 namespace ts5 {
 

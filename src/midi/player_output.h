@@ -6,7 +6,7 @@
 
 #include "frame/job.h"
 #include "midi/midi_level.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

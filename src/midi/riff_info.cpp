@@ -3,9 +3,9 @@
 #include <string_view>
 
 #include "midi/texts.h"
-#include "platform/files.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/calendar.h"
-#include "platform/outcome.h"
-#include "platform/riff.h"
+#include "platform/base/bytes.h"
+#include "platform/base/calendar.h"
+#include "platform/base/outcome.h"
+#include "platform/base/riff.h"
 
 namespace ts5 {
 

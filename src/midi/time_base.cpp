@@ -1,6 +1,7 @@
 #include "midi/time_base.h"
 
-#include "midi/file_shell.h"
+#include <algorithm>
+
 #include "midi/midi_containers.h"
 #include "midi/midi_file.h"
 #include "midi/track_writer.h"
@@ -18,19 +19,25 @@ constexpr std::size_t kDivisionPosition = 12;
 
 // Single precision in the product as well: the float nearest to 0.7 lies below it, and a wider product takes
 // tick 480 to 335.99999, each beat a tick early. Rounded to a float it is 336, and so for all beats of the
-// usual time bases.
+// usual time bases. Floats hold whole numbers up to 2^24; beyond that the quotient is formed of whole
+// numbers.
 class TickScale {
  public:
   TickScale(std::uint16_t from, std::uint16_t to)
-      : factor_(static_cast<float>(to) / static_cast<float>(from)) {}
+      : from_(from), to_(to), factor_(static_cast<float>(to) / static_cast<float>(from)) {}
 
   [[nodiscard]] std::uint64_t operator()(std::uint64_t tick) const {
-    const float scaled = static_cast<float>(tick) * factor_;
-    return scaled < kFarAway ? static_cast<std::uint64_t>(scaled) : UINT64_MAX;
+    if (tick / from_ > kFarAway / to_) return UINT64_MAX;
+    const std::uint64_t exact = tick / from_ * to_ + tick % from_ * to_ / from_;
+    if (std::max(tick, exact) > kMostInFloat) return exact;
+    return static_cast<std::uint64_t>(static_cast<float>(tick) * factor_);
   }
 
  private:
-  static constexpr float kFarAway = 9.0e18F;  // a tick that no file can reach; still fits 64 bits
+  static constexpr std::uint64_t kMostInFloat = 1U << 24;
+  static constexpr std::uint64_t kFarAway = UINT64_MAX / 4;  // a tick that no file can reach
+  std::uint64_t from_;
+  std::uint64_t to_;
   float factor_;
 };
 
@@ -38,12 +45,14 @@ Outcome ScaleTrack(ByteView track, TickScale scale, WatchedWork& work, std::size
   MidiTrackWriter writer(out);
   writer.Begin();
   MidiEventCursor cursor(track);
+  // Where the two kinds of rounding meet, they may differ by a tick.
+  const auto place = [&](std::uint64_t tick) { return std::max(scale(tick), writer.Tick()); };
   for (MidiEvent event; cursor.Next(event);) {
-    if (!writer.Delta(scale(event.tick))) return Outcome::WrongFormat;
+    if (!writer.Delta(place(event.tick))) return Outcome::WrongFormat;
     out.Append(event.encoded);
     if (!work.GoOn(done + track.size() - cursor.Remaining())) return Outcome::Cancelled;
   }
-  return !cursor.Damaged() && writer.End(scale(cursor.Tick())) ? Outcome::Success : Outcome::WrongFormat;
+  return !cursor.Damaged() && writer.End(place(cursor.Tick())) ? Outcome::Success : Outcome::WrongFormat;
 }
 
 Result<ByteView> MidiDataOf(ByteView file) {
@@ -82,12 +91,6 @@ Result<Bytes> ChangeTimeBase(ByteView file, std::uint16_t newDivision, const Wor
   auto scaled = MidiDataOf(file).and_then([&](ByteView midi) { return ScaleFile(midi, newDivision, watch); });
   if (!scaled || ContainerOf(file) != MidiContainer::Riff) return scaled;
   return WrapInRiff(*scaled);
-}
-
-Outcome ChangeTimeBase(const std::string& source, const std::string& target, std::uint16_t newDivision,
-                       const WorkWatch& watch) {
-  return ConvertFileWith(source, target,
-                         [&](ByteView file) { return ChangeTimeBase(file, newDivision, watch); });
 }
 
 }  // namespace ts5

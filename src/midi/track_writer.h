@@ -5,7 +5,7 @@
 
 #include "midi/midi_events.h"
 #include "midi/midi_file.h"
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace ts5 {
 

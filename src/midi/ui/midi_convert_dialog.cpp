@@ -10,8 +10,8 @@
 #include "midi/texts.h"
 #include "midi/ui/riff_attributes_dialog.h"
 #include "midi/ui/time_base_box.h"
-#include "platform/files.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
 #include "ui_MIDICONVERT.h"
 
 namespace ts5 {
@@ -114,11 +114,10 @@ void MidiConvertDialog::Commit() {
 }
 
 bool EditMidiConverterParameters(Job& job, DialogHost& host, QWidget* owner) {
-  const auto* parameters = dynamic_cast<const ConverterParameters*>(job.parameters.Get());
-  MidiConvertDialog dialog(parameters != nullptr ? *parameters : ConverterParameters(), ItemSource(job, 0),
-                           host, owner);
+  auto& parameters = As<ConverterParameters>(*job.parameters);
+  MidiConvertDialog dialog(parameters, ItemSource(job, 0), host, owner);
   if (dialog.exec() != QDialog::Accepted) return false;
-  job.parameters = dialog.Parameters().Clone();
+  parameters = dialog.Parameters();
   return true;
 }
 

@@ -3,7 +3,6 @@
 #include <QTreeWidget>
 #include <QWidget>
 
-#include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "midi/texts.h"
 #include "ui_FILEPROPS_MIDI.h"
@@ -38,16 +37,6 @@ std::unique_ptr<PropertiesDialog> MidiPropertiesDialog(const MidiProperties& pro
                                                        QWidget* parent) {
   return std::make_unique<PropertiesDialog>(ToQt(properties.title), QtText(texts::PropertiesPrompt),
                                             MidiPropertiesPage(properties), host, parent);
-}
-
-void ShowMidiProperties(const std::string& path, DialogHost& host, QWidget* owner) {
-  const Result<MidiProperties> properties = ReadMidiProperties(path);
-  if (!properties) {
-    ShowWarning(owner, properties.error() == Outcome::WrongFormat ? texts::PropertyUnknownFormat
-                                                                  : texts::PropertyFileNotOpened);
-    return;
-  }
-  MidiPropertiesDialog(*properties, host, owner)->exec();
 }
 
 }  // namespace ts5

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "frame/ui/dialog_host.h"
 #include "frame/ui/properties_dialog.h"
@@ -15,8 +14,5 @@ namespace ts5 {
 
 [[nodiscard]] std::unique_ptr<PropertiesDialog> MidiPropertiesDialog(const MidiProperties& properties,
                                                                      DialogHost& host, QWidget* parent);
-
-// Reads the file and shows the dialog until it is closed, or a message when it is no MIDI file.
-void ShowMidiProperties(const std::string& path, DialogHost& host, QWidget* owner);
 
 }  // namespace ts5
