@@ -1,20 +1,18 @@
 #include "score/parameter_set.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "frame/guarded_profile.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
 
 constexpr std::string_view kHead = "sd4 Stavora Playback Parameterset";
-constexpr std::string_view kLineKey = "======";
-constexpr std::size_t kLineLength = 46;
-constexpr std::string_view kStopKey = "Stop!!";
-constexpr std::string_view kStopText =
-    "Diese Datei wurde automatisch erzeugt und darf AUF KEINEN FALL editiert werden !!";
 constexpr std::string_view kFirst = "Articulation I";
 constexpr std::string_view kSecond = "Articulation II";
 constexpr std::string_view kChannel = "Channel";
@@ -51,6 +49,7 @@ constexpr std::array<std::string_view, 8> kDynamicKeys = {
     "Dynamic mp",  "Dynamic p",  "Dynamic pp", "Dynamic ppp",
 };
 constexpr std::int32_t kMissing = -1;
+constexpr std::uint8_t kUnknownByte = 255;
 
 std::string VoiceKey(std::size_t staff, std::size_t voice) {
   return Format("Zeile%i/Stimme%i", staff + 1, voice + 1);
@@ -93,8 +92,7 @@ Outcome ReadChannels(const Profile& profile, const std::vector<std::uint8_t>& vo
 
 Profile ParameterSetProfile(const PlaybackParameters& parameters, const std::vector<std::uint8_t>& voices) {
   Profile profile;
-  profile.Write(kHead, kLineKey, std::string(kLineLength, '='));
-  profile.Write(kHead, kStopKey, kStopText);
+  WriteGuard(profile, kHead);
   profile.WriteInteger(kFirst, "ArticulationYN", parameters.articulation ? 1 : 0);
   profile.WriteInteger(kFirst, "NoteShorten", parameters.shortening);
   profile.WriteInteger(kFirst, "Velocity", parameters.baseVelocity);
@@ -133,7 +131,7 @@ Outcome SaveParameterSet(const PlaybackParameters& parameters, const std::vector
 
 Outcome ReadParameterSet(const Profile& profile, const std::vector<std::uint8_t>& voices,
                          PlaybackParameters& parameters) {
-  if (!profile.Find(kHead, kStopKey)) return Outcome::SourceFailed;
+  if (!HasGuard(profile, kHead)) return Outcome::SourceFailed;
   parameters.articulation = profile.ReadInteger(kFirst, "ArticulationYN", 0) != 0;
   const std::int32_t shortening = profile.ReadInteger(kFirst, "NoteShorten", kMissing);
   if (shortening == kMissing) return Outcome::SourceFailed;
@@ -142,9 +140,11 @@ Outcome ReadParameterSet(const Profile& profile, const std::vector<std::uint8_t>
   if (velocity == kMissing) return Outcome::SourceFailed;
   parameters.baseVelocity = std::clamp(velocity, 10, 127);
   for (const ShapeKey& row : kShapeKeys) {
-    // A missing number is known by its byte, so that -1 counts as missing as well.
-    const auto value = static_cast<std::uint8_t>(profile.ReadInteger(row.section, row.key, kMissing));
-    if (value == 255) return Outcome::SourceFailed;
+    const auto text = profile.Find(row.section, row.key);
+    if (!text || Trim(*text).empty()) return Outcome::SourceFailed;
+    // Sets from elsewhere may have the byte 255 for a number that was not known.
+    const std::int32_t value = profile.ReadInteger(row.section, row.key, kMissing);
+    if (value != kMissing && static_cast<std::uint8_t>(value) == kUnknownByte) return Outcome::SourceFailed;
     parameters.articulations[static_cast<std::size_t>(row.which)].*row.member =
         static_cast<std::int8_t>(value);
   }
@@ -171,7 +171,19 @@ Outcome LoadParameterSet(PlaybackParameters& parameters, const std::vector<std::
 
 std::string AutomaticParameterSet(const std::string& directory, const std::string& score) {
   if (directory.empty()) return {};
-  return JoinPath(directory, WithExtension(FileNameOf(score), kParameterSetExtension));
+  const std::string name = WithExtension(FileNameOf(score), kParameterSetExtension);
+  std::string set = JoinPath(directory, name);
+  if (FileExists(set)) return set;
+  set.clear();
+  // Of several spellings the first in the alphabet, so that it is always the same one.
+  std::error_code error;
+  for (std::filesystem::directory_iterator entry(directory, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string found = entry->path().filename().string();
+    if (EqualsIgnoringCase(found, name) && (set.empty() || found < FileNameOf(set)))
+      set = JoinPath(directory, found);
+  }
+  return set;
 }
 
 }  // namespace ts5

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/outcome.h"
-#include "platform/profile.h"
+#include "platform/base/outcome.h"
+#include "platform/store/profile.h"
 #include "score/playback_parameters.h"
 
 namespace ts5 {
@@ -27,7 +27,7 @@ inline constexpr std::string_view kParameterSetExtension = "sps";
 [[nodiscard]] Outcome LoadParameterSet(PlaybackParameters& parameters,
                                        const std::vector<std::uint8_t>& voices, const std::string& path);
 
-// Where the set of the same name as the score would lie; "" without a directory.
+// The set of the same name as the score, whatever the case of its letters; "" when there is none.
 [[nodiscard]] std::string AutomaticParameterSet(const std::string& directory, const std::string& score);
 
 }  // namespace ts5

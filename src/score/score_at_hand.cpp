@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/files.h"
 #include "score/parameter_set.h"
+#include "score/texts.h"
 
 namespace ts5 {
 
@@ -67,7 +67,7 @@ Outcome LoadAutomaticSet(const std::string& directory, const std::string& source
                          const std::vector<std::uint8_t>& voices, ScoreParameters& parameters) {
   if (!parameters.automaticSet) return Outcome::Success;
   const std::string set = AutomaticParameterSet(directory, source);
-  if (set.empty() || !FileExists(set)) return Outcome::Success;
+  if (set.empty()) return Outcome::Success;
   return LoadSet(set, voices, parameters);
 }
 
@@ -76,6 +76,10 @@ Outcome LoadSet(const std::string& set, const std::vector<std::uint8_t>& voices,
   const Outcome loaded = LoadParameterSet(parameters.playback, voices, set);
   parameters.parameterSet = Succeeded(loaded) ? set : std::string();
   return loaded;
+}
+
+std::string SetFailure(const std::string& set) {
+  return std::string(Text(texts::ParameterSetNotLoaded)) + "\n" + set;
 }
 
 }  // namespace ts5

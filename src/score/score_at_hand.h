@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 #include "score/playback_fields.h"
 #include "score/score_midi.h"
 
@@ -55,5 +55,7 @@ void ChooseSound(const ScoreAtHand& score, ScoreParameters& parameters, std::siz
 // A set of the user's choice. SourceFailed likewise.
 [[nodiscard]] Outcome LoadSet(const std::string& set, const std::vector<std::uint8_t>& voices,
                               ScoreParameters& parameters);
+// What is said of a set that could not be loaded.
+[[nodiscard]] std::string SetFailure(const std::string& set);
 
 }  // namespace ts5

@@ -27,15 +27,6 @@ constexpr DynamicSign kDynamicSigns[] = {
     {"fg", 127}, {"gf", 127}, {"pp", 22}, {"qp", 10}, {"pq", 10}, {"fff", 127}, {"ppp", 10},
 };
 
-// What was read of one object.
-struct Drawing {
-  std::uint16_t span = 0;
-  std::uint8_t value = 0;
-  ByteView text;
-};
-
-void ReadList(ScoreSource& in, DrawnMarks& marks, int depth);
-
 void ReadPoints(ScoreSource& in) {
   const std::uint32_t count = in.CompactUnsigned();
   for (std::uint32_t i = 0; i < count && in.Ok(); ++i) {
@@ -49,12 +40,33 @@ void ReadForm(ScoreSource& in) {
   if (form != 1 && form != 2) in.Skip(kFormBytes);
 }
 
-void ReadField(ScoreSource& in, char field, Drawing& drawing, DrawnMarks& marks, int depth) {
+void ReadList(ScoreSource& in, DrawnMarks& marks, int depth) {
+  in.Require(depth < kMaxDrawingDepth);
+  const std::uint32_t count = in.CompactUnsigned();
+  for (std::uint32_t i = 0; i < count && in.Ok(); ++i) {
+    const std::uint8_t kind = in.U8();
+    if (kind >= kDrawingFields.size()) continue;
+    DrawingFields fields;
+    for (const char field : kDrawingFields[kind]) {
+      if (!in.Ok()) return;
+      if (field == 'n') {
+        ReadList(in, marks, depth + 1);
+      } else {
+        ReadDrawingField(in, field, fields);
+      }
+    }
+    if (in.Ok()) ApplyDrawing(static_cast<DrawingKind>(kind), fields, marks);
+  }
+}
+
+}  // namespace
+
+void ReadDrawingField(ScoreSource& in, char field, DrawingFields& fields) {
   switch (field) {
     case 'h':
       in.Skip(4);
       (void)in.CompactSigned();
-      drawing.span = in.U16() & kSpanBits;
+      fields.span = in.U16() & kSpanBits;
       break;
     case 's':
       (void)in.CompactSigned();
@@ -74,13 +86,10 @@ void ReadField(ScoreSource& in, char field, Drawing& drawing, DrawnMarks& marks,
       in.Frame();
       break;
     case 'v':
-      drawing.value = in.U8();
+      fields.value = in.U8();
       break;
     case 't':
-      drawing.text = in.Blob();
-      break;
-    case 'n':
-      ReadList(in, marks, depth + 1);
+      fields.text = in.Blob();
       break;
     case 'p':
       ReadPoints(in);
@@ -93,22 +102,26 @@ void ReadField(ScoreSource& in, char field, Drawing& drawing, DrawnMarks& marks,
   }
 }
 
-void Apply(DrawingKind kind, const Drawing& drawing, DrawnMarks& marks) {
+void ApplyDrawing(DrawingKind kind, const DrawingFields& fields, DrawnMarks& marks) {
   switch (kind) {
     case DrawingKind::Text:
-      ApplyDrawnText(AsText(drawing.text), marks);
+      ApplyDrawnText(AsText(fields.text), marks);
       break;
     case DrawingKind::FourPointCurve:
-      marks.curveSpan = drawing.span;
+      marks.curveSpan = fields.span;
       break;
     case DrawingKind::Hairpin:
       marks.hairpin = true;
-      marks.diminuendo = (drawing.value & 0x80) != 0;
-      marks.hairpinSpan = drawing.span;
+      marks.diminuendo = (fields.value & 0x80) != 0;
+      marks.hairpinSpan = fields.span;
       break;
     case DrawingKind::Volta: {
-      const int number = drawing.value & 15;
-      if ((drawing.value >> 4) >= number && number == 1) marks.firstEnding = true;
+      const std::uint8_t first = fields.value & 15;
+      const auto last = static_cast<std::uint8_t>(fields.value >> 4);
+      if (first == 0 || last < first) break;
+      marks.firstEnding = first;
+      marks.lastEnding = last;
+      marks.endingSpan = fields.span;
       break;
     }
     default:
@@ -116,24 +129,10 @@ void Apply(DrawingKind kind, const Drawing& drawing, DrawnMarks& marks) {
   }
 }
 
-void ReadList(ScoreSource& in, DrawnMarks& marks, int depth) {
-  in.Require(depth < kMaxDrawingDepth);
-  const std::uint32_t count = in.CompactUnsigned();
-  for (std::uint32_t i = 0; i < count && in.Ok(); ++i) {
-    const std::uint8_t kind = in.U8();
-    if (kind >= kDrawingFields.size()) continue;
-    Drawing drawing;
-    for (const char field : kDrawingFields[kind]) {
-      if (!in.Ok()) return;
-      ReadField(in, field, drawing, marks, depth);
-    }
-    if (in.Ok()) Apply(static_cast<DrawingKind>(kind), drawing, marks);
-  }
-}
-
-}  // namespace
-
 void ApplyDrawnText(std::string_view text, DrawnMarks& marks) {
+  const JumpWords jump = ReadJumpWords(text);
+  marks.jump.words |= jump.words;
+  marks.jump.times = std::max(marks.jump.times, jump.times);
   if (text.empty() || text.size() > 3) return;
   if (text.size() == 1) {
     const auto character = static_cast<std::uint8_t>(text[0]);

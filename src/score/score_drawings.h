@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
+#include "score/jump_words.h"
 #include "score/score_source.h"
 
 namespace ts5 {
@@ -72,8 +73,22 @@ struct DrawnMarks {
   bool diminuendo = false;
   std::uint16_t hairpinSpan = 0;  // in note groups
   std::uint16_t curveSpan = 0;    // of a four-point curve; 0 none
-  bool firstEnding = false;       // a volta bracket with the number 1
+  std::uint8_t firstEnding = 0;   // a volta bracket with the numbers from here
+  std::uint8_t lastEnding = 0;    // to here, 1..15; 0 none
+  std::uint16_t endingSpan = 0;   // chords that the bracket reaches over; 0 to the repeat end
+  JumpWords jump;
 };
+
+// What is kept of the fields of one object.
+struct DrawingFields {
+  std::uint16_t span = 0;
+  std::uint8_t value = 0;
+  ByteView text;
+};
+// Any field but a nested list.
+void ReadDrawingField(ScoreSource& in, char field, DrawingFields& fields);
+// What an object of this kind says about the sound; nested ones speak for themselves.
+void ApplyDrawing(DrawingKind kind, const DrawingFields& fields, DrawnMarks& marks);
 
 // Reads a list with everything in it; marks is added to.
 void ReadDrawings(ScoreSource& in, DrawnMarks& marks);

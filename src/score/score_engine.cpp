@@ -5,16 +5,19 @@
 #include <cmath>
 
 #include "midi/midi_events.h"
-#include "platform/casts.h"
-#include "platform/midi_out.h"
-#include "platform/text.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
+#include "platform/sound/midi_out.h"
 #include "score/score_system.h"
 
 namespace ts5 {
 namespace {
 
 constexpr std::uint64_t kMaxTicks = kMaxVarLen;  // so that every delta time can be written
+// A step at one quarter note a minute, in 100 ns.
+constexpr std::uint64_t kStepMinutes = std::uint64_t{600'000'000} * kScoreStep / kScoreTicksPerQuarter;
 constexpr std::uint8_t kMetaTrackName = 0x03;
+constexpr std::string_view kSegnoLetters = "egno";
 constexpr std::uint8_t kMetaKeySignature = 0x59;
 
 [[nodiscard]] std::int64_t StepsFor(std::int64_t ticks) {
@@ -23,11 +26,16 @@ constexpr std::uint8_t kMetaKeySignature = 0x59;
 
 }  // namespace
 
-std::uint32_t StepMilliseconds(std::uint32_t tempo) {
-  constexpr float kSecondsPerMinute = 60.0F;
-  constexpr float kMillisecondsPerTick = 2.0833333F;
-  return static_cast<std::uint32_t>(double{kSecondsPerMinute} / tempo * kScoreStep *
-                                    double{kMillisecondsPerTick});
+std::uint32_t StepTime(std::uint32_t tempo) {
+  return tempo == 0 ? 0 : static_cast<std::uint32_t>(kStepMinutes / tempo);
+}
+
+void ScoreEngine::Clock::Advance(std::uint64_t steps, std::uint32_t now) {
+  if (now != tempo) rest = 0;
+  tempo = now;
+  rest += steps * kStepMinutes;
+  time += rest / tempo;
+  rest %= tempo;
 }
 
 std::uint32_t TempoMicroseconds(std::uint32_t tempo) {
@@ -46,6 +54,7 @@ ScoreEngine::ScoreEngine(ByteView file, const ScoreFileInfo& info, const std::ve
       sink_(sink) {
   state_.nextSystem = info.bodyOffset;
   state_.staves.resize(info.staves.size());
+  hasSegno_ = options_.repeats && AsText(file).find(kSegnoLetters) != std::string_view::npos;
 }
 
 std::uint32_t ScoreEngine::Tempo() const {
@@ -113,19 +122,17 @@ Outcome ScoreEngine::Begin() {
   } else if (!ReadSystem()) {
     return Outcome::DamagedScore;
   }
-  if (sink_ != nullptr) {
-    SetUp();
-    for (Staff& staff : state_.staves) {
-      for (Voice& voice : staff.voices) voice.time += StepsFor(options_.leadIn) * kScoreStep;
-    }
+  if (sink_ != nullptr) SetUp();
+  for (Staff& staff : state_.staves) {
+    for (Voice& voice : staff.voices) voice.time += options_.leadIn;
   }
   // A repeat without a start goes back to where the lead-in has passed.
-  snapshot_ = state_;
-  if (sink_ != nullptr) {
-    const std::int64_t steps = StepsFor(options_.leadIn);
-    snapshot_.now = steps * kScoreStep;
-    PassBars(snapshot_, static_cast<std::uint32_t>(steps));
-  }
+  State begin = state_;
+  begin.now = options_.leadIn;
+  PassBars(begin, static_cast<std::uint32_t>(StepsFor(options_.leadIn)));
+  begin_ = std::make_shared<const State>(std::move(begin));
+  section_.start = begin_;
+  if (hasSegno_ && NextGroupOfAny(HasSegno, 0)) segno_ = begin_;
   return Outcome::Success;
 }
 
@@ -137,9 +144,8 @@ Outcome ScoreEngine::Step(std::uint32_t most) {
 Outcome ScoreEngine::StepTowards(std::uint64_t scoreTime) {
   const Outcome outcome = Interpret();
   if (Failed(outcome) || atEnd_) return outcome;
-  const std::uint64_t step =
-      std::max<std::uint64_t>(StepMilliseconds(state_.tempo) * std::uint64_t{10'000}, 1);
-  const std::uint64_t left = scoreTime > scoreTime_ ? scoreTime - scoreTime_ : 0;
+  const std::uint64_t step = std::max(StepTime(state_.tempo), 1U);
+  const std::uint64_t left = scoreTime > ScoreTime() ? scoreTime - ScoreTime() : 0;
   return GoOn(ClampTo<std::uint32_t>(std::max<std::uint64_t>((left + step - 1) / step, 1)));
 }
 
@@ -147,19 +153,22 @@ Outcome ScoreEngine::Interpret() {
   while (!atEnd_) {
     ReleaseDue();
     std::int64_t at = 0;
-    if (secondPass_ && !endingSkipped_ && EndingBegins(at)) {
-      SkipEnding(at);
-      continue;
+    const Snapshot behind = EndingBegins(at);
+    turn_ = {};
+    skipping_ = behind != nullptr;
+    const bool ending = section_.ending;
+    const bool read = RunVoices();
+    skipping_ = false;
+    if (!read) return Outcome::DamagedScore;
+    const bool turned = turn_.Any();
+    if (turned) {
+      TakeTurn();
+    } else if (behind != nullptr) {
+      SkipEnding(behind, at);
     }
-    pending_ = Pending::None;
-    const bool clears = clearSecondPass_;
-    if (!RunVoices()) return Outcome::DamagedScore;
-    if (pending_ != Pending::None) {
-      SettleRepeat();
-      if (jumps_ > kMaxJumps) return Outcome::DamagedScore;
-    }
-    if (clears) secondPass_ = clearSecondPass_ = false;
-    if (pending_ != Pending::None) continue;
+    if (jumps_ > kMaxJumps) return Outcome::DamagedScore;
+    if (ending && section_.ending && behind == nullptr) section_.again = section_.ending = false;
+    if (turned || behind != nullptr) continue;
     if (!SystemEnded()) break;
     if (++state_.system >= info_.systems) {
       atEnd_ = true;
@@ -198,7 +207,10 @@ bool ScoreEngine::RunVoice(std::size_t layout, std::size_t index, bool first) {
     if (!in.Ok() || object.kind == static_cast<std::uint8_t>(ObjectKind::Other) ||
         object.kind > static_cast<std::uint8_t>(ObjectKind::ChordVariant))
       return false;
-    if (object.IsGroup() && Holds()) return true;
+    if (object.IsGroup() && (turn_.Holds() || (skipping_ && IsOfEnding(object.group)))) return true;
+    const std::size_t by = layout * kMaxVoices + index;
+    if (object.Is(ObjectKind::Chord)) CountEnding(by);
+    if (object.IsGroup() && object.group.marks.firstEnding != 0) NoteEnding(object.group, voice.position, by);
     voice.position = in.Position();
     --voice.objects;
     switch (static_cast<ObjectKind>(object.kind)) {
@@ -219,7 +231,7 @@ bool ScoreEngine::RunVoice(std::size_t layout, std::size_t index, bool first) {
       case ObjectKind::BarLine:
         NoteSignature(voice.time);
         if (first && index == 0 && sink_ != nullptr) sink_->Meta(0, kMetaBarLine, {});
-        BarLine(static_cast<BarLineType>(object.barLine), voice.time, layout * kMaxVoices + index);
+        BarLine(voice, static_cast<BarLineType>(object.barLine), by);
         break;
       case ObjectKind::Rest:
       case ObjectKind::Chord:
@@ -229,15 +241,16 @@ bool ScoreEngine::RunVoice(std::size_t layout, std::size_t index, bool first) {
         break;
     }
     if (afterJump_ > 0) --afterJump_;
-    if (object.Is(ObjectKind::BarLine) && Holds()) return true;
+    if (object.Is(ObjectKind::BarLine) && turn_.Holds()) return true;
   }
   return true;
 }
 
 // A score that begins with part of a bar: the clock runs for the rest of that bar first.
 void ScoreEngine::NoteSignature(std::int64_t at) {
-  if (sink_ != nullptr || signatureSeen_ || at <= 0) return;
+  if (sink_ != nullptr || signatureSeen_ || at <= options_.leadIn) return;
   signatureSeen_ = true;
+  at -= options_.leadIn;
   const std::int64_t bar = TicksPerBar(state_.time);
   if (at < bar) foundLeadIn_ = static_cast<std::uint32_t>(bar - at);
 }
@@ -269,8 +282,8 @@ void ScoreEngine::PassBars(State& state, std::uint32_t steps) {
 void ScoreEngine::Advance(std::uint32_t steps) {
   const std::uint64_t ticks = std::uint64_t{steps} * kScoreStep;
   ticks_ += ticks;
-  time_ += std::uint64_t{steps} * StepMilliseconds(Tempo()) * 10'000;
-  scoreTime_ += std::uint64_t{steps} * StepMilliseconds(state_.tempo) * 10'000;
+  clock_.Advance(steps, Tempo());
+  scoreClock_.Advance(steps, state_.tempo);
   PassBars(state_, steps);
   if (sink_ != nullptr && ticks > 0) sink_->Advance(ticks);
 }
@@ -353,29 +366,35 @@ ScoreScan ScoreEngine::Scan() const {
   ScoreScan scan = scan_;
   scan.leadIn = foundLeadIn_;
   scan.ticks = ticks_;
-  scan.time = time_;
+  scan.time = Time();
   return scan;
 }
 
-Result<ScoreScan> ScanScore(ByteView file, const ScoreFileInfo& info, const std::vector<std::uint8_t>& voices,
-                            const PlaybackParameters& parameters, bool repeats,
-                            const CancelCheck& cancelled) {
-  ScoreOptions options;
-  options.repeats = repeats;
-  ScoreEngine engine(file, info, voices, parameters, options, nullptr);
+namespace {
+
+Result<ScoreScan> Walk(ScoreEngine engine, const CancelCheck& cancelled) {
   if (const Outcome begun = engine.Begin(); Failed(begun)) return Failure(begun);
-  const std::uint32_t tempo = engine.Tempo();
   const WorkWatch watch{cancelled};
   WatchedWork work(watch, 0);
   while (!engine.AtEnd()) {
     if (!work.GoOn(0)) return Failure(Outcome::Cancelled);
     if (const Outcome outcome = engine.Step(); Failed(outcome)) return Failure(outcome);
   }
-  ScoreScan scan = engine.Scan();
-  const auto steps = static_cast<std::uint64_t>(StepsFor(scan.leadIn));
-  scan.ticks += steps * kScoreStep;
-  scan.time += steps * StepMilliseconds(tempo) * 10'000;
-  return scan;
+  return engine.Scan();
+}
+
+}  // namespace
+
+// With an upbeat it goes a second time, now behind the lead-in that the first walk found.
+Result<ScoreScan> ScanScore(ByteView file, const ScoreFileInfo& info, const std::vector<std::uint8_t>& voices,
+                            const PlaybackParameters& parameters, bool repeats,
+                            const CancelCheck& cancelled) {
+  ScoreOptions options;
+  options.repeats = repeats;
+  auto scan = Walk(ScoreEngine(file, info, voices, parameters, options, nullptr), cancelled);
+  if (!scan || scan->leadIn == 0) return scan;
+  options.leadIn = scan->leadIn;
+  return Walk(ScoreEngine(file, info, voices, parameters, options, nullptr), cancelled);
 }
 
 }  // namespace ts5

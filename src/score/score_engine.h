@@ -6,20 +6,21 @@
 //   while (outcome == Outcome::Success && !engine.AtEnd()) outcome = engine.Step();
 //   engine.Finish();
 //
-// Time is counted in ticks, 480 to the quarter note, and goes on in steps of 15. The machine is pure: it
-// neither sleeps nor opens anything. Damaged scores end with DamagedScore; every run ends, however the score
-// repeats.
+// Time is counted in ticks, 480 to the quarter note, and goes on in steps of 15. Repeats, endings and the
+// words of jumps (jump_words.h) are followed: what is written is what sounds. The machine is pure: it neither
+// sleeps nor opens anything. Damaged scores end with DamagedScore; every run ends, however the score repeats.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include "midi/conductor.h"
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 #include "score/playback_parameters.h"
 #include "score/score_info.h"
 #include "score/score_objects.h"
@@ -64,8 +65,9 @@ struct ScoreOptions {
   std::uint32_t leadIn = 0;            // as the scan found it
 };
 
-// Milliseconds that a step lasts.
-[[nodiscard]] std::uint32_t StepMilliseconds(std::uint32_t tempo);
+// What a step lasts at a tempo that is not 0, in 100 ns, without its fraction: 156250 at 120. The engine
+// keeps the fractions.
+[[nodiscard]] std::uint32_t StepTime(std::uint32_t tempo);
 // Microseconds of a quarter note as tempo events have them, three bytes.
 [[nodiscard]] std::uint32_t TempoMicroseconds(std::uint32_t tempo);
 
@@ -99,9 +101,9 @@ class ScoreEngine {
 
   [[nodiscard]] bool AtEnd() const { return atEnd_; }
   [[nodiscard]] std::uint64_t Ticks() const { return ticks_; }
-  [[nodiscard]] std::uint64_t Time() const { return time_; }  // 100 ns
+  [[nodiscard]] std::uint64_t Time() const { return clock_.time; }  // 100 ns
   // The time that the score itself gives the place, whatever tempo is held.
-  [[nodiscard]] std::uint64_t ScoreTime() const { return scoreTime_; }  // 100 ns
+  [[nodiscard]] std::uint64_t ScoreTime() const { return scoreClock_.time; }  // 100 ns
   [[nodiscard]] std::uint32_t Tempo() const;
   [[nodiscard]] ScorePosition Position() const;
   [[nodiscard]] ScoreScan Scan() const;
@@ -142,9 +144,52 @@ class ScoreEngine {
     std::size_t nextSystem = 0;      // file position behind it
     std::vector<std::size_t> order;  // staff layouts of the current system
     std::vector<Staff> staves;
-    std::int64_t now = 0;  // exact time of the place, for moving it
+    std::int64_t now = 0;    // exact time of the place, for moving it
+    std::uint8_t words = 0;  // of jumps, due at the next bar line behind
+    std::int64_t wordsAt = 0;
   };
-  enum class Pending : std::uint8_t { None, Start, Jump, PassAndStart, Pass };
+  using Snapshot = std::shared_ptr<const State>;
+  // What the bar lines of a step ask for. A voice that meets one waits until all voices of the step have been
+  // seen.
+  struct Turn {
+    bool end = false;    // of a repeat; it may go back
+    bool pass = false;   // of a repeat; it does not
+    bool start = false;  // of a repeat
+    bool both = false;   // an end that is a start as well
+    bool segno = false;
+    std::uint8_t words = 0;
+    std::int64_t at = 0;
+    std::size_t by = 0;  // the voice
+
+    [[nodiscard]] bool Holds() const { return end || start || segno || words != 0; }
+    [[nodiscard]] bool Any() const { return Holds() || pass; }
+  };
+  // An ending that a repeat end closed: passed over later by going to where it led.
+  struct Ending {
+    std::vector<std::size_t> brackets;  // file positions of their groups
+    Snapshot behind;
+  };
+  // Where a run through a repeated section stands.
+  struct Section {
+    Snapshot start = {};      // where a repeat end goes back to
+    Snapshot origin = {};     // where the passes began
+    unsigned pass = 1;        // of the section
+    unsigned times = 2;       // that it is played without endings
+    bool again = false;       // since a jump back, until the ending is passed
+    bool ending = false;      // one was passed over in the step before: again ends with the next one
+    std::uint8_t lastOf = 0;  // the last number of the ending that is played
+    std::vector<std::size_t> brackets = {};  // seen in this pass
+    bool inEnding = false;                   // that began last
+    std::uint32_t endingLeft = 0;            // chords of its voice until it is over; 0 the repeat end says so
+    std::size_t endingOf = 0;                // its voice
+  };
+  // A clock of 100 ns that keeps the fractions of steps.
+  struct Clock {
+    std::uint64_t time = 0;
+    std::uint64_t rest = 0;
+    std::uint32_t tempo = 0;  // that the rest is a fraction of
+    void Advance(std::uint64_t steps, std::uint32_t tempo);
+  };
 
   [[nodiscard]] Outcome Interpret();  // what is due now
   [[nodiscard]] Outcome GoOn(std::uint32_t most);
@@ -152,25 +197,40 @@ class ScoreEngine {
   [[nodiscard]] bool RunVoices();
   [[nodiscard]] bool RunVoice(std::size_t layout, std::size_t voice, bool first);
   [[nodiscard]] bool SystemEnded() const;
-  void BarLine(BarLineType type, std::int64_t at, std::size_t by);
+  void BarLine(const Voice& voice, BarLineType type, std::size_t by);
   void Group(const ScoreObject& object, std::size_t layout, std::size_t voice);
   void Chord(const NoteGroup& group, std::size_t layout, std::size_t voice, std::uint32_t length, bool grace);
   void Strike(const NoteGroup& group, std::size_t layout, std::size_t voice);
   void ApplyMarks(const DrawnMarks& marks, std::size_t layout, std::size_t voice);
-  void ActDynamics(std::size_t layout, std::size_t voice, std::int16_t before);
+  void ActDynamics(std::size_t layout, std::size_t voice, std::int16_t before, int mark);
+  void ActAccent(std::size_t layout, std::size_t voice, int before);
   void SetLevel(std::size_t layout, std::size_t voice, int level, int hairpin, bool step);
   void SendVolume(std::size_t layout, std::size_t voice, int level);
+  void RememberVolume(std::size_t layout, std::size_t voice, int level);
   void ReleaseDue();
   void Release(std::size_t layout, Voice& voice);
   void ReleaseAll(State& state);
-  [[nodiscard]] bool EndingBegins(std::int64_t& at);
-  void SkipEnding(std::int64_t at);
-  void SettleRepeat();
-  void GoTo(State state, std::int64_t at);
+  void TakeTurn();
+  void FollowWords(std::uint8_t words, std::int64_t at);
+  [[nodiscard]] Snapshot TurnsBackTo() const;
+  void TurnBack(const Snapshot& target, std::int64_t at);
+  [[nodiscard]] Snapshot SnapshotAt(std::int64_t at);
+  void NoteEnding(const ScoreGroup& group, std::size_t position, std::size_t by);
+  void CountEnding(std::size_t by);
+  [[nodiscard]] Snapshot EndingBegins(std::int64_t& at) const;
+  void SkipEnding(const Snapshot& behind, std::int64_t at);
+  [[nodiscard]] Snapshot BehindEnding(const ScoreGroup& group, std::size_t bracket) const;
+  [[nodiscard]] std::optional<ScoreGroup> NextGroup(std::size_t position, std::uint32_t objects) const;
+  [[nodiscard]] bool NextGroupOfAny(bool (*is)(const ScoreGroup&, unsigned), unsigned wanted) const;
+  [[nodiscard]] static bool HasSegno(const ScoreGroup& group, unsigned wanted);
+  [[nodiscard]] static bool BeginsEnding(const ScoreGroup& group, unsigned number);
+  [[nodiscard]] static bool IsGrace(const ScoreGroup& group);
+  [[nodiscard]] static bool IsOfEnding(const ScoreGroup& group);
+  [[nodiscard]] Snapshot Leave(std::int64_t at);
+  void GoTo(const State& state, std::int64_t at);
   void NoteSignature(std::int64_t at);
   void WriteConductor();
   void WriteTime();
-  void Settle(Pending pending, std::int64_t at, std::size_t by);
   void WriteKey(int key);
   void WriteTempo();
   void SetUp();
@@ -180,7 +240,9 @@ class ScoreEngine {
   [[nodiscard]] std::uint8_t Channel(std::size_t layout, std::size_t voice) const;
   [[nodiscard]] static std::uint32_t TicksPerBar(const ScoreTimeSignature& time);
   static void PassBars(State& state, std::uint32_t steps);
-  [[nodiscard]] bool Holds() const { return pending_ != Pending::None && pending_ != Pending::Pass; }
+  [[nodiscard]] bool Silent(std::size_t layout) const {
+    return layout < options_.silentStaves.size() && options_.silentStaves[layout];
+  }
   void RecordMarks(const NoteGroup& group);
 
   ByteView file_;
@@ -191,22 +253,27 @@ class ScoreEngine {
   ScoreSink* sink_;
 
   State state_;
-  State snapshot_;
   std::array<std::uint8_t, 16> volumes_{};  // last sent to each channel
   std::uint64_t ticks_ = 0;
-  std::uint64_t time_ = 0;
-  std::uint64_t scoreTime_ = 0;
+  Clock clock_;
+  Clock scoreClock_;
   bool atEnd_ = false;
-  bool secondPass_ = false;
-  bool endingSkipped_ = false;
-  bool clearSecondPass_ = false;
+
+  // repeats
+  bool hasSegno_ = false;  // a text of the file may be one
+  bool skipping_ = false;  // an ending is passed over: what stands before it is still read
+  bool jumped_ = false;    // by Da Capo or Dal Segno
+  Section section_;
+  std::vector<Ending> endings_;
+  Snapshot begin_;
+  Snapshot segno_;
+  Snapshot coda_;                // behind the last Da Capo or Dal Segno
   std::uint32_t afterJump_ = 0;  // objects for which a tie flag alone does not tie
   std::uint32_t jumps_ = 0;
-  Pending pending_ = Pending::None;
-  std::int64_t pendingAt_ = 0;
-  std::size_t pendingBy_ = 0;
+  Turn turn_;
   std::int64_t repeatedAt_ = -1;  // the last repeat, and the voice that had its bar line first
   std::size_t repeatedBy_ = 0;
+
   bool signatureSeen_ = false;
   std::uint32_t foundLeadIn_ = 0;
   ScoreScan scan_;

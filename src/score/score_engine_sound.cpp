@@ -3,7 +3,7 @@
 #include <cmath>
 #include <optional>
 
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 #include "score/score_engine.h"
 
 namespace ts5 {
@@ -12,6 +12,7 @@ namespace {
 constexpr std::uint32_t kGraceTicks = 30;
 constexpr std::uint8_t kVolumeController = 7;
 constexpr std::uint8_t kForceLevel = 90;
+constexpr std::size_t kForceMark = 2;  // among kDynamicLevels
 constexpr std::uint8_t kPianoLevel = 44;
 constexpr int kLeastTarget = 10;
 
@@ -84,7 +85,7 @@ void ScoreEngine::Group(const ScoreObject& object, std::size_t layout, std::size
                                       state_.staves[layout].clef, voice.key == kNoKey ? 0 : voice.key);
   const bool small =
       (group.flags & kGroupZeroDuration) != 0 && (group.flags & kGroupGrace) != 0 && !group.isRest;
-  const bool grace = small && group.graceForm != 0;
+  const bool grace = IsGrace(object.group);
   const bool silent = (group.flags & kGroupSilent) != 0 || (small && !grace);
 
   std::uint32_t length = group.duration;
@@ -97,10 +98,16 @@ void ScoreEngine::Group(const ScoreObject& object, std::size_t layout, std::size
     voice.graceDebt -= taken;
   }
 
+  if (const JumpWords& jump = group.marks.jump; jump.words != 0 || jump.times != 0) {
+    state_.words |= jump.words & ~kJumpSegno;
+    state_.wordsAt = voice.time;
+    section_.times = std::max<unsigned>(section_.times, jump.times);
+  }
+
   if (sink_ == nullptr) {
     RecordMarks(group);
   } else {
-    if (group.marks.marked) sink_->Meta(layout + 1, kMetaMark, {});
+    if (group.marks.marked && !Silent(layout)) sink_->Meta(layout + 1, kMetaMark, {});
     const std::int16_t before = voice.level;
     if (parameters_.dynamics) ApplyMarks(group.marks, layout, index);
     if (group.marks.curveSpan > 0 && voice.fullLength == 0) voice.fullLength = group.marks.curveSpan;
@@ -108,7 +115,7 @@ void ScoreEngine::Group(const ScoreObject& object, std::size_t layout, std::size
       if (voice.end < 0) voice.end = -voice.end;
       voice.tiedOnward = false;
     } else {
-      if (parameters_.dynamics) ActDynamics(layout, index, before);
+      if (parameters_.dynamics) ActDynamics(layout, index, before, group.marks.dynamic);
       Chord(group, layout, index, length, grace);
     }
   }
@@ -136,7 +143,7 @@ void ScoreEngine::Chord(const NoteGroup& group, std::size_t layout, std::size_t 
 }
 
 void ScoreEngine::Strike(const NoteGroup& group, std::size_t layout, std::size_t index) {
-  if (layout < options_.silentStaves.size() && options_.silentStaves[layout]) return;
+  if (Silent(layout)) return;
   const StaffLayout& staff = info_.staves[layout];
   Voice& voice = state_.staves[layout].voices[index];
   if (voice.soundingCount + group.noteCount > kMaxChordKeys) Release(layout, voice);
@@ -178,12 +185,17 @@ void ScoreEngine::ReleaseAll(State& state) {
   }
 }
 
-// A group's own mark, or the start of a hairpin from that mark or from the volume that the channel has.
-void ScoreEngine::ApplyMarks(const DrawnMarks& marks, std::size_t layout, std::size_t voice) {
-  if (!marks.hairpin) return SetLevel(layout, voice, marks.dynamic, 0, false);
-  const int level = marks.dynamic > 0 ? marks.dynamic : volumes_[Channel(layout, voice)];
+// A group's own mark, or the start of a hairpin from that mark or from the volume that the channel has. A
+// hairpin with an accent of the moment starts from where the accent leaves the voice.
+void ScoreEngine::ApplyMarks(const DrawnMarks& marks, std::size_t layout, std::size_t index) {
+  if (!marks.hairpin) return SetLevel(layout, index, marks.dynamic, 0, false);
+  const Voice& voice = state_.staves[layout].voices[index];
+  int level = volumes_[Channel(layout, index)];
+  if (marks.dynamic > 0) level = marks.dynamic;
+  if (marks.dynamic == kForcePiano) level = kPianoLevel;
+  if (marks.dynamic < kForcePiano && voice.level > 0) level = voice.level;
   const int count = marks.hairpinSpan + 1;
-  SetLevel(layout, voice, level, marks.diminuendo ? -count : count, false);
+  SetLevel(layout, index, level, marks.diminuendo ? -count : count, false);
 }
 
 void ScoreEngine::SetLevel(std::size_t layout, std::size_t index, int level, int hairpin, bool step) {
@@ -208,36 +220,49 @@ void ScoreEngine::SetLevel(std::size_t layout, std::size_t index, int level, int
   }
 }
 
-void ScoreEngine::SendVolume(std::size_t layout, std::size_t index, int level) {
-  const std::uint8_t channel = Channel(layout, index);
-  const auto volume = static_cast<std::uint8_t>(std::clamp(level, 0, 127));
-  volumes_[channel] = volume;
-  sink_->Message(layout + 1,
-                 ShortMidiMessage(static_cast<std::uint8_t>(0xB0 | channel), kVolumeController, volume));
+// A staff that is silent leaves the channel, which others may share, as it is.
+void ScoreEngine::RememberVolume(std::size_t layout, std::size_t index, int level) {
+  if (!Silent(layout))
+    volumes_[Channel(layout, index)] = static_cast<std::uint8_t>(std::clamp(level, 0, 127));
 }
 
-// before: the voice's level before the chord's own mark.
-void ScoreEngine::ActDynamics(std::size_t layout, std::size_t index, std::int16_t before) {
+void ScoreEngine::SendVolume(std::size_t layout, std::size_t index, int level) {
+  if (Silent(layout)) return;
+  RememberVolume(layout, index, level);
+  const std::uint8_t channel = Channel(layout, index);
+  sink_->Message(layout + 1, ShortMidiMessage(static_cast<std::uint8_t>(0xB0 | channel), kVolumeController,
+                                              volumes_[channel]));
+}
+
+// An accent that holds for one chord. before: the level that it leaves again.
+void ScoreEngine::ActAccent(std::size_t layout, std::size_t index, int before) {
   Voice& voice = state_.staves[layout].voices[index];
-  std::uint8_t& volume = volumes_[Channel(layout, index)];
-  if (voice.level == 0) return;
-  if (voice.hairpin == 0 && voice.level == kForcePiano) {
+  if (voice.level == kForcePiano) {
     SetLevel(layout, index, kForceLevel, 0, false);
     SendVolume(layout, index, voice.level);
     SetLevel(layout, index, kPianoLevel, 0, false);
-    volume = kForceLevel;
+    RememberVolume(layout, index, kForceLevel);
     return;
   }
-  if (voice.hairpin == 0 && voice.level < 0) {
-    if (before > 0) volume = static_cast<std::uint8_t>(before);
-    const int old = volume;
-    voice.level = 0;
-    SetLevel(layout, index, std::min(old * 2, 127), 0, false);
+  const int old = before > 0 ? before : volumes_[Channel(layout, index)];
+  voice.level = 0;
+  SetLevel(layout, index, std::min(old * 2, 127), 0, false);
+  SendVolume(layout, index, voice.level);
+  SetLevel(layout, index, old, 0, false);
+}
+
+// before: the voice's level before the chord's own mark; mark: that mark.
+void ScoreEngine::ActDynamics(std::size_t layout, std::size_t index, std::int16_t before, int mark) {
+  Voice& voice = state_.staves[layout].voices[index];
+  if (voice.level == 0) return;
+  if (voice.hairpin == 0 && voice.level < 0) return ActAccent(layout, index, before);
+  if (voice.hairpin != 0 && mark < 0) {
+    // The accent is heard in place of the level from which the hairpin starts.
+    const bool forcePiano = mark == kForcePiano;
+    SendVolume(layout, index, forcePiano ? parameters_.dynamicVelocities[kForceMark] : voice.level * 2);
+  } else if (voice.level != volumes_[Channel(layout, index)]) {
     SendVolume(layout, index, voice.level);
-    SetLevel(layout, index, old, 0, false);
-    return;
   }
-  if (voice.level != volume) SendVolume(layout, index, voice.level);
   if (voice.hairpin == 0) return;
   const int left = voice.hairpin > 0 ? voice.hairpin - 1 : voice.hairpin + 1;
   if (left == 0) {

@@ -5,9 +5,10 @@
 #include "frame/item_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "score/parameter_set.h"
 #include "score/score_at_hand.h"
 #include "score/score_midi.h"
 #include "score/texts.h"
@@ -28,33 +29,54 @@ constexpr Remark kRemarks[] = {
 
 constexpr std::string_view kMidiExtension = "mid";
 
-Outcome CheckItem(const ScoreToMidiParameters& own, const std::string& source, const CancelCheck& cancelled) {
-  PlaybackParameters playback = own.playback;
-  const auto score = OpenAndScan(source, playback, own.playRepeats, cancelled);
-  if (!score) return score.error();
-  return score->scan.time == 0 ? Outcome::NoPlayingTime : Outcome::Success;
+struct PreparedScore : PreparedItem {
+  OpenScore score;
+  ScoreParameters parameters;
+};
+
+Result<std::unique_ptr<PreparedItem>> OpenItem(const ScoreToMidiParameters& own, const std::string& source,
+                                               const CancelCheck& cancelled) {
+  auto item = std::make_unique<PreparedScore>();
+  item->parameters = own.For(source);
+  auto score = OpenAndScan(source, item->parameters.playback, own.playRepeats, cancelled);
+  if (!score) return Failure(score.error());
+  if (score->scan.time == 0) return Failure(Outcome::NoPlayingTime);
+  item->score = *std::move(score);
+  return item;
+}
+
+Result<Bytes> ByEngine(const OpenScore& score, const ScoreParameters& parameters, const WorkWatch& watch) {
+  ScoreOptions options;
+  options.repeats = parameters.playRepeats;
+  options.silentStaves = parameters.silentStaves;
+  return ScoreToMidi(score, parameters.playback, options, watch);
 }
 
 Outcome ConvertItem(ItemWork& work) {
-  const auto& own = static_cast<const ScoreToMidiParameters&>(work.parameters);
+  const auto& own = As<ScoreToMidiParameters>(work.parameters);
   work.run.StatusText(Format(Text(texts::ScoreReading), FileNameOf(work.source)));
-  ScoreParameters parameters = own.For(work.source);
-  const CancelCheck cancelled = [&work] { return work.Cancelled(); };
-  const auto score = OpenAndScan(work.source, parameters.playback, own.playRepeats, cancelled);
-  if (!score) return score.error();
-  if (Failed(LoadAutomaticSet(work.run.GetSettings().playbackParameterDirectory, work.source, score->voices,
-                              parameters)))
-    work.run.Notice(Text(texts::ParameterSetNotLoaded));
-
-  const WorkWatch watch{cancelled, work.progress};
-  ScoreOptions options;
-  options.repeats = own.playRepeats;
-  options.silentStaves = parameters.silentStaves;
-  const auto midi = ScoreToMidi(*score, parameters.playback, options, watch);
+  const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
+  auto& item = work.Prepared<PreparedScore>();
+  const OpenScore& score = item.score;
+  ScoreParameters& parameters = item.parameters;
+  const std::string& sets = work.run.GetSettings().playbackParameterDirectory;
+  if (Failed(LoadAutomaticSet(sets, work.source, score.voices, parameters)))
+    work.run.Notice(SetFailure(AutomaticParameterSet(sets, work.source)));
+  const auto midi = own.UsesEngine() ? ByEngine(score, parameters, watch)
+                                     : ConvertSTVToMID(score.file, LibraryOptions(own, parameters), watch);
   return midi ? work.target.Write(*midi) : midi.error();
 }
 
 }  // namespace
+
+PlainMidiOptions LibraryOptions(const ScoreToMidiParameters& own, const ScoreParameters& parameters) {
+  return {.lyrics = own.lyrics,
+          .repeats = own.repeats,
+          .invisible = own.invisible,
+          .noteValue = own.noteValue,
+          .silentStaves = parameters.silentStaves,
+          .playback = parameters.playback};
+}
 
 std::span<const Remark> ScoreRemarks() {
   return kRemarks;
@@ -75,31 +97,23 @@ std::vector<ParameterField> ScoreToMidiFields() {
 void RunScoreToMidi(Run& run) {
   ItemFilter filter;
   filter.independent = true;
-  filter.check = [&run](const FilterParameters& parameters, const std::string& source) {
-    return CheckItem(static_cast<const ScoreToMidiParameters&>(parameters), source,
-                     [&run] { return run.Cancelled(); });
+  filter.prepare = [&run](const FilterParameters& parameters, const std::string& source) {
+    return OpenItem(As<ScoreToMidiParameters>(parameters), source, [&run] { return run.Cancelled(); });
   };
   filter.convert = ConvertItem;
   RunItems(run, filter);
 }
 
 FilterModule ScoreToMidiModule() {
-  FilterModule module;
+  using P = ScoreToMidiParameters;
+  ModuleOf<P> module;
   module.id = FilterId::ScoreToMidi;
-  module.create = [] { return std::make_unique<ScoreToMidiParameters>(); };
   module.fields = ScoreToMidiFields();
-  module.run = RunScoreToMidi;
+  module.run = [](Run& run, const P&) { RunScoreToMidi(run); };
   module.remarks = ScoreRemarks();
-  module.target = [](const FilterParameters&, const std::string&) {
-    return TargetRule{std::string(kMidiExtension), false};
-  };
+  module.target = [](const P&, const std::string&) { return TargetRule{std::string(kMidiExtension), false}; };
   module.stop.status = texts::Stopping;
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    const auto* parameters = dynamic_cast<const ScoreToMidiParameters*>(job.parameters.Get());
-    if (parameters == nullptr || parameters->UsesEngine()) return std::nullopt;
-    return texts::ScoreLibraryMethodMissing;
-  };
-  return module;
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5

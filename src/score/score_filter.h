@@ -7,6 +7,7 @@
 
 #include "frame/filter_module.h"
 #include "frame/remarks.h"
+#include "score/plain_midi.h"
 #include "score/playback_fields.h"
 
 namespace ts5 {
@@ -21,6 +22,10 @@ struct ScoreToMidiParameters : ScoreParameters, ClonableParameters<ScoreToMidiPa
 
   [[nodiscard]] bool UsesEngine() const { return method == 1; }
 };
+
+// What the library method takes of the parameters for one score.
+[[nodiscard]] PlainMidiOptions LibraryOptions(const ScoreToMidiParameters& own,
+                                              const ScoreParameters& parameters);
 
 [[nodiscard]] std::vector<ParameterField> ScoreToMidiFields();
 

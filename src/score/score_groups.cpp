@@ -34,7 +34,10 @@ void ReadHeader(ScoreSource& in, ScoreGroup& group) {
     group.tuplet = {static_cast<std::uint8_t>(tuplet & 15), Has(tuplet, 4), Has(tuplet, 5)};
     in.Require(group.tuplet.number != 0);
   }
-  if (Has(duration, 6)) ReadDrawings(in, group.marks);
+  if (Has(duration, 6)) {
+    group.drawingsAt = in.Position();
+    ReadDrawings(in, group.marks);
+  }
   group.articulation = group.marks.articulation;
 }
 
@@ -83,6 +86,7 @@ void ReadChordFlags(ScoreSource& in, std::uint8_t flags, ScoreGroup& group) {
     group.graceForm = in.U8();
     const std::uint8_t code = in.U8();
     in.Require(group.graceForm <= 5 && code <= 8);
+    group.ownArticulation = code;
     if (code != 0) group.articulation = code;
   }
   if (Has(flags, 4)) {
@@ -99,14 +103,13 @@ std::int64_t Base(std::uint8_t code, std::int64_t quarter) {
   return quarter >> (code - 2);
 }
 
-std::int64_t PlayedOf(const ScoreTuplet& tuplet, std::int64_t& number) {
-  number = tuplet.number;
-  std::int64_t played = (tuplet.compound ? kPlayedCompound : kPlayed)[tuplet.number & 15];
-  if (tuplet.compound && tuplet.number == 2) number = 4;
-  return tuplet.doubled ? played * 2 : played;
-}
-
 }  // namespace
+
+TupletCount CountOf(const ScoreTuplet& tuplet) {
+  const std::int64_t played = (tuplet.compound ? kPlayedCompound : kPlayed)[tuplet.number & 15];
+  const std::int64_t number = tuplet.compound && tuplet.number == 2 ? 4 : tuplet.number;
+  return {number, tuplet.doubled ? played * 2 : played};
+}
 
 ScoreGroup ReadRest(ScoreSource& in) {
   ScoreGroup group;
@@ -143,8 +146,7 @@ std::uint32_t GroupDuration(const ScoreGroup& group, std::uint32_t ticksPerQuart
   }
   duration = std::min(duration, kMostTicks);
   if (group.tuplet.number != 0) {
-    std::int64_t number = 0;
-    const std::int64_t played = PlayedOf(group.tuplet, number);
+    const auto [number, played] = CountOf(group.tuplet);
     const auto whole = static_cast<double>(duration);
     const double part = whole / static_cast<double>(number) * static_cast<double>(number - played);
     duration = static_cast<std::int64_t>(std::trunc(whole - part));

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 #include "score/score_drawings.h"
 #include "score/score_source.h"
 
@@ -27,13 +27,23 @@ struct ScoreClef {
   std::uint8_t form = 0;    // 0 treble, 1 alto, 2 bass position; 3 and 4 as 0
   std::uint8_t line = 0;    // 0..4
   std::uint8_t octave = 1;  // 0 an octave higher, 2 an octave lower
+
+  bool operator==(const ScoreClef&) const = default;
 };
 
 struct ScoreTuplet {
   std::uint8_t number = 0;  // 0: no tuplet
   bool compound = false;
   bool doubled = false;
+
+  bool operator==(const ScoreTuplet&) const = default;
 };
+// So many notes are played in the time of so many.
+struct TupletCount {
+  std::int64_t number = 0;
+  std::int64_t played = 0;
+};
+[[nodiscard]] TupletCount CountOf(const ScoreTuplet& tuplet);
 
 struct ScoreNote {
   std::int8_t position = 0;    // staff steps, -64..63
@@ -62,9 +72,11 @@ struct ScoreGroup {
   std::uint8_t durationCode = 0;  // 0 whole .. 8 two-hundred-fifty-sixth, 9 breve
   ScoreTuplet tuplet;
   DrawnMarks marks;
-  std::uint32_t wholeBars = 0;    // of a rest that fills bars
-  std::uint8_t graceForm = 0;     // 0..5
-  std::uint8_t articulation = 0;  // the code of the chord, else that of its texts
+  std::uint32_t wholeBars = 0;       // of a rest that fills bars
+  std::uint8_t graceForm = 0;        // 0..5
+  std::uint8_t articulation = 0;     // the code of the chord, else that of its texts
+  std::uint8_t ownArticulation = 0;  // the code of the chord
+  std::size_t drawingsAt = 0;        // where its list of drawings stands in the source; 0 none
   bool tieFromBefore = false;
   bool tieOnward = false;
   std::vector<LyricVerse> lyrics;  // at most kMaxVerses

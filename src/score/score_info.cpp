@@ -5,9 +5,9 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/files.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
 #include "score/score_drawings.h"
 #include "score/score_groups.h"
 #include "score/score_source.h"
@@ -98,7 +98,7 @@ void ReadPairs(ScoreSource& in) {
   }
 }
 
-void ReadParameterBlock(ScoreSource& in) {
+void ReadParameterBlock(ScoreSource& in, ScorePageLayout& page) {
   const std::uint32_t size = in.CompactUnsigned();
   const std::size_t start = in.Position();
   while (in.Ok() && in.Position() - start < size) {
@@ -108,6 +108,9 @@ void ReadParameterBlock(ScoreSource& in) {
         break;
       case 3:
         in.Skip(14);
+        break;
+      case kPageItem:
+        TakePageItem(in.Take(in.U8()), page);
         break;
       default:  // type 1 counts its bytes as all others do
         in.Skip(in.U8());
@@ -119,6 +122,7 @@ void ReadGallery(ScoreSource& in, ScoreFileInfo& info) {
   DrawnMarks unused;
   ReadDrawings(in, unused);
   info.galleryObjects = in.CompactUnsigned();
+  info.galleryOffset = in.Position();
   for (std::uint32_t i = 0; i < info.galleryObjects && in.Ok(); ++i) (void)in.Blob();
 }
 
@@ -132,7 +136,7 @@ void ReadCurrent(ScoreSource& in, ScoreFileInfo& info) {
   ReadLayoutBlock(in, info);
   ReadPairs(in);
   in.Skip(4);
-  ReadParameterBlock(in);
+  ReadParameterBlock(in, info.page);
   ReadGallery(in, info);
   (void)ReadChord(in);  // the template
   in.Skip(4);

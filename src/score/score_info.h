@@ -9,9 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "score/page_layout.h"
 
 namespace ts5 {
 
@@ -41,6 +42,8 @@ struct ScoreFileInfo {
   std::vector<StaffLayout> staves;
   std::int32_t systemSpacing = 0;  // behind the last staff of a system; the current format only
   std::uint32_t galleryObjects = 0;
+  ScorePageLayout page;
+  std::size_t galleryOffset = 0;  // of the first of them; the current format only
   std::uint32_t systems = 0;
   std::size_t bodyOffset = 0;  // of the first system; the current format only
 

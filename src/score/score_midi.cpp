@@ -2,8 +2,9 @@
 
 #include "midi/midi_events.h"
 #include "midi/track_writer.h"
-#include "platform/input_file.h"
-#include "platform/midi_out.h"
+#include "platform/files/input_file.h"
+#include "platform/sound/midi_out.h"
+#include "score/score_image.h"
 
 namespace ts5 {
 namespace {
@@ -97,6 +98,8 @@ Result<OpenScore> OpenAndScan(const std::string& path, PlaybackParameters& param
   const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
+  if (!bytes) return Failure(bytes.error());
+  bytes = ScoreImage(std::move(*bytes), cancelled);
   if (!bytes) return Failure(bytes.error());
   return OpenAndScan(std::move(*bytes), parameters, repeats, cancelled);
 }

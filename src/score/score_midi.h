@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 #include "score/score_engine.h"
 
 namespace ts5 {

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 #include "score/score_groups.h"
 #include "score/score_source.h"
 

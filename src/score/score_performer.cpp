@@ -8,7 +8,7 @@ namespace {
 using std::chrono::nanoseconds;
 
 // How long the engine may go on at once where nothing is due: changes by the user wait no longer.
-constexpr std::uint32_t kLongestTurn = 15;  // ms
+constexpr std::uint32_t kLongestTurn = 150'000;  // 100 ns
 constexpr std::uint8_t kVolumeController = 7;
 
 nanoseconds Nanoseconds(std::uint64_t hundreds) {
@@ -115,7 +115,7 @@ Outcome ScorePerformer::Start(nanoseconds place) {
 Outcome ScorePerformer::Step() {
   TakeChanges();
   Show();
-  const std::uint32_t step = std::max(StepMilliseconds(engine_->Tempo()), 1U);
+  const std::uint32_t step = std::max(StepTime(engine_->Tempo()), 1U);
   return engine_->Step(std::max(kLongestTurn / step, 1U));
 }
 

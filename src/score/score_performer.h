@@ -21,8 +21,8 @@
 
 #include "frame/player_control.h"
 #include "midi/play_transport.h"
-#include "platform/midi_out.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
+#include "platform/sound/midi_out.h"
 #include "score/score_engine.h"
 #include "score/score_midi.h"
 #include "score/score_stage.h"

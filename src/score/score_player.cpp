@@ -7,9 +7,10 @@
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "midi/player_output.h"
-#include "platform/paths.h"
-#include "platform/text.h"
-#include "platform/thread_priority.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+#include "platform/sound/thread_priority.h"
+#include "score/parameter_set.h"
 #include "score/score_filter.h"
 #include "score/score_midi.h"
 #include "score/score_performer.h"
@@ -64,9 +65,9 @@ class ScoreDevice final : public PlayerDevice {
     auto score =
         OpenAndScan(source, parameters.playback, parameters.playRepeats, [this] { return run_.Cancelled(); });
     if (!score) return Failure(score.error());
-    if (Failed(LoadAutomaticSet(run_.GetSettings().playbackParameterDirectory, source, score->voices,
-                                parameters)))
-      run_.Notice(Text(texts::ParameterSetNotLoaded));
+    const std::string& sets = run_.GetSettings().playbackParameterDirectory;
+    if (Failed(LoadAutomaticSet(sets, source, score->voices, parameters)))
+      run_.Notice(SetFailure(AutomaticParameterSet(sets, source)));
     if (score->scan.time == 0) return Failure(Outcome::NoPlayingTime);
     const bool repeats = parameters.playRepeats;
     stage_->Open(std::make_shared<ScoreAtHand>(DescribeScore(source, *score)), std::move(parameters));
@@ -96,17 +97,16 @@ Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
 }  // namespace
 
 FilterModule ScorePlayerModule() {
-  FilterModule module;
-  module.id = FilterId::ScorePlayer;
-  module.create = [] { return std::make_unique<ScorePlayerParameters>(); };
-  FieldTable<ScorePlayerParameters> table;
+  using P = ScorePlayerParameters;
+  FieldTable<P> table;
   AddPlayerFields(table);
   AddScoreFields(table);
-  module.fields = table.Build();
-  module.run = [](Run& run) { RunPlayer(run, run.Parameters<ScorePlayerParameters>(), OpenDevice); };
-  module.remarks = ScoreRemarks();
-  module.midiDevice = [](const Job& job) { return std::optional(PlayerDeviceIndex(job)); };
-  return module;
+  return MakeModule<P>(
+      {.id = FilterId::ScorePlayer,
+       .fields = table.Build(),
+       .run = [](Run& run, const P& parameters) { RunPlayer(run, parameters, OpenDevice); },
+       .remarks = ScoreRemarks(),
+       .midiDevice = [](const P&, const Job& job) { return std::optional(PlayerDeviceIndex(job)); }});
 }
 
 }  // namespace ts5

@@ -1,9 +1,15 @@
 #include "score/score_properties.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "midi/texts.h"
-#include "platform/paths.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "score/music_rows.h"
+#include "score/score_reader.h"
 #include "score/texts.h"
 
 namespace ts5 {
@@ -52,8 +58,12 @@ Result<ScoreProperties> ReadScoreProperties(const std::string& path) {
   if (!info) return Failure(info.error());
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
-  return ScoreProperties{Format(Text(texts::ScorePropertiesTitle), FileNameOf(path)),
-                         ScorePropertyRows(*info, *written)};
+  std::vector<PropertyRow> rows = ScorePropertyRows(*info, *written);
+  // What is damaged further behind has its first rows all the same.
+  if (const auto file = ReadFile(path)) {
+    if (const auto score = ReadScore(*file)) std::ranges::move(MusicRows(*score), std::back_inserter(rows));
+  }
+  return ScoreProperties{Format(Text(texts::ScorePropertiesTitle), FileNameOf(path)), std::move(rows)};
 }
 
 }  // namespace ts5

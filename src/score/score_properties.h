@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "frame/property_row.h"
-#include "platform/calendar.h"
-#include "platform/outcome.h"
+#include "platform/base/calendar.h"
+#include "platform/base/outcome.h"
 #include "score/score_info.h"
 
 namespace ts5 {
@@ -16,7 +16,7 @@ struct ScoreProperties {
   std::vector<PropertyRow> rows;
 };
 
-// Codes of ReadScoreFileInfo.
+// Codes of ReadScoreFileInfo. Of the current format with the rows of its music.
 [[nodiscard]] Result<ScoreProperties> ReadScoreProperties(const std::string& path);
 
 // Nine rows for the current format, five for the older ones.

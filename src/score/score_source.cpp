@@ -13,10 +13,6 @@ constexpr std::size_t kFrameBytes = 28;
 
 }  // namespace
 
-std::uint32_t PaletteColour(std::uint8_t index) {
-  return kPalette[index & 15];
-}
-
 bool ScoreSource::Stop() const {
   constexpr unsigned kAskEvery = 4096;  // records
   if (!stopped_ && ++asked_ % kAskEvery == 0) stopped_ = (*stop_)();

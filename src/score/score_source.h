@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "platform/bytes.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 
@@ -63,8 +63,5 @@ class ScoreSource {
   mutable unsigned asked_ = 0;
   mutable bool stopped_ = false;
 };
-
-// The sixteen colours that have a number, red in the low byte.
-[[nodiscard]] std::uint32_t PaletteColour(std::uint8_t index);
 
 }  // namespace ts5

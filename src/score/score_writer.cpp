@@ -3,10 +3,17 @@
 #include <algorithm>
 #include <numeric>
 
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "score/score_records.h"
+#include "score/texts.h"
 
 namespace ts5 {
 namespace {
+
+void Zeros(ByteWriter& out, int count) {
+  for (int i = 0; i < count; ++i) out.U8(0);
+}
 
 constexpr std::string_view kMagicAndVersion = "stv3-v";
 constexpr std::uint8_t kPlainForm = 1;
@@ -24,10 +31,15 @@ void WriteText(ByteWriter& out, std::string_view text) {
 
 void WriteDrawings(ByteWriter& out, const std::vector<DrawingItem>& items);
 
+std::uint32_t DrawingCount(const std::vector<DrawingItem>& items) {
+  const auto beyond = std::ranges::count_if(items, IsBeyondScoreFile);
+  return static_cast<std::uint32_t>(items.size() - static_cast<std::size_t>(beyond));
+}
+
 void WriteDrawingField(ByteWriter& out, char field, const DrawingItem& item) {
   switch (field) {
     case 'h':
-      out.Fill(5, 0);
+      Zeros(out, 5);
       out.U16Le(item.span);
       break;
     case '1':
@@ -54,8 +66,9 @@ void WriteDrawingField(ByteWriter& out, char field, const DrawingItem& item) {
 }
 
 void WriteDrawings(ByteWriter& out, const std::vector<DrawingItem>& items) {
-  WriteCompactUnsigned(out, static_cast<std::uint32_t>(items.size()));
+  WriteCompactUnsigned(out, DrawingCount(items));
   for (const DrawingItem& item : items) {
+    if (IsBeyondScoreFile(item)) continue;
     out.U8(item.kind);
     if (item.kind >= kDrawingFields.size()) continue;
     for (const char field : kDrawingFields[item.kind]) WriteDrawingField(out, field, item);
@@ -72,14 +85,14 @@ std::uint8_t Bits(std::initializer_list<bool> bits) {
 void WriteGroupHeader(ByteWriter& out, const ScoreItem& item) {
   const ScoreGroup& group = item.group;
   const bool tuplet = group.tuplet.number != 0;
+  const bool drawn = DrawingCount(item.drawings) > 0;
   out.U8(static_cast<std::uint8_t>(group.dots | group.flags));
-  out.U8(static_cast<std::uint8_t>(group.durationCode | (tuplet ? 0x20 : 0) |
-                                   (item.drawings.empty() ? 0 : 0x40)));
+  out.U8(static_cast<std::uint8_t>(group.durationCode | (tuplet ? 0x20 : 0) | (drawn ? 0x40 : 0)));
   if (tuplet) {
     out.U8(static_cast<std::uint8_t>(group.tuplet.number | (group.tuplet.compound ? 0x10 : 0) |
                                      (group.tuplet.doubled ? 0x20 : 0)));
   }
-  if (!item.drawings.empty()) WriteDrawings(out, item.drawings);
+  if (drawn) WriteDrawings(out, item.drawings);
 }
 
 void WriteRest(ByteWriter& out, const ScoreItem& item) {
@@ -122,9 +135,9 @@ void WriteTime(ByteWriter& out, ScoreTimeSignature time) {
   out.U8(static_cast<std::uint8_t>(time.power + 1));
 }
 
-void WriteItem(ByteWriter& out, const ScoreItem& item) {
+void WriteItemFields(ByteWriter& out, const ScoreItem& item) {
   out.U8(item.kind);
-  WriteBlob(out, item.parameters);
+  WriteBlob(out, item.IsGroup() ? WithBeams(item.parameters, item.beams) : item.parameters);
   const auto kind = static_cast<ObjectKind>(item.kind);
   if (kind == ObjectKind::Rest) return WriteRest(out, item);
   if (kind == ObjectKind::Chord || kind == ObjectKind::ChordVariant) return WriteChord(out, item);
@@ -136,26 +149,13 @@ void WriteItem(ByteWriter& out, const ScoreItem& item) {
   if (kind == ObjectKind::BarLine) out.U8(item.barLine);
 }
 
-void WriteSystem(ByteWriter& out, const SystemItems& system) {
-  out.U8('S');
-  out.Fill(4, 0);
-  WriteCompactUnsigned(out, system.tempo);
-  out.Fill(3, 0);  // colour, blob, a byte
-  WriteCompactUnsigned(out, static_cast<std::uint32_t>(system.staves.size()));
-  for (const StaffItems& staff : system.staves) {
-    out.U8('V');
-    WriteTime(out, staff.time);
-    out.U8(staff.layout);
-    out.Fill(4, 0);  // two values, colour, blob
-    WriteCompactUnsigned(out, static_cast<std::uint32_t>(staff.voices.size()));
-    for (const VoiceItems& voice : staff.voices) {
-      out.U8('C');
-      out.Fill(2, 0);
-      out.U8(kNoFrame);
-      out.Fill(2, 0);  // a byte, blob
-      WriteCompactUnsigned(out, static_cast<std::uint32_t>(voice.size()));
-      for (const ScoreItem& item : voice) WriteItem(out, item);
-    }
+void WriteStaffItems(ByteWriter& out, const StaffItems& staff) {
+  out.Append(RecordToWrite(staff));
+  for (std::size_t v = 0; v < staff.voices.size(); ++v) {
+    const VoiceItems& voice = staff.voices[v];
+    out.Append(RecordToWrite(v < staff.voiceRecords.size() ? ByteView(staff.voiceRecords[v]) : ByteView(),
+                             static_cast<std::uint32_t>(voice.size())));
+    for (const ScoreItem& item : voice) out.Append(RecordToWrite(item));
   }
 }
 
@@ -164,7 +164,7 @@ void WriteStaff(ByteWriter& out, const StaffLayout& staff) {
   out.U8(kPlainForm);
   out.U8(0);
   WriteCompactSigned(out, staff.spacing);
-  out.Fill(5, 0);  // two values, three bytes
+  Zeros(out, 5);  // two values, three bytes
   out.U8(staff.usesNoteMap ? 5 : 0);
   if (staff.usesNoteMap) {
     out.U8(0);
@@ -174,14 +174,8 @@ void WriteStaff(ByteWriter& out, const StaffLayout& staff) {
   WriteCompactSigned(out, staff.sound);
   WriteCompactSigned(out, staff.volume);
   WriteCompactSigned(out, staff.transpose);
-  WriteText(out, staff.name);
-  out.Fill(4, 0);
-}
-
-ScoreItem Item(ObjectKind kind) {
-  ScoreItem item;
-  item.kind = static_cast<std::uint8_t>(kind);
-  return item;
+  WriteText(out, staff.name == Text(texts::ScoreStaffUnnamed) ? std::string_view() : staff.name);
+  Zeros(out, 4);
 }
 
 }  // namespace
@@ -210,109 +204,92 @@ void WriteCompactSigned(ByteWriter& out, std::int32_t value) {
   }
 }
 
-Bytes WriteScore(const ScoreDocument& score) {
+Bytes ItemRecord(const ScoreItem& item) {
+  ByteWriter out;
+  WriteItemFields(out, item);
+  return out.Release();
+}
+
+Bytes SystemRecord(const SystemItems& system) {
+  ByteWriter out;
+  out.U8('S');
+  Zeros(out, 4);
+  WriteCompactUnsigned(out, system.tempo);
+  Zeros(out, 3);  // colour, blob, a byte
+  WriteCompactUnsigned(out, static_cast<std::uint32_t>(system.staves.size()));
+  return out.Release();
+}
+
+Bytes StaffRecord(const StaffItems& staff) {
+  ByteWriter out;
+  out.U8('V');
+  WriteTime(out, staff.time);
+  out.U8(staff.layout);
+  Zeros(out, 4);  // two values, colour, blob
+  WriteCompactUnsigned(out, static_cast<std::uint32_t>(staff.voices.size()));
+  return out.Release();
+}
+
+Bytes VoiceRecord(std::uint32_t objects) {
+  ByteWriter out;
+  out.U8('C');
+  Zeros(out, 2);
+  out.U8(kNoFrame);
+  Zeros(out, 2);  // a byte, blob
+  WriteCompactUnsigned(out, objects);
+  return out.Release();
+}
+
+namespace {
+
+void WriteParameterBlock(ByteWriter& out, const ScorePageLayout& page) {
+  if (!page.given) return out.U8(0);
+  const Bytes item = PageItem(page);
+  WriteCompactUnsigned(out, static_cast<std::uint32_t>(item.size() + 2));
+  out.U8(kPageItem);
+  out.U8(static_cast<std::uint8_t>(item.size()));
+  out.Append(item);
+}
+
+}  // namespace
+
+Bytes InformationRecord(const ScoreDocument& score) {
   ByteWriter out;
   out.Append(kMagicAndVersion);
-  out.Fill(2, 0);
+  Zeros(out, 2);
   WriteText(out, score.author);
   WriteText(out, score.keywords);
   WriteText(out, score.comment);
-  out.Fill(2, 0);
+  Zeros(out, 2);
   out.U8(score.landscape ? 0x10 : 0);
   WriteCompactSigned(out, score.systemSpacing);
-  out.Fill(8, 0);  // three values, four bytes, a value
+  Zeros(out, 8);  // three values, four bytes, a value
   out.U8(kNoFrame);
   WriteCompactUnsigned(out, static_cast<std::uint32_t>(score.staves.size()));
   for (const StaffLayout& staff : score.staves) WriteStaff(out, staff);
-  out.U8(0);       // pairs
-  out.Fill(4, 0);  // four bytes
-  out.U8(0);       // parameters
+  out.U8(0);      // pairs
+  Zeros(out, 4);  // four bytes
+  WriteParameterBlock(out, score.page);
   WriteDrawings(out, {});
   WriteCompactUnsigned(out, static_cast<std::uint32_t>(score.gallery.size()));
   for (const Bytes& object : score.gallery) WriteBlob(out, object);
   WriteChord(out, ChordItem(2, {ScoreNote{}}));
-  out.Fill(4, 0);
+  Zeros(out, 4);
   out.U8(kNoFrame);
-  out.Fill(5, 0);  // five values
+  Zeros(out, 5);  // five values
   WriteCompactUnsigned(out, static_cast<std::uint32_t>(score.systems.size()));
-  for (const SystemItems& system : score.systems) WriteSystem(out, system);
   return out.Release();
 }
 
-DrawingItem TextDrawing(std::string_view symbols) {
-  DrawingItem item;
-  item.kind = static_cast<std::uint8_t>(DrawingKind::Text);
-  const ByteView bytes = AsBytes(symbols);
-  item.text.assign(bytes.begin(), bytes.end());
-  return item;
-}
-
-DrawingItem HairpinDrawing(std::uint16_t span, bool diminuendo) {
-  DrawingItem item;
-  item.kind = static_cast<std::uint8_t>(DrawingKind::Hairpin);
-  item.span = span;
-  item.value = diminuendo ? 0x80 : 0;
-  return item;
-}
-
-DrawingItem VoltaDrawing(std::uint8_t number) {
-  DrawingItem item;
-  item.kind = static_cast<std::uint8_t>(DrawingKind::Volta);
-  item.value = static_cast<std::uint8_t>(number << 4 | number);
-  return item;
-}
-
-DrawingItem CurveDrawing(std::uint16_t span) {
-  DrawingItem item;
-  item.kind = static_cast<std::uint8_t>(DrawingKind::FourPointCurve);
-  item.span = span;
-  return item;
-}
-
-ScoreItem ClefItem(std::uint8_t form, std::uint8_t octave) {
-  ScoreItem item = Item(ObjectKind::Clef);
-  item.clef = {form, 0, octave};
-  return item;
-}
-
-ScoreItem KeyItem(int sharps) {
-  ScoreItem item = Item(ObjectKind::Key);
-  item.key = sharps;
-  return item;
-}
-
-ScoreItem TimeItem(std::uint16_t numerator, std::int16_t power) {
-  ScoreItem item = Item(ObjectKind::Time);
-  item.time = {numerator, power};
-  return item;
-}
-
-ScoreItem BarItem(std::uint8_t type) {
-  ScoreItem item = Item(ObjectKind::BarLine);
-  item.barLine = type;
-  return item;
-}
-
-ScoreItem RestItem(std::uint8_t durationCode, std::uint8_t dots) {
-  ScoreItem item = Item(ObjectKind::Rest);
-  item.group.isRest = true;
-  item.group.durationCode = durationCode;
-  item.group.dots = dots;
-  return item;
-}
-
-ScoreItem WholeBarRest(std::uint32_t bars) {
-  ScoreItem item = RestItem(0);
-  item.group.wholeBars = bars;
-  return item;
-}
-
-ScoreItem ChordItem(std::uint8_t durationCode, const std::vector<ScoreNote>& notes, std::uint8_t dots) {
-  ScoreItem item = Item(ObjectKind::Chord);
-  item.group.durationCode = durationCode;
-  item.group.dots = dots;
-  item.group.notes = notes;
-  return item;
+Bytes WriteScore(const ScoreDocument& score) {
+  ByteWriter out;
+  out.Append(RecordToWrite(score));
+  for (const SystemItems& system : score.systems) {
+    out.Append(RecordToWrite(system));
+    for (const StaffItems& staff : system.staves) WriteStaffItems(out, staff);
+  }
+  out.Append(score.tail);
+  return out.Release();
 }
 
 }  // namespace ts5

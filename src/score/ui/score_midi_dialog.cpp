@@ -6,6 +6,7 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "score/parameter_set.h"
 #include "score/texts.h"
 #include "score/ui/score_pages.h"
 #include "ui_SCOREMIDI.h"
@@ -24,7 +25,8 @@ ScoreMidiDialog::ScoreMidiDialog(ScoreToMidiParameters parameters, const std::st
   if (auto read = ReadScoreAtHand(source)) score = std::make_shared<ScoreAtHand>(*std::move(read));
   ScoreParameters shown = parameters_.For(source);
   if (score != nullptr && shown.parameterSet.empty())
-    setFailed_ = Failed(LoadAutomaticSet(setDirectory, source, score->Voices(), shown));
+    if (Failed(LoadAutomaticSet(setDirectory, source, score->Voices(), shown)))
+      setFailed_ = SetFailure(AutomaticParameterSet(setDirectory, source));
   pages_->Show(std::move(score), shown);
 
   (parameters_.UsesEngine() ? ui_->engineRadio : ui_->libraryRadio)->setChecked(true);
@@ -48,8 +50,8 @@ void ScoreMidiDialog::UpdateControls() {
 
 void ScoreMidiDialog::showEvent(QShowEvent* event) {
   HostedDialog::showEvent(event);
-  if (std::exchange(setFailed_, false))
-    QTimer::singleShot(0, this, [this] { ShowWarning(this, texts::ParameterSetNotLoaded); });
+  if (const std::string failed = std::exchange(setFailed_, {}); !failed.empty())
+    QTimer::singleShot(0, this, [this, failed] { ShowWarning(this, ToQt(failed)); });
 }
 
 void ScoreMidiDialog::Commit() {

@@ -38,7 +38,7 @@ class ScoreMidiDialog : public HostedDialog {
   ScoreToMidiParameters parameters_;
   std::unique_ptr<Ui::SCOREMIDI> ui_;
   ScorePages* pages_;
-  bool setFailed_ = false;
+  std::string setFailed_;  // what is said of a set that could not be loaded
 };
 
 }  // namespace ts5

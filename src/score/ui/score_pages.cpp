@@ -13,7 +13,7 @@
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
-#include "platform/paths.h"
+#include "platform/files/paths.h"
 #include "score/parameter_set.h"
 #include "score/texts.h"
 #include "score/ui/sound_page.h"
@@ -226,7 +226,7 @@ void ScorePages::LoadSetOfUser() {
   const Outcome outcome = LoadSet(*path, voices, loaded);
   Show(score_, loaded);
   emit Changed();
-  if (Failed(outcome)) ShowWarning(window_, texts::ParameterSetNotLoaded);
+  if (Failed(outcome)) ShowWarning(window_, ToQt(SetFailure(*path)));
 }
 
 void ScorePages::SaveSetOfUser() {

@@ -7,7 +7,8 @@
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "score/parameter_set.h"
 #include "score/texts.h"
 #include "score/ui/score_pages.h"
 #include "score/ui/staff_lights.h"
@@ -94,7 +95,10 @@ void ScorePlayback::ShowSource() {
   ScoreParameters shown = parameters->For(source);
   if (score != nullptr && shown.parameterSet.empty()) {
     if (Failed(LoadAutomaticSet(subject_.setDirectory, source, score->Voices(), shown)))
-      QTimer::singleShot(0, this, [this] { ShowWarning(&window_, texts::ParameterSetNotLoaded); });
+      QTimer::singleShot(0, this,
+                         [this, failed = SetFailure(AutomaticParameterSet(subject_.setDirectory, source))] {
+                           ShowWarning(&window_, ToQt(failed));
+                         });
   }
   lights_->SetStaves(StaffNames(score.get()));
   pages_->Show(std::move(score), shown);

@@ -1,5 +1,7 @@
 #include "score/ui/score_properties_dialog.h"
 
+#include <algorithm>
+
 #include "frame/ui/qt_text.h"
 #include "score/texts.h"
 #include "ui_STVPROPS.h"
@@ -13,6 +15,10 @@ ScorePropertiesDialog::ScorePropertiesDialog(const ScoreProperties& properties, 
   ui_->setupUi(this);
   ConnectButtons();
   setWindowTitle(ToQt(properties.title));
+  // So wide that the title shows the file's name.
+  constexpr int kTitleButtons = 200;
+  constexpr int kWidest = 900;
+  setMinimumWidth(std::min(fontMetrics().horizontalAdvance(windowTitle()) + kTitleButtons, kWidest));
   connect(ui_->propertyList, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
     ui_->valueEdit->setPlainText(item == nullptr ? QString() : item->data(Qt::UserRole).toString());
   });

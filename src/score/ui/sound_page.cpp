@@ -5,7 +5,7 @@
 #include <QSignalBlocker>
 
 #include "frame/ui/qt_text.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "score/texts.h"
 #include "score/ui/sound_menu.h"
 #include "ui_PLAYBACK5.h"

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "frame/ui/qt_text.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "score/texts.h"
 
 namespace ts5 {
