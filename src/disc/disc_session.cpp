@@ -1,0 +1,140 @@
+#include "disc/disc_session.h"
+
+#include <algorithm>
+
+#include "disc/disc_codes.h"
+#include "disc/texts.h"
+#include "disc/verify.h"
+#include "platform/base/text.h"
+
+namespace ts5::disc {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kWaitForDisc = 120s;
+constexpr auto kWaitPoll = 500ms;
+constexpr auto kSettling = 12s;
+
+}  // namespace
+
+DiscOutcome OutcomeOf(EngineError error, std::int32_t otherwise) {
+  if (error == engine::kNone) return {};
+  if (engine::IsUnderrun(error)) return {code::kUnderrun, 0};
+  return {otherwise, static_cast<std::int32_t>(error)};
+}
+
+DiscOutcome DiscSession::Open() {
+  run_.StatusText(Text(texts::OpeningRecorder));
+  const auto end = std::chrono::steady_clock::now() + kWaitForDisc;
+  for (;;) {
+    // While it waits the drive belongs to nobody, so that a disc can be put in.
+    auto claim = DriveClaim::Take(path_);
+    if (claim) {
+      auto drive = CdDrive::Open(path_);
+      if (drive && Succeeded(drive->WaitUntilReady(kSettling, [this] { return run_.Cancelled(); }))) {
+        claim_ = *std::move(claim);
+        drive_ = *std::move(drive);
+        drive_->PreventRemoval(true);
+        run_.StatusText(Text(texts::RecorderOpened));
+        return {};
+      }
+    } else if (claim.error() == Outcome::InUse) {
+      run_.StatusText(Text(texts::RecorderNotOpened));
+      return {code::kDriveBusy, 0};
+    }
+    const auto left = std::chrono::ceil<std::chrono::seconds>(end - std::chrono::steady_clock::now()).count();
+    if (run_.Cancelled()) return {Code(Outcome::Cancelled), 0};
+    if (left <= 0) break;
+    run_.StatusText(Format(Text(texts::WaitingForDisc), left / 60, left % 60));
+    if (!run_.Sleep(kWaitPoll)) return {Code(Outcome::Cancelled), 0};
+  }
+  run_.StatusText(Text(texts::RecorderNotOpened));
+  return {code::kDriveNotOpened, 0};
+}
+
+DiscOutcome DiscSession::CheckBlank() {
+  run_.StatusText(Text(texts::ReadingBlank));
+  const auto info = drive_->ReadDiscInformation();
+  if (!info) {
+    // A drive without recordable media knows no such command.
+    const bool unknown = drive_->LastSense() == sense::kUnknownCommand;
+    run_.StatusText(Text(texts::BlankNotRead));
+    if (unknown) return {code::kNotWritable, 0};
+    return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kDiscUnknown)};
+  }
+  if (info->status == DiscStatus::Other) return {code::kNotWritable, 0};
+  if (info->status != DiscStatus::Blank) return {code::kDiscNotBlank, 0};
+  const auto next = drive_->ReadTrackInformation(kInvisibleTrack);
+  if (!next || !next->nextWritable) {
+    run_.StatusText(Text(texts::BlankNotRead));
+    return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kNoWritable)};
+  }
+  // The lead-out's place is exact; drives round what they call free.
+  free_ = info->leadOut ? static_cast<std::uint32_t>(std::max(info->leadOut->value, 0)) : next->freeSectors;
+  const auto capabilities = drive_->ReadCapabilities();
+  protects_ = capabilities && capabilities->underrunProtection;
+  run_.StatusText(Text(texts::BlankRead));
+  return {};
+}
+
+void DiscSession::Initialise(std::int32_t speed) {
+  run_.StatusText(Text(texts::InitialisingDrive));
+  const bool fast = Succeeded(drive_->SetSpeed(static_cast<std::uint32_t>(speed)));
+  const bool calibrated = Succeeded(drive_->SendOpc());
+  if (!fast || !calibrated) run_.AddStatus({code::kCalibrationRefused, false, 0});
+  run_.StatusText(Text(texts::DriveInitialised));
+}
+
+Recorder DiscSession::MakeRecorder(const RecordingMode& mode) {
+  RecordingEvents events;
+  events.status = [this](std::string_view text) { run_.StatusText(text); };
+  events.progress = [this, mode, percent = -1](const RecordingProgress& progress) mutable {
+    const double fraction = progress.total == 0 ? 1.0 : static_cast<double>(progress.done) / progress.total;
+    RunProgress shown;
+    shown.item = static_cast<std::uint32_t>(std::max(progress.track, 1));
+    shown.items = std::max<std::uint32_t>(static_cast<std::uint32_t>(run_.ItemCount()), shown.item);
+    shown.fraction = fraction;
+    if (mode.atOnce) shown.whole = fraction;
+    shown.buffer = progress.buffer;
+    run_.Progress(shown);
+    shown_ = shown;
+    shown_.buffer.reset();
+    const int now = static_cast<int>(fraction * 100);
+    if (now == percent) return;
+    percent = now;
+    run_.StatusText(ProgressText(progress, mode));
+  };
+  events.ended = [this] { run_.Progress(shown_); };
+  return {*drive_, mode, std::move(events)};
+}
+
+DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
+                                const RecordingMode& mode) {
+  const WorkWatch watch{[this] { return run_.Cancelled(); },
+                        [this, percent = -1](double fraction) mutable {
+                          const int now = static_cast<int>(fraction * 100);
+                          if (now == percent) return;
+                          percent = now;
+                          run_.StatusText(Format(Text(texts::Verifying), now, '%'));
+                        }};
+  const auto different = CompareDisc(*drive_, layout, tracks, mode, watch);
+  if (!different) return {Code(Outcome::Cancelled), 0};
+  if (!*different) {
+    run_.StatusText(Text(texts::Verified));
+    return {code::kVerified, 0};
+  }
+  run_.StatusText(Format(Text(texts::NotVerified), **different));
+  return {code::kNotVerified, **different};
+}
+
+void DiscSession::Release(bool eject) {
+  if (drive_) {
+    drive_->PreventRemoval(false);
+    if (eject) (void)drive_->Eject();
+  }
+  drive_.reset();
+  claim_.reset();
+}
+
+}  // namespace ts5::disc

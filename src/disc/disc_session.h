@@ -1,0 +1,64 @@
+// A recorder and the disc in it, as a run of the burner or the copier uses them: waiting for a disc, looking
+// at it, making the drive ready, recording with everything that is said about it, closing, reading back.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "disc/disc_plan.h"
+#include "disc/recorder.h"
+#include "frame/run.h"
+#include "platform/disc/cd_drive.h"
+#include "platform/disc/drive_claim.h"
+
+namespace ts5::disc {
+
+// 0, or an outcome code with the number that its message shows.
+struct DiscOutcome {
+  std::int32_t code = 0;
+  std::int32_t number = 0;
+
+  [[nodiscard]] bool Good() const { return code >= 0; }
+};
+
+class DiscSession {
+ public:
+  // path: of the drive.
+  DiscSession(Run& run, std::string path) : run_(run), path_(std::move(path)) {}
+
+  // Opens the drive and waits up to two minutes for a disc.
+  [[nodiscard]] DiscOutcome Open();
+  // Looks at the disc: it must be blank.
+  [[nodiscard]] DiscOutcome CheckBlank();
+  // Free sectors, as the disc said.
+  [[nodiscard]] std::uint32_t FreeSectors() const { return free_; }
+  // Sets the speed and calibrates the laser.
+  void Initialise(std::int32_t speed);
+  [[nodiscard]] bool ProtectsFromUnderruns() const { return protects_; }
+
+  [[nodiscard]] const std::string& Path() const { return path_; }
+  [[nodiscard]] CdDrive& Drive() { return *drive_; }
+  // An engine for this drive that tells the run how far it is. track counts from 1; of: how many there are.
+  [[nodiscard]] Recorder MakeRecorder(const RecordingMode& mode);
+  // Reads the closed disc back. Good, or kNotVerified with the first sector that is another.
+  [[nodiscard]] DiscOutcome Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
+                                   const RecordingMode& mode);
+  // Lets the drive go, so that its disc can be changed.
+  void Release(bool eject);
+
+ private:
+  Run& run_;
+  std::string path_;
+  std::optional<DriveClaim> claim_;
+  std::optional<CdDrive> drive_;
+  std::uint32_t free_ = 0;
+  bool protects_ = false;
+  RunProgress shown_ = {};  // the last of a recording, as it stands when nothing is written
+};
+
+// The number of an engine's error for a message of the burner: what it means for the disc.
+[[nodiscard]] DiscOutcome OutcomeOf(EngineError error, std::int32_t otherwise);
+
+}  // namespace ts5::disc

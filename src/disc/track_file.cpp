@@ -1,0 +1,88 @@
+#include "disc/track_file.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "audio/silence_trimmer.h"
+#include "disc/crc32.h"
+#include "disc/texts.h"
+#include "platform/base/text.h"
+
+namespace ts5::disc {
+namespace {
+
+class DriveSound final : public SoundSource {
+ public:
+  DriveSound(TrackReader& reader, Lba first, std::uint32_t sectors)
+      : reader_(reader), next_(first), left_(sectors) {}
+
+  Result<std::size_t> Read(std::span<std::uint8_t> out) override {
+    const auto wanted =
+        std::min<std::uint32_t>(static_cast<std::uint32_t>(out.size() / kAudioSectorBytes), left_);
+    const auto part = out.first(wanted * kAudioSectorBytes);
+    const auto before = static_cast<std::uint32_t>(
+        std::clamp<std::int32_t>(-next_.value, 0, static_cast<std::int32_t>(wanted)));
+    if (before > 0 && reader_.Read(next_, part.first(before * kAudioSectorBytes)) != 0)
+      std::ranges::fill(part.first(before * kAudioSectorBytes), std::uint8_t{0});
+    const Lba there = next_ + static_cast<std::int32_t>(before);
+    if (wanted > before && reader_.Read(there, part.subspan(before * kAudioSectorBytes)) != 0)
+      return Failure(Outcome::ReadFailed);
+    next_ = next_ + static_cast<std::int32_t>(wanted);
+    left_ -= wanted;
+    return part.size();
+  }
+
+ private:
+  TrackReader& reader_;
+  Lba next_;
+  std::uint32_t left_;
+};
+
+// The status line and the progress of one track; the line comes anew with each tenth of a percent.
+class TrackProgress {
+ public:
+  TrackProgress(const TrackFileOrder& order, const TrackFileEvents& events)
+      : order_(order), events_(events) {}
+
+  void Tell(std::uint32_t done) {
+    const double fraction = order_.sectors == 0 ? 1.0 : static_cast<double>(done) / order_.sectors;
+    if (events_.progress) events_.progress(fraction);
+    const int permille = static_cast<int>(fraction * 1000);
+    if (permille == std::exchange(told_, permille) || !events_.status) return;
+    events_.status(
+        Format(Text(texts::TrackReadPart), order_.number, done, order_.sectors, permille / 10, '%'));
+  }
+
+ private:
+  const TrackFileOrder& order_;
+  const TrackFileEvents& events_;
+  int told_ = -1;
+};
+
+}  // namespace
+
+std::unique_ptr<SoundSource> RangeSound(TrackReader& reader, Lba first, std::uint32_t sectors) {
+  return std::make_unique<DriveSound>(reader, first, sectors);
+}
+
+std::uint32_t ReadTrackToFile(SoundSource& sound, const TrackFileOrder& order, WaveFile wave,
+                              const TrackFileEvents& events) {
+  SilenceTrimmer trimmer(kBytesPerFrame, [&](ByteView frames) { return wave.Write(frames); });
+  TrackProgress progress(order, events);
+  Bytes buffer(kSectorsPerCommand * kAudioSectorBytes);
+  for (std::uint32_t done = 0; done < order.sectors;) {
+    if (events.stopped && events.stopped()) return engine::kStopped;
+    progress.Tell(done);
+    const auto got = sound.Read(buffer);
+    if (!got || *got == 0) return engine::kSectorsUnreadable;
+    const ByteView data = ByteView(buffer).first(*got);
+    if (order.crc != nullptr) order.crc->Add(data);
+    if (Failed(order.trim ? trimmer.Push(data) : wave.Write(data))) return engine::kFileNotWritten;
+    done += static_cast<std::uint32_t>(*got / kAudioSectorBytes);
+  }
+  progress.Tell(order.sectors);
+  if (order.trim && Failed(trimmer.Finish())) return engine::kNotTrimmed;
+  return Failed(wave.Close()) ? engine::kChunkNotClosed : 0;
+}
+
+}  // namespace ts5::disc
