@@ -18,9 +18,9 @@
 #include "frame/player_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
-#include "platform/audio_out.h"
-#include "platform/files.h"
-#include "platform/sample_fifo.h"
+#include "platform/files/files.h"
+#include "platform/sound/audio_out.h"
+#include "platform/sound/sample_fifo.h"
 
 namespace ts5 {
 namespace {
@@ -308,19 +308,16 @@ Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
 }  // namespace
 
 FilterModule AudioPlayerModule() {
-  FilterModule module;
-  module.id = FilterId::AudioPlayer;
-  module.create = [] {
-    auto parameters = std::make_unique<PlayerParameters>();
-    parameters->timeInBars = false;  // sound has none
-    return parameters;
-  };
+  PlayerParameters defaults;
+  defaults.timeInBars = false;  // sound has none
   FieldTable<PlayerParameters> table;
   AddPlayerFields(table);
-  module.fields = table.Build();
-  module.run = [](Run& run) { RunPlayer(run, run.Parameters<PlayerParameters>(), OpenDevice); };
-  module.remarks = kRemarks;
-  return module;
+  return MakeModule<PlayerParameters>(
+      {.id = FilterId::AudioPlayer,
+       .defaults = defaults,
+       .fields = table.Build(),
+       .run = [](Run& run, const PlayerParameters& parameters) { RunPlayer(run, parameters, OpenDevice); },
+       .remarks = kRemarks});
 }
 
 }  // namespace ts5

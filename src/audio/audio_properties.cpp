@@ -8,9 +8,9 @@
 #include "audio/texts.h"
 #include "audio/wave_stream.h"
 #include "midi/texts.h"
-#include "platform/input_file.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/input_file.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -30,6 +30,11 @@ std::string DurationText(double seconds) {
   const auto all = static_cast<std::uint64_t>(std::llround(seconds * 1000));
   return Format(Text(texts::AudioPropertyDurationValue), all / 3600000, all / 60000 % 60, all / 1000 % 60,
                 all % 1000);
+}
+
+std::string SizeText(std::uint64_t bytes) {
+  constexpr std::uint64_t kKilo = 1024;
+  return Format(Text(texts::AudioPropertySizeValue), bytes / kKilo, bytes % kKilo * 10 / kKilo);
 }
 
 }  // namespace
@@ -53,12 +58,16 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
                              Format(Text(texts::AudioPropertyBitsValue), probe.format.bitsPerSample)});
   }
   if (!IsWaveKind(probe.kind)) {
-    constexpr std::uint64_t kKilo = 1024;
-    rows.push_back({Copy(texts::AudioPropertySize), Format(Text(texts::AudioPropertySizeValue),
-                                                           fileSize / kKilo, fileSize % kKilo * 10 / kKilo)});
+    rows.push_back({Copy(texts::AudioPropertySize), SizeText(fileSize)});
     rows.push_back({Copy(texts::AudioPropertyBitRate), Format(Text(texts::AudioPropertyBitRateValue),
                                                               (probe.format.bytesPerSecond + 62) / 125)});
   }
+  if (!probe.encoder.empty())
+    rows.push_back({Copy(texts::AudioPropertyEncoder),
+                    IsUtf8(probe.encoder) ? probe.encoder : Utf8FromWindows1252(probe.encoder)});
+  if (probe.delay)
+    rows.push_back(
+        {Copy(texts::AudioPropertyDelay), Format(Text(texts::AudioPropertyDelayValue), *probe.delay)});
   if (probe.frames) rows.push_back({Copy(texts::AudioPropertyFrames), std::to_string(*probe.frames)});
   rows.push_back({Copy(texts::AudioPropertyDataLength),
                   Format(Text(texts::AudioPropertyDataLengthValue), probe.dataLength)});
@@ -77,6 +86,18 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
   properties.kind = probe.kind;
   properties.rows = AudioPropertyRows(probe, *written, file->Size());
   return properties;
+}
+
+std::vector<PropertyRow> SummaryRows(const std::vector<std::string>& paths) {
+  std::uint64_t size = 0;
+  double seconds = 0;
+  for (const std::string& path : paths) {
+    if (const auto file = InputFile::Open(path)) size += file->Size();
+    seconds += ProbeMedia(path).seconds;
+  }
+  return {{Copy(texts::AttributesFileCount), std::to_string(paths.size())},
+          {Copy(texts::AudioPropertySize), SizeText(size)},
+          {Copy(texts::AudioPropertyDuration), DurationText(seconds)}};
 }
 
 std::vector<PropertyRow> LoudnessRows(const Loudness& loudness) {

@@ -7,9 +7,9 @@
 #include "audio/loudness.h"
 #include "audio/media_probe.h"
 #include "frame/property_row.h"
-#include "platform/calendar.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/calendar.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 
@@ -24,6 +24,9 @@ struct AudioProperties {
 // Compressed files show their size and bit rate beside what all show.
 [[nodiscard]] std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten,
                                                          std::uint64_t fileSize);
+
+// Of several files together: how many, how large, how long.
+[[nodiscard]] std::vector<PropertyRow> SummaryRows(const std::vector<std::string>& paths);
 
 // What only all of its samples tell: loudness and true peak. Takes a moment for a long file. Also Cancelled,
 // ReadFailed.

@@ -2,6 +2,7 @@
 
 #include "audio/texts.h"
 #include "frame/texts.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 namespace {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "audio/sample_codec.h"
-#include "platform/cd_drive.h"
-#include "platform/drive_claim.h"
+#include "platform/disc/cd_drive.h"
+#include "platform/disc/drive_claim.h"
 
 namespace ts5 {
 namespace {
@@ -51,9 +51,9 @@ class CdTrackSource final : public PcmSource {
   Outcome Load(std::uint32_t sector) {
     const std::size_t held = sectors_.size() / kAudioSectorBytes;
     if (sector >= first_ && sector - first_ < held) return Outcome::Success;
-    sectors_.resize(std::min(kSectorsPerRead, track_.sectors - sector) * kAudioSectorBytes);
+    sectors_.resize(std::min(kSectorsPerCommand, track_.sectors - sector) * kAudioSectorBytes);
     first_ = sector;
-    const Outcome read = drive_.ReadAudio(track_.start + sector, sectors_);
+    const Outcome read = drive_.ReadAudio(Lba{static_cast<std::int32_t>(track_.start + sector)}, sectors_);
     if (Failed(read)) sectors_.clear();
     return read;
   }

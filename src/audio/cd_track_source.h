@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "frame/cd_tracks.h"
-#include "platform/outcome.h"
-#include "platform/pcm_stream.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/media/pcm_stream.h"
 
 namespace ts5 {
 

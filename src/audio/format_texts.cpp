@@ -1,7 +1,7 @@
 #include "audio/format_texts.h"
 
 #include "audio/texts.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/strings.h"
-#include "platform/wave_format.h"
+#include "platform/base/strings.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 

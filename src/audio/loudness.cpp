@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/media_engine.h"
+#include "platform/media/media_engine.h"
 
 namespace ts5 {
 namespace {
@@ -147,6 +147,14 @@ void LoudnessMeter::EndStep() {
   Bin& bin = bins_.at(static_cast<std::size_t>((loudness - kAbsoluteGate) * kBinsPerUnit));
   ++bin.blocks;
   bin.energy += block;
+}
+
+void LoudnessMeter::Join(const LoudnessMeter& other) {
+  for (std::size_t i = 0; i < bins_.size(); ++i) {
+    bins_[i].blocks += other.bins_[i].blocks;
+    bins_[i].energy += other.bins_[i].energy;
+  }
+  peak_ = std::max(peak_, other.peak_);
 }
 
 Loudness LoudnessMeter::Result() const {

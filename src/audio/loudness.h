@@ -8,9 +8,9 @@
 #include <span>
 #include <vector>
 
-#include "platform/outcome.h"
-#include "platform/pcm_stream.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/media/pcm_stream.h"
 
 namespace ts5 {
 
@@ -25,6 +25,8 @@ class LoudnessMeter {
  public:
   explicit LoudnessMeter(const PcmShape& shape);
   void Add(std::span<const double> interleaved);
+  // Takes in what another meter has measured, as if it were another part of the same piece: of an album.
+  void Join(const LoudnessMeter& other);
   [[nodiscard]] Loudness Result() const;
 
  private:
@@ -72,6 +74,7 @@ class LoudnessSink final : public PcmSink {
     return Outcome::Success;
   }
   Outcome Finish() override { return Outcome::Success; }
+  [[nodiscard]] const LoudnessMeter& Meter() const { return meter_; }
   [[nodiscard]] Loudness Measured() const { return meter_.Result(); }
 
  private:

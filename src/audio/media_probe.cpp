@@ -4,56 +4,13 @@
 #include <cmath>
 #include <iterator>
 
-#include "audio/texts.h"
-#include "audio/wave_file.h"
-#include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/files.h"
-#include "platform/media_reader.h"
+#include "audio/media_file.h"
+#include "platform/base/casts.h"
 
 namespace ts5 {
 namespace {
 
 constexpr double kMostSeconds = 1e9;
-
-// "FORM", the size, "AIFF" or "AIFC", "COMM".
-bool BeginsAsAiff(const std::string& path) {
-  const auto start = ReadFileStart(path, 16);
-  if (!start) return false;
-  ByteReader in(*start);
-  const bool form = in.Tag() == "FORM";
-  in.Skip(4);
-  const std::string_view type = in.Tag();
-  return form && (type == "AIFF" || type == "AIFC") && in.Tag() == "COMM";
-}
-
-MediaKind KindOf(const MediaInfo& info, const std::string& path) {
-  switch (info.codec) {
-    case MediaCodec::WindowsMedia:
-      return info.container == MediaContainer::WindowsMedia ? MediaKind::WindowsMedia : MediaKind::Wave;
-    case MediaCodec::Vorbis:
-      return info.container == MediaContainer::Ogg ? MediaKind::OggVorbis : MediaKind::None;
-    case MediaCodec::Ape:
-      return MediaKind::MonkeysAudio;
-    default:
-      break;
-  }
-  switch (info.container) {
-    case MediaContainer::Wave:
-      return MediaKind::Wave;
-    case MediaContainer::Aiff:
-      return BeginsAsAiff(path) ? MediaKind::Aiff : MediaKind::Wave;
-    case MediaContainer::WindowsMedia:
-      return MediaKind::WindowsMedia;
-    case MediaContainer::Mpeg:
-      if (info.codec == MediaCodec::MpegLayer1) return MediaKind::MpegLayer1;
-      if (info.codec == MediaCodec::MpegLayer2) return MediaKind::MpegLayer2;
-      if (info.codec == MediaCodec::MpegLayer3) return MediaKind::MpegLayer3;
-      return MediaKind::None;
-    default:
-      return MediaKind::None;
-  }
-}
 
 // Codings of blocks that all hold the same number of frames, and those of one byte per sample.
 std::optional<std::uint64_t> FramesInBlocks(const WaveFormat& format, std::uint64_t dataSize) {
@@ -83,11 +40,13 @@ std::uint64_t MediaProbe::Milliseconds() const {
 
 MediaProbe ProbeMedia(const std::string& path) {
   MediaProbe probe;
-  auto wave = WaveFile::Open(path);
+  auto media = OpenMediaFile(path);
+  if (!media || media->kind == MediaKind::None) return probe;
+  probe.kind = media->kind;
+  const auto& wave = media->wave;
   if (wave) {
     probe.format = wave->Format();
     if (const auto type = SampleTypeOf(probe.format)) {
-      probe.kind = MediaKind::Wave;
       // What the samples take: a header that says otherwise would give lengths and times that are none.
       const std::size_t frameSize = SampleSize(*type) * probe.format.channels;
       probe.format.blockAlign = static_cast<std::uint16_t>(frameSize);
@@ -97,50 +56,23 @@ MediaProbe ProbeMedia(const std::string& path) {
       SetDuration(probe, static_cast<double>(*probe.frames) / probe.format.sampleRate);
       return probe;
     }
+    // A compressed wave file lasts as long as its blocks, or its byte rate, say; in a coding that nothing
+    // here decodes it is a wave file all the same.
+    probe.frames = FramesInBlocks(probe.format, wave->DataSize());
+    if (probe.frames || !media->decoder || probe.format.bytesPerSecond != 0) {
+      const std::uint32_t rate = probe.frames ? probe.format.sampleRate : probe.format.bytesPerSecond;
+      const std::uint64_t units = probe.frames.value_or(wave->DataSize());
+      SetDuration(probe, rate == 0 ? 0 : static_cast<double>(units) / rate);
+      return probe;
+    }
   }
-  const auto reader = MediaReader::Open(path);
-  // A compressed wave file lasts as long as its blocks, or its byte rate, say; in a coding that nothing here
-  // decodes it is a wave file all the same.
-  if (wave) probe.frames = FramesInBlocks(probe.format, wave->DataSize());
-  if (wave && (probe.frames || !reader || probe.format.bytesPerSecond != 0)) {
-    probe.kind = MediaKind::Wave;
-    const std::uint32_t rate = probe.frames ? probe.format.sampleRate : probe.format.bytesPerSecond;
-    const std::uint64_t units = probe.frames.value_or(wave->DataSize());
-    SetDuration(probe, rate == 0 ? 0 : static_cast<double>(units) / rate);
-    return probe;
-  }
-  if (!reader) return {};
-  const MediaInfo& info = (*reader)->Info();
-  probe.kind = KindOf(info, path);
-  if (probe.kind == MediaKind::None) return {};
+  const MediaInfo& info = media->decoder->Info();
   if (!wave) probe.format = info.format;
   probe.frames = info.frames;
+  probe.encoder = info.encoder;
+  probe.delay = info.delay;
   SetDuration(probe, info.seconds);
   return probe;
-}
-
-TextId KindName(MediaKind kind) {
-  switch (kind) {
-    case MediaKind::None:
-      break;
-    case MediaKind::Wave:
-      return texts::AudioKindWave;
-    case MediaKind::MpegLayer1:
-      return texts::AudioKindLayer1;
-    case MediaKind::MpegLayer2:
-      return texts::AudioKindLayer2;
-    case MediaKind::MpegLayer3:
-      return texts::AudioKindLayer3;
-    case MediaKind::Aiff:
-      return texts::AudioKindAiff;
-    case MediaKind::WindowsMedia:
-      return texts::AudioKindWindowsMedia;
-    case MediaKind::OggVorbis:
-      return texts::AudioKindOgg;
-    case MediaKind::MonkeysAudio:
-      return texts::AudioKindApe;
-  }
-  return texts::UnknownFileFormat;
 }
 
 }  // namespace ts5

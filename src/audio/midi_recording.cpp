@@ -13,10 +13,10 @@
 #include "midi/midi_capture.h"
 #include "midi/midi_sequence.h"
 #include "midi/midi_sequencer.h"
-#include "platform/audio_in.h"
-#include "platform/midi_out.h"
-#include "platform/sample_fifo.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/sound/audio_in.h"
+#include "platform/sound/midi_out.h"
+#include "platform/sound/sample_fifo.h"
 
 namespace ts5 {
 namespace {

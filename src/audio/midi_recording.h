@@ -9,11 +9,11 @@
 
 #include "audio/midi_to_wave_parameters.h"
 #include "frame/settings.h"
-#include "platform/files.h"
-#include "platform/outcome.h"
-#include "platform/strings.h"
-#include "platform/wave_format.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/strings.h"
+#include "platform/base/work_watch.h"
+#include "platform/files/files.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 

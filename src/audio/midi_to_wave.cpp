@@ -1,7 +1,12 @@
 #include "audio/midi_to_wave.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <cmath>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,10 +22,11 @@
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "midi/midi_file.h"
-#include "platform/casts.h"
-#include "platform/media_engine.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "midi/midi_item.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+#include "platform/media/media_engine.h"
 
 namespace ts5 {
 namespace {
@@ -39,6 +45,7 @@ constexpr Remark kOwnRemarks[] = {
     {Code(Outcome::EncoderFailed), MidiWaveInputGone},
     {Code(Outcome::WrongFormat), RemarkWrongFormat},
     {Code(Outcome::DamagedMidi), RemarkDamagedMidi},
+    {Code(Outcome::LongSilence), MidiWaveLongSilence},
 };
 
 std::span<const Remark> AllRemarks() {
@@ -50,10 +57,99 @@ std::span<const Remark> AllRemarks() {
   return remarks;
 }
 
-Outcome CheckSource(const FilterParameters& /*parameters*/, const std::string& source) {
-  const auto info = ReadMidiFileHeader(source);
-  return info ? Outcome::Success : info.error();
+// The whole source as it is played. Codes of ReadFile and MidiSequence::FromFile.
+Result<MidiSequence> ReadSequence(const std::string& source) {
+  const auto file = ReadFile(source);
+  if (!file) return Failure(file.error());
+  return MidiSequence::FromFile(*file);
 }
+
+// "2:05:30"
+std::string HoursText(std::chrono::nanoseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time).count();
+  return Format("%i:%02i:%02i", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+// Tells how loud what goes through it is, and makes it louder or softer.
+class LevelSource final : public PcmSource {
+ public:
+  LevelSource(std::unique_ptr<PcmSource> source, double gain) : source_(std::move(source)), gain_(gain) {}
+
+  const PcmShape& Shape() const override { return source_->Shape(); }
+  std::optional<std::uint64_t> Frames() const override { return source_->Frames(); }
+  Outcome Seek(std::uint64_t frame) override { return source_->Seek(frame); }
+  Result<std::size_t> Read(std::span<double> out) override {
+    const auto got = source_->Read(out);
+    if (!got) return got;
+    for (double& sample : out.first(*got * Shape().channels)) {
+      sample *= gain_;
+      peak_ = std::max(peak_, std::abs(sample));
+    }
+    return got;
+  }
+  [[nodiscard]] double Peak() const { return peak_; }
+
+ private:
+  std::unique_ptr<PcmSource> source_;
+  double gain_;
+  double peak_ = 0;
+};
+
+// Takes samples and forgets them.
+class NoSink final : public PcmSink {
+ public:
+  Outcome Write(std::span<const double> /*interleaved*/) override { return Outcome::Success; }
+  Outcome Finish() override { return Outcome::Success; }
+};
+
+WorkWatch PartOf(const WorkWatch& watch, double from, double to) {
+  WorkWatch part = watch;
+  if (watch.progress)
+    part.progress = [&watch, from, to](double fraction) { watch.progress(from + (to - from) * fraction); };
+  return part;
+}
+
+class Rendering {
+ public:
+  Rendering(const MidiSequence& sequence, const WaveFormat& format, std::string soundFont)
+      : sequence_(sequence), format_(format), soundFont_(std::move(soundFont)) {}
+
+  // Into nothing, to hear how loud it becomes.
+  Result<double> Measure(const WorkWatch& watch) {
+    auto source = Open(1);
+    if (!source) return Failure(source.error());
+    NoSink sink;
+    if (const Outcome moved = CopyPcm(**source, sink, watch); Failed(moved)) return Failure(moved);
+    return (*source)->Peak();
+  }
+
+  // The loudest sample that came, in parts of full scale: more than 1 was clipped.
+  Result<double> Write(StagedFile& target, double gain, const WorkWatch& watch) {
+    auto source = Open(gain);
+    if (!source) return Failure(source.error());
+    auto wave = WaveFile::CreateIn(target, format_);
+    if (!wave) return Failure(wave.error());
+    auto sink = WaveSink(*std::move(wave), PcmShape{.sampleRate = format_.sampleRate, .channels = 2});
+    if (!sink) return Failure(sink.error());
+    if (const Outcome moved = CopyPcm(**source, **sink, watch); Failed(moved)) return Failure(moved);
+    return (*source)->Peak();
+  }
+
+ private:
+  Result<std::unique_ptr<LevelSource>> Open(double gain) {
+    auto synthesis = SynthesisSource(sequence_, format_.sampleRate, soundFont_);
+    if (!synthesis)
+      return Failure(synthesis.error() == Outcome::DamagedMidi ? Outcome::DamagedMidi
+                                                               : Outcome::LibraryNotLoaded);
+    auto converted = Converted(*std::move(synthesis), format_.sampleRate, format_.channels);
+    if (!converted) return Failure(converted.error());
+    return std::make_unique<LevelSource>(*std::move(converted), gain);
+  }
+
+  const MidiSequence& sequence_;
+  WaveFormat format_;
+  std::string soundFont_;
+};
 
 class MidiToWaveRun {
  public:
@@ -65,7 +161,8 @@ class MidiToWaveRun {
     }
     ItemFilter filter;
     filter.independent = parameters_.Method() == MidiWaveMethod::Synthesis;
-    filter.check = CheckSource;
+    AskAboutSilence();
+    filter.prepare = [this](const FilterParameters&, const std::string& source) { return Prepare(source); };
     filter.convert = [this](ItemWork& work) { return ConvertItem(work); };
     RunItems(run_, filter);
     if (parameters_.Normalising() == NormaliseMode::Project) NormaliseProject();
@@ -88,14 +185,39 @@ class MidiToWaveRun {
     return CheckRecording(devices_, parameters_.RecordingFormat());
   }
 
+  // One question for all of them, before anything is made: a bit that flipped turns a small file into hours.
+  void AskAboutSilence() {
+    std::size_t longest = 0;
+    std::chrono::nanoseconds silence{0};
+    for (std::size_t i = 0; i < run_.ItemCount() && !run_.Cancelled(); ++i) {
+      const std::string source = run_.Source(i);
+      const auto sequence = ReadSequence(source);
+      const auto found = sequence ? LongSilence(*sequence) : std::nullopt;
+      if (!found) continue;
+      silent_.insert(source);
+      if (*found > silence) longest = i;
+      silence = std::max(silence, *found);
+    }
+    if (silent_.empty()) return;
+    const std::string question = Format(Text(MidiWaveAskSilence), silent_.size(), HoursText(silence),
+                                        FileNameOf(run_.Source(longest)));
+    if (run_.Ask({.text = question, .icon = MessageIcon::Exclamation, .preset = Answer::No}) == Answer::Yes)
+      silent_.clear();
+  }
+
+  [[nodiscard]] Result<std::unique_ptr<PreparedItem>> Prepare(const std::string& source) const {
+    if (silent_.contains(source)) return Failure(Outcome::LongSilence);
+    return OpenMidiItem(source);
+  }
+
   // Nothing is converted: the user has said so, or a device is missing.
   void EndAtOnce(Outcome reason) {
     run_.AddCode(reason, Code(reason));
     run_.Result().cancelled = reason == Outcome::Cancelled;
-    run_.Result().lines[1].count = ClampTo<std::uint32_t>(run_.ItemCount());
-    run_.Result().remarks = run_.Remarks();
     for (std::size_t i = 0; i < run_.ItemCount(); ++i)
       run_.Result().items.push_back({run_.Source(i), "", Code(reason)});
+    CountItems(run_.Result(), run_.ItemCount());
+    run_.Result().remarks = run_.Remarks();
   }
 
   Outcome ConvertItem(ItemWork& work) {
@@ -113,7 +235,7 @@ class MidiToWaveRun {
   [[nodiscard]] Outcome Convert(ItemWork& work, const WorkWatch& watch) const {
     if (parameters_.Method() == MidiWaveMethod::SoundCard)
       return RecordMidi(work.source, work.target, parameters_.RecordingFormat(), devices_, watch);
-    return RenderMidi(work.source, work.target, parameters_.SynthesisFormat(),
+    return RenderMidi(work.Prepared<MidiItem>().file, work.target, parameters_.SynthesisFormat(),
                       run_.GetSettings().synthesizerDirectory, watch);
   }
 
@@ -142,8 +264,7 @@ class MidiToWaveRun {
       return;
     }
     for (RunItem* item : converted) item->code = Code(outcome);
-    run_.Result().lines[0].count -= ClampTo<std::uint32_t>(converted.size());
-    run_.Result().lines[1].count += ClampTo<std::uint32_t>(converted.size());
+    CountItems(run_.Result(), run_.ItemCount());
   }
 
   // What normalising said; whether it spoils the conversion. From any thread.
@@ -162,67 +283,74 @@ class MidiToWaveRun {
   Run& run_;
   const MidiToWaveParameters& parameters_;
   RecordingDevices devices_;
+  std::set<std::string> silent_;  // sources that are not converted for their long rests
   std::atomic<bool> notNecessary_ = false;
   std::atomic<bool> failed_ = false;
 };
 
 }  // namespace
 
-Outcome RenderMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
-                   const std::string& folder, const WorkWatch& watch) {
-  const auto file = ReadFile(source);
-  if (!file) return file.error();
-  auto sequence = MidiSequence::FromFile(*file);
+Outcome RenderMidi(ByteView midi, StagedFile& target, const WaveFormat& format, const std::string& folder,
+                   const WorkWatch& watch) {
+  const auto sequence = MidiSequence::FromFile(midi);
   if (!sequence) return sequence.error();
   // A folder that cannot be written keeps nobody from converting.
   (void)EnsureSynthesizerConfig(folder);
-  auto synthesis = SynthesisSource(*std::move(sequence), format.sampleRate, ConfiguredSoundFont(folder));
-  if (!synthesis) {
-    return synthesis.error() == Outcome::DamagedMidi ? Outcome::DamagedMidi : Outcome::LibraryNotLoaded;
+  Rendering rendering(*sequence, format, ConfiguredSoundFont(folder));
+  const double top = 1 - std::ldexp(1.0, 1 - format.bitsPerSample);
+  double gain = 1;
+  double done = 0;
+  if (format.bitsPerSample == 8) {
+    // 256 steps are few: the loudest passage gets them all.
+    const auto peak = rendering.Measure(PartOf(watch, 0, 0.5));
+    if (!peak) return peak.error();
+    if (*peak > 0) gain = top / *peak;
+    done = 0.5;
   }
-  const PcmShape shape = (*synthesis)->Shape();
-  auto converted = Converted(*std::move(synthesis), format.sampleRate, format.channels);
-  if (!converted) return converted.error();
-  auto wave = WaveFile::CreateIn(target, format);
-  if (!wave) return wave.error();
-  auto sink = WaveSink(*std::move(wave), shape);
-  if (!sink) return sink.error();
-  return CopyPcm(**converted, **sink, watch);
+  const std::uint64_t start = target.Size();
+  const auto peak = rendering.Write(target, gain, PartOf(watch, done, 1));
+  if (!peak) return peak.error();
+  if (*peak <= top || gain != 1) return Outcome::Success;
+  // Once more, softer, so that nothing is clipped.
+  if (const Outcome emptied = target.Shorten(start); Failed(emptied)) return emptied;
+  const auto softer = rendering.Write(target, top / *peak, watch);
+  return softer ? Outcome::Success : softer.error();
 }
 
 Outcome RenderMidiFile(const std::string& source, const std::string& target, const WaveFormat& format,
                        const std::string& folder, const WorkWatch& watch) {
+  const auto midi = ReadFile(source);
+  if (!midi) return midi.error();
   const std::string name = target.empty() ? std::string(WithoutExtension(source)) + ".wav" : target;
   auto file = StagedFile::Create(name);
   if (!file) return file.error();
-  if (const Outcome rendered = RenderMidi(source, *file, format, folder, watch); Failed(rendered))
+  if (const Outcome rendered = RenderMidi(*midi, *file, format, folder, watch); Failed(rendered))
     return rendered;
   return file->Commit();
 }
 
 FilterModule MidiToWaveModule() {
-  FilterModule module;
+  using P = MidiToWaveParameters;
+  ModuleOf<P> module;
   module.id = FilterId::MidiToWave;
-  module.create = [] { return std::make_unique<MidiToWaveParameters>(); };
   module.fields = MidiToWaveFields();
-  module.run = [](Run& run) { MidiToWaveRun(run).Execute(); };
+  module.run = [](Run& run, const P&) { MidiToWaveRun(run).Execute(); };
   module.remarks = AllRemarks();
-  module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
+  module.target = [](const P&, const std::string&) {
     return TargetRule{.extension = "wav", .formatKept = false};
   };
   module.stop.status = Stopping;
-  module.midiDevice = [](const Job& job) -> std::optional<std::int32_t> {
-    const auto& parameters = static_cast<const MidiToWaveParameters&>(*job.parameters);
+  module.midiDevice = [](const P& parameters, const Job&) -> std::optional<std::int32_t> {
     if (parameters.Method() == MidiWaveMethod::Synthesis) return std::nullopt;
     return parameters.midiDevice;
   };
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    const auto& parameters = static_cast<const MidiToWaveParameters&>(*job.parameters);
+  module.sharesMidiDevice = false;  // what others play would be recorded
+  module.missing = [](const P& parameters) -> std::optional<TextId> {
     if (parameters.Method() == MidiWaveMethod::Synthesis && !parameters.HasSynthesisFormat())
       return MidiWaveChooseRate;
     return std::nullopt;
   };
-  return module;
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5

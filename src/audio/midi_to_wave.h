@@ -6,20 +6,19 @@
 
 #include "audio/midi_to_wave_parameters.h"
 #include "frame/filter_module.h"
-#include "platform/files.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 
-// Synthesises the source into a staged wave file of the caller's, with the sound font that the configuration
-// file of the folder chooses; that file is made when it is missing. SourceFailed: the source
-// cannot be opened; ReadFailed, WrongFormat, DamagedMidi; LibraryNotLoaded: no synthesiser or sound font;
-// WriteFailed, Cancelled, OutOfMemory.
-[[nodiscard]] Outcome RenderMidi(const std::string& source, StagedFile& target, const WaveFormat& format,
+// Synthesises a MIDI file's bytes into a staged wave file of the caller's, with the sound font that the
+// configuration file of the folder chooses; that file is made when it is missing. WrongFormat, DamagedMidi;
+// LibraryNotLoaded: no synthesiser or sound font; WriteFailed, Cancelled, OutOfMemory.
+[[nodiscard]] Outcome RenderMidi(ByteView midi, StagedFile& target, const WaveFormat& format,
                                  const std::string& folder, const WorkWatch& watch = {});
-// The same with the target put in place when all went well; "" is the source's name with the extension "wav".
-// Also TargetFailed.
+// The same of a file, with the target put in place when all went well; "" is the source's name with the
+// extension "wav". Also SourceFailed, ReadFailed, TargetFailed.
 [[nodiscard]] Outcome RenderMidiFile(const std::string& source, const std::string& target,
                                      const WaveFormat& format, const std::string& folder,
                                      const WorkWatch& watch = {});

@@ -9,7 +9,7 @@
 
 #include "audio/normalise.h"
 #include "frame/parameters.h"
-#include "platform/wave_format.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 

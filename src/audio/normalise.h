@@ -9,8 +9,8 @@
 #include <string>
 
 #include "audio/wave_file.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 

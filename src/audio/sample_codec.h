@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/bytes.h"
-#include "platform/wave_format.h"
+#include "platform/base/bytes.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 

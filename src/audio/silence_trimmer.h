@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/bytes.h"
-#include "platform/outcome.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

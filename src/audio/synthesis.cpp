@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/midi_out.h"
-#include "platform/synthesizer.h"
+#include "platform/sound/midi_out.h"
+#include "platform/sound/synthesizer.h"
 
 namespace ts5 {
 namespace {
@@ -110,6 +110,20 @@ class Synthesis final : public PcmSource {
 };
 
 }  // namespace
+
+std::optional<std::chrono::nanoseconds> LongSilence(const MidiSequence& sequence) {
+  std::chrono::nanoseconds longest{0};
+  std::chrono::nanoseconds last{0};
+  for (const SequenceMessage& message : sequence.Messages()) {
+    if (!message.IsNote()) continue;
+    if (message.time - last > kLongRest) longest = std::max(longest, message.time - last);
+    last = message.time;
+  }
+  const std::chrono::nanoseconds end = sequence.Duration() - last;
+  if (end > kLongEnd) longest = std::max(longest, end);
+  if (longest.count() == 0) return std::nullopt;
+  return longest;
+}
 
 Result<std::unique_ptr<PcmSource>> SynthesisSource(MidiSequence sequence, std::uint32_t sampleRate,
                                                    const std::string& soundFont) {

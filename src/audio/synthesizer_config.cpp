@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {

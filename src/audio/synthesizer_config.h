@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

@@ -1,34 +1,51 @@
 #include "audio/wave_converter.h"
 
-#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "audio/audio_remarks.h"
-#include "audio/media_probe.h"
+#include "audio/media_file.h"
 #include "audio/wave_stream.h"
 #include "frame/item_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
-#include "platform/media_engine.h"
+#include "platform/media/media_engine.h"
 
 namespace ts5 {
 namespace {
 
-Outcome CheckSource(const FilterParameters& /*parameters*/, const std::string& source) {
-  return IsWaveKind(ProbeMedia(source).kind) ? Outcome::Success : Outcome::SourceFailed;
+struct OpenedSource final : PreparedItem {
+  std::unique_ptr<PcmSource> pcm;
+};
+
+Result<std::unique_ptr<PreparedItem>> Prepare(const FilterParameters& /*parameters*/,
+                                              const std::string& source) {
+  auto media = OpenMediaFile(source);
+  if (!media || !IsWaveKind(media->kind)) return Failure(Outcome::SourceFailed);
+  auto pcm = PcmOf(std::move(*media));
+  if (!pcm) return Failure(Outcome::SourceFailed);
+  auto opened = std::make_unique<OpenedSource>();
+  opened->pcm = std::move(*pcm);
+  return std::unique_ptr<PreparedItem>(std::move(opened));
+}
+
+Outcome ConvertPcm(std::unique_ptr<PcmSource> source, StagedFile& target, const WaveFormat& format,
+                   const WorkWatch& watch) {
+  const PcmShape shape = source->Shape();
+  auto converted = Converted(std::move(source), format.sampleRate, format.channels);
+  if (!converted) return converted.error();
+  const std::uint64_t expected = (*converted)->Frames().value_or(0) * format.blockAlign;
+  auto file = WaveFile::CreateIn(target, format, expected);
+  if (!file) return file.error();
+  auto sink = WaveSink(std::move(*file), shape);
+  if (!sink) return sink.error();
+  return CopyPcm(**converted, **sink, watch);
 }
 
 Outcome ConvertItem(ItemWork& work) {
-  const auto& parameters = static_cast<const WaveConverterParameters&>(work.parameters);
+  const auto& parameters = As<WaveConverterParameters>(work.parameters);
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  return ConvertWave(work.source, work.target, parameters.Target(), watch);
-}
-
-std::string BitsDescription() {
-  std::string text;
-  for (const std::uint16_t bits : kOfferedBits) text += (text.empty() ? "" : "|") + std::to_string(bits);
-  return text;
+  return ConvertPcm(std::move(work.Prepared<OpenedSource>().pcm), work.target, parameters.Target(), watch);
 }
 
 }  // namespace
@@ -37,15 +54,7 @@ std::vector<ParameterField> WaveConverterFields() {
   using P = WaveConverterParameters;
   FieldTable<P> table;
   table.Integer("SamplesPerSec", &P::sampleRate, kOfferedRates.front(), kOfferedRates.back());
-  table.Single(
-      "BitPerSample", BitsDescription(), [](const P& p) { return std::to_string(p.bits); },
-      [](P& p, std::string_view text) {
-        const auto bits = ParseInteger(Trim(text));
-        const auto* const offered = std::ranges::find(kOfferedBits, bits.value_or(0));
-        if (offered == kOfferedBits.end()) return false;
-        p.bits = *offered;
-        return true;
-      });
+  table.Choice("BitPerSample", kOfferedBits, &P::bits);
   table.Integer<std::uint16_t>("Channels", &P::channels, 1, 2);
   return table.Build();
 }
@@ -54,15 +63,7 @@ Outcome ConvertWave(const std::string& source, StagedFile& target, const WaveFor
                     const WorkWatch& watch) {
   auto opened = OpenPcm(source);
   if (!opened) return opened.error() == Outcome::WrongFormat ? Outcome::SourceFailed : opened.error();
-  const PcmShape shape = (*opened)->Shape();
-  auto converted = Converted(std::move(*opened), format.sampleRate, format.channels);
-  if (!converted) return converted.error();
-  const std::uint64_t expected = (*converted)->Frames().value_or(0) * format.blockAlign;
-  auto file = WaveFile::CreateIn(target, format, expected);
-  if (!file) return file.error();
-  auto sink = WaveSink(std::move(*file), shape);
-  if (!sink) return sink.error();
-  return CopyPcm(**converted, **sink, watch);
+  return ConvertPcm(std::move(*opened), target, format, watch);
 }
 
 Outcome ConvertWaveFile(const std::string& source, const std::string& target, const WaveFormat& format,
@@ -75,24 +76,19 @@ Outcome ConvertWaveFile(const std::string& source, const std::string& target, co
 }
 
 FilterModule WaveConverterModule() {
-  FilterModule module;
-  module.id = FilterId::WaveConverter;
-  module.create = [] { return std::make_unique<WaveConverterParameters>(); };
-  module.fields = WaveConverterFields();
-  module.run = [](Run& run) {
-    ItemFilter filter;
-    filter.independent = true;
-    filter.check = CheckSource;
-    filter.convert = ConvertItem;
-    RunItems(run, filter);
-  };
-  module.remarks = WaveConverterRemarks();
-  // The name stays; with the suffix it ends in ".wav", whatever the source was.
-  module.target = [](const FilterParameters& /*parameters*/, const std::string& /*source*/) {
-    return TargetRule{.extension = "wav", .formatKept = true};
-  };
-  module.stop.status = texts::Stopping;
-  return module;
+  using P = WaveConverterParameters;
+  return MakeModule<P>(
+      {.id = FilterId::WaveConverter,
+       .fields = WaveConverterFields(),
+       .run =
+           [](Run& run, const P&) {
+             RunItems(run, {.independent = true, .prepare = Prepare, .convert = ConvertItem});
+           },
+       .remarks = WaveConverterRemarks(),
+       // The name stays; with the suffix it ends in ".wav", whatever the source was.
+       .target = [](const P&,
+                    const std::string&) { return TargetRule{.extension = "wav", .formatKept = true}; },
+       .stop = {.status = texts::Stopping}});
 }
 
 }  // namespace ts5

@@ -9,10 +9,10 @@
 #include "audio/format_texts.h"
 #include "frame/filter_module.h"
 #include "frame/parameters.h"
-#include "platform/files.h"
-#include "platform/outcome.h"
-#include "platform/wave_format.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/files/files.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 

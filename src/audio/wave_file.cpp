@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/directories.h"
-#include "platform/paths.h"
+#include "audio/aiff_layout.h"
+#include "platform/files/directories.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -24,9 +25,19 @@ Result<InputFile> OpenResource(const std::string& name) {
 
 }  // namespace
 
-Result<WaveFile> WaveFile::Open(const std::string& name) {
+WaveFile::WaveFile(InputFile file, WaveLayout layout) : layout_(std::move(layout)) {
+  file.ExpectSequentialReads();
+  source_ = std::move(file);
+}
+
+Result<InputFile> WaveFile::OpenSound(const std::string& name) {
   auto file = InputFile::Open(name);
-  if (!file && !FileExists(name)) file = OpenResource(name);
+  if (!file && !FileExists(name)) return OpenResource(name);
+  return file;
+}
+
+Result<WaveFile> WaveFile::Open(const std::string& name) {
+  auto file = OpenSound(name);
   if (!file) return Failure(file.error());
   return Read(std::move(*file));
 }
@@ -34,11 +45,13 @@ Result<WaveFile> WaveFile::Open(const std::string& name) {
 Result<WaveFile> WaveFile::Read(InputFile file) {
   auto layout = ReadWaveLayout(file);
   if (!layout) return Failure(layout.error());
-  file.ExpectSequentialReads();
-  WaveFile wave;
-  wave.layout_ = std::move(*layout);
-  wave.source_ = std::move(file);
-  return wave;
+  return WaveFile(std::move(file), std::move(*layout));
+}
+
+Result<WaveFile> WaveFile::ReadAiff(InputFile file) {
+  auto layout = ReadAiffLayout(file);
+  if (!layout) return Failure(layout.error());
+  return WaveFile(std::move(file), std::move(*layout));
 }
 
 Result<WaveFile> WaveFile::Create(const std::string& name, WaveFormat format, std::uint64_t expectedData) {
@@ -62,6 +75,7 @@ Result<WaveFile> WaveFile::EditIn(StagedFile& target) {
   if (!file) return Failure(file.error());
   auto wave = Read(std::move(*file));
   if (!wave) return wave;
+  if (!wave->layout_.LiesAsInRiff()) return Failure(Outcome::WrongFormat);
   wave->mode_ = Mode::Edit;
   wave->external_ = &target;
   return wave;
@@ -98,10 +112,13 @@ Outcome WaveFile::Begin(WaveFormat format, std::uint64_t expectedData) {
 
 Result<std::size_t> WaveFile::Read(std::span<std::uint8_t> buffer) {
   if (!source_) return Failure(Outcome::ReadFailed);
-  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), DataSize()));
+  auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), DataSize()));
+  const bool turned = !layout_.LiesAsInRiff();
+  if (turned) wanted -= wanted % SampleSize(SampleTypeOf(layout_.format).value_or(SampleType::Unsigned8));
   const auto got = source_->ReadAt(layout_.dataOffset + position_, buffer.first(wanted));
   if (!got) return Failure(got.error());
   if (*got < wanted) return Failure(Outcome::ReadFailed);
+  if (turned) BringToRiff(layout_, buffer.first(wanted));
   position_ += *got;
   return *got;
 }

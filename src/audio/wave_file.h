@@ -12,21 +12,26 @@
 #include <string>
 
 #include "audio/wave_layout.h"
-#include "platform/bytes.h"
-#include "platform/files.h"
-#include "platform/input_file.h"
-#include "platform/outcome.h"
-#include "platform/wave_format.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/files/files.h"
+#include "platform/files/input_file.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 
 class WaveFile {
  public:
   // For reading. Where no file of that name can be opened, a sound of that name among the resources is taken.
-  // SourceFailed: there is none. WrongFormat: no wave file. ReadFailed.
+  // SourceFailed: there is none, or samples are promised and there are none. WrongFormat: no wave file.
+  // ReadFailed.
   [[nodiscard]] static Result<WaveFile> Open(const std::string& name);
   // The same for a file that is open already, or lies in memory.
   [[nodiscard]] static Result<WaveFile> Read(InputFile file);
+  // An AIFF file read as if it were a wave file; see ReadAiffLayout.
+  [[nodiscard]] static Result<WaveFile> ReadAiff(InputFile file);
+  // The file, or the sound among the resources, of that name.
+  [[nodiscard]] static Result<InputFile> OpenSound(const std::string& name);
 
   // For writing. expectedData: bytes that will come, when that is known; only then can the file become longer
   // than 4 GiB (as RF64). Codes of StagedFile::Create; WriteFailed.
@@ -37,7 +42,8 @@ class WaveFile {
                                                  std::uint64_t expectedData = 0);
 
   // For reading and writing: samples are changed where they lie, and there stay as many as there are. Reading
-  // and writing go on from one place. Codes of Open and of StagedFile::Create; WriteFailed.
+  // and writing go on from one place. Codes of Open and of StagedFile::Create; WriteFailed. WrongFormat also
+  // for RIFX.
   [[nodiscard]] static Result<WaveFile> Edit(const std::string& name);
   // The same for a wave file that is complete in a staged file of the caller's.
   [[nodiscard]] static Result<WaveFile> EditIn(StagedFile& target);
@@ -48,8 +54,8 @@ class WaveFile {
     return mode_ == Mode::Create ? position_ : layout_.dataSize - position_;
   }
 
-  // Fills the buffer as far as there is data left, and says how far. ReadFailed: an I/O error, or the file
-  // has become shorter since.
+  // Fills the buffer with whole samples, as they lie in a RIFF file, as far as there is data left, and says
+  // how far. ReadFailed: an I/O error, or the file has become shorter since.
   [[nodiscard]] Result<std::size_t> Read(std::span<std::uint8_t> buffer);
   // Moves reading to a byte of the data; one behind the end is the end.
   void SeekTo(std::uint64_t dataByte);
@@ -66,6 +72,7 @@ class WaveFile {
   enum class Mode : std::uint8_t { Read, Create, Edit };
 
   WaveFile() = default;
+  WaveFile(InputFile file, WaveLayout layout);
   [[nodiscard]] StagedFile& Target() { return external_ != nullptr ? *external_ : *own_; }
   [[nodiscard]] Outcome Begin(WaveFormat format, std::uint64_t expectedData);
 

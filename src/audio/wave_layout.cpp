@@ -3,119 +3,90 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace ts5 {
 namespace {
 
-constexpr std::size_t kChunkHeader = 8;
-constexpr std::size_t kFormHeader = 12;
+constexpr std::size_t kChunkHeader = kChunkHead;
 constexpr std::size_t kLeastFormat = 16;
 constexpr std::size_t kMostFormat = 18 + 0xFFFF;
-constexpr int kMostChunks = 10000;  // before the two that are looked for; more are no wave file
 constexpr std::uint32_t kOpenSize = 0xFFFFFFFF;
 
-struct Chunk {
-  std::array<std::uint8_t, 4> id{};
-  std::uint32_t size = 0;  // as the file claims
-
-  [[nodiscard]] std::string_view Id() const { return AsText(id); }
-};
-
-Result<std::optional<Chunk>> ChunkAt(const InputFile& file, std::uint64_t offset) {
-  std::array<std::uint8_t, kChunkHeader> bytes{};
-  const auto got = file.ReadAt(offset, bytes);
-  if (!got) return Failure(got.error());
-  if (*got < bytes.size()) return std::optional<Chunk>();
-  Chunk chunk;
-  std::copy_n(bytes.begin(), 4, chunk.id.begin());
-  ByteReader in(bytes);
-  in.Skip(4);
-  chunk.size = in.U32Le();
-  return std::optional(chunk);
+void Turn(std::span<std::uint8_t> bytes) {
+  std::ranges::reverse(bytes);
 }
 
-bool LooksLikeId(std::string_view id) {
-  return std::ranges::all_of(id, [](char c) { return c >= 0x20 && c < 0x7F; });
-}
-
-// Whether whole chunks follow up to the end of the file.
-Result<bool> ChunksFollow(const InputFile& file, std::uint64_t offset) {
-  for (int count = 0; count < kMostChunks && offset < file.Size(); ++count) {
-    const auto chunk = ChunkAt(file, offset);
-    if (!chunk) return Failure(chunk.error());
-    if (!*chunk || !LooksLikeId((*chunk)->Id())) return false;
-    const std::uint64_t end = offset + kChunkHeader + (*chunk)->size;
-    if (end > file.Size()) return false;
-    offset = end + end % 2;
+// A format record of big-endian numbers, made little-endian: that of PCM and, by its sub-format, of the
+// extensible kind, whose identifier is a number of 32 bits, two of 16 and eight bytes.
+void TurnFormat(Bytes& record) {
+  constexpr std::size_t kFields[] = {2, 2, 4, 4, 2, 2, 2, 2, 4, 4, 2, 2};
+  std::size_t at = 0;
+  for (const std::size_t size : kFields) {
+    if (at + size > record.size()) return;
+    Turn(std::span(record).subspan(at, size));
+    at += size;
   }
-  return offset >= file.Size();
 }
 
 class LayoutReader {
  public:
-  explicit LayoutReader(const InputFile& file) : file_(file) {}
+  LayoutReader(const InputFile& file, bool rf64, ByteOrder order)
+      : file_(file), walk_(file, order), rf64_(rf64), order_(order) {}
 
   Result<WaveLayout> Read() {
-    if (const Outcome form = ReadForm(); Failed(form)) return Failure(form);
-    for (int count = 0; count < kMostChunks && !(format_ && data_); ++count) {
-      const auto chunk = ChunkAt(file_, offset_);
-      if (!chunk) return Failure(chunk.error());
-      if (!*chunk) break;
-      if (const Outcome taken = Take(**chunk); Failed(taken)) return Failure(taken);
+    WalkedChunk chunk;
+    while (!(format_ && data_)) {
+      const auto there = walk_.Here(chunk);
+      if (!there) return Failure(there.error());
+      if (!*there) break;
+      if (const Outcome taken = Take(chunk); Failed(taken)) return Failure(taken);
     }
     if (!format_ || !data_) return Failure(Outcome::WrongFormat);
-    return WaveLayout{*format_, data_->offset, data_->size};
+    const std::uint64_t frame = std::max<std::uint64_t>(format_->blockAlign, 1);
+    if (data_->claimed >= frame && data_->claimed != kOpenSize && data_->size < frame)
+      return Failure(Outcome::SourceFailed);
+    if (order_ == ByteOrder::Big && !SampleTypeOf(*format_)) return Failure(Outcome::WrongFormat);
+    return WaveLayout{
+        .format = *format_, .dataOffset = data_->offset, .dataSize = data_->size, .order = order_};
   }
 
  private:
-  struct Place {
+  struct Data {
     std::uint64_t offset;
-    std::uint64_t size;
+    std::uint64_t size;  // what there is
+    std::uint32_t claimed;
   };
 
-  Outcome ReadForm() {
-    std::array<std::uint8_t, kFormHeader> bytes{};
-    const auto got = file_.ReadAt(0, bytes);
-    if (!got) return got.error();
-    ByteReader in(ByteView(bytes).first(*got));
-    const std::string_view id = in.Tag();
-    in.Skip(4);
-    if ((id != "RIFF" && id != "RF64") || in.Tag() != "WAVE") return Outcome::WrongFormat;
-    rf64_ = id == "RF64";
-    offset_ = kFormHeader;
-    return Outcome::Success;
-  }
-
-  Outcome Take(const Chunk& chunk) {
-    const std::uint64_t begin = offset_ + kChunkHeader;
+  Outcome Take(const WalkedChunk& chunk) {
     std::uint64_t size = chunk.size;
     Outcome taken = Outcome::Success;
-    if (chunk.Id() == "fmt " && !format_) taken = TakeFormat(begin, chunk.size);
-    if (chunk.Id() == "ds64" && rf64_) taken = TakeLongSizes(begin);
+    if (chunk.Id() == "fmt " && !format_) taken = TakeFormat(chunk);
+    if (chunk.Id() == "ds64" && rf64_) taken = TakeLongSizes(chunk);
     if (chunk.Id() == "data" && !data_) {
-      const auto actual = DataSize(begin, chunk.size);
+      const auto actual = DataSize(chunk.offset, chunk.size);
       if (!actual) return actual.error();
       size = *actual;
-      data_ = Place{begin, size};
+      data_ = Data{chunk.offset, size, chunk.size};
     }
-    return Failed(taken) ? taken : MoveBehind(begin + size);
+    return Failed(taken) ? taken : walk_.MoveBehind(chunk.offset + size);
   }
 
-  Outcome TakeFormat(std::uint64_t begin, std::uint32_t size) {
-    if (size < kLeastFormat) return Outcome::WrongFormat;
-    Bytes bytes(std::min<std::size_t>(size, kMostFormat));
-    const auto got = file_.ReadAt(begin, bytes);
-    if (!got) return got.error();
-    format_ = ParseWaveFormat(ByteView(bytes).first(*got));
+  Outcome TakeFormat(const WalkedChunk& chunk) {
+    if (chunk.size < kLeastFormat) return Outcome::WrongFormat;
+    auto bytes = walk_.Content(chunk, kMostFormat);
+    if (!bytes) return bytes.error();
+    if (order_ == ByteOrder::Big) TurnFormat(*bytes);
+    format_ = ParseWaveFormat(*bytes);
     return format_ ? Outcome::Success : Outcome::WrongFormat;
   }
 
-  Outcome TakeLongSizes(std::uint64_t begin) {
-    std::array<std::uint8_t, 16> bytes{};
-    const auto got = file_.ReadAt(begin, bytes);
-    if (!got) return got.error();
-    ByteReader in(ByteView(bytes).first(*got));
+  Outcome TakeLongSizes(const WalkedChunk& chunk) {
+    const auto bytes = walk_.Content(chunk, 16);
+    if (!bytes) return bytes.error();
+    ByteReader in(*bytes);
     in.Skip(8);
     longData_ = in.U64Le();
     return Outcome::Success;
@@ -126,32 +97,20 @@ class LayoutReader {
     if (claimed == kOpenSize) return rf64_ && longData_ != 0 ? std::min(longData_, left) : left;
     if (claimed == 0 && left != 0) {
       // An empty chunk among others, or one whose size was never written.
-      const auto chunks = ChunksFollow(file_, begin);
+      const auto chunks = walk_.ChunksFollow(begin);
       if (!chunks) return Failure(chunks.error());
       return *chunks ? 0 : left;
     }
     return std::min<std::uint64_t>(claimed, left);
   }
 
-  // Behind a chunk of odd length there is a byte of padding, which some writers forget.
-  Outcome MoveBehind(std::uint64_t end) {
-    offset_ = end + end % 2;
-    if (end % 2 == 0) return Outcome::Success;
-    const auto padded = ChunkAt(file_, offset_);
-    const auto bare = ChunkAt(file_, end);
-    if (!padded) return padded.error();
-    if (!bare) return bare.error();
-    const bool paddedFits = *padded && LooksLikeId((*padded)->Id());
-    if (!paddedFits && *bare && LooksLikeId((*bare)->Id())) offset_ = end;
-    return Outcome::Success;
-  }
-
   const InputFile& file_;
-  std::uint64_t offset_ = 0;
-  bool rf64_ = false;
+  ChunkWalk walk_;
+  bool rf64_;
+  ByteOrder order_;
   std::uint64_t longData_ = 0;
   std::optional<WaveFormat> format_;
-  std::optional<Place> data_;
+  std::optional<Data> data_;
 };
 
 // What follows the size of the form: its type, the chunks and the padding.
@@ -163,8 +122,45 @@ std::uint64_t FormSize(const WaveFormat& format, std::uint64_t dataSize, bool rf
 
 }  // namespace
 
+bool IsWave(ByteView start) {
+  ByteReader in(start);
+  const std::string_view id = in.Tag();
+  in.Skip(4);
+  return (id == "RIFF" || id == "RIFX" || id == "RF64") && in.Tag() == "WAVE";
+}
+
 Result<WaveLayout> ReadWaveLayout(const InputFile& file) {
-  return LayoutReader(file).Read();
+  std::array<std::uint8_t, kFormHead> head{};
+  const auto got = file.ReadAt(0, head);
+  if (!got) return Failure(got.error());
+  if (!IsWave(ByteView(head).first(*got))) return Failure(Outcome::WrongFormat);
+  const std::string_view id = ByteReader(head).Tag();
+  return LayoutReader(file, id == "RF64", id == "RIFX" ? ByteOrder::Big : ByteOrder::Little).Read();
+}
+
+void BringToRiff(const WaveLayout& layout, std::span<std::uint8_t> samples) {
+  if (layout.signedBytes) {
+    for (std::uint8_t& sample : samples) sample ^= 0x80;
+  }
+  if (layout.order == ByteOrder::Little) return;
+  const auto turnAll = [samples]<std::size_t kSize>(std::integral_constant<std::size_t, kSize>) {
+    for (std::size_t at = 0; at + kSize <= samples.size(); at += kSize) {
+      for (std::size_t i = 0; i < kSize / 2; ++i) std::swap(samples[at + i], samples[at + kSize - 1 - i]);
+    }
+  };
+  const auto type = SampleTypeOf(layout.format);
+  switch (type ? SampleSize(*type) : 1) {
+    case 2:
+      return turnAll(std::integral_constant<std::size_t, 2>());
+    case 3:
+      return turnAll(std::integral_constant<std::size_t, 3>());
+    case 4:
+      return turnAll(std::integral_constant<std::size_t, 4>());
+    case 8:
+      return turnAll(std::integral_constant<std::size_t, 8>());
+    default:
+      return;
+  }
 }
 
 bool NeedsRf64(const WaveFormat& format, std::uint64_t dataSize) {

@@ -6,7 +6,7 @@
 
 #include "audio/channel_mix.h"
 #include "audio/sample_codec.h"
-#include "platform/resampler.h"
+#include "platform/media/resampler.h"
 
 namespace ts5 {
 namespace {
@@ -161,12 +161,15 @@ class WaveWriter final : public PcmSink {
 }  // namespace
 
 Result<std::unique_ptr<PcmSource>> OpenPcm(const std::string& path) {
-  auto wave = WaveFile::Open(path);
-  if (wave && SampleTypeOf(wave->Format())) return WaveSource(std::move(*wave));
-  if (!wave && wave.error() != Outcome::WrongFormat) return Failure(wave.error());
-  auto reader = MediaReader::Open(path);
-  if (!reader) return Failure(reader.error());
-  return std::unique_ptr<PcmSource>(std::move(*reader));
+  auto media = OpenMediaFile(path);
+  if (!media) return Failure(media.error());
+  return PcmOf(std::move(*media));
+}
+
+Result<std::unique_ptr<PcmSource>> PcmOf(MediaFile media) {
+  if (media.wave && SampleTypeOf(media.wave->Format())) return WaveSource(std::move(*media.wave));
+  if (!media.decoder) return Failure(Outcome::WrongFormat);
+  return std::unique_ptr<PcmSource>(std::move(media.decoder));
 }
 
 Result<std::unique_ptr<PcmSource>> WaveSource(WaveFile file) {

@@ -4,16 +4,20 @@
 #include <memory>
 #include <string>
 
+#include "audio/media_file.h"
 #include "audio/wave_file.h"
-#include "platform/media_reader.h"
-#include "platform/outcome.h"
-#include "platform/pcm_stream.h"
+#include "platform/base/outcome.h"
+#include "platform/media/pcm_stream.h"
 
 namespace ts5 {
 
-// Any supported file as samples: uncompressed wave files by themselves, everything else by its decoder.
-// SourceFailed: it cannot be opened; WrongFormat: no supported audio; ReadFailed, OutOfMemory.
+// Any supported file as samples: uncompressed wave and AIFF files by themselves, everything else by its
+// decoder. SourceFailed: it cannot be opened, or promises samples and has none; WrongFormat: no supported
+// audio; ReadFailed, OutOfMemory.
 [[nodiscard]] Result<std::unique_ptr<PcmSource>> OpenPcm(const std::string& path);
+
+// The samples of a file that is open already. WrongFormat: nothing here decodes it.
+[[nodiscard]] Result<std::unique_ptr<PcmSource>> PcmOf(MediaFile media);
 
 // The samples of an open wave file. WrongFormat: its data are compressed.
 [[nodiscard]] Result<std::unique_ptr<PcmSource>> WaveSource(WaveFile file);

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "frame/player_control.h"
-#include "platform/outcome.h"
-#include "platform/pcm_stream.h"
-#include "platform/work_watch.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/media/pcm_stream.h"
 
 namespace ts5 {
 

@@ -1,87 +1,29 @@
 #include "audio/ui/audio_properties_dialog.h"
 
-#include <QTreeWidget>
+#include <QWidget>
 #include <utility>
 
 #include "audio/texts.h"
-#include "audio/wave_stream.h"
+#include "audio/ui/attributes_dialog.h"
+#include "audio/ui/audio_property_list.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/properties_dialog.h"
 #include "frame/ui/qt_text.h"
 #include "midi/texts.h"
-#include "ui_AUDIOPROPS.h"
+#include "platform/base/text.h"
 #include "ui_FILEPROPS_WAVE.h"
 
 namespace ts5 {
-namespace {
-
-// Beside the labels of what is measured, until it is.
-std::vector<PropertyRow> Unmeasured(TextId value) {
-  std::vector<PropertyRow> rows = LoudnessRows({});
-  for (PropertyRow& row : rows) row.value = Text(value);
-  return rows;
-}
-
-class CompressedDialog final : public HostedDialog {
- public:
-  CompressedDialog(const AudioProperties& properties, const std::string& path, DialogHost& host,
-                   QWidget* parent)
-      : HostedDialog(host, QtText(texts::PropertiesPrompt), parent) {
-    ui_.setupUi(this);
-    ConnectButtons();
-    setWindowTitle(ToQt(properties.title));
-    new AudioPropertyList(*ui_.propertyList, properties.rows, path);
-  }
-
-  QString HelpTopic() const override { return QStringLiteral("Befehle-Datei-Eigenschaften.htm"); }
-
- private:
-  Ui::AUDIOPROPS ui_;
-};
-
-}  // namespace
-
-AudioPropertyList::AudioPropertyList(QTreeWidget& list, const std::vector<PropertyRow>& rows,
-                                     const std::string& path)
-    : QObject(&list), list_(list), engine_(loop_) {
-  for (const PropertyRow& row : rows) AddRow(row);
-  if (!path.empty()) {
-    for (const PropertyRow& row : Unmeasured(texts::AudioPropertyMeasuring)) AddRow(row);
-    Measure(path);
-  }
-  list_.resizeColumnToContents(0);
-  list_.setColumnWidth(0, list_.columnWidth(0) + list_.fontMetrics().averageCharWidth() * 2);
-  list_.setCurrentItem(list_.topLevelItem(0));
-}
-
-void AudioPropertyList::Measure(const std::string& path) {
-  auto source = OpenPcm(path);
-  if (!source) return ShowMeasured(Unmeasured(texts::AudioPropertyNotMeasured));
-  auto sink = std::make_unique<LoudnessSink>((*source)->Shape());
-  const LoudnessSink* const meter = sink.get();
-  engine_.Build(*std::move(source), std::move(sink));
-  (void)engine_.Start({.finished = [this, meter](Outcome outcome) {
-    ShowMeasured(Succeeded(outcome) ? LoudnessRows(meter->Measured())
-                                    : Unmeasured(texts::AudioPropertyNotMeasured));
-  }});
-}
-
-void AudioPropertyList::ShowMeasured(const std::vector<PropertyRow>& rows) {
-  for (const PropertyRow& row : rows) {
-    for (QTreeWidgetItem* item : list_.findItems(ToQt(row.label), Qt::MatchExactly, 0))
-      item->setText(1, ToQt(row.value));
-  }
-}
-
-void AudioPropertyList::AddRow(const PropertyRow& row) {
-  auto* const item = new QTreeWidgetItem(&list_, {ToQt(row.label), ToQt(row.value)});
-  item->setToolTip(1, ToQt(row.value).toHtmlEscaped());
-}
 
 std::unique_ptr<HostedDialog> AudioPropertiesDialog(const AudioProperties& properties,
                                                     const std::string& path, DialogHost& host,
-                                                    QWidget* parent) {
-  if (!IsWaveKind(properties.kind)) return std::make_unique<CompressedDialog>(properties, path, host, parent);
+                                                    QWidget* parent, unsigned id3Version) {
+  if (!IsWaveKind(properties.kind)) {
+    const std::vector<std::string> files(path.empty() ? 0 : 1, path);
+    auto dialog = std::make_unique<AttributesDialog>(properties, path, files, host, parent);
+    dialog->SetId3Version(id3Version);
+    return dialog;
+  }
   auto page = std::make_unique<QWidget>();
   Ui::FILEPROPS_WAVE ui;
   ui.setupUi(page.get());
@@ -90,14 +32,24 @@ std::unique_ptr<HostedDialog> AudioPropertiesDialog(const AudioProperties& prope
                                             std::move(page), host, parent);
 }
 
-void ShowAudioProperties(const std::string& path, DialogHost& host, QWidget* owner) {
+void ShowAudioProperties(const std::string& path, DialogHost& host, QWidget* owner, unsigned id3Version) {
   const auto properties = ReadAudioProperties(path);
   if (!properties) {
     ShowWarning(owner, properties.error() == Outcome::WrongFormat ? texts::PropertyUnknownFormat
                                                                   : texts::PropertyFileNotOpened);
     return;
   }
-  AudioPropertiesDialog(*properties, path, host, owner)->exec();
+  AudioPropertiesDialog(*properties, path, host, owner, id3Version)->exec();
+}
+
+void ShowAudioProperties(const std::vector<std::string>& paths, DialogHost& host, QWidget* owner,
+                         unsigned id3Version) {
+  AudioProperties properties;
+  properties.title = Format(Text(texts::PropertiesTitle), Format(Text(texts::AttributesFiles), paths.size()));
+  properties.rows = SummaryRows(paths);
+  AttributesDialog dialog(properties, "", paths, host, owner);
+  dialog.SetId3Version(id3Version);
+  dialog.exec();
 }
 
 }  // namespace ts5

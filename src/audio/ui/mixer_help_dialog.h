@@ -8,7 +8,7 @@
 #include "audio/midi_to_wave_parameters.h"
 #include "frame/settings.h"
 #include "frame/ui/hosted_dialog.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace Ui {
 class ASKDIALOG;

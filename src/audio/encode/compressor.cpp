@@ -1,0 +1,229 @@
+#include "audio/encode/compressor.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "audio/audio_remarks.h"
+#include "audio/encode/encode.h"
+#include "audio/encode/encode_fields.h"
+#include "audio/encode/replay_gain.h"
+#include "audio/encode/texts.h"
+#include "audio/interfaces/encoder_interface.h"
+#include "audio/interfaces/encoder_run.h"
+#include "audio/tags/attribute_store.h"
+#include "audio/tags/name_pattern.h"
+#include "frame/item_run.h"
+#include "frame/run.h"
+#include "frame/texts.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+
+namespace ts5 {
+namespace {
+
+constexpr double kEncodingPart = 0.8;  // of the work on an item, when its result is proved
+
+constexpr Remark kOwnRemarks[] = {
+    {Code(Outcome::NotProven), texts::EncodeNotProven},
+};
+
+std::span<const Remark> AllRemarks() {
+  static const std::vector<Remark> remarks = [] {
+    std::vector<Remark> all(std::begin(kOwnRemarks), std::end(kOwnRemarks));
+    all.insert(all.end(), AudioRemarks().begin(), AudioRemarks().end());
+    return all;
+  }();
+  return remarks;
+}
+
+const EncodeSettings& SettingsIn(const FilterParameters& parameters) {
+  return static_cast<const AudioCompressorParameters&>(parameters).encode;
+}
+
+WorkWatch PartOf(ItemWork& work, double from, double to) {
+  return {[&work] { return work.Cancelled(); },
+          [&work, from, to](double fraction) { work.progress(from + (to - from) * fraction); }};
+}
+
+std::uint64_t SizeOf(const std::string& path) {
+  std::error_code none;
+  const std::uintmax_t size = std::filesystem::file_size(path, none);
+  return none ? 0 : size;
+}
+
+// The source as its check has opened it.
+struct OpenedItem : PreparedItem {
+  explicit OpenedItem(EncodingSource opened) : source(std::move(opened)) {}
+  EncodingSource source;
+};
+
+// What the run saved, for the user to read.
+void TellSizes(Run& run) {
+  std::uint64_t before = 0;
+  std::uint64_t after = 0;
+  for (const RunItem& item : run.Result().items) {
+    if (item.code < 0 || item.destination.empty()) continue;
+    before += SizeOf(item.source);
+    after += SizeOf(item.destination);
+  }
+  constexpr std::uint64_t kKilo = 1024;
+  if (before == 0) return;
+  const std::uint64_t parts = after * 1000 / before;
+  run.ProtocolLine(Format(Text(texts::EncodeSizes), after / kKilo, before / kKilo, parts / 10, parts % 10));
+}
+
+// The interface and the number of its set that the settings choose; nullptr: there is none.
+struct ChosenSet {
+  const EncoderInterface* interface = nullptr;
+  std::size_t set = 0;
+};
+ChosenSet ChosenIn(const EncoderInterfaces& interfaces, const EncodeSettings& settings) {
+  const bool there =
+      settings.object >= 0 && std::cmp_less(settings.object, interfaces.size()) && settings.format >= 0;
+  if (!there) return {};
+  const EncoderInterface& interface = interfaces[static_cast<std::size_t>(settings.object)];
+  if (std::cmp_greater_equal(settings.format, interface.sets.size())) return {};
+  return {&interface, static_cast<std::size_t>(settings.format)};
+}
+
+class CompressorRun {
+ public:
+  explicit CompressorRun(Run& run) : run_(run), parameters_(run.Parameters<AudioCompressorParameters>()) {
+    if (parameters_.encode.Method() == EncodeMethod::CommandLine)
+      interfaces_ = LoadInterfaces(InterfacesPath());
+  }
+
+  void Execute() {
+    if (parameters_.replayGain && !MeasureAll()) return;
+    ItemFilter filter;
+    filter.independent = true;
+    filter.prepare = [](const FilterParameters& parameters,
+                        const std::string& path) -> Result<std::unique_ptr<PreparedItem>> {
+      auto source = EncodingSource::Open(path, SettingsIn(parameters));
+      if (!source) return Failure(source.error());
+      return std::make_unique<OpenedItem>(*std::move(source));
+    };
+    filter.convert = [this](ItemWork& work) { return Compress(work); };
+    RunItems(run_, filter);
+    TellSizes(run_);
+  }
+
+ private:
+  // False: the run was stopped.
+  bool MeasureAll() {
+    auto gains = MeasureGains(run_, parameters_.attributes);
+    if (!gains) {
+      run_.AddCode(gains.error());
+      run_.Result().cancelled = gains.error() == Outcome::Cancelled;
+      CountItems(run_.Result(), run_.ItemCount());
+      run_.Result().remarks = run_.Remarks();
+      return false;
+    }
+    for (std::size_t i = 0; i < gains->size(); ++i) gains_.emplace(run_.Source(i), (*gains)[i]);
+    return true;
+  }
+
+  // What the job sets, and what was measured.
+  [[nodiscard]] Attributes AttributesOf(const ItemWork& work) const {
+    Attributes attributes = parameters_.attributes;
+    if (const auto gain = gains_.find(work.source); gain != gains_.end())
+      std::ranges::move(GainAttributes(gain->second, ExtensionOf(work.targetName)),
+                        std::back_inserter(attributes));
+    return attributes;
+  }
+
+  Outcome Compress(ItemWork& work) {
+    const EncodeSettings& settings = parameters_.encode;
+    EncodingSource& source = work.Prepared<OpenedItem>().source;
+    const bool prove = WantsProof(settings);
+    const Outcome encoded = Encode(source, work, PartOf(work, 0, prove ? kEncodingPart : 1));
+    // What an encoder of the command line made may be of use although it says that it failed.
+    work.keepTarget = encoded == Outcome::EncoderFailed;
+    if (Failed(encoded)) return encoded;
+    const std::string& made = work.target.TemporaryPath();
+    if (prove) {
+      const Outcome proved = ProveEncoding(source, made, settings, PartOf(work, kEncodingPart, 1));
+      if (Failed(proved)) return proved;
+    }
+    const Outcome written = WriteEncodedAttributes(source, made, settings, AttributesOf(work),
+                                                   static_cast<unsigned>(run_.GetSettings().id3Version));
+    work.keepTarget = written == Outcome::AttributesNotWritten;
+    return written;
+  }
+
+  Outcome Encode(EncodingSource& source, ItemWork& work, const WorkWatch& watch) {
+    if (parameters_.encode.Method() != EncodeMethod::CommandLine)
+      return EncodeFile(source, work.target, parameters_.encode, watch);
+    const auto [interface, set] = ChosenIn(interfaces_, parameters_.encode);
+    if (interface == nullptr) return Outcome::EncoderNotStarted;
+    const std::string directory(DirectoryOf(work.target.TemporaryPath()));
+    return RunEncoder(*interface, set, {source.Path(), source.Seconds()}, directory, work.target, watch);
+  }
+
+  Run& run_;
+  const AudioCompressorParameters& parameters_;
+  EncoderInterfaces interfaces_;
+  std::map<std::string, TrackGain> gains_;  // by their sources
+};
+
+}  // namespace
+
+std::vector<ParameterField> AudioCompressorFields() {
+  auto fields = EncodeFields("", AccessTo(&AudioCompressorParameters::encode));
+  fields.push_back(AttributesField(&AudioCompressorParameters::attributes));
+  FieldTable<AudioCompressorParameters> own;
+  own.Flag("ReplayGain", &AudioCompressorParameters::replayGain)
+      .Row(NamePatternField(&AudioCompressorParameters::namePattern));
+  std::ranges::move(own.Build(), std::back_inserter(fields));
+  return fields;
+}
+
+std::string ExtensionFor(const EncodeSettings& settings) {
+  if (const Encoder* const encoder = EncoderOf(settings)) return std::string(encoder->extension);
+  const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
+  const ChosenSet chosen = ChosenIn(interfaces, settings);
+  return chosen.interface == nullptr ? "mp3" : chosen.interface->extension;
+}
+
+FilterModule AudioCompressorModule() {
+  FilterModule module;
+  module.id = FilterId::AudioCompressor;
+  module.create = [] { return std::make_unique<AudioCompressorParameters>(); };
+  module.fields = AudioCompressorFields();
+  module.run = [](Run& run) { CompressorRun(run).Execute(); };
+  module.remarks = AllRemarks();
+  module.target = [](const FilterParameters& parameters, const std::string& source) {
+    const auto& own = As<AudioCompressorParameters>(parameters);
+    TargetRule rule{.extension = ExtensionFor(own.encode)};
+    rule.name = FileNameFor(own.namePattern, source, own.attributes, rule.extension);
+    if (rule.extension == "wma") rule.fileTypes = texts::FileFilterWma;
+    return rule;
+  };
+  module.missing = [](const Job& job) -> std::optional<TextId> {
+    const EncodeSettings& settings = SettingsIn(*job.parameters);
+    if (settings.Method() == EncodeMethod::CommandLine) {
+      const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
+      const ChosenSet chosen = ChosenIn(interfaces, settings);
+      if (chosen.interface == nullptr || !chosen.interface->Available()) return texts::CompressInterfaceGone;
+      return std::nullopt;
+    }
+    if (EncoderOf(settings) == nullptr) return texts::EncodeNoEncoder;
+    const CodecEntry* const codec = CodecOf(settings);
+    if (codec != nullptr && !codec->formats.empty() &&
+        std::cmp_greater_equal(settings.format, codec->formats.size()))
+      return texts::EncodeNoFormat;
+    return std::nullopt;
+  };
+  module.stop.status = texts::Stopping;
+  return module;
+}
+
+}  // namespace ts5

@@ -1,0 +1,52 @@
+#include "audio/interfaces/ui/set_controls.h"
+
+#include <array>
+
+#include "ui_CREATEMP3INTERFACE_5.h"
+
+namespace ts5 {
+namespace {
+
+struct FlagControl {
+  QCheckBox* Ui::CREATEMP3INTERFACE_5::*box;
+  bool ParameterSet::*member;
+};
+constexpr std::array kFlags{
+    FlagControl{&Ui::CREATEMP3INTERFACE_5::vbrCheck, &ParameterSet::vbr},
+    FlagControl{&Ui::CREATEMP3INTERFACE_5::monoCheck, &ParameterSet::mono},
+    FlagControl{&Ui::CREATEMP3INTERFACE_5::crcCheck, &ParameterSet::crc},
+    FlagControl{&Ui::CREATEMP3INTERFACE_5::copyrightCheck, &ParameterSet::copyright},
+    FlagControl{&Ui::CREATEMP3INTERFACE_5::originalCheck, &ParameterSet::original},
+};
+
+struct DeemphasisControl {
+  QRadioButton* Ui::CREATEMP3INTERFACE_5::*button;
+  Deemphasis value;
+};
+constexpr std::array kDeemphasis{
+    DeemphasisControl{&Ui::CREATEMP3INTERFACE_5::noneRadio, Deemphasis::None},
+    DeemphasisControl{&Ui::CREATEMP3INTERFACE_5::microsecondsRadio, Deemphasis::Microseconds50And15},
+    DeemphasisControl{&Ui::CREATEMP3INTERFACE_5::ccittRadio, Deemphasis::Ccitt},
+};
+
+}  // namespace
+
+void ShowSet(Ui::CREATEMP3INTERFACE_5& controls, const ParameterSet& set) {
+  if (controls.bitRateCombo->count() == 0) {
+    for (const std::uint32_t rate : kInterfaceBitRates) controls.bitRateCombo->addItem(QString::number(rate));
+  }
+  controls.bitRateCombo->setCurrentIndex(static_cast<int>(BitRateIndex(set.bitRate)));
+  for (const FlagControl& flag : kFlags) (controls.*flag.box)->setChecked(set.*flag.member);
+  for (const DeemphasisControl& row : kDeemphasis)
+    (controls.*row.button)->setChecked(set.deemphasis == row.value);
+}
+
+void TakeSet(const Ui::CREATEMP3INTERFACE_5& controls, ParameterSet& set) {
+  set.bitRate = kInterfaceBitRates.at(static_cast<std::size_t>(controls.bitRateCombo->currentIndex()));
+  for (const FlagControl& flag : kFlags) set.*flag.member = (controls.*flag.box)->isChecked();
+  for (const DeemphasisControl& row : kDeemphasis) {
+    if ((controls.*row.button)->isChecked()) set.deemphasis = row.value;
+  }
+}
+
+}  // namespace ts5

@@ -1,0 +1,47 @@
+// The attributes of a job in the registry: "FileAttribute001"... and their number "FileAttributeNum". A value
+// is "TYPE¡NAME¡SELECTED¡LENGTH¡TEXT"; the separator is the character 0xA1 of Windows-1252.
+#pragma once
+
+#include "audio/tags/attribute.h"
+#include "frame/parameters.h"
+#include "platform/store/registry_values.h"
+
+namespace ts5 {
+
+// Only attributes that have a value that is a text or a number, and can be written.
+void SaveAttributes(const Attributes& attributes, RegistryValues& values);
+// What is missing or does not fit, and what is read-only, is left out.
+[[nodiscard]] Attributes LoadAttributes(const RegistryValues& values);
+
+// One attribute as "NAME=VALUE"; selected. Nothing: no name, a read-only or binary one, or a value that does
+// not fit its type.
+[[nodiscard]] std::optional<Attribute> ParseAttribute(std::string_view text);
+
+// The row of a filter's field table that stores its attributes. --set takes "NAME=VALUE", once for
+// each.
+template <typename P>
+[[nodiscard]] ParameterField AttributesField(Attributes P::*member) {
+  ParameterField field;
+  field.name = "FileAttribute";
+  field.load = [member](FilterParameters& p, const RegistryValues& values) {
+    static_cast<P&>(p).*member = LoadAttributes(values);
+  };
+  field.save = [member](const FilterParameters& p, RegistryValues& values) {
+    SaveAttributes(static_cast<const P&>(p).*member, values);
+  };
+  field.set = [member](FilterParameters& p, std::string_view text) {
+    auto attribute = ParseAttribute(text);
+    if (!attribute) return false;
+    Attributes& all = static_cast<P&>(p).*member;
+    if (Attribute* const there = FindAttribute(all, attribute->name)) {
+      *there = *std::move(attribute);
+    } else {
+      all.push_back(*std::move(attribute));
+    }
+    return true;
+  };
+  field.description = "NAME=WERT";
+  return field;
+}
+
+}  // namespace ts5
