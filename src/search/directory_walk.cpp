@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {

@@ -5,10 +5,11 @@
 #include <optional>
 #include <utility>
 
+#include "converters/score_formats.h"
 #include "midi/conductor.h"
 #include "midi/midi_events.h"
 #include "midi/midi_file.h"
-#include "platform/input_file.h"
+#include "platform/files/input_file.h"
 #include "score/score_midi.h"
 #include "search/midi_search.h"
 #include "search/note_stream.h"
@@ -66,8 +67,10 @@ struct SoundingScore {
 };
 
 Result<SoundingScore> MidiOfScore(Bytes file, const CancelCheck& cancelled) {
+  auto image = ScoreImageOf(std::move(file), cancelled);
+  if (!image) return Failure(image.error());
   PlaybackParameters parameters;
-  auto score = OpenAndScan(std::move(file), parameters, false, cancelled);
+  auto score = OpenAndScan(std::move(*image), parameters, false, cancelled);
   if (!score) return Failure(score.error());
   ScoreOptions options;
   options.repeats = false;

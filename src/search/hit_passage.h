@@ -10,9 +10,9 @@
 
 #include "frame/search_hit.h"
 #include "midi/midi_sequence.h"
-#include "platform/bytes.h"
-#include "platform/outcome.h"
-#include "platform/work_watch.h"
+#include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
 
 namespace ts5 {
 

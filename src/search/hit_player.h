@@ -8,8 +8,8 @@
 #include <thread>
 
 #include "frame/search_hit.h"
-#include "platform/midi_out.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
+#include "platform/sound/midi_out.h"
 
 namespace ts5 {
 

@@ -3,9 +3,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "frame/search_hit.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -14,7 +15,8 @@ using HitSink = std::function<Outcome(const SearchHit&)>;
 
 struct SearchOutcome {
   Outcome code = Outcome::Success;
-  std::uint64_t hits = 0;  // sent to the sink and counted; 0 for a damaged track
+  std::uint64_t hits = 0;   // sent to the sink and counted; 0 for a damaged track
+  std::string reason = {};  // of a failure, as RunItem has it
 };
 
 }  // namespace ts5

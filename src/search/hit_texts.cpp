@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "platform/casts.h"
-#include "platform/paths.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/casts.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 #include "search/texts.h"
 
 namespace ts5 {

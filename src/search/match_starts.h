@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "search/note_stream.h"
+#include "search/prepared_melody.h"
 #include "search/search_options.h"
-#include "search/track_matcher.h"
 
 namespace ts5 {
 

@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 #include "search/search_melody.h"
 #include "search/search_parameters.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/texts.h"
 
 namespace ts5 {

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/outcome.h"
-#include "platform/registry.h"
-#include "platform/strings.h"
+#include "platform/base/outcome.h"
+#include "platform/base/strings.h"
+#include "platform/store/registry.h"
 #include "search/search_melody.h"
 
 namespace ts5 {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/note_editor.h"
 
 namespace ts5 {

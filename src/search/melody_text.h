@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 #include "search/search_melody.h"
 
 namespace ts5 {

@@ -1,11 +1,12 @@
 #include "search/midi_search.h"
 
 #include <array>
+#include <vector>
 
 #include "midi/conductor.h"
 #include "midi/midi_file.h"
-#include "platform/files.h"
-#include "platform/input_file.h"
+#include "platform/files/files.h"
+#include "platform/files/input_file.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
@@ -21,12 +22,10 @@ class FileSearcher {
  public:
   FileSearcher(const MidiFileHeader& header, const std::string& path, const MelodyQuery& query,
                const HitSink& sink, const CancelCheck& cancelled)
-      : header_(header),
-        melody_(PrepareMelody(query.elements, header.division)),
-        path_(path),
-        query_(query),
-        sink_(sink),
-        cancelled_(cancelled) {}
+      : header_(header), path_(path), query_(query), sink_(sink), cancelled_(cancelled) {
+    for (std::size_t i = 0; i < query.Count(); ++i)
+      melodies_.push_back(PrepareMelody(query.Melody(i), header.division));
+  }
 
   SearchOutcome Search(ByteView midi) {
     const bool several = header_.trackCount >= 2;
@@ -58,7 +57,7 @@ class FileSearcher {
   }
 
   TrackContext Context(const HitSink& sink) const {
-    return {melody_,
+    return {melodies_,
             query_.options,
             conductor_.signatures,
             header_.division,
@@ -69,11 +68,11 @@ class FileSearcher {
   }
 
   const MidiFileHeader& header_;
-  const PreparedMelody melody_;
   const std::string& path_;
   const MelodyQuery& query_;
   const HitSink& sink_;
   const CancelCheck& cancelled_;
+  std::vector<PreparedMelody> melodies_;
   Conductor conductor_;
   SearchOutcome outcome_;
 };

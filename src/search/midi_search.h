@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 #include "search/hit_sink.h"
 #include "search/melody_query.h"
 

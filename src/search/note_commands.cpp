@@ -28,6 +28,8 @@ constexpr std::array kRows = {
     NoteCommandRow{C::Sixteenth, '6', K::None, texts::TipSixteenth},
     NoteCommandRow{C::ThirtySecond, '3', K::None, texts::TipThirtySecond},
     NoteCommandRow{C::Play, 0, K::F9, texts::TipPlay},
+    NoteCommandRow{C::Undo, 0, K::CtrlZ, texts::TipUndoNote},
+    NoteCommandRow{C::Redo, 0, K::CtrlShiftZ, texts::TipRedoNote},
     NoteCommandRow{C::DeleteAll, 0, K::CtrlDelete, texts::TipDeleteMelody},
     NoteCommandRow{C::Save, 0, K::None, texts::SaveMelodyTitle},
     NoteCommandRow{C::Manage, 0, K::None, texts::TipManageMelodies},

@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 
@@ -50,6 +50,8 @@ enum class NoteCommand : std::uint8_t {
   Play,  // starts, or stops what is playing
   Save,
   Manage,
+  Undo,
+  Redo,
 };
 
 // Keys that carry no character.
@@ -68,6 +70,8 @@ enum class EditorKey : std::uint8_t {
   Delete,
   CtrlDelete,
   Backspace,
+  CtrlZ,
+  CtrlShiftZ,
 };
 
 struct NoteCommandRow {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "search/note_layout.h"
 #include "search/texts.h"
@@ -9,6 +10,8 @@
 namespace ts5 {
 namespace {
 
+constexpr std::size_t kMostSteps = 500;  // that can be undone
+constexpr int kHighestKey = 127;
 constexpr std::array<int, 7> kNoteKeys = {60, 62, 64, 65, 67, 69, 71};
 
 bool Within(NoteCommand command, NoteCommand first, NoteCommand last) {
@@ -78,6 +81,8 @@ bool NoteEditor::IsEnabled(NoteCommand command) const {
   if (IsClef(command)) return empty && !playing_;
   if (command == C::Play) return !empty;
   if (command == C::Save || command == C::DeleteAll) return !empty && !playing_;
+  if (command == C::Undo) return !undo_.empty() && !playing_;
+  if (command == C::Redo) return !redo_.empty() && !playing_;
   if (IsNote(command) || command == C::Rest || IsDeletion(command) || command == C::Manage) return !playing_;
   return true;
 }
@@ -102,6 +107,10 @@ EditResult NoteEditor::Execute(NoteCommand command) {
   switch (command) {
     case C::ToggleDot:
       return Choose(melody_.dotted, !melody_.dotted);
+    case C::Undo:
+      return Restore(undo_, redo_);
+    case C::Redo:
+      return Restore(redo_, undo_);
     case C::Rest:
       return Enter(kRestCode);
     case C::DeleteAtCursor:
@@ -128,13 +137,65 @@ EditResult NoteEditor::Enter(std::int16_t pitch) {
   if (!HasRoomForNote(melody_.elements, width_)) return {false, texts::NoRoomForNote};
   const auto duration =
       static_cast<std::int16_t>(melody_.noteValue + (melody_.dotted ? melody_.noteValue / 2 : 0));
-  if (!InsertMelodyElement(melody_, {pitch, duration}, melody_.cursor)) return {false, texts::NoRoomForNote};
+  Remember();
+  if (!InsertMelodyElement(melody_, {pitch, duration}, melody_.cursor)) {
+    undo_.pop_back();
+    return {false, texts::NoRoomForNote};
+  }
   ++melody_.cursor;
+  return {true, {}, pitch == kRestCode ? std::nullopt : std::optional<int>(KeyOf(pitch))};
+}
+
+EditResult NoteEditor::EnterAt(int place, std::size_t position) {
+  const int key = KeyAtPlace(place, melody_.clef) + static_cast<int>(melody_.accidental);
+  if (playing_ || key < 0 || key > kHighestKey) return {};
+  const std::size_t before = melody_.cursor;
+  melody_.cursor = std::min(position, melody_.elements.size());
+  const EditResult result = Enter(PitchCode(key, melody_.accidental));
+  if (!result.changed) melody_.cursor = before;
+  return result;
+}
+
+EditResult NoteEditor::EnterKey(int key) {
+  if (playing_ || key < 0 || key > kHighestKey) return {};
+  Accidental written = Accidental::None;
+  if (IsBlackKey(key))
+    written = melody_.accidental == Accidental::Flat ? Accidental::Flat : Accidental::Sharp;
+  return Enter(PitchCode(key, written));
+}
+
+NoteEditor::Snapshot NoteEditor::Now() const {
+  return {melody_.elements, melody_.name, melody_.cursor, melody_.clef};
+}
+
+void NoteEditor::Remember() {
+  if (undo_.size() == kMostSteps) undo_.erase(undo_.begin());
+  undo_.push_back(Now());
+  redo_.clear();
+}
+
+EditResult NoteEditor::Restore(std::vector<Snapshot>& from, std::vector<Snapshot>& to) {
+  to.push_back(Now());
+  Snapshot& snapshot = from.back();
+  melody_.elements = std::move(snapshot.elements);
+  melody_.name = std::move(snapshot.name);
+  melody_.cursor = snapshot.cursor;
+  melody_.clef = snapshot.clef;
+  from.pop_back();
   return {true, {}};
 }
 
+void NoteEditor::Replace(SearchMelody melody) {
+  Remember();
+  melody_ = std::move(melody);
+}
+
 EditResult NoteEditor::Delete(std::size_t position, std::size_t count, std::size_t cursor) {
-  if (!RemoveMelodyElements(melody_, position, count)) return {false, texts::NoteNotDeleted};
+  Remember();
+  if (!RemoveMelodyElements(melody_, position, count)) {
+    undo_.pop_back();
+    return {false, texts::NoteNotDeleted};
+  }
   melody_.cursor = cursor;
   return {true, {}};
 }

@@ -40,11 +40,6 @@ NoteShape ShapeOf(int duration) {
   return {5, false};
 }
 
-bool IsBlackKey(int key) {
-  const int semitone = ((key % 12) + 12) % 12;
-  return semitone == 1 || semitone == 3 || semitone == 6 || semitone == 8 || semitone == 10;
-}
-
 // Black keys without an accidental in their code (entered as numbers) are drawn with a sharp.
 Accidental DrawnAccidental(std::int16_t pitch) {
   const Accidental accidental = AccidentalOf(pitch);
@@ -64,6 +59,18 @@ Extent ExtentOf(const MelodyElement& element, double begin) {
 }
 
 }  // namespace
+
+bool IsBlackKey(int key) {
+  const int semitone = ((key % 12) + 12) % 12;
+  return semitone == 1 || semitone == 3 || semitone == 6 || semitone == 8 || semitone == 10;
+}
+
+int KeyAtPlace(int place, Clef clef) {
+  constexpr std::array kSemitones = {0, 2, 4, 5, 7, 9, 11};
+  const int step = place + (clef == Clef::Bass ? kLowestBassStep : kLowestTrebleStep);
+  const int octave = FloorDivide(step, 7);
+  return octave * 12 + kSemitones[static_cast<std::size_t>(step - octave * 7)];
+}
 
 int StaffPlace(std::int16_t pitch, Clef clef) {
   const int written = KeyOf(pitch) - static_cast<int>(AccidentalOf(pitch));
@@ -124,6 +131,17 @@ std::size_t PositionAt(std::span<const MelodyElement> elements, double x) {
     begin = extent.next;
   }
   return elements.size();
+}
+
+std::optional<std::size_t> ElementAt(std::span<const MelodyElement> elements, Clef clef, double x,
+                                     int place) {
+  constexpr double kMargin = 2.0;
+  const std::vector<NotePlace> places = LayOutNotes(elements, clef);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const bool near = std::abs(place - places[i].place) <= (places[i].rest ? 2 : 1);
+    if (near && x >= places[i].x - kMargin && x <= places[i].x + kHeadWidth + kMargin) return i;
+  }
+  return std::nullopt;
 }
 
 bool HasRoomForNote(std::span<const MelodyElement> elements, double width) {

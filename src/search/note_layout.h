@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -38,6 +39,9 @@ struct NotePlace {
 // The staff place of a key as it is written.
 [[nodiscard]] int StaffPlace(std::int16_t pitch, Clef clef);
 [[nodiscard]] std::vector<int> LedgerLines(int place);
+// The natural key that is written there, which may lie outside 0..127.
+[[nodiscard]] int KeyAtPlace(int place, Clef clef);
+[[nodiscard]] bool IsBlackKey(int key);
 
 // One place per element.
 [[nodiscard]] std::vector<NotePlace> LayOutNotes(std::span<const MelodyElement> elements, Clef clef);
@@ -45,6 +49,9 @@ struct NotePlace {
 [[nodiscard]] double CursorX(std::span<const MelodyElement> elements, std::size_t position);
 // The insertion position nearest to x, for a click.
 [[nodiscard]] std::size_t PositionAt(std::span<const MelodyElement> elements, double x);
+// The element whose head or rest lies at x and a staff place, for a click.
+[[nodiscard]] std::optional<std::size_t> ElementAt(std::span<const MelodyElement> elements, Clef clef,
+                                                   double x, int place);
 // Whether another element has its place on a staff of the width.
 [[nodiscard]] bool HasRoomForNote(std::span<const MelodyElement> elements, double width);
 

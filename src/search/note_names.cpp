@@ -3,8 +3,8 @@
 #include <array>
 #include <string_view>
 
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 #include "search/texts.h"
 
 namespace ts5 {

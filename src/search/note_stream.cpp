@@ -14,7 +14,6 @@ constexpr std::uint64_t kMaxOffset = std::uint64_t{1} << 30;
 
 bool NoteStream::NextBlock() {
   if (last_) return false;
-  ahead_ = 0;
   last_ = !DecodeBlock();
   settled_ = 0;
   if (size_ > 0 && offsets_[size_ - 1] > static_cast<std::int32_t>(kChordTicks)) {
@@ -89,37 +88,37 @@ void NoteStream::Measure() {
   }
 }
 
-std::optional<std::uint64_t> NoteStream::LookAhead(std::size_t note) {
+std::optional<std::uint64_t> NoteStream::LookAhead(std::size_t note, Look& look) const {
   const std::uint64_t tick = Tick(note);
-  ahead_ = std::max(ahead_, note + 1);
-  while (ahead_ < size_ && Tick(ahead_) - tick <= kChordTicks) ++ahead_;
-  if (ahead_ < size_) return Tick(ahead_) - tick;
-  return NextOnsetBehindBlock(tick);
+  look.ahead = std::max(look.ahead, note + 1);
+  while (look.ahead < size_ && Tick(look.ahead) - tick <= kChordTicks) ++look.ahead;
+  if (look.ahead < size_) return Tick(look.ahead) - tick;
+  return NextOnsetBehindBlock(tick, look);
 }
 
-std::optional<std::uint64_t> NoteStream::NextOnsetBehindBlock(std::uint64_t tick) {
-  if (!farUsed_ || far_.Remaining() >= cursor_.Remaining()) {
-    far_ = cursor_;
-    farUsed_ = true;
-    farNote_ = false;
+std::optional<std::uint64_t> NoteStream::NextOnsetBehindBlock(std::uint64_t tick, Look& look) const {
+  if (!look.farUsed || look.far.Remaining() >= cursor_.Remaining()) {
+    look.far = cursor_;
+    look.farUsed = true;
+    look.farNote = false;
   }
-  for (int untilPoll = kEventsPerPoll; !farNote_ || farTick_ - tick <= kChordTicks; --untilPoll) {
+  for (int untilPoll = kEventsPerPoll; !look.farNote || look.farTick - tick <= kChordTicks; --untilPoll) {
     if (untilPoll == 0) {
       if (cancelled_ && cancelled_()) return std::nullopt;
       untilPoll = kEventsPerPoll;
     }
     MidiEvent event;
-    if (!far_.Next(event)) {
-      farNote_ = false;
-      if (far_.Damaged()) return std::nullopt;
-      return std::max(far_.Tick() - tick, kChordTicks);
+    if (!look.far.Next(event)) {
+      look.farNote = false;
+      if (look.far.Damaged()) return std::nullopt;
+      return std::max(look.far.Tick() - tick, kChordTicks);
     }
     if (event.IsNoteOn()) {
-      farNote_ = true;
-      farTick_ = event.tick;
+      look.farNote = true;
+      look.farTick = event.tick;
     }
   }
-  return farTick_ - tick;
+  return look.farTick - tick;
 }
 
 }  // namespace ts5

@@ -11,7 +11,7 @@
 #include <optional>
 
 #include "midi/midi_events.h"
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace ts5 {
 
@@ -47,12 +47,25 @@ class NoteStream {
   // How many notes of the block, from its start, are certain to have their next onset inside it.
   [[nodiscard]] std::size_t Settled() const { return settled_; }
 
+  // Where the looks of one reader of the stream have ended, so that they never walk twice. Each reader has
+  // its own, and calls BeginBlock for each block before its first look.
+  struct Look {
+    std::size_t ahead = 0;  // inside the block
+    // Behind the block: stands behind a note-on at farTick, or at the end of the track.
+    MidiEventCursor far;
+    bool farUsed = false;
+    bool farNote = false;
+    std::uint64_t farTick = 0;
+
+    void BeginBlock() { ahead = 0; }
+  };
+
   // Ticks from the note to the next note-on that lies more than kChordTicks behind it, on any channel. At the
   // end of the track the ticks up to there, but at least kChordTicks. Nothing when the track breaks off
   // before, or the search was cancelled meanwhile. Notes must be asked for in order.
-  [[nodiscard]] std::optional<std::uint64_t> NextOnsetDistance(std::size_t note) {
+  [[nodiscard]] std::optional<std::uint64_t> NextOnsetDistance(std::size_t note, Look& look) const {
     if (measures_ && distances_[note] != 0) return static_cast<std::uint64_t>(distances_[note]);
-    return LookAhead(note);
+    return LookAhead(note, look);
   }
 
   static constexpr std::size_t kBlock = 2048;  // events
@@ -60,8 +73,8 @@ class NoteStream {
  private:
   [[nodiscard]] bool DecodeBlock();
   void Measure();
-  [[nodiscard]] std::optional<std::uint64_t> LookAhead(std::size_t note);
-  [[nodiscard]] std::optional<std::uint64_t> NextOnsetBehindBlock(std::uint64_t tick);
+  [[nodiscard]] std::optional<std::uint64_t> LookAhead(std::size_t note, Look& look) const;
+  [[nodiscard]] std::optional<std::uint64_t> NextOnsetBehindBlock(std::uint64_t tick, Look& look) const;
 
   std::array<std::int16_t, kBlock> keys_;         // not bytes, whose stores would alias all other state
   std::array<std::int32_t, kBlock + 3> offsets_;  // from base_, below 2^31
@@ -70,15 +83,8 @@ class NoteStream {
   std::uint64_t base_ = 0;
   std::size_t size_ = 0;  // decoded notes
   std::size_t settled_ = 0;
-  std::size_t ahead_ = 0;   // where the last look ahead ended, inside the block
   MidiEventCursor cursor_;  // behind the block
-  // For looks behind the block: stays where the last look ended, so that looks never walk twice. It stands
-  // behind a note-on at farTick_, or at the end of the track.
-  MidiEventCursor far_;
   const std::function<bool()>& cancelled_;
-  bool farUsed_ = false;
-  bool farNote_ = false;
-  std::uint64_t farTick_ = 0;
   bool stopAtDrums_;
   bool measures_;
   bool stopped_ = false;

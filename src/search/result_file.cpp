@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/hit_texts.h"
 
 namespace ts5 {
@@ -11,6 +11,11 @@ namespace {
 constexpr std::size_t kBuffer = std::size_t{1} << 16;
 
 }  // namespace
+
+bool IsResultFile(const std::string& path) {
+  const auto start = ReadFileStart(path, ResultTagLine().size());
+  return start && AsText(*start) == ResultTagLine();
+}
 
 Result<ResultFileWriter> ResultFileWriter::Create(const std::string& path, bool append,
                                                   const SearchRecord& record) {
@@ -31,10 +36,10 @@ Outcome ResultFileWriter::WriteHit(const SearchHit& hit) {
   return Append(HitLine(kind_, hit));
 }
 
-Outcome ResultFileWriter::Finish(const SearchRecord& record) {
+Outcome ResultFileWriter::Finish(const SearchRecord& record, const std::function<Outcome(StagedFile&)>& put) {
   Outcome outcome = WriteResultFooter(record);
   if (Succeeded(outcome)) outcome = FlushBuffer();
-  return Succeeded(outcome) ? file_.Commit() : outcome;
+  return Succeeded(outcome) ? put(file_) : outcome;
 }
 
 Outcome ResultFileWriter::WriteResultHeader(const SearchRecord& record) {

@@ -2,14 +2,18 @@
 // one behind the other; it is recognised by the first line of its first one.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "frame/search_hit.h"
-#include "platform/files.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
+#include "platform/files/files.h"
 #include "search/search_record.h"
 
 namespace ts5 {
+
+// Whether the file begins as a result file does.
+[[nodiscard]] bool IsResultFile(const std::string& path);
 
 // Writes one search. The file comes into being, or is extended, only with Finish; until then the old one
 // stays as it is.
@@ -20,8 +24,8 @@ class ResultFileWriter {
                                                        const SearchRecord& record);
 
   [[nodiscard]] Outcome WriteHit(const SearchHit& hit);  // WriteFailed
-  // The foot; then the file is put in its place. WriteFailed, TargetFailed.
-  [[nodiscard]] Outcome Finish(const SearchRecord& record);
+  // The foot; then put() puts the file in its place. WriteFailed, or what put() says.
+  [[nodiscard]] Outcome Finish(const SearchRecord& record, const std::function<Outcome(StagedFile&)>& put);
   // Where it is written until then.
   [[nodiscard]] const std::string& TemporaryPath() const { return file_.TemporaryPath(); }
 

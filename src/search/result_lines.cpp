@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "frame/texts.h"
-#include "platform/input_file.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/input_file.h"
 #include "search/hit_texts.h"
 #include "search/texts.h"
 

@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 #include "search/search_results.h"
 
 namespace ts5 {

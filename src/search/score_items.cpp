@@ -3,7 +3,7 @@
 #include <queue>
 #include <tuple>
 
-#include "platform/casts.h"
+#include "platform/base/casts.h"
 #include "score/score_system.h"
 
 namespace ts5 {

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 #include "score/playback_parameters.h"
 #include "score/score_info.h"
 #include "search/melody_query.h"

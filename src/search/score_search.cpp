@@ -1,17 +1,18 @@
 #include "search/score_search.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
-#include "platform/input_file.h"
+#include "converters/score_formats.h"
+#include "platform/files/input_file.h"
 #include "search/score_items.h"
 #include "search/track_matcher.h"
 
 namespace ts5 {
 namespace {
 
-constexpr std::size_t kCancelEvery = 4096;  // items
+constexpr std::size_t kCancelEvery = 4096;                 // items
+constexpr std::size_t kBeginning = std::size_t{64} << 10;  // in which every score says what it is
 
 struct Element {
   std::uint8_t key = 0;  // 0 of a rest
@@ -94,12 +95,11 @@ class VoiceMatcher {
 SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileInfo& info,
                           const std::string& path, const MelodyQuery& query, const HitSink& sink,
                           const CancelCheck& cancelled) {
-  const std::vector<Element> melody = Prepared(query.elements);
-  if (melody.empty()) return {};
+  std::vector<std::vector<Element>> melodies;
+  for (std::size_t i = 0; i < query.Count(); ++i) melodies.push_back(Prepared(query.Melody(i)));
   SearchOutcome outcome;
   SearchHit hit;
   hit.file = path;
-  VoiceMatcher matcher(melody, query.options, cancelled);
   const auto send = [&](const ScoreSearchItem& first, const ScoreSearchItem& last) {
     hit.firstSystem = first.system;
     hit.lastSystem = last.system;
@@ -119,8 +119,12 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
     hit.track = static_cast<std::int32_t>(line);
     for (std::size_t voice = 0; voice < kMaxVoices; ++voice) {
       hit.voice = static_cast<std::int32_t>(voice);
-      outcome.code = matcher.Search(lines[line][voice], send);
-      if (Failed(outcome.code)) return outcome;
+      for (std::size_t i = 0; i < melodies.size(); ++i) {
+        if (melodies[i].empty()) continue;
+        hit.melody = static_cast<std::int32_t>(i);
+        outcome.code = VoiceMatcher(melodies[i], query.options, cancelled).Search(lines[line][voice], send);
+        if (Failed(outcome.code)) return outcome;
+      }
     }
   }
   return outcome;
@@ -144,13 +148,16 @@ SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query,
   const auto file = InputFile::Open(path);
   if (!file) return {Outcome::SourceFailed, 0};
   // A large file of another kind is not read for nothing.
-  std::array<std::uint8_t, sizeof kScoreMagic> beginning{};
+  Bytes beginning(kBeginning);
   const auto read = file->ReadAt(0, beginning);
   if (!read) return {Outcome::SourceFailed, 0};
-  if (ByteReader(beginning).U32Le() != kScoreMagic) return {Outcome::WrongFormat, 0};
-  const auto image = file->ReadAll(kMaxScoreFile, cancelled);
-  if (image) return SearchScoreImage(*image, path, query, sink, cancelled);
-  return {image.error() == Outcome::ReadFailed ? Outcome::SourceFailed : image.error(), 0};
+  beginning.resize(*read);
+  if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
+  auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
+  if (bytes) bytes = ScoreImageOf(std::move(*bytes), cancelled);
+  if (bytes) return SearchScoreImage(*bytes, path, query, sink, cancelled);
+  const bool damaged = bytes.error() == Outcome::ReadFailed || bytes.error() == Outcome::DamagedScore;
+  return {damaged ? Outcome::SourceFailed : bytes.error(), 0};
 }
 
 }  // namespace ts5

@@ -18,8 +18,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/registry_values.h"
+#include "platform/base/bytes.h"
+#include "platform/store/registry_values.h"
 
 namespace ts5 {
 

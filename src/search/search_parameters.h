@@ -6,7 +6,7 @@
 
 #include "frame/filter_id.h"
 #include "frame/parameters.h"
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 #include "search/search_melody.h"
 #include "search/search_options.h"
 
@@ -18,6 +18,7 @@ inline constexpr std::int32_t kMostTempo = 240;
 
 struct SearchParameters : ClonableParameters<SearchParameters> {
   SearchMelody melody;
+  std::vector<SearchMelody> more;  // that a command looks for with it, in one pass; not stored
   SearchOptions options;
   std::int32_t device = kMidiMapper;  // index of the output device that plays the melody
   std::int32_t tempo = 120;           // beats per minute, kLeastTempo..kMostTempo
@@ -29,7 +30,5 @@ struct SearchParameters : ClonableParameters<SearchParameters> {
 
 // Whether there is a note to look for.
 [[nodiscard]] bool HasMelody(const SearchParameters& parameters);
-// The German name of a General MIDI program, 0..127.
-[[nodiscard]] std::string_view InstrumentName(std::int32_t program);
 
 }  // namespace ts5

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "frame/filter_id.h"
-#include "platform/clock.h"
+#include "platform/base/clock.h"
 
 namespace ts5 {
 

@@ -28,7 +28,7 @@ Outcome SearchResults::Add(const SearchHit& hit) {
   try {
     if (files_.empty() || files_.back() != hit.file) files_.push_back(hit.file);
     rows_.push_back({{hit.firstSystem, hit.lastSystem, hit.firstObject, hit.lastObject, hit.verticalPosition,
-                      hit.track, hit.voice, hit.bar, hit.time},
+                      hit.track, hit.voice, hit.bar, hit.time, hit.melody},
                      static_cast<std::uint32_t>(files_.size() - 1)});
   } catch (const std::bad_alloc&) {
     return Outcome::OutOfMemory;
@@ -38,10 +38,19 @@ Outcome SearchResults::Add(const SearchHit& hit) {
 
 SearchHit SearchResults::Hit(std::size_t index) const {
   const Row& row = rows_[index];
-  const auto& [firstSystem, lastSystem, firstObject, lastObject, position, track, voice, bar, time] =
+  const auto& [firstSystem, lastSystem, firstObject, lastObject, position, track, voice, bar, time, melody] =
       row.numbers;
-  return {files_[row.file], firstSystem, lastSystem, firstObject, lastObject,
-          position,         track,       voice,      bar,         time};
+  return {files_[row.file],
+          firstSystem,
+          lastSystem,
+          firstObject,
+          lastObject,
+          position,
+          track,
+          voice,
+          bar,
+          time,
+          melody};
 }
 
 std::size_t SearchResults::Notes(std::size_t index) const {

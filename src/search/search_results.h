@@ -12,7 +12,7 @@
 
 #include "frame/search_hit.h"
 #include "frame/settings.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 #include "search/hit_texts.h"
 #include "search/search_record.h"
 
@@ -39,9 +39,9 @@ class SearchResults {
   [[nodiscard]] std::string CopyText(std::span<const std::size_t> indices, bool wholePath) const;
 
  private:
-  // A hit in 40 bytes without anything to move: the numbers of SearchHit in their order, and whose file.
+  // A hit in 44 bytes without anything to move: the numbers of SearchHit in their order, and whose file.
   struct Row {
-    std::array<std::int32_t, 9> numbers;
+    std::array<std::int32_t, 10> numbers;
     std::uint32_t file;
   };
 

@@ -6,11 +6,14 @@
 #include <thread>
 #include <utility>
 
+#include "frame/failure_reason.h"
+#include "frame/target_naming.h"
 #include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/clock.h"
-#include "platform/files.h"
-#include "platform/paths.h"
+#include "platform/base/casts.h"
+#include "platform/base/clock.h"
+#include "platform/files/fault.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 #include "search/directory_walk.h"
 #include "search/hit_texts.h"
 #include "search/midi_search.h"
@@ -39,7 +42,10 @@ bool EndsRun(Outcome code) {
 class SearchRun {
  public:
   SearchRun(Run& run, const FileSearch& search, unsigned threads)
-      : run_(run), search_(search), threads_(threads) {}
+      : run_(run),
+        search_(search),
+        threads_(threads),
+        naming_(run.GetJob(), run.Destination(), run.Files()) {}
 
   void Execute() {
     record_ = RecordAtStart(run_.Module().id, run_.Parameters<SearchParameters>());
@@ -48,24 +54,38 @@ class SearchRun {
       SearchFiles();
       CloseTarget();
     } else if (last_ != Outcome::Cancelled) {
-      run_.Result().items.push_back({"", run_.GetJob().destinationName, Code(last_)});
+      BookTarget(last_);
     }
     FillResult();
   }
 
  private:
+  // What failed is the target and none of the sources.
+  void BookTarget(Outcome code) {
+    const std::string& name = target_.name.empty() ? run_.GetJob().destinationName : target_.name;
+    run_.Result().items.push_back(
+        {.destination = name, .code = Code(code), .reason = FailureReason(code, {}, name, TakeFault())});
+  }
+
   Outcome OpenTarget() {
+    ForgetFault();
     const Job& job = run_.GetJob();
     if (job.destinationIsScreen) return Outcome::Success;
-    const std::string& name = job.destinationName;
-    if (name.empty()) return Outcome::TargetNameMissing;
-    if (IsDirectory(name) || IsSource(name)) return Outcome::TargetFailed;
+    if (job.destinationName.empty()) return Outcome::TargetNameMissing;
+    target_ = ResultTarget(naming_, job, run_.Destination());
+    if (Failed(target_.code)) return target_.code;
+    const std::string& name = target_.name;
+    if (IsDirectory(name) || IsSearched(name)) return Outcome::TargetFailed;
+    (void)ClearAbandonedFiles(std::string(DirectoryOf(name)));
     bool append = false;
-    if (run_.Files().exists(name) && run_.Destination().overwrite != OverwritePolicy::Replace) {
-      const Answer answer = run_.Ask(
-          {.text = std::string(Text(texts::ResultFileExists)), .buttons = QuestionButtons::YesNoCancel});
+    if (run_.Files().exists(name)) {
+      const Answer answer = AskAboutOld(name);
       if (answer == Answer::Cancelled) return Outcome::Cancelled;
       append = answer == Answer::No;
+      target_.taking = Taking::Replace;
+      old_ = IdentityOf(name);
+    } else {
+      target_.taking = Taking::Number;  // should another program make a file of that name meanwhile
     }
     auto writer = ResultFileWriter::Create(name, append, record_);
     if (!writer) return writer.error() == Outcome::WriteFailed ? Outcome::WriteFailed : Outcome::TargetFailed;
@@ -73,17 +93,26 @@ class SearchRun {
     return Outcome::Success;
   }
 
-  // A result file never takes the place of a file that is searched.
-  bool IsSource(const std::string& name) const {
-    if (!FileExists(name)) return false;
-    if (Walks()) {
-      const HitSink ignore = [](const SearchHit&) { return Outcome::Success; };
-      return Succeeded(search_(name, ignore, [this] { return run_.Cancelled(); }).code);
+  // Yes replaces what is there, No appends to it. What is no result file is never replaced unasked, and
+  // nothing is appended to it.
+  Answer AskAboutOld(const std::string& name) {
+    if (IsResultFile(name)) {
+      if (target_.taking == Taking::Replace) return Answer::Yes;
+      return run_.Ask(
+          {.text = std::string(Text(texts::ResultFileExists)), .buttons = QuestionButtons::YesNoCancel});
     }
-    for (std::size_t i = 0; i < run_.ItemCount(); ++i) {
-      if (IsSameFile(run_.Source(i), name)) return true;
-    }
-    return false;
+    run_.StatusText(name);
+    const Answer answer = run_.Ask({.text = std::string(Text(texts::AskOverwriteTarget)),
+                                    .icon = MessageIcon::Exclamation,
+                                    .preset = Answer::No});
+    return answer == Answer::Yes ? Answer::Yes : Answer::Cancelled;
+  }
+
+  // A result file never takes the place of a file that the search of a tree would come to.
+  bool IsSearched(const std::string& name) const {
+    if (!Walks() || !FileExists(name)) return false;
+    const HitSink ignore = [](const SearchHit&) { return Outcome::Success; };
+    return Succeeded(search_(name, ignore, [this] { return run_.Cancelled(); }).code);
   }
 
   bool Walks() const { return run_.ItemCount() == 0 && run_.GetJob().Mode() == SourceMode::Directory; }
@@ -91,15 +120,16 @@ class SearchRun {
   // The result file itself, the old one and the one that is being written, may lie in the tree.
   bool IsTarget(const std::string& path) const {
     if (!writer_) return false;
-    for (const std::string& own : {run_.GetJob().destinationName, writer_->TemporaryPath()}) {
+    for (const std::string& own : {target_.name, writer_->TemporaryPath()}) {
       if (FileNameOf(path) == FileNameOf(own) && IsSameFile(path, own)) return true;
     }
     return false;
   }
 
-  std::optional<std::string> NextOf(DirectoryWalk& walk) const {
+  // One that is of this run's share; walked counts all files of the tree.
+  std::optional<std::string> NextOf(DirectoryWalk& walk, std::uint64_t& walked) const {
     auto path = walk.Next();
-    while (path && IsTarget(*path)) path = walk.Next();
+    while (path && (!run_.Share().Takes(walked++) || IsTarget(*path))) path = walk.Next();
     return path;
   }
 
@@ -108,10 +138,11 @@ class SearchRun {
     const CancelCheck cancelled = [this] { return run_.Cancelled(); };
     DirectoryWalk walk(run_.GetJob().directory.path, cancelled);
     std::size_t taken = 0;
+    std::uint64_t walked = 0;
     OrderedSearchEvents events;
     events.next = [&]() -> std::optional<std::string> {
       if (run_.Cancelled()) return std::nullopt;
-      if (Walks()) return NextOf(walk);
+      if (Walks()) return NextOf(walk, walked);
       return taken < count ? std::optional(run_.Source(taken++)) : std::nullopt;
     };
     events.begin = [&](const std::string& path) {
@@ -130,16 +161,24 @@ class SearchRun {
   }
 
   SearchOutcome SearchFile(const std::string& path, const HitSink& sink, const CancelCheck& stopped) const {
-    if (!IsUsablePath(path)) return {Outcome::SourceFailed, 0};
-    return search_(path, sink, stopped);
+    ForgetFault();
+    SearchOutcome outcome{Outcome::SourceFailed, 0};
+    if (IsUsablePath(path)) outcome = search_(path, sink, stopped);
+    outcome.reason = FailureReason(outcome.code, path, target_.name, TakeFault());
+    return outcome;
   }
 
   bool Count(const std::string& path, const SearchOutcome& outcome) {
-    last_ = outcome.code;
-    const std::string& target = writer_ ? run_.GetJob().destinationName : std::string();
+    const bool ends = EndsRun(outcome.code);
+    last_ = ends ? outcome.code : Outcome::Success;
+    const std::string& target = target_.name;
     const bool ofTarget = outcome.code == Outcome::WriteFailed;  // not the fault of the file that is searched
-    run_.Result().items.push_back({ofTarget ? std::string() : path, target, Code(outcome.code)});
-    if (EndsRun(outcome.code)) return false;
+    run_.Result().items.push_back({.source = ofTarget ? std::string() : path,
+                                   .destination = target,
+                                   .code = Code(outcome.code),
+                                   .reason = outcome.reason});
+    if (ends) return false;
+    if (Failed(outcome.code)) run_.AddCode(outcome.code);
     if (Succeeded(outcome.code)) {
       ++record_.statistics.searched;
       record_.statistics.hits += outcome.hits;
@@ -156,19 +195,30 @@ class SearchRun {
                      : run_.Cancelled() ? SearchEnd::Cancelled
                                         : SearchEnd::Finished;
     if (!writer_ || last_ == Outcome::WriteFailed) return;
-    const Outcome finished = writer_->Finish(record_);
+    ForgetFault();
+    const Outcome finished = writer_->Finish(record_, [this](StagedFile& file) { return PutInPlace(file); });
     if (Failed(finished)) {
       last_ = finished;
-      run_.Result().items.push_back({"", run_.GetJob().destinationName, Code(finished)});
+      BookTarget(finished);
     }
+  }
+
+  // The name may be another one than at the beginning: what another program made meanwhile stays.
+  Outcome PutInPlace(StagedFile& file) {
+    if (target_.taking == Taking::Replace && IdentityOf(target_.name) != old_)
+      target_.taking = Taking::Number;
+    const auto taken = TakeTarget(file, target_, naming_, {});
+    if (!taken) return taken.error();
+    for (RunItem& item : run_.Result().items) item.destination = *taken;
+    return Outcome::Success;
   }
 
   void FillResult() {
     const SearchStatistics& counts = record_.statistics;
     RunResult& result = run_.Result();
-    result.lines[0].count = counts.searched + counts.unsuitable;
-    result.lines[1].count = ClampTo<std::uint32_t>(counts.hits);
-    result.lines[2].count = counts.unsuitable;
+    result.counts = {counts.searched + counts.unsuitable, ClampTo<std::uint32_t>(counts.hits),
+                     counts.unsuitable};
+    result.payload = record_;
     result.cancelled = last_ == Outcome::Cancelled;
     if (Failed(last_)) run_.AddCode(last_);
     result.remarks = run_.Remarks();
@@ -178,35 +228,34 @@ class SearchRun {
   const FileSearch& search_;
   unsigned threads_;
   SearchRecord record_;
+  TargetNaming naming_;
+  PlannedTarget target_;             // without a name on the screen
+  std::optional<FileIdentity> old_;  // what the target replaces
   std::optional<ResultFileWriter> writer_;
-  Outcome last_ = Outcome::Success;  // decides the remark
+  Outcome last_ = Outcome::Success;  // what ended the run, or its target's fate
 };
 
 using SearchFunction = SearchOutcome (*)(const std::string& path, const MelodyQuery& query,
                                          const HitSink& sink, const CancelCheck& cancelled);
 
 FilterModule SearchModule(FilterId filter, SearchFunction search) {
-  FilterModule module;
+  ModuleOf<SearchParameters> module;
   module.id = filter;
-  module.create = [filter] {
-    auto parameters = std::make_unique<SearchParameters>();
-    if (filter != FilterId::MidiSearch) parameters->options.tolerance = Tolerance::None;
-    return parameters;
-  };
+  if (filter != FilterId::MidiSearch) module.defaults.options.tolerance = Tolerance::None;
   module.fields = SearchFields(filter);
   module.remarks = kRemarks;
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    if (HasMelody(static_cast<const SearchParameters&>(*job.parameters))) return std::nullopt;
+  module.missing = [](const SearchParameters& parameters) -> std::optional<TextId> {
+    if (HasMelody(parameters)) return std::nullopt;
     return texts::MelodyMissing;
   };
-  module.run = [search](Run& run) {
-    const auto& parameters = run.Parameters<SearchParameters>();
-    const MelodyQuery query = {parameters.melody.elements, parameters.options};
+  module.run = [search](Run& run, const SearchParameters& parameters) {
+    MelodyQuery query = {parameters.melody.elements, parameters.options, {}};
+    for (const SearchMelody& melody : parameters.more) query.more.push_back(melody.elements);
     RunMelodySearch(run, [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
       return search(path, query, sink, cancelled);
     });
   };
-  return module;
+  return MakeModule(std::move(module));
 }
 
 }  // namespace
@@ -220,22 +269,10 @@ SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters) 
   SearchRecord record;
   record.kind = SearchKindOf(filter);
   record.melodyName = parameters.melody.name;
+  for (const SearchMelody& melody : parameters.more) record.melodyName += ", " + melody.name;
   record.notes = static_cast<std::size_t>(
       std::ranges::count_if(parameters.melody.elements, [](const auto& e) { return !IsRest(e); }));
   record.start = LocalNow();
-  return record;
-}
-
-SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result) {
-  record.end = LocalNow();
-  record.statistics.unsuitable = result.lines[2].count;
-  record.statistics.searched = result.lines[0].count - std::min(result.lines[0].count, result.lines[2].count);
-  record.statistics.hits = result.lines[1].count;
-  const bool noMemory = std::ranges::any_of(
-      result.items, [](const RunItem& item) { return item.code == Code(Outcome::OutOfMemory); });
-  record.ending = noMemory           ? SearchEnd::Failed
-                  : result.cancelled ? SearchEnd::Cancelled
-                                     : SearchEnd::Finished;
   return record;
 }
 

@@ -14,9 +14,8 @@ namespace ts5 {
 // tree. threads: 0 for as many as there are cores.
 void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads = 0);
 
-// What the screen list keeps of a search: as it begins (now), and as it has ended (now).
+// What is known of a search as it begins (now); the record of its end is the payload of the run's result.
 [[nodiscard]] SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters);
-[[nodiscard]] SearchRecord RecordAtEnd(SearchRecord record, const RunResult& result);
 
 [[nodiscard]] FilterModule MidiSearchModule();
 [[nodiscard]] FilterModule ScoreSearchModule();

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "frame/search_hit.h"
-#include "platform/sibling_link.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
+#include "platform/programs/sibling_link.h"
 
 namespace ts5 {
 

@@ -2,16 +2,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
-#include "platform/casts.h"
+#include "platform/base/casts.h"
 #include "search/match_starts.h"
 #include "search/note_stream.h"
 
 namespace ts5 {
 namespace {
-
-constexpr float kPerMelodyTick = 0.004166667F;  // 1/240
-constexpr float kHundredth = 0.01F;
 
 // Toward zero; what is too large for the result stays at its end.
 std::uint64_t Truncated(double value) {
@@ -25,57 +23,54 @@ bool Within(std::uint64_t value, std::uint64_t centre, std::uint64_t tolerance) 
   return value >= centre - std::min(centre, tolerance) && value - std::min(value, centre) <= tolerance;
 }
 
-class TrackMatcher {
+// What of a melody was found last: in the notes of a block, the first tick of a match and its last note.
+struct Match {
+  std::uint64_t firstTick;
+  std::size_t lastNote;  // in the block
+  std::int32_t melody;
+};
+
+// One melody on its way through the track.
+class MelodyMatcher {
  public:
-  TrackMatcher(ByteView track, std::int32_t trackNumber, const TrackContext& context)
+  MelodyMatcher(const PreparedMelody& melody, const TrackContext& context)
       : context_(context),
-        melody_(context.melody),
+        melody_(melody),
         percent_(Percent(context.options.tolerance)),
-        trackNumber_(trackNumber),
-        notes_(track, !context.options.drumTrack, MatchStarts::NeedsDistances(context.options),
-               context.cancelled),
-        starts_(context.melody, context.options) {
+        starts_(melody, context.options) {
     for (const PreparedNote& note : melody_) {
       tolerances_.push_back(DurationTolerance(note.duration, context.options.tolerance));
     }
   }
 
-  TrackOutcome Search() {
-    while (notes_.NextBlock()) {
-      if (Cancelled()) return {{Outcome::Cancelled, hits_}};
-      starts_.Sift(notes_);
-      if (const Outcome outcome = SearchBlock(); Failed(outcome)) {
-        return {{outcome, outcome == Outcome::DamagedMidi ? 0 : hits_}};
+  // Calls found(firstTick, lastNote) for each match that ends in the block.
+  template <typename Found>
+  Outcome SearchBlock(const NoteStream& notes, const Found& found) {
+    starts_.Sift(notes);
+    look_.BeginBlock();
+    for (std::size_t note = 0; note < notes.Size();) {
+      if (matched_ == 0 && (note = starts_.Next(note)) == notes.Size()) break;
+      const Fit fit = PitchFits(notes.Key(note)) ? Rhythm(notes, note) : Fit::Refused;
+      if (fit == Fit::BrokenOff) {
+        const bool cancelled = context_.cancelled && context_.cancelled();
+        return cancelled ? Outcome::Cancelled : Outcome::DamagedMidi;
       }
-    }
-    if (notes_.Damaged()) return {{Outcome::DamagedMidi, 0}};
-    return {{Outcome::Success, hits_}, !notes_.Stopped()};
-  }
-
- private:
-  enum class Fit { Accepted, Refused, BrokenOff };
-
-  bool Cancelled() const { return context_.cancelled && context_.cancelled(); }
-
-  Outcome SearchBlock() {
-    for (std::size_t note = 0; note < notes_.Size();) {
-      if (matched_ == 0 && (note = starts_.Next(note)) == notes_.Size()) break;
-      const Fit fit = PitchFits(notes_.Key(note)) ? Rhythm(note) : Fit::Refused;
-      if (fit == Fit::BrokenOff) return Cancelled() ? Outcome::Cancelled : Outcome::DamagedMidi;
       if (fit == Fit::Refused) {
         // A note that breaks a match is tried again as a first one.
         if (matched_ == 0) ++note;
         matched_ = 0;
         continue;
       }
-      previousKey_ = notes_.Key(note++);
+      previousKey_ = notes.Key(note++);
       if (++matched_ < melody_.size()) continue;
       matched_ = 0;
-      ++hits_;
-      if (const Outcome sent = SendHit(); Failed(sent)) return sent;
+      if (const Outcome sent = found(firstTick_, note - 1); Failed(sent)) return sent;
     }
     return Outcome::Success;
   }
+
+ private:
+  enum class Fit { Accepted, Refused, BrokenOff };
 
   bool PitchFits(int key) const {
     if (matched_ == 0) return FirstNoteMatches(context_.options.pitch, melody_[0].key, key).has_value();
@@ -87,15 +82,15 @@ class TrackMatcher {
     return melody_[matched_].key - melody_[matched_ - 1].key == key - previousKey_;
   }
 
-  Fit Rhythm(std::size_t note) {
-    const std::uint64_t tick = notes_.Tick(note);
+  Fit Rhythm(const NoteStream& notes, std::size_t note) {
+    const std::uint64_t tick = notes.Tick(note);
     if (matched_ == 0) firstTick_ = tick;
     const bool last = matched_ + 1 == melody_.size();
     if (last || context_.options.rhythm == RhythmMode::Any) {
       // The distance does not matter, but the track must not break off before its end.
-      return note < notes_.Settled() || notes_.NextOnsetDistance(note) ? Fit::Accepted : Fit::BrokenOff;
+      return note < notes.Settled() || notes.NextOnsetDistance(note, look_) ? Fit::Accepted : Fit::BrokenOff;
     }
-    const auto distance = notes_.NextOnsetDistance(note);
+    const auto distance = notes.NextOnsetDistance(note, look_);
     if (!distance) return Fit::BrokenOff;
     const std::uint16_t wanted = melody_[matched_].duration;
     if (matched_ == 0) {
@@ -121,22 +116,12 @@ class TrackMatcher {
     return Truncated(static_cast<double>(ticks) * double{factor_});
   }
 
-  Outcome SendHit() const {
-    SearchHit hit;
-    hit.file = context_.file;
-    hit.track = trackNumber_;
-    hit.bar = ClampTo<std::int32_t>(BarOf(context_.signatures, context_.division, firstTick_));
-    hit.time = HitTime(firstTick_, context_.division, context_.tempo);
-    return context_.sink(hit);
-  }
-
   const TrackContext& context_;
   const PreparedMelody& melody_;
   std::vector<std::uint64_t> tolerances_;  // of its durations
   const int percent_;
-  const std::int32_t trackNumber_;
-  NoteStream notes_;
   MatchStarts starts_;
+  NoteStream::Look look_;
 
   std::size_t matched_ = 0;
   int previousKey_ = 0;
@@ -145,43 +130,80 @@ class TrackMatcher {
   std::uint64_t previousScaled_ = 0;
   std::uint64_t firstTick_ = 0;
   float factor_ = 1.0F;
+};
+
+// A track is walked once, block by block, and each block shown to all melodies.
+class TrackMatcher {
+ public:
+  TrackMatcher(ByteView track, std::int32_t trackNumber, const TrackContext& context)
+      : context_(context),
+        trackNumber_(trackNumber),
+        notes_(track, !context.options.drumTrack, MatchStarts::NeedsDistances(context.options),
+               context.cancelled) {
+    matchers_.reserve(context.melodies.size());
+    for (std::size_t i = 0; i < context.melodies.size(); ++i) {
+      if (context.melodies[i].empty()) continue;
+      matchers_.emplace_back(context.melodies[i], context);
+      numbers_.push_back(static_cast<std::int32_t>(i));
+    }
+  }
+
+  TrackOutcome Search() {
+    if (matchers_.empty()) return {};
+    while (notes_.NextBlock()) {
+      if (context_.cancelled && context_.cancelled()) return {{Outcome::Cancelled, hits_}};
+      const Outcome outcome = matchers_.size() == 1 ? SearchBlock() : SearchBlockForAll();
+      if (Failed(outcome)) return {{outcome, outcome == Outcome::DamagedMidi ? 0 : hits_}};
+    }
+    if (notes_.Damaged()) return {{Outcome::DamagedMidi, 0}};
+    return {{Outcome::Success, hits_}, !notes_.Stopped()};
+  }
+
+ private:
+  Outcome SearchBlock() {
+    return matchers_.front().SearchBlock(
+        notes_, [this](std::uint64_t tick, std::size_t) { return SendHit(tick, numbers_.front()); });
+  }
+
+  // What breaks off for one melody may do so behind hits of another one, which are sent before.
+  Outcome SearchBlockForAll() {
+    matches_.clear();
+    Outcome outcome = Outcome::Success;
+    for (std::size_t i = 0; i < matchers_.size(); ++i) {
+      const Outcome one = matchers_[i].SearchBlock(notes_, [&](std::uint64_t tick, std::size_t last) {
+        matches_.push_back({tick, last, numbers_[i]});
+        return Outcome::Success;
+      });
+      if (Succeeded(outcome)) outcome = one;
+    }
+    std::ranges::stable_sort(matches_, {}, &Match::lastNote);
+    for (const Match& match : matches_) {
+      if (const Outcome sent = SendHit(match.firstTick, match.melody); Failed(sent)) return sent;
+    }
+    return outcome;
+  }
+
+  Outcome SendHit(std::uint64_t tick, std::int32_t melody) {
+    ++hits_;
+    SearchHit hit;
+    hit.file = context_.file;
+    hit.track = trackNumber_;
+    hit.bar = ClampTo<std::int32_t>(BarOf(context_.signatures, context_.division, tick));
+    hit.time = HitTime(tick, context_.division, context_.tempo);
+    hit.melody = melody;
+    return context_.sink(hit);
+  }
+
+  const TrackContext& context_;
+  const std::int32_t trackNumber_;
+  NoteStream notes_;
+  std::vector<MelodyMatcher> matchers_;
+  std::vector<std::int32_t> numbers_;  // of their melodies
+  std::vector<Match> matches_;         // of a block
   std::uint64_t hits_ = 0;
 };
 
 }  // namespace
-
-PreparedMelody PrepareMelody(const std::vector<MelodyElement>& elements, std::uint16_t division) {
-  const float factor = static_cast<float>(division) * kPerMelodyTick;
-  PreparedMelody notes;
-  notes.reserve(elements.size());
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    if (IsRest(elements[i])) continue;
-    int duration = elements[i].duration;
-    if (i + 1 < elements.size() && IsRest(elements[i + 1])) duration += elements[i + 1].duration;
-    const auto ticks = static_cast<std::int64_t>(duration * double{factor});
-    notes.push_back({KeyOf(elements[i].pitch), static_cast<std::uint16_t>(ticks)});
-  }
-  return notes;
-}
-
-std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey) {
-  switch (mode) {
-    case PitchMode::Absolute:
-      if (playedKey != melodyKey) return std::nullopt;
-      break;
-    case PitchMode::AnyOctave:
-      if (playedKey < 0 || playedKey > 127 || (playedKey - melodyKey) % 12 != 0) return std::nullopt;
-      break;
-    case PitchMode::Relative:
-    case PitchMode::Ignore:
-      break;
-  }
-  return playedKey;
-}
-
-std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance) {
-  return Truncated(duration * double{kHundredth} * Percent(tolerance));
-}
 
 std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t tempo) {
   if (division == 0 || tempo == 0) return 0;
@@ -190,7 +212,6 @@ std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t t
 }
 
 TrackOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber, const TrackContext& context) {
-  if (context.melody.empty()) return {};
   return TrackMatcher(track, trackNumber, context).Search();
 }
 

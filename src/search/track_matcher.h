@@ -1,4 +1,4 @@
-// The melody matcher of the MIDI search: one track against one melody.
+// The melody matcher of the MIDI search: one track against one melody, or several in one walk.
 //
 // It compares onsets and durations, not sounding notes: the duration of a played note is the distance to the
 // next onset that is no chord note. Matching has no memory but its own state: an event that breaks a match is
@@ -12,44 +12,24 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "midi/conductor.h"
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 #include "search/hit_sink.h"
-#include "search/search_melody.h"
+#include "search/prepared_melody.h"
 #include "search/search_options.h"
 
 namespace ts5 {
-
-// A melody note in a file's own ticks. Durations wrap around at 16 bits.
-struct PreparedNote {
-  int key = 0;
-  std::uint16_t duration = 0;
-
-  bool operator==(const PreparedNote&) const = default;
-};
-
-using PreparedMelody = std::vector<PreparedNote>;
-
-// The notes of a melody for files of the division. The rest directly behind a note lengthens it; further
-// rests are left out.
-[[nodiscard]] PreparedMelody PrepareMelody(const std::vector<MelodyElement>& elements,
-                                           std::uint16_t division);
-
-// The played key when it may be the melody's first note.
-[[nodiscard]] std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey);
-
-// By how many ticks a played duration may differ from a prepared one; truncated.
-[[nodiscard]] std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance);
 
 // Milliseconds of a tick at one tempo, truncated; 0 for a file of division 0.
 [[nodiscard]] std::int32_t HitTime(std::uint64_t tick, std::uint16_t division, std::uint32_t tempo);
 
 // What a file says about its tracks.
 struct TrackContext {
-  const PreparedMelody& melody;
+  std::span<const PreparedMelody> melodies;
   const SearchOptions& options;
   const TimeSignatureMap& signatures;
   std::uint16_t division = 0;
@@ -65,7 +45,7 @@ struct TrackOutcome : SearchOutcome {
 
 // Searches a track image. DamagedMidi: the track breaks off, or does so behind a possible match; hits that
 // were sent before stay sent. OutOfMemory and what else the sink answers end it, and so does Cancelled. An
-// empty melody finds nothing.
+// empty melody finds nothing. Hits of several melodies come in the order of their last notes.
 [[nodiscard]] TrackOutcome SearchMidiTrack(ByteView track, std::int32_t trackNumber,
                                            const TrackContext& context);
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/midi_out.h"
+#include "platform/sound/midi_out.h"
 #include "search/melody_player.h"
 #include "search/search_melody.h"
 

@@ -186,17 +186,22 @@ QPainterPath HeadShape(NoteHead head) {
   return shape.translated(HeadWidth(head) / 2, 0);
 }
 
+QPainterPath FlagShape(bool up) {
+  const double inward = up ? 1.0 : -1.0;
+  QPainterPath flag(QPointF(0, 0));
+  flag.cubicTo(0.15, inward * 0.95, 1.3, inward * 1.2, 0.8, inward * 2.3);
+  flag.cubicTo(0.98, inward * 1.65, 0.5, inward * 1.05, 0, inward * 0.75);
+  flag.closeSubpath();
+  return flag;
+}
+
 QPainterPath StemShape(NoteHead head, bool up, int flags, double length) {
   const double x = up ? HeadWidth(head) - kStemWidth : 0.0;
   const double direction = up ? -1.0 : 1.0;
   QPainterPath shape = Rectangle(x, up ? -length : 0.1, kStemWidth, length - 0.1);
   for (int i = 0; i < flags; ++i) {
     const double y = direction * (length - 0.78 * i);
-    QPainterPath flag(QPointF(x, y));
-    flag.cubicTo(x + 0.15, y - direction * 0.95, x + 1.3, y - direction * 1.2, x + 0.8, y - direction * 2.3);
-    flag.cubicTo(x + 0.98, y - direction * 1.65, x + 0.5, y - direction * 1.05, x, y - direction * 0.75);
-    flag.closeSubpath();
-    shape = United({shape, flag});
+    shape = United({shape, FlagShape(up).translated(x, y)});
   }
   return shape;
 }

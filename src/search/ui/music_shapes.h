@@ -19,6 +19,8 @@ namespace ts5 {
 [[nodiscard]] double HeadWidth(NoteHead head);
 // A stem of that length with 0 to 3 flags. Origin: the middle of the head's left edge.
 [[nodiscard]] QPainterPath StemShape(NoteHead head, bool up, int flags, double length = 3.5);
+// Origin: the left edge of the stem, at its tip.
+[[nodiscard]] QPainterPath FlagShape(bool up);
 // Origin: left edge, on the middle line.
 [[nodiscard]] QPainterPath RestShape(NoteHead value, int flags);
 // Origin: its middle.

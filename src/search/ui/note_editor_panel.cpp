@@ -2,12 +2,14 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "search/texts.h"
 #include "search/ui/note_icons.h"
 #include "search/ui/staff_view.h"
 
@@ -24,6 +26,7 @@ bool StartsGroup(NoteCommand command) {
     case NoteCommand::TrebleClef:
     case NoteCommand::ToggleDot:
     case NoteCommand::Play:
+    case NoteCommand::Undo:
     case NoteCommand::Save:
       return true;
     default:
@@ -44,6 +47,11 @@ NoteEditorPanel::NoteEditorPanel(QWidget* parent)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(toolbar_);
   layout->addWidget(staff_, 1);
+  auto* const keys = new QLabel(QtText(texts::NoteKeys), this);
+  keys->setObjectName(QStringLiteral("noteKeysLabel"));
+  keys->setWordWrap(true);
+  keys->setForegroundRole(QPalette::PlaceholderText);
+  layout->addWidget(keys);
   MakeToolbar();
   setFocusProxy(staff_);
   connect(staff_, &StaffView::CommandGiven, this, &NoteEditorPanel::Execute);
@@ -51,6 +59,10 @@ NoteEditorPanel::NoteEditorPanel(QWidget* parent)
     if (editor_->Playing()) return;
     melody_.cursor = position;
     ShowState();
+  });
+  connect(staff_, &StaffView::NotePicked, this, [this](int place, std::size_t position) {
+    editor_->SetWidth(staff_->width());
+    Take(editor_->EnterAt(place, position));
   });
   SetMelody({});
 }
@@ -102,6 +114,23 @@ void NoteEditorPanel::SetMelody(SearchMelody melody) {
   ShowState();
 }
 
+void NoteEditorPanel::ReplaceMelody(SearchMelody melody) {
+  editor_->Replace(std::move(melody));
+  ShowState();
+}
+
+void NoteEditorPanel::EnterKey(int key) {
+  if (!isVisible()) return;
+  editor_->SetWidth(staff_->width());
+  Take(editor_->EnterKey(key));
+}
+
+void NoteEditorPanel::Take(const EditResult& result) {
+  if (result.message) ShowWarning(this, *result.message);
+  if (result.sounds) emit NoteEntered(*result.sounds);
+  ShowState();
+}
+
 void NoteEditorPanel::SetPlaying(bool playing) {
   editor_->SetPlaying(playing);
   ShowState();
@@ -129,9 +158,8 @@ void NoteEditorPanel::Execute(NoteCommand command) {
       emit ManageRequested();
       break;
     default:
-      if (const EditResult result = editor_->Execute(command); result.message)
-        ShowWarning(this, *result.message);
-      break;
+      Take(editor_->Execute(command));
+      return;
   }
   ShowState();
 }
@@ -142,6 +170,7 @@ void NoteEditorPanel::ShowState() {
     row.button->setEnabled(playable && editor_->IsEnabled(row.command));
     if (row.button->isCheckable()) row.button->setChecked(editor_->IsChosen(row.command));
   }
+  staff_->SetEditable(!editor_->Playing());
   staff_->MelodyChanged();
 }
 

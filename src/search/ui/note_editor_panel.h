@@ -22,13 +22,18 @@ class NoteEditorPanel : public QWidget {
   explicit NoteEditorPanel(QWidget* parent = nullptr);
   ~NoteEditorPanel() override;
 
+  // A melody to begin with.
   void SetMelody(SearchMelody melody);
+  // Another one in place of what is edited, which Undo brings back.
+  void ReplaceMelody(SearchMelody melody);
   [[nodiscard]] const SearchMelody& Melody() const { return melody_; }
   // While it plays, nothing can be entered or deleted.
   void SetPlaying(bool playing);
   // Without a MIDI device there is nothing to play on.
   void SetCanPlay(bool can);
   void Execute(NoteCommand command);
+  // What a MIDI keyboard enters, while the panel is to be seen: a key of 0..127.
+  void EnterKey(int key);
   // Tab goes from the widget through the buttons into the staff, as they stand.
   void PutTabStopsBehind(QWidget* widget);
 
@@ -36,6 +41,7 @@ class NoteEditorPanel : public QWidget {
   void PlayRequested();  // or stop, while it plays
   void SaveRequested();
   void ManageRequested();
+  void NoteEntered(int key);
 
  protected:
   void changeEvent(QEvent* event) override;
@@ -47,6 +53,7 @@ class NoteEditorPanel : public QWidget {
   };
   void MakeToolbar();
   void PaintIcons();
+  void Take(const EditResult& result);
   void ShowState();
 
   SearchMelody melody_;

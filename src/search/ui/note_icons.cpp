@@ -42,6 +42,22 @@ QPainterPath Octave(const QString& label) {
   return path.translated(QPointF(kSize, kSize) / 2.0 - path.boundingRect().center());
 }
 
+// A bent arrow that points back.
+QPainterPath BackArrow() {
+  QPainterPath line(QPointF(8, 8.5));
+  line.lineTo(14, 8.5);
+  line.arcTo(QRectF(9.5, 8.5, 9, 9), 90, -180);
+  line.lineTo(9, 17.5);
+  QPainterPathStroker stroker;
+  stroker.setWidth(2);
+  QPainterPath arrow = stroker.createStroke(line);
+  QPainterPath head(QPointF(4, 8.5));
+  head.lineTo(9.5, 4);
+  head.lineTo(9.5, 13);
+  head.closeSubpath();
+  return arrow.united(head);
+}
+
 QPainterPath ShapeOf(NoteCommand command) {
   switch (command) {
     case NoteCommand::OctaveDown:
@@ -74,6 +90,10 @@ QPainterPath ShapeOf(NoteCommand command) {
       return Note(NoteHead::Filled, 2);
     case NoteCommand::ThirtySecond:
       return Note(NoteHead::Filled, 3);
+    case NoteCommand::Undo:
+      return BackArrow();
+    case NoteCommand::Redo:
+      return QTransform(-1, 0, 0, 1, kSize, 0).map(BackArrow());
     default:
       return {};
   }

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "frame/ui/qt_text.h"
-#include "platform/casts.h"
+#include "platform/base/casts.h"
 
 namespace ts5 {
 namespace {

@@ -7,8 +7,8 @@
 #include <array>
 
 #include "frame/ui/qt_text.h"
-#include "platform/casts.h"
-#include "platform/text.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
 #include "search/hit_texts.h"
 #include "search/texts.h"
 

@@ -2,24 +2,12 @@
 #pragma once
 
 #include <QString>
-#include <cstdint>
-#include <functional>
-#include <limits>
 
+#include "frame/ui/print_device.h"
 #include "search/result_lines.h"
 #include "search/search_results.h"
 
-class QPagedPaintDevice;
-
 namespace ts5 {
-
-enum class Printed : std::uint8_t { Done, Aborted, Failed };
-
-struct PrintJob {
-  int mostPages = std::numeric_limits<int>::max();  // what follows is left out
-  // Called before every page with its number from 1 and how many there are; false aborts.
-  std::function<bool(int page, int pages)> proceed = {};
-};
 
 // The hits of the screen list: title, melody and date, one row per hit, and the statistics at the end. Whole
 // paths after the setting. Failed: the device takes no page.

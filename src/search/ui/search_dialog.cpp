@@ -1,12 +1,17 @@
 #include "search/ui/search_dialog.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
 #include <algorithm>
 #include <array>
 #include <utility>
 
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "midi/instruments.h"
+#include "platform/base/text.h"
 #include "search/texts.h"
 #include "search/ui/manage_melodies_dialog.h"
 #include "search/ui/save_melody_dialog.h"
@@ -23,18 +28,26 @@ constexpr int kPrograms = 128;
 
 SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyStore& store,
                            std::vector<std::string> devices, MidiOpener opener, DialogHost& host,
-                           QWidget* parent)
+                           QWidget* parent, KeyboardPorts keyboards)
     : HostedDialog(host, QtText(texts::SearchDialogPrompt), parent),
       filter_(filter),
       parameters_(std::move(parameters)),
       store_(store),
-      sound_(std::move(devices), std::move(opener), nullptr),
+      sound_(std::move(devices), opener, nullptr),
+      preview_(std::move(opener)),
       ui_(std::make_unique<Ui::MIDIFINDPARAMS>()) {
   ui_->setupUi(this);
   ConnectButtons();
+  // "Abbrechen" is a decision; it is not asked about.
+  disconnect(ui_->cancelButton, &QAbstractButton::clicked, this, nullptr);
+  connect(ui_->cancelButton, &QAbstractButton::clicked, this, [this] { HostedDialog::reject(); });
+  AddMelodyRow(std::move(keyboards));
   FillOptions();
   ui_->notePanel->PutTabStopsBehind(ui_->tabs);
-  ui_->notePanel->SetMelody(parameters_.melody);
+  // New notes come behind those that are there.
+  SearchMelody edited = parameters_.melody;
+  edited.cursor = edited.elements.size();
+  ui_->notePanel->SetMelody(std::move(edited));
   ui_->notePanel->SetCanPlay(sound_.Available());
   connect(ui_->notePanel, &NoteEditorPanel::PlayRequested, this, &SearchDialog::TogglePlaying);
   connect(ui_->notePanel, &NoteEditorPanel::SaveRequested, this, &SearchDialog::SaveMelody);
@@ -48,9 +61,43 @@ SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyS
     ShowWarning(front != nullptr ? front : this, texts::MidiDeviceGone);
   });
   ui_->notePanel->setFocus();
+  opened_ = Shown();
 }
 
 SearchDialog::~SearchDialog() = default;
+
+void SearchDialog::AddMelodyRow(KeyboardPorts keyboards) {
+  auto* const row = new QHBoxLayout;
+  auto* const widely = new QPushButton(QtText(texts::NoteSearchWidely), this);
+  widely->setObjectName(QStringLiteral("searchWidelyButton"));
+  widely->setToolTip(QtText(texts::NoteSearchWidelyTip));
+  widely->setAutoDefault(false);
+  connect(widely, &QPushButton::clicked, this, &SearchDialog::SearchWidely);
+  row->addWidget(widely);
+  searchedFor_ = new QLabel(this);
+  searchedFor_->setObjectName(QStringLiteral("searchedForLabel"));
+  row->addWidget(searchedFor_, 1);
+  auto* const box = new KeyboardBox(std::move(keyboards), this);
+  box->setObjectName(QStringLiteral("keyboardBox"));
+  auto* const label = new QLabel(QtText(texts::NoteKeyboard), this);
+  label->setBuddy(box);
+  row->addWidget(label);
+  row->addWidget(box);
+  ui_->melodyLayout->addLayout(row);
+  connect(box, &KeyboardBox::KeyPressed, ui_->notePanel, &NoteEditorPanel::EnterKey);
+  connect(ui_->notePanel, &NoteEditorPanel::NoteEntered, this, [this](int key) {
+    if (sound_.Available() && !sound_.Playing()) preview_.Play(DeviceName(), Voice().instrument, key);
+  });
+}
+
+// What finds most: any rhythm, the intervals alone, and as much tolerance as there is.
+void SearchDialog::SearchWidely() {
+  parameters_.options = WithPitch(WithRhythm(parameters_.options, RhythmMode::Any), PitchMode::Relative);
+  ui_->toleranceBox->setCurrentIndex(static_cast<int>(Tolerance::High));
+  ui_->firstTrackCheck->setChecked(false);
+  ShowOptions();
+  ui_->notePanel->setFocus();
+}
 
 void SearchDialog::FillOptions() {
   if (filter_ == FilterId::ScoreSearch) {
@@ -103,6 +150,9 @@ void SearchDialog::ShowOptions() {
                               ui_->pitchIgnoreRadio};
   pitches[static_cast<std::size_t>(options.pitch)]->setChecked(true);
 
+  searchedFor_->setText(ToQt(Format(Text(texts::NoteSearchedFor),
+                                    FromQt(rhythms[static_cast<std::size_t>(options.rhythm)]->text()),
+                                    FromQt(pitches[static_cast<std::size_t>(options.pitch)]->text()))));
   ui_->pitchIgnoreRadio->setEnabled(options.rhythm != RhythmMode::Any);
   ui_->rhythmAnyRadio->setEnabled(options.pitch != PitchMode::Ignore);
   ui_->toleranceBox->setEnabled(options.rhythm != RhythmMode::Any);
@@ -113,7 +163,16 @@ MelodyVoice SearchDialog::Voice() const {
   return {ui_->deviceBox->currentIndex() - 1, ui_->tempoBox->value(), ui_->instrumentBox->currentIndex()};
 }
 
+std::string SearchDialog::DeviceName() const {
+  const int index = ui_->deviceBox->currentIndex() - 1;
+  const auto& devices = sound_.Devices();
+  return index >= 0 && static_cast<std::size_t>(index) < devices.size()
+             ? devices[static_cast<std::size_t>(index)]
+             : std::string{};
+}
+
 void SearchDialog::TogglePlaying() {
+  preview_.Release();
   if (sound_.Playing()) {
     sound_.Stop();
   } else if (!sound_.Start(ui_->notePanel->Melody().elements, Voice())) {
@@ -128,28 +187,43 @@ void SearchDialog::SaveMelody() {
 
 void SearchDialog::ManageMelodies() {
   sound_.Stop();
+  preview_.Release();
   ManageMelodiesDialog dialog(store_, ui_->notePanel->Melody(), sound_, Voice(), Host(), this);
   dialog.exec();
   sound_.Stop();
-  if (dialog.Loaded()) ui_->notePanel->SetMelody(dialog.Melody());
+  if (dialog.Loaded()) ui_->notePanel->ReplaceMelody(dialog.Melody());
   ui_->notePanel->setFocus();
 }
 
-void SearchDialog::Commit() {
+SearchParameters SearchDialog::Shown() const {
+  SearchParameters shown = parameters_;
   const MelodyVoice voice = Voice();
-  parameters_.melody = ui_->notePanel->Melody();
+  shown.melody = ui_->notePanel->Melody();
+  shown.options.tolerance = static_cast<Tolerance>(std::max(ui_->toleranceBox->currentIndex(), 0));
+  shown.options.firstTrackOnly = ui_->firstTrackCheck->isChecked();
+  shown.options.drumTrack = ui_->drumTrackCheck->isChecked();
+  shown.device = sound_.Available() ? voice.device : kNoMidiOutput;
+  shown.tempo = voice.tempo;
+  shown.instrument = voice.instrument;
+  return shown;
+}
+
+void SearchDialog::Commit() {
+  parameters_ = Shown();
   TrimMelodyRests(parameters_.melody);
-  parameters_.options.tolerance = static_cast<Tolerance>(std::max(ui_->toleranceBox->currentIndex(), 0));
-  parameters_.options.firstTrackOnly = ui_->firstTrackCheck->isChecked();
-  parameters_.options.drumTrack = ui_->drumTrackCheck->isChecked();
-  parameters_.device = sound_.Available() ? voice.device : kNoMidiOutput;
-  parameters_.tempo = voice.tempo;
-  parameters_.instrument = voice.instrument;
   accept();
+}
+
+void SearchDialog::reject() {
+  const SearchParameters now = Shown();
+  const bool changed = now.melody.elements != opened_.melody.elements || now.options != opened_.options;
+  if (changed && !AskYesNo(this, texts::AskDiscardMelody, DefaultButton::No)) return;
+  HostedDialog::reject();
 }
 
 void SearchDialog::done(int result) {
   sound_.Stop();
+  preview_.Release();
   HostedDialog::done(result);
 }
 
