@@ -4,8 +4,8 @@
 
 #include "frame/settings.h"
 #include "frame/texts.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/outcome.h"
-#include "platform/registry.h"
+#include "platform/base/outcome.h"
+#include "platform/store/registry.h"
 
 namespace ts5 {
 

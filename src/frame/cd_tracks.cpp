@@ -3,9 +3,8 @@
 #include <algorithm>
 
 #include "frame/texts.h"
-#include "platform/paths.h"
-#include "platform/text.h"
-#include "platform/virtual_cd.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -22,6 +21,13 @@ std::string CleanDriveName(std::string_view name) {
 // "VENDOR PRODUCT" as entries have it.
 std::string EntryName(const DriveName& drive) {
   return std::string(DirectoryOf(CdTrackEntry(drive, 1)));
+}
+
+// As it stands among the drives: what a drive itself says of its product ends after 16 characters.
+std::optional<DriveName> NameOfDrive(const std::string& path) {
+  const auto drives = CdDrives();
+  const auto drive = std::ranges::find(drives, path, &CdDriveEntry::path);
+  return drive == drives.end() ? std::nullopt : std::optional(drive->name);
 }
 
 }  // namespace
@@ -72,7 +78,7 @@ bool CdTrackExists(std::string_view source) {
 }
 
 bool IsCdDrive(const std::string& path) {
-  if (path == VirtualCdDirectory()) return true;
+  if (IsVirtualDrive(path)) return true;
   const auto devices = CdDeviceFiles();
   return std::ranges::find(devices, path) != devices.end();
 }
@@ -103,7 +109,7 @@ std::optional<AudioCd> FindAudioCd(const std::string& directory) {
   auto drive = CdDrive::Open(directory);
   const auto toc = drive ? drive->ReadToc() : Failure(Outcome::CdDriveFailed);
   if (!toc || !toc->IsAudioCd()) return std::nullopt;
-  AudioCd disc{drive->Name().value_or(DriveName{}), {}};
+  AudioCd disc{NameOfDrive(directory).value_or(DriveName{}), {}};
   for (const TocTrack& track : toc->tracks)
     disc.tracks.push_back({track.number, std::max(1U, track.sectors / kSectorsPerSecond)});
   return disc;
@@ -112,9 +118,7 @@ std::optional<AudioCd> FindAudioCd(const std::string& directory) {
 std::optional<DriveName> DriveOfFile(const VolumeTable& volumes, std::string_view path) {
   const Volume* const volume = volumes.Find(volumes.DriveOfPath(path));
   if (volume == nullptr || volume->kind != Volume::Kind::Optical) return std::nullopt;
-  auto drive = CdDrive::Open(volume->device.empty() ? volume->path : volume->device);
-  const auto name = drive ? drive->Name() : Failure(Outcome::SourceFailed);
-  return name ? std::optional(*name) : std::nullopt;
+  return NameOfDrive(volume->device.empty() ? volume->path : volume->device);
 }
 
 }  // namespace ts5

@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/cd_drive.h"
-#include "platform/mmc.h"
-#include "platform/volumes.h"
+#include "platform/disc/cd_drive.h"
+#include "platform/disc/mmc_replies.h"
+#include "platform/disc/volumes.h"
 
 namespace ts5 {
 

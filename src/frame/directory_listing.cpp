@@ -5,14 +5,14 @@
 #include <map>
 #include <mutex>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/paths.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/detached_task.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -86,7 +86,10 @@ bool IsTreeDirectory(const fs::directory_entry& entry) {
 }  // namespace
 
 std::vector<std::string> ListedPatterns() {
-  return ParseFileFilter(Text(texts::FileFilterMedia)).at(0).patterns;
+  std::vector<std::string> patterns = ParseFileFilter(Text(texts::FileFilterMedia)).at(0).patterns;
+  // Scores that the text does not name.
+  for (const char* pattern : {"*.stvx", "*.musicxml", "*.mxl"}) patterns.emplace_back(pattern);
+  return patterns;
 }
 
 ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,
@@ -152,15 +155,17 @@ bool DirectoryLister::Start(const std::string& directory, ItemSink sink,
       if (!job->stop.stop_requested()) sink(std::move(batch));
     });
   };
-  std::thread([this, job = job_, directory, audioCd = audioCd_, deliver, end = std::move(end)] {
-    const ListingEnd result = ListDirectory(directory, audioCd, job->stop.get_token(), deliver);
-    job->Send([this, job, end, result] {
-      if (job->stop.stop_requested()) return;
-      job_.reset();
-      end(result);
-    });
-  }).detach();
-  return true;
+  const auto task =
+      DetachedTask::Start([this, job = job_, directory, audioCd = audioCd_, deliver, end = std::move(end)] {
+        const ListingEnd result = ListDirectory(directory, audioCd, job->stop.get_token(), deliver);
+        job->Send([this, job, end, result] {
+          if (job->stop.stop_requested()) return;
+          job_.reset();
+          end(result);
+        });
+      });
+  if (!task) job_.reset();
+  return task.has_value();
 }
 
 void DirectoryLister::Cancel() {

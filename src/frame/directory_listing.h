@@ -12,7 +12,7 @@
 
 #include "frame/cd_tracks.h"
 #include "frame/file_types.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

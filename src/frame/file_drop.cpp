@@ -2,11 +2,12 @@
 
 #include <algorithm>
 
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -30,7 +31,7 @@ bool IsTaken(const FileListEntry& entry, FilterId filter) {
   if (entry.cdTrack) return true;
   const FileTypeId type = FileTypeOf(entry.path);
   if (type == FileTypeId::Unsupported || type == FileTypeId::CdTrack) return false;
-  if (type == FileTypeId::Score && filter == FilterId::CdBurner) return false;
+  if (type == FileTypeId::Score && Has(filter, kTimedList)) return false;
   return !IsDirectory(entry.path);
 }
 
@@ -41,7 +42,7 @@ std::uint32_t WholeSeconds(std::uint64_t units) {
 class Dropper {
  public:
   Dropper(FreeFileList& list, FilterId filter, const DropEnvironment& environment)
-      : list_(list), burner_(filter == FilterId::CdBurner), filter_(filter), environment_(environment) {}
+      : list_(list), burner_(Has(filter, kTimedList)), filter_(filter), environment_(environment) {}
 
   void Reject() { ++result_.rejected; }
 

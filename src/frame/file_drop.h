@@ -11,7 +11,7 @@
 #include "frame/cd_tracks.h"
 #include "frame/file_list.h"
 #include "frame/filter_id.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 

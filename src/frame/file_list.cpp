@@ -4,7 +4,7 @@
 #include <numeric>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {

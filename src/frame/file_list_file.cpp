@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "frame/texts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -18,7 +18,6 @@ constexpr std::string_view kSection = "sts5 Filelist";
 constexpr std::string_view kBannerKey = "======";
 constexpr std::string_view kStopKey = "Stop!!";
 constexpr std::string_view kCountKey = "Files";
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr std::uint32_t kLongestStoredTime = 99'999;  // so that the longest path fits with its times
 
 bool HasDrive(std::string_view path) {
@@ -87,6 +86,14 @@ class PathFinder {
   std::map<std::string, Names> names_;                             // native directory -> its names
 };
 
+// A value of an 8-bit file as UTF-8, which many programs write without its mark; nothing when it is none, or
+// would be the same.
+std::optional<std::string> AsUnmarkedUtf8(const std::string& value) {
+  std::string bytes = Windows1252FromUtf8(value);
+  if (bytes == value || !IsUtf8(bytes)) return std::nullopt;
+  return bytes;
+}
+
 // The entry of one value; nothing when it counts as missing.
 std::optional<FileListEntry> EntryOf(const std::string& value, const EntryFinder& find) {
   if (value.empty() || CharacterCount(value) > kMaxStoredEntry) return std::nullopt;
@@ -131,7 +138,7 @@ bool FitsCodePage(const std::string& text) {
 Profile EmptyProfile(const FreeFileList& list) {
   const bool fits =
       std::ranges::all_of(list.Entries(), [](const FileListEntry& e) { return FitsCodePage(e.path); });
-  return fits ? Profile() : Profile::Parse(AsBytes(kUtf8Mark)).value_or(Profile());
+  return fits ? Profile() : Profile(TextEncoding::Utf8);
 }
 
 }  // namespace
@@ -163,7 +170,11 @@ Result<LoadedFileList> ReadFileList(const Profile& profile, bool burner, const E
 
   LoadedFileList loaded;
   for (const std::int64_t number : EntryNumbers(profile, count)) {
-    auto entry = EntryOf(profile.ReadText(kSection, std::to_string(number)), find);
+    const std::string value = profile.ReadText(kSection, std::to_string(number));
+    auto entry = EntryOf(value, find);
+    if (!entry && profile.Encoding() == TextEncoding::Windows1252) {
+      if (const auto utf8 = AsUnmarkedUtf8(value)) entry = EntryOf(*utf8, find);
+    }
     if (entry) loaded.entries.push_back(std::move(*entry));
   }
   loaded.missing = static_cast<std::uint64_t>(count) - loaded.entries.size();

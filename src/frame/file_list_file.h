@@ -8,7 +8,8 @@
 //   2=/home/anna/Musik/Satz.wav*185|2                        (burner: *seconds|pause)
 //
 // Windows-1252 with CR LF. A list with a path that has no place in that code page is written as UTF-8 with
-// its mark, so that no path is lost.
+// its mark, so that no path is lost. Lists of others in UTF-8 without a mark, or in UTF-16 with one, are
+// read.
 #pragma once
 
 #include <cstddef>
@@ -21,9 +22,9 @@
 
 #include "frame/file_drop.h"
 #include "frame/file_list.h"
-#include "platform/outcome.h"
-#include "platform/profile.h"
-#include "platform/volumes.h"
+#include "platform/base/outcome.h"
+#include "platform/disc/volumes.h"
+#include "platform/store/profile.h"
 
 namespace ts5 {
 

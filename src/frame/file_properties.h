@@ -9,8 +9,8 @@
 
 #include "frame/file_list.h"
 #include "frame/texts.h"
-#include "platform/outcome.h"
-#include "platform/strings.h"
+#include "platform/base/outcome.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 

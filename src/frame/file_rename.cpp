@@ -1,8 +1,8 @@
 #include "frame/file_rename.h"
 
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 

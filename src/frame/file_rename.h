@@ -6,7 +6,7 @@
 
 #include "frame/file_list.h"
 #include "frame/texts.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

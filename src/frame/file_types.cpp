@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {
@@ -16,11 +16,12 @@ struct ExtensionRow {
 };
 
 constexpr auto kExtensions = std::to_array<ExtensionRow>({
-    {"wav", Wave},    {"mp3", Mp3},     {"mp2", Mp2},       {"mpg", Mp2},          {"mid", Midi},
-    {"rmi", Midi},    {"stv", Score},   {"rdl", Sequencer}, {"wma", WindowsMedia}, {"asf", WindowsMedia},
-    {"cda", CdTrack}, {"mpga", Mpga},   {"aif", Aiff},      {"bmp", Picture},      {"gif", Picture},
-    {"jpg", Picture}, {"png", Picture}, {"tif", Picture},   {"xml", Xml},          {"stvx", StvXml},
-    {"ogg", Ogg},     {"ape", Ape},
+    {"wav", Wave},     {"mp3", Mp3},     {"mp2", Mp2},       {"mpg", Mp2},          {"mid", Midi},
+    {"rmi", Midi},     {"stv", Score},   {"rdl", Sequencer}, {"wma", WindowsMedia}, {"asf", WindowsMedia},
+    {"cda", CdTrack},  {"mpga", Mpga},   {"aif", Aiff},      {"bmp", Picture},      {"gif", Picture},
+    {"jpg", Picture},  {"png", Picture}, {"tif", Picture},   {"xml", Xml},          {"stvx", StvXml},
+    {"ogg", Ogg},      {"ape", Ape},     {"flac", Flac},     {"opus", Opus},        {"m4a", M4a},
+    {"musicxml", Xml}, {"mxl", Xml},
 });
 
 constexpr auto kIcons = std::to_array<std::string_view>({
@@ -73,6 +74,9 @@ constexpr auto kIcons = std::to_array<std::string_view>({
     "STVXICON",
     "OGGICON",
     "APEICON",
+    "FLACICON",
+    "OPUSICON",
+    "M4AICON",
 });
 
 bool LooksLikePath(std::string_view name) {

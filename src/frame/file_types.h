@@ -25,6 +25,9 @@ enum class FileTypeId : std::int32_t {
   StvXml = 93,
   Ogg = 95,
   Ape = 97,
+  Flac = 99,
+  Opus = 101,
+  M4a = 103,
 };
 
 // By the text after the last '.', without regard to case. Without a '.' it is the name of a CD track, unless

@@ -2,10 +2,11 @@
 
 #include <array>
 
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/paths.h"
-#include "platform/text.h"
-#include "platform/volumes.h"
+#include "platform/base/text.h"
+#include "platform/disc/volumes.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -24,7 +25,7 @@ constexpr auto kAudioCdColumns = std::to_array<ColumnTitle>({
 }  // namespace
 
 std::span<const ColumnTitle> ListColumns(FilterId filter) {
-  return std::span(kListColumns).first(filter == FilterId::CdBurner ? 4 : 2);
+  return std::span(kListColumns).first(Has(filter, kTimedList) ? 4 : 2);
 }
 
 std::span<const ColumnTitle> DirectoryColumns(bool audioCd) {

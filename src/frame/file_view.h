@@ -12,7 +12,7 @@
 #include "frame/file_list.h"
 #include "frame/filter_id.h"
 #include "frame/texts.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 

@@ -1,23 +1,15 @@
 #include "frame/filter_bar.h"
 
 #include <algorithm>
+#include <array>
 
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/paths.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
-
-using enum FilterId;
-
-constexpr int kCollapsedHeight = 19;
-constexpr int kExpandedHeight = 63;
-constexpr int kExpandedHeightWindows = 66;
-
-bool TakesCdTracks(FilterId filter) {
-  return filter == AudioPlayer || filter == CdGrabber;
-}
 
 bool Contains(std::span<const std::string_view> extensions, std::string_view extension) {
   return std::ranges::any_of(extensions,
@@ -28,24 +20,19 @@ bool Contains(std::span<const std::string_view> extensions, std::string_view ext
 // too.
 bool AcceptsTracks(FilterId filter, std::span<const std::string_view> extensions,
                    const SourceContext& source) {
-  if (TakesCdTracks(filter) && (source.sourceIsAudioCd || source.listMode)) return true;
+  if (Has(filter, kTakesTracks) && (source.sourceIsAudioCd || source.listMode)) return true;
   return source.selection.Count() > 1 && Contains(extensions, "");
 }
 
 bool IsApplicableToAll(FilterId filter, const SourceContext& source) {
-  const bool runsOverList = !TakesCdTracks(filter) && !Descriptor(filter).wholeList.empty();
+  const bool runsOverList = !Has(filter, kTakesTracks) && !Descriptor(filter).wholeList.empty();
   if (source.listMode) return runsOverList;
-  if (source.sourceIsAudioCd) return TakesCdTracks(filter) || filter == CdCopier;
-  return runsOverList && filter != CdBurner;
+  if (source.sourceIsAudioCd) return Has(filter, kTakesTracks) || Has(filter, kTakesDisc);
+  return runsOverList && !Has(filter, kTimedList);
 }
 
 void SetBit(std::uint32_t& word, std::uint32_t bit, bool on) {
   word = on ? word | bit : word & ~bit;
-}
-
-int TileHeight(std::uint32_t word, SkinLayout appearance) {
-  if (IsCollapsed(word)) return kCollapsedHeight;
-  return appearance == SkinLayout::Windows ? kExpandedHeightWindows : kExpandedHeight;
 }
 
 }  // namespace
@@ -73,6 +60,12 @@ SourceContext ListContext(const FreeFileList& list) {
   return source;
 }
 
+SourceContext WholeListContext(const FreeFileList& list) {
+  SourceContext source{.listMode = true, .sourceIsAudioCd = false, .selection = {}};
+  for (std::size_t i = 0; i < list.Size(); ++i) source.selection.Add(list[i].path, list[i].cdTrack);
+  return source;
+}
+
 SourceContext DirectoryContext(const DirectorySelection& directory, bool sourceIsAudioCd) {
   SourceContext source{.listMode = false, .sourceIsAudioCd = sourceIsAudioCd, .selection = {}};
   for (const std::string& name : directory.names) source.selection.Add(name, sourceIsAudioCd);
@@ -95,38 +88,79 @@ bool Accepts(FilterId filter, const SourceContext& source) {
 }
 
 bool IsApplicable(FilterId filter, const SourceContext& source) {
-  if (filter == Artworker) return true;
+  if (Has(filter, kNeedsNoSources)) return true;
   if (source.selection.Count() == 0) return IsApplicableToAll(filter, source);
-  if (!source.listMode && source.selection.Count() > 1 && filter == CdGrabber) return source.sourceIsAudioCd;
+  if (!source.listMode && source.selection.Count() > 1 && Has(filter, kTracksOnly))
+    return source.sourceIsAudioCd;
   return Accepts(filter, source);
 }
 
 bool IsDevicePresent(FilterId filter, const DeviceCounts& devices) {
-  switch (filter) {
-    case AudioPlayer:
-      return devices.audioOutputs > 0;
-    case MidiPlayer:
-    case ScorePlayer:
-      return devices.midiOutputs > 0;
-    case Artworker:
-      return devices.printers > 0;
-    case CdBurner:
-    case CdCopier:
-      return devices.writers > 0;
-    default:
-      return true;
+  const FilterDescriptor& descriptor = Descriptor(filter);
+  const auto there = [&](PanelFlags panel, std::size_t count) {
+    return !descriptor.Shows(panel) || count > 0;
+  };
+  return there(kPanelAudioDevices, devices.audioOutputs) && there(kPanelMidiDevices, devices.midiOutputs) &&
+         there(kPanelPrinters, devices.printers) && there(kPanelDiscDrives, devices.writers);
+}
+
+namespace {
+
+struct MissingDevice {
+  PanelFlags panel;
+  std::size_t DeviceCounts::*count;
+  TextId reason;
+  TextId remedy;
+};
+constexpr std::array kDevices = {
+    MissingDevice{kPanelAudioDevices, &DeviceCounts::audioOutputs, texts::RefusedAudioDevice,
+                  texts::RemedyAudioDevice},
+    MissingDevice{kPanelMidiDevices, &DeviceCounts::midiOutputs, texts::RefusedMidiDevice,
+                  texts::RemedyMidiDevice},
+    MissingDevice{kPanelDiscDrives, &DeviceCounts::writers, texts::RefusedWriter, texts::RemedyWriter},
+    MissingDevice{kPanelPrinters, &DeviceCounts::printers, texts::RefusedPrinter, texts::RemedyPrinter},
+};
+
+FilterRefusal Refusal(TextId reason, TextId remedy) {
+  return {std::string(Text(reason)), std::string(Text(remedy))};
+}
+
+// ".mid, .rmi, .rdl"
+std::string Kinds(const FilterDescriptor& filter) {
+  std::string kinds;
+  for (const std::string_view extension : filter.single)
+    kinds += (kinds.empty() ? "." : ", .") + std::string(extension);
+  return kinds;
+}
+
+}  // namespace
+
+std::optional<FilterRefusal> RefusalOf(FilterId filter, const SourceContext& source,
+                                       const DeviceCounts& devices) {
+  const FilterDescriptor& descriptor = Descriptor(filter);
+  for (const MissingDevice& device : kDevices) {
+    if (descriptor.Shows(device.panel) && devices.*device.count == 0)
+      return Refusal(device.reason, device.remedy);
   }
+  if (IsApplicable(filter, source)) return std::nullopt;
+  if (descriptor.Has(kTakesDisc) || descriptor.Has(kTracksOnly))
+    return Refusal(descriptor.needs, texts::RemedyAudioCd);
+  if (descriptor.Has(kTimedList)) return Refusal(descriptor.needs, texts::RemedyTitles);
+  const bool some = std::ranges::any_of(source.selection.Extensions(), [&](const std::string& own) {
+    return Contains(descriptor.single, own);
+  });
+  return FilterRefusal{std::string(Text(some ? texts::RefusedSome : descriptor.needs)),
+                       Format(Text(some ? texts::RemedyMarkOnly : texts::RemedyMark), Kinds(descriptor))};
 }
 
 FilterBar RefreshFilterBar(const FilterBarInput& input) {
   FilterBar bar{.tiles = {}, .words = input.words, .filter = input.filter, .filterFixed = input.filterFixed};
   if (!IsFilter(bar.filter)) {
-    bar.filter = ScoreSearch;
+    bar.filter = FilterId::ScoreSearch;
     bar.filterFixed = false;
   }
 
   int position = 0;
-  int top = 0;
   for (const FilterDescriptor& descriptor : FilterCatalogue()) {
     const auto index = static_cast<std::size_t>(descriptor.id);
     const bool current = descriptor.id == bar.filter;
@@ -135,7 +169,7 @@ FilterBar RefreshFilterBar(const FilterBarInput& input) {
     std::uint32_t& word = bar.words[index];
     FilterTile& tile = bar.tiles[index];
 
-    tile.shown = bar.filterFixed ? current : applicable;
+    tile.shown = bar.filterFixed ? current : applicable || input.showAll;
     SetBit(word, kStatusShown, tile.shown);
     if (tile.shown || current) {
       SetBit(word, kStatusDeviceMissing, !IsDevicePresent(descriptor.id, input.devices));
@@ -145,11 +179,12 @@ FilterBar RefreshFilterBar(const FilterBarInput& input) {
     if (!tile.shown) continue;
 
     tile.position = position++;
-    tile.top = top;
-    tile.height = TileHeight(word, input.appearance);
-    top += tile.height;
-    tile.buttonEnabled = usable && (input.jobIsIdle || (current && IsPlayer(descriptor.id)));
-    tile.toggleEnabled = usable;
+    tile.marksAll = input.showAll && !usable && input.source.selection.Count() == 0 &&
+                    IsDevicePresent(descriptor.id, input.devices) && Accepts(descriptor.id, input.whole);
+    const bool fits = usable || tile.marksAll;
+    tile.buttonEnabled = fits && (input.jobIsIdle || (current && descriptor.Has(kPlays)));
+    tile.toggleEnabled = fits;
+    if (!fits) tile.refusal = RefusalOf(descriptor.id, input.source, input.devices);
   }
   return bar;
 }
@@ -159,31 +194,6 @@ std::uint32_t ToggledStatus(std::uint32_t word) {
   SetBit(word, kStatusCollapsed, !expand);
   SetBit(word, kStatusExpanded, expand);
   return word;
-}
-
-std::string_view TileToolTip(FilterId filter, std::uint32_t word) {
-  return IsCollapsed(word) ? Descriptor(filter).Name() : Descriptor(filter).Description();
-}
-
-std::uint32_t TileRowColour(FilterId filter, int row, int rows) {
-  const FilterDescriptor& descriptor = Descriptor(filter);
-  const int last = std::max(1, rows - 1);
-  const int place = std::clamp(row, 0, last);
-  std::uint32_t colour = 0;
-  for (unsigned shift = 0; shift < 24; shift += 8) {
-    const int first = static_cast<int>(descriptor.colour2 >> shift & 0xFF);
-    const int end = static_cast<int>(descriptor.colour1 >> shift & 0xFF);
-    colour |= static_cast<std::uint32_t>(std::clamp(first + (end - first) * place / last, 0, 255)) << shift;
-  }
-  return colour;
-}
-
-FilterSwitch PlanFilterSwitch(FilterId current, FilterId next, bool listIsEmpty, bool jobIsIdle) {
-  using enum FilterSwitch::Kind;
-  if (!jobIsIdle) return {Refused, {}};
-  if (current == next) return {Same, {}};
-  if (listIsEmpty || (current != CdBurner && next != CdBurner)) return {Free, {}};
-  return {Ask, next == CdBurner ? texts::AskSwitchToBurner : texts::AskSwitchFromBurner};
 }
 
 }  // namespace ts5

@@ -14,9 +14,7 @@
 
 #include "frame/file_list.h"
 #include "frame/filter_id.h"
-#include "frame/settings.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 
@@ -57,6 +55,8 @@ struct SourceContext {
 };
 // The selection of a free file list, with its focused entry.
 [[nodiscard]] SourceContext ListContext(const FreeFileList& list);
+// The same as if all entries were selected.
+[[nodiscard]] SourceContext WholeListContext(const FreeFileList& list);
 [[nodiscard]] SourceContext DirectoryContext(const DirectorySelection& directory, bool sourceIsAudioCd);
 // Whether the focused entry is selected and a CD track.
 [[nodiscard]] bool ListSourceIsAudioCd(const FreeFileList& list);
@@ -74,23 +74,35 @@ struct DeviceCounts {
 };
 [[nodiscard]] bool IsDevicePresent(FilterId filter, const DeviceCounts& devices);
 
+// Why a filter cannot be chosen, in the words of its tile, and what to do about it.
+struct FilterRefusal {
+  std::string reason = {};
+  std::string remedy = {};
+  bool operator==(const FilterRefusal&) const = default;
+};
+[[nodiscard]] std::optional<FilterRefusal> RefusalOf(FilterId filter, const SourceContext& source,
+                                                     const DeviceCounts& devices);
+
 struct FilterBarInput {
   SourceContext source;
+  // All of a free file list in which nothing is selected: what its filters could be given instead.
+  SourceContext whole = {};
   DeviceCounts devices;
   bool jobIsIdle = true;  // idle or stopped between two steps
   FilterId filter = FilterId::None;
   bool filterFixed = false;
+  bool showAll = false;  // also what does not fit
   FilterStatusWords words = FreshStatusWords();
-  SkinLayout appearance = SkinLayout::Stavora5;
 };
 
 struct FilterTile {
   bool shown = false;
   int position = -1;  // from the top, -1 while hidden
-  int top = 0;        // pixels at 96 dpi
-  int height = 0;
   bool buttonEnabled = false;
   bool toggleEnabled = false;
+  bool marksAll =
+      false;  // it does not fit, but would with all files of the list selected, and may be chosen so
+  std::optional<FilterRefusal> refusal = {};  // of one that is shown and cannot be chosen
 };
 
 struct FilterBar {
@@ -113,23 +125,5 @@ struct FilterBar {
 [[nodiscard]] constexpr bool IsCollapsed(std::uint32_t word) {
   return (word & kStatusCollapsed) != 0;
 }
-// Name while collapsed, description otherwise.
-[[nodiscard]] std::string_view TileToolTip(FilterId filter, std::uint32_t word);
-// The colour (0x00BBGGRR) of one row of a tile's gradient: colour 2 at the top, colour 1 at the bottom.
-[[nodiscard]] std::uint32_t TileRowColour(FilterId filter, int row, int rows);
-
-// What has to happen before a job gets another filter.
-struct FilterSwitch {
-  enum class Kind : std::uint8_t {
-    Refused,  // the job runs
-    Same,     // nothing to switch
-    Ask,      // Yes/No with question, No as default; Yes empties the free file list and switches
-    Free,     // switch at once
-  };
-  Kind kind = Kind::Refused;
-  std::optional<TextId> question;
-};
-[[nodiscard]] FilterSwitch PlanFilterSwitch(FilterId current, FilterId next, bool listIsEmpty,
-                                            bool jobIsIdle);
 
 }  // namespace ts5

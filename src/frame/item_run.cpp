@@ -2,59 +2,73 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
-#include <map>
-#include <mutex>
+#include <chrono>
 #include <new>
 #include <optional>
+#include <set>
 #include <stdexcept>
-#include <system_error>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "frame/filter_catalogue.h"
-#include "frame/item_dependence.h"
+#include "frame/failure_reason.h"
+#include "frame/ordered_pool.h"
 #include "frame/run.h"
+#include "frame/run_journal.h"
+#include "frame/target_naming.h"
 #include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/paths.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
+#include "platform/files/fault.h"
+#include "platform/files/flush_group.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
 
-// How far the conversions may be ahead of the item whose turn it is, per thread. Each holds one open file.
-constexpr std::size_t kAheadPerWorker = 8;
+// How far the conversions may be ahead of the item whose turn it is, per thread and in all. Each holds one
+// open file.
+constexpr std::size_t kAheadPerWorker = 32;
+constexpr std::size_t kMaxAhead = 128;
+// So many targets at most are put in place together.
+constexpr std::size_t kMaxTogether = 64;
 
 // One item on its way. code: what the check or the conversion said.
 struct Item {
   std::size_t index = 0;
   std::string source = {};
+  const ItemRecord* before = nullptr;  // what became of it in the run that this one goes on with
   Outcome code = Outcome::Success;
   bool suitable = false;  // passed its check: it gets a target
+  bool unchanged = false;
+  bool kept = false;      // failed, and its target is put in place all the same
+  std::string name = {};  // of the target that is in its place
+  std::unique_ptr<PreparedItem> prepared = {};
   std::optional<StagedFile> target = {};
   bool extended = false;
   std::int32_t number = 0;
-};
-
-struct Target {
-  std::string name;
-  Outcome code = Outcome::Success;
-  bool mustAsk = false;  // exists, and may be replaced only with the user's consent
+  std::string reason = {};  // of a failure, see RunItem
+  std::string line = {};
+  std::optional<std::vector<ItemLoss>> losses = {};
 };
 
 std::uint32_t Count(std::size_t number) {
   return ClampTo<std::uint32_t>(number);
 }
 
-// The automatic name of a source's target as things stand now; nothing when no number is free.
-std::optional<std::string> AutomaticTarget(const TargetRule& rule, const DestinationRules& rules,
-                                           const std::string& source, const DestinationFiles& files) {
-  const TargetName name = TargetNameFor(rule, rules, source, files);
-  const bool inPlace = rule.formatKept && !rules.useSuffix;
-  const bool number =
-      rules.overwrite == OverwritePolicy::Number || (!inPlace && IsSameFile(name.Plain(), source));
-  return SettledName(name, number, files);
+// The outcome of an action that may throw.
+template <typename Action>
+Outcome Guarded(const Action& action) {
+  try {
+    return action();
+  } catch (const std::bad_alloc&) {
+    return Outcome::OutOfMemory;
+  } catch (const std::length_error&) {
+    return Outcome::OutOfMemory;
+  } catch (const std::exception&) {
+    return Outcome::LibraryFailed;
+  }
 }
 
 class ItemRun {
@@ -63,58 +77,83 @@ class ItemRun {
       : run_(run),
         filter_(filter),
         count_(run.ItemCount()),
-        mode_(DestinationModeOf(run.GetJob(), run.Destination().noPreset)) {}
+        naming_(run.GetJob(), run.Destination(), run.Files()) {}
 
   void Execute() {
-    const std::size_t workers = WorkerCount();
-    if (workers > 1) {
-      InParallel(workers);
+    if (run_.GoesOn()) {
+      TakePlan();
     } else {
-      OneByOne(0);
+      NameTargets();
+      BeginJournal();
     }
-    RunResult& result = run_.Result();
-    result.lines[0].count = Count(successes_);
-    result.lines[1].count = Count(count_ - successes_);
-    result.remarks = run_.Remarks();
+    ClearPlaces();
+    const std::size_t workers = WorkerCount();
+    if (workers == 0 || !InParallel(workers)) OneByOne();
+    CountItems(run_.Result(), count_);
+    run_.Result().remarks = run_.Remarks();
+    // What the end of the program cuts off can be gone on with.
+    const bool whole = run_.Result().items.size() == count_ && !run_.Result().cancelled;
+    if (journal_ && (whole || !run_.Closing())) journal_->Remove();
   }
 
  private:
+  // 0: one item after the other, on this thread.
   [[nodiscard]] std::size_t WorkerCount() const {
-    if (!filter_.independent || count_ < 2) return 1;
+    if (!filter_.independent || count_ < 2) return 0;
     const std::size_t cores = filter_.workers != 0 ? filter_.workers : std::thread::hardware_concurrency();
-    if (cores < 2) return 1;
-    return SourceCouldBeTarget(Plan()) ? 1 : std::min(cores, count_);
+    return std::clamp<std::size_t>(cores, 1, count_);
   }
 
-  [[nodiscard]] std::vector<PlannedItem> Plan() const {
-    std::vector<PlannedItem> plan;
-    plan.reserve(count_);
+  // All names are settled before the first item begins.
+  void NameTargets() {
+    targets_.reserve(count_);
+    std::size_t evading = 0;
     for (std::size_t i = 0; i < count_ && !run_.Cancelled(); ++i) {
-      PlannedItem& item = plan.emplace_back();
-      item.source = run_.Source(i);
-      if (!IsUsablePath(item.source)) continue;
-      item.target = TargetNameFor(Rule(item.source), run_.Destination(), item.source, run_.Files());
+      if (targets_.emplace_back(NameTarget(run_.Source(i))).evades) ++evading;
     }
-    return plan;
+    if (evading > 0 && count_ > 1) run_.ProtocolLine(Format(Text(texts::TargetsEvade), Count(evading)));
   }
 
-  [[nodiscard]] TargetRule Rule(const std::string& source) const {
-    return run_.Module().target(*run_.GetJob().parameters, source);
+  // The names of the run that this one goes on with; what it has made counts as made.
+  void TakePlan() {
+    journal_ = run_.GoesOn();
+    targets_ = journal_->Plan().targets;
+    for (const PlannedTarget& target : targets_) naming_.Reserve(target);
   }
 
-  // The name of an item's target as things stand now.
-  [[nodiscard]] Target NameTarget(const std::string& source) const {
-    const DestinationRules& rules = run_.Destination();
-    Target target;
-    if (mode_.editable && !run_.GetJob().destinationName.empty()) {
-      target.name = run_.GetJob().destinationName;
-    } else {
-      const auto settled = AutomaticTarget(Rule(source), rules, source, run_.Files());
-      if (!settled) target.code = Outcome::TargetFailed;
-      target.name = settled.value_or("");
+  // A single file is as easily begun anew.
+  void BeginJournal() {
+    if (run_.Journals().empty() || count_ < 2 || targets_.size() < count_) return;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    RunPlan plan{.job = run_.GetJob(),
+                 .number = run_.JobNumber(),
+                 .destination = run_.Destination(),
+                 .devices = run_.Devices(),
+                 .begun = std::chrono::duration_cast<std::chrono::seconds>(now).count(),
+                 .targets = targets_};
+    auto journal =
+        RunJournal::Begin(run_.Journals(), std::move(plan), [this](FilterId) { return &run_.Module(); });
+    if (journal) journal_ = std::make_shared<RunJournal>(*std::move(journal));
+  }
+
+  // Where a killed run has left something, it goes.
+  void ClearPlaces() const {
+    std::set<std::string, std::less<>> directories;
+    for (const PlannedTarget& target : targets_) {
+      if (Failed(target.code)) continue;
+      const std::string_view directory = DirectoryOf(target.name);
+      if (!directories.contains(directory)) directories.emplace(directory);
     }
-    if (!IsUsablePath(target.name)) target.code = Outcome::TargetFailed;
-    target.mustAsk = rules.overwrite != OverwritePolicy::Replace && run_.Files().exists(target.name);
+    for (const std::string& directory : directories) (void)ClearAbandonedFiles(directory);
+  }
+
+  PlannedTarget NameTarget(const std::string& source) {
+    PlannedTarget target;
+    const Outcome named = Guarded([&] {
+      target = NameItem(naming_, run_.GetJob(), run_.Module(), run_.Destination(), source);
+      return target.code;
+    });
+    target.code = named;
     return target;
   }
 
@@ -124,62 +163,81 @@ class ItemRun {
                      .icon = MessageIcon::Exclamation}) == Answer::Yes;
   }
 
-  [[nodiscard]] Item Check(std::size_t index) const {
-    Item item{.index = index, .source = run_.Source(index)};
+  // The user's word on what stands where the target of an item goes; false when it has to stay.
+  [[nodiscard]] bool AsksFirst(std::size_t index) const {
+    const PlannedTarget& target = targets_[index];
+    return target.taking == Taking::Ask && Succeeded(target.code) && run_.Files().exists(target.name);
+  }
+  [[nodiscard]] bool Permit(std::size_t index) {
+    if (!MayReplace(targets_[index].name)) return false;
+    targets_[index].taking = Taking::Replace;
+    return true;
+  }
+
+  void Check(Item& item) const {
     if (!IsUsablePath(item.source)) {
       item.code = Outcome::SourceFailed;
-      return item;
+      Explain(item);
+      return;
     }
-    if (filter_.check)
-      item.code = Guarded([&] { return filter_.check(*run_.GetJob().parameters, item.source); });
+    ForgetFault();
+    item.code = Guarded([&] {
+      const FilterParameters& parameters = *run_.GetJob().parameters;
+      if (filter_.prepare) {
+        auto prepared = filter_.prepare(parameters, item.source);
+        if (!prepared) return prepared.error();
+        item.prepared = *std::move(prepared);
+      }
+      return filter_.check ? filter_.check(parameters, item.source) : Outcome::Success;
+    });
     item.suitable = Succeeded(item.code);
     if (item.suitable) item.code = Outcome::Success;
-    return item;
+    Explain(item);
+  }
+
+  // Of what has just been done on this thread.
+  void Explain(Item& item) const {
+    if (Failed(item.code))
+      item.reason = FailureReason(item.code, item.source, targets_[item.index].name, TakeFault());
   }
 
   // Converts into a file beside the target; the item's code says how it went.
-  void Convert(Item& item, const Target& target) {
-    item.code = target.code;
-    if (Failed(item.code)) return;
+  void Convert(Item& item) {
+    ForgetFault();
+    item.code = Guarded([&] { return ConvertInto(item); });
+    Explain(item);
+    item.prepared.reset();
+    if ((Failed(item.code) && !item.kept) || item.unchanged) item.target.reset();
+  }
+
+  Outcome ConvertInto(Item& item) {
+    const PlannedTarget& target = targets_[item.index];
+    if (Failed(target.code)) return target.code;
     auto staged = StagedFile::Create(target.name);
-    if (!staged) {
-      item.code = staged.error();
-      return;
-    }
+    if (!staged) return staged.error();
     item.target = std::move(*staged);
     ItemWork work{.run = run_,
                   .parameters = *run_.GetJob().parameters,
                   .source = item.source,
                   .target = *item.target,
                   .abandoned = abandoned_,
-                  .progress = [this, index = item.index](double fraction) {
-                    if (front_.load(std::memory_order_relaxed) == index) ShowProgress(index, fraction);
-                  }};
-    item.code = Guarded([&] { return filter_.convert(work); });
+                  .progress =
+                      [this, index = item.index](double fraction) {
+                        if (front_.load(std::memory_order_relaxed) == index) ShowProgress(index, fraction);
+                      },
+                  .prepared = item.prepared.get(),
+                  .targetName = target.name};
+    const Outcome converted = filter_.convert(work);
     item.extended = work.extended;
     item.number = work.number;
-    if (Succeeded(item.code) && item.target->Size() == 0) {
-      item.target.reset();  // nothing to change, nothing to put in place
-      return;
-    }
-    // Here and not when its turn comes: flushes of several files overlap.
-    if (Succeeded(item.code)) {
-      if (const Outcome flushed = item.target->Flush(); Failed(flushed)) item.code = flushed;
-    }
-    if (Failed(item.code)) item.target.reset();
-  }
-
-  template <typename Action>
-  static Outcome Guarded(const Action& action) {
-    try {
-      return action();
-    } catch (const std::bad_alloc&) {
-      return Outcome::OutOfMemory;
-    } catch (const std::length_error&) {
-      return Outcome::OutOfMemory;
-    } catch (const std::exception&) {
-      return Outcome::LibraryFailed;
-    }
+    item.line = std::move(work.line);
+    item.losses = std::move(work.losses);
+    item.unchanged = work.unchanged;
+    const bool dropped = Failed(converted) && (!work.keepTarget || converted == Outcome::Cancelled);
+    if (dropped || work.unchanged) return converted;
+    if (item.target->IsEmpty()) return Outcome::TargetFailed;
+    item.kept = Failed(converted);
+    return converted;
   }
 
   void ShowProgress(std::size_t index, double fraction) {
@@ -200,121 +258,167 @@ class ItemRun {
     return false;
   }
 
+  // The item as the result has it; name: of its target.
+  [[nodiscard]] static ItemRecord RecordOf(const Item& item, std::string name) {
+    RunItem done{item.source, std::move(name), Code(item.code), item.extended, item.reason};
+    done.remark = item.line;
+    done.unchanged = item.unchanged;
+    if (Succeeded(item.code)) done.losses = item.losses;
+    return {.index = item.index, .item = std::move(done), .number = item.number};
+  }
+
   // Books the item; false when the run ends with it.
-  bool Finish(const Item& item, const std::string& target) {
-    const bool converted = Succeeded(item.code);
-    run_.Result().items.push_back({item.source, converted ? target : std::string(), Code(item.code)});
-    if (item.code == Outcome::Cancelled) return EndCancelled();
-    if (converted) ++successes_;
-    if (item.code != Outcome::Success) run_.AddStatus({Code(item.code), item.extended, item.number});
+  bool Book(const Item& item) {
+    ItemRecord record = item.before != nullptr ? *item.before : RecordOf(item, item.name);
+    const bool cancelled = record.item.code == Code(Outcome::Cancelled);
+    if (journal_ && item.before == nullptr && !cancelled) journal_->Book(record);
+    const Status status{record.item.code, record.item.extended, record.number, record.item.remark};
+    run_.Result().items.push_back(std::move(record.item));
+    if (cancelled) return EndCancelled();
+    if (status.code != Code(Outcome::Success)) run_.AddStatus(status);
     return true;
   }
 
-  bool Refused(Item item) {
+  // The user says No: the run ends, and the item leaves nothing.
+  bool Refuse(Item& item) {
     item.target.reset();
+    item.reason.clear();
     item.code = Outcome::Cancelled;
-    return Finish(item, {});
+    return Book(item);
   }
 
-  bool Commit(Item& item, const std::string& target) {
-    if (Succeeded(item.code) && !item.target) return Finish(item, {});
-    if (Succeeded(item.code)) {
-      if (const Outcome done = item.target->CommitAs(target); Failed(done)) item.code = done;
+  // Takes an item whose turn it is; false when the run ends with it. A question waits for nobody's flush:
+  // what stands before it is in its place by then.
+  bool Take(Item item) {
+    if (item.suitable && AsksFirst(item.index)) {
+      if (!Settle()) return false;
+      if (!Permit(item.index)) return Refuse(item);
+    }
+    waiting_.push_back(std::move(item));
+    return waiting_.size() < kMaxTogether || Settle();
+  }
+
+  // Puts all that was taken in its place: the contents go to the disk together, then each gets its name in
+  // order, then their directories go to the disk. False when the run ends.
+  bool Settle() {
+    std::vector<Item> items = std::exchange(waiting_, {});
+    std::vector<StagedFile*> files;
+    for (Item& item : items) {
+      if (item.target) files.push_back(&*item.target);
+    }
+    FlushGroup group;
+    group.FlushContents(files);
+    Announce(items);
+    std::size_t count = 0;
+    for (; count < items.size(); ++count) {
+      if (!PutInPlace(items[count])) break;
+    }
+    ForgetFault();
+    const Outcome flushed = group.FlushDirectories();
+    bool goesOn = true;
+    for (std::size_t i = 0; goesOn && i < std::min(count + 1, items.size()); ++i) {
+      Item& item = items[i];
+      if (Failed(flushed) && !item.name.empty() && Succeeded(item.code)) {
+        item.code = flushed;
+        item.reason = FailureReason(flushed, item.source, item.name, {});
+      }
+      goesOn = Book(item);
+    }
+    return goesOn;
+  }
+
+  void Announce(const std::vector<Item>& items) {
+    if (!journal_) return;
+    std::vector<ItemRecord> records;
+    for (const Item& item : items) {
+      if (!item.target) continue;
+      records.push_back(RecordOf(item, targets_[item.index].name));
+      records.back().staged = MarkOf(item.target->TemporaryPath());
+    }
+    journal_->Announce(records);
+  }
+
+  // False when the run ends with the item, e.g. as the user says No to what has appeared there meanwhile.
+  bool PutInPlace(Item& item) {
+    if (!item.target) return item.code != Outcome::Cancelled;
+    ForgetFault();
+    auto taken = TakeTarget(*item.target, targets_[item.index], naming_,
+                            [this](const std::string& target) { return MayReplace(target); });
+    if (taken) {
+      item.name = *std::move(taken);
+    } else {
+      item.code = taken.error();
+      Explain(item);
     }
     item.target.reset();
-    return Finish(item, target);
+    return item.code != Outcome::Cancelled;
   }
 
-  void OneByOne(std::size_t first) {
-    for (std::size_t i = first; i < count_; ++i) {
+  [[nodiscard]] const ItemRecord* DoneBefore(std::size_t index) const {
+    return run_.GoesOn() ? journal_->Done(index) : nullptr;
+  }
+
+  void OneByOne() {
+    for (std::size_t i = 0; i < targets_.size(); ++i) {
       if (!Begin(i)) return;
-      Item item = Check(i);
-      std::string name;
+      Item item{.index = i, .source = run_.Source(i), .before = DoneBefore(i)};
+      if (item.before == nullptr) Check(item);
       if (item.suitable) {
-        Target target = NameTarget(item.source);
-        if (target.mustAsk && !MayReplace(target.name)) {
-          Refused(std::move(item));
+        if (AsksFirst(i) && !Permit(i)) {
+          Refuse(item);
           return;
         }
-        Convert(item, target);
-        name = std::move(target.name);
+        Convert(item);
       }
-      if (!Commit(item, name)) return;
+      waiting_.push_back(std::move(item));
+      if (!Settle()) return;
     }
     if (run_.Cancelled()) EndCancelled();
   }
 
-  // Conversions run ahead in a bounded window; names, questions and commits come here in order.
-  void InParallel(std::size_t workers) {
-    const std::size_t window = workers * kAheadPerWorker;
-    std::mutex mutex;
-    std::condition_variable room;
-    std::condition_variable ready;
-    std::vector<std::optional<Item>> slots(window);
+  // Conversions run ahead in a bounded window; questions and names come in order. What is done while targets
+  // are put in place waits for the next time, so that there are the more together the slower the disk is.
+  // False when nothing was done.
+  [[nodiscard]] bool InParallel(std::size_t workers) {
     std::size_t next = 0;
-    std::size_t front = 0;
-    bool ending = false;
-
-    const auto work = [&] {
-      std::unique_lock lock(mutex);
-      while (true) {
-        room.wait(lock, [&] { return ending || next >= count_ || next < front + window; });
-        if (ending || next >= count_) return;
-        const std::size_t index = next++;
-        lock.unlock();
-        Item item = Check(index);
-        // The name may still change; its directory does not.
-        if (item.suitable) Convert(item, NameTarget(item.source));
-        lock.lock();
-        slots[index % window] = std::move(item);
-        if (index == front) ready.notify_one();
-      }
-    };
-
-    std::vector<std::jthread> threads;
-    try {
-      for (std::size_t i = 0; i < workers; ++i) threads.emplace_back(work);
-    } catch (const std::system_error&) {
-      if (threads.empty()) return OneByOne(0);  // fewer threads do as well
-    }
-
-    while (front < count_) {
-      if (!Begin(front)) break;
-      std::optional<Item> item;
-      {
-        std::unique_lock lock(mutex);
-        ready.wait(lock, [&] { return slots[front % window].has_value(); });
-        item = std::exchange(slots[front % window], std::nullopt);
-      }
-      if (!TakeTurn(*item)) break;
-      {
-        const std::lock_guard lock(mutex);
-        ++front;
-      }
-      room.notify_all();
-    }
-    if (front == count_ && run_.Cancelled()) EndCancelled();
-    abandoned_ = true;
-    {
-      const std::lock_guard lock(mutex);
-      ending = true;
-    }
-    room.notify_all();
-  }
-
-  bool TakeTurn(Item& item) {
-    if (!item.suitable) return Commit(item, {});
-    const Target target = NameTarget(item.source);
-    if (target.mustAsk && !MayReplace(target.name)) return Refused(std::move(item));
-    if (Failed(target.code)) item.code = target.code;
-    return Commit(item, target.name);
+    std::size_t begun = 0;
+    bool goesOn = true;
+    OrderedPool<Item> pool(
+        {.next = [&]() -> std::unique_ptr<Item> {
+           if (next == targets_.size()) return nullptr;
+           auto item = std::make_unique<Item>();
+           item->index = next++;
+           item->source = run_.Source(item->index);
+           item->before = DoneBefore(item->index);
+           return item;
+         },
+         .work =
+             [this](Item& item) {
+               if (item.before != nullptr) return;
+               Check(item);
+               if (item.suitable) Convert(item);
+             },
+         .begin =
+             [&](const Item& item) {
+               ++begun;
+               if (run_.Cancelled() && goesOn) goesOn = Settle();
+               return goesOn && (goesOn = Begin(item.index));
+             },
+         .take = [&](Item& item, bool done) { return !done || (goesOn = Take(std::move(item))); },
+         .idle = [&] { return goesOn = Settle(); }},
+        std::min(workers * kAheadPerWorker, kMaxAhead), abandoned_);
+    if (!pool.Run(ClampTo<unsigned>(workers))) return false;
+    if (goesOn && Settle() && begun == targets_.size() && run_.Cancelled()) EndCancelled();
+    return true;
   }
 
   Run& run_;
   const ItemFilter& filter_;
   const std::size_t count_;
-  const DestinationMode mode_;
-  std::size_t successes_ = 0;
+  TargetNaming naming_;
+  std::vector<PlannedTarget> targets_;  // of the items
+  std::shared_ptr<RunJournal> journal_;
+  std::vector<Item> waiting_;  // taken, and not yet in their places
   std::atomic<std::size_t> front_ = 0;
   std::atomic<bool> abandoned_ = false;
 };
@@ -323,20 +427,6 @@ class ItemRun {
 
 bool ItemWork::Cancelled() const {
   return run.Cancelled() || abandoned.load(std::memory_order_relaxed);
-}
-
-std::string AutomaticDestination(const Job& job, const FilterModule& module, const DestinationRules& rules,
-                                 const DestinationFiles& files) {
-  const std::string source = ItemSource(job, 0);
-  if (IsSearch(job.filter)) {
-    const bool wholeList =
-        job.Mode() == SourceMode::List ? job.files.Selection().empty() : job.directory.names.empty();
-    const std::string first = source.empty() ? JoinPath(job.directory.path, "*") : source;
-    const TargetName name = ResultFileNameFor(rules, first, ItemCount(job), wholeList, files);
-    return SettledName(name, rules.overwrite == OverwritePolicy::Number, files).value_or("");
-  }
-  if (!module.target || !job.parameters || source.empty()) return {};
-  return AutomaticTarget(module.target(*job.parameters, source), rules, source, files).value_or("");
 }
 
 void RunItems(Run& run, const ItemFilter& filter) {

@@ -14,7 +14,7 @@
 #include "frame/filter_id.h"
 #include "frame/parameters.h"
 #include "frame/run_state.h"
-#include "platform/registry_values.h"
+#include "platform/store/registry_values.h"
 
 namespace ts5 {
 
@@ -56,6 +56,8 @@ class ParametersValue {
 class JobRunHandle {
  public:
   JobRunHandle() : run_(std::make_shared<JobRun>()) {}
+  // Those of another job, for a run of its with other sources.
+  explicit JobRunHandle(std::shared_ptr<JobRun> run) : run_(std::move(run)) {}
   JobRunHandle(const JobRunHandle&) : JobRunHandle() {}
   JobRunHandle(JobRunHandle&& other) noexcept = default;
   JobRunHandle& operator=(const JobRunHandle&) { return *this; }
@@ -104,11 +106,13 @@ struct Job {
   RegistryValues stored;
 
   std::string destinationName;  // file or directory
+  std::string targetDirectory;  // of automatic names, before what the settings say; "" as they say
   bool destinationIsScreen = false;
   std::int32_t destinationDevice = 0;  // index; a MIDI device is kMidiDeviceBase + index
 
   JobRunHandle run;
 
+  [[nodiscard]] JobId Id() const { return run->id; }
   [[nodiscard]] SourceMode Mode() const {
     return sourceDrive == kListModeDrive ? SourceMode::List : SourceMode::Directory;
   }
@@ -122,5 +126,9 @@ struct Job {
 // An index past the end takes the last one; "" when there is none.
 [[nodiscard]] std::string ItemSource(const Job& job, std::size_t index);
 [[nodiscard]] std::optional<FileListEntry> ItemEntry(const Job& job, std::size_t index);
+
+// A job that is the same but for its sources: only these of them, in their order. Those that it does not name
+// itself, as of a tree that was searched, become its free file list.
+[[nodiscard]] Job WithOnly(const Job& job, const std::vector<std::string>& sources);
 
 }  // namespace ts5

@@ -22,6 +22,10 @@ struct RunRequest {
   RunDevices devices = {};
   DestinationRules destination = {};
   DestinationFiles files = SystemDestinationFiles();
+  std::size_t number = 0;  // of the job among all; 0: the default job
+  RunShare share = {};
+  std::string journals = {};                // where runs keep their journals; "" for none
+  std::shared_ptr<RunJournal> goesOn = {};  // the interrupted run that this one goes on with
   std::function<void()> begin =
       {};  // called when nothing keeps the run from starting any more, before it does
 };
@@ -34,8 +38,8 @@ class JobRunner {
   JobRunner(const JobRunner&) = delete;
   JobRunner& operator=(const JobRunner&) = delete;
 
-  // Checks the sources, the destination (a bare name is completed in the job; a name that the user may edit
-  // must be there: AutomaticDestination gives it), devices and discs that other runs hold, and starts the
+  // Checks the sources, the destination (SettleDestination: a name that the user may edit must be there, as
+  // OfferTarget gives it), devices and discs that other runs hold, and starts the
   // worker on a copy of the job. False when it did not start; the user has been told why then, and the host
   // has not been called.
   [[nodiscard]] bool Start(Job& job, RunRequest request, std::shared_ptr<RunHost> host, JobDialogs& dialogs);

@@ -11,13 +11,13 @@
 #include "frame/filter_catalogue.h"
 #include "frame/settings.h"
 #include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/registry.h"
-#include "platform/strings.h"
-#include "platform/text.h"
-#include "platform/volumes.h"
+#include "platform/base/casts.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/disc/volumes.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "platform/store/registry.h"
 
 namespace ts5 {
 namespace {
@@ -27,7 +27,7 @@ constexpr std::string_view kSourceListFile = "SourceListFile ";
 constexpr std::size_t kShortestFallback = 4;  // characters of a directory that a vanished one falls back to
 
 // Every other value of a job's key belongs to a filter.
-constexpr std::array<std::string_view, 18> kOwnValues = {"Title",
+constexpr std::array<std::string_view, 19> kOwnValues = {"Title",
                                                          "Description",
                                                          "SourcePath",
                                                          "SourceDrive",
@@ -43,12 +43,15 @@ constexpr std::array<std::string_view, 18> kOwnValues = {"Title",
                                                          "Filter",
                                                          "SourceMediumFileWinMax",
                                                          "DestFilename",
+                                                         "DestDirectory",
                                                          "DestScreen?",
                                                          "DestDevice"};
 
 std::string SettingsKey() {
   return std::string(kLocalMachine) + "\\" + std::string(kSettingsKey);
 }
+
+constexpr std::string_view kOtherFiltersKey = "Andere Filter";
 
 std::string JobKey(std::size_t number) {
   return SettingsKey() + Format("\\Jobs\\Job %04i", number);
@@ -192,7 +195,7 @@ void LoadFiles(Job& job, const RegistryValues& values, const JobSurroundings& ar
   for (const std::string_view text : NumberedTexts(values, kSourceListFile, "SourceFilelistNum")) {
     if (text.empty()) continue;
     FileListEntry entry =
-        job.filter == FilterId::CdBurner ? ParseStoredEntry(text) : EntryFromPath(std::string(text));
+        Has(job.filter, kTimedList) ? ParseStoredEntry(text) : EntryFromPath(std::string(text));
     if (!IsUsablePath(entry.path)) continue;
     if (!entry.cdTrack && HasDriveLetter(entry.path)) entry.path = around.nativePath(entry.path);
     job.files.Append(std::move(entry));
@@ -211,6 +214,9 @@ void LoadWindow(Job& job, const RegistryValues& values) {
 void LoadDestination(Job& job, const RegistryValues& values, const JobSurroundings& around) {
   const std::string_view name = values.Text("DestFilename").value_or("");
   if (IsUsablePath(name)) job.destinationName = around.nativePath(std::string(name));
+  const std::string_view directory = values.Text("DestDirectory").value_or("");
+  if (!directory.empty() && IsUsablePath(directory))
+    job.targetDirectory = around.nativePath(std::string(directory));
   job.destinationIsScreen = IsOne(values, "DestScreen?");
 
   std::int32_t device = NarrowTo<std::int32_t>(values.Integer("DestDevice").value_or(0)).value_or(0);
@@ -218,19 +224,24 @@ void LoadDestination(Job& job, const RegistryValues& values, const JobSurroundin
   const auto within = [device](std::size_t count) {
     return device >= 0 && std::cmp_less(device, count) ? device : 0;
   };
-  if (job.filter == FilterId::AudioPlayer) {
+  const std::uint32_t panels = IsFilter(job.filter) ? Descriptor(job.filter).panels : 0;
+  if ((panels & kPanelAudioDevices) != 0) {
     device = within(around.audioDevices);
-  } else if (job.filter == FilterId::MidiPlayer || job.filter == FilterId::ScorePlayer) {
+  } else if ((panels & kPanelMidiDevices) != 0) {
     device = within(around.midiDevices) + kMidiDeviceBase;
   }
   job.destinationDevice = device;
 }
 
-// The values of a job's key that belong to a filter.
+// The values of a job's key that belong to a filter; those of the current one come first.
 RegistryValues FilterValues(const RegistryValues& values) {
   RegistryValues others;
+  for (const auto& [name, value] : values.All()) {
+    if (name.starts_with(kOtherFilters)) others.Set(std::string_view(name).substr(1), value);
+  }
   for (const auto& entry : values.All()) {
     const std::string& name = entry.first;
+    if (name.starts_with(kOtherFilters)) continue;
     if (HasPrefix(name, kSourceFile) || HasPrefix(name, kSourceListFile)) continue;
     const bool own = std::ranges::any_of(
         kOwnValues, [&](std::string_view known) { return EqualsIgnoringCase(known, name); });
@@ -243,7 +254,7 @@ void SaveFiles(const Job& job, RegistryValues& values) {
   for (std::size_t i = 0; i < job.directory.names.size(); ++i) {
     values.SetText(NumberedName(kSourceFile, i + 1), job.directory.names[i]);
   }
-  const bool burner = job.filter == FilterId::CdBurner;
+  const bool burner = Has(job.filter, kTimedList);
   for (std::size_t i = 0; i < job.files.Size(); ++i) {
     const std::string name = NumberedName(kSourceListFile, i + 1);
     if (burner) {
@@ -260,9 +271,24 @@ void SaveFiles(const Job& job, RegistryValues& values) {
   values.SetText("SourceFilelistSels", Joined(job.files.Selection()));
 }
 
+// How many saved jobs there are. Where the settings are lost with their "Job Number", the keys tell it.
+Result<std::size_t> JobCount(const Registry& registry) {
+  const auto settings = registry.Read(SettingsKey());
+  if (!settings && settings.error() != Outcome::WrongFormat) return Failure(settings.error());
+  if (settings && !settings->All().empty()) {
+    const auto count = std::clamp<std::int64_t>(settings->Integer("Job Number").value_or(0), 0, kMaxJobs);
+    return static_cast<std::size_t>(count);
+  }
+  std::size_t count = 0;
+  while (count < kMaxJobs && registry.Exists(JobKey(count + 1)).value_or(false)) ++count;
+  return count;
+}
+
 }  // namespace
 
-JobSurroundings JobSurroundingsOf(const VolumeTable& table, ModuleFinder modules) {
+JobSurroundings JobSurroundingsOf(
+    const VolumeTable& table, ModuleFinder modules,
+    std::function<std::optional<AudioCd>(const std::string& directory)> audioCd) {
   const auto volumes = std::make_shared<const VolumeTable>(table);
   JobSurroundings around;
   around.modules = std::move(modules);
@@ -275,9 +301,9 @@ JobSurroundings JobSurroundingsOf(const VolumeTable& table, ModuleFinder modules
   };
   around.nativePath = [volumes](const std::string& path) { return volumes->NativePath(path).value_or(path); };
   around.driveOf = [volumes](const std::string& path) { return volumes->DriveOfPath(path); };
-  around.onDataDisc = [volumes](const std::string& path) {
+  around.onDataDisc = [volumes, audioCd = std::move(audioCd)](const std::string& path) {
     const Volume* const volume = volumes->Find(volumes->DriveOfPath(path));
-    return volume != nullptr && volume->kind == Volume::Kind::Optical && !FindAudioCd(volume->path);
+    return volume != nullptr && volume->kind == Volume::Kind::Optical && !audioCd(volume->path);
   };
   return around;
 }
@@ -304,6 +330,11 @@ RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules) {
   const FilterModule* const module = IsFilter(job.filter) ? modules(job.filter) : nullptr;
   if (module != nullptr && job.parameters) {
     SaveParameters(*module, *job.parameters, values);
+    RegistryValues others;
+    for (const auto& [name, value] : job.stored.All()) {
+      if (values.Find(name) == nullptr) others.Set(kOtherFilters + name, value);
+    }
+    for (const auto& [name, value] : others.All()) values.Set(name, value);
   } else {
     for (const auto& [name, value] : job.stored.All()) values.Set(name, value);
   }
@@ -318,22 +349,59 @@ RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules) {
   values.SetText("FilterFixed", job.filterFixed ? "1" : "0");
   values.SetInteger("Filter", static_cast<std::int32_t>(job.filter));
   if (!job.destinationName.empty()) values.SetText("DestFilename", job.destinationName);
+  if (!job.targetDirectory.empty()) values.SetText("DestDirectory", job.targetDirectory);
   values.SetText("DestScreen?", job.destinationIsScreen ? "1" : "0");
   values.SetInteger("DestDevice", job.destinationDevice);
   return values;
 }
 
-Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& around) {
-  const auto settings = registry.Read(SettingsKey());
-  if (!settings) return Failure(settings.error());
-  const auto count = std::clamp<std::int64_t>(settings->Integer("Job Number").value_or(0), 0, kMaxJobs);
-  StoredJobs jobs;
-  jobs.saved.reserve(static_cast<std::size_t>(count));
-  for (std::size_t i = 0; std::cmp_less_equal(i, count); ++i) {
-    const auto values = registry.Read(JobKey(i));
+Result<std::vector<RegistryValues>> ReadJobs(const Registry& registry) {
+  const auto count = JobCount(registry);
+  if (!count) return Failure(count.error());
+  std::vector<RegistryValues> jobs;
+  for (std::size_t i = 0; i <= *count; ++i) {
+    auto values = registry.Read(JobKey(i));
+    const auto others = registry.Read(JobKey(i) + '\\' + std::string(kOtherFiltersKey));
     // One damaged key is no reason to lose the others.
-    if (!values && values.error() != Outcome::WrongFormat) return Failure(values.error());
-    Job job = JobFromValues(values.value_or(RegistryValues{}), i, around);
+    for (const auto* const read : {&std::as_const(values), &others}) {
+      if (!*read && read->error() != Outcome::WrongFormat) return Failure(read->error());
+    }
+    RegistryValues job = values ? std::move(*values) : RegistryValues{};
+    if (others) {
+      for (const auto& [name, value] : others->All()) job.Set(kOtherFilters + name, value);
+    }
+    jobs.push_back(std::move(job));
+  }
+  return jobs;
+}
+
+Outcome WriteJobs(Registry& registry, const std::vector<RegistryValues>& jobs) {
+  return registry.Transaction([&]() -> Outcome {
+    const RegistryValue number{RegistryValue::Kind::Text, std::to_string(jobs.size() - 1)};
+    Outcome written = registry.SetValue(SettingsKey(), "Job Number", number);
+    for (std::size_t i = 0; i < jobs.size() && Succeeded(written); ++i) {
+      RegistryValues values;
+      RegistryValues others;
+      for (const auto& [name, value] : jobs[i].All()) {
+        if (name.starts_with(kOtherFilters)) {
+          others.Set(std::string_view(name).substr(1), value);
+        } else {
+          values.Set(name, value);
+        }
+      }
+      written = registry.Write(JobKey(i), values);
+      const std::string below = JobKey(i) + '\\' + std::string(kOtherFiltersKey);
+      if (Succeeded(written))
+        written = others.All().empty() ? registry.DeleteKey(below) : registry.Write(below, others);
+    }
+    return written;
+  });
+}
+
+StoredJobs JobsFrom(const std::vector<RegistryValues>& values, const JobSurroundings& around) {
+  StoredJobs jobs;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    Job job = JobFromValues(values[i], i, around);
     if (i == 0) {
       jobs.defaultJob = std::move(job);
     } else {
@@ -343,19 +411,17 @@ Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& aro
   return jobs;
 }
 
+Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& around) {
+  const auto values = ReadJobs(registry);
+  if (!values) return Failure(values.error());
+  return JobsFrom(*values, around);
+}
+
 Outcome SaveJobs(Registry& registry, const Job& defaultJob, const std::vector<const Job*>& saved,
                  const ModuleFinder& modules) {
-  return registry.Transaction([&]() -> Outcome {
-    const auto count = static_cast<std::int64_t>(saved.size());
-    const RegistryValue number{RegistryValue::Kind::Text, std::to_string(count)};
-    if (const Outcome set = registry.SetValue(SettingsKey(), "Job Number", number); Failed(set)) return set;
-    for (std::size_t i = 0; i <= saved.size(); ++i) {
-      const Job& job = i == 0 ? defaultJob : *saved[i - 1];
-      const Outcome written = registry.Write(JobKey(i), ValuesOfJob(job, modules));
-      if (Failed(written)) return written;
-    }
-    return Outcome::Success;
-  });
+  std::vector<RegistryValues> jobs{ValuesOfJob(defaultJob, modules)};
+  for (const Job* const job : saved) jobs.push_back(ValuesOfJob(*job, modules));
+  return WriteJobs(registry, jobs);
 }
 
 }  // namespace ts5

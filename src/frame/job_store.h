@@ -1,18 +1,23 @@
 // The job store: every job is a key "Jobs\Job 0000" (the default job), "Jobs\Job 0001"... below the settings
 // key. Values are texts; numbers are decimal. What is missing or does not fit takes its default; nothing
 // stops loading.
+//
+// A job's key holds the parameters of its current filter only. Those of the filters that it had before lie in
+// a key "Andere Filter" below it; in the values of a job, as they are passed on here, their names begin with
+// kOtherFilters.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "frame/filter_module.h"
 #include "frame/job.h"
-#include "platform/outcome.h"
-#include "platform/registry_values.h"
+#include "platform/base/outcome.h"
+#include "platform/store/registry_values.h"
 
 namespace ts5 {
 
@@ -21,6 +26,8 @@ class VolumeTable;
 
 // More jobs than this are not read, whatever "Job Number" says.
 inline constexpr std::size_t kMaxJobs = 9999;
+inline constexpr char kOtherFilters = '\\';  // no value's own name begins with it
+
 // What loading depends on outside the store.
 struct JobSurroundings {
   ModuleFinder modules;
@@ -36,8 +43,11 @@ struct JobSurroundings {
   std::function<bool(const std::string&)> onDataDisc;
 };
 
-// On this machine; the lengths of the device lists are left at 0.
-[[nodiscard]] JobSurroundings JobSurroundingsOf(const VolumeTable& volumes, ModuleFinder modules);
+struct AudioCd;
+// On this machine; the lengths of the device lists are left at 0. audioCd: looks into a drive, FindAudioCd.
+[[nodiscard]] JobSurroundings JobSurroundingsOf(
+    const VolumeTable& volumes, ModuleFinder modules,
+    std::function<std::optional<AudioCd>(const std::string& directory)> audioCd);
 
 struct StoredJobs {
   Job defaultJob;
@@ -50,9 +60,15 @@ struct StoredJobs {
 // The whole content of the job's key.
 [[nodiscard]] RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules);
 
-// Fails only when the registry itself cannot be read.
-[[nodiscard]] Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& surroundings);
+// The values of all jobs, the default job first. Fails only when the registry itself cannot be read; of a
+// damaged key nothing is left, and where the number of jobs is lost, as many are read as there are.
+[[nodiscard]] Result<std::vector<RegistryValues>> ReadJobs(const Registry& registry);
 // All jobs and "Job Number" in one transaction: the store holds all of it or what it held before.
+[[nodiscard]] Outcome WriteJobs(Registry& registry, const std::vector<RegistryValues>& jobs);
+
+[[nodiscard]] Result<StoredJobs> LoadJobs(const Registry& registry, const JobSurroundings& surroundings);
+[[nodiscard]] StoredJobs JobsFrom(const std::vector<RegistryValues>& values,
+                                  const JobSurroundings& surroundings);
 [[nodiscard]] Outcome SaveJobs(Registry& registry, const Job& defaultJob,
                                const std::vector<const Job*>& saved, const ModuleFinder& modules);
 

@@ -5,8 +5,8 @@
 
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {
@@ -29,7 +29,8 @@ void CommitDestination(Job& job, const DestinationPanel& panel) {
   if (!IsFilter(job.filter)) return;
   const FilterDescriptor& filter = Descriptor(job.filter);
   if (filter.Shows(kPanelFile)) job.destinationName = panel.name;
-  job.destinationIsScreen = filter.Shows(kPanelScreen) && panel.screen;
+  // A filter without the choice leaves it as it was made for the searches.
+  if (filter.Shows(kPanelScreen)) job.destinationIsScreen = panel.screen;
   job.destinationDevice = kNoDevice;
   if (filter.Shows(kPanelMidiDevices))
     job.destinationDevice = kMidiDeviceBase + std::max(panel.midiDevice, 0);
@@ -62,6 +63,23 @@ std::vector<const Job*> Jobs::Saved() const {
   return jobs;
 }
 
+std::optional<std::size_t> Jobs::Find(JobId id) const {
+  for (std::size_t i = 0; i <= saved_.size(); ++i) {
+    if ((*this)[i].Id() == id) return i;
+  }
+  return std::nullopt;
+}
+
+std::size_t Jobs::Append(Job job) {
+  saved_.push_back(std::make_unique<Job>(std::move(job)));
+  return saved_.size();
+}
+
+void Jobs::Drop(std::size_t number) {
+  saved_.erase(saved_.begin() + static_cast<std::ptrdiff_t>(number - 1));
+  if (active_ > number) --active_;
+}
+
 void Jobs::Commit(JobWindow& window) {
   if (const auto panel = window.Panel()) {
     CommitDestination(Active(), *panel);
@@ -92,11 +110,12 @@ void Jobs::TakeSnapshot() {
 bool Jobs::Activate(std::size_t number, JobSaving policy, JobWindow& window) {
   if (number > saved_.size()) return false;
   Leave(policy, window);
-  if (!window.Show((*this)[number])) {
+  const std::size_t left = std::exchange(active_, number);
+  if (!window.Show(Active())) {
+    active_ = left;
     window.Tell(Text(texts::JobNotActivated), MessageIcon::Exclamation);
     return false;
   }
-  active_ = number;
   TakeSnapshot();
   return true;
 }
@@ -150,8 +169,14 @@ bool Jobs::MayRemove(std::size_t number) const {
 
 bool Jobs::Remove(std::size_t number, JobWindow& window) {
   if (!MayRemove(number)) return false;
-  if (!window.Confirm(Text(texts::AskDeleteJob), MessageIcon::Question, Answer::Yes)) return false;
-  saved_.erase(saved_.begin() + static_cast<std::ptrdiff_t>(number - 1));
+  const Job& job = (*this)[number];
+  const std::string question = std::string(Text(texts::AskDeleteJob)) + "\n\n" +
+                               Format(Text(texts::JobInQuestion), job.title, job.description);
+  if (!window.Confirm(question, MessageIcon::Question, Answer::No)) return false;
+  const auto place = saved_.begin() + static_cast<std::ptrdiff_t>(number - 1);
+  removed_ = std::move(*place);
+  removedNumber_ = number;
+  saved_.erase(place);
   if (active_ > number) {
     --active_;
   } else if (active_ == number) {
@@ -162,21 +187,46 @@ bool Jobs::Remove(std::size_t number, JobWindow& window) {
   return true;
 }
 
+std::optional<std::size_t> Jobs::Restore() {
+  if (!MayRestore()) return std::nullopt;
+  const std::size_t number = std::min(removedNumber_, saved_.size() + 1);
+  saved_.insert(saved_.begin() + static_cast<std::ptrdiff_t>(number - 1), std::move(removed_));
+  if (active_ >= number) ++active_;
+  return number;
+}
+
+void Jobs::KeepDestination(const Job& job) {
+  kept_[{job.Id(), job.filter}] = {ItemCount(job), ItemSource(job, 0), job.destinationName,
+                                   job.destinationIsScreen, job.destinationDevice};
+}
+
+void Jobs::TakeKeptDestination(Job& job) const {
+  const auto found = kept_.find({job.Id(), job.filter});
+  if (found == kept_.end()) return;
+  const Destination& kept = found->second;
+  job.destinationIsScreen = kept.screen;
+  job.destinationDevice = DeviceFor(job.filter, kept.device);
+  if (kept.sources == ItemCount(job) && kept.source == ItemSource(job, 0)) job.destinationName = kept.name;
+}
+
 bool Jobs::SwitchFilter(Job& job, FilterId filter, JobDialogs& dialogs) {
   if (!job.MayChange() || !IsFilter(filter)) return false;
   if (job.filter == filter) return true;
-  const bool toBurner = filter == FilterId::CdBurner;
-  if (!job.files.Empty() && (toBurner || job.filter == FilterId::CdBurner)) {
+  const bool toBurner = Has(filter, kTimedList);
+  if (!job.files.Empty() && (toBurner || Has(job.filter, kTimedList))) {
     const TextId question = toBurner ? texts::AskSwitchToBurner : texts::AskSwitchFromBurner;
     if (!dialogs.Confirm(Text(question), MessageIcon::Question, Answer::No)) return false;
     job.files.Clear();
   }
   // What was set for the old filter is there again when the user comes back to it.
+  KeepDestination(job);
   const FilterModule* const old = IsFilter(job.filter) ? modules_(job.filter) : nullptr;
   if (old != nullptr && job.parameters) SaveParameters(*old, *job.parameters, job.stored);
   job.previousFilter = std::exchange(job.filter, filter);
   job.parameters = LoadParameters(modules_(filter), job.stored);
   job.destinationDevice = DeviceFor(filter, job.destinationDevice);
+  job.destinationName.clear();  // it is of the kind that the old filter makes
+  TakeKeptDestination(job);
   return true;
 }
 

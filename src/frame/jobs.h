@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,7 +15,7 @@
 #include "frame/job_dialogs.h"
 #include "frame/job_store.h"
 #include "frame/settings.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -76,10 +77,22 @@ class Jobs {
   // Asks; false when the answer is No or the job may not be removed. When the active job goes, the default
   // job becomes active.
   bool Remove(std::size_t number, JobWindow& window);
+  // The job that was removed last, back in its place; its number. Nothing when there is none or no room.
+  [[nodiscard]] bool MayRestore() const { return removed_ != nullptr && saved_.size() < kMaxJobs; }
+  std::optional<std::size_t> Restore();
 
-  // Gives the job another filter with the values stored for it. Asks when the free file list would be lost
-  // (switch to or from the burner). False when the job keeps the filter it had.
+  // Gives the job another filter with the values stored for it, and the destination that it had when the job
+  // left that filter; its name only for the same sources. Asks when the free file list would be lost (switch
+  // to or from the burner). False when the job keeps the filter it had.
   bool SwitchFilter(Job& job, FilterId filter, JobDialogs& dialogs);
+
+  // The number of a job by its name; nothing once it has gone.
+  [[nodiscard]] std::optional<std::size_t> Find(JobId id) const;
+
+  // Without a question, as when another program did it: a further job, and its number; a saved job that goes
+  // and is not the active one.
+  std::size_t Append(Job job);
+  void Drop(std::size_t number);
 
   [[nodiscard]] std::vector<const Job*> Saved() const;
   [[nodiscard]] const ModuleFinder& Modules() const { return modules_; }
@@ -88,12 +101,25 @@ class Jobs {
   void TakeSnapshot();
   void Commit(JobWindow& window);
   void Leave(JobSaving policy, JobWindow& window);
+  void KeepDestination(const Job& job);
+  void TakeKeptDestination(Job& job) const;
 
   ModuleFinder modules_;
   Job default_;
   std::vector<std::unique_ptr<Job>> saved_;  // references stay good while jobs come and go
   std::size_t active_ = 0;
-  std::optional<Job> snapshot_;  // the active saved job as it was when it became active
+  std::optional<Job> snapshot_;   // the active saved job as it was when it became active
+  std::unique_ptr<Job> removed_;  // by the user, last
+  std::size_t removedNumber_ = 0;
+  // The destination of a job under a filter that it has left.
+  struct Destination {
+    std::size_t sources = 0;
+    std::string source;  // the first one
+    std::string name;
+    bool screen = false;
+    std::int32_t device = 0;
+  };
+  std::map<std::pair<JobId, FilterId>, Destination> kept_;
 };
 
 }  // namespace ts5

@@ -14,17 +14,21 @@
 //        .Integer("NewTimebase", &ConverterParameters::timeBaseIndex, 0, 14);
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "platform/registry_values.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/store/registry_values.h"
 
 namespace ts5 {
 
@@ -35,6 +39,17 @@ struct FilterParameters {
   virtual ~FilterParameters() = default;
   [[nodiscard]] virtual std::unique_ptr<FilterParameters> Clone() const = 0;
 };
+
+// The parameters as those of the filter that they belong to. Throws std::bad_cast when they are another
+// filter's; a run that meets this ends with LibraryFailed.
+template <typename P>
+[[nodiscard]] P& As(FilterParameters& parameters) {
+  return dynamic_cast<P&>(parameters);
+}
+template <typename P>
+[[nodiscard]] const P& As(const FilterParameters& parameters) {
+  return dynamic_cast<const P&>(parameters);
+}
 
 template <typename Derived>
 struct ClonableParameters : FilterParameters {
@@ -71,14 +86,37 @@ class FieldTable {
         });
   }
 
-  // "1" for true, "0" for false; any other number is false as well.
-  FieldTable& Flag(std::string name, bool P::*member) {
+  // "1" for true, "0" for false; any other number is false as well. access: a pointer to the member, or a
+  // function from the parameters to it, [](auto& p) -> auto& { return p.options.drumTrack; }.
+  template <typename Access>
+  FieldTable& Flag(std::string name, Access access) {
     return Single(
-        std::move(name), "0|1", [member](const P& p) { return std::string(p.*member ? "1" : "0"); },
-        [member](P& p, std::string_view text) {
+        std::move(name), "0|1",
+        [access](const P& p) { return std::string(std::invoke(access, p) ? "1" : "0"); },
+        [access](P& p, std::string_view text) {
           const auto value = ParseInteger(Trim(text));
           if (!value) return false;
-          p.*member = *value == 1;
+          std::invoke(access, p) = *value == 1;
+          return true;
+        });
+  }
+
+  // A number out of a short list that outlives the table, stored in decimal; the member may be an
+  // enumeration.
+  template <std::integral T, std::size_t N, typename Access>
+  FieldTable& Choice(std::string name, const std::array<T, N>& values, Access access) {
+    std::string description;
+    for (const T value : values) description += (description.empty() ? "" : "|") + std::to_string(value);
+    return Single(
+        std::move(name), std::move(description),
+        [access](const P& p) { return std::to_string(static_cast<std::int64_t>(std::invoke(access, p))); },
+        [access, offered = std::span(values)](P& p, std::string_view text) {
+          const auto value = ParseInteger(Trim(text));
+          const auto found =
+              std::ranges::find_if(offered, [&](T one) { return value && std::cmp_equal(*value, one); });
+          if (found == offered.end()) return false;
+          auto& member = std::invoke(access, p);
+          member = static_cast<std::remove_reference_t<decltype(member)>>(*found);
           return true;
         });
   }
@@ -124,12 +162,12 @@ class FieldTable {
   FieldTable& Single(std::string name, std::string description, Get get, Set set) {
     ParameterField field;
     field.load = [name, set](FilterParameters& p, const RegistryValues& values) {
-      if (const auto text = values.Text(name)) (void)set(static_cast<P&>(p), *text);
+      if (const auto text = values.Text(name)) (void)set(As<P>(p), *text);
     };
     field.save = [name, get](const FilterParameters& p, RegistryValues& values) {
-      values.SetText(name, get(static_cast<const P&>(p)));
+      values.SetText(name, get(As<P>(p)));
     };
-    field.set = [set](FilterParameters& p, std::string_view text) { return set(static_cast<P&>(p), text); };
+    field.set = [set](FilterParameters& p, std::string_view text) { return set(As<P>(p), text); };
     field.name = std::move(name);
     field.description = std::move(description);
     return Row(std::move(field));

@@ -2,10 +2,11 @@
 
 #include <cstdlib>
 
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
-#include "platform/paths.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -40,9 +41,9 @@ PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunSt
   form.playEnabled = state != RunState::Waiting;
   form.optionsEnabled = MayChangeJob(state);
   form.shortSecondsEnabled = form.optionsEnabled && options.shortPlay;
-  form.barsEnabled = form.optionsEnabled && filter != FilterId::AudioPlayer;
+  form.barsEnabled = form.optionsEnabled && !Has(filter, kPlaysSamples);
   form.positionEnabled = playing && status.duration.count() > 0;
-  form.meterShown = filter == FilterId::AudioPlayer;
+  form.meterShown = Has(filter, kPlaysSamples);
   if (!playing) {
     form.title = Text(texts::PlaybackNothing);
   } else {

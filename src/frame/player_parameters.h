@@ -35,9 +35,7 @@ void AddPlayerFields(FieldTable<P>& table) {
                                 std::int32_t most) {
     table.Integer(name, static_cast<std::int32_t P::*>(member), least, most);
   };
-  const auto flag = [&table](const char* name, bool PlayerOptions::*member) {
-    table.Flag(name, static_cast<bool P::*>(member));
-  };
+  const auto flag = [&table](const char* name, bool PlayerOptions::*member) { table.Flag(name, member); };
   integer("FilterVolume", &PlayerOptions::volume, kLowestVolume, 0);
   integer("FilterBalance", &PlayerOptions::balance, -kFarBalance, kFarBalance);
   integer("FilterInterval", &PlayerOptions::interval, 0, kLongestPause);

@@ -5,12 +5,14 @@
 #include <thread>
 #include <utility>
 
+#include "frame/failure_reason.h"
 #include "frame/run.h"
 #include "frame/texts.h"
-#include "platform/casts.h"
-#include "platform/paths.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/casts.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
+#include "platform/files/fault.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -98,6 +100,7 @@ class PlayerRun {
     run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), 0);
     run_.StatusText(Format(Text(texts::PlayerNowPlaying), FileNameOf(source)));
     run_.SetState(RunState::Preparing);
+    ForgetFault();
     auto title = IsUsablePath(source) ? device_->Open(source)
                                       : Result<std::unique_ptr<PlayedTitle>>(Failure(Outcome::SourceFailed));
     if (!title) {
@@ -175,13 +178,14 @@ class PlayerRun {
 
   // What became of a title. One that was stopped, if only while it was read, has not failed.
   void Book(const std::string& source, Outcome code) {
-    run_.Result().items.push_back({source, "", Code(code)});
+    const std::string reason = FailureReason(code, source, {}, TakeFault());
+    run_.Result().items.push_back({.source = source, .code = Code(code), .reason = reason});
     if (Succeeded(code) || code == Outcome::Cancelled) return;
     ++failed_;
     run_.AddCode(code);
     const std::string_view text = Text(TitleFailedText(code));
     if (count_ == 1 || code == Outcome::WriteFailed) {
-      run_.Notice(text);
+      run_.Notice(reason.empty() ? std::string(text) : std::string(text) + "\n" + reason);
     } else {
       run_.ProtocolLine(source + ": " + std::string(text));
     }
@@ -194,10 +198,8 @@ class PlayerRun {
 
   void Conclude() {
     RunResult& result = run_.Result();
-    result.lines[0].count = started_;
-    result.lines[1].count = finished_;
-    result.lines[2].count = ClampTo<std::uint32_t>(result.items.size()) -
-                            std::min(ClampTo<std::uint32_t>(result.items.size()), finished_);
+    const auto begun = ClampTo<std::uint32_t>(result.items.size());
+    result.counts = {started_, finished_, begun - std::min(begun, finished_)};
     result.remarks = run_.Remarks();
     result.show = options_.resultDialog;
     if (!device_ || failed_ == 0) return;

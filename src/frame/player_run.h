@@ -14,7 +14,7 @@
 #include "frame/player_parameters.h"
 #include "frame/remarks.h"
 #include "frame/texts.h"
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

@@ -3,36 +3,12 @@
 #include <algorithm>
 
 #include "frame/texts.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {
 
 using namespace texts;
-
-constexpr RunTitles Conversion(TextId title) {
-  return {title, {CountConverted, CountNotConverted}};
-}
-
-constexpr std::array<RunTitles, kFilterCount> kTitles{{
-    Conversion(ResultsScoreToMidi),
-    Conversion(ResultsMidiToScore),
-    {ResultsSearch, {CountSearched, CountHits, CountUnsuitable}},
-    {ResultsSearch, {CountSearched, CountHits, CountUnsuitable}},
-    {ResultsPlayer, {CountStarted, CountFinished, CountNotFinished}},
-    Conversion(ResultsMidiConverter),
-    Conversion(ResultsMidiToWave),
-    {ResultsPlayer, {CountStarted, CountFinished, CountNotFinished}},
-    Conversion(ResultsWaveConverter),
-    Conversion(ResultsCompressor),
-    Conversion(ResultsDecompressor),
-    {ResultsBurner, {CountAdded, CountNotAdded, CountTracksBurntWell, CountDiscsBurnt}},
-    {ResultsGrabber, {CountTracksRead, CountTracksNotRead}},
-    {ResultsCopier, {CountTracksRead, CountTracksBurntWell, CountTracksNotBurnt, CountDiscsBurnt}},
-    {ResultsScorePlayer, {CountStarted, CountFinished, CountNotFinished}},
-    {ResultsArtworker, {CountPrinted}},
-    Conversion(ResultsXmlConverter),
-}};
 
 // The small numbers are those of the score conversions.
 constexpr Remark kConversionRemarks[] = {
@@ -66,35 +42,25 @@ constexpr Remark kConversionRemarks[] = {
 
 std::string LineOf(const Remark& remark, const Status& status) {
   const std::string_view format = Text(remark.text);
+  const std::int32_t number = status.number != 0 ? status.number : status.code;
   std::string line =
-      format.find("%i") == std::string_view::npos ? std::string(format) : Format(format, status.number);
+      format.find("%i") == std::string_view::npos ? std::string(format) : Format(format, number);
   if (status.extended && remark.appended) line.append(" ").append(Text(*remark.appended));
   return line;
 }
 
 }  // namespace
 
-const RunTitles& TitlesOf(FilterId filter) {
-  return kTitles.at(static_cast<std::size_t>(IsFilter(filter) ? filter : FilterId::MidiConverter));
-}
-
-RunResult ResultWithTitles(FilterId filter, const RunTitles& titles) {
-  RunResult result;
-  result.filter = filter;
-  result.title = Text(titles.title);
-  for (std::size_t i = 0; i < titles.labels.size(); ++i) {
-    if (titles.labels[i]) result.lines[i].label = Text(*titles.labels[i]);
-  }
-  return result;
-}
-
 std::span<const Remark> ConversionRemarks() {
   return kConversionRemarks;
 }
 
 std::vector<std::string> RemarkLines(std::span<const Remark> table, const Status& status) {
-  const auto whole = std::ranges::find_if(
-      table, [&](const Remark& remark) { return remark.group == 0 && remark.code == status.code; });
+  if (!status.line.empty()) return {status.line};
+  const auto whole = std::ranges::find_if(table, [&](const Remark& remark) {
+    const bool other = remark.code == kEveryOtherFailure && status.code < 0;
+    return remark.group == 0 && (remark.code == status.code || other);
+  });
   if (whole != table.end()) return {LineOf(*whole, status)};
 
   std::vector<std::string> lines;

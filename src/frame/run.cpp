@@ -1,17 +1,30 @@
 #include "frame/run.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 #include <thread>
+#include <utility>
+
+#include "frame/filter_catalogue.h"
 
 namespace ts5 {
+namespace {
+
+constexpr std::size_t kMostMeasured = 20'000;  // sources whose sizes are looked up, some microseconds each
+
+}  // namespace
 
 Run::Run(RunSetup setup, const FilterModule& module, std::shared_ptr<JobRun> state,
          std::shared_ptr<RunHost> host)
-    : setup_(std::move(setup)),
-      module_(&module),
-      state_(std::move(state)),
-      host_(std::move(host)),
-      result_(ResultWithTitles(module.id, TitlesOf(module.id))) {}
+    : setup_(std::move(setup)), module_(&module), state_(std::move(state)), host_(std::move(host)) {
+  result_.filter = module.id;
+  result_.titles = Descriptor(module.id).titles;
+}
+
+const FilterParameters& ParametersOf(const Run& run) {
+  return *run.GetJob().parameters;
+}
 
 bool Run::Sleep(std::chrono::milliseconds duration) const {
   const auto end = std::chrono::steady_clock::now() + duration;
@@ -25,16 +38,33 @@ bool Run::Sleep(std::chrono::milliseconds duration) const {
 
 void Run::SetState(RunState state) {
   const std::lock_guard lock(hostMutex_);
-  if (state_->state.exchange(state) != state) host_->StateChanged(state);
+  if (state_->state.exchange(state) == state) return;
+  const auto now = std::chrono::steady_clock::now();
+  state == RunState::Running ? time_.Resume(now) : time_.Pause(now);
+  host_->StateChanged(state);
 }
 
 void Run::Progress(std::uint32_t item, std::uint32_t items, double fraction) {
+  Progress({.item = item, .items = items, .fraction = fraction});
+}
+
+void Run::Progress(const RunProgress& progress) {
   const std::lock_guard lock(hostMutex_);
-  state_->currentItem = item == 0 ? 0 : item - 1;
-  lastProgress_ = {item, items, std::clamp(fraction, 0.0, 1.0)};
+  state_->currentItem = progress.item == 0 ? 0 : progress.item - 1;
+  // Whether something is recorded is known at once: it cannot be stopped meanwhile.
+  const bool turned = progress.buffer.has_value() != lastProgress_.buffer.has_value();
+  lastProgress_ = progress;
+  lastProgress_.fraction = std::clamp(progress.fraction, 0.0, 1.0);
+  if (progress.whole) lastProgress_.whole = std::clamp(*progress.whole, 0.0, 1.0);
   progressPending_ = true;
   const auto now = std::chrono::steady_clock::now();
-  if (progressSent_ && now - lastSent_ < kProgressInterval) return;
+  if (progress.whole) {
+    time_.Reached(*lastProgress_.whole, now);
+  } else {
+    MeasureSources();
+    time_.Reached(progress.item, progress.items, lastProgress_.fraction, now);
+  }
+  if (!turned && progressSent_ && now - lastSent_ < kProgressInterval) return;
   lastSent_ = now;
   SendProgress();
 }
@@ -43,7 +73,29 @@ void Run::SendProgress() {
   if (!progressPending_) return;
   progressPending_ = false;
   progressSent_ = true;
+  lastProgress_.elapsed = time_.Elapsed(std::chrono::steady_clock::now());
+  // Titles are played in their own time, which the playback window shows.
+  lastProgress_.remaining = Has(module_->id, kPlays) ? std::nullopt : time_.Remaining();
   host_->Progress(lastProgress_);
+}
+
+// Big files take longer than small ones; of very many the mean does.
+void Run::MeasureSources() {
+  if (std::exchange(measured_, true) || lastProgress_.items != ItemCount() || ItemCount() > kMostMeasured)
+    return;
+  std::vector<std::uint64_t> sizes;
+  sizes.reserve(ItemCount());
+  for (std::size_t i = 0; i < ItemCount() && !Cancelled(); ++i) {
+    std::error_code none;
+    const std::uintmax_t size = std::filesystem::file_size(Source(i), none);
+    sizes.push_back(none ? 0 : size);
+  }
+  time_.SetSizes(sizes);
+}
+
+void Run::TaskText(std::string_view text) {
+  const std::lock_guard lock(hostMutex_);
+  host_->TaskText(text);
 }
 
 void Run::StatusText(std::string_view text) {
@@ -73,8 +125,12 @@ Answer Run::Ask(QuestionText question) {
     const std::lock_guard lock(hostMutex_);
     SendProgress();  // the window shows the place at which the question comes up
     host_->Ask(std::make_shared<Question>(std::move(question), state));
+    time_.Pause(std::chrono::steady_clock::now());
   }
-  return state->Wait([this] { return Cancelled(); });
+  const Answer answer = state->Wait([this] { return Cancelled(); });
+  const std::lock_guard lock(hostMutex_);
+  time_.Resume(std::chrono::steady_clock::now());
+  return answer;
 }
 
 bool Run::ConfirmStop(std::string_view question) {
@@ -102,9 +158,27 @@ std::vector<std::string> Run::Remarks() const {
   return lines;
 }
 
+std::string Run::RemarkOf(const RunItem& item) const {
+  std::string remark;
+  if (item.code == 0) return remark;
+  // The number of a message is that of the first outcome of its kind.
+  Status status{item.code, item.extended, item.code};
+  const auto known =
+      std::ranges::find_if(statusList_, [&](const Status& one) { return one.SameKind(status); });
+  if (known != statusList_.end() && known->number != 0) status.number = known->number;
+  for (const std::string& line : RemarkLines(module_->remarks, status)) {
+    remark += (remark.empty() ? "" : " ") + line;
+  }
+  std::ranges::replace(remark, '\n', ' ');
+  return remark;
+}
+
 void Run::Finish() {
   const std::lock_guard lock(hostMutex_);
   SendProgress();
+  for (RunItem& item : result_.items) {
+    if (item.remark.empty()) item.remark = RemarkOf(item);
+  }
   for (const Status& status : statusList_) result_.cancelled |= status.code == Code(Outcome::Cancelled);
   state_->currentItem = 0;
   state_->state = RunState::Idle;

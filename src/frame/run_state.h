@@ -27,8 +27,16 @@ inline constexpr std::int32_t kNoCancel = 0;
 inline constexpr std::int32_t kUserStop = 1;
 inline constexpr std::int32_t kStopWhileWaiting = 7;
 
+// Names a job for as long as it lives, whatever its number; never given twice.
+enum class JobId : std::uint64_t {};
+[[nodiscard]] inline JobId NewJobId() {
+  static std::atomic<std::uint64_t> last = 0;
+  return JobId{++last};
+}
+
 // One per job. Every member may be used from any thread.
 struct JobRun {
+  const JobId id = NewJobId();
   std::atomic<RunState> state = RunState::Idle;
   std::atomic<std::int32_t> cancelRequest = kNoCancel;
   std::atomic<bool> closing = false;  // the program ends: a stop that nothing takes back

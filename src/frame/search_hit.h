@@ -17,7 +17,8 @@ struct SearchHit {
   std::int32_t track = 0;             // MIDI: track; score: staff line
   std::int32_t voice = 0;             // score
   std::int32_t bar = 0;
-  std::int32_t time = 0;  // MIDI: milliseconds; score: beat within the bar
+  std::int32_t time = 0;    // MIDI: milliseconds; score: beat within the bar
+  std::int32_t melody = 0;  // which of the melodies that were looked for together
 
   bool operator==(const SearchHit&) const = default;
 };

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/file_patch.h"
+#include "platform/files/file_patch.h"
 
 namespace ts5 {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 

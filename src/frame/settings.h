@@ -44,6 +44,7 @@ struct Settings {
   std::string fileSearchDirectories;
   std::optional<WindowRectangle> mainWindowPosition;
   bool mainWindowMaximised = true;
+  bool showAllFilters = false;  // the filter bar shows what does not fit the selection, too
 
   // General
   JobSaving jobSaving = JobSaving::Automatic;
@@ -64,6 +65,7 @@ struct Settings {
   std::string suffix = "cnv";    // at most kMaxSuffixCharacters
   bool noTargetDefault = false;  // no automatic destination name for single items
   bool overwriteTarget = true;   // false: existing targets are numbered
+  std::int32_t id3Version = 3;   // 3 or 4: of new tags in MPEG audio files
 
   bool operator==(const Settings&) const = default;
 };

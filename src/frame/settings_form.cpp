@@ -2,14 +2,15 @@
 
 #include "frame/settings_store.h"
 #include "frame/texts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
 
+// What is relative would be another directory at the next start.
 bool IsUsableDirectory(const std::string& path) {
-  return IsUsablePath(path) && IsDirectory(path);
+  return path.starts_with('/') && IsUsablePath(path) && IsDirectory(path);
 }
 
 }  // namespace
@@ -26,7 +27,8 @@ SettingsForm FormOf(const Settings& settings) {
           settings.targetDirectory,
           settings.useSuffix,
           settings.suffix,
-          settings.overwriteTarget};
+          settings.overwriteTarget,
+          settings.id3Version};
 }
 
 ConversionPageEnabling EnablingOf(const SettingsForm& form) {
@@ -50,10 +52,11 @@ SettingsCheck ValidateSettings(const Settings& current, const SettingsForm& form
   next.targetDirectory = NormalisedPath(form.targetDirectory);
   next.useSuffix = form.useSuffix;
   next.overwriteTarget = form.overwriteTarget;
+  next.id3Version = form.id3Version;
   next.suffix = CleanSuffix(form.suffix);
 
   const auto refused = [&](TextId message, SettingsField field) {
-    return SettingsCheck{current, message, field, false};
+    return SettingsCheck{current, message, field};
   };
   if (!IsUsableDirectory(next.artworkerLayoutDirectory)) {
     return refused(texts::InvalidDirectory, SettingsField::ArtworkerLayoutDirectory);
@@ -65,7 +68,7 @@ SettingsCheck ValidateSettings(const Settings& current, const SettingsForm& form
     return refused(texts::InvalidDestinationDirectory, SettingsField::TargetDirectory);
   }
   if (next.useSuffix && next.suffix.empty()) return refused(texts::NoSuffix, SettingsField::Suffix);
-  return {next, std::nullopt, SettingsField::None, next.searchWholePath != current.searchWholePath};
+  return {next, std::nullopt, SettingsField::None};
 }
 
 }  // namespace ts5

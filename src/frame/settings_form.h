@@ -6,7 +6,7 @@
 #include <string>
 
 #include "frame/settings.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 
@@ -24,6 +24,7 @@ struct SettingsForm {
   bool useSuffix = true;
   std::string suffix;
   bool overwriteTarget = true;
+  std::int32_t id3Version = 3;
 };
 [[nodiscard]] SettingsForm FormOf(const Settings& settings);
 
@@ -50,8 +51,6 @@ struct SettingsCheck {
   // What is wrong: the dialog shows the message, selects the field and stays open.
   std::optional<TextId> message;
   SettingsField field = SettingsField::None;
-  // The result lists of the searches have to be built anew.
-  bool wholePathChanged = false;
 
   [[nodiscard]] bool Accepted() const { return !message; }
 };

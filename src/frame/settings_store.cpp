@@ -4,12 +4,12 @@
 #include <utility>
 #include <vector>
 
-#include "platform/casts.h"
-#include "platform/directories.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
-#include "platform/volumes.h"
+#include "platform/base/casts.h"
+#include "platform/base/text.h"
+#include "platform/disc/volumes.h"
+#include "platform/files/directories.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -133,6 +133,7 @@ const std::vector<SettingRow>& Rows() {
       FreeText("FileSearchDirs", &Settings::fileSearchDirectories),
       Rectangle("MainWindowPos", &Settings::mainWindowPosition),
       Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
+      Flag("ShowAllFilters", &Settings::showAllFilters),
       Number("Job Saving", &Settings::jobSaving, 0, 2),
       Number("MelSearchResults", &Settings::oldSearchResults, 0, 2),
       Flag("MelSearchWholePath", &Settings::searchWholePath),
@@ -146,6 +147,7 @@ const std::vector<SettingRow>& Rows() {
       Suffix(),
       Flag("VorgabeConvert", &Settings::noTargetDefault),
       Flag("OverwriteTarget", &Settings::overwriteTarget),
+      Number("Id3Version", &Settings::id3Version, 3, 4),
   };
   return rows;
 }

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "frame/settings.h"
-#include "platform/outcome.h"
-#include "platform/registry.h"
-#include "platform/registry_values.h"
+#include "platform/base/outcome.h"
+#include "platform/store/registry.h"
+#include "platform/store/registry_values.h"
 
 namespace ts5 {
 

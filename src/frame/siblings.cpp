@@ -2,10 +2,10 @@
 
 #include <string_view>
 
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/registry.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "platform/store/registry.h"
 
 namespace ts5 {
 namespace {

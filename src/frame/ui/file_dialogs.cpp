@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QStringList>
 
@@ -42,6 +43,33 @@ void StartAt(QFileDialog& dialog, const std::string& start, Kind kind) {
   if (kind != Kind::Directory && !name.isEmpty() && !name.contains('*')) dialog.selectFile(name);
 }
 
+// Names to be saved get the extension of the type that is chosen; the type at first is that of the name.
+void FollowTypes(QFileDialog& dialog, std::string_view filter) {
+  QStringList suffixes;
+  for (const FileFilter& row : ParseFileFilter(filter)) {
+    const bool single = row.patterns.size() == 1;
+    suffixes << (single ? QFileInfo(ToQt(row.patterns.front())).suffix().toLower() : QString());
+  }
+  const QStringList types = dialog.nameFilters();
+  if (suffixes.isEmpty() || suffixes.size() != types.size()) return;
+  auto* const name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  if (name != nullptr) {
+    const auto at = suffixes.indexOf(QFileInfo(name->text()).suffix().toLower());
+    if (at > 0) dialog.selectNameFilter(types[at]);
+  }
+  const auto follow = [&dialog, name, suffixes, types](const QString& type) {
+    const auto at = types.indexOf(type);
+    const QString suffix = at < 0 ? QString() : suffixes[at];
+    dialog.setDefaultSuffix(suffix);
+    if (name == nullptr || suffix.isEmpty()) return;
+    const QFileInfo typed(name->text());
+    if (!typed.suffix().isEmpty() && suffixes.contains(typed.suffix().toLower()))
+      name->setText(name->text().chopped(typed.suffix().size()) + suffix);
+  };
+  follow(dialog.selectedNameFilter());
+  QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
+}
+
 std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost* host, QWidget* parent) {
   QFileDialog dialog(parent, question.title);
   dialog.setOption(QFileDialog::DontUseNativeDialog);
@@ -65,11 +93,7 @@ std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHo
   dialog.setLabelText(QFileDialog::Reject, QtText(texts::ButtonCancel));
   StartAt(dialog, question.start, kind);
 
-  const auto filters = ParseFileFilter(question.filter);
-  if (kind != Kind::Open && kind != Kind::Directory && filters.size() == 1 &&
-      filters.front().patterns.size() == 1) {
-    dialog.setDefaultSuffix(QFileInfo(ToQt(filters.front().patterns.front())).suffix().toLower());
-  }
+  if (kind == Kind::Save || kind == Kind::SaveUnasked) FollowTypes(dialog, question.filter);
   if (auto* box = dialog.findChild<QDialogButtonBox*>(); box != nullptr && host != nullptr) {
     if (!question.helpTopic.isEmpty()) {
       const auto* help = box->addButton(QtText(texts::ButtonHelp), QDialogButtonBox::HelpRole);

@@ -9,7 +9,7 @@
 
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5 {
 namespace {

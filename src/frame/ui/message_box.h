@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 class QWidget;
 

@@ -4,12 +4,13 @@
 #include <QKeyEvent>
 #include <QSignalBlocker>
 
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
 #include "frame/ui/level_meter_widget.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/position_slider.h"
 #include "frame/ui/qt_text.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "resources/icons.h"
 #include "ui_PLAYBACK.h"
 
@@ -49,7 +50,7 @@ PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* paren
     ui_->pauseBox->setValue(options->interval);
     ui_->shortCheck->setChecked(options->shortPlay);
     ui_->shortBox->setValue(options->shortSeconds);
-    const bool bars = options->timeInBars && subject_.filter != FilterId::AudioPlayer;
+    const bool bars = options->timeInBars && !Has(subject_.filter, kPlaysSamples);
     ui_->barsRadio->setChecked(bars);
     ui_->minutesRadio->setChecked(!bars);
     ui_->resultsCheck->setChecked(options->resultDialog);
@@ -113,7 +114,7 @@ void PlaybackWindow::TakeOptions() {
   options->interval = ui_->pauseBox->value();
   options->shortPlay = ui_->shortCheck->isChecked();
   options->shortSeconds = ui_->shortBox->value();
-  if (subject_.filter != FilterId::AudioPlayer) options->timeInBars = ui_->barsRadio->isChecked();
+  if (!Has(subject_.filter, kPlaysSamples)) options->timeInBars = ui_->barsRadio->isChecked();
   options->resultDialog = ui_->resultsCheck->isChecked();
 }
 
@@ -132,7 +133,7 @@ void PlaybackWindow::Refresh() {
     close();
     return;
   }
-  if (subject_.filter == FilterId::AudioPlayer) meter_->Advance(subject_.run->player.Levels());
+  if (Has(subject_.filter, kPlaysSamples)) meter_->Advance(subject_.run->player.Levels());
   const RunState state = subject_.run->state;
   const PlayerStatus status = subject_.run->player.Status();
   if (!position_->isSliderDown()) {

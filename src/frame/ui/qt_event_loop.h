@@ -4,7 +4,7 @@
 #include <QObject>
 #include <functional>
 
-#include "platform/event_loop.h"
+#include "platform/programs/event_loop.h"
 
 namespace ts5 {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 

@@ -49,6 +49,10 @@ std::array<Choice<SkinLayout>, 3> LayoutChoices(const Ui::EIN_ALLGEMEIN& page) {
            {page.layoutWindows, SkinLayout::Windows}}};
 }
 
+std::array<Choice<std::int32_t>, 2> Id3Choices(const Ui::EIN_CONVERT& page) {
+  return {{{page.id3Version3Radio, 3}, {page.id3Version4Radio, 4}}};
+}
+
 }  // namespace
 
 SettingsDialog::SettingsDialog(const Settings& settings, DialogHost& host, QWidget* parent)
@@ -100,6 +104,7 @@ void SettingsDialog::Show(const SettingsForm& form) {
   conversion_->suffixCheck->setChecked(form.useSuffix);
   conversion_->suffixEdit->setText(ToQt(form.suffix));
   conversion_->overwriteCheck->setChecked(form.overwriteTarget);
+  Check(Id3Choices(*conversion_), form.id3Version);
   UpdateEnabling();
 }
 
@@ -115,7 +120,8 @@ SettingsForm SettingsDialog::Form() const {
           .targetDirectory = FromQt(conversion_->targetDirectoryEdit->text()),
           .useSuffix = conversion_->suffixCheck->isChecked(),
           .suffix = FromQt(conversion_->suffixEdit->text()),
-          .overwriteTarget = conversion_->overwriteCheck->isChecked()};
+          .overwriteTarget = conversion_->overwriteCheck->isChecked(),
+          .id3Version = Checked(Id3Choices(*conversion_))};
 }
 
 void SettingsDialog::UpdateEnabling() {
@@ -153,7 +159,6 @@ void SettingsDialog::Commit() {
   const SettingsCheck check = ValidateSettings(settings_, Form());
   if (check.Accepted()) {
     settings_ = check.settings;
-    wholePathChanged_ = check.wholePathChanged;
     accept();
     return;
   }

@@ -29,7 +29,6 @@ class SettingsDialog : public HostedDialog {
   // After OK: the new settings. The last selected folder is the one of the folder dialogs, whatever was
   // pressed.
   [[nodiscard]] const Settings& Accepted() const { return settings_; }
-  [[nodiscard]] bool WholePathChanged() const { return wholePathChanged_; }
   // The one of the visible page.
   [[nodiscard]] QString HelpTopic() const override;
 
@@ -44,7 +43,6 @@ class SettingsDialog : public HostedDialog {
   [[nodiscard]] QLineEdit* FieldOf(SettingsField field) const;
 
   Settings settings_;
-  bool wholePathChanged_ = false;
   std::unique_ptr<Ui::EINSTELLUNGEN> ui_;
   std::unique_ptr<Ui::EIN_ALLGEMEIN> general_;
   std::unique_ptr<Ui::EIN_CONVERT> conversion_;
