@@ -1,0 +1,17 @@
+// Writes a document as MusicXML 4.0, partwise, in UTF-8.
+#pragma once
+
+#include <string>
+
+#include "converters/score_losses.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "score/score_document.h"
+
+namespace ts5 {
+
+// Losses are added to the report. Cancelled.
+[[nodiscard]] Result<std::string> WriteMusicXml(const ScoreDocument& document, LossReport& losses,
+                                                const WorkWatch& watch = {});
+
+}  // namespace ts5

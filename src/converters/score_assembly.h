@@ -1,0 +1,12 @@
+// Puts the parts of a MusicXML score together into one document. Used inside the reader only.
+#pragma once
+
+#include "converters/musicxml_raw.h"
+#include "converters/musicxml_reader.h"
+
+namespace ts5::musicxml {
+
+// Cancelled.
+[[nodiscard]] ScoreResult<ScoreWithLosses> AssembleScore(Score score, const CancelCheck& cancelled);
+
+}  // namespace ts5::musicxml

@@ -1,0 +1,136 @@
+#include "converters/score_formats.h"
+
+#include <algorithm>
+#include <array>
+
+#include "converters/musicxml_writer.h"
+#include "converters/mxl_container.h"
+#include "converters/stvx.h"
+#include "converters/xml_signs.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+#include "score/score_reader.h"
+#include "score/score_writer.h"
+
+namespace ts5 {
+namespace {
+
+struct FormatName {
+  std::string_view extension;
+  ScoreFormat format;
+};
+constexpr FormatName kNames[] = {
+    {"stv", ScoreFormat::Score},
+    {"stvx", ScoreFormat::StvXml},
+    {"xml", ScoreFormat::MusicXml},
+    {"musicxml", ScoreFormat::MusicXml},
+    {"mxl", ScoreFormat::CompressedMusicXml},
+};
+
+struct RootElement {
+  std::string_view start;
+  ScoreFormat format;
+};
+constexpr RootElement kRoots[] = {
+    {"<score-partwise", ScoreFormat::MusicXml},
+    {"<score-timewise", ScoreFormat::MusicXml},
+    {"<stvx", ScoreFormat::StvXml},
+};
+
+ScoreResult<ScoreWithLosses> ReadScoreFile(ByteView file, const CancelCheck& cancelled) {
+  auto document = ReadScore(file, cancelled);
+  if (document) return ScoreWithLosses{std::move(*document), {}};
+  return tl::unexpected<ScoreFault>(ScoreFault{document.error()});
+}
+
+void MaskDrawings(std::vector<DrawingItem>& drawings, std::uint32_t mask) {
+  std::erase_if(drawings, [mask](const DrawingItem& drawing) {
+    const std::uint32_t bit = MaskBitOf(drawing);
+    return bit != 0 && (mask & bit) == 0;
+  });
+  for (DrawingItem& drawing : drawings) MaskDrawings(drawing.nested, mask);
+}
+
+// A score file has one text for all that.
+std::string CreditText(const ScoreCredits& credits) {
+  std::string text;
+  for (const std::string* line : {&credits.title, &credits.movement, &credits.lyricist, &credits.arranger,
+                                  &credits.rights, &credits.source}) {
+    if (!line->empty()) text += (text.empty() ? "" : "\r\n") + *line;
+  }
+  return text;
+}
+
+Bytes Copy(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::optional<ScoreFormat> ScoreFormatOf(ByteView file) {
+  constexpr std::size_t kLooked = std::size_t{64} << 10;
+  const std::string_view text = AsText(file.first(std::min(file.size(), kLooked)));
+  if (text.starts_with("stv3")) return ScoreFormat::Score;
+  if (LooksLikeZip(file)) return ScoreFormat::CompressedMusicXml;
+  // Of wider characters the zero bytes are left out.
+  std::string narrow(text);
+  std::erase(narrow, '\0');
+  for (const RootElement& root : kRoots) {
+    if (narrow.find(root.start) != std::string::npos) return root.format;
+  }
+  return std::nullopt;
+}
+
+std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name) {
+  const std::string extension = ToLower(ExtensionOf(name));
+  const auto* const found = std::ranges::find(kNames, std::string_view(extension), &FormatName::extension);
+  if (found == std::end(kNames)) return std::nullopt;
+  return found->format;
+}
+
+ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled) {
+  const auto format = ScoreFormatOf(file);
+  if (!format) return tl::unexpected<ScoreFault>(ScoreFault{Outcome::WrongFormat});
+  if (*format == ScoreFormat::Score) return ReadScoreFile(file, cancelled);
+  if (*format == ScoreFormat::StvXml) return ReadStvXml(file, cancelled);
+  return ReadMusicXml(file, cancelled);
+}
+
+Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,
+                            const WorkWatch& watch) {
+  if (format == ScoreFormat::Score) {
+    if (document.comment.empty()) document.comment = CreditText(document.credits);
+    ReportScoreFileLosses(document, losses);
+    return WriteScore(document);
+  }
+  const auto text =
+      format == ScoreFormat::StvXml ? WriteStvXml(document, watch) : WriteMusicXml(document, losses, watch);
+  if (!text) return Failure(text.error());
+  if (format == ScoreFormat::CompressedMusicXml) return WriteMxl(*text);
+  return Copy(*text);
+}
+
+Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
+  const auto format = ScoreFormatOf(file);
+  if (!format || *format == ScoreFormat::Score) return file;
+  const auto score = ReadAnyScore(file, cancelled);
+  if (!score) return Failure(score.error().code);
+  return WriteScore(score->document);
+}
+
+void ApplyObjectMask(ScoreDocument& document, std::uint32_t mask) {
+  if ((mask & kMaskAll) == kMaskAll) return;
+  for (SystemItems& system : document.systems) {
+    for (StaffItems& staff : system.staves) {
+      for (VoiceItems& voice : staff.voices) {
+        for (ScoreItem& item : voice) {
+          if ((mask & kMaskArticulations) == 0) item.group.articulation = 0;
+          if ((mask & kMaskLyrics) == 0) item.lyrics.clear();
+          MaskDrawings(item.drawings, mask);
+        }
+      }
+    }
+  }
+}
+
+}  // namespace ts5

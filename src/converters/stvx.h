@@ -1,0 +1,19 @@
+// StvXML (.stvx), the XML form of the document: all of it, so that score files and their XML form convert
+// into one another byte for byte. docs/stvx.md describes it, docs/stvx.xsd is its schema.
+#pragma once
+
+#include <string>
+
+#include "converters/musicxml_reader.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "score/score_document.h"
+
+namespace ts5 {
+
+[[nodiscard]] Result<std::string> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {});
+// WrongFormat: no StvXML; SourceFailed: a damaged file, with bar and staff where known; Cancelled. The losses
+// are empty.
+[[nodiscard]] ScoreResult<ScoreWithLosses> ReadStvXml(ByteView file, const CancelCheck& cancelled = {});
+
+}  // namespace ts5
