@@ -1,0 +1,46 @@
+// A score as pages: bars go to systems and systems to pages, and each page is drawn when it is asked for.
+//
+//   ScorePages pages(std::move(document));
+//   for (std::size_t i = 0; i < pages.Count(); ++i) Paint(pages.Draw(i));
+//
+// It is a look at the music, not a printed edition: texts have about their places, and what has no sign here
+// is told by a word.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/base/work_watch.h"
+#include "preview/sketch.h"
+#include "score/score_document.h"
+
+namespace ts5::preview {
+
+struct PageSize {
+  double width = 120;  // staff spaces
+  double height = 170;
+};
+
+class ScorePages {
+ public:
+  // One that was cancelled has no pages.
+  explicit ScorePages(ScoreDocument document, const CancelCheck& cancelled = {});
+  ~ScorePages();
+  ScorePages(ScorePages&&) noexcept;
+  ScorePages& operator=(ScorePages&&) noexcept;
+
+  [[nodiscard]] std::size_t Count() const;
+  [[nodiscard]] PageSize Size() const;
+  [[nodiscard]] double SpaceMillimetres() const;
+  [[nodiscard]] Sketch Draw(std::size_t page) const;
+  // The page with a bar, by its index in the score.
+  [[nodiscard]] std::size_t PageOf(std::size_t bar) const;
+  // Printed numbers of the first and last bar of a page.
+  [[nodiscard]] std::pair<std::string, std::string> Bars(std::size_t page) const;
+
+ private:
+  struct Inside;
+  std::unique_ptr<Inside> inside_;
+};
+
+}  // namespace ts5::preview
