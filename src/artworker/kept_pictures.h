@@ -1,0 +1,27 @@
+// Pictures that come without a file, from the clipboard or from a program: kept as PNG under a name made from
+// their content, beside the layout file, or in a folder of the program until there is one.
+#pragma once
+
+#include <QImage>
+#include <string>
+
+#include "artworker/layout.h"
+#include "platform/base/outcome.h"
+
+namespace ts5::artworker {
+
+// Where pictures wait for their layout to be saved.
+[[nodiscard]] std::string WaitingPictures();
+
+// Writes the picture into the folder, which is made where it lacks, unless the same one is there already; its
+// path. TargetFailed, WriteFailed.
+[[nodiscard]] Result<std::string> KeepPicture(const QImage& picture, const std::string& folder);
+
+// Copies the layout's waiting pictures into the folder and refers to them there.
+[[nodiscard]] Outcome SettlePictures(ArtworkLayout& layout, const std::string& folder);
+
+// A picture that its layout names without a path lies beside the layout's file, in that folder: it is named
+// in full.
+void NamePicturesFully(ArtworkLayout& layout, const std::string& folder);
+
+}  // namespace ts5::artworker

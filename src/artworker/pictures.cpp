@@ -1,0 +1,145 @@
+#include "artworker/pictures.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <algorithm>
+
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+
+namespace ts5::artworker {
+namespace {
+
+constexpr qint64 kMaxFileBytes = qint64{256} << 20;
+
+QByteArray FormatOf(QByteArray bytes) {
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::ReadOnly);
+  return QImageReader::imageFormat(&buffer);
+}
+
+// Of a picture inside a drawing, up to the sign that ends it: a drawing in there might refer to anything.
+bool IsPlainPicture(QByteArrayView reference, char quote) {
+  constexpr QByteArrayView kCoded = "base64,";
+  if (quote != '"' && quote != '\'') return false;
+  const qsizetype end = reference.indexOf(quote);
+  const QByteArrayView whole = end >= 0 ? reference.first(end) : reference;
+  const qsizetype begin = whole.lastIndexOf(kCoded);
+  if (begin < 0) return true;  // the toolkit draws no other
+  const QByteArray bytes = QByteArray::fromBase64(whole.sliced(begin + kCoded.size()).toByteArray());
+  return !FormatOf(bytes).startsWith("svg");
+}
+
+// Whether all that follows the word in a drawing refers to the drawing itself; the sign that opens the
+// reference and what may stand before it are passed over.
+bool StaysInside(const QByteArray& drawing, const QByteArray& word) {
+  for (qsizetype at = drawing.indexOf(word); at >= 0; at = drawing.indexOf(word, at + 1)) {
+    qsizetype target = at + word.size();
+    while (target < drawing.size() && QByteArrayView(" \t\r\n='\"").contains(drawing[target])) ++target;
+    const QByteArrayView reference = QByteArrayView(drawing).sliced(target);
+    const bool inside = reference.startsWith("data:") ? IsPlainPicture(reference, drawing[target - 1])
+                                                      : reference.startsWith('#');
+    if (!inside) return false;
+  }
+  return true;
+}
+
+// A drawing may name other files and addresses, and what it holds may be packed: only a plain one that refers
+// to nothing else is drawn.
+bool IsSafe(const QByteArray& bytes, const QByteArray& format) {
+  if (!format.startsWith("svg")) return true;
+  return bytes.contains("<svg") && !bytes.contains("<!ENTITY") && !bytes.contains("@import") &&
+         StaysInside(bytes, "href") && StaysInside(bytes, "url(");
+}
+
+struct Source {
+  QByteArray bytes;
+  QByteArray format;
+};
+
+Source ReadSource(const std::string& name) {
+  QFile file(QString::fromStdString(name));
+  if (!QFileInfo(file).isFile() || file.size() > kMaxFileBytes || !file.open(QIODevice::ReadOnly)) return {};
+  Source source;
+  source.bytes = file.readAll();
+  source.format = FormatOf(source.bytes);
+  if (source.format.isEmpty() || !IsSafe(source.bytes, source.format)) return {};
+  return source;
+}
+
+QImage Read(const std::string& name, QSize most) {
+  Source source = ReadSource(name);
+  if (source.bytes.isEmpty()) return {};
+  QBuffer buffer(&source.bytes);
+  buffer.open(QIODevice::ReadOnly);
+  QImageReader reader(&buffer, source.format);
+  reader.setAutoTransform(true);
+  const QSize size = reader.size();
+  if (size.width() > kMaxPictureSide || size.height() > kMaxPictureSide) return {};
+  QImageReader::setAllocationLimit(kMaxPictureMegabytes);
+  // A picture turned by its own mark is measured before it is turned; drawings are made at the size that is
+  // wanted.
+  if (size.isValid() && !most.isEmpty() &&
+      !(reader.transformation() & QImageIOHandler::TransformationRotate90)) {
+    const bool drawing = source.format.startsWith("svg");
+    if (drawing) {
+      reader.setScaledSize(most);
+    } else if (size.width() > most.width() || size.height() > most.height()) {
+      reader.setScaledSize({std::min(size.width(), most.width()), std::min(size.height(), most.height())});
+    }
+  }
+  return reader.read();
+}
+
+std::int64_t TimeOf(const std::string& file) {
+  const QFileInfo info(QString::fromStdString(file));
+  return info.exists() ? info.lastModified().toMSecsSinceEpoch() : 0;
+}
+
+}  // namespace
+
+const QImage& Pictures::Scaled(const std::string& file, QSize most) {
+  const std::int64_t time = TimeOf(file);
+  const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) {
+    return entry.file == file && entry.most == most && entry.time == time;
+  });
+  if (found != entries_.end()) {
+    entries_.splice(entries_.begin(), entries_, found);
+    return entries_.front().image;
+  }
+  std::erase_if(entries_, [&](const Entry& entry) { return entry.file == file && entry.time != time; });
+  entries_.push_front({file, most, time, Read(file, most)});
+  std::int64_t bytes = 0;
+  for (const Entry& entry : entries_) bytes += entry.image.sizeInBytes();
+  while (bytes > kMostKeptBytes && entries_.size() > 1) {
+    bytes -= entries_.back().image.sizeInBytes();
+    entries_.pop_back();
+  }
+  return entries_.front().image;
+}
+
+const QImage& Pictures::Draft(const std::string& file, QSize most) {
+  const auto found = std::ranges::find(entries_, file, &Entry::file);
+  return found != entries_.end() ? found->image : Scaled(file, most);
+}
+
+bool Pictures::IsDrawing(const std::string& file) {
+  return EqualsIgnoringCase(ExtensionOf(file), "svg");
+}
+
+QSize Pictures::SizeOf(const std::string& file) {
+  Source source = ReadSource(file);
+  if (source.bytes.isEmpty()) return {};
+  QBuffer buffer(&source.bytes);
+  buffer.open(QIODevice::ReadOnly);
+  QImageReader reader(&buffer, source.format);
+  reader.setAutoTransform(true);
+  const QSize size = reader.size();
+  return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
+}
+
+}  // namespace ts5::artworker

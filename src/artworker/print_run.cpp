@@ -1,0 +1,259 @@
+#include "artworker/print_run.h"
+
+#include <QGuiApplication>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "artworker/layout_file.h"
+#include "artworker/pages.h"
+#include "artworker/printers.h"
+#include "artworker/sheet_painter.h"
+#include "artworker/sheet_plan.h"
+#include "artworker/texts.h"
+#include "frame/failure_reason.h"
+#include "frame/run.h"
+#include "frame/target_naming.h"
+#include "frame/texts.h"
+#include "platform/base/text.h"
+#include "platform/files/directories.h"
+#include "platform/files/fault.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "platform/files/staged_device.h"
+
+namespace ts5::artworker {
+namespace {
+
+constexpr std::array kObjectNames = {texts::ArtworkLabel, texts::ArtworkInlay, texts::ArtworkBooklet};
+
+const std::array kRemarks = {
+    Remark{Code(Outcome::OutOfMemory), texts::RemarkOutOfMemory},
+    Remark{Code(Outcome::Cancelled), texts::RemarkCancelled},
+    Remark{Code(Outcome::TargetFailed), texts::RemarkTargetFailed},
+    Remark{Code(Outcome::WriteFailed), texts::RemarkWriteFailed},
+    Remark{kDrawingFailed, texts::RemarkDrawingFailed},
+    Remark{kPrinterFailed, texts::RemarkPrinterFailed},
+    Remark{kDocumentNotBegun, texts::RemarkPrintingFailed},
+    Remark{kPageNotEnded, texts::RemarkPageFailed},
+    Remark{kDocumentNotEnded, texts::RemarkDocumentFailed},
+};
+
+std::string PrinterName(const std::string& printer) {
+  return printer.empty() ? std::string(Text(texts::PdfPrinter)) : printer;
+}
+
+std::vector<Background> BackgroundsOf(const ArtworkerParameters& parameters) {
+  if (!parameters.backgrounds.empty()) return parameters.backgrounds;
+  return {Background{
+      .colour1 = std::uint32_t{kMaxColour}, .colour2 = std::uint32_t{kMaxColour}, .gradient = 0, .name = {}}};
+}
+
+// One document: where its bytes go until it is whole, and what happens to it then.
+class Printing {
+ public:
+  explicit Printing(Run& run)
+      : run_(run),
+        parameters_(run.Parameters<ArtworkerParameters>()),
+        layout_(FilledLayout(parameters_.layout, parameters_.disc)),
+        backgrounds_(BackgroundsOf(parameters_)),
+        printer_(PrinterName(run.Devices().output.empty() ? parameters_.printer : run.Devices().output)),
+        naming_(run.GetJob(), run.Destination(), run.Files()) {}
+
+  void Print() {
+    run_.StatusText(Text(texts::PrintBegins));
+    SheetPlan plan = PlanSheets(parameters_);
+    if (parameters_.calibration) plan.sheets.push_back({CalibrationSheet(), {}});
+    if (plan.apart) run_.ProtocolLine(Text(texts::SheetsApart));
+    for (const std::string& face : MissingFonts(parameters_.layout))
+      run_.ProtocolLine(Format(Text(texts::FontMissing), face));
+    run_.StatusText(Text(texts::PrinterInitialising));
+    RunItem item;
+    item.destination = printer_;
+    ForgetFault();
+    item.code = printer_ == Text(texts::PdfPrinter) ? IntoFile(plan, item.destination) : OntoPaper(plan);
+    if (item.code == 0) {
+      run_.Result().counts[0] = printed_;
+      run_.StatusText(Text(texts::PrintEnded));
+    } else {
+      run_.AddStatus({item.code});
+      if (const auto fault = TakeFault())
+        item.reason = FailureReason(Outcome::WriteFailed, {}, item.destination, fault);
+    }
+    run_.Result().items.push_back(std::move(item));
+    run_.Result().remarks = run_.Remarks();
+  }
+
+ private:
+  // These give the code that the run ends with, 0 for success.
+
+  std::int32_t IntoFile(const SheetPlan& plan, std::string& name) {
+    PlannedTarget target = NameTarget();
+    name = target.name;
+    if (Failed(target.code)) return Code(target.code);
+    if (target.taking == Taking::Ask && run_.Files().exists(target.name)) {
+      if (!MayReplace(target.name)) return Code(Outcome::Cancelled);
+      target.taking = Taking::Replace;
+    }
+    (void)ClearAbandonedFiles(std::string(DirectoryOf(target.name)));
+    auto file = StagedFile::Create(target.name);
+    if (!file) return Code(file.error());
+    if (const std::int32_t code = Draw(plan, *file); code != 0) return code;
+    const auto taken = TakeTarget(*file, std::move(target), naming_,
+                                  [this](const std::string& there) { return MayReplace(there); });
+    if (!taken && taken.error() == Outcome::Cancelled) return Code(Outcome::Cancelled);
+    if (!taken) return DocumentNotEnded();
+    name = *taken;
+    return 0;
+  }
+
+  std::int32_t OntoPaper(const SheetPlan& plan) {
+    const auto printers = SystemPrinters();
+    if (std::ranges::find(printers, printer_) == printers.end()) return kPrinterFailed;
+    for (const Sheet& sheet : plan.sheets) {
+      if (!TakesPaper(printer_, sheet.size) && !MayUseOtherPaper(sheet.size)) return Code(Outcome::Cancelled);
+    }
+    auto spool = TemporaryFile::Create(kTemporaryPrefix, {}, ".pdf");
+    auto file = spool ? StagedFile::Create(spool->Path()) : Failure(spool.error());
+    if (!file) return Code(file.error());
+    if (const std::int32_t code = Draw(plan, *file); code != 0) return code;
+    if (Failed(file->Commit())) return DocumentNotEnded();
+    const Size first = plan.sheets.front().size;
+    const bool alike = std::ranges::all_of(plan.sheets, [&](const Sheet& s) { return s.size == first; });
+    if (SendDocument(printer_, spool->Path(), alike ? std::optional(first) : std::nullopt,
+                     [this] { return run_.Cancelled(); }))
+      return 0;
+    return run_.Cancelled() ? Code(Outcome::Cancelled) : kPrinterFailed;
+  }
+
+  std::int32_t Draw(const SheetPlan& plan, StagedFile& file) {
+    run_.StatusText(Text(texts::PrinterInitialised));
+    run_.StatusText(Text(texts::DocumentPreparing));
+    PdfDocument document(file, QString::fromUtf8(Text(texts::ArtworkDocument)));
+    run_.StatusText(Text(texts::DocumentPrepared));
+    for (std::size_t i = 0; i < plan.sheets.size(); ++i) {
+      if (run_.Cancelled()) return Code(Outcome::Cancelled);
+      run_.Progress(static_cast<std::uint32_t>(i + 1), static_cast<std::uint32_t>(plan.sheets.size()));
+      if (!document.BeginPage(plan.sheets[i].size, parameters_.fit)) return kDocumentNotBegun;
+      if (run_.Cancelled()) return Code(Outcome::Cancelled);
+      DrawSheet(document.Page(), plan.sheets[i]);
+    }
+    return Failed(document.Finish()) ? DocumentNotEnded() : 0;
+  }
+
+  void DrawSheet(QPainter& page, const Sheet& sheet) {
+    if (sheet.objects.empty()) PaintCalibration(page, sheet.size, printer_, parameters_.fit);
+    const PlacedObject* before = nullptr;
+    for (const PlacedObject& placed : sheet.objects) {
+      const std::string_view name = Text(kObjectNames[IndexOf(placed.id)]);
+      const bool another = before == nullptr || before->id != placed.id;
+      if (another) run_.StatusText(Format(Text(texts::ObjectSending), name));
+      PaintPlaced(page,
+                  {layout_, backgrounds_, pictures_, Holds(parameters_.printBorder, placed.id), kPicturesDpi},
+                  placed);
+      if (Holds(parameters_.printMarks, placed.id)) PaintMarks(page, layout_, placed);
+      before = &placed;
+      if (!another) continue;
+      run_.StatusText(Format(Text(texts::ObjectSent), name));
+      run_.StatusText(Format(Text(texts::ObjectEnding), name));
+      run_.StatusText(Format(Text(texts::ObjectEnded), name));
+      ++printed_;
+    }
+  }
+
+  std::int32_t DocumentNotEnded() {
+    run_.StatusText(Text(texts::PageNotEnded));
+    return kDocumentNotEnded;
+  }
+
+  // What the user named, else a name beside the layout's file.
+  PlannedTarget NameTarget() {
+    const std::string& chosen = run_.GetJob().destinationName;
+    if (!chosen.empty()) return naming_.Chosen(chosen);
+    const std::string unnamed =
+        JoinPath(HomeDirectory(), Format("%s.%s", Text(texts::ArtworkDocument), kLayoutExtension));
+    const std::string& layout = parameters_.fileName;
+    return naming_.Automatic({.extension = "pdf"}, layout.empty() ? unnamed : layout);
+  }
+
+  bool MayReplace(const std::string& target) {
+    run_.StatusText(target);
+    return run_.Ask({.text = std::string(Text(texts::AskOverwriteTarget)),
+                     .icon = MessageIcon::Exclamation}) == Answer::Yes;
+  }
+
+  bool MayUseOtherPaper(Size sheet) {
+    const std::string text = Format(Text(texts::AskOtherPaper), printer_, sheet.width, sheet.height);
+    run_.ProtocolLine(Split(text, '\n').front());
+    return run_.Ask({.text = text, .icon = MessageIcon::Exclamation}) == Answer::Yes;
+  }
+
+  // That of the first object that is printed, else of the label.
+  [[nodiscard]] Size CalibrationSheet() const {
+    for (const ArtworkObjectId id : kObjectIds) {
+      if (Holds(parameters_.printWhat, id)) return parameters_.layout.Object(id).sheet;
+    }
+    return parameters_.layout.objects.front().sheet;
+  }
+
+  Run& run_;
+  const ArtworkerParameters& parameters_;
+  ArtworkLayout layout_;  // filled
+  std::vector<Background> backgrounds_;
+  std::string printer_;
+  TargetNaming naming_;
+  Pictures pictures_;
+  std::uint32_t printed_ = 0;
+};
+
+}  // namespace
+
+void TakeGround(ArtworkerParameters& parameters, const Registry& registry) {
+  parameters.backgrounds = LoadBackgrounds(registry);
+  parameters.fit = LoadPrinterFit(registry, PrinterName(parameters.printer));
+}
+
+void PrepareDrawing() {
+  if (QCoreApplication::instance() != nullptr) return;
+  // What the toolkit has to say of a machine without a desktop is of no use to anybody.
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  static int count = 3;
+  static std::array<char[16], 3> words = {"stavora-ts5", "-platform", "offscreen"};
+  static std::array<char*, 4> arguments = {words[0], words[1], words[2], nullptr};
+  static const QGuiApplication application(count, arguments.data());
+}
+
+Outcome SavePicture(const ArtworkerParameters& parameters, ArtworkObjectId id, double dpi,
+                    const std::string& path) {
+  Pictures pictures;
+  const std::vector<Background> backgrounds = BackgroundsOf(parameters);
+  const ArtworkLayout layout = FilledLayout(parameters.layout, parameters.disc);
+  const QImage picture =
+      PictureOf({layout, backgrounds, pictures, Holds(parameters.printBorder, id)}, id, dpi);
+  if (picture.isNull()) return Outcome::InvalidParameter;
+  auto file = StagedFile::Create(path);
+  if (!file) return file.error();
+  StagedDevice device(*file);
+  if (!picture.save(&device, "PNG") || device.Broken()) return Outcome::WriteFailed;
+  return file->Commit();
+}
+
+FilterModule ArtworkerModule() {
+  FilterModule module;
+  module.id = FilterId::Artworker;
+  module.create = [] { return std::make_unique<ArtworkerParameters>(); };
+  module.fields = ArtworkerFields();
+  module.remarks = kRemarks;
+  module.missing = [](const Job& job) -> std::optional<TextId> {
+    const auto* const parameters = dynamic_cast<const ArtworkerParameters*>(&*job.parameters);
+    if (parameters == nullptr || (parameters->printWhat == 0 && !parameters->calibration))
+      return texts::NothingToPrint;
+    return std::nullopt;
+  };
+  module.run = [](Run& run) { Printing(run).Print(); };
+  return module;
+}
+
+}  // namespace ts5::artworker

@@ -1,0 +1,130 @@
+#include "artworker/ui/canvas_accessible.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <map>
+#include <memory>
+
+#include "artworker/element_notes.h"
+#include "artworker/texts.h"
+#include "artworker/ui/layout_canvas.h"
+#include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
+
+namespace ts5::artworker {
+namespace {
+
+constexpr std::array kObjectNames = {texts::ArtworkLabel, texts::ArtworkInlay, texts::ArtworkBooklet};
+
+// The element at a row of the canvas.
+class AccessibleElement : public QAccessibleInterface {
+ public:
+  AccessibleElement(LayoutCanvas* canvas, int row) : canvas_(canvas), row_(row) {}
+
+  [[nodiscard]] int Row() const { return row_; }
+  [[nodiscard]] bool isValid() const override { return canvas_ != nullptr && Index().has_value(); }
+  [[nodiscard]] QObject* object() const override { return nullptr; }
+  [[nodiscard]] QAccessibleInterface* parent() const override {
+    return QAccessible::queryAccessibleInterface(canvas_);
+  }
+  [[nodiscard]] QAccessibleInterface* child(int) const override { return nullptr; }
+  [[nodiscard]] QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+  [[nodiscard]] int childCount() const override { return 0; }
+  [[nodiscard]] int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+  [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
+  void setText(QAccessible::Text, const QString&) override {}
+
+  [[nodiscard]] QString text(QAccessible::Text what) const override {
+    const auto index = Index();
+    if (!index) return {};
+    const ArtworkLayout& layout = canvas_->GetScene().editor.Layout();
+    const ArtworkElement& element = layout.elements[*index];
+    switch (what) {
+      case QAccessible::Name:
+        return ToQt(NameOf(element));
+      case QAccessible::Description:
+        return ToQt(PlaceText(element, layout.Object(element.object)));
+      case QAccessible::Value:
+        if (const auto* const field = std::get_if<TextField>(&element.content)) return ToQt(field->text);
+        return {};
+      default:
+        return {};
+    }
+  }
+  [[nodiscard]] QRect rect() const override {
+    const auto index = Index();
+    if (!index) return {};
+    const QRect rect = canvas_->RectOf(*index).toAlignedRect();
+    return {canvas_->mapToGlobal(rect.topLeft()), rect.size()};
+  }
+  [[nodiscard]] QAccessible::State state() const override {
+    QAccessible::State state;
+    state.selectable = true;
+    const auto index = Index();
+    if (!index) {
+      state.invalid = true;
+      return state;
+    }
+    state.selected = canvas_->GetScene().editor.IsSelected(*index);
+    return state;
+  }
+
+ private:
+  [[nodiscard]] std::optional<std::size_t> Index() const {
+    const Selection all = ElementsOf(canvas_->GetScene().editor.Layout(), canvas_->Id());
+    return std::cmp_less(row_, all.size()) ? std::optional(all[static_cast<std::size_t>(row_)])
+                                           : std::nullopt;
+  }
+
+  LayoutCanvas* canvas_;
+  int row_;
+};
+
+class AccessibleCanvas : public QAccessibleWidget {
+ public:
+  explicit AccessibleCanvas(LayoutCanvas* canvas)
+      : QAccessibleWidget(canvas, QAccessible::List), canvas_(canvas) {}
+  ~AccessibleCanvas() override {
+    for (const auto& [row, id] : rows_) QAccessible::deleteAccessibleInterface(id);
+  }
+  AccessibleCanvas(const AccessibleCanvas&) = delete;
+  AccessibleCanvas& operator=(const AccessibleCanvas&) = delete;
+
+  [[nodiscard]] int childCount() const override {
+    return static_cast<int>(ElementsOf(canvas_->GetScene().editor.Layout(), canvas_->Id()).size());
+  }
+  [[nodiscard]] QAccessibleInterface* child(int row) const override {
+    if (row < 0 || row >= childCount()) return nullptr;
+    const auto known = rows_.find(row);
+    if (known != rows_.end()) return QAccessible::accessibleInterface(known->second);
+    auto* const made = new AccessibleElement(canvas_, row);  // the toolkit's register owns it
+    rows_[row] = QAccessible::registerAccessibleInterface(made);
+    return made;
+  }
+  [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
+    const auto* const element = dynamic_cast<const AccessibleElement*>(child);
+    return element != nullptr ? element->Row() : -1;
+  }
+  [[nodiscard]] QString text(QAccessible::Text what) const override {
+    if (what != QAccessible::Name) return QAccessibleWidget::text(what);
+    return ToQt(Format(Text(texts::CanvasName), Text(kObjectNames[IndexOf(canvas_->Id())]),
+                       static_cast<int>(canvas_->Zoom() * 100 + 0.5)));
+  }
+
+ private:
+  LayoutCanvas* canvas_;
+  mutable std::map<int, QAccessible::Id> rows_;
+};
+
+QAccessibleInterface* MakeCanvas(const QString& /*key*/, QObject* object) {
+  auto* const canvas = qobject_cast<LayoutCanvas*>(object);
+  return canvas != nullptr ? new AccessibleCanvas(canvas) : nullptr;
+}
+
+}  // namespace
+
+void InstallCanvasAccessibility() {
+  [[maybe_unused]] static const bool once = (QAccessible::installFactory(MakeCanvas), true);
+}
+
+}  // namespace ts5::artworker

@@ -1,0 +1,55 @@
+// The groups that the dialogs of elements share: the border, and the background with its transparency.
+#pragma once
+
+#include <QGroupBox>
+#include <initializer_list>
+#include <memory>
+
+#include "artworker/background_list.h"
+#include "artworker/layout.h"
+#include "frame/ui/dialog_host.h"
+
+namespace Ui {
+class ARTBORDER;
+class ARTFILL;
+}  // namespace Ui
+
+namespace ts5::artworker {
+
+class BorderBox : public QGroupBox {
+  Q_OBJECT
+
+ public:
+  // corners: whether the element has any.
+  BorderBox(const ArtworkElement& element, bool corners, QWidget* parent = nullptr);
+  ~BorderBox() override;
+
+  void Take(ArtworkElement& element) const;
+  // The key Tab leads from here to these, one after another.
+  void TabBefore(std::initializer_list<QWidget*> widgets);
+
+ private:
+  std::unique_ptr<Ui::ARTBORDER> ui_;
+};
+
+class FillBox : public QGroupBox {
+  Q_OBJECT
+
+ public:
+  // The list and the host outlive the box.
+  FillBox(const Fill& fill, BackgroundList& backgrounds, DialogHost& host, QWidget* parent = nullptr);
+  ~FillBox() override;
+
+  [[nodiscard]] Fill Chosen() const;
+
+ private:
+  void Refill(int chosen);
+  void AddNew();
+  void DeleteChosen();
+
+  BackgroundList& backgrounds_;
+  DialogHost& host_;
+  std::unique_ptr<Ui::ARTFILL> ui_;
+};
+
+}  // namespace ts5::artworker
