@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "batch/texts.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 

@@ -18,7 +18,7 @@
 
 #include "batch/console.h"
 #include "batch/texts.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5::batch {
 

@@ -1,15 +1,14 @@
 // What the program knows by itself: its filters and the types of files.
 #include <algorithm>
 
-#include "app/filter_modules.h"
 #include "batch/arguments.h"
 #include "batch/commands.h"
 #include "batch/json_text.h"
 #include "batch/texts.h"
 #include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -48,7 +47,7 @@ int FiltersCommand(CommandLine line, Console& console) {
       row["name"] = filter.Name();
       row["description"] = filter.Description();
       row["extensions"] = Extensions(filter);
-      row["available"] = CanRun(filter.id);
+      row["available"] = true;  // every filter of the catalogue has its module
       filters.push_back(std::move(row));
     }
     console.out << JsonText({{"filters", filters}});
@@ -61,9 +60,7 @@ int FiltersCommand(CommandLine line, Console& console) {
     nameWidth = std::max(nameWidth, CharacterCount(filter.Name()));
   }
   for (const FilterDescriptor& filter : FilterCatalogue()) {
-    const bool here = CanRun(filter.id);
-    console.out << Format("%2i ", static_cast<int>(filter.id))
-                << Padded(here ? Text(texts::BatchFilterHere) : "", 2)
+    console.out << Format("%2i ", static_cast<int>(filter.id)) << Padded(Text(texts::BatchFilterHere), 2)
                 << Padded(filter.identifier, identifierWidth + 2) << Padded(filter.Name(), nameWidth + 2)
                 << Joined(Extensions(filter)) << '\n';
   }

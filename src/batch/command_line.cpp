@@ -5,8 +5,8 @@
 #include <charconv>
 
 #include "batch/texts.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 
@@ -16,6 +16,16 @@ std::optional<Setting> ParseSetting(std::string_view text) {
   const std::string_view name = Trim(text.substr(0, equals));
   if (name.empty()) return std::nullopt;
   return Setting{name, text.substr(equals + 1)};
+}
+
+std::optional<RunShare> ParseShare(std::string_view text) {
+  constexpr std::int64_t kMostParts = 1'000'000;
+  const auto words = Split(text, '/');
+  if (words.size() != 2) return std::nullopt;
+  const auto part = ParseInteger(words[0]);
+  const auto parts = ParseInteger(words[1]);
+  if (!part || !parts || *part < 1 || *part > *parts || *parts > kMostParts) return std::nullopt;
+  return RunShare{static_cast<std::uint32_t>(*part), static_cast<std::uint32_t>(*parts)};
 }
 
 std::optional<OverwritePolicy> ParseOverwrite(std::string_view text) {

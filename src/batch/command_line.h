@@ -9,6 +9,7 @@
 
 #include "frame/destination.h"
 #include "frame/filter_module.h"
+#include "frame/run.h"
 
 namespace ts5::batch {
 
@@ -18,6 +19,9 @@ struct Setting {
   std::string_view value;
 };
 [[nodiscard]] std::optional<Setting> ParseSetting(std::string_view text);
+
+// "3/8": the third of eight, each 1..1000000.
+[[nodiscard]] std::optional<RunShare> ParseShare(std::string_view text);
 
 // "yes", "number", "ask".
 [[nodiscard]] std::optional<OverwritePolicy> ParseOverwrite(std::string_view text);

@@ -1,13 +1,13 @@
 #include "batch/console.h"
 
 #include "batch/texts.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 
 void PrintError(Console& console, std::string_view message) {
-  console.err << kProgramName << ": " << message << '\n';
+  console.err << kProgramName << ": " << Printable(message, true) << '\n';
 }
 
 int WrongUsage(Console& console, std::string_view command, std::string_view message) {
@@ -15,6 +15,22 @@ int WrongUsage(Console& console, std::string_view command, std::string_view mess
   const std::string call = std::string(kProgramName) + (command.empty() ? "" : " ") + std::string(command);
   console.err << Format(Text(texts::BatchSeeHelp), call) << '\n';
   return kExitUsage;
+}
+
+std::string Printable(std::string_view text, bool lineEnds) {
+  std::string printable;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : '\0');
+    if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // U+0080 to U+009F
+      printable += '?';
+      ++i;
+    } else {
+      const bool control = (byte < 0x20 && !(lineEnds && byte == '\n')) || byte == 0x7F;
+      printable += control ? '?' : text[i];
+    }
+  }
+  return printable;
 }
 
 std::string Padded(std::string_view text, std::size_t characters) {

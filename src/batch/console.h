@@ -37,6 +37,10 @@ void PrintError(Console& console, std::string_view message);
 // The same with a hint at the help of a command; gives kExitUsage.
 [[nodiscard]] int WrongUsage(Console& console, std::string_view command, std::string_view message);
 
+// The text as a terminal may show it: control characters, which could steer it, become '?'; line ends stay
+// when they are wanted.
+[[nodiscard]] std::string Printable(std::string_view text, bool lineEnds = false);
+
 // Text filled up with blanks to so many characters, whatever its bytes.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters);
 

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "batch/command_line.h"
 #include "batch/run_output.h"
 #include "batch/texts.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "frame/run_time.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 namespace {
@@ -49,7 +51,7 @@ Answer AskOnConsole(Console& console, const QuestionText& question) {
 }
 
 ConsoleHost::ConsoleHost(Console& console, OutputOptions options, SearchKind kind)
-    : console_(console), options_(options), line_(console, Talks()), kind_(kind) {}
+    : console_(console), options_(std::move(options)), line_(console, Talks()), kind_(kind) {}
 
 void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()>& stop) {
   std::deque<Action> actions;
@@ -73,13 +75,14 @@ void ConsoleHost::PrintUntilFinished(const std::function<std::optional<TextId>()
 }
 
 void ConsoleHost::ShowProgress() {
-  std::string text;
-  if (progress_.items > 0) {
-    const double done =
-        (progress_.item > 0 ? progress_.item - 1 : 0) + std::clamp(progress_.fraction, 0.0, 1.0);
-    text = Format(Text(texts::BatchProgress), progress_.item, progress_.items,
-                  static_cast<int>(100 * std::min(done / progress_.items, 1.0)));
+  std::string text = task_;
+  const int percent = static_cast<int>(100 * WholeOf(progress_));
+  if (!task_.empty()) {
+    text = Format("%s (%i %%)", task_, percent);
+  } else if (progress_.items > 0) {
+    text = Format(Text(texts::BatchProgress), progress_.item, progress_.items, percent);
   }
+  if (!text.empty()) text += "  " + TimeText(progress_.elapsed, progress_.remaining);
   if (!status_.empty()) text += (text.empty() ? "" : "  ") + status_;
   if (!text.empty()) line_.Show(text);
 }
@@ -104,6 +107,10 @@ void ConsoleHost::Progress(const RunProgress& progress) {
   Queue([this, progress] { progress_ = progress; });
 }
 
+void ConsoleHost::TaskText(std::string_view text) {
+  Queue([this, task = OnOneLine(text)] { task_ = task; });
+}
+
 void ConsoleHost::StatusText(std::string_view text) {
   Queue([this, status = OnOneLine(text)] {
     if (!stopping_) status_ = status;
@@ -122,7 +129,10 @@ Outcome ConsoleHost::Hit(const SearchHit& hit) {
   if (options_.json) return hits_.Add(hit);
   QueueWhenRoom([this, hit] {
     line_.Clear();
-    console_.out << HitText(kind_, hit) << '\n';
+    const bool named = options_.melodies.size() > 1;
+    const std::string text = HitText(kind_, hit);
+    console_.out << (named ? Format(Text(texts::BatchHitOfMelody), text, MelodyOf(hit, options_)) : text)
+                 << '\n';
   });
   return Outcome::Success;
 }

@@ -7,22 +7,20 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "batch/console.h"
+#include "batch/output_options.h"
 #include "batch/progress_line.h"
 #include "frame/job_dialogs.h"
+#include "frame/run.h"
 #include "frame/run_host.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 #include "search/search_record.h"
 #include "search/search_results.h"
 
 namespace ts5::batch {
-
-struct OutputOptions {
-  bool json = false;   // one JSON object and nothing else
-  bool quiet = false;  // the result, but nothing on the way
-};
 
 // A question with its possible answers. Without somebody to answer it is No, and this is said. Cancelled when
 // the input ends or Ctrl+C is pressed.
@@ -43,6 +41,7 @@ class ConsoleHost final : public RunHost {
   [[nodiscard]] const SearchResults& Hits() const { return hits_; }
 
   void Progress(const RunProgress& progress) override;
+  void TaskText(std::string_view text) override;
   void StatusText(std::string_view text) override;
   void ProtocolLine(std::string_view line) override;
   Outcome Hit(const SearchHit& hit) override;
@@ -71,6 +70,7 @@ class ConsoleHost final : public RunHost {
   // Used by the main thread only.
   ProgressLine line_;
   RunProgress progress_;
+  std::string task_;
   std::string status_;
   bool stopping_ = false;
   bool finished_ = false;

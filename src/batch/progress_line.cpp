@@ -1,6 +1,6 @@
 #include "batch/progress_line.h"
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 

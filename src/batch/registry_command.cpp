@@ -6,9 +6,9 @@
 #include "batch/commands.h"
 #include "batch/store.h"
 #include "batch/texts.h"
-#include "platform/files.h"
-#include "platform/reg_file.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/store/reg_file.h"
 
 namespace ts5::batch {
 namespace {
@@ -47,12 +47,12 @@ Outcome PrintKey(Console& console, const Registry& registry, const std::string& 
   if (!values) return values.error();
   const auto subkeys = registry.Subkeys(key);
   if (!subkeys) return subkeys.error();
-  console.out << '[' << key << "]\n";
-  for (const auto& [name, value] : values->All()) console.out << ValueLine(name, value) << '\n';
+  console.out << '[' << Printable(key) << "]\n";
+  for (const auto& [name, value] : values->All()) console.out << Printable(ValueLine(name, value)) << '\n';
   for (const std::string& subkey : *subkeys) {
     const std::string below = key + "\\" + subkey;
     if (!recursive) {
-      console.out << '[' << below << "]\n";
+      console.out << '[' << Printable(below) << "]\n";
       continue;
     }
     if (const Outcome outcome = PrintKey(console, registry, below, true); Failed(outcome)) return outcome;
@@ -124,7 +124,7 @@ int SetCommand(CommandLine line, Console& console) {
     if (!bytes) return WrongUsage(console, "registry set", Format(Text(texts::BatchHexWrong), valueText));
     value = {RegistryValue::Kind::Binary, *bytes};
   }
-  auto registry = OpenRegistry(console);
+  auto registry = OpenRegistry(console, RegistryAccess::ReadWrite);
   if (!registry) return kExitFailed;
   const Outcome outcome = registry->SetValue(*key, name, std::move(value));
   return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
@@ -140,7 +140,7 @@ int DeleteCommand(CommandLine line, Console& console) {
   if (const auto status = arguments.Read(line, console)) return *status;
   const auto key = KeyOrComplain(console, keyText);
   if (!key) return kExitUsage;
-  auto registry = OpenRegistry(console);
+  auto registry = OpenRegistry(console, RegistryAccess::ReadWrite);
   if (!registry) return kExitFailed;
 
   const auto values = registry->Read(*key);
@@ -164,7 +164,7 @@ int ImportCommand(CommandLine line, Console& console) {
                       texts::BatchRegistryImportExamples);
   arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
   if (const auto status = arguments.Read(line, console)) return *status;
-  auto registry = OpenRegistry(console);
+  auto registry = OpenRegistry(console, RegistryAccess::ReadWrite);
   if (!registry) return kExitFailed;
 
   const auto content = ReadFile(path, kMaxRegFileSize);

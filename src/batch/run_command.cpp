@@ -1,25 +1,31 @@
 // "ts5-batch run": a filter over files, with parameters from the command line.
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
-#include "app/filter_modules.h"
 #include "batch/arguments.h"
 #include "batch/command_line.h"
 #include "batch/commands.h"
+#include "batch/disc_options.h"
 #include "batch/melody_options.h"
+#include "batch/print_options.h"
 #include "batch/run_session.h"
 #include "batch/store.h"
+#include "batch/target_preview.h"
 #include "batch/texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/directory_listing.h"
 #include "frame/file_list_file.h"
 #include "frame/filter_bar.h"
 #include "frame/filter_catalogue.h"
+#include "frame/run_journal.h"
 #include "frame/settings_store.h"
 #include "frame/texts.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
-#include "platform/volumes.h"
+#include "modules/filter_modules.h"
+#include "platform/base/text.h"
+#include "platform/disc/volumes.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -29,6 +35,7 @@ constexpr std::string_view kCommand = "run";
 struct Request {
   std::string filter;
   std::vector<std::string> settings;
+  std::vector<std::string> attributes;
   std::optional<std::string> destination;
   std::optional<std::string> destinationDirectory;
   std::optional<std::string> overwrite;
@@ -36,8 +43,12 @@ struct Request {
   std::optional<std::string> directory;
   std::optional<std::string> device;
   std::optional<std::string> input;
+  std::optional<std::string> part;
   MelodyOptions melody;
+  DiscOptions disc;
+  PrintOptions print;
   OutputOptions output;
+  bool preview = false;
   std::vector<std::string> files;
 };
 
@@ -51,27 +62,8 @@ std::string FilterNames(bool runnable) {
   return names;
 }
 
-struct FilterExamples {
-  FilterId filter;
-  TextId text;
-};
-
-// One line per filter.
-constexpr FilterExamples kExamples[] = {
-    {FilterId::ScoreToMidi, texts::BatchExamplesScoreToMidi},
-    {FilterId::ScoreSearch, texts::BatchExamplesScoreSearch},
-    {FilterId::MidiSearch, texts::BatchExamplesMidiSearch},
-    {FilterId::MidiPlayer, texts::BatchExamplesMidiPlayer},
-    {FilterId::MidiConverter, texts::BatchExamplesMidiConverter},
-    {FilterId::MidiToWave, texts::BatchExamplesMidiToWave},
-    {FilterId::AudioPlayer, texts::BatchExamplesAudioPlayer},
-    {FilterId::WaveConverter, texts::BatchExamplesWaveConverter},
-    {FilterId::ScorePlayer, texts::BatchExamplesScorePlayer},
-};
-
 TextId ExamplesOf(FilterId filter) {
-  const auto* const row = std::ranges::find(kExamples, filter, &FilterExamples::filter);
-  return row == std::end(kExamples) ? texts::BatchRunExamples : row->text;
+  return IsFilter(filter) ? Descriptor(filter).examples : texts::BatchRunExamples;
 }
 
 // The help of the filter's parameters, with the defaults; how to get it while no filter is named.
@@ -92,47 +84,58 @@ std::string ParameterHelp(const std::string& filter) {
   return help;
 }
 
-// A path of a command line counts from the current directory; a bare name would be completed with the
-// directory of the source.
+// A path of a command line counts from the current directory. Results name it in full, as they are read in
+// other directories, too. CD tracks stay as they are.
 std::string FromCurrentDirectory(const std::string& path) {
-  return DirectoryOf(path).empty() ? JoinPath(".", path) : path;
-}
-
-// The first number that is free, for a destination that is there already.
-std::string NumberedIfThere(const std::string& path) {
-  if (!HasExtension(path)) return path;
-  const std::string_view head = WithoutExtension(path);
-  const TargetName name{.head = std::string(head), .tail = path.substr(head.size())};
-  return SettledName(name, true, SystemDestinationFiles()).value_or(path);
-}
-
-// The result file of a search in a directory: named after the only file, else with the first free number. A
-// directory counts as several files, as its tree is not known yet.
-std::string ResultFileIn(const Job& job, const DestinationRules& rules, bool wholeDirectory) {
-  const DestinationFiles files = SystemDestinationFiles();
-  const std::string first = wholeDirectory ? JoinPath(job.directory.path, "") : job.files[0].path;
-  const TargetName name =
-      ResultFileNameFor(rules, first, wholeDirectory ? 2 : ItemCount(job), wholeDirectory, files);
-  return SettledName(name, rules.overwrite == OverwritePolicy::Number, files).value_or(name.Plain());
+  if (path.empty() || EntryFromPath(path).cdTrack) return path;
+  std::error_code error;
+  const std::filesystem::path full = std::filesystem::absolute(path, error);
+  if (error) return path;
+  // What ".." leads to is the file system's to say, which may have a link there.
+  const bool plain = std::ranges::find(full, std::filesystem::path("..")) == full.end();
+  return plain ? full.lexically_normal().string() : full.string();
 }
 
 // What cannot be right whatever the files hold; nothing when all is well.
 std::optional<std::string> Contradiction(const Request& request) {
   const bool names = !request.files.empty() || request.list;
   if (request.directory && names) return std::string(Text(texts::BatchDirAlone));
-  if (!request.directory && !names) return std::string(Text(texts::BatchNoSources));
+  const FilterDescriptor& filter = Descriptor(FindFilter(request.filter));
+  const bool takesFiles = !filter.several.empty() || !filter.wholeList.empty();
+  if (takesFiles && !request.directory && !names) return std::string(Text(texts::BatchNoSources));
   if (request.destination && request.destinationDirectory) return std::string(Text(texts::BatchDestTwice));
   if (request.overwrite && !ParseOverwrite(*request.overwrite)) {
     return Format(Text(texts::BatchOverwriteWrong), *request.overwrite);
   }
-  const auto missing = [](const std::optional<std::string>& directory) {
-    return directory && !IsDirectory(*directory);
-  };
-  if (missing(request.destinationDirectory))
+  if (const auto& target = request.destinationDirectory;
+      target && (IsCdDrive(*target) || CdDirectoryOf(*target)))
     return Format(Text(texts::BatchNoDirectory), *request.destinationDirectory);
-  if (missing(request.directory) && !IsCdDrive(*request.directory))
+  if (request.part && !ParseShare(*request.part)) return Format(Text(texts::BatchPartWrong), *request.part);
+  if (request.directory && !IsDirectory(*request.directory) && !IsCdDrive(*request.directory))
     return Format(Text(texts::BatchNoDirectory), *request.directory);
   return std::nullopt;
+}
+
+// The share of the items that are known before the run.
+void KeepShare(Job& job, const RunShare& share) {
+  if (share.parts == 1) return;
+  if (job.sourceDrive != kListModeDrive) {
+    std::vector<std::string> names;
+    std::vector<std::uint32_t> indices;
+    for (std::size_t i = 0; i < job.directory.names.size(); ++i) {
+      if (!share.Takes(i)) continue;
+      names.push_back(std::move(job.directory.names[i]));
+      indices.push_back(job.directory.indices[i]);
+    }
+    job.directory.names = std::move(names);
+    job.directory.indices = std::move(indices);
+    return;
+  }
+  std::vector<std::size_t> others;
+  for (std::size_t i = 0; i < job.files.Size(); ++i) {
+    if (!share.Takes(i)) others.push_back(i);
+  }
+  job.files.Remove(others);
 }
 
 // The files of a directory that the filter takes, all selected; a search walks the whole tree. False after
@@ -168,7 +171,7 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
 // Takes the entries of a file list, and says what is missing of it. Nothing when it cannot be used at all,
 // else whether all files were there.
 std::optional<bool> TakeList(Console& console, Job& job, const std::string& path) {
-  const bool burner = job.filter == FilterId::CdBurner;
+  const bool burner = Has(job.filter, kTimedList);
   auto loaded = LoadFileList(path, burner, VolumeTable::OfThisMachine(), CdTrackExists);
   if (const auto message = LoadMessage(loaded, path)) PrintError(console, message->text);
   if (!loaded) return std::nullopt;
@@ -186,14 +189,19 @@ int RunCommand(CommandLine line, Console& console) {
   Arguments arguments(kCommand, texts::BatchRunSummary, texts::BatchRunExamples);
   arguments.Required("FILTER", request.filter, texts::BatchHelpFilter);
   arguments.Repeated("--set", "NAME=WERT", request.settings, texts::BatchHelpSet);
+  arguments.Repeated("--attribute", "NAME=WERT", request.attributes, texts::BatchHelpAttribute);
   arguments.Option("--dest", "DATEI", request.destination, texts::BatchHelpDest);
   arguments.Option("--dest-dir", "VERZ", request.destinationDirectory, texts::BatchHelpDestDir);
   arguments.Option("--overwrite", "yes|number|ask", request.overwrite, texts::BatchHelpOverwrite);
   arguments.Option("--list", "LISTE.sts", request.list, texts::BatchHelpList);
   arguments.Option("--dir", "VERZ", request.directory, texts::BatchHelpDir);
+  arguments.Option("--part", "N/M", request.part, texts::BatchHelpPart);
   arguments.Option("--device", "NAME", request.device, texts::BatchHelpDevice);
   arguments.Option("--input", "NAME", request.input, texts::BatchHelpInput);
   AddMelodyOptions(arguments, request.melody);
+  AddDiscOptions(arguments, request.disc);
+  AddPrintOptions(arguments, request.print);
+  arguments.Flag("--preview", request.preview, texts::BatchHelpPreview);
   arguments.Flag("--json", request.output.json, texts::BatchHelpJson);
   arguments.Flag("--quiet", request.output.quiet, texts::BatchHelpQuiet);
   arguments.Rest("DATEI", request.files, texts::BatchHelpFiles, 0);
@@ -214,6 +222,8 @@ int RunCommand(CommandLine line, Console& console) {
         Format(Text(texts::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
   }
   job.parameters = module->create();
+  for (const std::string& attribute : request.attributes)
+    request.settings.push_back("FileAttribute=" + attribute);
   if (const auto fault = ApplySettings(module->fields, *job.parameters, request.settings)) {
     return WrongUsage(console, kCommand, *fault);
   }
@@ -221,20 +231,35 @@ int RunCommand(CommandLine line, Console& console) {
   if (request.directory && !IsDirectory(*request.directory))
     request.directory = CdDirectoryOf(*request.directory).value_or(*request.directory);
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
+  for (auto* const path :
+       {&request.destination, &request.destinationDirectory, &request.directory, &request.print.layout}) {
+    if (*path) *path = FromCurrentDirectory(**path);
+  }
 
   auto registry = OpenRegistry(console);
   if (!registry) return kExitFailed;
   if (const auto fault = TakeMelody(request.melody, *registry, job))
+    return WrongUsage(console, kCommand, *fault);
+  if (request.destination) job.destinationName = FromCurrentDirectory(*request.destination);
+  if (!request.print.printer) request.print.printer = request.device;
+  if (const auto fault = TakePrinting(request.print, *registry, job))
     return WrongUsage(console, kCommand, *fault);
   if (module->missing) {
     if (const auto text = module->missing(job)) return WrongUsage(console, kCommand, Text(*text));
   }
   const Settings settings = LoadSettings(*registry, DefaultSettingsGround());
   DestinationRules rules = DestinationRulesOf(settings);
+  rules.noPreset = false;  // a command has no field that could be filled in
   rules.overwrite = ParseOverwrite(request.overwrite.value_or("ask")).value_or(OverwritePolicy::Ask);
   if (request.destinationDirectory) {
     rules.sourceDirectory = false;
     rules.directory = *request.destinationDirectory;
+  }
+
+  if (request.destinationDirectory && !request.preview &&
+      Failed(MakeDirectories(*request.destinationDirectory))) {
+    PrintError(console, Format(Text(texts::BatchDirectoryNotMade), *request.destinationDirectory));
+    return kExitFailed;
   }
 
   bool complete = true;
@@ -247,26 +272,41 @@ int RunCommand(CommandLine line, Console& console) {
       if (!taken) return kExitFailed;
       complete = *taken;
     }
-    for (const std::string& file : request.files) job.files.Append({.path = file});
+    for (const std::string& file : request.files) job.files.Append({.path = FromCurrentDirectory(file)});
     job.files.SelectAll();
+  }
+  if (const auto fault = TakeDisc(request.print, console, job)) return WrongUsage(console, kCommand, *fault);
+  if (request.print.pictures) return WritePictures(request.print, job, console);
+  const RunShare share = request.part ? ParseShare(*request.part).value_or(RunShare{}) : RunShare{};
+  KeepShare(job, share);
+  request.output.melodies = request.melody.Names();
+  if (request.part) request.output.share = share;
+  const bool walks = IsSearch(job.filter) && request.directory;
+  if (share.parts > 1 && !walks && ItemCount(job) == 0) {
+    RunResult nothing;  // there are fewer items than parts
+    nothing.filter = job.filter;
+    nothing.titles = Descriptor(job.filter).titles;
+    return PrintResult(console, nothing, {}, request.output);
   }
   const bool resultFile = request.destination || request.destinationDirectory;
   job.destinationIsScreen = IsSearch(job.filter) && !resultFile;
   if (request.destination) {
-    if (ItemCount(job) > 1 && !IsSearch(job.filter))
+    if (ItemCount(job) > 1 && !IsSearch(job.filter) && !Has(job.filter, kNeedsNoSources))
       return WrongUsage(console, kCommand, Text(texts::BatchDestForOne));
-    job.destinationName = FromCurrentDirectory(*request.destination);
-    rules.chosenName = true;
-    if (rules.overwrite == OverwritePolicy::Number)
-      job.destinationName = NumberedIfThere(job.destinationName);
+    job.destinationName = *request.destination;
+    rules.origin = NameOrigin::Command;
   }
-  if (request.destinationDirectory && IsSearch(job.filter) && (request.directory || ItemCount(job) > 0)) {
-    job.destinationName = ResultFileIn(job, rules, request.directory.has_value());
-    rules.chosenName = true;
-  }
-  const RunDevices devices{.output = request.device.value_or(""), .input = request.input.value_or("")};
-  const int status = RunOnConsole(
-      console, job, {.settings = settings, .devices = devices, .destination = rules}, request.output);
+  RunDevices devices{.output = request.device.value_or(""), .input = request.input.value_or("")};
+  if (const auto fault = TakeDiscOptions(request.disc, job, devices))
+    return WrongUsage(console, kCommand, *fault);
+  if (request.preview) return PreviewOnConsole(console, job, rules, request.output.json);
+  const int status = RunOnConsole(console, job,
+                                  {.settings = settings,
+                                   .devices = devices,
+                                   .destination = rules,
+                                   .share = share,
+                                   .journals = JournalDirectory(DefaultRegistryPath())},
+                                  request.output);
   return status == kExitSuccess && !complete ? kExitFailed : status;
 }
 

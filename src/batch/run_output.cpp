@@ -7,14 +7,14 @@
 #include "batch/texts.h"
 #include "frame/filter_catalogue.h"
 #include "frame/remarks.h"
-#include "platform/strings.h"
-#include "platform/text.h"
+#include "platform/base/strings.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 
 namespace {
 
-Json HitJson(const SearchHit& hit) {
+Json HitJson(const SearchHit& hit, const OutputOptions& options) {
   return {{"file", hit.file},
           {"track", hit.track},
           {"voice", hit.voice},
@@ -23,7 +23,8 @@ Json HitJson(const SearchHit& hit) {
           {"firstSystem", hit.firstSystem},
           {"lastSystem", hit.lastSystem},
           {"firstObject", hit.firstObject},
-          {"lastObject", hit.lastObject}};
+          {"lastObject", hit.lastObject},
+          {"melody", MelodyOf(hit, options)}};
 }
 
 // Without the line end behind it, all lines but the first one moved to the right.
@@ -41,9 +42,10 @@ std::string Indented(const Json& json, std::string_view indent) {
 
 std::string ResultText(const RunResult& result) {
   std::size_t width = 0;
-  for (const RunLine& line : result.lines) width = std::max(width, CharacterCount(line.label));
-  std::string text = result.title + "\n";
-  for (const RunLine& line : result.lines) {
+  const auto lines = Lines(result);
+  for (const RunLine& line : lines) width = std::max(width, CharacterCount(line.label));
+  std::string text = std::string(TitleText(result)) + "\n";
+  for (const RunLine& line : lines) {
     if (line.label.empty()) continue;
     const std::string count = std::to_string(line.count);
     text += "  " + Padded(line.label, width + 2) + std::string(count.size() < 6 ? 6 - count.size() : 0, ' ') +
@@ -55,26 +57,39 @@ std::string ResultText(const RunResult& result) {
   return text;
 }
 
-void WriteResultJson(const RunResult& result, const SearchResults& hits, std::ostream& out) {
+std::string MelodyOf(const SearchHit& hit, const OutputOptions& options) {
+  const auto number = static_cast<std::size_t>(hit.melody);
+  return number < options.melodies.size() ? options.melodies[number] : std::string{};
+}
+
+void WriteResultJson(const RunResult& result, const SearchResults& hits, const OutputOptions& options,
+                     std::ostream& out) {
   Json json;
   json["filter"] = IsFilter(result.filter) ? std::string(Descriptor(result.filter).identifier) : "";
-  json["title"] = result.title;
+  json["title"] = TitleText(result);
+  if (options.share) json["part"] = {{"number", options.share->part}, {"of", options.share->parts}};
   json["lines"] = Json::array();
-  for (const RunLine& line : result.lines) {
+  for (const RunLine& line : Lines(result)) {
     if (!line.label.empty()) json["lines"].push_back({{"label", line.label}, {"count", line.count}});
   }
   json["remarks"] = result.remarks;
   json["items"] = Json::array();
   for (const RunItem& item : result.items) {
-    json["items"].push_back(
-        {{"source", item.source}, {"destination", item.destination}, {"code", item.code}});
+    Json& row = json["items"].emplace_back(
+        Json{{"source", item.source}, {"destination", item.destination}, {"code", item.code}});
+    if (!item.losses) continue;
+    row["losses"] = Json::array();
+    for (const ItemLoss& loss : *item.losses) {
+      row["losses"].push_back(
+          {{"kind", loss.kind}, {"bar", loss.bar}, {"staff", loss.staff}, {"count", loss.count}});
+    }
   }
   // The object without its closing bracket, and the hits behind it.
   std::string text = JsonText(json);
   text.erase(text.rfind("\n}"));
   out << text << ",\n  \"hits\": [";
   for (std::size_t i = 0; i < hits.Size(); ++i) {
-    out << (i == 0 ? "\n    " : ",\n    ") << Indented(HitJson(hits.Hit(i)), "    ");
+    out << (i == 0 ? "\n    " : ",\n    ") << Indented(HitJson(hits.Hit(i), options), "    ");
   }
   out << (hits.Size() == 0 ? "]\n}\n" : "\n  ]\n}\n");
 }
@@ -88,12 +103,6 @@ std::string HitText(SearchKind kind, const SearchHit& hit) {
   const std::int32_t seconds = hit.time / 1000;
   return Format(Text(texts::BatchHitMidi), hit.file, ordinal(hit.track), ordinal(hit.bar), seconds / 60,
                 seconds % 60);
-}
-
-std::string ItemRemark(const RunItem& item, std::span<const Remark> table) {
-  if (item.code >= 0) return "";
-  const auto lines = RemarkLines(table, Status{.code = item.code, .number = item.code});
-  return lines.empty() ? Format(Text(texts::BatchItemCode), item.code) : lines.front();
 }
 
 int ExitStatusOf(const RunResult& result) {

@@ -3,19 +3,19 @@
 #include <memory>
 #include <utility>
 
-#include "app/filter_modules.h"
 #include "batch/run_output.h"
 #include "batch/texts.h"
-#include "frame/item_run.h"
-#include "platform/text.h"
+#include "frame/filter_catalogue.h"
+#include "frame/target_naming.h"
+#include "modules/filter_modules.h"
+#include "platform/base/text.h"
 
 namespace ts5::batch {
 
 int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions options) {
   const FilterModule* module = FindModule(job.filter);
-  if (module != nullptr && job.destinationName.empty() && ItemCount(job) > 0 && !job.destinationIsScreen) {
-    job.destinationName = AutomaticDestination(job, *module, request.destination, SystemDestinationFiles());
-  }
+  if (job.destinationName.empty() && !(IsSearch(job.filter) && job.destinationIsScreen))
+    job.destinationName = OfferTarget(job, module, request.destination, request.files).name.value_or("");
   const auto host = std::make_shared<ConsoleHost>(console, options, SearchKindOf(job.filter));
   ConsoleDialogs dialogs(console, options);
   JobRunner runner(FindModule);
@@ -23,16 +23,19 @@ int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions o
   host->PrintUntilFinished([&] { return runner.Stop(job); });
   runner.Wait(job);
 
-  const RunResult& result = host->Result();
+  return PrintResult(console, host->Result(), host->Hits(), options);
+}
+
+int PrintResult(Console& console, const RunResult& result, const SearchResults& hits,
+                const OutputOptions& options) {
   if (options.json) {
-    WriteResultJson(result, host->Hits(), console.out);
+    WriteResultJson(result, hits, options, console.out);
   } else {
     for (const RunItem& item : result.items) {
-      if (const std::string remark = ItemRemark(item, module->remarks); !remark.empty()) {
-        // What concerns no source is the failure of the destination.
-        const std::string& name = item.source.empty() ? item.destination : item.source;
-        PrintError(console, Format(Text(texts::BatchItemFailed), name, remark));
-      }
+      if (item.code >= 0) continue;
+      // What concerns no source is the failure of the destination.
+      const std::string& name = item.source.empty() ? item.destination : item.source;
+      PrintError(console, Format(Text(texts::BatchItemFailed), name, ReasonText(item)));
     }
     console.out << ResultText(result);
   }

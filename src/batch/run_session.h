@@ -13,4 +13,8 @@ namespace ts5::batch {
 // taken, keeps the run from starting: kExitFailed, and the reason is said.
 [[nodiscard]] int RunOnConsole(Console& console, Job& job, RunRequest request, OutputOptions options);
 
+// What is printed of a run at its end, and the exit status.
+int PrintResult(Console& console, const RunResult& result, const SearchResults& hits,
+                const OutputOptions& options);
+
 }  // namespace ts5::batch

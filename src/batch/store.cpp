@@ -2,15 +2,13 @@
 
 #include <memory>
 
-#include "app/filter_modules.h"
 #include "frame/settings.h"
-#include "platform/volumes.h"
 
 namespace ts5::batch {
 
-std::optional<Registry> OpenRegistry(Console& console) {
+std::optional<Registry> OpenRegistry(Console& console, RegistryAccess access) {
   const std::string path = DefaultRegistryPath();
-  auto registry = Registry::Open(path);
+  auto registry = Registry::Open(path, access);
   if (!registry) {
     PrintError(console, RegistryFailureText(registry.error(), path));
     return std::nullopt;
@@ -24,10 +22,6 @@ std::optional<std::string> KeyOf(std::string_view text) {
   if (text.empty() || text == ".") return settings;
   if (NormalisedKey(text.substr(0, text.find('\\')))) return NormalisedKey(text);
   return NormalisedKey(settings + "\\" + std::string(text));
-}
-
-JobSurroundings SystemJobSurroundings() {
-  return JobSurroundingsOf(VolumeTable::OfThisMachine(), FindModule);
 }
 
 }  // namespace ts5::batch

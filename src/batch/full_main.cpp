@@ -1,10 +1,10 @@
-// The console program ts5-batch.
+// The console program with all of its commands; light_main.cpp starts it.
 #include <string>
 #include <vector>
 
 #include "batch/commands.h"
 #include "batch/terminal.h"
-#include "platform/write_signals.h"
+#include "platform/programs/write_signals.h"
 
 int main(int count, char** words) {
   ts5::TurnWriteSignalsIntoErrors();

@@ -1,0 +1,93 @@
+#include "batch/print_options.h"
+
+#include <array>
+
+#include "artworker/artworker_parameters.h"
+#include "artworker/kept_pictures.h"
+#include "artworker/layout_file.h"
+#include "artworker/print_run.h"
+#include "batch/job_surroundings.h"
+#include "batch/stored_jobs.h"
+#include "batch/texts.h"
+#include "frame/texts.h"
+#include "modules/disc_facts.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+
+namespace ts5::batch {
+namespace {
+
+constexpr std::int64_t kPresetDpi = 300;
+constexpr std::int64_t kMaxDpi = 2400;
+constexpr std::array kPictureNames = {"label.png", "inlay.png", "booklet.png"};
+
+std::optional<std::int64_t> DpiOf(const PrintOptions& options) {
+  const auto dpi = options.dpi ? ParseInteger(*options.dpi) : kPresetDpi;
+  return dpi && *dpi >= 1 && *dpi <= kMaxDpi ? dpi : std::nullopt;
+}
+
+}  // namespace
+
+void AddPrintOptions(Arguments& arguments, PrintOptions& options) {
+  arguments.Option("--layout", "DATEI.awl", options.layout, texts::BatchHelpLayout);
+  arguments.Option("--printer", "NAME", options.printer, texts::BatchHelpPrinter);
+  arguments.Option("--disc-job", "NUMMER-ODER-TITEL", options.disc, texts::BatchHelpDiscJob);
+  arguments.Option("--png", "VERZ", options.pictures, texts::BatchHelpPng);
+  arguments.Option("--dpi", "N", options.dpi, texts::BatchHelpDpi);
+}
+
+std::optional<std::string> TakePrinting(const PrintOptions& options, const Registry& registry, Job& job) {
+  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+  if (parameters == nullptr) return std::nullopt;
+  if (!DpiOf(options)) return Format(Text(texts::BatchDpiWrong), *options.dpi);
+  if (options.layout) {
+    auto layout = artworker::LoadLayout(*options.layout);
+    if (!layout) return Format(Text(texts::BatchLayoutInvalid), *options.layout);
+    NamePicturesFully(*layout, std::string(DirectoryOf(*options.layout)));
+    parameters->layout = std::move(*layout);
+    parameters->fileName = *options.layout;
+  }
+  if (options.printer) parameters->printer = *options.printer;
+  TakeGround(*parameters, registry);
+  artworker::PrepareDrawing();
+  return std::nullopt;
+}
+
+std::optional<std::string> TakeDisc(const PrintOptions& options, Console& console, Job& job) {
+  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+  if (parameters == nullptr) return std::nullopt;
+  const Job* source = &job;
+  std::optional<StoredState> store;
+  if (options.disc) {
+    store = LoadStoredState(console, SystemJobSurroundings());
+    source = store ? FindJob(store->jobs, *options.disc) : nullptr;
+    if (source == nullptr) return Format(Text(texts::BatchDiscJobUnknown), *options.disc);
+  }
+  parameters->disc = FactsOfSources(*source, DiscReading::Thorough);
+  return std::nullopt;
+}
+
+void PreparePrinting(const Registry& registry, std::span<const Job* const> jobs, Job& job) {
+  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+  if (parameters == nullptr) return;
+  TakeGround(*parameters, registry);
+  parameters->disc = FactsOfDisc(job, jobs, DiscReading::Thorough);
+  artworker::PrepareDrawing();
+}
+
+int WritePictures(const PrintOptions& options, const Job& job, Console& console) {
+  const auto& parameters = dynamic_cast<const artworker::ArtworkerParameters&>(*job.parameters);
+  const auto dpi = static_cast<double>(DpiOf(options).value_or(kPresetDpi));
+  for (const artworker::ArtworkObjectId id : artworker::kObjectIds) {
+    if (!artworker::Holds(parameters.printWhat, id)) continue;
+    const std::string path = JoinPath(*options.pictures, kPictureNames[artworker::IndexOf(id)]);
+    if (Failed(artworker::SavePicture(parameters, id, dpi, path))) {
+      PrintError(console, Format(Text(texts::BatchPictureNotWritten), path));
+      return kExitFailed;
+    }
+    console.out << path << '\n';
+  }
+  return kExitSuccess;
+}
+
+}  // namespace ts5::batch

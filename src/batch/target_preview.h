@@ -1,0 +1,14 @@
+// "ts5-batch run ... --preview": what the targets would be called, and nothing done.
+#pragma once
+
+#include "batch/console.h"
+#include "frame/destination.h"
+#include "frame/job.h"
+
+namespace ts5::batch {
+
+// One line an item, or one JSON object {"targets":[{"source","destination","replaces","code"}]}. The exit
+// status: kExitFailed when one of them cannot be named.
+[[nodiscard]] int PreviewOnConsole(Console& console, const Job& job, DestinationRules rules, bool json);
+
+}  // namespace ts5::batch
