@@ -1,0 +1,49 @@
+#include "app/look/house_style.h"
+
+#include <QIcon>
+#include <string_view>
+
+#include "resources/icons.h"
+
+namespace ts5 {
+namespace {
+
+constexpr int kSignSize = 48;
+
+// "" for signs that the toolkit draws.
+std::string_view SignOf(QStyle::StandardPixmap sign) {
+  switch (sign) {
+    case QStyle::SP_MessageBoxInformation:
+      return "about";
+    case QStyle::SP_MessageBoxQuestion:
+      return "help";
+    case QStyle::SP_MessageBoxWarning:
+    case QStyle::SP_MessageBoxCritical:
+      return "warning";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+HouseStyle::HouseStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* answer) const {
+  if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+  return QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+QIcon HouseStyle::standardIcon(StandardPixmap sign, const QStyleOption* option, const QWidget* widget) const {
+  const std::string_view own = SignOf(sign);
+  return own.empty() ? QProxyStyle::standardIcon(sign, option, widget) : Icon(own);
+}
+
+QPixmap HouseStyle::standardPixmap(StandardPixmap sign, const QStyleOption* option,
+                                   const QWidget* widget) const {
+  const std::string_view own = SignOf(sign);
+  return own.empty() ? QProxyStyle::standardPixmap(sign, option, widget) : Icon(own).pixmap(kSignSize);
+}
+
+}  // namespace ts5

@@ -1,0 +1,217 @@
+#include "app/run/run_commands.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "app/run/question_dialog.h"
+#include "app/shell/application.h"
+#include "app/shell/parameter_windows.h"
+#include "app/texts.h"
+#include "frame/filter_catalogue.h"
+#include "frame/run_journal.h"
+#include "frame/texts.h"
+#include "frame/ui/qt_text.h"
+#include "frame/ui/results_dialog.h"
+#include "platform/files/paths.h"
+#include "preview/ui/preview_window.h"
+#include "search/search_run.h"
+#include "search/texts.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::chrono::seconds kClockInterval{1};
+
+// The device of a player by the name that it had when the lists were made.
+std::string OutputOf(const Job& job, const DeviceLists& devices) {
+  if (!IsPlayer(job.filter)) return {};
+  const bool midi = Descriptor(job.filter).Shows(kPanelMidiDevices);
+  const auto& names = midi ? devices.midiOutputs : devices.audioOutputs;
+  const std::int32_t index = job.destinationDevice - (midi ? kMidiDeviceBase : 0);
+  return index >= 0 && std::cmp_less(index, names.size()) ? names[static_cast<std::size_t>(index)]
+                                                          : std::string();
+}
+
+}  // namespace
+
+RunCommands::RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Application& application)
+    : desk_(desk), active_(active), panels_(panels), application_(application) {
+  clock_.setInterval(kClockInterval);
+  connect(&clock_, &QTimer::timeout, this, [this] {
+    for (const auto& [id, going] : going_) {
+      if (const Job* const job = Find(id)) panels_.Of(*job).ShowTime();
+    }
+    emit Progressed();
+  });
+  desk_.Actions().On(CommandId::Run, [this] { Start(); });
+  desk_.Actions().On(CommandId::Stop, [this] { Stop(); });
+}
+
+void RunCommands::Close() {
+  for (const auto& [id, going] : going_) going.host->Close();
+  going_.clear();
+  clock_.stop();
+}
+
+Job* RunCommands::Find(JobId id) const {
+  Jobs& jobs = application_.GetJobs();
+  const auto number = jobs.Find(id);
+  return number ? &jobs[*number] : nullptr;
+}
+
+// --- starting and stopping
+
+void RunCommands::Start() {
+  Job& job = *active_;
+  // A second Run while a title plays pauses, or goes on.
+  if (IsPlayer(job.filter) && !job.MayChange()) return job.run->player.TogglePause();
+  active_.CommitDestination();
+  Begin(job, job, NameOrigin::Field);
+}
+
+RunRequest RunCommands::Request(Job& job, const Job& work, NameOrigin origin) {
+  const Settings& settings = application_.GetSettings();
+  RunRequest request;
+  request.settings = settings;
+  request.destination = DestinationRulesOf(settings, work);
+  request.destination.offered = active_.OfferedDestination();
+  request.destination.origin = origin;
+  request.number = application_.GetJobs().Find(job.Id()).value_or(0);
+  request.devices.output = OutputOf(work, application_.Devices());
+  request.journals = application_.Journals();
+  if (IsSearch(work.filter) && work.destinationIsScreen) {
+    request.begin = [this, &job, &work, policy = settings.oldSearchResults] {
+      const auto& parameters = As<SearchParameters>(*work.parameters);
+      panels_.Of(job).BeginSearch(RecordAtStart(work.filter, parameters), policy, [this] {
+        return desk_.Confirm(Text(texts::AskClearResults), MessageIcon::Question, Answer::Yes);
+      });
+    };
+  }
+  return request;
+}
+
+void RunCommands::Begin(Job& job, Job& work, NameOrigin origin) {
+  const ParameterDialog* const dialog = FindParameterDialog(work.filter);
+  if (dialog != nullptr && dialog->prepare && work.parameters && work.MayChange() &&
+      !dialog->prepare(work, application_, desk_, desk_.Window()))
+    return;
+  Launch(job, work, Request(job, work, origin));
+}
+
+void RunCommands::Launch(Job& job, Job& work, RunRequest request) {
+  const JobId id = job.Id();
+  const auto host =
+      std::make_shared<DesktopRunHost>(this, [this, id](RunNews news) { Take(id, std::move(news)); });
+  panels_.Of(job).Reset();
+  if (!application_.Runner().Start(work, std::move(request), host, desk_)) {
+    emit Refused();
+    return;
+  }
+  going_[id] = {host, std::make_shared<const Job>(work)};
+  clock_.start();
+  if (&work == &job) active_.SetDestinationName(job.destinationName);
+  active_.ChangeRun();
+  emit Progressed();
+}
+
+void RunCommands::GoOn(const std::shared_ptr<RunJournal>& run) {
+  const RunPlan& plan = run->Plan();
+  Jobs& jobs = application_.GetJobs();
+  const bool there = plan.number <= jobs.Count() && jobs[plan.number].title == plan.job.title;
+  Job& job = jobs[there ? plan.number : 0];
+  if (!job.MayChange() || !active_.Activate(job.Id()))
+    return desk_.TellLater(Text(texts::RunWaitsForJob), MessageIcon::Information);
+  Job work = plan.job;
+  work.run = JobRunHandle(job.run.Shared());
+  RunRequest request = Request(job, work, plan.destination.origin);
+  request.destination = plan.destination;
+  request.devices = plan.devices;
+  request.goesOn = run;
+  Launch(job, work, std::move(request));
+}
+
+void RunCommands::Stop() {
+  if (const auto status = application_.Runner().Stop(*active_)) panels_.Current().SetStatus(QtText(*status));
+}
+
+// --- what the runs report
+
+void RunCommands::Take(JobId id, RunNews news) {
+  if (Job* const job = Find(id)) ShowNews(*job, news);
+  for (const auto& [text, icon] : news.notices) desk_.TellLater(text, icon);
+  for (const auto& question : news.questions)
+    desk_.Queue().Add([this, question] { return MakeQuestionDialog(question, desk_); });
+  if (news.result) Finish(id, *std::move(news.result));
+}
+
+void RunCommands::ShowNews(Job& job, RunNews& news) {
+  const bool stopping = job.run->Cancelled() && !news.result;
+  if (stopping) news.status.reset();  // "Breche ab" stays until the end
+  const auto going = going_.find(job.Id());
+  RunPanel& panel = panels_.Of(job);
+  const bool recorded = panel.Recording();
+  if (!panel.Take(news) && going != going_.end()) going->second.host->RefuseHits();
+  if (&job == &*active_) {
+    if (news.status && IsSearch(job.filter)) emit ProtocolLine(ToQt(*news.status));
+    if (news.state || !news.hits.empty() || recorded != panel.Recording()) active_.Refresh();
+  }
+  if (news.state) emit Progressed();
+}
+
+void RunCommands::Finish(JobId id, RunResult result) {
+  std::shared_ptr<const Job> work;
+  if (const auto going = going_.find(id); going != going_.end()) {
+    work = going->second.work;
+    going_.erase(going);
+  }
+  if (going_.empty()) clock_.stop();
+  if (Job* const job = Find(id)) {
+    RunPanel& panel = panels_.Of(*job);
+    panel.Reset();
+    if (panel.Searching()) panel.EndSearch(result);
+    if (job == &*active_) {
+      emit ProtocolLine({});
+      active_.ChangeFiles();
+      const std::string& directory = job->directory.path;
+      const bool beside = std::ranges::any_of(
+          result.items, [&](const RunItem& item) { return DirectoryOf(item.destination) == directory; });
+      if (job->Mode() == SourceMode::Directory && beside) emit DirectoryChanged();
+    }
+    emit Progressed();
+  }
+  if (!result.show) return;
+  desk_.Queue().Add([this, result = std::move(result), id, work]() -> QDialog* {
+    return MakeResultsDialog(result, id, work);
+  });
+}
+
+ResultsDialog* RunCommands::MakeResultsDialog(RunResult result, JobId id,
+                                              const std::shared_ptr<const Job>& work) {
+  // A disc that failed is written anew, not in parts.
+  const bool mayRepeat = work != nullptr && !Has(work->filter, kWritesDisc);
+  auto* dialog = new ResultsDialog(std::move(result), mayRepeat, desk_, desk_.Window());
+  dialog->OfferNotation([](const std::string& path) { return preview::IsScoreName(path); });
+  connect(dialog, &ResultsDialog::NotationWanted, this,
+          [this](const std::string& path) { preview::ShowNotation(path, 0, desk_, desk_.Window()); });
+  connect(dialog, &ResultsDialog::FileChosen, this, [this, id](const std::string& path) {
+    const Job* const job = Find(id);
+    if (job != nullptr && job->MayChange() && active_.Activate(id)) emit FileChosen(path);
+  });
+  connect(
+      dialog, &ResultsDialog::Repeat, this,
+      [this, id, work](const std::vector<std::string>& sources) { Repeat(id, *work, sources); },
+      Qt::QueuedConnection);
+  return dialog;
+}
+
+void RunCommands::Repeat(JobId id, const Job& work, const std::vector<std::string>& sources) {
+  Job* const job = Find(id);
+  if (job == nullptr || !job->MayChange() || !active_.Activate(id)) return;
+  Job again = WithOnly(work, sources);
+  again.run = JobRunHandle(job->run.Shared());
+  // A name that was chosen for one file holds for this file only.
+  Begin(*job, again, ItemCount(work) == 1 ? NameOrigin::Field : NameOrigin::Automatic);
+}
+
+}  // namespace ts5

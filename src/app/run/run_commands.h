@@ -1,0 +1,79 @@
+// Running and stopping the jobs, and what the runs report: progress into the panel of their job, questions
+// and results as dialogs over the window.
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/run/desktop_run_host.h"
+#include "app/run/run_panels.h"
+#include "app/shell/active_job.h"
+#include "app/shell/desk.h"
+#include "frame/destination.h"
+#include "frame/job.h"
+#include "frame/job_runner.h"
+
+namespace ts5 {
+
+class Application;
+class ResultsDialog;
+
+class RunCommands : public QObject {
+  Q_OBJECT
+
+ public:
+  RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Application& application);
+
+  // The window goes: no run is listened to any more, open questions are answered with Cancelled.
+  void Close();
+  // Goes on with a run that was interrupted, as one of the job that it was of, or of the default job when
+  // that has gone.
+  void GoOn(const std::shared_ptr<RunJournal>& run);
+
+ signals:
+  // A job runs now, does so no longer, or has come on.
+  void Progressed();
+  // The active job was not run, for a reason that has been told.
+  void Refused();
+  // The line of the active search; "" at its end.
+  void ProtocolLine(const QString& line);
+  // The run of the active job has made files beside its sources.
+  void DirectoryChanged();
+  // A file of the results is to be shown; its job is the active one now.
+  void FileChosen(const std::string& path);
+
+ private:
+  void Start();
+  // Runs what work says as the run of the job, which may be work itself.
+  void Begin(Job& job, Job& work, NameOrigin origin);
+  void Launch(Job& job, Job& work, RunRequest request);
+  [[nodiscard]] RunRequest Request(Job& job, const Job& work, NameOrigin origin);
+  // Once more with only these sources.
+  void Repeat(JobId id, const Job& work, const std::vector<std::string>& sources);
+  void Stop();
+  void Take(JobId id, RunNews news);
+  void ShowNews(Job& job, RunNews& news);
+  void Finish(JobId id, RunResult result);
+  [[nodiscard]] ResultsDialog* MakeResultsDialog(RunResult result, JobId id,
+                                                 const std::shared_ptr<const Job>& work);
+  // The job while it is there.
+  [[nodiscard]] Job* Find(JobId id) const;
+
+  Desk& desk_;
+  ActiveJob& active_;
+  RunPanels& panels_;
+  Application& application_;
+  // A run that has not ended, and what it was told to do.
+  struct Going {
+    std::shared_ptr<DesktopRunHost> host;
+    std::shared_ptr<const Job> work;
+  };
+  std::map<JobId, Going> going_;
+  QTimer clock_;  // shows the time that goes by
+};
+
+}  // namespace ts5

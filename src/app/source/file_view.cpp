@@ -1,0 +1,248 @@
+#include "app/source/file_view.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QItemSelection>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPainter>
+#include <QStyledItemDelegate>
+#include <QUrl>
+#include <algorithm>
+
+#include "app/texts.h"
+#include "frame/texts.h"
+#include "frame/ui/qt_text.h"
+#include "platform/files/paths.h"
+#include "resources/icons.h"
+
+namespace ts5 {
+namespace {
+
+// Tracks of an audio CD on the way to the list, which are no files: their entries, one per line.
+constexpr const char* kTrackType = "application/x-stavora-cd-tracks";
+
+// Reports the end of an editing, and selects the name without its extension at the beginning.
+class LabelDelegate : public QStyledItemDelegate {
+ public:
+  LabelDelegate(FileView* view, std::function<void(bool)> editing)
+      : QStyledItemDelegate(view), editing_(std::move(editing)) {}
+
+  QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                        const QModelIndex& index) const override {
+    auto* editor = new QLineEdit(parent);
+    editor->setAccessibleName(QtText(texts::NewFileName));
+    editor->setFrame(false);
+    (void)option;
+    (void)index;
+    editing_(true);
+    return editor;
+  }
+  void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+    auto* line = static_cast<QLineEdit*>(editor);
+    const QString name = index.data(Qt::EditRole).toString();
+    if (line->text() == name) return;
+    line->setText(name);
+    const auto stem = index.column() == 0 ? ToQt(WithoutExtension(FromQt(name))).size() : name.size();
+    QMetaObject::invokeMethod(
+        line, [line, stem] { line->setSelection(0, static_cast<int>(stem)); }, Qt::QueuedConnection);
+  }
+  void setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const override {
+    model->setData(index, static_cast<QLineEdit*>(editor)->text(), Qt::EditRole);
+  }
+  void destroyEditor(QWidget* editor, const QModelIndex& index) const override {
+    QStyledItemDelegate::destroyEditor(editor, index);
+    editing_(false);
+  }
+
+ private:
+  std::function<void(bool)> editing_;
+};
+
+}  // namespace
+
+std::vector<std::string> PathsOf(const QMimeData& data) {
+  std::vector<std::string> paths;
+  for (const QUrl& url : data.urls()) {
+    if (url.isLocalFile()) paths.push_back(url.toLocalFile().toStdString());
+  }
+  const QByteArray tracks = data.data(kTrackType);
+  for (const QByteArray& track : tracks.isEmpty() ? QList<QByteArray>() : tracks.split('\n'))
+    paths.push_back(track.toStdString());
+  return paths;
+}
+
+bool HoldsFiles(const QMimeData& data) {
+  return data.hasUrls() || data.hasFormat(kTrackType);
+}
+
+FileView::FileView(QWidget* parent) : QTreeView(parent), emptyText_(texts::EmptyFileView) {
+  setObjectName("fileView");
+  setAccessibleName(QtText(texts::FileViewName));
+  setRootIsDecorated(false);
+  setItemsExpandable(false);
+  setUniformRowHeights(true);
+  setAllColumnsShowFocus(true);
+  setAlternatingRowColors(true);
+  setSelectionMode(ExtendedSelection);
+  setSelectionBehavior(QAbstractItemView::SelectRows);
+  setEditTriggers(EditKeyPressed | DoubleClicked);
+  setTabKeyNavigation(false);
+  setDragEnabled(true);
+  setAcceptDrops(true);
+  setDragDropMode(DragDrop);
+  setDropIndicatorShown(false);
+  setTextElideMode(Qt::ElideMiddle);
+  setItemDelegate(new LabelDelegate(this, [this](bool editing) { emit LabelEditingChanged(editing); }));
+}
+
+void FileView::SetFileModel(FileViewModel* model) {
+  model_ = model;
+  setModel(model);
+  connect(model, &QAbstractItemModel::modelReset, this, &FileView::LayColumns);
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    if (!selecting_) emit SelectedByUser();
+  });
+  connect(selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
+    if (!selecting_) emit SelectedByUser();
+  });
+  LayColumns();
+}
+
+void FileView::LayColumns() {
+  header()->setStretchLastSection(false);
+  for (int i = 0; i < header()->count(); ++i) {
+    const bool wide = i < 2 || model_->TextColumn(i);
+    header()->setSectionResizeMode(i, wide ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
+  }
+}
+
+std::vector<std::size_t> FileView::SelectedRows() const {
+  std::vector<std::size_t> rows;
+  for (const QItemSelectionRange& range : selectionModel()->selection()) {
+    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(static_cast<std::size_t>(row));
+  }
+  std::ranges::sort(rows);
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  return rows;
+}
+
+void FileView::SelectRows(const std::vector<std::size_t>& rows, std::size_t focus) {
+  selecting_ = true;
+  QItemSelection selection;
+  const int columns = model_->columnCount();
+  const std::size_t count = model_->Size();
+  for (std::size_t i = 0; i < rows.size() && rows[i] < count;) {
+    std::size_t last = i;
+    while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1 && rows[last + 1] < count) ++last;
+    selection.select(model_->index(static_cast<int>(rows[i]), 0),
+                     model_->index(static_cast<int>(rows[last]), columns - 1));
+    i = last + 1;
+  }
+  if (focus < count) {
+    selectionModel()->setCurrentIndex(model_->index(static_cast<int>(focus), 0),
+                                      QItemSelectionModel::NoUpdate);
+    scrollTo(currentIndex());
+  }
+  selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+  selecting_ = false;
+}
+
+std::size_t FileView::FocusRow() const {
+  return currentIndex().isValid() ? static_cast<std::size_t>(currentIndex().row()) : model_->Size();
+}
+
+void FileView::EditLabel(std::size_t row) {
+  const QModelIndex index = model_->index(static_cast<int>(row), 0);
+  scrollTo(index);
+  QTreeView::edit(index);
+}
+
+// The label is the name, wherever in the row the editing was asked for, but for the texts of a disc's tracks.
+bool FileView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) {
+  const bool text = index.isValid() && model_->TextColumn(index.column());
+  if (text) return QTreeView::edit(index, trigger, event);
+  if (trigger == DoubleClicked) return false;
+  return QTreeView::edit(index.isValid() ? index.siblingAtColumn(0) : index, trigger, event);
+}
+
+QMimeData* FileView::SelectedFiles() const {
+  QList<QUrl> urls;
+  QStringList tracks;
+  for (const std::size_t row : SelectedRows()) {
+    const FileListEntry& entry = model_->At(row);
+    entry.cdTrack ? tracks.append(ToQt(entry.path)) : urls.append(QUrl::fromLocalFile(ToQt(entry.path)));
+  }
+  auto* data = new QMimeData;
+  data->setUrls(urls);
+  if (!tracks.isEmpty()) data->setData(kTrackType, tracks.join('\n').toUtf8());
+  return data;
+}
+
+void FileView::startDrag(Qt::DropActions /*actions*/) {
+  QMimeData* data = SelectedFiles();
+  if (!HoldsFiles(*data)) {
+    delete data;
+    return;
+  }
+  auto* drag = new QDrag(this);
+  drag->setMimeData(data);
+  drag->setPixmap(Icon("filesicon").pixmap(32, 32));
+  emit DragChanged(true);
+  drag->exec(Qt::CopyAction);
+  emit DragChanged(false);
+}
+
+void FileView::dragEnterEvent(QDragEnterEvent* event) {
+  if (HoldsFiles(*event->mimeData()) && event->source() != this) event->acceptProposedAction();
+}
+void FileView::dragMoveEvent(QDragMoveEvent* event) {
+  if (HoldsFiles(*event->mimeData()) && event->source() != this) event->acceptProposedAction();
+}
+void FileView::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  emit FilesDropped(PathsOf(*event->mimeData()));
+}
+
+void FileView::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) {
+    QApplication::clipboard()->setMimeData(SelectedFiles());
+    return;
+  }
+  if (event->matches(QKeySequence::Paste)) {
+    const QMimeData* data = QApplication::clipboard()->mimeData();
+    if (data != nullptr && HoldsFiles(*data)) emit FilesDropped(PathsOf(*data));
+    return;
+  }
+  // Between the columns of a disc's list, so that the edit key finds the texts.
+  const int step = event->key() == Qt::Key_Right ? 1 : event->key() == Qt::Key_Left ? -1 : 0;
+  const QModelIndex index = currentIndex();
+  if (step != 0 && index.isValid() && event->modifiers() == Qt::NoModifier &&
+      model_->TextColumn(model_->columnCount() - 1)) {
+    const QModelIndex beside = index.siblingAtColumn(index.column() + step);
+    if (beside.isValid()) selectionModel()->setCurrentIndex(beside, QItemSelectionModel::NoUpdate);
+    return;
+  }
+  QTreeView::keyPressEvent(event);
+}
+
+void FileView::SetEmptyText(TextId text) {
+  if (text == emptyText_) return;
+  emptyText_ = text;
+  viewport()->update();
+}
+
+void FileView::paintEvent(QPaintEvent* event) {
+  QTreeView::paintEvent(event);
+  if (model_ == nullptr || model_->Size() > 0) return;
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
+  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : emptyText_);
+  painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
+}
+
+}  // namespace ts5

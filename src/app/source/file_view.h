@@ -1,0 +1,61 @@
+// The file view: many rows, in-place renaming, files dragged out of it, files dropped on it or pasted into
+// it.
+#pragma once
+
+#include <QTreeView>
+#include <string>
+#include <vector>
+
+#include "app/source/file_view_model.h"
+
+namespace ts5 {
+
+// The local files among what is dragged or on the clipboard.
+[[nodiscard]] std::vector<std::string> PathsOf(const QMimeData& data);
+// Whether there are any.
+[[nodiscard]] bool HoldsFiles(const QMimeData& data);
+
+class FileView : public QTreeView {
+  Q_OBJECT
+
+ public:
+  explicit FileView(QWidget* parent = nullptr);
+
+  void SetFileModel(FileViewModel* model);
+  // What stands in the place of the files of an empty directory.
+  void SetEmptyText(TextId text);
+  [[nodiscard]] FileViewModel* FileModel() const { return model_; }
+
+  // Ascending.
+  [[nodiscard]] std::vector<std::size_t> SelectedRows() const;
+  // Selects exactly these rows and gives one the focus; nothing is reported as the user's selection.
+  void SelectRows(const std::vector<std::size_t>& rows, std::size_t focus);
+  [[nodiscard]] std::size_t FocusRow() const;  // the number of rows when there is none
+  void EditLabel(std::size_t row);
+  [[nodiscard]] bool IsEditing() const { return state() == QAbstractItemView::EditingState; }
+
+ signals:
+  void SelectedByUser();
+  void LabelEditingChanged(bool editing);
+  void FilesDropped(const std::vector<std::string>& paths);
+  void DragChanged(bool dragging);
+
+ protected:
+  bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
+  void startDrag(Qt::DropActions actions) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  [[nodiscard]] QMimeData* SelectedFiles() const;
+  void LayColumns();
+
+  FileViewModel* model_ = nullptr;
+  TextId emptyText_;
+  bool selecting_ = false;
+};
+
+}  // namespace ts5

@@ -1,0 +1,196 @@
+#include "app/source/source_area.h"
+
+#include <QDragEnterEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "app/texts.h"
+#include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
+
+namespace ts5 {
+
+FreeListStrip::FreeListStrip(QWidget* parent) : QLabel(parent) {
+  setObjectName("freeListStrip");
+  setAcceptDrops(true);
+  setProperty("role", "dropStrip");
+  setAlignment(Qt::AlignCenter);
+  setTextFormat(Qt::PlainText);
+  setMinimumHeight(30);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  SetCount(0);
+}
+
+void FreeListStrip::SetCount(std::size_t files) {
+  setText(ToQt(Format(Text(texts::FreeListStrip), files)));
+  setAccessibleName(text());
+}
+
+void FreeListStrip::Mark(bool marked) {
+  setProperty("dropTarget", marked);
+  style()->unpolish(this);
+  style()->polish(this);
+}
+
+void FreeListStrip::dragEnterEvent(QDragEnterEvent* event) {
+  if (!HoldsFiles(*event->mimeData())) return;
+  event->acceptProposedAction();
+  Mark(true);
+}
+void FreeListStrip::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
+  Mark(false);
+}
+void FreeListStrip::dropEvent(QDropEvent* event) {
+  Mark(false);
+  event->acceptProposedAction();
+  emit FilesDropped(PathsOf(*event->mimeData()));
+}
+
+SourceArea::SourceArea(QWidget* parent)
+    : QWidget(parent),
+      drives_(new DriveSelector(this)),
+      driveLabel_(new QLabel(QtText(texts::SourceAreaName), this)),
+      count_(new QLabel(this)),
+      splitter_(new QSplitter(Qt::Horizontal, this)),
+      tree_(new QTreeView(splitter_)),
+      files_(nullptr),
+      note_(nullptr),
+      strip_(nullptr),
+      fill_(nullptr) {
+  setObjectName("sourceArea");
+  setAccessibleName(QtText(texts::SourceAreaName));
+  driveLabel_->setProperty("role", "areaTitle");
+  driveLabel_->setBuddy(drives_);
+
+  tree_->setObjectName("directoryTree");
+  tree_->setAccessibleName(QtText(texts::TreeName));
+  tree_->setHeaderHidden(true);
+  tree_->setUniformRowHeights(true);
+  tree_->setTabKeyNavigation(false);
+  tree_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  tree_->setModel(&treeModel_);
+  tree_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  tree_->header()->setStretchLastSection(false);
+
+  auto* right = new QWidget(splitter_);
+  auto* column = new QVBoxLayout(right);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(4);
+  files_ = new FileView(right);
+  files_->SetFileModel(&model_);
+  note_ = new EmptyNote(files_);
+  strip_ = new FreeListStrip(right);
+  column->addWidget(files_, 1);
+  fill_ = new DiscFill(right);
+  fill_->hide();
+  column->addWidget(strip_);
+  column->addWidget(fill_);
+  splitter_->addWidget(tree_);
+  splitter_->addWidget(right);
+  splitter_->setStretchFactor(0, 0);
+  splitter_->setStretchFactor(1, 1);
+  splitter_->setSizes({240, 560});
+  splitter_->setChildrenCollapsible(false);
+
+  auto* top = new QHBoxLayout;
+  top->addWidget(driveLabel_);
+  top->addWidget(drives_);
+  top->addStretch(1);
+  count_->setObjectName("fileCount");
+  top->addWidget(count_);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 4);
+  layout->setSpacing(6);
+  layout->addLayout(top);
+  layout->addWidget(splitter_, 1);
+
+  connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
+  connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);
+  connect(&treeModel_, &DirectoryTreeModel::Vanishing, this, &SourceArea::LeaveVanishing);
+  connect(&treeModel_, &DirectoryTreeModel::Revealed, this, [this](const QModelIndex& index) {
+    revealing_ = true;
+    tree_->expand(treeModel_.RootIndex());
+    tree_->setCurrentIndex(index);
+    tree_->scrollTo(index);
+    revealing_ = false;
+  });
+}
+
+void SourceArea::TakeTreeIndex(const QModelIndex& index) {
+  const std::string path = treeModel_.PathOf(index);
+  if (revealing_ || path.empty() || path == shownDirectory_) return;
+  // A tree that gets the focus before its directory has been found goes to its root by itself.
+  if (treeModel_.Revealing() && index == treeModel_.RootIndex()) return;
+  shownDirectory_ = path;
+  emit DirectoryChosen(path);
+}
+
+// Where the directory that is shown goes, its parent is shown, not a neighbour; while the tree is locked, as
+// a run reads the directory, only the mark moves.
+void SourceArea::LeaveVanishing(const QModelIndex& index) {
+  QModelIndex current = tree_->currentIndex();
+  while (current.isValid() && current != index) current = current.parent();
+  if (!current.isValid()) return;
+  revealing_ = !tree_->isEnabled();
+  tree_->setCurrentIndex(index.parent());
+  revealing_ = false;
+}
+
+void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
+  listMode_ = true;
+  drives_->SetCurrent(kListModeDrive);
+  files_->setAccessibleName(QtText(texts::FreeListName));
+  model_.ShowList(list, filter);
+  UpdateVisibility();
+}
+
+void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path) {
+  listMode_ = false;
+  drives_->SetCurrent(drive);
+  files_->setAccessibleName(QtText(texts::FileViewName));
+  model_.ShowDirectory({});
+  shownDirectory_ = path;
+  if (treeModel_.RootPath() != root) {
+    revealing_ = true;
+    treeModel_.SetRoot(root, ToQt(TreeRootText(drive)));
+    revealing_ = false;
+  }
+  treeModel_.Reveal(path);
+  UpdateVisibility();
+}
+
+void SourceArea::ClearFiles() {
+  if (!listMode_) model_.ShowDirectory({});
+}
+
+void SourceArea::Enable(const Enabling& enabling) {
+  drives_->setEnabled(enabling.drives);
+  tree_->setEnabled(enabling.tree);
+  files_->setEnabled(enabling.files);
+}
+
+void SourceArea::SetSelected(std::size_t selected) {
+  const std::size_t files = model_.Size();
+  std::string text;
+  if (selected > 0) {
+    text = Format(Text(texts::FilesMarked), selected, files);
+  } else if (files > 0) {
+    text = files == 1 ? std::string(Text(texts::OneFileShown)) : Format(Text(texts::FilesShown), files);
+  }
+  count_->setText(ToQt(text));
+}
+
+void SourceArea::SetMaximised(bool maximised) {
+  maximised_ = maximised;
+  UpdateVisibility();
+}
+
+void SourceArea::UpdateVisibility() {
+  tree_->setVisible(!listMode_ && !maximised_);
+  strip_->setVisible(!listMode_ && !maximised_);
+}
+
+}  // namespace ts5

@@ -1,0 +1,58 @@
+#include "app/source/source_reader.h"
+
+#include "frame/cd_tracks.h"
+#include "frame/ui/qt_text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+
+namespace ts5 {
+namespace {
+
+// A directory that is being written to changes many times; it is read again once it has been quiet for so
+// long.
+constexpr int kQuietMilliseconds = 600;
+
+}  // namespace
+
+SourceReader::SourceReader(QObject* parent)
+    : QObject(parent),
+      lister_(
+          [this](std::function<void()> message) {
+            QMetaObject::invokeMethod(this, std::move(message), Qt::QueuedConnection);
+          },
+          FindAudioCd) {
+  changed_.setSingleShot(true);
+  changed_.setInterval(kQuietMilliseconds);
+  connect(&watcher_, &QFileSystemWatcher::directoryChanged, &changed_, qOverload<>(&QTimer::start));
+  connect(&changed_, &QTimer::timeout, this, &SourceReader::Changed);
+}
+
+void SourceReader::Stop() {
+  lister_.Cancel();
+  changed_.stop();
+  if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
+}
+
+void SourceReader::Read(const std::string& directory) {
+  Stop();
+  directory_ = directory;
+  emit Begun();
+  const auto sink = [this](std::vector<DirectoryItem> batch) {
+    std::vector<FileListEntry> files;
+    files.reserve(batch.size());
+    for (DirectoryItem& item : batch) {
+      files.push_back({item.cdTrack ? std::move(item.entry) : JoinPath(directory_, item.name), item.cdTrack,
+                       item.seconds, 0});
+    }
+    emit Found(files);
+  };
+  (void)lister_.Start(directory, sink, [this](ListingEnd end) { Finish(end); });
+}
+
+void SourceReader::Finish(ListingEnd end) {
+  // Only a directory that has answered is watched: watching one that hangs would hang as well.
+  if (Succeeded(end.outcome) && IsDirectory(directory_)) watcher_.addPath(ToQt(directory_));
+  emit Done(end.outcome);
+}
+
+}  // namespace ts5
