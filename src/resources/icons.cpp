@@ -14,7 +14,7 @@
 
 #include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 // Outside of the namespace, as the toolkit asks for it.
 static void InitializeQrc() {
