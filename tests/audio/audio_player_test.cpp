@@ -80,7 +80,7 @@ std::pair<std::size_t, std::size_t> FindRun(const std::vector<double>& played,
 TEST_F(AudioPlayerTest, PlaysEverySampleOfEachTitleOnce) {
   const auto first = Ramp(48'000);
   const RunResult result = Play({Wave("eins.wav", first, 48'000), Wave("zwei.wav", Ramp(4'800), 48'000)});
-  EXPECT_EQ(result.lines[1].count, 2U);
+  EXPECT_EQ(result.counts[1], 2U);
   const auto played = SamplesOf(out_);
   const auto [start, count] = FindRun(played, first);
   EXPECT_EQ(count, first.size()) << "from " << start;
@@ -111,7 +111,7 @@ TEST_F(AudioPlayerTest, SeeksAndStopsWhereItIsTold) {
     status = control.Status();
     control.Seek(19'500ms);
   });
-  EXPECT_EQ(result.lines[1].count, 1U);
+  EXPECT_EQ(result.counts[1], 1U);
   EXPECT_EQ(status.duration, 20s);
   ASSERT_NE(status.waveform, nullptr);
   EXPECT_EQ(status.waveform->size(), kOverviewParts);
@@ -125,11 +125,11 @@ TEST_F(AudioPlayerTest, SeeksAndStopsWhereItIsTold) {
 TEST_F(AudioPlayerTest, WhatIsNoAudioIsCountedAndADeviceThatIsNotThereIsSaid) {
   const RunResult result =
       Play({folder_.Write("kein.wav", "RIFFxxxxWAVE"), Wave("kurz.wav", Ramp(441), 44'100)});
-  EXPECT_EQ(result.lines[1].count, 1U);
-  EXPECT_EQ(result.lines[2].count, 1U);
+  EXPECT_EQ(result.counts[1], 1U);
+  EXPECT_EQ(result.counts[2], 1U);
   out_ = folder_.File("gibt/es/nicht.wav");
   const RunResult failed = Play({Wave("kurz.wav", Ramp(441), 44'100)});
-  EXPECT_EQ(failed.lines[1].count, 0U);
+  EXPECT_EQ(failed.counts[1], 0U);
   EXPECT_NE(failed.items.at(0).code, 0);
 }
 

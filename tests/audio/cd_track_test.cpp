@@ -7,11 +7,13 @@
 
 #include "audio/audio_player.h"
 #include "audio/cd_track_source.h"
+#include "audio/playing_time.h"
 #include "audio/wave_file.h"
 #include "frame/player_parameters.h"
 #include "frame/run_support.h"
 #include "frame/texts.h"
-#include "platform/virtual_cd.h"
+#include "platform/disc/virtual_cd.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -26,12 +28,10 @@ constexpr std::size_t kSector = 2352;
 class CdTrackTest : public testing::Test {
  protected:
   void SetUp() override {
-    ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1);
     sheet_ = data_.Write("disc.cue", test::Content(test::DataPath("cd/three_tracks.cue")));
     data_.Write("three_tracks.bin", raw_);
     ASSERT_THAT(InsertVirtualDisc(sheet_), IsOk());
   }
-  void TearDown() override { ::unsetenv("XDG_DATA_HOME"); }
 
   static std::string Entry(int track) { return CdTrackEntry(VirtualCdName(), track); }
   RunResult Play(const std::vector<std::string>& files,
@@ -39,12 +39,35 @@ class CdTrackTest : public testing::Test {
     return test::PlayFiles(AudioPlayerModule(), files, "wave:" + out_, PlayerParameters{}, steer, host_);
   }
 
-  test::TemporaryDirectory data_;
+  test::Home data_;
   std::string sheet_;
   std::string raw_ = test::Content(test::DataPath("cd/three_tracks.bin"));
   std::string out_ = data_.File("gespielt.wav");
   std::shared_ptr<test::RecordingHost> host_ = std::make_shared<test::RecordingHost>();
 };
+
+TEST_F(CdTrackTest, TheBurnerKnowsHowLongEverythingPlays) {
+  constexpr double kSecond = 1e7;
+  // Two quarters of half a second.
+  const std::string midi = data_.Write(
+      "lied.mid", std::string_view("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\5\x81\x40\xFF\x2F\0", 27));
+  struct Case {
+    std::string path;
+    double seconds;
+  };
+  for (const Case& test : {Case{test::DataPath("audio/pygame_car_door.wav"), 0.339},
+                           Case{test::DataPath("audio/ogg_vorbis_q3_tags.ogg"), 1}, Case{midi, 1},
+                           Case{data_.File("fehlt.mid"), 0}, Case{data_.File("fehlt.wav"), 0}}) {
+    EXPECT_NEAR(static_cast<double>(PlayingTimeOf(EntryFromPath(test.path))) / kSecond, test.seconds, 0.05)
+        << test.path;
+  }
+  FileListEntry track;
+  track.path = Entry(2);
+  track.cdTrack = true;
+  EXPECT_EQ(PlayingTimeOf(track), 10'000'000U) << "60 sectors, rounded up";
+  ASSERT_EQ(EjectVirtualDisc(), Outcome::Success);
+  EXPECT_EQ(PlayingTimeOf(track), 0U);
+}
 
 TEST_F(CdTrackTest, GivesTheSamplesOfTheDiscFromAnywhere) {
   auto track = OpenCdTrack(*FindCdTrack(Entry(2)));
@@ -113,7 +136,7 @@ TEST_F(CdTrackTest, PlaysTracksToTheSampleUnderTheirOwnNames) {
       });
   EXPECT_THAT(names,
               testing::ElementsAre("Track 3 von STAVORA VIRTUELLE CD", "Track 2 von STAVORA VIRTUELLE CD"));
-  EXPECT_EQ(result.lines[1].count, 2U);
+  EXPECT_EQ(result.counts[1], 2U);
   ASSERT_EQ(result.items.size(), 3U);
   EXPECT_EQ(result.items[2].code, Code(Outcome::CdDriveFailed));
   EXPECT_THAT(result.remarks, testing::Contains("Das Playback der Audio-CD konnte nicht gestartet werden."));

@@ -73,10 +73,10 @@ TEST(WaveConverterRunTest, ConvertsWaveAndAiffAndRefusesTheRest) {
                                        place.Write("text.wav", "kein Audio"),
                                        place.File("none.wav")};
   const RunResult result = RunJob(JobOf(files, 22050, 16, 1), Module());
-  EXPECT_EQ(result.title, "Ergebnisse der Wave-Konvertierung");
+  EXPECT_EQ(TitleText(result), "Ergebnisse der Wave-Konvertierung");
   EXPECT_THAT(Codes(result), ElementsAre(0, 0, -300, -300, -300, -300, -300));
-  EXPECT_EQ(result.lines[0].count, 2U);
-  EXPECT_EQ(result.lines[1].count, 5U);
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(result.counts[1], 5U);
   EXPECT_THAT(result.remarks, ElementsAre("Die Konvertierung konnte nicht initialisiert werden."));
   EXPECT_EQ(Listing(place.Path()),
             "adpcm.cnv.wav adpcm.wav lied.mp3 lied.ogg lied.wma mac.aif mac.cnv.wav text.wav");
@@ -100,7 +100,7 @@ TEST(WaveConverterRunTest, ManyFilesGiveTheSameEveryTime) {
   std::vector<std::string> first;
   for (int round = 0; round < 2; ++round) {
     const RunResult result = RunJob(JobOf(files, 32000, 8, 2), Module());
-    EXPECT_EQ(result.lines[0].count, files.size());
+    EXPECT_EQ(result.counts[0], files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
       EXPECT_EQ(result.items[i].source, files[i]);
       const std::string content = Content(result.items[i].destination);
@@ -135,8 +135,8 @@ TEST(WaveConverterRunTest, AStopInTheThirdOfFiveFilesFailsThreeAndLeavesNoTarget
   host->run = job.run.Shared();
   const RunResult result = RunJob(job, Module(), {}, host);
   EXPECT_TRUE(result.cancelled);
-  EXPECT_EQ(result.lines[0].count, 2U);
-  EXPECT_EQ(result.lines[1].count, 3U);
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(result.counts[1], 3U);
   EXPECT_THAT(result.remarks, ElementsAre("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_EQ(Listing(place.Path()), "1.cnv.wav 1.wav 2.cnv.wav 2.wav 3.wav 4.wav 5.wav");
 }
@@ -154,8 +154,8 @@ TEST(WaveConverterRunTest, ARefusedOverwriteEndsTheRun) {
   EXPECT_THAT(host->questions,
               ElementsAre("Die Zieldatei ist bereits vorhanden. Soll sie überschrieben werden?"));
   EXPECT_THAT(Codes(result), ElementsAre(0, -5));
-  EXPECT_EQ(result.lines[0].count, 1U);
-  EXPECT_EQ(result.lines[1].count, 2U);
+  EXPECT_EQ(result.counts[0], 1U);
+  EXPECT_EQ(result.counts[1], 2U);
   EXPECT_THAT(result.remarks, ElementsAre("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_EQ(Content(place.File("b.cnv.wav")), "alt");
   EXPECT_EQ(Listing(place.Path()), "a.cnv.wav a.wav b.cnv.wav b.wav c.wav");

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "platform/wave_format.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5 {
 namespace {

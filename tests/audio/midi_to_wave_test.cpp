@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <tuple>
 
 #include "audio/midi_recording.h"
 #include "audio/synthesis.h"
@@ -17,7 +18,7 @@
 #include "audio/wave_stream.h"
 #include "frame/run_support.h"
 #include "midi/midi_sequence.h"
-#include "platform/synthesizer.h"
+#include "platform/sound/synthesizer.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -128,7 +129,7 @@ TEST_F(MidiToWaveTest, NormalisesEachFileOrTheProject) {
   parameters.format = {11025, 1, 16};
   parameters.normalise = static_cast<std::int32_t>(NormaliseMode::Each);
   RunResult result = Convert({kScale, other}, parameters);
-  ASSERT_EQ(result.lines[0].count, 2U);
+  ASSERT_EQ(result.counts[0], 2U);
   for (const RunItem& item : result.items) EXPECT_GT(Peak(item.destination), 0.99) << item.destination;
 
   parameters.normalise = static_cast<std::int32_t>(NormaliseMode::Project);
@@ -142,8 +143,8 @@ TEST_F(MidiToWaveTest, NormalisesEachFileOrTheProject) {
 TEST_F(MidiToWaveTest, BadSourcesAreCountedAndAStopLeavesNothing) {
   const std::string broken = folder_.Write("kaputt.mid", "MThd kaputt");
   const RunResult result = Convert({broken, kScale}, {});
-  EXPECT_EQ(result.lines[0].count, 1U);
-  EXPECT_EQ(result.lines[1].count, 1U);
+  EXPECT_EQ(result.counts[0], 1U);
+  EXPECT_EQ(result.counts[1], 1U);
   EXPECT_EQ(result.items.at(0).code, Code(Outcome::WrongFormat));
 
   const std::string target = folder_.File("halb.wav");
@@ -225,7 +226,7 @@ TEST_F(MidiToWaveTest, NormalisesAsItConvertsAndListsWhatIsLoudAlready) {
   parameters.format = {11025, 1, 16};
   parameters.normalise = static_cast<std::int32_t>(NormaliseMode::Each);
   const RunResult result = Convert({silent, kScale}, parameters);
-  EXPECT_EQ(result.lines[0].count, 2U);
+  EXPECT_EQ(result.counts[0], 2U);
   EXPECT_THAT(result.remarks, testing::ElementsAre("Normalisieren ist nicht erforderlich."));
   EXPECT_EQ(Peak(result.items.at(0).destination), 0);
   EXPECT_GT(Peak(result.items.at(1).destination), 0.99);
@@ -249,7 +250,7 @@ TEST_F(MidiToWaveTest, AMissingDeviceEndsTheRunAndAMissingFormatIsAskedFor) {
                              "Die Wave-Aufnahme konnte nicht initialisiert werden (Code -401)."}}) {
     devices_ = c.devices;
     const RunResult result = Convert({song, song}, parameters);
-    EXPECT_EQ(result.lines[1].count, 2U);
+    EXPECT_EQ(result.counts[1], 2U);
     EXPECT_THAT(result.remarks, testing::ElementsAre(c.remark));
     EXPECT_EQ(result.items.at(1).code, Code(c.code));
   }
@@ -280,6 +281,80 @@ TEST(MidiToWaveFields, KeepARecordingFormatPerDevice) {
   EXPECT_EQ(again.recordingFormats, parameters.recordingFormats);
   EXPECT_TRUE(field->set(again, ""));
   EXPECT_FALSE(again.HasRecordingFormat());
+}
+
+// A song of format 0, division 500, so that a tick is a millisecond: notes of half a second with these rests
+// behind.
+std::string Song(std::initializer_list<std::uint32_t> rests, int velocity = 100, int voices = 1) {
+  ByteWriter track;
+  const auto delta = [&track](std::uint32_t ticks) {
+    for (int shift = 21; shift > 0; shift -= 7)
+      track.U8(static_cast<std::uint8_t>(0x80 | (ticks >> shift & 0x7F)));
+    track.U8(static_cast<std::uint8_t>(ticks & 0x7F));
+  };
+  std::uint32_t before = 0;
+  for (const std::uint32_t rest : rests) {
+    for (int strike = 0; strike < 2; ++strike) {
+      for (int voice = 0; voice < voices; ++voice) {
+        delta(voice > 0 ? 0 : strike == 0 ? before : 500);
+        track.U8(static_cast<std::uint8_t>(0x90 + voice / 60));
+        track.U8(static_cast<std::uint8_t>(40 + voice % 60));
+        track.U8(static_cast<std::uint8_t>(strike == 0 ? velocity : 0));
+      }
+    }
+    before = rest;
+  }
+  delta(before);
+  track.Append(Bytes{0xFF, 0x2F, 0x00});
+  ByteWriter file;
+  file.Append(std::string_view("MThd\0\0\0\6\0\0\0\1\1\xF4MTrk", 18));
+  file.U32Be(static_cast<std::uint32_t>(track.Size()));
+  file.Append(track.View());
+  return std::string(AsText(file.View()));
+}
+
+TEST_F(MidiToWaveTest, LongSilenceIsAskedAboutOnceAndRefusedOtherwise) {
+  constexpr std::uint32_t kHour = 3600'000;
+  const std::vector<std::string> files = {folder_.Write("gut.mid", Song({59'000})),
+                                          folder_.Write("ende.mid", Song({1000, 61'000})),
+                                          folder_.Write("pause.mid", Song({1000, 2 * kHour, 0})),
+                                          folder_.Write("lang.mid", Song({590'000, 590'000, 0}))};
+  MidiToWaveParameters parameters;
+  parameters.format = {11025, 1, 8};
+  host_ = std::make_shared<test::RecordingHost>(std::deque<Answer>{Answer::No});
+  const RunResult result = Convert(files, parameters);
+  ASSERT_EQ(result.items.size(), files.size());
+  const std::int32_t refused = Code(Outcome::LongSilence);
+  EXPECT_EQ(result.items[0].code, 0);
+  EXPECT_EQ(result.items[1].code, refused);
+  EXPECT_EQ(result.items[2].code, refused);
+  EXPECT_EQ(result.items[3].code, 0) << "rests below ten minutes are music";
+  EXPECT_THAT(result.remarks, testing::ElementsAre(std::string(Text(texts::MidiWaveLongSilence))));
+  host_ = std::make_shared<test::RecordingHost>(std::deque<Answer>{Answer::Yes});
+  EXPECT_EQ(Convert({files[1]}, parameters).items.at(0).code, 0);
+}
+
+TEST_F(MidiToWaveTest, EightBitsAreUsedAndSixteenNeverClipped) {
+  const std::string soft = folder_.Write("leise.mid", Song({500, 500}, 30));
+  const std::string loud = folder_.Write("laut.mid", Song({500, 500}, 127, 240));
+  MidiToWaveParameters parameters;
+  for (const auto& [source, bits, least] :
+       {std::tuple{soft, 8, 0.98}, {loud, 8, 0.98}, {loud, 16, 0.9}, {soft, 16, 0.001}}) {
+    parameters.format = {22050, 2, bits};
+    const std::string target = folder_.File("a.wav");
+    ASSERT_THAT(RenderMidiFile(source, target, parameters.SynthesisFormat(), synthesizer_), IsOk());
+    EXPECT_GE(Peak(target), least) << source << " " << bits;
+    auto wave = WaveFile::Open(target);
+    ASSERT_THAT(wave, IsOk());
+    Bytes data(static_cast<std::size_t>(wave->DataSize()));
+    ASSERT_THAT(wave->Read(data), IsOk());
+    if (bits == 16) {
+      std::size_t full = 0;
+      ByteReader in(data);
+      while (in.Remaining() >= 2) full += std::abs(in.I16Le()) >= 32767 ? 1 : 0;
+      EXPECT_LE(full, 2U) << source;
+    }
+  }
 }
 
 }  // namespace

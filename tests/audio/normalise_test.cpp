@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "audio/silence_trimmer.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 #include "wave_bytes.h"

@@ -14,8 +14,8 @@
 #include "frame/player_parameters.h"
 #include "frame/run_support.h"
 #include "midi/midi_sequence.h"
-#include "platform/midi_out.h"
-#include "platform/synthesizer.h"
+#include "platform/sound/midi_out.h"
+#include "platform/sound/synthesizer.h"
 #include "support/matchers.h"
 
 namespace ts5 {

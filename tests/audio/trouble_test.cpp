@@ -22,7 +22,7 @@
 #include "frame/player_parameters.h"
 #include "frame/run_support.h"
 #include "frame/texts.h"
-#include "platform/resampler.h"
+#include "platform/media/resampler.h"
 #include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -209,7 +209,7 @@ TEST_F(PlayerTroubleTest, AnOutputThatVanishesEndsTheRun) {
 TEST_F(PlayerTroubleTest, ACdTrackWithoutADriveIsSaid) {
   const auto host = std::make_shared<RecordingHost>();
   const RunResult result = Play({"PLEXTOR CD-R\\Track 3"}, "null", host);
-  EXPECT_EQ(result.lines[1].count, 0U);
+  EXPECT_EQ(result.counts[1], 0U);
   const char* const text = "Das Playback der Audio-CD konnte nicht gestartet werden.";
   EXPECT_THAT(host->notices, testing::ElementsAre(text));
   EXPECT_EQ(result.remarks.at(0), text);

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/bytes.h"
-#include "platform/wave_format.h"
+#include "platform/base/bytes.h"
+#include "platform/media/wave_format.h"
 
 namespace ts5::test {
 

@@ -10,6 +10,7 @@
 
 #include "batch/captured_console.h"
 #include "batch/run_output.h"
+#include "frame/filter_catalogue.h"
 #include "frame/question.h"
 
 namespace ts5::batch {
@@ -21,9 +22,8 @@ using testing::Not;
 RunResult Result() {
   RunResult result;
   result.filter = FilterId::MidiConverter;
-  result.title = "Ergebnisse der Midi-Konvertierung";
-  result.lines[0] = {"Erfolgreich konvertierte Dateien:", 2};
-  result.lines[1] = {"Nicht (ordnungsgemäß) konvertierte Dateien:", 1};
+  result.titles = Descriptor(FilterId::MidiConverter).titles;
+  result.counts = {2, 1};
   result.remarks = {"Die Quelle hat ein ungültiges Dateiformat."};
   result.items = {{"a.mid", "acnv.mid", 0}, {"b\xFF.mid", "", -104}, {"c.mid", "c.rmi", 0x40000}};
   return result;
@@ -169,7 +169,7 @@ TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
   ASSERT_EQ(hits.Add({.file = "a.mid", .track = 1, .bar = 7, .time = 2500}), Outcome::Success);
   ASSERT_EQ(hits.Add({.file = "b.mid"}), Outcome::Success);
   std::ostringstream out;
-  WriteResultJson(Result(), hits, out);
+  WriteResultJson(Result(), hits, {}, out);
   EXPECT_EQ(out.str(), R"({
   "filter": "MidiConverter",
   "title": "Ergebnisse der Midi-Konvertierung",
@@ -215,7 +215,8 @@ TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
       "firstSystem": 0,
       "lastSystem": 0,
       "firstObject": 0,
-      "lastObject": 0
+      "lastObject": 0,
+      "melody": ""
     },
     {
       "file": "b.mid",
@@ -226,13 +227,14 @@ TEST(RunOutput, JsonHasEveryKeyEvenWhenEmpty) {
       "firstSystem": 0,
       "lastSystem": 0,
       "firstObject": 0,
-      "lastObject": 0
+      "lastObject": 0,
+      "melody": ""
     }
   ]
 }
 )");
   std::ostringstream none;
-  WriteResultJson({}, {}, none);
+  WriteResultJson({}, {}, {}, none);
   EXPECT_THAT(none.str(), testing::EndsWith("  \"items\": [],\n  \"hits\": []\n}\n"));
 }
 

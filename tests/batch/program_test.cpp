@@ -6,12 +6,14 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <thread>
 
-#include "app/filter_modules.h"
 #include "batch/captured_console.h"
 #include "batch/run_program.h"
 #include "frame/filter_catalogue.h"
+#include "modules/filter_modules.h"
+#include "support/home.h"
 #include "support/test_data.h"
 
 namespace ts5::batch {
@@ -32,7 +34,6 @@ class ProgramTest : public testing::Test {
   void SetUp() override {
     fs::create_directory(folder_.File("lieder"));
     fs::create_directory(folder_.File("neu"));
-    setenv("STAVORA_REGISTRY", registry_.c_str(), 1);
   }
 
   std::string Song(const std::string& name) {
@@ -54,10 +55,34 @@ class ProgramTest : public testing::Test {
   }
 
   TemporaryDirectory folder_;
-  TemporaryDirectory home_;
+  test::Home home_;
   std::string registry_ = home_.File("registry.sqlite");
   std::optional<CapturedConsole> captured_;
 };
+
+// What the light half does by itself is what the full one does, and the rest goes on to that.
+TEST_F(ProgramTest, BothHalvesSayTheSame) {
+  for (const FilterDescriptor& filter : FilterCatalogue())
+    EXPECT_TRUE(CanRun(filter.id)) << filter.identifier;
+  const std::vector<std::vector<std::string>> lines = {{"filters"},
+                                                       {"filters", "--json"},
+                                                       {"type", "a.mid", "b.stv", "--json"},
+                                                       {"jobs"},
+                                                       {"jobs", "--json"},
+                                                       {"jobs", "x"},
+                                                       {"registry", "list"},
+                                                       {"registry", "--help"},
+                                                       {"codecs"},
+                                                       {"--version"},
+                                                       {},
+                                                       {"nichts"}};
+  for (const auto& line : lines) {
+    const ProgramEnd end = RunChild(line);
+    EXPECT_EQ(end.status, Run(line)) << testing::PrintToString(line);
+    EXPECT_EQ(end.out, Out()) << testing::PrintToString(line);
+    EXPECT_EQ(end.err, Err()) << testing::PrintToString(line);
+  }
+}
 
 TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
   Song("eins.mid");
@@ -72,7 +97,7 @@ TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
   EXPECT_EQ(json["lines"][1]["count"], 4);
   ASSERT_EQ(json["items"].size(), 5U);
   EXPECT_GE(json["items"][0]["code"], 0);
-  EXPECT_EQ(json["items"][0]["source"], "lieder/eins.mid");
+  EXPECT_EQ(json["items"][0]["source"], folder_.File("lieder/eins.mid"));
   EXPECT_EQ(json["items"][0]["destination"], "neu/eins.cnv.mid");
   EXPECT_EQ(json["items"][1]["code"], -104);
   for (const std::size_t missing : {2U, 3U, 4U}) EXPECT_EQ(json["items"][missing]["code"], -300) << missing;
@@ -140,6 +165,97 @@ TEST_F(ProgramTest, AnExistingTargetIsReplacedNumberedOrAskedFor) {
   EXPECT_EQ(Content(target), converted);
 }
 
+TEST_F(ProgramTest, NoRunDestroysASource) {
+  const std::string song = Song("x.mid");
+  const std::string tune = Content(song);
+  const std::vector<std::string> toSmall{"run",   "MidiConverter", "--set",       "FormatSmall=1",
+                                         "--set", "FormatBig=0",   "--overwrite", "yes"};
+  const auto run = [&](std::vector<std::string> more) {
+    more.insert(more.begin(), toSmall.begin(), toSmall.end());
+    return Run(more);
+  };
+  // A piece whose target is the next source, and one whose name does not say what it is.
+  ASSERT_EQ(run({song}), kExitSuccess);
+  const std::string riff = Content(folder_.File("lieder/x.rmi"));
+  EXPECT_EQ(run({song, folder_.File("lieder/x.rmi")}), kExitSuccess);
+  EXPECT_EQ(Content(song), tune);
+  EXPECT_EQ(Content(folder_.File("lieder/x.rmi")), riff);
+  EXPECT_EQ(Listing(folder_.File("lieder")), "x.mid x.rmi x001.mid x001.rmi");
+  EXPECT_THAT(Err(), HasSubstr("einem anderen Ziel gehört: 2 Zieldatei(en)."));
+  const std::string misnamed = folder_.Write("lieder/riff.mid", riff);
+  EXPECT_EQ(run({misnamed}), kExitSuccess);
+  EXPECT_EQ(Content(misnamed), riff);
+
+  // A chosen name that is the source.
+  fs::create_directory_symlink(folder_.File("lieder"), folder_.File("alias"));
+  for (const std::string& name :
+       {song, folder_.File("lieder/../lieder/x.mid"), folder_.File("alias/X.MID")}) {
+    EXPECT_EQ(run({"--dest", name, song}), kExitFailed) << name;
+    EXPECT_THAT(Err(), HasSubstr("Die Zieldatei ist selbst eine Quelldatei"));
+  }
+  EXPECT_EQ(Content(song), tune);
+
+  // Two of one name into one folder.
+  const std::string other = folder_.Write("andere/x.mid", tune);
+  EXPECT_EQ(
+      Run({"run", "MidiConverter", "--overwrite", "yes", "--dest-dir", folder_.File("neu"), song, other}),
+      kExitSuccess);
+  EXPECT_EQ(NewFiles(), "x.cnv.mid x.cnv001.mid");
+}
+
+TEST_F(ProgramTest, ASearchResultReplacesResultFilesOnly) {
+  const std::string song = Song("lied.mid");
+  const std::string lyrics = folder_.Write("lieder/lied.txt", "Text des Lieds");
+  const std::vector<std::string> line{
+      "run", "MidiSearch", "--keys", "cde", "--overwrite", "yes", "--dest-dir", folder_.File("lieder"), song};
+  EXPECT_EQ(Run(line), kExitCancelled);
+  EXPECT_THAT(Err(), HasSubstr("Die Zieldatei ist bereits vorhanden. Soll sie überschrieben werden?"));
+  EXPECT_EQ(Content(lyrics), "Text des Lieds");
+  captured_.emplace();
+  captured_->Answering({"ja"});
+  EXPECT_EQ(captured_->Run(line), kExitSuccess);
+  EXPECT_THAT(Content(lyrics), HasSubstr("sts5="));
+  EXPECT_EQ(Run(line), kExitSuccess) << "now it is a result file";
+  EXPECT_EQ(Listing(folder_.File("lieder")), "lied.mid lied.txt");
+}
+
+TEST_F(ProgramTest, FourProgramsAtOnceNumberWithoutLoss) {
+  constexpr int kPrograms = 4;
+  constexpr int kSongs = 30;
+  const std::string song = Song("0.mid");
+  for (int i = 1; i < kSongs; ++i) fs::copy_file(song, folder_.File("lieder/" + std::to_string(i) + ".mid"));
+  std::deque<Program> programs;
+  for (int i = 0; i < kPrograms; ++i) {
+    programs.emplace_back(std::vector<std::string>{"run", "MidiConverter", "--quiet", "--overwrite", "number",
+                                                   "--dest-dir", "neu", "--dir", "lieder"},
+                          folder_.Path(), registry_);
+  }
+  for (Program& program : programs) {
+    const ProgramEnd end = program.Wait();
+    EXPECT_EQ(end.status, kExitSuccess) << end.err;
+  }
+  int converted = 0;
+  for (const auto& entry : fs::directory_iterator(folder_.File("neu"))) {
+    EXPECT_THAT(Content(entry.path().string()), StartsWith("MThd"));
+    ++converted;
+  }
+  EXPECT_EQ(converted, kPrograms * kSongs);
+}
+
+TEST_F(ProgramTest, FailuresNameTheirReason) {
+  const std::string song = Song("lied.mid");
+  fs::create_symlink(folder_.File("fort"), folder_.File("lieder/verweis.mid"));
+  folder_.Write("lieder/leer.mid", "");
+  folder_.Write("lieder/ton.mid", "RIFF....WAVEfmt ");
+  const auto lied = [&](const std::string& name) { return "\"" + folder_.File("lieder/" + name) + "\""; };
+  EXPECT_EQ(Run({"run", "MidiConverter", "--dir", folder_.File("lieder"), "--dest-dir", folder_.File("neu")}),
+            kExitFailed);
+  for (const std::string& reason : {"Der Verweis " + lied("verweis.mid") + " führt ins Leere.",
+                                    "Die Datei " + lied("leer.mid") + " ist leer.",
+                                    "Dem Inhalt nach ist " + lied("ton.mid") + " eine Wave-Datei."})
+    EXPECT_THAT(Err(), HasSubstr(reason));
+}
+
 TEST_F(ProgramTest, ADirectoryAndAFileListAreSources) {
   Song("b.mid");
   Song("A.MID");
@@ -170,21 +286,25 @@ TEST_F(ProgramTest, WrongUsageSaysWhatIsPossibleAndTouchesNothing) {
     std::string part;  // of what is said
   };
   const std::vector<Case> cases{
-      {{}, "filters, jobs, type, info, run, job, cd, registry"},
-      {{"spiele"}, "filters, jobs, type, info, run, job, cd, registry"},
+      {{},
+       "filters, jobs, type, info, attributes, interfaces, score, run, job, resume, codecs, cd, layout, "
+       "results, "
+       "registry"},
+      {{"spiele"},
+       "filters, jobs, type, info, attributes, interfaces, score, run, job, resume, codecs, cd, layout, "
+       "results, "
+       "registry"},
       {{"run", "MidiKonverter", song}, "MidiConverter"},
       {{"run", "17", song}, "MidiConverter"},
-      {{"run", "AudioCompressor", song}, "Möglich sind: "},
       {{"run", "MidiSearch", song}, "Definieren Sie zuerst eine Suchmelodie"},
       {{"run", "MidiSearch", "--melody", "60:0", song}, "60:0"},
       {{"run", "MidiSearch", "--melody-name", "Lied", song}, "\"Lied\""},
-      {{"run", "MidiSearch", "--keys", "c", "--melody", "60:240", song}, "--melody-name"},
       {{"run", "MidiConverter", "--keys", "c", song}, "Melodiesucher"},
       {{"run", "MidiConverter"}, "--list oder --dir"},
       {{"run", "MidiConverter", "--set", "Format=1", song}, "FormatSmall, Option1, FormatBig"},
       {{"run", "MidiConverter", "--set", "NewTimebase=15", song}, "0..14"},
       {{"run", "MidiConverter", "--overwrite", "no", song}, "yes, number, ask"},
-      {{"run", "MidiConverter", "--dest-dir", "/gibt/es/nicht", song}, "/gibt/es/nicht"},
+      {{"run", "MidiConverter", "--part", "9/8", song}, "9/8"},
       {{"run", "MidiConverter", "--dest", "x.mid", song, song}, "--dest-dir"},
       {{"run", "MidiConverter", "--dir", folder_.Path(), song}, "--dir"},
       {{"job", "Nirgends"}, "Default Job"},
@@ -216,7 +336,9 @@ TEST_F(ProgramTest, MakesConvertsAndPlaysWaveFiles) {
   EXPECT_EQ(Run({"run", "WaveConverter", "--set", "SamplesPerSec=8000", "--dest-dir", folder_.File("neu"),
                  "--quiet", wave, text}),
             kExitFailed);
-  EXPECT_EQ(Err(), "ts5-batch: " + text + ": Die Konvertierung konnte nicht initialisiert werden.\n");
+  EXPECT_EQ(Err(), "ts5-batch: " + text +
+                       ": Die Konvertierung konnte nicht initialisiert werden. Dem Inhalt nach ist \"" +
+                       text + "\" ein Text.\n");
   EXPECT_EQ(NewFiles(), "eins.cnv.wav eins.wav");
 
   const std::string played = folder_.File("neu/gespielt.wav");
@@ -230,6 +352,74 @@ TEST_F(ProgramTest, MakesConvertsAndPlaysWaveFiles) {
   EXPECT_EQ(Run({"info", played, captured}), kExitSuccess);
   EXPECT_THAT(Out(), HasSubstr("22050 Hz (Samples per Sek), 16 Bits per Sample, Stereo"));
   EXPECT_THAT(Out(), HasSubstr("MIDI-0"));
+}
+
+// What machines find that share a collection is, put together, what one finds alone.
+TEST_F(ProgramTest, PartsOfARunGiveTheWhole) {
+  const std::vector<std::string> songs{"jazzsoft_test-c-major-scale.mid", "mutopia_satie-gymnopedie-no1.mid",
+                                       "made_gymnopedie.rmi"};
+  for (int i = 0; i < 11; ++i) {
+    const std::string name = (i % 2 == 0 ? "lieder/" : "lieder/tief/") + std::to_string(i) + ".mid";
+    folder_.Write(
+        name, i == 7 ? "MThd kaputt" : Content(DataPath("midi/" + songs[static_cast<std::size_t>(i) % 3])));
+  }
+  const std::vector<std::vector<std::string>> runs{
+      {"run", "MidiSearch", "--json", "--keys", "4cde", "--melody", "64:240,65:240", "--set", "Notes=2",
+       "--set", "Rhythm=2", "--dir", folder_.File("lieder")},
+      {"run", "MidiConverter", "--json", "--overwrite", "yes", "--dest-dir", folder_.File("neu/ganz/neu"),
+       folder_.File("lieder/0.mid"), folder_.File("lieder/2.mid"), folder_.File("lieder/4.mid")},
+  };
+  for (const auto& run : runs) {
+    (void)Run(run);
+    const auto whole = nlohmann::json::parse(Out());
+    for (const int parts : {1, 3, 8}) {
+      std::vector<std::string> merge{"results", "merge", "--json"};
+      for (int part = parts; part >= 1; --part) {
+        std::vector<std::string> line = run;
+        line.insert(line.begin() + 2, {"--part", std::to_string(part) + "/" + std::to_string(parts)});
+        (void)Run(line);
+        const std::string name = "teil" + std::to_string(part) + ".json";
+        folder_.Write(name, Out());
+        merge.push_back(folder_.File(name));
+      }
+      (void)Run(merge);
+      EXPECT_EQ(nlohmann::json::parse(Out()), whole)
+          << parts << " parts: " << nlohmann::json::diff(whole, nlohmann::json::parse(Out()));
+      if (parts == 1) continue;
+      merge.pop_back();
+      EXPECT_EQ(Run(merge), kExitFailed);
+      EXPECT_THAT(Err(), HasSubstr("Es fehlt Teil 1"));
+    }
+  }
+  EXPECT_GT(nlohmann::json::parse(Content(folder_.File("teil1.json")))["items"].size(), 0U);
+  folder_.Write("falsch.json", R"({"filter":"MidiSearch","hits":[{"file":7}]})");
+  EXPECT_EQ(Run({"results", "merge", folder_.File("falsch.json")}), kExitFailed);
+  EXPECT_THAT(Err(), HasSubstr("kein Ergebnis"));
+}
+
+TEST_F(ProgramTest, HitsOfSeveralMelodiesNameTheirs) {
+  const std::string song = folder_.File("lieder/a.mid");
+  folder_.Write("lieder/a.mid", Content(DataPath("midi/jazzsoft_test-c-major-scale.mid")));
+  const std::vector<std::string> melodies{"60:240,62:240", "64:240,65:240", "62:240,64:240,65:240"};
+  std::multiset<std::string> alone;
+  std::vector<std::string> line{"run", "MidiSearch", "--json", "--set", "Rhythm=2", song};
+  for (const std::string& melody : melodies) {
+    ASSERT_EQ(Run({"run", "MidiSearch", "--json", "--set", "Rhythm=2", "--melody", melody, song}),
+              kExitSuccess)
+        << Err();
+    const auto hits = nlohmann::json::parse(Out())["hits"];
+    for (const auto& hit : hits) alone.insert(hit.dump());
+    line.insert(line.end(), {"--melody", melody});
+  }
+  ASSERT_EQ(Run(line), kExitSuccess) << Err();
+  std::multiset<std::string> together;
+  const auto hits = nlohmann::json::parse(Out())["hits"];
+  for (const auto& hit : hits) {
+    together.insert(hit.dump());
+    EXPECT_THAT(melodies, testing::Contains(hit["melody"].get<std::string>()));
+  }
+  EXPECT_GE(together.size(), 3U);
+  EXPECT_EQ(together, alone);
 }
 
 TEST_F(ProgramTest, SearchesFilesAndTreesForAMelody) {
@@ -402,14 +592,21 @@ TEST_F(ProgramTest, TheHelpOfEachFilterShowsExamplesOfItsOwnThatRun) {
                                : std::vector<std::string>{"run", name, "--help"}),
               kExitSuccess);
     const auto examples = Examples(Out());
-    EXPECT_GE(examples.size(), 2U) << name;
+    EXPECT_FALSE(examples.empty()) << name;
+    // What needs a disc in a drive, or a layout, has tests of its own.
+    const bool runsAnywhere =
+        !Has(filter, kWritesDisc) && !Has(filter, kTracksOnly) && !Has(filter, kNeedsNoSources);
     for (const std::string& example : examples) {
       EXPECT_THAT(example, StartsWith("ts5-batch run " + name));
+      if (!runsAnywhere) continue;
       // Each in a place of its own, where the files are that it names.
       const TemporaryDirectory place;
       for (const char* path : {"Lied.mid", "Tanz.mid", "Lieder/Lied.mid"}) place.Write(path, song);
       for (const char* path : {"Konzert.wav", "Aufnahmen/Konzert.wav"})
         place.Write(path, Content(DataPath("audio/wav_quiet_minus30db.wav")));
+      for (const char* path : {"Konzert.mp3", "Musik/Konzert.mp3"})
+        place.Write(path, Content(DataPath("audio/mpeg1_layer3_cbr128.mp3")));
+      place.Write("Konzert.ogg", Content(DataPath("audio/ogg_vorbis_mono_11025.ogg")));
       for (const char* path : {"Chor.stv", "Partituren/Chor.stv"})
         place.Write(path, Content(DataPath("../../demo/Bruder Jakob.stv")));
       place.Write("Chor.sts", "[sts5 Filelist]\r\nFiles=1\r\n1=Lied.mid\r\n");
@@ -506,15 +703,32 @@ TEST_F(ProgramTest, AJobRunsWithItsFilesParametersAndTheSettings) {
   ASSERT_EQ(Run({"registry", "set", ".", "OverwriteTarget", "0"}), kExitSuccess);
   EXPECT_EQ(Run({"job", "1"}), kExitSuccess) << Err();
   EXPECT_EQ(Listing(folder_.File("lieder")), "eins.mid eins.rmi eins001.rmi");
+  // Without a preset there is no name to write to.
+  ASSERT_EQ(Run({"registry", "set", ".", "VorgabeConvert", "1"}), kExitSuccess);
+  EXPECT_EQ(Run({"job", "1"}), kExitFailed);
+  EXPECT_THAT(Err(), HasSubstr("Legen Sie bitte einen Zieldateinamen fest."));
 }
 
-TEST_F(ProgramTest, ABrokenRegistryIsSetAsideAndTheRunGoesOn) {
-  home_.Write("registry.sqlite", "Das ist keine Datenbank, aber lang genug, um eine sein zu wollen.");
-  const ProgramEnd end = RunChild({"jobs"});
-  EXPECT_EQ(end.status, kExitSuccess) << end.err;
-  EXPECT_THAT(end.err, HasSubstr("beiseite"));
-  EXPECT_THAT(end.out, HasSubstr("Default Job"));
-  EXPECT_EQ(RunChild({"jobs"}).err, "");
+TEST_F(ProgramTest, WhatIsNoRegistryIsRefusedAndStaysAsItIs) {
+  const std::string text = "Das ist keine Datenbank, aber lang genug, um eine sein zu wollen.";
+  home_.Write("registry.sqlite", text);
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"jobs"}, {"registry", "set", ".", "SuffixConvert", "x"}}) {
+    const ProgramEnd end = RunChild(command);
+    EXPECT_EQ(end.status, kExitFailed);
+    EXPECT_THAT(end.err, HasSubstr("keine Registrierungsdatei"));
+    EXPECT_EQ(Content(home_.File("registry.sqlite")), text);
+  }
+}
+
+TEST_F(ProgramTest, TitlesDoNotSteerTheTerminal) {
+  ASSERT_EQ(Run({"registry", "set", ".", "Job Number", "1"}), kExitSuccess);
+  ASSERT_EQ(Run({"registry", "set", "Jobs\\Job 0001", "Title", "\x1b[2J\u009bOrgel"}), kExitSuccess);
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"jobs"}, {"registry", "list", "Jobs\\Job 0001"}, {"job", "fehlt"}}) {
+    (void)Run(command);
+    EXPECT_THAT(Out() + Err(), HasSubstr("?[2J?Orgel")) << command[0];
+  }
 }
 
 TEST_F(ProgramTest, CtrlCLeavesWholeFilesOnly) {
@@ -557,7 +771,6 @@ TEST_F(ProgramTest, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
-  ::setenv("XDG_DATA_HOME", home_.Path().c_str(), 1);
   EXPECT_EQ(Run({"cd", "list"}), 0);
   EXPECT_THAT(Out(), HasSubstr("keine lesbare CD"));
   EXPECT_FALSE(fs::exists(home_.File("stavora-ts5"))) << "to look makes nothing";
@@ -566,16 +779,16 @@ TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
   EXPECT_EQ(Run({"cd", "insert", DataPath("cd/three_tracks.cue")}), 0);
   EXPECT_EQ(Run({"cd", "list", "--json"}), 0);
   const auto drives = nlohmann::json::parse(Out())["drives"];
-  const auto& tracks = drives.back()["tracks"];
+  const auto& tracks = drives[0]["disc"]["tracks"];
   ASSERT_EQ(tracks.size(), 3U);
-  EXPECT_EQ(tracks[1]["sectors"], 60);
+  EXPECT_EQ(tracks[1]["frames"], 60);
+  const std::string second = "STAVORA VIRTUELLE CD\\Track 2";
 
   // A track by the name that the list shows, and a whole disc by the name of its drive.
-  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", tracks[1]["track"].get<std::string>()}),
-            0);
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", second}), 0);
   EXPECT_EQ(nlohmann::json::parse(Out())["lines"][1]["count"], 1);
   EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", "--set", "KurzAnspielen?=1", "--set",
-                 "Anspielzeit=1", "--dir", drives.back()["drive"].get<std::string>()}),
+                 "Anspielzeit=1", "--dir", drives[0]["name"].get<std::string>()}),
             0);
   EXPECT_EQ(nlohmann::json::parse(Out())["lines"][1]["count"], 3);
   EXPECT_EQ(Run({"run", "MidiConverter", "--dir", "stavora virtuelle cd"}), 1) << "no tracks for this one";
@@ -583,11 +796,9 @@ TEST_F(ProgramTest, DiscsArePutInListedAndPlayed) {
       << "nor targets";
 
   EXPECT_EQ(Run({"cd", "eject"}), 0);
-  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", tracks[1]["track"].get<std::string>()}),
-            1);
+  EXPECT_EQ(Run({"run", "AudioPlayer", "--device", "null", "--json", second}), 1);
   EXPECT_EQ(nlohmann::json::parse(Out())["items"][0]["code"], -500);
   EXPECT_EQ(Run({"cd"}), 2);
-  ::unsetenv("XDG_DATA_HOME");
 }
 
 }  // namespace

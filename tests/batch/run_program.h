@@ -5,9 +5,13 @@
 #include <sys/types.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ts5::batch {
+
+// A variable of its environment.
+using Variable = std::pair<std::string, std::string>;
 
 struct ProgramEnd {
   int status = -1;  // exit status; 128 + signal when a signal ended it
@@ -18,9 +22,10 @@ struct ProgramEnd {
 class Program {
  public:
   // Starts it without a terminal, its input empty, in that directory, with that registry file. fileLimit: the
-  // longest file that it may write, as with ulimit -f; 0 for any.
+  // longest file that it may write, as with ulimit -f; 0 for any. variables: what its environment has
+  // besides.
   Program(const std::vector<std::string>& line, const std::string& directory, const std::string& registry,
-          rlim_t fileLimit = 0);
+          rlim_t fileLimit = 0, std::vector<Variable> variables = {});
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;

@@ -20,35 +20,11 @@ cp "$HOME/Klang/Rag.wav" "$HOME/Klang/Rag 2.wav"
 
 # format FILE: what the console says of a file's format.
 format() { "$console" info --json "$1" | grep -A1 '"Format"' | grep -o '[0-9]* Hz.*"' || true; }
-# tile TITLE: clicks on the tiles of the filter bar until a window of that title opens, and prints its number.
-tile() {
-  local dialog y
-  for y in $(seq 90 20 700); do
-    click 100 "$y"
-    sleep 0.3
-    if dialog=$(shown "$1"); then
-      echo "$dialog"
-      return
-    fi
-    xdotool key Escape
-    sleep 0.15
-  done
-  return 1
-}
-# directory Y: chooses the line of the tree at that height, and all of its files.
-directory() {
-  to_main
-  click 320 "$1"
-  sleep 3
-  click 620 135
-  sleep 0.5
-  keys shift+End
-  sleep 0.5
-}
 
 # The tree of the drive: "Klang", then "Musik".
 start_program
 directory 128
+all_files
 picture 1-directory
 
 # --- the wave converter: another format by its place in the list, then the run
@@ -79,6 +55,7 @@ closed '^Eigenschaften von'
 
 # --- the audio player: all four files, with the window, seeking and skipping
 directory 128
+all_files
 player=$(tile '^Playback-Parameter') || fail "no tile opens the audio player"
 to_main
 keys ctrl+Return
@@ -103,6 +80,7 @@ closed '^Playback-Parameter' || fail "the window of the player stays"
 
 # --- MIDI to wave and the MIDI player
 directory 148
+all_files
 parameters=$(tile '^Midi-Wave-Parameter') || fail "no tile opens the MIDI-to-wave parameters"
 picture 8-midi-to-wave
 keys alt+f
@@ -125,7 +103,9 @@ keys Return
 # The MIDI files alone, read anew.
 rm "$HOME/Musik/"*.wav
 directory 128
+all_files
 directory 148
+all_files
 player=$(tile '^Playback-Parameter') || fail "no tile opens the MIDI player"
 to_main
 keys ctrl+Return
@@ -140,5 +120,13 @@ xdotool windowfocus "$player" || true
 keys Escape
 [ "$(head -c 4 "$HOME/Musik/Gymnopédie Nr. 1.rdl")" = RDL3 ] || fail "the player changed the sequencer file"
 
+# --- a sound server that hangs keeps nobody from leaving
+keys ctrl+Return
+within 10 sounds || fail "the MIDI file does not sound again"
+kill -STOP "$sound"
+leaving=$app
 end_program 12-end
+kill -CONT "$sound"
+wait "$leaving" || fail "it ended with status $?"
+"$console" jobs >/dev/null || fail "the registry was not left in order"
 echo "audio: converted, measured, played, ended in order"

@@ -52,6 +52,34 @@ keys() { for key in "$@"; do xdotool key --clearmodifiers "$key"; sleep 0.25; do
 click() { xdotool mousemove $((X + $1)) $((Y + $2)) click 1; }
 to_main() { xdotool windowfocus "$main" || true; }
 
+# tile TITLE: clicks on the tiles of the filter bar until a window of that title opens, and prints its number.
+tile() {
+  local dialog y
+  for y in $(seq 90 20 700); do
+    click 100 "$y"
+    sleep 0.3
+    if dialog=$(shown "$1"); then
+      echo "$dialog"
+      return
+    fi
+    xdotool key Escape
+    sleep 0.15
+  done
+  return 1
+}
+# directory Y: chooses the line of the tree at that height, and its first file.
+directory() {
+  to_main
+  click 320 "$1"
+  sleep 2
+  click 620 135
+  sleep 0.5
+}
+# back_to TITLE: without a window manager nobody gives the keys back to the window below.
+back_to() { xdotool windowfocus "$(window "$1")"; sleep 0.3; }
+all_files() { keys shift+End; sleep 0.5; }
+type_text() { xdotool type --delay 20 -- "$1"; sleep 0.3; }
+
 # start_program [FILE.sts]: starts it and waits for the main window, not the splash of the same name: main, X, Y.
 start_program() {
   "$program" "$@" &
@@ -85,6 +113,21 @@ start_sound() {
 }
 sounds() { pactl list short sink-inputs | grep -q .; }
 silent() { ! sounds; }
+
+# take_demo KIND...: the demo files with these extensions; what there is not as such (xml, mxl, stvx) is made of the
+# scores.
+take_demo() {
+  local kind score
+  for kind in "$@"; do
+    case $kind in
+      xml | musicxml | mxl | stvx)
+        for score in "$demo"/*.stv; do
+          "$console" run XmlConverter --dest "$HOME/Musik/$(basename "$score" .stv).$kind" "$score" >/dev/null
+        done ;;
+      *) cp "$demo"/*."$kind" "$HOME/Musik" ;;
+    esac
+  done
+}
 
 # make_files DIRECTORY COUNT: as many MIDI files of one song, lied000001.mid and on, as links.
 make_files() {

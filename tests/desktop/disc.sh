@@ -28,7 +28,8 @@ start_program
 picture 1-start
 click 500 78
 sleep 0.5
-keys End Return
+# The recorder is the last one.
+keys End Up Return
 window '^CD-Abbild einlegen' >/dev/null || fail "the empty drive asks for nothing"
 picture 2-empty
 xdotool type "$HOME/Rag.cue"

@@ -4,12 +4,13 @@
 #
 #   tests/desktop/melody.sh PROGRAM [PICTURES] [KINDS]
 #
-# KINDS are the extensions of the demo files to look in: "mid rmi rdl" unless given; "stv" for the scores.
+# KINDS are the extensions of the demo files to look in: "mid rmi rdl" unless given; "stv", "xml", "mxl" or "stvx" for
+# the scores.
 # Exit status 0 when the melody is stored, the PDF file is there and the program ended by itself.
 program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
-for kind in ${3:-mid rmi rdl}; do cp "$demo"/*."$kind" "$HOME/Musik"; done
+take_demo ${3:-mid rmi rdl}
 
 start_program
 

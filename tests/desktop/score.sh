@@ -3,13 +3,15 @@
 # with another tempo and from another place, converts it, reads the results, ends. Needs Xvfb, xdotool and ImageMagick's
 # import.
 #
-#   tests/desktop/score.sh PROGRAM [PICTURES]
+#   tests/desktop/score.sh PROGRAM [PICTURES] [KIND]
 #
+# KIND is the extension of the scores: stv unless given; xml, mxl, stvx.
 # Exit status 0 when the MIDI file is there and the program ended by itself.
 program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
-cp "$demo"/*.stv "$HOME/Musik"
+take_demo "${3:-stv}"
+properties_title='^(Datei-Eigenschaften von|(MusicXML|StvXML)-Dateieigenschaften)'
 
 # press WINDOW KEY...: keys for a window that is open.
 press() {
@@ -17,18 +19,6 @@ press() {
   sleep 0.2
   shift
   keys "$@"
-}
-# tile NAME: finds the tile that opens a window of that title, and prints the window's number.
-tile() {
-  local y found
-  for y in $(seq 90 20 700); do
-    click 100 "$y"
-    sleep 0.3
-    found=$(shown "$1") && { echo "$found"; return; }
-    xdotool key Escape
-    sleep 0.2
-  done
-  return 1
 }
 
 start_program
@@ -42,11 +32,11 @@ keys End
 sleep 0.5
 
 keys ctrl+e
-properties=$(window '^Datei-Eigenschaften von') || fail "no properties"
+properties=$(window "$properties_title") || fail "no properties"
 press "$properties" End
 picture 1-properties
 keys Escape
-closed '^Datei-Eigenschaften von' || fail "the properties stay"
+closed "$properties_title" || fail "the properties stay"
 to_main
 
 playback=$(tile '^Playback-Parameter') || fail "no tile opens the playback window"

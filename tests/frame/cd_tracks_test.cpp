@@ -7,7 +7,9 @@
 
 #include "frame/file_list_file.h"
 #include "frame/job_store.h"
-#include "platform/virtual_cd.h"
+#include "platform/disc/virtual_cd.h"
+#include "platform/disc/virtual_recorder.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -44,11 +46,9 @@ TEST(CdTracks, AreFoundByTheNameOrThePlaceOfTheirDrive) {
 class VirtualDriveTracks : public testing::Test {
  protected:
   void SetUp() override {
-    ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1);
     ASSERT_THAT(InsertVirtualDisc(test::DataPath("cd/three_tracks.cue")), test::IsOk());
   }
-  void TearDown() override { ::unsetenv("XDG_DATA_HOME"); }
-  test::TemporaryDirectory data_;
+  test::Home data_;
 };
 
 TEST_F(VirtualDriveTracks, ADiscIsADirectoryOfTracks) {
@@ -63,6 +63,9 @@ TEST_F(VirtualDriveTracks, ADiscIsADirectoryOfTracks) {
   EXPECT_EQ(CdDirectoryOf("Stavora"), std::nullopt);
   EXPECT_EQ(DriveOfFile(VolumeTable::OfThisMachine(), VirtualCdDirectory() + "/Track01.cda"),
             VirtualCdName());
+  EXPECT_EQ(DriveOfFile(VolumeTable::OfThisMachine(), VirtualRecorderDirectory() + "/Track01.cda"),
+            VirtualRecorderName())
+      << "longer than what a drive can say of itself";
   EXPECT_EQ(DriveOfFile(VolumeTable::OfThisMachine(), data_.File("Track01.cda")), std::nullopt);
 
   const std::string cue =
@@ -88,7 +91,8 @@ TEST_F(VirtualDriveTracks, TracksOfAListAreThereWithTheirDisc) {
 
 TEST_F(VirtualDriveTracks, AJobComesBackToItsDiscButTheDefaultJobToNoEmptyDrive) {
   const VolumeTable volumes = VolumeTable::OfThisMachine();
-  const JobSurroundings around = JobSurroundingsOf(volumes, [](FilterId) { return nullptr; });
+  const JobSurroundings around = JobSurroundingsOf(
+      volumes, [](FilterId) { return nullptr; }, FindAudioCd);
   RegistryValues values;
   values.SetText("SourcePath", VirtualCdDirectory());
   values.SetInteger("SourceDrive", 7);

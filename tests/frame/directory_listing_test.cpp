@@ -13,7 +13,7 @@
 #include <optional>
 #include <thread>
 
-#include "platform/event_loop.h"
+#include "platform/programs/event_loop.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -58,7 +58,7 @@ TEST(DirectoryListing, ListsTypeByTypeAndEachByName) {
   const Listed listed = List(directory.Path());
   EXPECT_THAT(listed.end.outcome, test::IsOk());
   EXPECT_THAT(listed.Names(), ElementsAre("x.ASF", "link.wav", "y.wav", ".mid", "alt.mid", "Zug.MID",
-                                          "Ärger.mid", "z.stv", "b.rmi", "b.ape"));
+                                          "Ärger.mid", "z.stv", "b.rmi", "b.ape", "a.stvx"));
   EXPECT_EQ(listed.items[5].type, FileTypeId::Midi);
 }
 

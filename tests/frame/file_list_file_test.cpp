@@ -4,7 +4,7 @@
 
 #include <ctime>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -70,6 +70,27 @@ TEST_F(FileListFile, KeepsEveryPathThereAndBack) {
       EXPECT_EQ(loaded->entries[i].path, list[i].path);
       EXPECT_EQ(StoredEntry(loaded->entries[i], burner), StoredEntry(list[i], burner));
     }
+  }
+}
+
+TEST_F(FileListFile, FindsUmlautsInWhateverEncoding) {
+  const std::string song = File("lied äö.mid");
+  const std::string both = File("Ã¤.mid");  // what the bytes of ä in UTF-8 are in Windows-1252
+  File("ä.mid");
+  const std::string utf8 = ListOf("2", {song, directory_.File("Ã¤.mid")});
+  const std::string text = test::Content(utf8);
+  std::string wide = "\xFF\xFE";
+  for (const char16_t unit : Utf16FromUtf8(text)) {
+    wide += static_cast<char>(unit & 0xFF);
+    wide += static_cast<char>(unit >> 8);
+  }
+  for (const std::string& content : {text, "\xEF\xBB\xBF" + text, Windows1252FromUtf8(text), wide}) {
+    const auto loaded = Load(directory_.Write("list.sts", content));
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(loaded->missing, 0U);
+    ASSERT_EQ(loaded->entries.size(), 2U);
+    EXPECT_EQ(loaded->entries[0].path, song);
+    EXPECT_EQ(loaded->entries[1].path, both) << "what is found as it stands is not guessed at";
   }
 }
 

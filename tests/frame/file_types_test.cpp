@@ -36,6 +36,9 @@ TEST(FileTypes, AreTakenFromTheLastExtension) {
       {"a.stvx", 93, "STVXICON"},
       {"a.ogg", 95, "OGGICON"},
       {"a.ape", 97, "APEICON"},
+      {"a.FLAC", 99, "FLACICON"},
+      {"a.opus", 101, "OPUSICON"},
+      {"a.m4a", 103, "M4AICON"},
       // Paths are never tracks, and a dot in a directory is no extension of a known kind.
       {"c:\\lieder\\readme", 19, "STOPICON"},
       {"/home/u/readme", 19, "STOPICON"},
@@ -49,12 +52,12 @@ TEST(FileTypes, AreTakenFromTheLastExtension) {
 }
 
 TEST(FileTypes, IconStripHasTwoIndicesPerIcon) {
-  EXPECT_EQ(FileIcons().size(), 49U);
+  EXPECT_EQ(FileIcons().size(), 52U);
   EXPECT_EQ(FileIconName(0), "DISKICON");
   EXPECT_EQ(FileIconName(1), "DISKICON");
   EXPECT_EQ(FileIconName(64), "CLOSEDDIRICON_GRAY");
   EXPECT_EQ(FileIconName(97), "APEICON");
-  EXPECT_EQ(FileIconName(98), "");
+  EXPECT_EQ(FileIconName(104), "");
   EXPECT_EQ(FileIconName(-1), "");
 }
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "frame/filter_catalogue.h"
-#include "frame/texts.h"
 
 namespace ts5 {
 namespace {
@@ -175,58 +174,50 @@ TEST(FilterBar, WhileTheJobRunsOnlyAPlayingPlayersTileStaysUsable) {
   EXPECT_FALSE(bar.tiles[5].buttonEnabled);
 }
 
-TEST(FilterBar, TilesAreLaidOutFromTheTop) {
-  FilterBarInput input{
-      .source = ListContext(ListOf({"/m/a.wav"}, {0})), .devices = kAllDevices, .filter = AudioPlayer};
-  input.words[8] = ToggledStatus(input.words[8]);
-  FilterBar bar = RefreshFilterBar(input);
-  EXPECT_EQ(bar.tiles[7].top, 0);
-  EXPECT_EQ(bar.tiles[8].top, 63);
-  EXPECT_EQ(bar.tiles[9].top, 63 + 19);
-  EXPECT_EQ(bar.tiles[15].top, 63 + 19 + 63);
-  input.appearance = SkinLayout::Windows;
-  EXPECT_EQ(RefreshFilterBar(input).tiles[9].top, 66 + 19);
-}
-
 TEST(FilterBar, ToggleKeepsExpandedAndCollapsedApart) {
   const std::uint32_t word = kStatusExpanded | kStatusShown;
   EXPECT_EQ(ToggledStatus(word), kStatusCollapsed | kStatusShown);
   EXPECT_EQ(ToggledStatus(ToggledStatus(word)), word);
   EXPECT_EQ(ToggledStatus(0), kStatusCollapsed);
-  EXPECT_EQ(TileToolTip(MidiPlayer, word), "Spielt Midi-Dateien ab (MID, RMI, RDL)");
-  EXPECT_EQ(TileToolTip(MidiPlayer, ToggledStatus(word)), "Midi-Player");
 }
 
-TEST(FilterBar, GradientRunsFromColour2ToColour1) {
-  EXPECT_EQ(TileRowColour(XmlConverter, 0, 64), 0x0042CCU);
-  EXPECT_EQ(TileRowColour(XmlConverter, 63, 64), 0x77A4FFU);
-  EXPECT_EQ(TileRowColour(Artworker, 32, 65), 0x7F7F7FU);
-  EXPECT_EQ(TileRowColour(Artworker, 0, 1), 0x000000U);
-  EXPECT_EQ(TileRowColour(Artworker, 99, 10), 0xFFFFFFU);
-}
-
-TEST(FilterSwitch, AsksOnlyAroundTheBurnerWithAFilledList) {
-  using enum FilterSwitch::Kind;
-  const struct {
-    FilterId current, next;
-    bool listIsEmpty, idle;
-    FilterSwitch::Kind kind;
-    std::optional<TextId> question;
-  } kCases[] = {
-      {MidiConverter, CdBurner, false, true, Ask, texts::AskSwitchToBurner},
-      {CdBurner, MidiConverter, false, true, Ask, texts::AskSwitchFromBurner},
-      {CdBurner, MidiConverter, true, true, Free, {}},
-      {MidiConverter, CdBurner, true, true, Free, {}},
-      {CdBurner, CdBurner, false, true, Same, {}},
-      {MidiConverter, MidiPlayer, false, true, Free, {}},
-      {MidiConverter, MidiPlayer, false, false, Refused, {}},
-      {CdBurner, CdBurner, false, false, Refused, {}},
+TEST(FilterBar, AllCanBeShownAndSayWhyTheyDoNotFit) {
+  const auto bar = [](SourceContext source, DeviceCounts devices = kAllDevices, SourceContext whole = {}) {
+    return RefreshFilterBar({.source = std::move(source),
+                             .whole = std::move(whole),
+                             .devices = devices,
+                             .filter = MidiConverter,
+                             .showAll = true});
   };
-  for (const auto& test : kCases) {
-    const FilterSwitch plan = PlanFilterSwitch(test.current, test.next, test.listIsEmpty, test.idle);
-    EXPECT_EQ(plan.kind, test.kind);
-    EXPECT_EQ(plan.question, test.question);
+  const auto refusal = [](const FilterBar& shown, FilterId filter) {
+    const FilterTile& tile = shown.tiles[static_cast<std::size_t>(filter)];
+    EXPECT_NE(tile.buttonEnabled, tile.refusal.has_value());
+    return tile.refusal ? tile.refusal->reason : "";
+  };
+  const FilterBar one = bar(ListContext(ListOf({"/m/a.mid", "/m/b.wav"}, {0})));
+  EXPECT_EQ(ShownIn(one).size(), kFilterCount);
+  EXPECT_EQ(refusal(one, MidiConverter), "");
+  EXPECT_EQ(refusal(one, ScorePlayer), "braucht eine Partitur");
+  EXPECT_EQ(refusal(one, CdCopier), "braucht eine Audio-CD");
+  EXPECT_EQ(one.tiles[static_cast<std::size_t>(XmlConverter)].refusal->remedy,
+            "Markieren Sie Dateien dieser Art: .stvx, .xml, .musicxml, .mxl.");
+  const FilterBar mixed = bar(ListContext(ListOf({"/m/a.mid", "/m/b.wav"}, {0, 1})));
+  EXPECT_EQ(refusal(mixed, WaveConverter), "nimmt nicht alle markierten Dateien");
+  EXPECT_EQ(refusal(mixed, AudioDecompressor), "braucht eine komprimierte Audio-Datei");
+  const FilterBar bare = bar(ListContext(ListOf({"/m/a.mid"}, {0})), {});
+  EXPECT_EQ(refusal(bare, MidiPlayer), "kein Midi-Gerät gefunden");
+  EXPECT_EQ(refusal(bare, AudioPlayer), "kein Klanggerät gefunden");
+  EXPECT_EQ(refusal(bare, CdBurner), "kein CD-Brenner gefunden");
+
+  // Of a list in which nothing is selected, filters can be chosen that take all of it.
+  const FreeFileList list = ListOf({"/m/a.mid", "/m/b.rmi"});
+  const FilterBar whole = bar(ListContext(list), kAllDevices, WholeListContext(list));
+  for (const FilterDescriptor& filter : FilterCatalogue()) {
+    const bool takes = filter.id == MidiToScore || filter.id == MidiPlayer || filter.id == MidiConverter ||
+                       filter.id == MidiToWave;
+    EXPECT_EQ(whole.tiles[static_cast<std::size_t>(filter.id)].marksAll, takes) << filter.identifier;
   }
+  EXPECT_FALSE(whole.CanRun()) << "nothing is selected yet";
 }
 
 }  // namespace

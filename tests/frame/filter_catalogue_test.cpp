@@ -2,7 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/text.h"
+#include <typeinfo>
+
+#include "frame/filter_module.h"
+#include "frame/texts.h"
+#include "platform/base/text.h"
+#include "run_support.h"
 
 namespace ts5 {
 namespace {
@@ -28,23 +33,23 @@ TEST(FilterCatalogue, RowsCarryTheirValues) {
     std::size_t single, several, wholeList;
     std::uint32_t kinds, panels, colour1, colour2;
   } kRows[] = {
-      {FilterId::ScoreToMidi, 3, 3, 0, 1, 0x01, 0x00FF00, 0x800000},
+      {FilterId::ScoreToMidi, 5, 5, 0, 1, 0x01, 0x00FF00, 0x800000},
       {FilterId::MidiToScore, 3, 3, 0, 1, 0x01, 0xFF0000, 0x008000},
-      {FilterId::ScoreSearch, 3, 3, 3, 2, 0x05, 0xFF0000, 0x400000},
+      {FilterId::ScoreSearch, 5, 5, 5, 2, 0x05, 0xFF0000, 0x400000},
       {FilterId::MidiSearch, 3, 3, 3, 2, 0x05, 0x00FF00, 0x004000},
       {FilterId::MidiPlayer, 3, 3, 0, 1, 0x08, 0x00FF00, 0x004000},
       {FilterId::MidiConverter, 3, 3, 0, 1, 0x01, 0x00FF00, 0x004000},
       {FilterId::MidiToWave, 3, 3, 0, 1, 0x01, 0x0000FF, 0x008000},
-      {FilterId::AudioPlayer, 10, 10, 1, 1, 0x10, 0x0000FF, 0x000040},
+      {FilterId::AudioPlayer, 13, 13, 1, 1, 0x10, 0x0000FF, 0x000040},
       {FilterId::WaveConverter, 2, 2, 0, 1, 0x01, 0x0000FF, 0x000040},
       {FilterId::AudioCompressor, 2, 2, 0, 1, 0x01, 0xFF00FF, 0x000080},
-      {FilterId::AudioDecompressor, 8, 8, 0, 1, 0x01, 0x0000FF, 0xC800C8},
+      {FilterId::AudioDecompressor, 11, 11, 0, 1, 0x01, 0x0000FF, 0xC800C8},
       {FilterId::CdBurner, 0, 0, 11, 1, 0x20, 0x00FFFF, 0x004040},
       {FilterId::CdGrabber, 1, 1, 1, 1, 0x01, 0xFFFF00, 0x404000},
       {FilterId::CdCopier, 0, 0, 0, 1, 0x20, 0xC8C800, 0x202000},
-      {FilterId::ScorePlayer, 3, 3, 0, 1, 0x08, 0xC80000, 0x200000},
+      {FilterId::ScorePlayer, 5, 5, 0, 1, 0x08, 0xC80000, 0x200000},
       {FilterId::Artworker, 0, 0, 0, 1, 0x40, 0xFFFFFF, 0x000000},
-      {FilterId::XmlConverter, 2, 2, 0, 1, 0x01, 0x77A4FF, 0x0042CC},
+      {FilterId::XmlConverter, 4, 4, 0, 1, 0x01, 0x77A4FF, 0x0042CC},
   };
   for (const auto& row : kRows) {
     const FilterDescriptor& filter = Descriptor(row.id);
@@ -68,19 +73,61 @@ TEST(FilterCatalogue, FindsFiltersByAnyOfTheirNames) {
     EXPECT_EQ(FindFilter(wrong), FilterId::None) << wrong;
 }
 
-TEST(FilterCatalogue, TargetFileFiltersFollowFilterAndContext) {
-  const auto pattern = [](FilterId id, TargetFilterContext context = {}) {
-    return ParseFileFilter(TargetFileFilter(id, context)).at(0).patterns.at(0);
+TEST(FilterCatalogue, SaveTypesAreThoseOfTheFilterUnlessItsTargetHasOthers) {
+  const auto pattern = [](FilterId id, const FilterModule* module = nullptr) {
+    Job job;
+    job.filter = id;
+    job.parameters = LoadParameters(module, {});
+    return ParseFileFilter(SaveTypesOf(job, module)).at(0).patterns.at(0);
   };
   EXPECT_EQ(pattern(FilterId::ScoreToMidi), "*.mid");
-  EXPECT_EQ(pattern(FilterId::MidiConverter), "*.mid");
   EXPECT_EQ(pattern(FilterId::MidiToScore), "*.stv");
   EXPECT_EQ(pattern(FilterId::MidiSearch), "*.txt");
   EXPECT_EQ(pattern(FilterId::CdGrabber), "*.wav");
-  EXPECT_EQ(pattern(FilterId::AudioCompressor), "*.mp2");
-  EXPECT_EQ(pattern(FilterId::AudioCompressor, {.wmaInterface = true}), "*.wma");
   EXPECT_EQ(pattern(FilterId::XmlConverter), "*.xml");
-  EXPECT_EQ(pattern(FilterId::XmlConverter, {.sourceIsXml = true}), "*.stvx");
+  FilterModule module = test::CopyModule(FilterId::XmlConverter);
+  EXPECT_EQ(pattern(FilterId::XmlConverter, &module), "*.xml");
+  module.target = [](const FilterParameters&, const std::string&) {
+    return TargetRule{.extension = "stvx", .fileTypes = texts::FileFilterStvXml};
+  };
+  EXPECT_EQ(pattern(FilterId::XmlConverter, &module), "*.stvx");
+}
+
+TEST(ModuleOf, GivesItsFunctionsTheParametersAsWhatTheyAre) {
+  struct Other : ClonableParameters<Other> {};
+  enum class Level : std::int32_t { Low = 2, High = 8 };
+  struct Own : ClonableParameters<Own> {
+    Level level = Level::Low;
+    struct {
+      bool loud = false;
+    } inner;
+  };
+  static constexpr std::array<std::int32_t, 2> kLevels = {2, 8};
+  FieldTable<Own> table;
+  table.Choice("Level", kLevels, &Own::level)
+      .Flag(
+          "Loud", [](auto& p) -> auto& { return p.inner.loud; });
+  ModuleOf<Own> of;
+  of.id = FilterId::MidiConverter;
+  of.defaults.level = Level::High;
+  of.fields = table.Build();
+  of.target = [](const Own& own, const std::string&) {
+    return TargetRule{.extension = own.level == Level::High ? "high" : "low"};
+  };
+  const FilterModule module = MakeModule(std::move(of));
+
+  ParametersValue parameters = LoadParameters(&module, {});
+  EXPECT_EQ(module.target(*parameters, "").extension, "high");
+  EXPECT_EQ(module.fields[0].description, "2|8");
+  EXPECT_TRUE(module.fields[0].set(*parameters, " 2 "));
+  EXPECT_FALSE(module.fields[0].set(*parameters, "3"));
+  EXPECT_TRUE(module.fields[1].set(*parameters, "1"));
+  EXPECT_EQ(module.target(*parameters, "").extension, "low");
+  RegistryValues values;
+  SaveParameters(module, *parameters, values);
+  EXPECT_EQ(values.Text("Level"), "2");
+  EXPECT_EQ(values.Text("Loud"), "1");
+  EXPECT_THROW((void)module.target(Other{}, ""), std::bad_cast);
 }
 
 TEST(FilterCatalogue, ParsesFileFilters) {

@@ -28,8 +28,9 @@ class JobRunnerTest : public testing::Test {
                               FilterId::CdBurner, FilterId::MidiSearch}) {
       FilterModule& module = modules_.emplace_back(CopyModule(id));
       module.stop.status = texts::Stopping;
+      module.sharesMidiDevice = id != FilterId::MidiToWave;
       module.midiDevice = [](const Job& job) -> std::optional<std::int32_t> {
-        const std::int32_t device = static_cast<const CopyParameters&>(*job.parameters).device;
+        const std::int32_t device = As<CopyParameters>(*job.parameters).device;
         return device < 0 ? std::nullopt : std::optional(device);
       };
     }
@@ -83,7 +84,7 @@ TEST_F(JobRunnerTest, SeveralJobsRunAtOnceAndEachEndsOnce) {
   ASSERT_TRUE(runner_.Start(jobs[2], {}, hosts[2], dialogs_));
   runner_.Wait(jobs[2]);
   ASSERT_EQ(hosts[2]->results.size(), 2U);
-  EXPECT_EQ(hosts[2]->results[1].lines[0].count, 1U);
+  EXPECT_EQ(hosts[2]->results[1].counts[0], 1U);
   EXPECT_EQ(runner_.Stop(jobs[2]), std::nullopt);
 
   EXPECT_TRUE(runner_.Shutdown());

@@ -7,9 +7,10 @@
 
 #include <random>
 
+#include "frame/cd_tracks.h"
 #include "frame/filter_catalogue.h"
-#include "platform/registry.h"
-#include "platform/volumes.h"
+#include "platform/disc/volumes.h"
+#include "platform/store/registry.h"
 #include "run_support.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -321,6 +322,19 @@ TEST(JobStore, FewerJobsLeaveTheOldKeysUnread) {
   EXPECT_EQ(registry->Read(kRoot)->Text("Job Number"), "2");
 }
 
+// The settings key with the number of jobs is lost: the jobs are not.
+TEST(JobStore, JobsAreFoundWithoutTheirNumber) {
+  auto registry = Registry::Open(kRegistryInMemory);
+  ASSERT_TRUE(registry);
+  Job a;
+  a.title = "a";
+  ASSERT_THAT(SaveJobs(*registry, Job(), {&a, &a}, FindCopyModule), IsOk());
+  ASSERT_THAT(registry->Write(kRoot, Values({{"Job Number", "1"}})), IsOk());
+  EXPECT_EQ(LoadJobs(*registry, Surroundings())->saved.size(), 1U);
+  ASSERT_THAT(registry->Write(kRoot, {}), IsOk());
+  EXPECT_EQ(LoadJobs(*registry, Surroundings())->saved.size(), 2U);
+}
+
 // A program that saves one generation of jobs after the other is killed; what is left is one of them, whole.
 TEST(JobStore, SurvivesAKillAtAnyMoment) {
   const test::TemporaryDirectory place;
@@ -374,7 +388,7 @@ TEST(JobStore, PathsOfTheOldSystemAreFound) {
                                         {"SourceListFile 0001", R"(c:\musik\CHOR\LIED.MID)"},
                                         {"SourceListFile 0002", R"(Q:\gone.mid)"},
                                         {"DestFilename", R"(C:\Musik\neu.mid)"}}),
-                                1, JobSurroundingsOf(volumes, FindCopyModule));
+                                1, JobSurroundingsOf(volumes, FindCopyModule, FindAudioCd));
   EXPECT_EQ(job.directory.path, home.File("Musik/Chor"));
   EXPECT_EQ(job.sourceDrive, 0);
   EXPECT_EQ(job.files[0].path, home.File("Musik/Chor/Lied.mid"));

@@ -157,13 +157,29 @@ TEST_F(JobsTest, RemovingMovesTheOthersDown) {
   window_.answer = true;
   EXPECT_FALSE(jobs_.Remove(0, window_));
   EXPECT_TRUE(jobs_.Remove(2, window_));
-  EXPECT_EQ(window_.asked, std::vector<std::string>(2, "Wollen Sie den Job wirklich löschen?"));
+  EXPECT_EQ(window_.asked, std::vector<std::string>(2, "Wollen Sie den Job wirklich löschen?\n\nzwei: "));
   EXPECT_EQ(jobs_.Count(), 2U);
   EXPECT_EQ(jobs_.Active().title, "drei");
   EXPECT_EQ(jobs_.ActiveNumber(), 2U);
   EXPECT_TRUE(jobs_.Remove(2, window_));
   EXPECT_EQ(jobs_.ActiveNumber(), 0U);
   EXPECT_EQ(window_.shown.back(), "Default Job");
+}
+
+TEST_F(JobsTest, TheJobThatWasRemovedLastComesBackToItsPlace) {
+  EXPECT_FALSE(jobs_.Restore());
+  const JobId id = jobs_[1].Id();
+  ASSERT_TRUE(jobs_.Remove(1, window_));
+  ASSERT_TRUE(jobs_.Activate(2, JobSaving::Automatic, window_));
+  EXPECT_EQ(jobs_.Restore(), 1U);
+  EXPECT_EQ(jobs_[1].title, "eins");
+  EXPECT_EQ(jobs_[1].Id(), id);
+  EXPECT_EQ(jobs_.Active().title, "drei") << "the active job has moved up with its number";
+  EXPECT_FALSE(jobs_.Restore()) << "once";
+  ASSERT_TRUE(jobs_.Remove(3, window_));
+  ASSERT_TRUE(jobs_.Remove(2, window_));
+  EXPECT_EQ(jobs_.Restore(), 2U);
+  EXPECT_EQ(jobs_.Count(), 2U);
 }
 
 TEST_F(JobsTest, SwitchingTheFilterKeepsItsValues) {
@@ -179,6 +195,12 @@ TEST_F(JobsTest, SwitchingTheFilterKeepsItsValues) {
   EXPECT_TRUE(jobs_.SwitchFilter(job, FilterId::MidiConverter, window_));
   EXPECT_EQ(Device(job), 9);
   EXPECT_EQ(job.destinationDevice, kNoDevice);
+  EXPECT_EQ(job.destinationName, "alt") << "for the same sources";
+  EXPECT_TRUE(jobs_.SwitchFilter(job, FilterId::MidiPlayer, window_));
+  EXPECT_EQ(job.destinationName, "");
+  job.directory.names = {"anders.mid"};
+  EXPECT_TRUE(jobs_.SwitchFilter(job, FilterId::MidiConverter, window_));
+  EXPECT_EQ(job.destinationName, "") << "it was for another file";
   EXPECT_THAT(window_.asked, IsEmpty());
 }
 

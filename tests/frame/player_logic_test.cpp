@@ -9,7 +9,7 @@
 #include "frame/playback_form.h"
 #include "frame/player_control.h"
 #include "frame/player_parameters.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 namespace {

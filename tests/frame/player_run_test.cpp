@@ -69,7 +69,7 @@ class PlayerRunTest : public testing::Test {
     return test::RunJob(test::ListJob(titles, module), module, {}, host_);
   }
   static std::vector<std::uint32_t> Counts(const RunResult& result) {
-    return {result.lines[0].count, result.lines[1].count, result.lines[2].count};
+    return {result.counts[0], result.counts[1], result.counts[2]};
   }
 
   std::shared_ptr<test::RecordingHost> host_;

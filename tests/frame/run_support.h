@@ -19,7 +19,7 @@
 #include "frame/job_dialogs.h"
 #include "frame/player_parameters.h"
 #include "frame/run.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace ts5::test {
 
@@ -89,6 +89,7 @@ class RecordingHost : public RunHost {
     progress.push_back(event);
     changed_.notify_all();
   }
+  void TaskText(std::string_view) override {}
   void StatusText(std::string_view text) override {
     const std::lock_guard lock(mutex_);
     status.emplace_back(text);

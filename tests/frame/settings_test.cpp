@@ -196,7 +196,6 @@ class SettingsFormCheck : public testing::Test {
     EXPECT_EQ(check.message, message);
     EXPECT_EQ(check.field, field);
     EXPECT_EQ(check.settings, current_);
-    EXPECT_FALSE(check.wholePathChanged);
   }
 
   test::TemporaryDirectory directory_;
@@ -213,7 +212,6 @@ TEST_F(SettingsFormCheck, TakesWhatIsInOrder) {
   form_.suffix = "abcde";
   const SettingsCheck check = ValidateSettings(current_, form_);
   ASSERT_TRUE(check.Accepted());
-  EXPECT_TRUE(check.wholePathChanged);
   EXPECT_EQ(check.settings.skinLayout, SkinLayout::Stavora5);
   EXPECT_EQ(check.settings.pendingSkinLayout, SkinLayout::Windows);
   EXPECT_EQ(check.settings.targetDirectory, directory_.Path());

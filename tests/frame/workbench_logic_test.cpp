@@ -1,66 +1,15 @@
-// What the main window shows and asks for, without a window: the destination field, the choice of a
-// properties window, the lookup of the sibling programs.
+// What the main window asks for, without a window: the choice of a properties window, the lookup of the
+// sibling programs.
 #include <gtest/gtest.h>
 
-#include "frame/destination_display.h"
 #include "frame/file_properties.h"
-#include "frame/filter_module.h"
 #include "frame/siblings.h"
 #include "frame/texts.h"
-#include "platform/registry.h"
+#include "platform/store/registry.h"
 #include "support/test_data.h"
 
 namespace ts5 {
 namespace {
-
-struct NoParameters : ClonableParameters<NoParameters> {};
-
-// A job with these list entries selected, and a filter that makes .mid files.
-Job ListJob(FilterId filter, const std::vector<std::string>& files) {
-  Job job;
-  job.sourceDrive = kListModeDrive;
-  job.filter = filter;
-  job.parameters = ParametersValue(std::make_unique<NoParameters>());
-  for (const std::string& file : files) job.files.Append(EntryFromPath(file));
-  job.files.SelectAll();
-  return job;
-}
-
-TEST(DisplayedDestination, NamesTheFirstItemWhereNamesAreAutomatic) {
-  FilterModule module;
-  module.target = [](const FilterParameters&, const std::string&) { return TargetRule{"mid", false}; };
-  DestinationFiles files;
-  files.exists = [](const std::string& path) { return path == "/m/lied.mid"; };
-  files.isDirectory = [](const std::string&) { return true; };
-  files.onCdRom = [](const std::string&) { return false; };
-  DestinationRules replace;
-  DestinationRules number;
-  number.overwrite = OverwritePolicy::Number;
-  DestinationRules noPreset;
-  noPreset.noPreset = true;
-  const std::vector<std::string> one{"/m/lied.stv"};
-  const std::vector<std::string> two{"/m/lied.stv", "/m/satz.stv"};
-  struct Case {
-    std::vector<std::string> sources;
-    DestinationRules rules;
-    std::optional<std::string> name;
-    bool editable;
-  };
-  const Case cases[] = {{one, replace, "/m/lied.mid", true},
-                        {one, number, "/m/lied001.mid", true},
-                        {two, replace, "/m/lied.mid", false},
-                        {one, noPreset, std::nullopt, true},
-                        {{}, replace, std::nullopt, true}};
-  for (const Case& c : cases) {
-    const auto display =
-        DisplayedDestination(ListJob(FilterId::ScoreToMidi, c.sources), &module, c.rules, files);
-    EXPECT_EQ(display.name, c.name);
-    EXPECT_EQ(display.mode.editable, c.editable);
-  }
-  const auto player = DisplayedDestination(ListJob(FilterId::MidiPlayer, one), nullptr, replace, files);
-  EXPECT_FALSE(player.name);
-  EXPECT_FALSE(player.mode.editable);
-}
 
 TEST(ChooseProperties, TheFirstReaderThatKnowsTheFileWins) {
   const auto reader = [](Outcome outcome, PropertiesWindow window, ReaderFailure failure) {
@@ -100,7 +49,9 @@ TEST(ChooseProperties, TheFirstReaderThatKnowsTheFileWins) {
       EXPECT_EQ(choice.message, c.message);
     }
     // A CD track is no file: none of these may try to open it.
-    EXPECT_FALSE(ChooseProperties(EntryFromPath("Track 03"), steps).window);
+    const PropertiesChoice track = ChooseProperties(EntryFromPath("Track 03"), steps);
+    EXPECT_FALSE(track.window);
+    EXPECT_EQ(track.message, texts::NoTrackProperties);
   }
 }
 

@@ -201,21 +201,6 @@ TEST(ContainerTest, Refusals) {
   EXPECT_THAT(SequencerToRiff(cut(sequencer, 30), kInfo), FailsWith(Outcome::ReadFailed));
 }
 
-TEST(ContainerTest, AFailureLeavesTheTargetAlone) {
-  const TemporaryDirectory directory;
-  const std::string good = directory.Write("good.mid", AsText(kSong));
-  const std::string bad = directory.Write("bad.mid", "MTh");
-  const std::string target = directory.Write("target", "precious");
-  EXPECT_THAT(SmfToSequencer(bad, target), FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(SmfToRiff(directory.File("none"), target, kInfo), FailsWith(Outcome::SourceFailed));
-  EXPECT_THAT(RiffToSmf(good, target), FailsWith(Outcome::WrongFormat));
-  EXPECT_EQ(Content(target), "precious");
-  EXPECT_THAT(SmfToRiff(good, directory.File("no/such/target"), kInfo), FailsWith(Outcome::TargetFailed));
-  EXPECT_EQ(Listing(directory.Path()), "bad.mid good.mid target");
-  EXPECT_THAT(SmfToSequencer(good, target), IsOk());
-  EXPECT_EQ(Content(target), AsText(*SmfToSequencer(kSong)));
-}
-
 // --- INFO lists
 
 std::string Entries(const Result<std::vector<RiffInfoEntry>>& entries) {

@@ -182,18 +182,10 @@ TEST(FormatChangeTest, Refusals) {
       {"a delta that cannot be written", Join({Header(1, 1, 96), Track("90 80 80 80 00 C0 01 00 FF 2F 00")}),
        Outcome::DamagedMidi},
   };
-  const TemporaryDirectory directory;
-  const std::string target = directory.Write("target.mid", "precious");
   for (const auto& c : cases) {
     EXPECT_THAT(MergeTracksToFormat0(c.file), FailsWith(c.code)) << c.what;
     EXPECT_THAT(SplitChannelsToFormat1(c.file), FailsWith(c.code)) << c.what;
-    const std::string source = directory.Write("source.mid", AsText(c.file));
-    EXPECT_THAT(MergeTracksToFormat0(source, target), FailsWith(c.code)) << c.what;
-    EXPECT_THAT(SplitChannelsToFormat1(source, target), FailsWith(c.code)) << c.what;
   }
-  EXPECT_EQ(Content(target), "precious");
-  EXPECT_EQ(Listing(directory.Path()), "source.mid target.mid");
-  EXPECT_THAT(MergeTracksToFormat0(directory.File("none"), target), FailsWith(Outcome::SourceFailed));
   EXPECT_THAT(MergeTracksToFormat0(Join({Header(1, 1, 96), far})), IsOk());
 }
 
@@ -220,7 +212,7 @@ TEST(TimeBaseTest, RoundsAbsoluteTimesTowardZero) {
       {480, 336, "83 60 C0 01 83 60 C0 02 83 60 C0 03 00 FF 2F 00", "336:C0 01; 672:C0 02; 1008:C0 03"},
       {480, 168, "83 60 C0 01 83 60 C0 02 83 60 C0 03 00 FF 2F 00", "168:C0 01; 336:C0 02; 504:C0 03"},
       {1, 768, "01 C0 01 00 FF 2F 00", "768:C0 01"},
-      {0x7FFF, 48, "FF FF FF 7F C0 01 00 FF 2F 00", "393228:C0 01"},
+      {0x7FFF, 48, "FF FF FF 7F C0 01 00 FF 2F 00", "393227:C0 01"},
   };
   for (const auto& c : cases) {
     const auto changed =
@@ -228,6 +220,36 @@ TEST(TimeBaseTest, RoundsAbsoluteTimesTowardZero) {
     ASSERT_THAT(changed, IsOk());
     EXPECT_EQ(TracksOf(*changed), '[' + std::string(c.events) + ']') << c.from << " -> " << c.to;
     EXPECT_EQ(DetectMidiKind(*changed).header.division, c.to);
+  }
+}
+
+// Pieces of many hours, or files with a far-away end: beyond what a float holds, to the tick and in order.
+TEST(TimeBaseTest, FarTicksAreExact) {
+  constexpr std::uint64_t kTicks[] = {3355443,  3355445,  5000001,  16777215,
+                                      16777216, 16777217, 30000001, 45000001};
+  const struct {
+    std::uint16_t from, to;
+  } cases[] = {{96, 480}, {480, 336}, {480, 96}, {120, 768}, {768, 48}};
+  for (const auto& c : cases) {
+    ByteWriter events;
+    std::uint64_t last = 0;
+    for (const std::uint64_t tick : kTicks) {
+      ASSERT_TRUE(WriteVarLen(tick - last, events));
+      events.Append(Hex("C0 01"));
+      last = tick;
+    }
+    events.Append(Hex("00 FF 2F 00"));
+    const auto changed = ChangeTimeBase(Join({Header(0, 1, c.from), Track(events.View())}), c.to);
+    ASSERT_THAT(changed, IsOk());
+    MidiEventCursor cursor(ByteView(*changed).subspan(22));
+    for (const std::uint64_t tick : kTicks) {
+      MidiEvent event;
+      ASSERT_TRUE(cursor.Next(event));
+      const std::uint64_t exact = tick * c.to / c.from;
+      const bool far = std::max(tick, exact) > 1U << 24;
+      EXPECT_NEAR(static_cast<double>(event.tick), static_cast<double>(exact), far ? 0 : 1)
+          << tick << " * " << c.to << " / " << c.from;
+    }
   }
 }
 
@@ -279,6 +301,7 @@ TEST(TimeBaseTest, Refusals) {
       {"to SMPTE", song, 0xE728, Outcome::WrongFormat},
       {"no MIDI file", Hex("00"), 480, Outcome::WrongFormat},
       {"another chunk", Join({Header(0, 1, 96), Hex("58464948 00000000")}), 480, Outcome::WrongFormat},
+      {"a track that the header does not count", Join({Header(0, 0, 96), track}), 480, Outcome::WrongFormat},
       {"cut short", Bytes(song.begin(), song.end() - 1), 480, Outcome::ReadFailed},
       {"a track without end", Join({Header(0, 1, 96), Track("60 C0 01")}), 480, Outcome::WrongFormat},
       {"a distance too long", Join({Header(0, 1, 96), Track("FF FF FF 7F C0 01 00 FF 2F 00")}), 480,
@@ -288,15 +311,10 @@ TEST(TimeBaseTest, Refusals) {
       {"a RIFF form of something else", Join({Hex("52494646 00000000 57415645"), song}), 480,
        Outcome::WrongFormat},
   };
-  const TemporaryDirectory directory;
-  const std::string target = directory.Write("target.mid", "precious");
   for (const auto& c : cases) {
     const auto division = static_cast<std::uint16_t>(c.division);
     EXPECT_THAT(ChangeTimeBase(c.file, division), FailsWith(c.code)) << c.what;
-    const std::string source = directory.Write("source.mid", AsText(c.file));
-    EXPECT_THAT(ChangeTimeBase(source, target, division), FailsWith(c.code)) << c.what;
   }
-  EXPECT_EQ(Content(target), "precious");
 }
 
 TEST(LongWorkTest, CanBeWatchedAndStopped) {

@@ -43,8 +43,8 @@ TEST(ConverterRunTest, TellsWhatBecameOfEachFile) {
   std::vector<std::int32_t> codes;
   for (const RunItem& item : result.items) codes.push_back(item.code);
   EXPECT_THAT(codes, ElementsAre(0x400000, 0x800000, -104, 0x800000, -104, -300));
-  EXPECT_EQ(result.lines[0].count, 3U);
-  EXPECT_EQ(result.lines[1].count, 3U);
+  EXPECT_EQ(result.counts[0], 3U);
+  EXPECT_EQ(result.counts[1], 3U);
   EXPECT_THAT(
       result.remarks,
       ElementsAre(

@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "midi/format_change.h"
+#include "midi/instruments.h"
 #include "midi/midi_containers.h"
 #include "midi/midi_converter.h"
 #include "midi/midi_properties.h"
 #include "midi/time_base.h"
 #include "midi_bytes.h"
+#include "platform/files/files.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -96,8 +98,11 @@ TEST(MidiConverterTest, TheContainerCountsBeforeTheKind) {
   EXPECT_EQ(Convert(song, "f")->flags, kToFormat1);
 }
 
+Result<ConvertedMidi> Converted(ByteView file, const char* options) {
+  return ConvertMidi(file, DetectMidiKind(file).kind, Options(options), TodayUtc());
+}
+
 TEST(MidiConverterTest, AFailingStepEndsTheFile) {
-  const TemporaryDirectory directory;
   const Bytes damaged = Join({Header(1, 2, 96), Track("00 FF 2F 00"), Track("60 3C 40 00 FF 2F 00")});
   const struct {
     const char* what;
@@ -117,31 +122,22 @@ TEST(MidiConverterTest, AFailingStepEndsTheFile) {
       {"the score variant has its own magic", Join({Header(0, 1, 96, "STVR")}), "c", Outcome::WrongFormat},
   };
   for (const auto& c : cases) {
-    const std::string source = directory.Write("source.mid", AsText(c.file));
-    const std::string target = directory.Write("target", "precious");
-    const auto flags = ConvertMidiFile(Options(c.options), source, target);
+    const auto converted = Converted(c.file, c.options);
     if (c.code == Outcome::Success) {
-      EXPECT_THAT(flags, IsOk()) << c.what;
+      EXPECT_THAT(converted, IsOk()) << c.what;
     } else {
-      EXPECT_THAT(flags, FailsWith(c.code)) << c.what;
-      EXPECT_EQ(Content(target), "precious") << c.what;
+      EXPECT_THAT(converted, FailsWith(c.code)) << c.what;
     }
-    EXPECT_EQ(Listing(directory.Path()), "source.mid target") << c.what;
   }
-  EXPECT_THAT(ConvertMidiFile(Options("f"), directory.File("none"), directory.File("target")),
-              FailsWith(Outcome::SourceFailed));
 }
 
-TEST(MidiConverterTest, WritesOnlyWhatChanged) {
-  const TemporaryDirectory directory;
-  const std::string source = directory.Write("a.mid", AsText(kFormat1));
-  const std::string target = directory.File("b.mid");
-  EXPECT_EQ(*ConvertMidiFile(Options(""), source, target), 0U);
-  EXPECT_EQ(Listing(directory.Path()), "a.mid");
-  EXPECT_EQ(*ConvertMidiFile(Options("f"), source, target), kToFormat0);
-  EXPECT_EQ(Content(target), AsText(*MergeTracksToFormat0(kFormat1)));
-  EXPECT_EQ(*ConvertMidiFile(Options("f"), source, source), kToFormat0);  // in place
-  EXPECT_EQ(Content(source), Content(target));
+TEST(MidiConverterTest, GivesBytesOnlyWhereSomethingChanged) {
+  const auto same = Converted(kFormat1, "");
+  EXPECT_EQ(same->flags, 0U);
+  EXPECT_TRUE(same->bytes.empty());
+  const auto merged = Converted(kFormat1, "f");
+  EXPECT_EQ(merged->flags, kToFormat0);
+  EXPECT_EQ(merged->bytes, *MergeTracksToFormat0(kFormat1));
 }
 
 TEST(MidiConverterTest, NamesTheTargetByItsContainer) {
@@ -243,6 +239,33 @@ TEST(MidiPropertiesTest, RowsOfThePage) {
   EXPECT_EQ(rows(MidiFileKind::Sequencer, 1)[0].second, "Rondelis");
 }
 
+TEST(MidiPropertiesTest, WhatAFileHolds) {
+  MidiSummary summary;
+  summary.division = 96;
+  summary.title = "Lied";
+  summary.length = std::chrono::milliseconds(187'400);
+  summary.keys = {{0, -6, false}, {384, 3, true}};
+  summary.signatures = {{0, 0, 4, 4}, {768, 2, 3, 4}};
+  summary.tempos = {{0, 648'648}, {384, 1'000'000}};
+  summary.tracks.push_back({"Solo", {{0, 40, 7}, {9, 0, 1}}, 8, 30, false});
+  summary.tracks.push_back({"", {}, 0, 3, true});
+  summary.notes = 8;
+  summary.missingTracks = 1;
+  summary.lyrics = "Der Mond\nist auf";
+  EXPECT_THAT(Pairs(MidiSummaryRows(summary)),
+              ElementsAre(Pair("Zustand",
+                               "beschädigt: der Dateikopf zählt 3 Spuren, lesbar sind 2\n"
+                               "beschädigt: Spur 2 bricht nach 3 Ereignissen ab"),
+                          Pair("Titel", "Lied"), Pair("Dauer", "3:07 min"),
+                          Pair("Tonart", "Ges-Dur, fis-Moll ab Takt 2"), Pair("Takt", "4/4, 3/4 ab Takt 3"),
+                          Pair("Tempo", "60 bis 92,5 BPM, 1 Wechsel"),
+                          Pair("Tempoverlauf", "Takt 1: 92,5\nTakt 2: 60"), Pair("Noten", "8"),
+                          Pair("Spur 1", "Solo: Violine (Kanal 1), Schlagzeug (Kanal 10), 8 Noten"),
+                          Pair("Spur 2", "keine Noten"), Pair("Liedtext", "Der Mond\nist auf")));
+  EXPECT_EQ(InstrumentName(127), "Schuss");
+  EXPECT_EQ(InstrumentName(-5), InstrumentName(0));
+}
+
 TEST(MidiPropertiesTest, OfFiles) {
   const auto riff = ReadMidiProperties(DataPath("midi/made_gymnopedie.rmi"));
   ASSERT_THAT(riff, IsOk());
@@ -251,6 +274,18 @@ TEST(MidiPropertiesTest, OfFiles) {
   EXPECT_THAT(Pairs(riff->attributes),
               ElementsAre(Pair("Komponist/Künstler", "E. Satie"), Pair("Copyright", "none"),
                           Pair("Ansicht", "Klavier"), Pair("Erstellt am", "31/1/2024")));
+  const MidiSummary rag = *SummariseMidiFile(DataPath("midi/mutopia_maple-leaf-rag.mid"));
+  EXPECT_FALSE(rag.Damaged());
+  EXPECT_EQ(MidiKeysText(rag).substr(0, 6), "As-Dur");
+  const MidiSummary song = *SummariseMidiFile(DataPath("midi/jazzsoft_test-karaoke-kar.mid"));
+  EXPECT_NE(song.lyrics, "");
+  // Cut off anywhere, a file says that it is damaged.
+  const Bytes bytes = *ReadFile(DataPath("midi/mutopia_maple-leaf-rag.mid"));
+  for (std::size_t size = kMidiHeaderSize; size < bytes.size(); size += 97) {
+    const auto cut = SummariseMidi(ByteView(bytes).first(size));
+    ASSERT_THAT(cut, IsOk()) << size;
+    EXPECT_TRUE(cut->Damaged()) << size;
+  }
   const auto plain = ReadMidiProperties(DataPath("midi/music21_test10.mid"));
   ASSERT_THAT(plain, IsOk());
   EXPECT_FALSE(plain->isRiff);

@@ -12,7 +12,7 @@
 #include "midi/midi_converter.h"
 #include "midi/time_base.h"
 #include "midi_bytes.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "midi/midi_events.h"
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace ts5::test {
 

@@ -69,7 +69,7 @@ TEST_F(MidiPlayerTest, TheDeviceGetsEveryEventOfTheFile) {
     const MidiSequence file = Sequence(path);
     ASSERT_LT(file.Duration(), 30s) << name;
     const RunResult result = Play({path}, {});
-    EXPECT_EQ(result.lines[1].count, 1U) << name;
+    EXPECT_EQ(result.counts[1], 1U) << name;
     const MidiSequence played = Sequence(capture_);
     ASSERT_EQ(played.Messages().size(), file.Messages().size()) << name;
     std::vector<nanoseconds> late;
@@ -95,8 +95,8 @@ TEST_F(MidiPlayerTest, AShortPlayEndsEachTitleAndThePauseLiesBetweenThem) {
   const auto took = std::chrono::steady_clock::now() - start;
   EXPECT_GE(took, 2900ms);
   EXPECT_LT(took, 8s);
-  EXPECT_EQ(result.lines[0].count, 2U);
-  EXPECT_EQ(result.lines[1].count, 2U);
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(result.counts[1], 2U);
   EXPECT_FALSE(result.show);
   EXPECT_THAT(host_->states, testing::Contains(RunState::Waiting).Times(1));
 }
@@ -108,8 +108,7 @@ TEST_F(MidiPlayerTest, WhatCannotBePlayedIsCountedAndTheRestIsPlayed) {
   parameters.shortSeconds = 1;
   const RunResult result =
       Play({broken, DataPath("midi/made_gymnopedie.rdl"), folder_.File("fehlt.mid")}, parameters);
-  EXPECT_THAT((std::vector{result.lines[0].count, result.lines[1].count, result.lines[2].count}),
-              ElementsAre(1, 1, 2));
+  EXPECT_THAT((std::vector{result.counts[0], result.counts[1], result.counts[2]}), ElementsAre(1, 1, 2));
   EXPECT_EQ(result.remarks.back(), Text(texts::PlayerSomeFailed));
   EXPECT_GT(Sequence(capture_).Messages().size(), 0U) << "the sequencer file sounds";
 }
@@ -138,8 +137,8 @@ TEST_F(MidiPlayerTest, TheUserPausesSeeksSkipsAndGoesBack) {
   EXPECT_GE(paused, 60s);
   EXPECT_LT(paused, 62s);
   EXPECT_THAT(afterSkip, testing::HasSubstr("gymnopedie"));
-  EXPECT_EQ(result.lines[0].count, 2U);
-  EXPECT_EQ(result.lines[1].count, 1U) << "the one that was left did not end";
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(result.counts[1], 1U) << "the one that was left did not end";
   EXPECT_FALSE(result.cancelled);
 }
 

@@ -11,7 +11,7 @@
 #include "midi/merged_events.h"
 #include "midi/midi_converter.h"
 #include "midi_bytes.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 

@@ -1,8 +1,8 @@
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/casts.h"
+#include "platform/base/casts.h"
 
 namespace ts5 {
 namespace {

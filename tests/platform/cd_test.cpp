@@ -11,16 +11,21 @@
 #include <filesystem>
 #include <numeric>
 
-#include "platform/cd_drive.h"
-#include "platform/cue_sheet.h"
-#include "platform/disc_image.h"
-#include "platform/drive_claim.h"
-#include "platform/files.h"
-#include "platform/mmc.h"
-#include "platform/scsi_generic.h"
-#include "platform/virtual_cd.h"
+#include "platform/disc/cd_drive.h"
+#include "platform/disc/cue_sheet.h"
+#include "platform/disc/disc_image.h"
+#include "platform/disc/drive_claim.h"
+#include "platform/disc/mmc_commands.h"
+#include "platform/disc/mmc_replies.h"
+#include "platform/disc/scsi_generic.h"
+#include "platform/disc/virtual_cd.h"
+#include "platform/disc/virtual_recorder.h"
+#include "platform/files/files.h"
+#include "support/child.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
+#include "support/wave_bytes.h"
 
 namespace ts5 {
 namespace {
@@ -33,45 +38,16 @@ using testing::IsEmpty;
 
 std::vector<std::uint32_t> Starts(const DiscImage& disc) {
   std::vector<std::uint32_t> starts;
-  for (const DiscImage::Track& track : disc.Tracks()) starts.push_back(track.start);
-  starts.push_back(disc.LeadOut());
+  for (const DiscTrack& track : disc.Layout().tracks)
+    starts.push_back(static_cast<std::uint32_t>(track.start.value));
+  starts.push_back(static_cast<std::uint32_t>(disc.Layout().leadOut.value));
   return starts;
 }
 
 Bytes ReadSectors(DiscImage& disc, std::uint32_t sector, std::uint32_t count) {
   Bytes bytes(count * kAudioSectorBytes);
-  EXPECT_THAT(disc.ReadAudio(sector, bytes), IsOk());
+  EXPECT_THAT(disc.ReadAudio(Lba{static_cast<std::int32_t>(sector)}, bytes), IsOk());
   return bytes;
-}
-
-// Bytes that tell where they come from.
-std::string Pattern(std::size_t size) {
-  std::string bytes(size, '\0');
-  std::uint32_t state = 1;
-  for (char& byte : bytes) {
-    state = state * 1664525 + 1013904223;
-    byte = static_cast<char>(state >> 24);
-  }
-  return bytes;
-}
-
-// A wave file of 16 bit.
-std::string Wave(std::string_view samples, std::uint32_t rate, std::uint16_t channels) {
-  ByteWriter out;
-  out.Append("RIFF");
-  out.U32Le(static_cast<std::uint32_t>(36 + samples.size()));
-  out.Append("WAVEfmt ");
-  out.U32Le(16);
-  out.U16Le(1);
-  out.U16Le(channels);
-  out.U32Le(rate);
-  out.U32Le(rate * channels * 2);
-  out.U16Le(static_cast<std::uint16_t>(channels * 2));
-  out.U16Le(16);
-  out.Append("data");
-  out.U32Le(static_cast<std::uint32_t>(samples.size()));
-  out.Append(samples);
-  return std::string(AsText(out.View()));
 }
 
 TEST(CueSheet, ReadsWhatItSaysOfADisc) {
@@ -146,19 +122,19 @@ TEST(DiscImage, ARawImageIsReadSectorBySector) {
   EXPECT_EQ(AsText(ReadSectors(*disc, 0, 215)), raw);
   EXPECT_EQ(AsText(ReadSectors(*disc, 104, 2)), raw.substr(104 * 2352, 2 * 2352));
   Bytes bytes(2 * kAudioSectorBytes);
-  EXPECT_THAT(disc->ReadAudio(214, bytes), FailsWith(Outcome::InvalidParameter));
-  EXPECT_THAT(disc->ReadAudio(0xFFFFFFFF, bytes), FailsWith(Outcome::InvalidParameter));
-  EXPECT_THAT(disc->ReadAudio(0, std::span(bytes).first(100)), FailsWith(Outcome::InvalidParameter));
+  EXPECT_THAT(disc->ReadAudio(Lba{214}, bytes), FailsWith(Outcome::InvalidParameter));
+  EXPECT_THAT(disc->ReadAudio(Lba{-1}, bytes), FailsWith(Outcome::InvalidParameter));
+  EXPECT_THAT(disc->ReadAudio(Lba{0}, std::span(bytes).first(100)), FailsWith(Outcome::InvalidParameter));
 }
 
 TEST(DiscImage, AudioFilesAreFilledUpToWholeSectorsAndGapsAreSilent) {
   const test::TemporaryDirectory place;
-  const std::string first = Pattern(3 * 2352 + 100);
-  const std::string second = Pattern(2 * 2352);
-  place.Write("Eins.wav", Wave(first, 44'100, 2));
+  const std::string first = test::Noise(3 * 2352 + 100);
+  const std::string second = test::Noise(2 * 2352);
+  place.Write("Eins.wav", test::WaveBytes(first, 44'100, 2));
   std::string mono;
   for (std::size_t i = 0; i < second.size(); i += 4) mono += second.substr(i, 2);
-  place.Write("zwei.WAV", Wave(mono, 44'100, 1));
+  place.Write("zwei.WAV", test::WaveBytes(mono, 44'100, 1));
   // The names as another system wrote them.
   const std::string sheet =
       place.Write("disc.cue",
@@ -182,17 +158,17 @@ TEST(DiscImage, AudioFilesAreFilledUpToWholeSectorsAndGapsAreSilent) {
   // Backwards: what comes before is decoded again.
   EXPECT_EQ(AsText(ReadSectors(*disc, 1, 1)), first.substr(2352, 2352));
 
-  place.Write("Eins.wav", Wave(first, 48'000, 2));
+  place.Write("Eins.wav", test::WaveBytes(first, 48'000, 2));
   EXPECT_THAT(DiscImage::Open(sheet), FailsWith(Outcome::WrongFormat)) << "not the rate of a disc";
 }
 
 TEST(DiscImage, SectorsOfManySizesLieInOneFile) {
   const test::TemporaryDirectory place;
-  std::string swapped = Pattern(2 * 2352);
+  std::string swapped = test::Noise(2 * 2352);
   const std::string audio = swapped;
   for (std::size_t i = 0; i < swapped.size(); i += 2) std::swap(swapped[i], swapped[i + 1]);
   place.Write("b.bin", swapped);
-  const std::string tail = Pattern(2448);
+  const std::string tail = test::Noise(2448);
   place.Write("a.bin", std::string(3 * 2048, 'd') + audio + tail);
   const std::string sheet = place.Write(
       "disc.cue",
@@ -201,16 +177,16 @@ TEST(DiscImage, SectorsOfManySizesLieInOneFile) {
   auto disc = DiscImage::Open(sheet);
   ASSERT_THAT(disc, IsOk());
   EXPECT_THAT(Starts(*disc), ElementsAre(0, 3, 5, 6, 8));
-  EXPECT_FALSE(disc->IsAudio(2));
-  EXPECT_TRUE(disc->IsAudio(3));
-  EXPECT_FALSE(disc->IsAudio(8));
+  EXPECT_FALSE(disc->IsAudio(Lba{2}));
+  EXPECT_TRUE(disc->IsAudio(Lba{3}));
+  EXPECT_FALSE(disc->IsAudio(Lba{8}));
   EXPECT_EQ(AsText(ReadSectors(*disc, 3, 5)), audio + tail.substr(0, 2352) + audio);
   Bytes bytes(2 * kAudioSectorBytes);
-  EXPECT_THAT(disc->ReadAudio(2, bytes), FailsWith(Outcome::InvalidParameter)) << "data";
+  EXPECT_THAT(disc->ReadAudio(Lba{2}, bytes), FailsWith(Outcome::InvalidParameter)) << "data";
 
   // A file that is cut after it was opened, and places behind its end.
   std::filesystem::resize_file(place.File("b.bin"), 2352);
-  EXPECT_THAT(disc->ReadAudio(6, bytes), FailsWith(Outcome::ReadFailed));
+  EXPECT_THAT(disc->ReadAudio(Lba{6}, bytes), FailsWith(Outcome::ReadFailed));
   for (const char* text : {"TRACK 01 AUDIO\nINDEX 01 00:00:02\n", "TRACK 01 AUDIO\nINDEX 01 99:59:74\n",
                            "TRACK 01 AUDIO\nINDEX 01 00:00:00\nTRACK 02 AUDIO\nINDEX 01 00:00:00\n",
                            "TRACK 01 AUDIO\nPREGAP 99:59:74\nINDEX 01 00:00:00\nPOSTGAP 00:00:01\n"}) {
@@ -239,7 +215,7 @@ TEST(ScsiGeneric, SendsWhatItIsGivenAndTellsWhatCameBack) {
         answers.pop_front();
         return answer(header);
       });
-  const auto cdb = ReadCdAudioCdb(0x010203, 0x1A);
+  const auto cdb = ReadCdAudioCdb(Lba{0x010203}, 0x1A);
   Bytes data(10);
 
   // A signal, then a short answer.
@@ -252,11 +228,11 @@ TEST(ScsiGeneric, SendsWhatItIsGivenAndTellsWhatCameBack) {
                header.resid = 4;
                return 0;
              }};
-  ScsiReply reply = transport->Send({cdb, ScsiDirection::FromDrive, data, std::chrono::seconds(3)});
+  ScsiReply reply = transport->Send({cdb, data, {}, std::chrono::seconds(3)});
   EXPECT_TRUE(reply.good);
   EXPECT_EQ(reply.transferred, 6U);
   EXPECT_EQ(data[5], 7);
-  EXPECT_THAT(cdbSeen, ElementsAreArray(cdb));
+  EXPECT_EQ(cdbSeen, Bytes(cdb.begin(), cdb.end()));
   ASSERT_EQ(seen.size(), 2U);
   EXPECT_EQ(seen[0].interface_id, 'S');
   EXPECT_EQ(seen[0].dxfer_direction, SG_DXFER_FROM_DEV);
@@ -300,9 +276,46 @@ TEST(ScsiGeneric, SendsWhatItIsGivenAndTellsWhatCameBack) {
 // --- commands and replies
 
 TEST(Mmc, CommandsAreTheBytesOfTheStandard) {
-  EXPECT_THAT(InquiryCdb(), ElementsAre(0x12, 0, 0, 0, 36, 0));
-  EXPECT_THAT(ReadTocCdb(), ElementsAre(0x43, 0, 0, 0, 0, 0, 0, 0x03, 0x24, 0));
-  EXPECT_THAT(ReadCdAudioCdb(0x01020304, 26), ElementsAre(0xBE, 0x04, 1, 2, 3, 4, 0, 0, 26, 0xF8, 0, 0));
+  struct Case {
+    Cdb cdb;
+    Bytes bytes;
+  };
+  const Case cases[] = {
+      {TestUnitReadyCdb(), {0x00, 0, 0, 0, 0, 0}},
+      {InquiryCdb(), {0x12, 0, 0, 0, 36, 0}},
+      {ModeSense6Cdb(0x2A, 255), {0x1A, 0, 0x2A, 0, 255, 0}},
+      {EjectCdb(), {0x1B, 0, 0, 0, 2, 0}},
+      {LoadCdb(), {0x1B, 0, 0, 0, 3, 0}},
+      {PreventRemovalCdb(false), {0x1E, 0, 0, 0, 0, 0}},
+      {ReadCapacityCdb(), {0x25, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {WriteCdb(Lba{-150}, 26), {0x2A, 0, 0xFF, 0xFF, 0xFF, 0x6A, 0, 0, 26, 0}},
+      {SynchronizeCacheCdb(), {0x35, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {ReadSubChannelCdb(SubChannelFormat::Isrc, 7, 0x0118), {0x42, 0, 0x40, 3, 0, 0, 7, 1, 0x18, 0}},
+      {ReadTocCdb(), {0x43, 0, 0, 0, 0, 0, 0, 0x03, 0x24, 0}},
+      {ReadTocCdb(TocFormat::Full, 1, 4), {0x43, 0, 2, 0, 0, 0, 1, 0, 4, 0}},
+      {PlayAudioCdb(Lba{0x01020304}, 1), {0x45, 0, 1, 2, 3, 4, 0, 0, 1, 0}},
+      {ReadDiscInformationCdb(34), {0x51, 0, 0, 0, 0, 0, 0, 0, 34, 0}},
+      {ReadTrackInformationCdb(0xFF, 28), {0x52, 1, 0, 0, 0, 0xFF, 0, 0, 28, 0}},
+      {SendOpcCdb(), {0x54, 1, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {ModeSelect10Cdb(60), {0x55, 0x10, 0, 0, 0, 0, 0, 0, 60, 0}},
+      {ModeSense10Cdb(5, 256), {0x5A, 0, 5, 0, 0, 0, 0, 1, 0, 0}},
+      {CloseTrackSessionCdb(CloseWhat::Track, 3), {0x5B, 1, 1, 0, 0, 3, 0, 0, 0, 0}},
+      {CloseTrackSessionCdb(CloseWhat::Session, 3), {0x5B, 1, 2, 0, 0, 0, 0, 0, 0, 0}},
+      {SendCueSheetCdb(0x010208), {0x5D, 0, 0, 0, 0, 0, 1, 2, 8, 0}},
+      {BlankCdb(BlankType::Minimal), {0xA1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {BlankCdb(BlankType::Complete), {0xA1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+      {SetCdSpeedCdb(8), {0xBB, 0, 0x05, 0x88, 0x05, 0x88, 0, 0, 0, 0, 0, 0}},
+      {SetCdSpeedCdb(0), {0xBB, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0}},
+      {MechanismStatusCdb(), {0xBD, 0, 0, 0, 0, 0, 0, 0, 0, 8, 0, 0}},
+      {ReadCdAudioCdb(Lba{0x01020304}, 26), {0xBE, 0x04, 1, 2, 3, 4, 0, 0, 26, 0xF8, 0, 0}},
+      {ReadCdAudioCdb(Lba{-2}, 1, true, ReadSub::Q), {0xBE, 4, 0xFF, 0xFF, 0xFF, 0xFE, 0, 0, 1, 0xFA, 2, 0}},
+  };
+  for (const Case& one : cases) {
+    EXPECT_EQ(Bytes(one.cdb.begin(), one.cdb.end()), one.bytes);
+    EXPECT_EQ(FindMmcCommand(one.bytes[0])->cdbBytes, one.bytes.size());
+  }
+  EXPECT_GE(BlankCdb(BlankType::Complete).Patience(), std::chrono::hours(1));
+  EXPECT_EQ(WriteCdb(Lba{}, 1).Patience(), std::chrono::seconds(10));
 }
 
 Bytes TocBytes(const std::vector<std::array<std::uint32_t, 3>>& entries) {  // control, number, start
@@ -322,7 +335,7 @@ Bytes TocBytes(const std::vector<std::array<std::uint32_t, 3>>& entries) {  // c
 TEST(Mmc, ATableOfContentsTellsTheTracks) {
   const auto toc = DiscToc::Parse(TocBytes({{0, 1, 0}, {2, 2, 105}, {0, 0xAA, 165}}));
   ASSERT_THAT(toc, IsOk());
-  EXPECT_THAT(toc->tracks, ElementsAre(TocTrack{1, true, 0, 105}, TocTrack{2, true, 105, 60}));
+  EXPECT_THAT(toc->tracks, ElementsAre(TocTrack{1, true, 0, 105}, TocTrack{2, true, 105, 60, 2}));
   EXPECT_TRUE(toc->IsAudioCd());
   EXPECT_EQ(toc->Find(3), nullptr);
   // Music and, in a session of its own, data: what lies between the sessions is no music.
@@ -349,7 +362,7 @@ TEST(VirtualCd, AnswersAsADriveDoes) {
   ASSERT_THAT(image, IsOk());
   const auto drive = VirtualCd(*std::move(image));
   Bytes data(kTocBytes);
-  const auto send = [&](const Bytes& cdb) { return drive->Send({cdb, ScsiDirection::FromDrive, data}); };
+  const auto send = [&](const Bytes& cdb) { return drive->Send({cdb, data}); };
   const auto toc = ReadTocCdb();
   ScsiReply reply = send(Bytes(toc.begin(), toc.end()));
   ASSERT_TRUE(reply.good);
@@ -367,12 +380,12 @@ TEST(VirtualCd, AnswersAsADriveDoes) {
   };
   for (const Refusal& one :
        std::vector<Refusal>{{{0x43, 0, 0, 0, 0, 0, 4, 3, 0x24, 0}, {5, 0x24, 0}},
-                            {{0x43, 0, 2, 0, 0, 0, 0, 3, 0x24, 0}, {5, 0x24, 0}},
+                            {{0x43, 0, 4, 0, 0, 0, 0, 3, 0x24, 0}, {5, 0x24, 0}},
                             {{0x2A, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {5, 0x20, 0}},
                             {{0x12, 0}, {5, 0x24, 0}},
                             {{0xBE, 4, 0, 0, 0, 215, 0, 0, 1, 0x10, 0, 0}, {5, 0x21, 0}},
                             {{0xBE, 4, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x10, 0, 0}, {5, 0x21, 0}},
-                            {{0xBE, 4, 0, 0, 0, 0, 0, 0, 1, 0x10, 1, 0}, {5, 0x24, 0}},
+                            {{0xBE, 4, 0, 0, 0, 0, 0, 0, 1, 0x10, 3, 0}, {5, 0x24, 0}},
                             {{0xBE, 4, 0, 0, 0, 0, 0, 0, 1, 0x10, 0, 0}, {5, 0x24, 0}}}) {
     reply = send(one.cdb);
     EXPECT_FALSE(reply.good);
@@ -380,14 +393,12 @@ TEST(VirtualCd, AnswersAsADriveDoes) {
   }
   const auto empty = VirtualCd(std::nullopt);
   EXPECT_EQ(empty->Send({TestUnitReadyCdb()}).sense, (SenseData{2, 0x3A, 0}));
-  EXPECT_TRUE(empty->Send({InquiryCdb(), ScsiDirection::FromDrive, data}).good);
+  EXPECT_TRUE(empty->Send({InquiryCdb(), data}).good);
 }
 
 class VirtualDriveTest : public testing::Test {
  protected:
-  void SetUp() override { ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1); }
-  void TearDown() override { ::unsetenv("XDG_DATA_HOME"); }
-  test::TemporaryDirectory data_;
+  test::Home data_;
 };
 
 TEST_F(VirtualDriveTest, KeepsItsDiscUntilItIsTakenOut) {
@@ -416,14 +427,16 @@ TEST_F(VirtualDriveTest, KeepsItsDiscUntilItIsTakenOut) {
   EXPECT_THAT(EjectVirtualDisc(), IsOk());
   EXPECT_EQ(VirtualDisc(), std::nullopt);
   EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
-  EXPECT_EQ(CdDrives().back().path, VirtualCdDirectory());
+  EXPECT_EQ(CdDrives().back().path, VirtualRecorderDirectory());
 
   // Where nothing can be kept.
-  ::setenv("XDG_DATA_HOME", "/proc/self", 1);
-  EXPECT_THAT(InsertVirtualDisc(sheet), FailsWith(Outcome::TargetFailed));
-  EXPECT_EQ(VirtualDisc(), std::nullopt);
-  EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
-  ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1);
+  EXPECT_EQ(test::InChild([&] {
+              ::setenv("XDG_DATA_HOME", "/proc/self", 1);
+              const auto inserted = InsertVirtualDisc(sheet);
+              return inserted == Outcome::TargetFailed && !VirtualDisc() &&
+                     CdDrive::Open(VirtualCdDirectory())->ReadToc().error() == Outcome::CdDriveFailed;
+            }),
+            0);
 
   // A disc whose files have gone is none.
   const std::string copy = data_.Write("weg.cue", test::Content(sheet));
@@ -442,7 +455,7 @@ class ScriptedTransport final : public ScsiTransport {
     if (replies_.empty()) return {false, {5, 0x20, 0}, 0};
     ScsiReply reply = replies_.front();
     replies_.pop_front();
-    if (reply.good) reply.transferred = std::min(reply.transferred, command.data.size());
+    if (reply.good) reply.transferred = std::min(reply.transferred, command.in.size());
     return reply;
   }
 
@@ -473,12 +486,12 @@ TEST(CdDrive, WaitsTriesAgainAndGivesUp) {
   EXPECT_THAT(Scripted({kGood}).Name(), FailsWith(Outcome::CdDriveFailed)) << "a disk, by its zeros";
 
   Bytes sectors(27 * kAudioSectorBytes);
-  EXPECT_THAT(Scripted({kGood, kGood}).ReadAudio(0, sectors), IsOk()) << "26 sectors and one";
-  EXPECT_THAT(Scripted({kScratch, kScratch, kGood, kGood}).ReadAudio(0, sectors), IsOk());
-  EXPECT_THAT(Scripted({kScratch, kScratch, kScratch, kGood}).ReadAudio(0, sectors),
+  EXPECT_THAT(Scripted({kGood, kGood}).ReadAudio(Lba{0}, sectors), IsOk()) << "26 sectors and one";
+  EXPECT_THAT(Scripted({kScratch, kScratch, kGood, kGood}).ReadAudio(Lba{0}, sectors), IsOk());
+  EXPECT_THAT(Scripted({kScratch, kScratch, kScratch, kGood}).ReadAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(Scripted({kNoDisc, kGood, kGood}).ReadAudio(0, sectors), FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(Scripted({{true, {}, 100}, {true, {}, 100}, {true, {}, 100}}).ReadAudio(0, sectors),
+  EXPECT_THAT(Scripted({kNoDisc, kGood, kGood}).ReadAudio(Lba{0}, sectors), FailsWith(Outcome::ReadFailed));
+  EXPECT_THAT(Scripted({{true, {}, 100}, {true, {}, 100}, {true, {}, 100}}).ReadAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
 }
 

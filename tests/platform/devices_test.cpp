@@ -6,10 +6,10 @@
 #include <cmath>
 #include <thread>
 
-#include "platform/audio_out.h"
-#include "platform/device_pace.h"
-#include "platform/midi_out.h"
-#include "platform/synthesizer.h"
+#include "platform/sound/audio_out.h"
+#include "platform/sound/device_pace.h"
+#include "platform/sound/midi_out.h"
+#include "platform/sound/synthesizer.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 

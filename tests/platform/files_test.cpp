@@ -1,14 +1,16 @@
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 
 #include "support/child.h"
 #include "support/matchers.h"
@@ -132,6 +134,63 @@ TEST(StagedFile, CommitAsSettlesTheNameLate) {
   auto late = StagedFile::Create(directory.File("c"));
   fs::create_directory(directory.File("c"));  // came in between
   EXPECT_THAT(late->Commit(), FailsWith(Outcome::TargetFailed));
+}
+
+TEST(StagedFile, CommitNewReplacesNothing) {
+  const TemporaryDirectory directory;
+  directory.Write("file", "old");
+  fs::create_symlink(directory.File("nowhere"), directory.File("link"));
+  fs::create_directory(directory.File("dir"));
+  auto file = StagedFile::Create(directory.File("a"));
+  ASSERT_THAT(file, IsOk());
+  EXPECT_THAT(file->Write(AsBytes("x")), IsOk());
+  for (const char* taken : {"file", "link", "dir"})
+    EXPECT_EQ(file->CommitNew(directory.File(taken)), false) << taken;
+  EXPECT_EQ(file->CommitNew(directory.File("free")), true);
+  EXPECT_THAT(file->CommitNew(directory.File("again")), FailsWith(Outcome::WriteFailed));
+  EXPECT_EQ(Listing(directory.Path()), "dir file free link");
+  EXPECT_EQ(Content(directory.File("file")) + Content(directory.File("free")), "oldx");
+}
+
+// A library or an encoder gets the path; some write into the file, others put one of their own there.
+TEST(StagedFile, WhatOthersWriteThroughThePathIsCommitted) {
+  for (const bool replaces : {false, true}) {
+    const TemporaryDirectory directory;
+    auto file = StagedFile::Create(directory.File("a"));
+    ASSERT_THAT(file, IsOk());
+    EXPECT_TRUE(file->IsEmpty());
+    if (replaces) fs::remove(file->TemporaryPath());
+    std::ofstream(file->TemporaryPath()) << "written";
+    EXPECT_FALSE(file->IsEmpty());
+    EXPECT_THAT(file->Commit(), IsOk());
+    EXPECT_EQ(Content(directory.File("a")), "written");
+  }
+  const TemporaryDirectory directory;
+  auto gone = StagedFile::Create(directory.File("a"));
+  fs::remove(gone->TemporaryPath());
+  EXPECT_THAT(gone->Commit(), FailsWith(Outcome::WriteFailed));
+}
+
+TEST(StagedFile, WhatAKilledProgramLeftIsCleared) {
+  const TemporaryDirectory directory;
+  directory.Write(".sTS5-0123", "too short");
+  directory.Write(".sTS5-0123456789xy", "no number");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    auto left = StagedFile::Create(directory.File("a"));
+    (void)left->Write(AsBytes("half"));
+    ::_exit(left ? 0 : 1);
+  }
+  int status = 1;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_EQ(status, 0);
+  {
+    const auto mine = StagedFile::Create(directory.File("b"));
+    EXPECT_EQ(ClearAbandonedFiles(directory.Path()), 1U);
+    EXPECT_TRUE(FileExists(mine->TemporaryPath())) << "its owner is alive";
+  }
+  EXPECT_EQ(Listing(directory.Path()), ".sTS5-0123 .sTS5-0123456789xy");
+  EXPECT_EQ(ClearAbandonedFiles(directory.File("none")), 0U);
 }
 
 TEST(StagedFile, AFullDiskLeavesTheTargetAsItWas) {

@@ -1,4 +1,4 @@
-#include "platform/process.h"
+#include "platform/programs/process.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>

@@ -1,4 +1,4 @@
-#include "platform/profile.h"
+#include "platform/store/profile.h"
 
 #include <gtest/gtest.h>
 
@@ -130,6 +130,21 @@ TEST(Profile, NoValueBreaksOutOfItsLine) {
   const Profile again = From(TextOf(profile));
   EXPECT_EQ(again.Sections().size(), 1U);
   EXPECT_EQ(TextOf(again), TextOf(profile));
+}
+
+TEST(Profile, Utf16FilesStayUtf16) {
+  const std::u16string text = u"[A]\r\nDvořák=ж\r\n";
+  for (const bool bigEndian : {false, true}) {
+    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char16_t unit : text) {
+      const char parts[] = {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
+      bytes += {parts[bigEndian ? 0 : 1], parts[bigEndian ? 1 : 0]};
+    }
+    const Profile profile = From(bytes);
+    EXPECT_EQ(profile.Find("a", "dvořák"), "ж");
+    EXPECT_EQ(TextOf(profile), bytes);
+    EXPECT_EQ(From(bytes + "x").Find("A", "Dvořák"), "ж") << "an odd byte at the end";
+  }
 }
 
 TEST(Profile, Utf8FilesStayUtf8) {

@@ -1,4 +1,4 @@
-#include "platform/registry.h"
+#include "platform/store/registry.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -6,11 +6,15 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <thread>
 
-#include "platform/files.h"
-#include "platform/registry_blob.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "platform/store/registry_blob.h"
+#include "platform/store/registry_salvage.h"
 #include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -178,81 +182,169 @@ TEST(Registry, AKillAtAnyMomentLeavesTheStateBeforeOrAfter) {
   }
 }
 
-TEST(Registry, ADamagedFileIsSetAsideAndSaidSo) {
+TEST(Registry, WhatIsNoRegistryIsRefusedAndStaysAsItIs) {
   const TemporaryDirectory directory;
   const std::string path = directory.File("registry.sqlite");
-  {
-    auto registry = Registry::Open(path);
-    ASSERT_THAT(registry, IsOk());
-    ASSERT_THAT(SaveGeneration(*registry, 7), IsOk());
-  }
-  const std::string good = Content(path);
-  std::string foreign;
   {
     sqlite3* other = nullptr;
     ASSERT_EQ(sqlite3_open(directory.File("other").c_str(), &other), SQLITE_OK);
     ASSERT_EQ(sqlite3_exec(other, "CREATE TABLE keys(a)", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(other);
-    foreign = Content(directory.File("other"));
   }
-  for (const std::string& bad :
-       {std::string("MThd"), std::string(5000, 'x'), good.substr(0, 20), good.substr(0, 4095),
-        good.substr(0, good.size() / 2), good.substr(0, good.size() - 1), foreign}) {
+  const std::string foreign = Content(directory.File("other"));
+  for (const std::string& bad : {std::string("MThd"), std::string(5000, 'x'), foreign}) {
     directory.Write("registry.sqlite", bad);
-    const auto registry = Registry::Open(path);
-    ASSERT_THAT(registry, IsOk());
-    EXPECT_NE(registry->Notice().find("registry.defekt.sqlite"), std::string::npos) << bad.size();
-    EXPECT_EQ(*registry->Subkeys("HKLM"), Names{});
-    EXPECT_EQ(Content(directory.File("registry.defekt.sqlite")), bad);
-    std::filesystem::remove(directory.File("registry.defekt.sqlite"));
+    for (const RegistryAccess access : {RegistryAccess::ReadOnly, RegistryAccess::ReadWrite}) {
+      EXPECT_THAT(Registry::Open(path, access), FailsWith(Outcome::WrongFormat)) << bad.size();
+    }
+    EXPECT_EQ(Content(path), bad);
+    EXPECT_EQ(Listing(directory.Path()), "other registry.sqlite");
   }
   directory.Write("registry.sqlite", "");  // an empty file is a new one
   EXPECT_EQ(Registry::Open(path)->Notice(), "");
-
-  // An older one that was set aside is never replaced.
-  directory.Write("registry.defekt.sqlite", "älter");
-  directory.Write("registry.sqlite", "kaputt");
-  EXPECT_NE(Registry::Open(path)->Notice().find("registry.defekt-2.sqlite"), std::string::npos);
-  EXPECT_EQ(Content(directory.File("registry.defekt.sqlite")), "älter");
 }
 
-TEST(Registry, AChangedByteIsHarmlessOrNoticed) {
+TEST(Registry, AtItsOwnPlaceWhatIsNoRegistryMakesRoom) {
+  const TemporaryDirectory directory;
+  EXPECT_EQ(test::InChild([&] {
+              ::setenv("XDG_CONFIG_HOME", directory.Path().c_str(), 1);
+              ::unsetenv("STAVORA_REGISTRY");
+              const std::string path = DefaultRegistryPath();
+              const auto beside = [&](const char* name) { return JoinPath(DirectoryOf(path), name); };
+              if (Failed(MakeDirectories(std::string(DirectoryOf(path))))) return false;
+              if (Failed(WriteFile(path, AsBytes("kaputt")))) return false;
+              if (Failed(WriteFile(beside("registry.defekt.sqlite"), AsBytes("älter")))) return false;
+              const bool refused = !Registry::Open(path, RegistryAccess::ReadOnly);
+              const auto registry = Registry::Open(path);
+              // An older one that was set aside is never replaced.
+              return refused && registry &&
+                     registry->Notice().find("registry.defekt-2") != std::string::npos &&
+                     Content(beside("registry.defekt-2.sqlite")) == "kaputt" &&
+                     Content(beside("registry.defekt.sqlite")) == "älter";
+            }),
+            0);
+}
+
+// Twenty jobs of one generation, the first of them longer than a page.
+std::string StoredGeneration(const std::string& path) {
+  auto registry = Registry::Open(path);
+  EXPECT_THAT(registry, IsOk());
+  EXPECT_THAT(SaveGeneration(*registry, 7), IsOk());
+  RegistryValues values = *registry->Read("HKLM\\Jobs\\Job 0000");
+  values.SetText("Liste", std::string(20'000, 'l'));
+  EXPECT_THAT(registry->Write("HKLM\\Jobs\\Job 0000", values), IsOk());
+  EXPECT_THAT(registry->DeleteKey("HKLM\\Jobs\\Job 0019"), IsOk());
+  return Content(path);
+}
+
+std::map<std::string, RegistryValues> AllJobs(const Registry& registry) {
+  std::map<std::string, RegistryValues> all;
+  for (int job = 0; job < 20; ++job) {
+    const std::string key = Format("HKLM\\Jobs\\Job %04i", job);
+    if (registry.Exists(key).value_or(false)) all[key] = registry.Read(key).value_or(RegistryValues{});
+  }
+  return all;
+}
+
+TEST(Registry, OneFlippedBitCostsAtMostOneKey) {
   const TemporaryDirectory directory;
   const std::string path = directory.File("registry.sqlite");
-  const auto read = [](const Registry& registry) {
-    std::vector<RegistryValues> all;
-    const auto jobs = registry.Subkeys("HKLM\\Jobs");
-    for (const std::string& job : *jobs) all.push_back(*registry.Read("HKLM\\Jobs\\" + job));
-    return all;
-  };
-  {
-    auto registry = Registry::Open(path);
-    ASSERT_THAT(registry, IsOk());
-    ASSERT_THAT(SaveGeneration(*registry, 7), IsOk());
-  }
-  const auto before = read(*Registry::Open(path));
-  const std::string good = Content(path);
+  const std::string good = StoredGeneration(path);
+  const auto before = AllJobs(*Registry::Open(path));
+  ASSERT_EQ(before.size(), 19U);
   int noticed = 0;
-  for (std::size_t at = 0; at < good.size(); at += at < 100 ? 7 : 997) {
+  for (std::size_t at = 0; at < good.size(); at += at < 128 ? 5 : at % kRegistryPage < 64 ? 31 : 2999) {
     std::string bad = good;
-    bad[at] = static_cast<char>(bad[at] ^ 0x41);
+    bad[at] = static_cast<char>(bad[at] ^ (1 << at % 8));
     directory.Write("registry.sqlite", bad);
-    const auto registry = Registry::Open(path);
+    const auto registry = Registry::Open(path, RegistryAccess::ReadOnly);
     ASSERT_THAT(registry, IsOk()) << at;
-    if (registry->Notice().empty()) {
-      EXPECT_TRUE(read(*registry) == before) << at;
-    } else {
-      ++noticed;
-      std::filesystem::remove(directory.File("registry.defekt.sqlite"));
+    EXPECT_EQ(Content(path), bad) << "a look changed the file";
+    if (!registry->Notice().empty()) ++noticed;
+    auto after = AllJobs(*registry);
+    std::size_t lost = 0;
+    for (const auto& [key, values] : before) {
+      const auto found = after.find(key);
+      if (found == after.end()) {
+        ++lost;
+      } else {
+        EXPECT_TRUE(found->second == values) << at << ' ' << key;
+      }
     }
+    EXPECT_LE(lost, registry->Notice().empty() ? 0U : 1U) << at;
+    EXPECT_LE(after.size(), before.size()) << "a deleted key came back " << at;
   }
-  EXPECT_GT(noticed, 50);
+  EXPECT_GT(noticed, 20);
+  EXPECT_EQ(Listing(directory.Path()), "registry.sqlite");
+}
+
+TEST(Registry, ADamagedFileIsMendedAndKept) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.File("registry.sqlite");
+  const std::string good = StoredGeneration(path);
+  const auto before = AllJobs(*Registry::Open(path));
+  std::string flipped = good;
+  // In its row, and in what an older state may have left of it.
+  for (std::size_t at = good.find("Job 0005"); at != std::string::npos; at = good.find("Job 0005", at + 1))
+    flipped[at + 200] = static_cast<char>(flipped[at + 200] ^ 4);
+  for (const std::string& bad : {flipped, good.substr(0, good.size() - 1), good.substr(0, good.size() / 2),
+                                 std::string(100, '\0') + good.substr(100)}) {
+    directory.Write("registry.sqlite", bad);
+    {
+      auto registry = Registry::Open(path);
+      ASSERT_THAT(registry, IsOk());
+      EXPECT_NE(registry->Notice().find("registry.defekt.sqlite"), std::string::npos) << registry->Notice();
+      EXPECT_EQ(registry->Notice().find("\"job 0005\"") != std::string::npos, bad == flipped);
+      EXPECT_THAT(registry->Write(kKey, Some("danach")), IsOk());
+    }
+    EXPECT_EQ(Content(directory.File("registry.defekt.sqlite")), bad);
+    const auto again = Registry::Open(path);
+    ASSERT_THAT(again, IsOk());
+    EXPECT_EQ(again->Notice(), "") << "mended for good";
+    EXPECT_EQ(*again->Read(kKey), Some("danach"));
+    const auto after = AllJobs(*again);
+    EXPECT_GE(after.size(), before.size() / 3);
+    for (const auto& [key, values] : after) EXPECT_TRUE(before.at(key) == values) << key;
+    if (bad.size() == good.size()) {
+      EXPECT_EQ(after.size(), before.size() - (bad == flipped ? 1 : 0));
+    }
+    EXPECT_EQ(Listing(directory.Path()), "registry.defekt.sqlite registry.sqlite");
+    std::filesystem::remove(directory.File("registry.defekt.sqlite"));
+  }
+}
+
+TEST(Registry, ALookMakesNothing) {
+  const TemporaryDirectory directory;
+  const std::string path = directory.File("neu/registry.sqlite");
+  auto missing = Registry::Open(path, RegistryAccess::ReadOnly);
+  ASSERT_THAT(missing, IsOk());
+  EXPECT_EQ(*missing->Subkeys("HKLM"), Names{});
+  EXPECT_EQ(Listing(directory.Path()), "");
+  ASSERT_THAT(Registry::Open(path)->Write(kKey, Some("a")), IsOk());
+  auto registry = Registry::Open(path, RegistryAccess::ReadOnly);
+  EXPECT_THAT(registry->Write(kKey, Some("b")), FailsWith(Outcome::TargetFailed));
+  EXPECT_EQ(*registry->Read(kKey), Some("a"));
+}
+
+TEST(Registry, TakesAllOfAnother) {
+  Registry registry = InMemory();
+  Registry other = InMemory();
+  ASSERT_THAT(registry.Write(kKey, Some("hier")), IsOk());
+  ASSERT_THAT(registry.SetValue(kKey, "Bleibt", {RegistryValue::Kind::Text, "ja"}), IsOk());
+  ASSERT_THAT(other.Write(kKey, Some("dort")), IsOk());
+  ASSERT_THAT(other.Write("HKCU\\Neu", Some("neu")), IsOk());
+  ASSERT_THAT(registry.TakeAll(other), IsOk());
+  EXPECT_EQ(registry.Read(kKey)->Text("Title"), "hier");
+  EXPECT_EQ(registry.Read(kKey)->Text("Title (2)"), "dort");
+  EXPECT_EQ(registry.Read(kKey)->All().size(), 5U) << "the same value comes once";
+  EXPECT_EQ(registry.Read(kKey)->Text("Bleibt"), "ja");
+  EXPECT_EQ(*registry.Read("HKCU\\Neu"), Some("neu"));
 }
 
 TEST(Registry, ALockedFileFailsAfterABoundedWaitAndLosesNothing) {
   const TemporaryDirectory directory;
   const std::string path = directory.File("registry.sqlite");
-  auto registry = Registry::Open(path, 50ms);
+  auto registry = Registry::Open(path, RegistryAccess::ReadWrite, 50ms);
   ASSERT_THAT(registry, IsOk());
   ASSERT_THAT(registry->Write(kKey, Some("vorher")), IsOk());
 
@@ -262,7 +354,7 @@ TEST(Registry, ALockedFileFailsAfterABoundedWaitAndLosesNothing) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_THAT(registry->Write(kKey, Some("nachher")), FailsWith(Outcome::InUse));
   EXPECT_THAT(registry->Read(kKey), FailsWith(Outcome::InUse));
-  EXPECT_THAT(Registry::Open(path, 50ms), FailsWith(Outcome::InUse));
+  EXPECT_THAT(Registry::Open(path, RegistryAccess::ReadWrite, 50ms), FailsWith(Outcome::InUse));
   EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
   EXPECT_EQ(Listing(directory.Path()).find("defekt"), std::string::npos);
   EXPECT_NE(RegistryFailureText(Outcome::InUse, path).find(path), std::string::npos);

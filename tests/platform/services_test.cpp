@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/clock.h"
-#include "platform/wastebasket.h"
+#include "platform/base/clock.h"
+#include "platform/files/wastebasket.h"
+#include "support/child.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -29,12 +31,13 @@ TEST(Clock, CivilDates) {
   EXPECT_EQ(UtcTime(at(-1)), (CivilTime{1969, 12, 31, 23, 59, 59}));
   EXPECT_EQ(UtcTime(at(0) - milliseconds(1)), (CivilTime{1969, 12, 31, 23, 59, 59}));
 
-  ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
-  ::tzset();
-  EXPECT_EQ(LocalTime(at(1719835200)), (CivilTime{2024, 7, 1, 14, 0, 0}));
-  EXPECT_EQ(LocalTime(at(1704110400)), (CivilTime{2024, 1, 1, 13, 0, 0}));
-  ::unsetenv("TZ");
-  ::tzset();
+  EXPECT_EQ(test::InChild([&] {
+              ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+              ::tzset();
+              return LocalTime(at(1719835200)) == CivilTime{2024, 7, 1, 14, 0, 0} &&
+                     LocalTime(at(1704110400)) == CivilTime{2024, 1, 1, 13, 0, 0};
+            }),
+            0);
 }
 
 TEST(Clock, ModificationTimeOfFiles) {
@@ -47,8 +50,7 @@ TEST(Clock, ModificationTimeOfFiles) {
 }
 
 TEST(Wastebasket, KeepsWhatItTakes) {
-  const test::TemporaryDirectory directory;
-  ::setenv("XDG_DATA_HOME", directory.Path().c_str(), 1);
+  const test::Home directory;
   const std::string path = directory.Write("musik/Übung 1.mid", "MThd");
   EXPECT_THAT(MoveToTrash(path), IsOk());
   EXPECT_FALSE(fs::exists(path));
@@ -60,12 +62,11 @@ TEST(Wastebasket, KeepsWhatItTakes) {
   EXPECT_EQ(kept, std::vector<std::string>{"MThd"});
 
   // A wastebasket that cannot be made leaves the file where it is.
-  directory.Write("file", "x");
-  ::setenv("XDG_DATA_HOME", directory.File("file").c_str(), 1);
+  fs::remove_all(directory.File("Trash"));
+  directory.Write("Trash", "x");
   const std::string stays = directory.Write("musik/b.mid", "MThd");
   EXPECT_THAT(MoveToTrash(stays), FailsWith(Outcome::TargetFailed));
   EXPECT_EQ(test::Content(stays), "MThd");
-  ::unsetenv("XDG_DATA_HOME");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 namespace {

@@ -1,11 +1,13 @@
-#include "platform/volumes.h"
+#include "platform/disc/volumes.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/directories.h"
+#include "platform/files/directories.h"
+#include "support/child.h"
+#include "support/home.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -95,27 +97,31 @@ TEST(Volumes, ThisMachineHasItsHomeAndRoot) {
   ASSERT_GE(table.Volumes().size(), 3U);
   EXPECT_EQ(table.Volumes()[0].path, HomeDirectory());
   EXPECT_EQ(table.FindPath("d:\\PROC\\Self"), "/proc/self");
-  // The virtual drive comes last, so that it moves no letter.
-  EXPECT_EQ(table.Volumes().back().name, "Virtuelles CD-Laufwerk");
+  // The virtual drives come last, so that they move no letter.
+  EXPECT_EQ(table.Volumes().back().name, "Virtueller CD-Brenner");
   EXPECT_EQ(table.DriveOfPath(table.Volumes().back().path + "/Track 01"),
             static_cast<int>(table.Volumes().size()) - 1);
 }
 
 TEST(Directories, FollowTheBaseDirectoryRules) {
   const test::TemporaryDirectory home;
-  const std::string realHome = HomeDirectory();
-  ::setenv("HOME", home.Path().c_str(), 1);
-  ::setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
-  ::setenv("XDG_DATA_HOME", "/daten", 1);
-  EXPECT_EQ(ConfigurationDirectory(), home.File(".config/stavora-ts5"));
-  EXPECT_EQ(ProgramDirectory(), "/daten/stavora-ts5");
-  ::unsetenv("XDG_CONFIG_HOME");
-  ::unsetenv("XDG_DATA_HOME");
-  EXPECT_EQ(ConfigurationDirectory(), home.File(".config/stavora-ts5"));
-  EXPECT_EQ(ProgramDirectory(), home.File(".local/share/stavora-ts5"));
+  const std::string configuration = home.File(".config/stavora-ts5");
+  EXPECT_EQ(test::InChild([&] {
+              ::setenv("HOME", home.Path().c_str(), 1);
+              ::setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
+              ::setenv("XDG_DATA_HOME", "/daten", 1);
+              return ConfigurationDirectory() == configuration && ProgramDirectory() == "/daten/stavora-ts5";
+            }),
+            0);
+  EXPECT_EQ(test::InChild([&] {
+              ::setenv("HOME", home.Path().c_str(), 1);
+              for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) ::unsetenv(name);
+              return ConfigurationDirectory() == configuration &&
+                     ProgramDirectory() == home.File(".local/share/stavora-ts5");
+            }),
+            0);
   EXPECT_TRUE(std::filesystem::exists(InstalledDirectory() + "/strings/all.def"))
       << "not installed: the source tree";
-  ::setenv("HOME", realHome.c_str(), 1);
 }
 
 }  // namespace

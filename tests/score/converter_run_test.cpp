@@ -69,10 +69,10 @@ TEST_F(ScoreConverterRun, TellsWhatBecameOfEachScore) {
   std::vector<std::int32_t> codes;
   for (const RunItem& item : result.items) codes.push_back(item.code);
   EXPECT_THAT(codes, ElementsAre(0, -1001, -104, -12, -1000, -300));
-  EXPECT_EQ(result.title, "Ergebnisse der Partitur-Midi-Konvertierung");
+  EXPECT_EQ(TitleText(result), "Ergebnisse der Partitur-Midi-Konvertierung");
   EXPECT_TRUE(result.show);
-  EXPECT_EQ(result.lines[0], (RunLine{"Erfolgreich konvertierte Dateien:", 1}));
-  EXPECT_EQ(result.lines[1], (RunLine{"Nicht (ordnungsgemäß) konvertierte Dateien:", 5}));
+  EXPECT_EQ(Lines(result)[0], (RunLine{"Erfolgreich konvertierte Dateien:", 1}));
+  EXPECT_EQ(Lines(result)[1], (RunLine{"Nicht (ordnungsgemäß) konvertierte Dateien:", 5}));
   EXPECT_THAT(result.remarks,
               ElementsAre("Die Quelle hat ein ungültiges Dateiformat.",  // both of them
                           "Die Spielzeit der Quelldatei beträgt 0 Sekunden.", "Fehler in der Stavora-Datei.",
@@ -136,14 +136,12 @@ TEST_F(ScoreConverterRun, WritesWhatThePagesSay) {
   EXPECT_EQ(Velocity("anderes.mid"), 90U);
 }
 
-TEST_F(ScoreConverterRun, TheMethodOfTheLibraryIsRefusedBeforeTheStart) {
-  Job job = ListJob({"a.stv"}, module_);
-  for (const std::int32_t method : {0, 2}) {
-    static_cast<ScoreToMidiParameters&>(*job.parameters).method = method;
-    EXPECT_EQ(module_.missing(job), texts::ScoreLibraryMethodMissing);
-  }
-  static_cast<ScoreToMidiParameters&>(*job.parameters).method = 1;
-  EXPECT_EQ(module_.missing(job), std::nullopt);
+TEST_F(ScoreConverterRun, WorksAsItComes) {
+  const std::string score = place_.Write("lied.stv", AsText(WriteScore(OneVoice({Quarter()}))));
+  parameters_ = {};
+  const RunResult result = Convert({score}, {.overwrite = OverwritePolicy::Replace});
+  EXPECT_EQ(result.items.at(0).code, 0);
+  EXPECT_GT(Velocity("lied.mid"), 0U);
 }
 
 }  // namespace

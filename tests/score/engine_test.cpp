@@ -1,6 +1,7 @@
 // The score engine, one rule of the music at a time.
 #include <gmock/gmock.h>
 
+#include "score/play_order.h"
 #include "score_log.h"
 #include "support/matchers.h"
 
@@ -12,9 +13,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(ScoreTiming, CountsInSteps) {
-  EXPECT_EQ(StepMilliseconds(120), 15U);
-  EXPECT_EQ(StepMilliseconds(60), 31U);
-  EXPECT_EQ(StepMilliseconds(65535), 0U);
+  EXPECT_EQ(StepTime(120), 156'250U);
+  EXPECT_EQ(StepTime(65535), 286U);
   EXPECT_EQ(TempoMicroseconds(1), 0xFFFFFFU);  // what three bytes hold
 
   ScoreItem triplet = ChordItem(3, {Note(kMiddleC)});
@@ -22,7 +22,15 @@ TEST(ScoreTiming, CountsInSteps) {
   const Played played = Play(OneVoice({triplet, triplet, triplet, Quarter(kD)}));
   EXPECT_THAT(Strikes(played), ElementsAre("0 3C", "165 3C", "330 3C", "480 3E"));
   EXPECT_EQ(played.ticks, 960U);
-  EXPECT_EQ(played.scan.time, 64U * 15 * 10'000);
+  EXPECT_EQ(played.scan.time, 10'000'000U);
+}
+
+TEST(ScoreTiming, LastsAsLongAsItsTempoSays) {
+  for (const std::uint32_t tempo : {47U, 126U, 240U, 65535U}) {
+    const std::uint64_t minute = 600'000'000;
+    const Played played = Play(OneVoice({WholeBarRest(30)}, tempo));
+    EXPECT_EQ(played.scan.time, 120 * minute / tempo) << tempo;
+  }
 }
 
 TEST(ScoreTiming, TempoOfASystemHoldsFromThere) {
@@ -145,11 +153,49 @@ TEST(Dynamics, ReachAsFarAsTheScopeSays) {
               ElementsAre("0 1 B0 07 2C", "0 2 B2 07 2C"));
 }
 
+TEST(Dynamics, AccentsStandWhereAHairpinBegins) {
+  const ScoreItem plain = Quarter();
+  const auto start = [&](std::string_view mark) {
+    return With(With(plain, TextDrawing(mark)), HairpinDrawing(3, false));
+  };
+  EXPECT_THAT(Volumes({start("fp"), plain, plain, plain, plain}),
+              ElementsAre("0 5A", "480 3B", "960 4A", "1440 58"));
+  const ScoreItem p = With(plain, TextDrawing("p"));
+  EXPECT_THAT(Volumes({p, start("s"), plain, plain, plain}),
+              ElementsAre("0 2C", "480 58", "960 3B", "1440 4A", "1920 58"));
+}
+
+TEST(SilentStaves, LeaveNoTrace) {
+  ScoreDocument document =
+      OneVoice({With(With(Quarter(), TextDrawing("p")), TextDrawing("u")), With(Quarter(), TextDrawing("fp")),
+                With(Quarter(), TextDrawing("s")), With(Quarter(), HairpinDrawing(2, false)), Quarter()});
+  document.staves.push_back(StaffNamed("B"));
+  document.systems[0].staves.push_back({1, {}, {{Quarter()}}});
+  PlaybackParameters parameters;
+  parameters.channels = {{0}, {0}};  // shared
+  ScoreOptions options;
+  options.silentStaves = {true};
+  EXPECT_THAT(LinesWith(Play(document, parameters, options).lines, " 1 "), IsEmpty());
+  EXPECT_THAT(LinesWith(Play(document, parameters, options).lines, " B0 "), IsEmpty());
+  parameters.markForAllStaves = true;
+  EXPECT_THAT(LinesWith(Play(document, parameters, options).lines, " B0 "), ElementsAre("0 2 B0 07 2C"));
+}
+
 TEST(Upbeats, AreTheEndOfAFullBar) {
   const Played played =
       Play(OneVoice({TimeItem(4, 2), Quarter(), BarItem(), ChordItem(0, {Note(kD)}), BarItem(3)}));
   EXPECT_EQ(played.scan.leadIn, 1440U);
   EXPECT_THAT(Strikes(played), ElementsAre("1440 3C", "1920 3E", "3840 3C", "4320 3E"));
+  EXPECT_EQ(played.ticks, played.scan.ticks);
+}
+
+TEST(Upbeats, OffTheStepsLeaveTheBarsOnTheGrid) {
+  ScoreItem upbeat = ChordItem(3, {Note(kE)});
+  upbeat.group.tuplet.number = 3;
+  const Played played = Play(OneVoice({TimeItem(4, 2), upbeat, BarItem(), ChordItem(0, {Note()}), BarItem(),
+                                       ChordItem(0, {Note(kD)}), BarItem(3)}));
+  EXPECT_EQ(played.scan.leadIn, 1760U);
+  EXPECT_THAT(Strikes(played), ElementsAre("1770 40", "1920 3C", "3840 3E", "5760 40", "5925 3C", "7845 3E"));
   EXPECT_EQ(played.ticks, played.scan.ticks);
 }
 
@@ -192,6 +238,136 @@ TEST(Repeats, GoBackOnce) {
   EXPECT_EQ(Order(OneVoice({BarItem(4), c, first, f, BarItem(3), second, f})), "CDFCEF");
   EXPECT_EQ(Order(OneVoice({c, first, BarItem(3), second, BarItem(4), f, first, BarItem(3), second, c})),
             "CDCEFDFEC");
+}
+
+// Whole bars of C, D, E ... with what stands before them, and the bar line events in bars.
+struct Bars {
+  std::string keys;
+  std::string lines;
+};
+Bars PlayBars(VoiceItems items) {
+  const Played played = Play(OneVoice(std::move(items)));
+  EXPECT_THAT(played.outcome, IsOk());
+  EXPECT_EQ(played.ticks, played.scan.ticks);
+  Bars bars;
+  for (const std::string& strike : Strikes(played)) {
+    const int key = std::stoi(strike.substr(strike.size() - 2), nullptr, 16);
+    bars.keys += std::string("C D EF G A B").at(static_cast<std::size_t>(key - 60));
+    if (std::stoul(strike) % 1920 != 0) bars.keys += '@' + strike.substr(0, strike.find(' ')) + ' ';
+  }
+  for (const std::string& line : LinesWith(played.lines, " FF 30")) {
+    EXPECT_EQ(std::stoul(line) % 1920, 0U);
+    bars.lines += std::to_string(std::stoul(line) / 1920);
+  }
+  EXPECT_EQ(played.ticks % 1920, 0U);
+  return bars;
+}
+// The same by bars, as the plain method plays them.
+std::string PlainKeys(VoiceItems items) {
+  const ScoreDocument document = OneVoice(std::move(items));
+  const ScoreMusic music = ReadMusic(document);
+  std::string keys;
+  for (const PlayedBar& played : PlayOrder(music)) {
+    for (const ScoreEvent& event : music.voices[0][0]) {
+      if (event.bar == played.bar) keys += "CDEFGAB"[event.item->group.notes[0].position - kMiddleC];
+    }
+  }
+  return keys;
+}
+constexpr std::int8_t kB = -1;
+ScoreItem Whole(std::int8_t position = kMiddleC) {
+  return ChordItem(0, {Note(position)});
+}
+ScoreItem Ending(ScoreItem item, std::uint8_t first, std::uint8_t last) {
+  DrawingItem bracket = VoltaDrawing(first);
+  bracket.value = static_cast<std::uint8_t>(last << 4 | first);
+  return With(std::move(item), bracket);
+}
+
+TEST(Repeats, FirstEndingsNeitherSoundNorTakeTime) {
+  const ScoreItem end = BarItem(3);
+  const VoiceItems plain = {BarItem(4), Whole(), BarItem(), Ending(Whole(kD), 1, 1), end, Whole(kE)};
+  EXPECT_EQ(PlayBars(plain).keys, "CDCE");
+  EXPECT_EQ(PlayBars(plain).lines, "0123");
+  const ScoreItem zero = Flagged(Whole(kB), kGroupZeroDuration);
+  for (const ScoreItem& before : {zero, Grace(kB, 0)}) {
+    VoiceItems items = plain;
+    items.insert(items.begin() + 3, before);
+    EXPECT_EQ(PlayBars(items).keys, before.group.flags == zero.group.flags ? "CBDCBE" : "CDCE");
+    EXPECT_EQ(PlayBars(items).lines, "0123");
+  }
+  VoiceItems items = plain;
+  items.insert(items.begin() + 3, Grace(kB, 1));
+  EXPECT_EQ(PlayBars(items).keys, "CBD@1950 CE");
+
+  ScoreDocument staves = OneVoice(items);
+  staves.staves.push_back(StaffNamed("B"));
+  staves.systems[0].staves.push_back(
+      {1, {}, {{BarItem(4), Whole(kF), BarItem(), Whole(kF), end, Whole(kF)}}});
+  EXPECT_THAT(LinesWith(Play(staves).lines, " 91 41 5A"),
+              ElementsAre("0 2 91 41 5A", "1920 2 91 41 5A", "3840 2 91 41 5A", "5760 2 91 41 5A"));
+}
+
+TEST(Repeats, HaveAsManyPassesAsTheScoreSays) {
+  const ScoreItem c = Whole();
+  const ScoreItem d = Whole(kD);
+  const ScoreItem e = Whole(kE);
+  const ScoreItem f = Whole(kF);
+  const ScoreItem end = BarItem(3);
+  struct Case {
+    VoiceItems items;
+    const char* keys;
+  };
+  const Case cases[] = {
+      {{BarItem(4), c, BarItem(), Ending(d, 1, 2), end, Ending(e, 3, 3), BarItem(), f, BarItem()}, "CDCDCEF"},
+      {{c, BarItem(), Ending(d, 1, 1), end, Ending(e, 2, 2), end, Ending(f, 3, 3), BarItem(), c, BarItem()},
+       "CDCECFC"},
+      {{c, BarItem(), Ending(d, 1, 2), end, e, BarItem()}, "CDCDE"},
+      {{c, BarItem(), Ending(d, 1, 1), end, Ending(e, 2, 2), end, f, BarItem()}, "CDCEF"},
+      {{BarItem(4), c, BarItem(), Ending(d, 1, 1), end, Ending(e, 2, 2), BarItem(5), f, end}, "CDCEFF"},
+      {{c, BarItem(4), d, BarItem(), With(e, TextDrawing("3x")), end, f, BarItem()}, "CDEDEDEF"},
+      {{With(c, TextDrawing("4 mal")), BarItem(5), d, end, e, BarItem()}, "CCCCDDE"},
+  };
+  for (const Case& row : cases) {
+    EXPECT_EQ(PlayBars(row.items).keys, row.keys);
+    EXPECT_EQ(PlainKeys(row.items), row.keys);
+  }
+  // The third ending in the next system.
+  ScoreDocument document = OneVoice({c, Ending(d, 1, 1), end, Ending(e, 2, 2), end});
+  document.systems.push_back(document.systems[0]);
+  document.systems[1].staves[0].voices[0] = {Ending(f, 3, 3)};
+  EXPECT_THAT(Strikes(Play(document)),
+              ElementsAre("0 3C", "1920 3E", "3840 3C", "5760 40", "7680 3C", "9600 41"));
+}
+
+TEST(Repeats, FollowTheWordsOfJumps) {
+  const ScoreItem line = BarItem();
+  const ScoreItem end = BarItem(3);
+  const auto says = [](std::int8_t position, std::string_view words) {
+    return With(Whole(position), TextDrawing(words));
+  };
+  struct Case {
+    VoiceItems items;
+    const char* keys;
+  };
+  const Case cases[] = {
+      {{Whole(), line, says(kD, "Fine"), line, says(kE, "D.C. al Fine"), line}, "CDECD"},
+      {{Whole(), line, says(kD, "Segno"), line, Whole(kE), line, says(kF, "Dal Segno"), line}, "CDEFDEF"},
+      {{says(kMiddleC, "Segno"), line, says(kD, "To Coda"), line, says(kE, "D.S. al Coda"), line, Whole(kF),
+        line},
+       "CDECDF"},
+      // Repeats before the jump, not after it; there the last ending is played.
+      {{Whole(), line, Ending(Whole(kD), 1, 1), end, Ending(says(kE, "fine"), 2, 2), line,
+        says(kF, "D.C. al Fine"), line},
+       "CDCEFCE"},
+      {{Whole(), end, says(kD, "da capo"), end, Whole(kE), line}, "CCDDCDE"},
+      // Nothing to go to, and no words.
+      {{says(kMiddleC, "D.S."), line, says(kD, "Fine con brio"), line, says(kE, "al Coda"), line}, "CDE"},
+  };
+  for (const Case& row : cases) {
+    EXPECT_EQ(PlayBars(row.items).keys, row.keys);
+    EXPECT_EQ(PlainKeys(row.items), row.keys);
+  }
 }
 
 TEST(Repeats, ReachAcrossSystemsAndStaves) {

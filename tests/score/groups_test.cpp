@@ -148,7 +148,7 @@ TEST(Drawings, OfEveryKindAreReadInFull) {
     EXPECT_TRUE(in.Ok()) << int{kind};
     EXPECT_EQ(in.Position(), file.size()) << int{kind};
     EXPECT_EQ(object.group.marks.dynamic, 127);
-    EXPECT_TRUE(object.group.marks.firstEnding);
+    EXPECT_EQ(object.group.marks.firstEnding, 1);
     EXPECT_EQ(object.group.marks.hairpinSpan, kind < 2 ? 7 : 0);
   }
 }

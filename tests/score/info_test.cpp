@@ -192,19 +192,19 @@ TEST(DamagedScores, VersesWithoutEndAreNotKept) {
 
 // Long as they are, records of any kind are left where the user stops.
 TEST(DamagedScores, ReadingIsStoppedInsideTheInformationPart) {
-  constexpr std::size_t kRecords = 1'000'000;
+  constexpr std::size_t kRecords = 300'000;
   ScoreDocument pictures = Sample();
   pictures.gallery.assign(kRecords, Bytes());
   ScoreDocument music = Sample();
   music.systems[0].staves[0].voices[0].assign(kRecords, RestItem(6));
   ScoreDocument drawn = Sample();
   drawn.systems[0].staves[0].voices[0][3].drawings.assign(kRecords, CurveDrawing(0));
-  for (const ScoreDocument& document : {pictures, music, drawn}) {
-    const Bytes file = WriteScore(document);
+  for (const ScoreDocument* document : {&pictures, &music, &drawn}) {
+    const Bytes file = WriteScore(*document);
     std::size_t whole = 0;
     PlaybackParameters parameters;
     EXPECT_THAT(OpenAndScan(file, parameters, true, [&] { return ++whole == SIZE_MAX; }), IsOk());
-    EXPECT_GT(whole, 100U);
+    EXPECT_GT(whole, 30U);
     for (const std::size_t at : {std::size_t{1}, whole / 3, whole}) {
       std::size_t asked = 0;
       EXPECT_THAT(OpenAndScan(file, parameters, true, [&] { return ++asked == at; }),

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "score/score_filter.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -72,6 +72,35 @@ TEST(ParameterSets, ComeBackFromTheirFile) {
   EXPECT_EQ(other.shortening, 80);
   EXPECT_EQ(other.dynamicVelocities[7], 12);
   EXPECT_TRUE(other.channels.empty());
+}
+
+TEST(ParameterSets, HoldEveryValueThatThePagesOffer) {
+  for (int value = -100; value <= 100; ++value) {
+    PlaybackParameters saved = Sample();
+    for (ArticulationShape& shape : saved.articulations) shape.length = static_cast<std::int8_t>(value);
+    saved.articulations[0].velocity = static_cast<std::int8_t>(value);
+    PlaybackParameters loaded;
+    ASSERT_THAT(ReadParameterSet(ParameterSetProfile(saved, kVoices), kVoices, loaded), IsOk()) << value;
+    EXPECT_EQ(loaded.articulations, saved.articulations) << value;
+  }
+  Profile unknown = ParameterSetProfile(Sample(), kVoices);
+  unknown.WriteInteger("Articulation I", "ProzTenuto", 255);
+  PlaybackParameters parameters;
+  EXPECT_EQ(ReadParameterSet(unknown, kVoices, parameters), Outcome::SourceFailed);
+}
+
+TEST(ParameterSets, AreFoundByTheNameOfTheScoreInAnyCase) {
+  const TemporaryDirectory directory;
+  const std::string fall = directory.Write("Fall.SPS", "");
+  (void)directory.Write("ärger.sps", "");
+  (void)directory.Write("b.SPS", "");
+  const std::string exact = directory.Write("b.sps", "");
+  EXPECT_EQ(AutomaticParameterSet(directory.Path(), "/noten/Fall.stv"), fall);
+  EXPECT_EQ(AutomaticParameterSet(directory.Path(), "/noten/FALL.STV"), fall);
+  EXPECT_EQ(AutomaticParameterSet(directory.Path(), "/noten/Ärger.stv"), directory.File("ärger.sps"));
+  EXPECT_EQ(AutomaticParameterSet(directory.Path(), "/noten/b.stv"), exact);
+  EXPECT_EQ(AutomaticParameterSet(directory.Path(), "/noten/anderes.stv"), "");
+  EXPECT_EQ(AutomaticParameterSet(directory.File("fehlt"), "/noten/b.stv"), "");
 }
 
 TEST(ParameterSets, WithHolesAreRefused) {

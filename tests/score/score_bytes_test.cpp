@@ -1,8 +1,8 @@
 // What the engine writes, to the byte: small scores worked out by hand, one feature each.
 #include <gmock/gmock.h>
 
-#include "platform/bytes.h"
-#include "platform/text.h"
+#include "platform/base/bytes.h"
+#include "platform/base/text.h"
 #include "score_log.h"
 #include "support/matchers.h"
 

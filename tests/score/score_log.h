@@ -15,7 +15,7 @@ inline constexpr std::int8_t kD = -6;
 inline constexpr std::int8_t kE = -5;
 inline constexpr std::int8_t kF = -4;
 
-inline ScoreNote Note(std::int8_t position, std::int8_t accidental = 0) {
+inline ScoreNote Note(std::int8_t position = kMiddleC, std::int8_t accidental = 0) {
   return {position, accidental, 0};
 }
 inline ScoreItem Quarter(std::int8_t position = kMiddleC) {

@@ -11,7 +11,7 @@
 
 #include "midi/conductor.h"
 #include "midi/midi_file.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "score/score_engine.h"
 #include "score/score_log.h"
 #include "search/hit_player.h"

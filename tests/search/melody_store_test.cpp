@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/texts.h"
 #include "support/matchers.h"
 

@@ -156,7 +156,7 @@ TEST(MidiSearchTest, DamageMakesAFileUnsuitable) {
       {"damage behind the drums of an only track",
        MidiImage({TrackBuilder().Note(0, 60).Message(0, 0xC9, {1}).Note(1, 61).Unfinished()}),
        Outcome::DamagedMidi, 0},
-      {"no track at all", with(11, 0), Outcome::Success, 0},
+      {"no track counted before those that are there", with(11, 0), Outcome::DamagedMidi, 0},
   };
   for (const Case& c : cases) {
     const Found found = Search(c.file);

@@ -113,6 +113,63 @@ TEST(NoteEditorTest, OpensWithTheClefOfItsMelody) {
   EXPECT_EQ(melody.cursor, 1u);
 }
 
+TEST(NoteEditorTest, UndoAndRedoGoThroughAllChanges) {
+  SearchMelody melody;
+  NoteEditor editor(melody);
+  EXPECT_FALSE(editor.IsEnabled(NoteCommand::Undo));
+  std::vector<std::vector<MelodyElement>> states{melody.elements};
+  const auto keep = [&] { states.push_back(melody.elements); };
+  (void)editor.Execute(NoteCommand::LowC), keep();
+  (void)editor.EnterAt(4, 0), keep();
+  (void)editor.EnterKey(61), keep();
+  (void)editor.Execute(NoteCommand::DeleteBeforeCursor), keep();
+  (void)editor.Execute(NoteCommand::DeleteAll), keep();
+  SearchMelody other;
+  other.elements = {{10036, 240}};
+  other.clef = Clef::Bass;
+  editor.Replace(other), keep();
+  for (std::size_t i = states.size() - 1; i-- > 0;) {
+    EXPECT_TRUE(editor.Execute(NoteCommand::Undo).changed);
+    EXPECT_EQ(melody.elements, states[i]) << i;
+    EXPECT_LE(melody.cursor, melody.elements.size());
+  }
+  EXPECT_EQ(melody.clef, Clef::Treble);
+  EXPECT_FALSE(editor.Execute(NoteCommand::Undo).changed);
+  for (std::size_t i = 1; i < states.size(); ++i) {
+    EXPECT_TRUE(editor.Execute(NoteCommand::Redo).changed);
+    EXPECT_EQ(melody.elements, states[i]) << i;
+  }
+  EXPECT_EQ(melody.clef, Clef::Bass);
+  (void)editor.Execute(NoteCommand::Undo);
+  (void)editor.Execute(NoteCommand::LowD);
+  EXPECT_FALSE(editor.IsEnabled(NoteCommand::Redo)) << "a change ends what was undone";
+}
+
+TEST(NoteEditorTest, MouseAndKeyboardEnterWhatTheyMean) {
+  SearchMelody melody;
+  NoteEditor editor(melody);
+  melody.accidental = Accidental::Flat;
+  EXPECT_EQ(editor.EnterAt(4, 7).sounds, 70);  // B flat, behind the end
+  melody.accidental = Accidental::Sharp;
+  EXPECT_EQ(editor.EnterAt(1, 0).sounds, 66);  // F sharp, at the start
+  EXPECT_EQ(editor.EnterKey(63).sounds, 63);
+  melody.accidental = Accidental::Flat;
+  EXPECT_EQ(editor.EnterKey(63).sounds, 63);
+  EXPECT_THAT(melody.elements, ElementsAre(MelodyElement{1066, 240}, MelodyElement{1063, 240},
+                                           MelodyElement{-1063, 240}, MelodyElement{-1070, 240}));
+  EXPECT_FALSE(editor.EnterKey(128).changed);
+  editor.SetPlaying(true);
+  EXPECT_FALSE(editor.EnterAt(4, 0).changed);
+  // Every place means the key that is drawn there.
+  for (const Clef clef : {Clef::Treble, Clef::Bass}) {
+    for (int place = -8; place <= 16; ++place)
+      EXPECT_EQ(StaffPlace(static_cast<std::int16_t>(KeyAtPlace(place, clef)), clef), place);
+  }
+  const NotePlace drawn = LayOutNotes(melody.elements, melody.clef)[2];
+  EXPECT_EQ(ElementAt(melody.elements, melody.clef, drawn.x + 3, drawn.place), 2U);
+  EXPECT_EQ(ElementAt(melody.elements, melody.clef, drawn.x + 3, drawn.place + 4), std::nullopt);
+}
+
 TEST(NoteCommandsTest, EveryKeyMeansOneCommand) {
   std::set<char> characters;
   std::set<EditorKey> keys;

@@ -84,7 +84,7 @@ std::int64_t NextOnset(const PlainTrack& track, std::size_t event) {
 
 ReferenceResult ReferenceSearch(ByteView bytes, std::int32_t trackNumber, const TrackContext& context) {
   const PlainTrack track = Parse(bytes);
-  const auto& melody = context.melody;
+  const auto& melody = context.melodies.front();
   const SearchOptions& options = context.options;
   const int p = static_cast<int>(options.tolerance) * 10;
   ReferenceResult result;

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/hit_texts.h"
 #include "search/result_lines.h"
 #include "search/search_results.h"
@@ -52,6 +52,10 @@ std::string WithoutReturns(std::string text) {
 
 std::string AllOf(const ResultLines& lines) {
   return lines.Text(0, lines.count);
+}
+
+Outcome Commit(StagedFile& file) {
+  return file.Commit();
 }
 
 TEST(ShortenedPathTest, KeepsFortySevenCharacters) {
@@ -110,7 +114,7 @@ TEST(ResultFileTest, OneSearchIsByteExact) {
   auto writer = ResultFileWriter::Create(path, false, Record());
   ASSERT_THAT(writer, IsOk());
   EXPECT_THAT(writer->WriteHit(Hit("C:\\x.mid", 1, 2, 1000)), IsOk());
-  EXPECT_THAT(writer->Finish(Record()), IsOk());
+  EXPECT_THAT(writer->Finish(Record(), Commit), IsOk());
   const std::string expected = Times(75, '=') + "sts5=\r\n" +  //
                                "Suchergebnisse betreffend die Melodie \"Gr\xFC\xDF"
                                "e\"\r\n" +  //
@@ -143,7 +147,7 @@ TEST(ResultFileTest, AppendsBehindTheOldSearch) {
   auto writer = ResultFileWriter::Create(path, true, record);
   ASSERT_THAT(writer, IsOk());
   EXPECT_EQ(test::Content(path), ResultTagLine());  // until it is finished
-  EXPECT_THAT(writer->Finish(record), IsOk());
+  EXPECT_THAT(writer->Finish(record, Commit), IsOk());
   const std::string content = test::Content(path);
   EXPECT_THAT(content, StartsWith(std::string(ResultTagLine()) + std::string(ResultTagLine()) +
                                   "Suchergebnisse betreffend die Melodie \"unbekannt\"\r\n"));

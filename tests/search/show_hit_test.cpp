@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "search/texts.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -46,8 +47,7 @@ TEST(SiblingMessagesTest, AreByteExact) {
 
 class SiblingLinkTest : public testing::Test {
  protected:
-  SiblingLinkTest() { ::setenv("XDG_RUNTIME_DIR", directory_.Path().c_str(), 1); }
-  const test::TemporaryDirectory directory_;
+  const test::Home directory_;
 };
 
 TEST_F(SiblingLinkTest, MessagesArriveInOrder) {

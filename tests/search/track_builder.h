@@ -4,7 +4,7 @@
 #include <initializer_list>
 
 #include "midi/midi_events.h"
-#include "platform/bytes.h"
+#include "platform/base/bytes.h"
 
 namespace ts5::test {
 

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <random>
+#include <utility>
 
 #include "reference_matcher.h"
 #include "support/matchers.h"
@@ -36,8 +37,14 @@ template <typename Search>
 auto WithContext(const Setting& setting, const HitSink& sink, Search search) {
   const std::string file = "/m/x.mid";
   const std::function<bool()> never;
-  return search(TrackContext{setting.melody, setting.options, setting.signatures, setting.division,
-                             setting.tempo, file, sink, never});
+  return search(TrackContext{{&setting.melody, 1},
+                             setting.options,
+                             setting.signatures,
+                             setting.division,
+                             setting.tempo,
+                             file,
+                             sink,
+                             never});
 }
 
 Found Find(const Bytes& track, const Setting& setting) {
@@ -367,7 +374,7 @@ TEST(TrackMatcherTest, TheSinkAndTheUserEndTheSearch) {
   const std::string file;
   const std::function<bool()> stop = [] { return true; };
   const TrackContext stopped = {
-      setting.melody, setting.options, setting.signatures, 240, 120, file, full, stop};
+      {&setting.melody, 1}, setting.options, setting.signatures, 240, 120, file, full, stop};
   EXPECT_EQ(SearchMidiTrack(track, 0, stopped).code, Outcome::Cancelled);
 }
 
@@ -457,6 +464,26 @@ TEST(TrackMatcherTest, AgreesWithTheReference) {
     ASSERT_EQ(found.code, expected.code) << round;
     ASSERT_EQ(found.hits, expected.hits) << round;
     ASSERT_EQ(found.count, expected.code == Outcome::Success ? expected.hits.size() : 0u) << round;
+    // Searched with others in one walk it is found as often, and in the same order.
+    Setting other = setting;
+    other.melody = {{62, 120}, {64, 120}};
+    const std::vector<PreparedMelody> melodies{other.melody, setting.melody, {}, setting.melody};
+    std::vector<SearchHit> together[4];
+    const HitSink sink = [&](SearchHit hit) {
+      const auto melody = static_cast<std::size_t>(std::exchange(hit.melody, 0));
+      together[melody].push_back(std::move(hit));
+      return Outcome::Success;
+    };
+    const std::string file = "/m/x.mid";
+    const std::function<bool()> never;
+    (void)SearchMidiTrack(
+        track, 3,
+        {melodies, setting.options, setting.signatures, setting.division, setting.tempo, file, sink, never});
+    if (found.code == Outcome::Success) {
+      ASSERT_EQ(together[0], Find(track, other).hits) << round;
+      ASSERT_EQ(together[1], found.hits) << round;
+      ASSERT_EQ(together[3], found.hits) << round;
+    }
     hits += found.hits.size();
     damaged += expected.code == Outcome::DamagedMidi ? 1 : 0;
   }

@@ -1,7 +1,7 @@
 // Fails every test in which a printf format and its arguments did not fit.
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 namespace ts5::test {
 namespace {

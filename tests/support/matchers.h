@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/outcome.h"
+#include "platform/base/outcome.h"
 
 namespace ts5::test {
 

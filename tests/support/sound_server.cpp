@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -16,10 +15,8 @@ namespace ts5::test {
 SoundServer::SoundServer() {
   const std::string program = "/usr/bin/pulseaudio";
   if (!std::filesystem::exists(program)) return;
-  const std::string socket = folder_.File("native");
+  const std::string socket = home_.File("native");
   const std::string protocol = "module-native-protocol-unix auth-anonymous=1 socket=" + socket;
-  setenv("PULSE_SERVER", ("unix:" + socket).c_str(), 1);
-  setenv("XDG_RUNTIME_DIR", folder_.Path().c_str(), 1);
   server_ = fork();
   if (server_ == 0) {
     const int nothing = open("/dev/null", O_RDWR);
@@ -33,8 +30,6 @@ SoundServer::SoundServer() {
 }
 
 SoundServer::~SoundServer() {
-  unsetenv("PULSE_SERVER");
-  unsetenv("XDG_RUNTIME_DIR");
   if (server_ <= 0) return;
   Signal(SIGKILL);
   waitpid(server_, nullptr, 0);

@@ -3,7 +3,7 @@
 
 #include <sys/types.h>
 
-#include "support/test_data.h"
+#include "support/home.h"
 
 namespace ts5::test {
 
@@ -19,7 +19,7 @@ class SoundServer {
   void Signal(int signal) const;
 
  private:
-  TemporaryDirectory folder_;
+  Home home_;
   pid_t server_ = -1;
 };
 

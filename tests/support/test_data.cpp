@@ -17,22 +17,30 @@ std::string DataPath(std::string_view name) {
   return std::string(TS5_TEST_DATA "/") + std::string(name);
 }
 
-TemporaryDirectory::TemporaryDirectory() {
-  std::string pattern = (fs::temp_directory_path() / "ts5-test-XXXXXX").string();
+namespace {
+
+// Where the system has them, whatever the test program tells the code under test.
+std::string MakeDirectory() {
+  static const fs::path system = fs::temp_directory_path();
+  std::string pattern = (system / "ts5-test-XXXXXX").string();
   if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary directory");
-  path_ = pattern;
+  return pattern;
 }
+
+}  // namespace
+
+TemporaryDirectory::TemporaryDirectory() : Place(MakeDirectory()) {}
 
 TemporaryDirectory::~TemporaryDirectory() {
   std::error_code ignored;
-  fs::remove_all(path_, ignored);
+  fs::remove_all(Path(), ignored);
 }
 
-std::string TemporaryDirectory::File(std::string_view name) const {
+std::string Place::File(std::string_view name) const {
   return path_ + "/" + std::string(name);
 }
 
-std::string TemporaryDirectory::Write(std::string_view name, std::string_view content) const {
+std::string Place::Write(std::string_view name, std::string_view content) const {
   const std::string path = File(name);
   fs::create_directories(fs::path(path).parent_path());
   std::ofstream out(path, std::ios::binary);

@@ -3,19 +3,17 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace ts5::test {
 
 // tests/data/NAME
 [[nodiscard]] std::string DataPath(std::string_view name);
 
-// A directory of its own for one test, removed with all it holds.
-class TemporaryDirectory {
+// A directory for the files of a test.
+class Place {
  public:
-  TemporaryDirectory();
-  ~TemporaryDirectory();
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  explicit Place(std::string path) : path_(std::move(path)) {}
 
   [[nodiscard]] const std::string& Path() const { return path_; }
   [[nodiscard]] std::string File(std::string_view name) const;
@@ -24,6 +22,15 @@ class TemporaryDirectory {
 
  private:
   std::string path_;
+};
+
+// One of its own, beside all others, removed with all it holds.
+class TemporaryDirectory : public Place {
+ public:
+  TemporaryDirectory();
+  ~TemporaryDirectory();
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 };
 
 // The content of a file, "" when there is none.

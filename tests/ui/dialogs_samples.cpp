@@ -1,8 +1,16 @@
 #include <cmath>
 
-#include "app/about_dialog.h"
-#include "app/help_window.h"
-#include "app/splash.h"
+#include "app/shell/about_dialog.h"
+#include "app/shell/help_window.h"
+#include "app/shell/splash.h"
+#include "audio/encode/encoder.h"
+#include "audio/encode/ui/ape_dialog.h"
+#include "audio/encode/ui/compress_dialog.h"
+#include "audio/encode/ui/decoder_dialog.h"
+#include "audio/encode/ui/encoder_info_dialog.h"
+#include "audio/encode/ui/engine_dialog.h"
+#include "audio/encode/ui/ogg_dialog.h"
+#include "audio/encode/ui/target_names_dialog.h"
 #include "audio/texts.h"
 #include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/midi_to_wave_dialog.h"
@@ -11,6 +19,7 @@
 #include "audio/ui/wave_convert_dialog.h"
 #include "audio/ui/wave_format_dialog.h"
 #include "dialogs_support.h"
+#include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/playback_window.h"
 #include "frame/ui/results_dialog.h"
@@ -18,7 +27,7 @@
 #include "midi/ui/midi_convert_dialog.h"
 #include "midi/ui/midi_properties_dialog.h"
 #include "midi/ui/riff_attributes_dialog.h"
-#include "platform/strings.h"
+#include "platform/base/strings.h"
 
 namespace ts5 {
 namespace {
@@ -28,17 +37,24 @@ constexpr std::size_t kOutlineParts = 1200;
 RunResult SampleResult() {
   RunResult result;
   result.filter = FilterId::MidiConverter;
-  result.title = "Ergebnisse der Midi-Konvertierung";
-  result.lines = {{{"Erfolgreich konvertierte Dateien:", 118},
-                   {"Nicht (ordnungsgemäß) konvertierte Dateien:", 2},
-                   {"Erfolgreich komprimierte Tracks:", 17},
-                   {"Nicht (ordnungsgemäß) gebrannte Tracks:", 0}}};
+  result.titles = {texts::ResultsMidiConverter,
+                   {texts::CountConverted, texts::CountNotConverted, texts::CountTracksCompressed,
+                    texts::CountTracksNotBurnt}};
+  result.counts = {118, 2, 17, 0};
   result.remarks = {
       "Die Datei wurde erfolgreich nach Midi-0 konvertiert.",
       "Die Konvertierung der Zeitbasis war erfolgreich. Die Startzeiten der Audio-Segmente wurden nicht "
       "angepasst.",
       "Die Quelle hat ein ungültiges Dateiformat."};
   result.cancelButton = true;
+  result.items = {{"/home/clara/Musik/Chor/Abendlied.mid", "/home/clara/Musik/Chor/Abendlied.cnv.mid", 0},
+                  {.source = "/home/clara/Musik/Chor/Der Mond ist aufgegangen.mid",
+                   .code = -200,
+                   .reason = "Das Verzeichnis \"/home/clara/Musik/Chor\" ist schreibgeschützt.",
+                   .remark = "Die Zieldatei konnte nicht erstellt werden."},
+                  {.source = "/home/clara/Musik/Notizen.mid",
+                   .code = -104,
+                   .remark = "Die Quelle hat ein ungültiges Dateiformat."}};
   return result;
 }
 
@@ -96,10 +112,12 @@ std::unique_ptr<QWidget> PlayingWindow(DialogHost& host, FilterId filter) {
       host, nullptr);
 }
 
-// After the others, those of the rooms of scores and searches.
+// After the others, those of rooms that have files of their own for them.
 std::vector<WindowSample> WithRooms(std::vector<WindowSample> samples) {
   for (WindowSample& sample : ScoreWindowSamples()) samples.push_back(std::move(sample));
   for (WindowSample& sample : SearchWindowSamples()) samples.push_back(std::move(sample));
+  for (WindowSample& sample : ArtworkerWindowSamples()) samples.push_back(std::move(sample));
+  for (WindowSample& sample : DiscWindowSamples()) samples.push_back(std::move(sample));
   return samples;
 }
 
@@ -134,7 +152,11 @@ std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
 const std::vector<WindowSample>& WindowSamples() {
   static const std::vector<WindowSample> samples = WithRooms({
       {"RESULTS",
-       [](DialogHost& host) { return std::make_unique<ResultsDialog>(SampleResult(), host, nullptr); }},
+       [](DialogHost& host) {
+         auto dialog = std::make_unique<ResultsDialog>(SampleResult(), true, host, nullptr);
+         dialog->findChild<QPushButton*>("detailsButton")->click();
+         return dialog;
+       }},
       {"CREATEJOB",
        [](DialogHost& host) {
          return std::make_unique<JobDialog>(JobDialog::Purpose::Create,
@@ -173,6 +195,43 @@ const std::vector<WindowSample>& WindowSamples() {
          const MidiToWaveDevices devices{{"Stavora-Synthesizer"}, {"Monitor of Built-in Audio"}, {}};
          return std::make_unique<MidiToWaveDialog>(MidiToWaveParameters{}, devices, host, nullptr);
        }},
+      {"WAVMP3PARAMS",
+       [](DialogHost& host) {
+         EncodeSettings settings;
+         settings.object = CodecIndexOf(EncoderId::WmaCodec);
+         const CompressChoices choices{.interfaces = {{"flac", true, {"Stufe 5", "Stufe 8"}}},
+                                       .editAttributes = [](QWidget*) {},
+                                       .editNames = [](QWidget*, const EncodeSettings&) {},
+                                       .replayGain = true};
+         return std::make_unique<CompressDialog>(settings, choices, host, nullptr);
+       }},
+      {"MPDECODER",
+       [](DialogHost& host) {
+         return std::make_unique<DecoderDialog>(
+             DecodeOptions{.rateDivisor = 2}, "Abendlied.mp3",
+             CompressedFile{"MPEG-Audio Layer III (MP3), 44100 Hz, Stereo", 44100}, [](QWidget*) {}, host,
+             nullptr);
+       }},
+      {"TARGETNAMES",
+       [](DialogHost& host) {
+         const auto preview = [](const std::string&) {
+           return std::vector<NamedItem>{
+               {"/m/a.wav", {.name = "/m/01 - Kyrie.mp3"}, false},
+               {"/m/b.wav", {.name = "/m/02 - Gloria.mp3"}, true},
+               {"/m/c.wav", {.code = Outcome::TargetFailed}, false},
+           };
+         };
+         return std::make_unique<TargetNamesDialog>("%track% - %title%", preview, host, nullptr);
+       }},
+      {"BLADEPARAMS",
+       [](DialogHost& host) {
+         return std::make_unique<EngineDialog>(BeConfig(), Mp3Engine::Lame, host, nullptr);
+       }},
+      {"OGGPARAMS",
+       [](DialogHost& host) { return std::make_unique<OggDialog>(OggSettings{}, host, nullptr); }},
+      {"APEPARAMS", [](DialogHost& host) { return std::make_unique<ApeDialog>(3000, host, nullptr); }},
+      {"ENCODERINFO",
+       [](DialogHost&) { return std::make_unique<EncoderInfoDialog>(Mp3Engine::Lame, nullptr); }},
       {"WAVEFORMAT",
        [](DialogHost& host) {
          const std::vector<WaveNumbers> formats{{44100, 1, 8}, {44100, 2, 8}, {44100, 1, 16}, {44100, 2, 16}};

@@ -66,13 +66,33 @@ inline void Press(QWidget& window, const char* button) {
   Child<QAbstractButton>(window, button).click();
 }
 
+// Does something with the next modal dialog of this kind as soon as it is open, which may take a moment when
+// something is read for it.
+template <typename Dialog, typename Action>
+void InNext(const Action& action) {
+  auto* const looks = new QTimer(qApp);
+  QObject::connect(looks, &QTimer::timeout, [looks, action, left = 10'000]() mutable {
+    auto* const dialog = dynamic_cast<Dialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) {
+      if (--left == 0) qFatal("the dialog does not open");
+      return;
+    }
+    looks->stop();
+    looks->deleteLater();
+    action(*dialog);
+  });
+  looks->start(1);
+}
+
 // One window of every kind, with something in it.
 struct WindowSample {
   const char* name;
   std::function<std::unique_ptr<QWidget>(DialogHost&)> make;
 };
 [[nodiscard]] const std::vector<WindowSample>& WindowSamples();
-[[nodiscard]] std::vector<WindowSample> ScoreWindowSamples();   // those of the score room, among them
-[[nodiscard]] std::vector<WindowSample> SearchWindowSamples();  // those of the melody search, likewise
+[[nodiscard]] std::vector<WindowSample> ScoreWindowSamples();      // those of the score room, among them
+[[nodiscard]] std::vector<WindowSample> SearchWindowSamples();     // those of the melody search, likewise
+[[nodiscard]] std::vector<WindowSample> ArtworkerWindowSamples();  // those of the Artworker, likewise
+[[nodiscard]] std::vector<WindowSample> DiscWindowSamples();       // those of discs, likewise
 
 }  // namespace ts5

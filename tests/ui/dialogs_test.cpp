@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
@@ -13,6 +14,7 @@
 #include <QTreeWidget>
 
 #include "dialogs_support.h"
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/job_dialog.h"
@@ -21,10 +23,11 @@
 #include "frame/ui/settings_dialog.h"
 #include "midi/converter_form.h"
 #include "midi/ui/midi_convert_dialog.h"
+#include "midi/ui/midi_files_dialog.h"
 #include "midi/ui/midi_properties_dialog.h"
 #include "midi/ui/riff_attributes_dialog.h"
 #include "midi/ui/time_base_box.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -41,17 +44,17 @@ void Type(QLineEdit& field, const QString& text) {
 
 TEST(ResultsDialogTest, ShowsTheLinesThatHaveALabelAndTheRemarks) {
   RunResult result;
-  result.title = "Ergebnisse der Midi-Konvertierung";
-  result.lines[0] = {"Erfolgreich konvertierte Dateien:", 2};
-  result.lines[1] = {"Nicht (ordnungsgemäß) konvertierte Dateien:", 1};
+  result.titles = Descriptor(FilterId::MidiConverter).titles;
+  result.counts = {2, 1};
   result.remarks = {"Die Quelle hat ein ungültiges Dateiformat."};
   RecordingHost host;
-  ResultsDialog dialog(result, host, nullptr);
+  ResultsDialog dialog(result, true, host, nullptr);
   dialog.show();
 
-  EXPECT_EQ(dialog.windowTitle(), ToQt(result.title));
+  EXPECT_EQ(dialog.windowTitle(), "Ergebnisse der Midi-Konvertierung");
   EXPECT_EQ(Child<QLineEdit>(dialog, "line1Count").text(), "2");
-  EXPECT_EQ(Child<QLineEdit>(dialog, "line2Count").accessibleName(), ToQt(result.lines[1].label));
+  EXPECT_EQ(Child<QLineEdit>(dialog, "line2Count").accessibleName(),
+            "Nicht (ordnungsgemäß) konvertierte Dateien:");
   EXPECT_TRUE(Child<QLineEdit>(dialog, "line2Count").isVisible());
   EXPECT_FALSE(Child<QWidget>(dialog, "line3Label").isVisible());
   EXPECT_FALSE(Child<QWidget>(dialog, "line3Count").isVisible());
@@ -69,9 +72,10 @@ TEST(ResultsDialogTest, CancelIsOfferedOnRequestAndNoRemarksAreNone) {
   RunResult result;
   result.cancelButton = true;
   RecordingHost host;
-  ResultsDialog dialog(result, host, nullptr);
+  ResultsDialog dialog(result, true, host, nullptr);
   dialog.show();
   EXPECT_EQ(Child<QPlainTextEdit>(dialog, "remarks").toPlainText(), "keine");
+  EXPECT_FALSE(Child<QWidget>(dialog, "detailsButton").isVisible()) << "there are no items";
   Press(dialog, "cancelButton");
   EXPECT_EQ(dialog.result(), QDialog::Rejected);
 }
@@ -206,7 +210,6 @@ TEST_F(SettingsDialogTest, AnotherLayoutIsPendingAndEveryRadioIsTaken) {
   EXPECT_EQ(accepted.jobSaving, JobSaving::Ask);
   EXPECT_EQ(accepted.oldSearchResults, OldSearchResults::Extend);
   EXPECT_TRUE(accepted.searchWholePath);
-  EXPECT_TRUE(dialog.WholePathChanged());
 }
 
 TEST_F(SettingsDialogTest, CancelGivesBackWhatWasThere) {
@@ -345,6 +348,22 @@ TEST(MidiPropertiesDialogTest, ShowsTheAttributesOfRiffFilesOnly) {
     EXPECT_EQ(list.isVisible(), riff);
     EXPECT_FALSE(list.topLevelItem(0)->toolTip(1).contains('<')) << "a text of a file is no markup";
   }
+}
+
+TEST(MidiFilesDialogTest, ComparesFilesAndSortsByNumbers) {
+  TemporaryDirectory directory;
+  directory.Write("kaputt.mid", "MThd");
+  RecordingHost host;
+  const auto dialog =
+      MidiFilesDialog({test::DataPath("midi/mutopia_maple-leaf-rag.mid"), directory.File("kaputt.mid"),
+                       test::DataPath("midi/jazzsoft_test-c-major-scale.mid")},
+                      host, nullptr);
+  auto& list = Child<QTreeWidget>(*dialog, "midiFileList");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return list.topLevelItemCount() == 3; }));
+  list.sortByColumn(2, Qt::DescendingOrder);
+  EXPECT_EQ(list.topLevelItem(0)->text(0), "mutopia_maple-leaf-rag.mid");
+  EXPECT_EQ(list.topLevelItem(2)->text(8), "nicht lesbar");
+  EXPECT_THAT(FromQt(Child<QLabel>(*dialog, "midiFilesTotal").text()), testing::HasSubstr("3 Dateien"));
 }
 
 TEST(FileDialogsTest, FileTypesMatchWithoutRegardToCase) {

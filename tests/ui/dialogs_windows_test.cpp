@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDBusVariant>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
@@ -11,9 +12,10 @@
 #include <QTextBrowser>
 #include <cmath>
 
-#include "app/appearance.h"
-#include "app/command_table.h"
-#include "app/help_window.h"
+#include "app/look/appearance.h"
+#include "app/look/desktop_scheme.h"
+#include "app/shell/command_table.h"
+#include "app/shell/help_window.h"
 #include "dialogs_support.h"
 #include "frame/file_types.h"
 #include "frame/ui/qt_text.h"
@@ -60,6 +62,18 @@ INSTANTIATE_TEST_SUITE_P(All, WindowTest, testing::Range(std::size_t{0}, WindowS
                            QString name = QLatin1String(WindowSamples().at(info.param).name);
                            return name.remove('-').toStdString();
                          });
+
+// What the portal sends when the desktop changes; 0 is no preference, to which some go back from dark.
+TEST(DesktopSchemeTest, LightComesBackWithTheDesktop) {
+  DesktopScheme scheme(*qApp, SkinLayout::Stavora5);
+  for (const uint value : {1U, 0U, 1U, 2U}) {
+    QMetaObject::invokeMethod(
+        &scheme, "SettingChanged", Q_ARG(QString, QStringLiteral("org.freedesktop.appearance")),
+        Q_ARG(QString, QStringLiteral("color-scheme")), Q_ARG(QDBusVariant, QDBusVariant(QVariant(value))));
+    EXPECT_EQ(IsDarkPalette(), value == 1) << value;
+  }
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
+}
 
 TEST(AccessibleWalkTest, FindsNamelessControlsAndClippedTexts) {
   QWidget window;

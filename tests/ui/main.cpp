@@ -3,11 +3,13 @@
 
 #include <QApplication>
 
-#include "app/appearance.h"
-#include "app/toolkit_texts.h"
+#include "app/look/appearance.h"
+#include "app/look/toolkit_texts.h"
 #include "resources/icons.h"
+#include "support/home.h"
 
 int main(int argc, char** argv) {
+  const ts5::test::OwnEnvironment environment;
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   testing::InitGoogleTest(&argc, argv);
   QApplication application(argc, argv);

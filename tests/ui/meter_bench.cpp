@@ -7,7 +7,7 @@
 #include <ctime>
 #include <thread>
 
-#include "app/appearance.h"
+#include "app/look/appearance.h"
 #include "dialogs_support.h"
 #include "frame/ui/playback_window.h"
 #include "resources/icons.h"

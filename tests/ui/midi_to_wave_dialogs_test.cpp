@@ -21,16 +21,6 @@
 namespace ts5 {
 namespace {
 
-// Does something with the next modal dialog of this kind as soon as it is open.
-template <typename Dialog, typename Action>
-void InNext(const Action& action) {
-  QTimer::singleShot(0, [action] {
-    auto* const dialog = dynamic_cast<Dialog*>(QApplication::activeModalWidget());
-    ASSERT_NE(dialog, nullptr);
-    action(*dialog);
-  });
-}
-
 MidiToWaveDevices Devices() {
   return {{"A", "B"}, {"Mikrofon", "Monitor"}, [](const std::string& input) {
             return input == "Monitor" ? std::vector<WaveNumbers>{{44100, 2, 16}, {48000, 2, 16}}

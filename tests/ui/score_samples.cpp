@@ -2,6 +2,7 @@
 #include <QListWidget>
 #include <QTabWidget>
 
+#include "converters/transcribe/ui/midi_to_score_dialog.h"
 #include "dialogs_support.h"
 #include "frame/ui/playback_window.h"
 #include "score/ui/score_midi_dialog.h"
@@ -101,6 +102,11 @@ std::vector<WindowSample> ScoreWindowSamples() {
       {"PLAYBACK5", [](DialogHost& host) { return PlayingScore(host, 4); }},
       {"PLAYBACK6", [](DialogHost& host) { return PlayingScore(host, 5); }},
       {"SCOREMIDI", Converter},
+      {"MIDSTV",
+       [](DialogHost& host) {
+         return std::make_unique<transcribe::MidiToScoreDialog>(transcribe::MidiToScoreParameters{}, host,
+                                                                nullptr);
+       }},
       {"STVPROPS", Properties},
   };
 }

@@ -5,8 +5,8 @@
 #include <QPixmap>
 #include <cstdio>
 
-#include "app/appearance.h"
-#include "app/toolkit_texts.h"
+#include "app/look/appearance.h"
+#include "app/look/toolkit_texts.h"
 #include "dialogs_support.h"
 #include "resources/icons.h"
 #include "workbench_sample.h"

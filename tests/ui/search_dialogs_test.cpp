@@ -24,21 +24,22 @@
 
 #include "dialogs_support.h"
 #include "frame/texts.h"
+#include "frame/ui/print_abort_dialog.h"
+#include "frame/ui/print_preview_dialog.h"
+#include "frame/ui/print_setup_dialog.h"
 #include "frame/ui/qt_text.h"
-#include "platform/files.h"
-#include "platform/registry.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/store/registry.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/note_commands.h"
 #include "search/texts.h"
 #include "search/ui/manage_melodies_dialog.h"
 #include "search/ui/note_editor_panel.h"
-#include "search/ui/print_abort_dialog.h"
-#include "search/ui/print_preview_dialog.h"
-#include "search/ui/print_setup_dialog.h"
 #include "search/ui/result_line_view.h"
 #include "search/ui/result_viewer_dialog.h"
+#include "search/ui/results_printer.h"
 #include "search/ui/save_melody_dialog.h"
 #include "search/ui/search_dialog.h"
 #include "search/ui/staff_view.h"
@@ -171,6 +172,43 @@ TEST_F(SearchDialogTest, EveryNoteKeyEntersItsNote) {
   }
 }
 
+TEST_F(SearchDialogTest, ClicksAndAMidiKeyboardEnterNotes) {
+  Open();
+  // A click on the middle line, right of everything, enters the note that stands there.
+  const int middle = Staff()->height() / 2;
+  QTest::mouseClick(Staff(), Qt::LeftButton, {}, QPoint(Staff()->width() - 30, middle));
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(71)));
+  Keys("d");
+  Child<NoteEditorPanel>(*dialog_, "notePanel").EnterKey(61);
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(71), Note(62), Note(1061)));
+  Key(Qt::Key_Z, Qt::ControlModifier);
+  Key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(71)));
+  Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(71), Note(62)));
+  // The next time new notes come behind those that are there.
+  parameters_ = Accepted();
+  parameters_.melody.cursor = 0;
+  Open();
+  Keys("e");
+  EXPECT_THAT(Edited().elements, ElementsAre(Note(71), Note(62), Note(64)));
+}
+
+TEST_F(SearchDialogTest, EscapeAsksBeforeItDiscards) {
+  Open();
+  QTest::keyClick(dialog_.get(), Qt::Key_Escape);
+  EXPECT_FALSE(dialog_->isVisible()) << "nothing was changed";
+  Open();
+  Press(*dialog_, "searchWidelyButton");
+  EXPECT_TRUE(Child<QRadioButton>(*dialog_, "rhythmAnyRadio").isChecked());
+  EXPECT_TRUE(Child<QRadioButton>(*dialog_, "pitchRelativeRadio").isChecked());
+  for (const bool discard : {false, true}) {
+    NextMessage question(discard ? QMessageBox::Yes : QMessageBox::No);
+    QTest::keyClick(dialog_.get(), Qt::Key_Escape);
+    EXPECT_EQ(dialog_->isVisible(), !discard);
+  }
+}
+
 TEST_F(SearchDialogTest, TheCursorMovesAndDeletes) {
   Open();
   Keys("cdefg");
@@ -188,12 +226,6 @@ TEST_F(SearchDialogTest, TheCursorMovesAndDeletes) {
   Keys("a");
   EXPECT_THAT(Edited().elements, ElementsAre(Note(60), Note(64), Note(69), Note(67)));
   EXPECT_EQ(Edited().cursor, 3U);
-
-  // A click between two notes puts it there.
-  QTest::mouseClick(Staff(), Qt::LeftButton, {}, QPoint(20, Staff()->height() / 2));
-  EXPECT_EQ(Edited().cursor, 0U);
-  QTest::mouseClick(Staff(), Qt::LeftButton, {}, QPoint(Staff()->width() - 5, Staff()->height() / 2));
-  EXPECT_EQ(Edited().cursor, 4U);
 
   Key(Qt::Key_Delete, Qt::ControlModifier);
   EXPECT_THAT(Edited().elements, IsEmpty());
@@ -613,7 +645,7 @@ TEST_F(PrintingTest, PagesHoldAllHitsAndTheFootStaysTogether) {
     const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& j) {
       return PrintResults(results, false, device, j);
     };
-    ASSERT_EQ(PrintWith(setup_, pdf, drawing, job), Printed::Done);
+    ASSERT_EQ(PrintWith(setup_, QStringLiteral("Probe"), pdf, drawing, job), Printed::Done);
     const int pages = PagesOf(pdf);
     ASSERT_EQ(pages, announced) << hits;
     ASSERT_EQ(last, announced) << hits;
@@ -632,12 +664,14 @@ TEST_F(PrintingTest, AnAbortAndAFailureLeaveNothing) {
   };
   PrintJob job;
   job.proceed = [](int page, int) { return page < 3; };
-  EXPECT_EQ(PrintWith(setup_, directory_.File("a.pdf"), drawing, job), Printed::Aborted);
-  EXPECT_EQ(PrintWith(setup_, directory_.File("fehlt/a.pdf"), drawing, {}), Printed::Failed);
+  EXPECT_EQ(PrintWith(setup_, QStringLiteral("Probe"), directory_.File("a.pdf"), drawing, job),
+            Printed::Aborted);
+  EXPECT_EQ(PrintWith(setup_, QStringLiteral("Probe"), directory_.File("fehlt/a.pdf"), drawing, {}),
+            Printed::Failed);
   EXPECT_EQ(test::Listing(directory_.Path()), "");
   PrintSetup noPrinter = setup_;
   noPrinter.printer = "Gibt es nicht";
-  EXPECT_EQ(PrintWith(noPrinter, {}, drawing, {}), Printed::Failed);
+  EXPECT_EQ(PrintWith(noPrinter, QStringLiteral("Probe"), {}, drawing, {}), Printed::Failed);
 }
 
 TEST_F(PrintingTest, ResultFilesPrintAsTheyStand) {
@@ -647,12 +681,12 @@ TEST_F(PrintingTest, ResultFilesPrintAsTheyStand) {
   const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& job) {
     return PrintResultLines("Suchergebnisse001.txt", lines, device, job);
   };
-  EXPECT_EQ(PrintWith(setup_, pdf, drawing, {}), Printed::Done);
+  EXPECT_EQ(PrintWith(setup_, QStringLiteral("Probe"), pdf, drawing, {}), Printed::Done);
   EXPECT_GE(PagesOf(pdf), 3);
 }
 
 TEST_F(PrintingTest, TheSetupKeepsWhatIsChosenAndRefusesImpossibleMargins) {
-  PrintSetupDialog dialog({"Büro", "PDF-Datei"}, setup_, host_, nullptr);
+  PrintSetupDialog dialog({"Büro", "PDF-Datei"}, setup_, {}, host_, nullptr);
   dialog.show();
   EXPECT_EQ(Child<QComboBox>(dialog, "printerBox").currentText(), "PDF-Datei");
   Child<QComboBox>(dialog, "printerBox").setCurrentText("Büro");
@@ -682,7 +716,7 @@ TEST_F(PrintingTest, ThePreviewShowsThePagesUpToItsLimit) {
       [&](QPagedPaintDevice& device, const PrintJob& job) {
         return PrintResults(results, false, device, job);
       },
-      host_, nullptr);
+      {}, host_, nullptr);
   dialog.show();
   auto& preview = Child<QPrintPreviewWidget>(dialog, "preview");
   EXPECT_TRUE(QTest::qWaitFor([&] { return preview.pageCount() > 1; }));
@@ -699,7 +733,7 @@ TEST_F(PrintingTest, ThePreviewShowsThePagesUpToItsLimit) {
 }
 
 TEST_F(PrintingTest, TheAbortDialogEndsAPrinting) {
-  PrintAbortDialog dialog(nullptr);
+  PrintAbortDialog dialog(QtText(texts::PrintAbortTitle), QtText(texts::PrintAbortText), nullptr);
   EXPECT_EQ(dialog.windowTitle(), QtText(texts::PrintAbortTitle));
   EXPECT_TRUE(dialog.Proceed(1, 100));
   EXPECT_FALSE(dialog.isVisible()) << "not for a glance";

@@ -2,15 +2,18 @@
 #include <QTabWidget>
 
 #include "dialogs_support.h"
-#include "platform/registry.h"
+#include "frame/ui/print_abort_dialog.h"
+#include "frame/ui/print_preview_dialog.h"
+#include "frame/ui/print_setup_dialog.h"
+#include "frame/ui/qt_text.h"
+#include "platform/store/registry.h"
 #include "search/melody_store.h"
 #include "search/melody_text.h"
 #include "search/search_results.h"
+#include "search/texts.h"
 #include "search/ui/manage_melodies_dialog.h"
-#include "search/ui/print_abort_dialog.h"
-#include "search/ui/print_preview_dialog.h"
-#include "search/ui/print_setup_dialog.h"
 #include "search/ui/result_viewer_dialog.h"
+#include "search/ui/results_printer.h"
 #include "search/ui/save_melody_dialog.h"
 #include "search/ui/search_dialog.h"
 
@@ -107,16 +110,18 @@ std::vector<WindowSample> SearchWindowSamples() {
       {"PRINTSETUP",
        [](DialogHost& host) {
          const QString pdf = QStringLiteral("PDF-Datei");
-         return std::make_unique<PrintSetupDialog>(QStringList{"Büro", pdf}, DefaultPrintSetup(pdf), host,
-                                                   nullptr);
+         return std::make_unique<PrintSetupDialog>(QStringList{"Büro", pdf}, DefaultPrintSetup(pdf),
+                                                   QString(), host, nullptr);
        }},
       {"PRINTPREVIEW",
        [](DialogHost& host) {
-         return std::make_unique<PrintPreviewDialog>(DefaultPrintSetup({}).layout, DrawHits, host, nullptr);
+         return std::make_unique<PrintPreviewDialog>(DefaultPrintSetup({}).layout, DrawHits, QString(), host,
+                                                     nullptr);
        }},
       {"PRINTABORT",
        [](DialogHost&) {
-         auto dialog = std::make_unique<PrintAbortDialog>(nullptr);
+         auto dialog = std::make_unique<PrintAbortDialog>(QtText(texts::PrintAbortTitle),
+                                                          QtText(texts::PrintAbortText), nullptr);
          (void)dialog->Proceed(30, 200);
          return dialog;
        }},

@@ -21,10 +21,10 @@
 #include "app/texts.h"
 #include "dialogs_support.h"
 #include "midi/midi_sequence.h"
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/registry.h"
-#include "platform/sibling_link.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
+#include "platform/programs/sibling_link.h"
+#include "platform/store/registry.h"
 #include "score/score_writer.h"
 #include "search/melody_store.h"
 #include "search/search_parameters.h"
@@ -32,6 +32,7 @@
 #include "search/ui/note_editor_panel.h"
 #include "search/ui/result_line_view.h"
 #include "search/ui/staff_view.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "workbench_support.h"
 
@@ -100,10 +101,10 @@ class SearchStory : public WorkbenchTest {
   }
   void Search(std::string* texts = nullptr) {
     ExpectResults(texts);
-    W().Trigger(CommandId::Run);
+    W().Actions().Trigger(CommandId::Run);
     ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }, 30'000));
   }
-  [[nodiscard]] RunPanel& Panel() { return W().PanelOf(ActiveJob()); }
+  [[nodiscard]] RunPanel& Panel() { return W().Panels().Current(); }
   [[nodiscard]] HitView& Hits() { return *Panel().Hitlist(); }
   [[nodiscard]] QString Cell(int row, int column) {
     return Panel().Hits().index(row, column).data().toString();
@@ -113,7 +114,7 @@ class SearchStory : public WorkbenchTest {
   void PressKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     ASSERT_TRUE(WaitFor([&] {
       if (QApplication::activeWindow() != &W()) QApplication::setActiveWindow(&W());
-      return W().Dialogs().Current() == nullptr && QApplication::activeWindow() == &W();
+      return W().GetDesk().Queue().Current() == nullptr && QApplication::activeWindow() == &W();
     }));
     QWidget* const focus = QApplication::focusWidget();
     QTest::keyClick(focus != nullptr ? focus : &W(), key, modifiers);
@@ -191,9 +192,9 @@ TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   // Heard: the device records the passage.
   SelectHit(0);
   PressKey(Qt::Key_F9);
-  EXPECT_THAT(W().StatusText().toStdString(), HasSubstr("ab Takt"));
+  EXPECT_THAT(W().GetDesk().Prompt().toStdString(), HasSubstr("ab Takt"));
   ASSERT_TRUE(WaitFor([&] { return FileExists(capture_); }, 30'000));
-  ASSERT_TRUE(WaitFor([&] { return W().StatusText() == QtText(texts::StatusReady); }));
+  ASSERT_TRUE(WaitFor([&] { return W().GetDesk().Prompt() == QtText(texts::StatusReady); }));
   const auto heard = MidiSequence::FromFile(*ReadFile(capture_));
   ASSERT_THAT(heard, test::IsOk());
   EXPECT_TRUE(std::ranges::any_of(heard->Messages(), &SequenceMessage::IsNoteOn));
@@ -245,7 +246,7 @@ TEST_F(SearchStory, AResultFileIsWrittenAndReadInTheViewer) {
       ExpectPrinting(pdf);
       script_.Expect([](QDialog& dialog) { ts5::Press(dialog, "closeButton"); });
     }
-    W().Trigger(CommandId::SearchResults);
+    W().Actions().Trigger(CommandId::SearchResults);
     ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   }
   EXPECT_THAT(test::Content(pdf), HasSubstr("%PDF"));
@@ -274,7 +275,7 @@ TEST_F(SearchStory, OldResultsGoAsTheSettingSays) {
   // A search that cannot begin asks nothing and clears nothing.
   static_cast<SearchParameters&>(*ActiveJob().parameters).melody.elements.clear();
   script_.ExpectBox(QMessageBox::Ok);
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   EXPECT_EQ(script_.LastText(), QtText(texts::MelodyMissing));
   EXPECT_EQ(Panel().Results().Size(), once);
 }
@@ -300,10 +301,10 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   SelectHit(0);
   ASSERT_TRUE(Enabled(CommandId::PlayHit));
   // Stopped by Esc.
-  W().Trigger(CommandId::PlayHit);
+  W().Actions().Trigger(CommandId::PlayHit);
   EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(texts::StopHit));
   PressKey(Qt::Key_Escape);
-  EXPECT_EQ(W().StatusText(), QtText(texts::StatusReady));
+  EXPECT_EQ(W().GetDesk().Prompt(), QtText(texts::StatusReady));
   EXPECT_EQ(W().Actions().Action(CommandId::PlayHit)->text(), QtText(texts::PlayHit));
 
   // A file that has gone.
@@ -311,7 +312,7 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   const std::string content = test::Content(file);
   (void)RemoveFile(file);
   script_.ExpectBox(QMessageBox::Ok);
-  W().Trigger(CommandId::PlayHit);
+  W().Actions().Trigger(CommandId::PlayHit);
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   EXPECT_EQ(script_.LastText(), QtText(texts::HitNotInFile));
   (void)directory_.Write(std::string(FileNameOf(file)), content);
@@ -320,14 +321,13 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
   (void)RemoveFile(capture_);
   ASSERT_TRUE(Succeeded(MakeDirectories(capture_)));
   script_.ExpectBox(QMessageBox::Ok);
-  W().Trigger(CommandId::PlayHit);
+  W().Actions().Trigger(CommandId::PlayHit);
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   EXPECT_THAT(script_.LastText(),
               testing::AnyOf(QtText(texts::HitDeviceFailed), QtText(texts::MidiDeviceGone)));
 }
 
 TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
-  qputenv("XDG_RUNTIME_DIR", directory_.Path().c_str());
   {
     auto registry = Registry::Open(options_.registryPath);
     ASSERT_THAT(registry, test::IsOk());
@@ -386,7 +386,6 @@ TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
 
 // A score: its own words in the dialog, staff, voice and beat in the rows, and the way to the score program.
 TEST_F(SearchStory, AScoreIsSearchedByStaffVoiceAndBeat) {
-  qputenv("XDG_RUNTIME_DIR", directory_.Path().c_str());
   {
     auto registry = Registry::Open(options_.registryPath);
     ASSERT_THAT(registry, test::IsOk());
@@ -440,7 +439,7 @@ TEST_F(SearchStory, AScoreIsSearchedByStaffVoiceAndBeat) {
   SelectHit(0);
   EXPECT_TRUE(Enabled(CommandId::PlayHit));
   ASSERT_TRUE(Enabled(CommandId::ShowSearchResult));
-  W().Trigger(CommandId::ShowSearchResult);
+  W().Actions().Trigger(CommandId::ShowSearchResult);
   ASSERT_TRUE(WaitFor([&] { return all.load(); }, 30'000));  // the window is asked for the program meanwhile
   reader.join();
   ASSERT_EQ(received.size(), 3U);
@@ -467,7 +466,7 @@ TEST_F(SearchStory, AMillionHitsAppearWhileTheWindowStaysAlive) {
       hit.time = i;
       if (Failed(run.Hit(hit))) break;
     }
-    run.Result().lines[1].count = kHits;
+    run.Result().counts[1] = kHits;
     *sent = true;
   };
   options_.modules = [this](FilterId filter) {
@@ -477,7 +476,7 @@ TEST_F(SearchStory, AMillionHitsAppearWhileTheWindowStaysAlive) {
   ExpectResults();
   QElapsedTimer time;
   time.start();
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   // The longest time in which the window does not answer.
   qint64 longest = 0;
   qint64 firstRow = -1;
@@ -522,7 +521,7 @@ TEST_F(SearchStory, AMillionHitsAppearWhileTheWindowStaysAlive) {
     ts5::Press(dialog, "closeButton");
   });
   time.restart();
-  W().Trigger(CommandId::SearchResults);
+  W().Actions().Trigger(CommandId::SearchResults);
   EXPECT_TRUE(WaitFor([&] { return script_.Done(); }));
 }
 

@@ -8,10 +8,10 @@
 #include <fstream>
 #include <string>
 
-#include "app/appearance.h"
-#include "app/main_window.h"
+#include "app/look/appearance.h"
+#include "app/look/toolkit_texts.h"
+#include "app/shell/main_window.h"
 #include "app/texts.h"
-#include "app/toolkit_texts.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 
@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
   MainWindow window(application);
   window.Begin();
   window.show();
-  while (window.StatusText() != QtText(texts::StatusReady)) QApplication::processEvents();
+  while (window.GetDesk().Prompt() != QtText(texts::StatusReady)) QApplication::processEvents();
   QApplication::processEvents();
   // The processor's time beside it, which other programs on the machine do not lengthen.
   std::printf("start: %lld ms to a usable window (%.0f ms of the processor), %.1f MiB resident\n",

@@ -5,11 +5,10 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QMimeData>
-#include <cstdlib>
 
-#include "app/disc_commands.h"
 #include "frame/texts.h"
-#include "platform/virtual_cd.h"
+#include "platform/disc/virtual_cd.h"
+#include "support/home.h"
 #include "support/matchers.h"
 #include "workbench_support.h"
 
@@ -21,13 +20,11 @@ using testing::ElementsAre;
 class DiscStory : public WorkbenchTest {
  protected:
   void SetUp() override {
-    ::setenv("XDG_DATA_HOME", data_.Path().c_str(), 1);
     options_.volumes->AddVirtualCd(VirtualCdDirectory());
     options_.devices->audioOutputs = {"null"};
     Start();
     ASSERT_TRUE(WaitForListing());
   }
-  void TearDown() override { ::unsetenv("XDG_DATA_HOME"); }
 
   void TakeDrive() { emit W().Source().Drives()->DriveTaken(2); }
   void Choose(const std::string& path) {
@@ -52,7 +49,7 @@ class DiscStory : public WorkbenchTest {
     return names;
   }
 
-  test::TemporaryDirectory data_;
+  test::Home data_;
   std::string sheet_ = test::DataPath("cd/three_tracks.cue");
 };
 
@@ -80,7 +77,7 @@ TEST_F(DiscStory, AnEmptyDriveAsksForADiscAndShowsItsTracks) {
   EXPECT_FALSE(W().Actions().Action(CommandId::Rename)->isEnabled());
 
   // Another session comes back to the disc.
-  ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), FilterId::AudioPlayer, W()));
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::AudioPlayer));
   Start();
   ASSERT_TRUE(WaitForListing());
   EXPECT_EQ(ActiveJob().sourceDrive, 2);
@@ -126,11 +123,10 @@ TEST_F(DiscStory, TracksGoIntoTheListAndArePlayed) {
   EXPECT_EQ(ActiveJob().files[0], EntryFromPath("STAVORA VIRTUELLE CD\\Track 02"));
   EXPECT_TRUE(ActiveJob().files[0].cdTrack);
 
-  ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), FilterId::AudioPlayer, W()));
-  W().ShowFilter();
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::AudioPlayer));
   Select({0});
   bool seen = false;
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   ASSERT_TRUE(WaitFor([&] {
     seen = seen || ActiveJob().run->player.Status().name == "Track 2 von STAVORA VIRTUELLE CD";
     return ActiveJob().MayChange();

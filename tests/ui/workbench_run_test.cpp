@@ -2,25 +2,31 @@
 // which a window can go while something is under way.
 #include <gmock/gmock.h>
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTextEdit>
+#include <QTreeView>
 
-#include "app/filter_modules.h"
-#include "app/source_commands.h"
 #include "app/texts.h"
+#include "artworker/artworker_parameters.h"
 #include "frame/remarks.h"
+#include "frame/run_journal.h"
 #include "frame/texts.h"
 #include "frame/ui/results_dialog.h"
+#include "modules/filter_modules.h"
 #include "workbench_support.h"
 
 namespace ts5 {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 // All texts that a dialog shows, one per line.
 std::string TextsOf(const QDialog& dialog) {
@@ -48,10 +54,10 @@ class RunStory : public WorkbenchTest {
     ToListMode();
     Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
     W().Source().Files()->selectAll();
-    W().Sources().TakeSelection();
+    W().Active().Settle();
     ChooseConverter();
     if (expect) expect();
-    W().Trigger(CommandId::Run);
+    W().Actions().Trigger(CommandId::Run);
     ASSERT_TRUE(WaitFor([&] { return gate->running == 1 || gate->open; }));
   }
 };
@@ -62,7 +68,7 @@ TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
   Drop({WriteMidi("eins.mid"), directory_.Write("zwei.mid", "kein Midi"), WriteMidi("drei.mid")});
   ASSERT_EQ(ActiveJob().files.Size(), 3U);
   W().Source().Files()->selectAll();
-  W().Sources().TakeSelection();
+  W().Active().Settle();
   EXPECT_TRUE(W().Filters().TileOf(FilterId::MidiConverter)->isVisible());
   EXPECT_FALSE(W().Filters().TileOf(FilterId::WaveConverter)->isVisible());
   ChooseConverter();
@@ -76,7 +82,180 @@ TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
   EXPECT_THAT(results, HasSubstr("\n2\n"));
   EXPECT_THAT(results, HasSubstr("Die Quelle hat ein ungültiges Dateiformat."));
   EXPECT_THAT(test::Listing(directory_.Path()), HasSubstr("eins.cnv.mid"));
-  EXPECT_EQ(W().PanelOf(ActiveJob()).FilesBar()->value(), 0);
+  EXPECT_EQ(W().Panels().Current().FilesBar()->value(), 0);
+}
+
+TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  Select({0, 1});
+  ChooseConverter();
+  const auto* const folder = W().Target().findChild<QLabel*>("targetFolder");
+  const auto* const forecast = W().Target().findChild<QLabel*>("targetForecast");
+  EXPECT_TRUE(folder->isVisible());
+  EXPECT_EQ(folder->text(), "neben den Quelldateien");
+  directory_.Write("Ziel/fremd.txt", "");
+  W().Active().SetTargetDirectory(directory_.File("Ziel"));
+  EXPECT_EQ(folder->text().toStdString(), directory_.File("Ziel"));
+  EXPECT_TRUE(WaitFor([&] { return forecast->text() == "2 neu"; }));
+  std::string results;
+  ExpectResults(&results);
+  W().Actions().Trigger(CommandId::Run);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+  EXPECT_THAT(test::Listing(directory_.File("Ziel")), HasSubstr("b.cnv.mid"));
+  EXPECT_TRUE(WaitFor([&] { return forecast->text() == "0 neu, 2 ersetzt"; }));
+  Select({0});
+  EXPECT_FALSE(folder->isVisible());
+  Start();
+  EXPECT_EQ(ActiveJob().targetDirectory, directory_.File("Ziel"));
+}
+
+TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
+  const FilterModule* const module = FindModule(FilterId::MidiConverter);
+  RunPlan plan;
+  plan.job.title = "Konzert";
+  plan.job.filter = FilterId::MidiConverter;
+  plan.job.parameters = LoadParameters(module, {});
+  plan.job.sourceDrive = kListModeDrive;
+  for (const char* name : {"a.mid", "b.mid", "c.mid"}) {
+    plan.job.files.Append({.path = WriteMidi(name)});
+    const std::string target = directory_.File(std::string("neu ") + name);
+    plan.targets.push_back({.name = target, .family = TargetName::Of(target)});
+  }
+  for (const bool later : {true, false}) {
+    if (later) {
+      auto journal = RunJournal::Begin(JournalDirectory(options_.registryPath), plan, FindModule);
+      ASSERT_TRUE(journal);
+      journal->Book({.index = 0, .item = {.source = plan.job.files[0].path, .code = 0}});
+    }
+    script_.Expect([&](QDialog& dialog) {
+      EXPECT_THAT(TextsOf(dialog), HasSubstr("1 von 3 Dateien fertig."));
+      if (later) return dialog.reject();
+      for (auto* const button : dialog.findChildren<QPushButton*>()) {
+        if (button->text() == "&Fortsetzen") button->click();
+      }
+    });
+    std::string results;
+    if (!later) ExpectResults(&results);
+    Start();
+    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+    EXPECT_EQ(results.find("\n3\n") != std::string::npos, !later);
+  }
+  EXPECT_THAT(test::Listing(directory_.Path()), HasSubstr("neu c.mid"));
+  EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("neu a.mid"))) << "it was done before";
+  Start();
+}
+
+// The table of a result: what failed comes first, is copied, saved, shown in the list, and done again.
+TEST_F(RunStory, WhatFailedIsSeenAndDoneAgain) {
+  Start();
+  ToListMode();
+  const std::string broken = directory_.Write("zwei.mid", "kein Midi");
+  Drop({WriteMidi("drei.mid"), broken, WriteMidi("eins.mid")});
+  W().Source().Files()->selectAll();
+  W().Active().Settle();
+  ChooseConverter();
+  script_.Expect([&](QDialog& dialog) {
+    auto& items = *dialog.findChild<QTreeView*>("items");
+    EXPECT_FALSE(items.isVisible());
+    dialog.findChild<QPushButton*>("detailsButton")->click();
+    ASSERT_TRUE(items.isVisible());
+    ASSERT_EQ(items.model()->rowCount(), 3);
+    const auto cell = [&](int row, int column) {
+      return items.model()->index(row, column).data().toString();
+    };
+    EXPECT_EQ(cell(0, 0), "zwei.mid");
+    EXPECT_EQ(cell(0, 1), "Fehlgeschlagen");
+    EXPECT_THAT(cell(0, 2).toStdString(), HasSubstr("Die Quelle hat ein ungültiges Dateiformat."));
+    EXPECT_EQ(cell(1, 1), "Erfolgreich");
+    EXPECT_EQ(cell(1, 0), "drei.mid") << "the others in the order of the run";
+
+    items.setFocus();
+    QTest::keyClick(&items, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_THAT(QGuiApplication::clipboard()->text().toStdString(), HasSubstr("eins.mid\tErfolgreich"));
+
+    emit items.activated(items.model()->index(0, 0));
+    EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{1});
+
+    WriteMidi("zwei.mid");
+    dialog.findChild<QPushButton*>("repeatButton")->click();
+    EXPECT_FALSE(dialog.isVisible());
+  });
+  std::string again;
+  ExpectResults(&again);
+  W().Actions().Trigger(CommandId::Run);
+  ASSERT_TRUE(WaitFor([&] { return script_.Done() && !again.empty(); }));
+  EXPECT_THAT(again, HasSubstr("\n1\n0\n"));
+  EXPECT_THAT(test::Listing(directory_.Path()), HasSubstr("zwei.cnv.mid"));
+  EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("eins.cnv001.mid"))) << "only what failed";
+  EXPECT_EQ(ActiveJob().files.Size(), 3U);
+}
+
+// Of a player that gives way to another one, too.
+TEST_F(RunStory, AWindowOfAJobGoesWithTheFilterThatItBelongsTo) {
+  Start();
+  Job& job = ActiveJob();
+  int made = 0;
+  Job* found = nullptr;
+  const auto make = [&](const JobFinder& find) -> QWidget* {
+    ++made;
+    found = find();
+    return new QWidget(&W(), Qt::Window);
+  };
+  const auto choose = [&](FilterId filter) {
+    job.filter = filter;
+    job.parameters = FindModule(filter)->create();
+  };
+  choose(FilterId::Artworker);
+  W().Windows().Open(job, make);
+  W().Windows().Open(job, make);
+  EXPECT_EQ(made, 1);
+  EXPECT_EQ(found, &job);
+  const QPointer<QWidget> first = W().Windows().Find(job);
+  ASSERT_TRUE(first != nullptr && first->isVisible());
+
+  choose(FilterId::AudioPlayer);
+  W().Windows().Open(job, make);
+  EXPECT_EQ(made, 2);
+  const QPointer<QWidget> second = W().Windows().Find(job);
+  EXPECT_TRUE(WaitFor([&] { return first == nullptr; }));
+  ASSERT_TRUE(second != nullptr && second->isVisible());
+  choose(FilterId::MidiConverter);
+  EXPECT_TRUE(WaitFor([&] { return second == nullptr; })) << "nobody looks at it any more";
+}
+
+TEST_F(RunStory, TheLayoutOfAnArtworkerJobIsSeenBesideItsDestination) {
+  Start();
+  auto& preview = *W().findChild<QWidget*>("layoutPreview");
+  EXPECT_TRUE(preview.isHidden());
+  EXPECT_EQ(W().Target().width(), W().Target().parentWidget()->width()) << "what is not there takes no room";
+  Job& job = *W().Active();
+  job.filter = FilterId::Artworker;
+  job.parameters = FindModule(FilterId::Artworker)->create();
+  W().Active().Show();
+  EXPECT_TRUE(preview.isHidden()) << "there is nothing on it yet";
+  auto& parameters = dynamic_cast<artworker::ArtworkerParameters&>(*job.parameters);
+  artworker::ArtworkElement element;
+  element.content = artworker::Ellipse{};
+  element.borderColour = 0xFF0000;
+  element.borderWidth = 50;
+  element.box = {0, 0, 1170, 1170};
+  parameters.layout.elements = {element};
+  parameters.printWhat = 1;
+  W().Active().Refresh();
+  EXPECT_TRUE(WaitFor([&] { return preview.accessibleName().endsWith("Label"); }));
+  const auto blue = [&] {
+    const QImage picture = preview.grab().toImage();
+    for (int x = 0; x < picture.width(); ++x) {
+      if (picture.pixelColor(x, picture.height() / 2) == QColor(Qt::blue)) return true;
+    }
+    return false;
+  };
+  EXPECT_TRUE(WaitFor(blue));
+  parameters.printWhat = 0;
+  W().Active().Refresh();
+  EXPECT_TRUE(preview.isHidden());
 }
 
 TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
@@ -85,11 +264,11 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   EXPECT_FALSE(W().Source().Files()->isEnabled());
   EXPECT_TRUE(W().Target().StopButton()->isEnabled());
   EXPECT_FALSE(W().Target().RunButton()->isEnabled());
-  EXPECT_TRUE(WaitFor([&] { return W().PanelOf(ActiveJob()).FilesBar()->value() == 1; }));
+  EXPECT_TRUE(WaitFor([&] { return W().Panels().Current().FilesBar()->value() == 1; }));
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Escape);
-  EXPECT_EQ(W().PanelOf(ActiveJob()).StatusLabel()->text(), QtText(texts::Stopping));
+  EXPECT_EQ(W().Panels().Current().StatusLabel()->text(), QtText(texts::Stopping));
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
@@ -103,15 +282,15 @@ TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
   ToListMode();
   Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
   W().Source().Files()->selectAll();
-  W().Sources().TakeSelection();
+  W().Active().Settle();
   ChooseConverter();
   script_.Expect([](QDialog& dialog) { dialog.accept(); });
-  W().Trigger(CommandId::NewJob);
+  W().Actions().Trigger(CommandId::NewJob);
   ASSERT_EQ(application_->GetJobs().Count(), 1U);
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   W().JobButtons().JobButton(1)->click();
   EXPECT_TRUE(W().Target().RunButton()->isEnabled()) << "the other job does not run";
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   ASSERT_TRUE(WaitFor([&] { return gate->running == 2; }));
   EXPECT_TRUE(W().JobButtons().JobButton(0)->text().startsWith("▶"));
   W().JobButtons().JobButton(0)->click();
@@ -136,9 +315,9 @@ TEST_F(RunStory, AJobThatIsShownGoesAsSoonAsItsRunHasEnded) {
   Select({0});
   ChooseConverter();
   script_.Expect([](QDialog& dialog) { dialog.accept(); });
-  W().Trigger(CommandId::NewJob);
+  W().Actions().Trigger(CommandId::NewJob);
   W().JobButtons().JobButton(1)->click();
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   ASSERT_TRUE(WaitFor([&] { return gate->running == 1; }));
   EXPECT_FALSE(W().Actions().Action(CommandId::DeleteJob)->isEnabled()) << "not under a run";
   gate->open = true;
@@ -147,10 +326,10 @@ TEST_F(RunStory, AJobThatIsShownGoesAsSoonAsItsRunHasEnded) {
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
   EXPECT_TRUE(W().Actions().Action(CommandId::DeleteJob)->isEnabled());
   script_.ExpectBox(QMessageBox::Yes);
-  W().Trigger(CommandId::DeleteJob);
+  W().Actions().Trigger(CommandId::DeleteJob);
   EXPECT_EQ(W().JobButtons().JobCount(), 1);
   EXPECT_TRUE(W().JobButtons().JobButton(0)->isChecked());
-  W().Trigger(CommandId::Run);  // the default job runs as before
+  W().Actions().Trigger(CommandId::Run);  // the default job runs as before
   ExpectResults(&results);
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
 }
@@ -169,7 +348,7 @@ TEST_F(RunStory, AQuestionThatNobodyAnsweredGoesWithTheStop) {
   (void)application_->Runner().Stop(ActiveJob());
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_EQ(answer, static_cast<int>(Answer::Cancelled));
-  EXPECT_EQ(W().Dialogs().Current(), nullptr);
+  EXPECT_EQ(W().GetDesk().Queue().Current(), nullptr);
 }
 
 TEST_F(RunStory, AnAnswerReachesTheRun) {
@@ -221,10 +400,26 @@ TEST_F(RunStory, RunIsRefusedWithoutADestinationName) {
   EXPECT_THAT(W().Target().Field()->text().toStdString(), HasSubstr("a"));
   W().Target().Field()->clear();
   script_.ExpectBox(QMessageBox::Ok);
-  W().Trigger(CommandId::Run);
+  W().Actions().Trigger(CommandId::Run);
   EXPECT_EQ(script_.LastText(), QtText(texts::NoTargetName));
   EXPECT_EQ(ActiveJob().State(), RunState::Idle);
   EXPECT_EQ(W().focusWidget(), W().Target().Field());
+}
+
+TEST_F(RunStory, ASourceIsNoDestination) {
+  Start();
+  ToListMode();
+  const std::string source = WriteMidi("a.mid");
+  const std::string before = test::Content(source);
+  Drop({source});
+  Select({0});
+  ChooseConverter();
+  W().Target().Field()->setText(ToQt(directory_.File("./A.mid")));
+  script_.ExpectBox(QMessageBox::Ok);
+  W().Actions().Trigger(CommandId::Run);
+  EXPECT_EQ(script_.LastText(), QtText(texts::TargetIsSource));
+  EXPECT_EQ(ActiveJob().State(), RunState::Idle);
+  EXPECT_EQ(test::Content(source), before);
 }
 
 TEST_F(RunStory, TheEndAsksAndNoKeepsTheProgramRunning) {

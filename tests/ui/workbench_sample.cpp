@@ -5,8 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-#include "app/command_table.h"
-#include "app/source_commands.h"
+#include "app/shell/command_table.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -51,13 +50,12 @@ SampleWorkbench::SampleWorkbench(const std::string& demo, SkinLayout layout, boo
     std::vector<std::string> files;
     for (std::size_t i = 0; i < window_->Source().Model().Size(); ++i)
       files.push_back(window_->Source().Model().At(i).path);
-    window_->Trigger(CommandId::SwitchListMode);
+    window_->Actions().Trigger(CommandId::SwitchListMode);
     emit window_->Source().Files()->FilesDropped(files);
   }
   window_->Source().Files()->SelectRows({0, 1}, 0);
-  window_->Sources().TakeSelection();
-  (void)jobs.SwitchFilter(window_->ActiveJob(), FilterId::MidiConverter, *window_);
-  window_->ShowFilter();
+  window_->Active().Settle();
+  window_->Active().SwitchFilter(FilterId::MidiConverter);
   ProcessFor(300, [] { return false; });
 }
 

@@ -4,7 +4,7 @@
 #include <QTemporaryDir>
 #include <memory>
 
-#include "app/main_window.h"
+#include "app/shell/main_window.h"
 
 namespace ts5 {
 

@@ -17,12 +17,12 @@
 #include <string>
 #include <vector>
 
-#include "app/filter_modules.h"
-#include "app/main_window.h"
-#include "app/source_commands.h"
+#include "app/shell/main_window.h"
 #include "app/texts.h"
 #include "frame/run.h"
 #include "frame/ui/qt_text.h"
+#include "modules/filter_modules.h"
+#include "support/home.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -103,7 +103,7 @@ struct GatedRun {
       run.AddCode(Outcome::Cancelled);
       run.Result().cancelled = true;
     }
-    run.Result().lines[0].count = run.Cancelled() ? 0 : items;
+    run.Result().counts[0] = run.Cancelled() ? 0 : items;
     run.Result().remarks = run.Remarks();
     --running;
   }
@@ -114,6 +114,7 @@ class WorkbenchTest : public testing::Test {
   WorkbenchTest() {
     options_.registryPath = directory_.File("registry.sqlite");
     options_.devices = DeviceLists{};
+    options_.patience = std::chrono::milliseconds(50);
     options_.volumes = VolumeTable::Of(directory_.Path(), "", {});
   }
   ~WorkbenchTest() override {
@@ -131,6 +132,7 @@ class WorkbenchTest : public testing::Test {
     window_->resize(1200, 800);
     window_->showNormal();
     (void)QTest::qWaitForWindowExposed(window_.get());
+    window_->ShowNotices();
   }
   // Takes the place of the MIDI converter.
   void UseGatedConverter(const std::shared_ptr<GatedRun>& gate) {
@@ -152,7 +154,7 @@ class WorkbenchTest : public testing::Test {
   }
 
   [[nodiscard]] MainWindow& W() { return *window_; }
-  [[nodiscard]] Job& ActiveJob() { return window_->ActiveJob(); }
+  [[nodiscard]] Job& ActiveJob() { return *window_->Active(); }
   void Drop(const std::vector<std::string>& paths) { emit W().Source().Files()->FilesDropped(paths); }
   // A key for the window as a whole, as a user gives it.
   void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -161,14 +163,14 @@ class WorkbenchTest : public testing::Test {
     QTest::keyClick(&W(), key, modifiers);
   }
   void ToListMode() {
-    if (ActiveJob().Mode() == SourceMode::Directory) W().Trigger(CommandId::SwitchListMode);
+    if (ActiveJob().Mode() == SourceMode::Directory) W().Actions().Trigger(CommandId::SwitchListMode);
   }
   void Select(const std::vector<std::size_t>& rows) {
     W().Source().Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());
-    W().Sources().TakeSelection();
+    W().Active().Settle();
   }
   bool WaitForListing() {
-    return WaitFor([this] { return W().StatusText() == QtText(texts::StatusReady); });
+    return WaitFor([this] { return W().GetDesk().Prompt() == QtText(texts::StatusReady); });
   }
   // The converter as the filter, with its dialog accepted as it stands.
   void ChooseConverter() {
@@ -176,6 +178,7 @@ class WorkbenchTest : public testing::Test {
     W().Filters().TileOf(FilterId::MidiConverter)->click();
   }
 
+  const test::Home home_;
   test::TemporaryDirectory directory_;
   StartOptions options_;
   FilterModule fake_;

@@ -1,22 +1,28 @@
 // The window itself: its commands, keys, filter bar, and what assistive technology sees of it.
 #include <gmock/gmock.h>
 
+#include <QAccessible>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QStatusBar>
 #include <set>
 
-#include "app/help_commands.h"
+#include "app/look/tile_looks.h"
+#include "app/shell/filter_panel.h"
+#include "app/shell/help_window.h"
 #include "app/texts.h"
 #include "frame/texts.h"
+#include "frame/ui/qt_text.h"
 #include "support/accessible.h"
 #include "workbench_support.h"
 
 namespace ts5 {
 namespace {
 
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 TEST(CommandTable, EveryCommandHasItsHintAndItsKeysAreItsOwn) {
@@ -96,10 +102,9 @@ TEST_F(WindowStory, EveryControlHasANameAndCanBeReached) {
   Start();
   for (const FilterId filter : {FilterId::MidiConverter, FilterId::MidiSearch, FilterId::MidiPlayer,
                                 FilterId::AudioPlayer, FilterId::CdBurner, FilterId::Artworker}) {
-    ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), filter, W()));
-    W().ShowFilter();
+    ASSERT_TRUE(W().Active().SwitchFilter(filter));
     for (const bool list : {false, true}) {
-      if ((ActiveJob().Mode() == SourceMode::List) != list) W().Trigger(CommandId::SwitchListMode);
+      if ((ActiveJob().Mode() == SourceMode::List) != list) W().Actions().Trigger(CommandId::SwitchListMode);
       EXPECT_THAT(NamelessControls(W()).join("\n").toStdString(), IsEmpty());
       EXPECT_THAT(UnreachableControls(W()).join("\n").toStdString(), IsEmpty());
     }
@@ -170,13 +175,13 @@ TEST_F(WindowStory, TheDestinationIsChosenInAFileDialog) {
   script_.Expect([&](QDialog& dialog) {
     auto* files = qobject_cast<QFileDialog*>(&dialog);
     ASSERT_NE(files, nullptr);
-    EXPECT_EQ(W().StatusText(), "Wählen Sie bitte eine Datei als Zielmedium:");
+    EXPECT_EQ(W().GetDesk().Prompt(), "Wählen Sie bitte eine Datei als Zielmedium:");
     files->selectFile(chosen);
     dialog.accept();
   });
   W().Target().BrowseButton()->click();
   EXPECT_EQ(W().Target().Field()->text(), chosen);
-  EXPECT_EQ(W().StatusText(), "Bereit");
+  EXPECT_EQ(W().GetDesk().Prompt(), "Bereit");
 }
 
 TEST_F(WindowStory, TilesCollapseByKeyAndTheirStateIsTheJobs) {
@@ -217,11 +222,39 @@ TEST_F(WindowStory, FixingHidesAllOtherFilters) {
   EXPECT_FALSE(W().Actions().Action(CommandId::Run)->isEnabled()) << "nothing that the converter could take";
 }
 
+TEST_F(WindowStory, AllFiltersStandInGroupsAndTakeTheWholeList) {
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  Select({});
+  FilterPanel& panel = W().Filters();
+  EXPECT_FALSE(panel.TileOf(FilterId::MidiConverter)->isVisible());
+  panel.AllControl()->click();
+  QApplication::processEvents();
+  for (std::size_t i = 0; i < kFilterCount; ++i)
+    EXPECT_TRUE(panel.TileOf(static_cast<FilterId>(i))->isVisibleTo(&panel)) << i;
+  // Players stand above what converts, which stands above the discs.
+  const auto y = [&](FilterId filter) { return panel.TileOf(filter)->mapTo(&panel, QPoint()).y(); };
+  EXPECT_LT(y(FilterId::ScorePlayer), y(FilterId::ScoreToMidi));
+  EXPECT_LT(y(FilterId::XmlConverter), y(FilterId::CdBurner));
+  const TileButton* const wave = panel.TileOf(FilterId::WaveConverter);
+  EXPECT_FALSE(wave->isEnabled());
+  EXPECT_EQ(wave->height(), kCompactTileHeight);
+  EXPECT_TRUE(wave->accessibleDescription().contains("Wave-Konverter braucht eine Wave-Datei."));
+  EXPECT_TRUE(wave->toolTip().contains("Markieren Sie Dateien dieser Art: .wav, .aif."));
+  ChooseConverter();
+  EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
+  EXPECT_EQ(ActiveJob().files.Selection().size(), 2U);
+  EXPECT_TRUE(W().Actions().Action(CommandId::Run)->isEnabled());
+  EXPECT_TRUE(application_->GetSettings().showAllFilters);
+  panel.AllControl()->click();
+  EXPECT_FALSE(panel.TileOf(FilterId::CdCopier)->isVisible());
+}
+
 TEST_F(WindowStory, WithoutDevicesThePanelsSaySo) {
   Start();
   const auto expectOnly = [&](FilterId filter, DeviceKind kind, TextId text) {
-    ASSERT_TRUE(application_->GetJobs().SwitchFilter(ActiveJob(), filter, W()));
-    W().ShowFilter();
+    ASSERT_TRUE(W().Active().SwitchFilter(filter));
     const QListWidget* list = W().Target().DeviceList(kind);
     EXPECT_TRUE(list->isVisible());
     ASSERT_EQ(list->count(), 1);
@@ -237,7 +270,7 @@ TEST_F(WindowStory, WithoutDevicesThePanelsSaySo) {
 
 TEST_F(WindowStory, ContextHelpKnowsTheAreas) {
   Start();
-  const HelpCommands help(W());
+  const HelpCommands& help = W().Help();
   const std::vector<std::pair<const QWidget*, QString>> expected{
       {W().Source().Files(), "quellmedium.htm"},
       {W().Source().Drives(), "quellmedium.htm"},
@@ -260,7 +293,7 @@ TEST_F(WindowStory, SplittersAndPlaceAreRemembered) {
   Start();
   ASSERT_TRUE(WaitForListing());
   ActiveJob().sizing = {300, 0, 520, 333};
-  ASSERT_TRUE(W().Show(ActiveJob()));
+  W().Active().Show();
   QApplication::processEvents();
   EXPECT_NEAR(W().Filters().width(), 300, 12);
   EXPECT_NEAR(W().Source().Tree()->width(), 220, 12);
@@ -274,7 +307,7 @@ TEST_F(WindowStory, SplittersAndPlaceAreRemembered) {
 TEST_F(WindowStory, MaximisingTheListHidesTheRest) {
   Start();
   ToListMode();
-  W().Trigger(CommandId::MaximiseList);
+  W().Actions().Trigger(CommandId::MaximiseList);
   EXPECT_TRUE(ActiveJob().fileWindowMaximised);
   EXPECT_FALSE(W().Filters().isVisible());
   EXPECT_FALSE(W().Target().isVisible());
@@ -283,6 +316,32 @@ TEST_F(WindowStory, MaximisingTheListHidesTheRest) {
   EXPECT_FALSE(W().Filters().isVisible()) << "list mode keeps it";
   Press(Qt::Key_F5);
   EXPECT_TRUE(W().Filters().isVisible());
+}
+
+TEST(FilterPanelTest, TheCurrentFilterNeverVanishes) {
+  FilterPanel panel(TileLooks(), TileStyle::Modern);
+  panel.show();
+  const auto* note = panel.findChild<QLabel*>("currentFilterNote");
+  std::vector<FilterPanel::Tile> tiles;
+  for (std::size_t i = 0; i < kFilterCount; ++i)
+    tiles.push_back({.filter = static_cast<FilterId>(i), .shown = true, .enabled = true});
+  panel.Show(tiles, FilterId::MidiPlayer, false, false);
+  EXPECT_FALSE(note->isVisible());
+  const auto checked = [&panel](FilterId filter) {
+    return bool(QAccessible::queryAccessibleInterface(panel.TileOf(filter))->state().checked);
+  };
+  EXPECT_TRUE(checked(FilterId::MidiPlayer));
+  panel.TileOf(FilterId::WaveConverter)->click();  // only asks
+  EXPECT_FALSE(checked(FilterId::WaveConverter));
+
+  tiles.at(static_cast<std::size_t>(FilterId::MidiPlayer)).shown = false;
+  panel.Show(tiles, FilterId::MidiPlayer, false, false);
+  EXPECT_TRUE(note->isVisible());
+  EXPECT_THAT(FromQt(note->text()), HasSubstr(".mid"));
+  panel.Show(tiles, FilterId::WaveConverter, false, false);
+  EXPECT_FALSE(note->isVisible());
+  EXPECT_TRUE(checked(FilterId::WaveConverter));
+  EXPECT_FALSE(checked(FilterId::MidiPlayer));
 }
 
 }  // namespace

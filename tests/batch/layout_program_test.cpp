@@ -1,0 +1,136 @@
+// Layouts through the program: PDF files that are there already, fields that are filled, printers that are
+// fitted.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "artworker/layout_file.h"
+#include "batch/run_program.h"
+#include "disc/burn_parameters.h"
+#include "modules/disc_facts.h"
+#include "modules/filter_modules.h"
+#include "support/test_data.h"
+
+namespace ts5::batch {
+namespace {
+
+using nlohmann::json;
+using test::Content;
+using test::Listing;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class LayoutProgram : public testing::Test {
+ protected:
+  LayoutProgram() {
+    artworker::TextField field;
+    artworker::SetText(field, "{Titel}");
+    artworker::ArtworkLayout layout = artworker::NewLayout();
+    layout.elements = {
+        {artworker::ArtworkObjectId::Inlay, field, false, 0, 0, 0, false, {100, 100, 1300, 300}}};
+    EXPECT_EQ(artworker::SaveLayout(layout, folder_.File("cd.awl")), Outcome::Success);
+  }
+  [[nodiscard]] ProgramEnd Run(std::vector<std::string> line) const {
+    return Program(line, folder_.Path(), folder_.File("r.sqlite")).Wait();
+  }
+  [[nodiscard]] ProgramEnd Print(const std::vector<std::string>& more) const {
+    std::vector<std::string> line{"run", "Artworker", "--layout", "cd.awl", "--json"};
+    line.insert(line.end(), more.begin(), more.end());
+    return Run(line);
+  }
+
+  test::TemporaryDirectory folder_;
+};
+
+TEST_F(LayoutProgram, APdfFileIsATargetLikeEveryOther) {
+  const ProgramEnd first = Print({});
+  EXPECT_EQ(first.status, 0) << first.err;
+  EXPECT_EQ(json::parse(first.out)["lines"][0]["count"], 3);
+  EXPECT_EQ(json::parse(first.out)["items"][0]["destination"], folder_.File("cd.pdf"));
+  EXPECT_THAT(Content(folder_.File("cd.pdf")), StartsWith("%PDF"));
+  folder_.Write("cd.pdf", "alt");
+  EXPECT_EQ(Print({}).status, 3) << "nobody answers";
+  EXPECT_EQ(Content(folder_.File("cd.pdf")), "alt");
+  EXPECT_EQ(Print({"--overwrite", "number"}).status, 0);
+  EXPECT_THAT(Content(folder_.File("cd001.pdf")), StartsWith("%PDF"));
+  EXPECT_EQ(Print({"--overwrite", "yes", "--dest", "cd.pdf"}).status, 0);
+  EXPECT_THAT(Content(folder_.File("cd.pdf")), StartsWith("%PDF"));
+  EXPECT_EQ(Print({"--dest-dir", "neu"}).status, 0);
+  EXPECT_EQ(Listing(folder_.File("neu")), "cd.pdf");
+  const ProgramEnd nowhere = Print({"--dest", "gibtesnicht/cd.pdf"});
+  EXPECT_EQ(nowhere.status, 1);
+  const ProgramEnd unknown = Print({"--printer", "Gibtesnicht"});
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_EQ(json::parse(unknown.out)["items"][0]["code"], -801);
+  EXPECT_THAT(json::parse(unknown.out)["remarks"].dump(),
+              HasSubstr("Auf den Drucker kann nicht zugegriffen"));
+  folder_.Write("lied.pdf", "eine Quelle");
+  EXPECT_NE(Print({"--overwrite", "yes", "--dest", "lied.pdf", "lied.pdf"}).status, 0);
+  EXPECT_EQ(Content(folder_.File("lied.pdf")), "eine Quelle");
+}
+
+TEST_F(LayoutProgram, OnlyThePageToMeasureTheFitIsPrintedToo) {
+  EXPECT_EQ(Print({"--set", "ArtPrintWhat=0"}).status, 2);
+  EXPECT_EQ(Print({"--set", "ArtPrintWhat=0", "--set", "ArtCalibration=1"}).status, 0);
+  EXPECT_EQ(Run({"layout", "fit", "Laser", "--measured", "21,19.5,100,100"}).status, 0);
+  const json fit = json::parse(Run({"layout", "fit", "Laser", "--json"}).out);
+  EXPECT_EQ(fit["offset"], json::array({-1.0, 0.5}));
+  EXPECT_EQ(fit["scale"], json::array({100.0, 100.0}));
+  EXPECT_EQ(Run({"layout", "fit", "Laser", "--scale", "300,100"}).status, 2);
+  EXPECT_EQ(Run({"layout", "fit", "Laser", "--offset", "1"}).status, 2);
+  EXPECT_EQ(json::parse(Run({"layout", "fit", "Laser", "--json"}).out), fit);
+}
+
+TEST_F(LayoutProgram, FieldsAreFilledFromTheFilesThatAreGiven) {
+  const auto picture = [&](const std::vector<std::string>& files) {
+    std::vector<std::string> line{"--png", ".", "--set", "ArtPrintWhat=2"};
+    line.insert(line.end(), files.begin(), files.end());
+    const ProgramEnd end = Print(line);
+    EXPECT_EQ(end.status, 0) << end.err;
+    return Content(folder_.File("inlay.png"));
+  };
+  const std::string unfilled = picture({});
+  std::filesystem::copy_file(test::DataPath("audio/ogg_vorbis_mono_11025.ogg"), folder_.File("lied.ogg"));
+  EXPECT_EQ(Run({"attributes", "--set", "WM/AlbumTitle=Abendlieder", "lied.ogg"}).status, 0);
+  EXPECT_NE(picture({"lied.ogg"}), unfilled);
+  EXPECT_EQ(Print({"--disc-job", "Nirgends"}).status, 2);
+}
+
+TEST(DiscFacts, ComeFromTheBurnerOfTheSameTitleElseFromTheSourcesThemselves) {
+  const auto burner = [](const std::string& title, const std::string& song) {
+    Job job;
+    job.title = title;
+    job.filter = FilterId::CdBurner;
+    job.parameters = FindModule(FilterId::CdBurner)->create();
+    dynamic_cast<disc::BurnParameters&>(*job.parameters).title = "CD " + title;
+    job.sourceDrive = kListModeDrive;
+    job.files.Append({.path = song, .duration = 65});
+    return job;
+  };
+  Job own;
+  own.title = "Zwei";
+  own.sourceDrive = kListModeDrive;
+  for (const char* song : {"/fehlt/01 - Chor - Abendlied.wav", "/fehlt/02 - Chor - Morgenlied.wav"})
+    own.files.Append({.path = song});
+  const Job one = burner("Eins", "/fehlt/eins.wav");
+  const Job two = burner("Zwei", "/fehlt/zwei.wav");
+  const std::vector<const Job*> all{&own, &one, &two};
+  const auto facts = FactsOfDisc(own, all, DiscReading::AtHand);
+  EXPECT_EQ(facts.title, "CD Zwei");
+  ASSERT_EQ(facts.tracks.size(), 1U);
+  EXPECT_EQ(facts.tracks[0].title, "zwei");
+  EXPECT_EQ(facts.tracks[0].time.count(), 65);
+  own.title = "Drei";
+  EXPECT_EQ(FactsOfDisc(own, all, DiscReading::AtHand).title, "CD Eins");
+  const auto alone = FactsOfDisc(own, {}, DiscReading::AtHand);
+  ASSERT_EQ(alone.tracks.size(), 2U);
+  EXPECT_EQ(alone.tracks[1].title, "Morgenlied");
+  EXPECT_EQ(alone.performer, "Chor") << "what all tracks say goes for the disc";
+  own.files.Clear();
+  EXPECT_FALSE(FactsOfDisc(own, {}, DiscReading::AtHand).Known());
+}
+
+}  // namespace
+}  // namespace ts5::batch
