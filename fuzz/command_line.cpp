@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "app/filter_modules.h"
 #include "frame/filter_catalogue.h"
-#include "platform/text.h"
+#include "modules/filter_modules.h"
+#include "platform/base/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ts5;

@@ -2,8 +2,12 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/cue_sheet.h"
-#include "platform/mmc.h"
+#include "platform/disc/cd_text.h"
+#include "platform/disc/cue_data.h"
+#include "platform/disc/cue_sheet.h"
+#include "platform/disc/drive_events.h"
+#include "platform/disc/mmc_replies.h"
+#include "platform/disc/scsi_trace.h"
 
 using namespace ts5;
 
@@ -34,6 +38,19 @@ void TakeToc(ByteView bytes) {
   if (end > toc->leadOut) abort();
 }
 
+// What a recorder takes, it would be sent again in the same words.
+void TakeCueData(ByteView bytes) {
+  const auto cue = ParseCueData(bytes);
+  if (!cue) return;
+  if (cue->layout.tracks.empty() || cue->layout.tracks.size() > kMaxTracks) abort();
+  Lba last{-kPregapSectors};
+  for (const DiscTrack& track : cue->layout.tracks) {
+    if (track.start < last || track.sectors == 0) abort();
+    last = track.start;
+  }
+  if (cue->layout.leadOut < last) abort();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -45,6 +62,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       break;
     case 'i':
       (void)ParseInquiry(bytes);
+      break;
+    case 'c':
+      TakeCueData(bytes);
+      break;
+    case 'x':
+      (void)CdTextPacks(ParseCdText(bytes));
+      break;
+    case 'f':
+      (void)ParseScsiFaults(AsText(bytes));
+      break;
+    case 'u':
+      (void)ParseDriveEvent(bytes);
       break;
     default:
       TakeSheet(bytes);

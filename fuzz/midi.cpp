@@ -1,10 +1,12 @@
-// MIDI files: detection, walking, the conductor scan and every conversion.
+// MIDI files: detection, walking, the conductor scan, what their properties say, and every conversion.
 #include <cstdint>
 #include <cstdlib>
 
 #include "midi/conductor.h"
 #include "midi/midi_converter.h"
 #include "midi/midi_events.h"
+#include "midi/midi_properties.h"
+#include "platform/base/text.h"
 
 namespace {
 
@@ -37,6 +39,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const ByteView file(data, size);
   const MidiFileInfo info = DetectMidiKind(file);
   Walk(file, info);
+  const auto summary = SummariseMidi(file);
+  if (summary.has_value() != (info.kind != MidiFileKind::None)) abort();
+  if (summary) {
+    for (const PropertyRow& row : MidiSummaryRows(*summary)) {
+      if (!IsUtf8(row.value)) abort();
+    }
+  }
   for (unsigned bits = 0; bits < 16; ++bits) {
     ConverterParameters parameters;
     parameters.changeContainer = (bits & 1) != 0;

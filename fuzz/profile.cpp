@@ -1,5 +1,5 @@
 // Any bytes are a profile file; what is written comes back, and nothing else changes.
-#include "platform/profile.h"
+#include "platform/store/profile.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
 // Any bytes may be offered for import; what was taken in comes back from an export.
-#include "platform/reg_file.h"
+#include "platform/store/reg_file.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
 // Any bytes may stand where a key keeps its values.
-#include "platform/registry_blob.h"
+#include "platform/store/registry_blob.h"
 
 #include <cstdlib>
 

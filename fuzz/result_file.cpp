@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/text.h"
+#include "platform/base/text.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "midi/midi_properties.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto entries = ts5::ReadRiffInfo(ts5::ByteView(data, size));

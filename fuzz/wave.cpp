@@ -1,10 +1,11 @@
-// Wave files: their layout, reading them to the end, and every conversion of the samples that the first bytes
-// choose.
+// Wave and AIFF files: their layout, reading them to the end, and every conversion of the samples that the
+// first bytes choose.
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 
+#include "audio/aiff_layout.h"
 #include "audio/format_texts.h"
 #include "audio/wave_stream.h"
 
@@ -33,7 +34,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size < 2) return 0;
   const std::uint32_t rate = kOfferedRates.at(data[0] % kOfferedRates.size());
   const std::uint32_t channels = 1 + data[1] % 2;
-  auto wave = WaveFile::Read(InputFile::FromBytes(Bytes(data + 2, data + size)));
+  const Bytes bytes(data + 2, data + size);
+  auto wave = IsAiff(bytes) ? WaveFile::ReadAiff(InputFile::FromBytes(bytes))
+                            : WaveFile::Read(InputFile::FromBytes(bytes));
   if (!wave) return 0;
   if (wave->DataSize() > size) abort();
   (void)FullFormatText(wave->Format());
