@@ -21,8 +21,8 @@
 #include "audio/wave_stream.h"
 #include "peak_memory.h"
 #include "peer.h"
-#include "platform/files.h"
-#include "platform/virtual_cd.h"
+#include "platform/disc/virtual_cd.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 namespace {

@@ -15,7 +15,7 @@
 #include "frame/run.h"
 #include "midi/midi_converter.h"
 #include "peak_memory.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 namespace {
@@ -26,13 +26,14 @@ constexpr std::size_t kFilesPerDirectory = 100;
 
 struct SilentHost : RunHost {
   void Progress(const RunProgress&) override {}
+  void TaskText(std::string_view) override {}
   void StatusText(std::string_view) override {}
   void ProtocolLine(std::string_view) override {}
   Outcome Hit(const SearchHit&) override { return Outcome::Success; }
   void Ask(std::shared_ptr<Question> question) override { question->Reply(Answer::No); }
   void Notice(std::string_view, MessageIcon) override {}
   void StateChanged(RunState) override {}
-  void Finished(const RunResult& result) override { converted = result.lines[0].count; }
+  void Finished(const RunResult& result) override { converted = result.counts[0]; }
   std::uint32_t converted = 0;
 };
 

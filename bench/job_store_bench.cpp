@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "frame/job_store.h"
-#include "platform/registry.h"
-#include "platform/volumes.h"
+#include "platform/disc/volumes.h"
+#include "platform/store/registry.h"
 
 namespace ts5 {
 namespace {

@@ -10,7 +10,7 @@
 #include "midi/midi_containers.h"
 #include "midi/midi_events.h"
 #include "midi/time_base.h"
-#include "platform/files.h"
+#include "platform/files/files.h"
 
 namespace ts5 {
 namespace {

@@ -17,7 +17,7 @@
 
 #include "audio/wave_converter.h"
 #include "audio/wave_stream.h"
-#include "platform/media_engine.h"
+#include "platform/media/media_engine.h"
 
 namespace ts5 {
 namespace {

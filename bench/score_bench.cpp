@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "platform/thread_priority.h"
+#include "platform/sound/thread_priority.h"
 #include "score/score_midi.h"
 #include "score/score_performer.h"
 #include "score/score_writer.h"

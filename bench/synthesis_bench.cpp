@@ -16,10 +16,10 @@
 #include "midi/midi_sequencer.h"
 #include "peak_memory.h"
 #include "peer.h"
-#include "platform/files.h"
-#include "platform/midi_out.h"
-#include "platform/synthesizer.h"
-#include "platform/thread_priority.h"
+#include "platform/files/files.h"
+#include "platform/sound/midi_out.h"
+#include "platform/sound/synthesizer.h"
+#include "platform/sound/thread_priority.h"
 
 namespace ts5 {
 namespace {
