@@ -28,9 +28,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files.h"
-#include "platform/paths.h"
-#include "platform/text.h"
+#include "platform/base/text.h"
+#include "platform/files/files.h"
+#include "platform/files/paths.h"
 #include "score/score_writer.h"
 
 namespace {
