@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <utility>
 
 #include "platform/base/strings.h"
@@ -376,7 +377,11 @@ std::string Lost(const RegistrySalvage& salvage) {
 
 std::string DefaultRegistryPath() {
   const char* const chosen = std::getenv("STAVORA_REGISTRY");
-  if (chosen != nullptr && chosen[0] != '\0') return chosen;
+  if (chosen != nullptr && chosen[0] != '\0') {
+    std::error_code error;
+    const auto whole = std::filesystem::absolute(chosen, error);
+    return error ? chosen : whole.string();
+  }
   return OwnRegistryPath();
 }
 
