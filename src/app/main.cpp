@@ -33,6 +33,7 @@
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
 #include "platform/files/directories.h"
+#include "platform/files/music_directory.h"
 #include "platform/programs/write_signals.h"
 #include "resources/icons.h"
 

@@ -16,6 +16,7 @@
 #include "platform/disc/virtual_cd.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
+#include "platform/files/music_directory.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
