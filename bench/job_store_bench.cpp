@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "frame/cd_tracks.h"
 #include "frame/job_store.h"
 #include "platform/disc/volumes.h"
 #include "platform/store/registry.h"
