@@ -15,10 +15,6 @@ constexpr double kDynamic = 2.4;
 constexpr double kSmall = 1.7;
 constexpr double kLyricLine = 2.3;
 
-bool IsKind(const DrawingItem& drawing, DrawingKind kind) {
-  return drawing.kind == static_cast<std::uint8_t>(kind);
-}
-
 // Marks that have a sign of their own here; others are told by a short text.
 struct DrawnMark {
   std::string_view name;
@@ -160,7 +156,7 @@ class MarkSketcher {
     for (const std::size_t i : engraving_.marked[staff_][v]) {
       if (events[i].start >= to_) break;
       for (const DrawingItem& drawing : events[i].item->drawings) {
-        if (!IsKind(drawing, DrawingKind::FourPointCurve)) continue;
+        if (!drawing.Is(DrawingKind::FourPointCurve)) continue;
         const std::size_t end = SpanEnd(events, i, drawing.span);
         if (end == i || events[end].start < from_) continue;
         DrawSlur(v, i, end, drawing.placement);
@@ -206,7 +202,7 @@ class MarkSketcher {
 
   void DrawMarksIn(const PlacedSlice& placed, const DrawingItem& drawing) {
     for (const DrawingItem& nested : drawing.nested) DrawMarksIn(placed, nested);
-    if (!IsKind(drawing, DrawingKind::Text)) return;
+    if (!drawing.Is(DrawingKind::Text)) return;
     if (const XmlSign* sign = FindSign(drawing.sign); sign != nullptr) {
       if (sign->group != SignGroup::Direction) DrawMark(placed, sign->name, drawing.words);
       return;
@@ -274,7 +270,7 @@ class MarkSketcher {
       const ScoreEvent& event = events[i];
       if (event.start >= to_) break;
       for (const DrawingItem& drawing : event.item->drawings) {
-        if (IsKind(drawing, DrawingKind::Hairpin)) DrawHairpin(events, i, drawing);
+        if (drawing.Is(DrawingKind::Hairpin)) DrawHairpin(events, i, drawing);
         if (event.start >= from_ && event.start < to_) DrawText(event, drawing);
       }
     }
@@ -298,7 +294,7 @@ class MarkSketcher {
 
   void DrawText(const ScoreEvent& event, const DrawingItem& drawing) {
     for (const DrawingItem& nested : drawing.nested) DrawText(event, nested);
-    if (!IsKind(drawing, DrawingKind::Text)) return;
+    if (!drawing.Is(DrawingKind::Text)) return;
     const Fraction at = event.start + drawing.offset;
     const double x = places_.X(engraving_, std::min(at, to_));
     const std::string_view dynamic =

@@ -305,7 +305,7 @@ class MusicReader {
   void ApplyDrawing(const DrawingAt& place) {
     if (music_.bars.empty()) return;
     const std::uint32_t bar = music_.voices[place.staff][place.voice][place.event].bar;
-    if (place.drawing->kind == static_cast<std::uint8_t>(DrawingKind::Volta)) return AddEnding(place, bar);
+    if (place.drawing->Is(DrawingKind::Volta)) return AddEnding(place, bar);
     if (const double quarters = TempoOf(*place.drawing); quarters > 0)
       drawnTempos_.push_back({place.at + place.drawing->offset, quarters});
     const JumpMark mark = JumpOf(*place.drawing);
@@ -354,7 +354,7 @@ class MusicReader {
 
   [[nodiscard]] bool BeginsEnding(const ScoreBar& bar) const {
     return std::ranges::any_of(drawings_, [&](const DrawingAt& other) {
-      return other.drawing->kind == static_cast<std::uint8_t>(DrawingKind::Volta) && other.at >= bar.start &&
+      return other.drawing->Is(DrawingKind::Volta) && other.at >= bar.start &&
              other.at < bar.start + bar.length;
     });
   }
