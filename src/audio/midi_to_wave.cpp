@@ -153,7 +153,7 @@ class Rendering {
 
 class MidiToWaveRun {
  public:
-  explicit MidiToWaveRun(Run& run) : run_(run), parameters_(run.Parameters<MidiToWaveParameters>()) {}
+  MidiToWaveRun(Run& run, const MidiToWaveParameters& parameters) : run_(run), parameters_(parameters) {}
 
   void Execute() {
     if (parameters_.Method() == MidiWaveMethod::SoundCard) {
@@ -334,7 +334,7 @@ FilterModule MidiToWaveModule() {
   ModuleOf<P> module;
   module.id = FilterId::MidiToWave;
   module.fields = MidiToWaveFields();
-  module.run = [](Run& run, const P&) { MidiToWaveRun(run).Execute(); };
+  module.run = [](Run& run, const P& own) { MidiToWaveRun(run, own).Execute(); };
   module.remarks = AllRemarks();
   module.target = [](const P&, const std::string&) {
     return TargetRule{.extension = "wav", .formatKept = false};

@@ -76,11 +76,6 @@ class Run {
   [[nodiscard]] const std::string& Journals() const { return setup_.journals; }
   [[nodiscard]] const std::shared_ptr<RunJournal>& GoesOn() const { return setup_.goesOn; }
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
-  // The parameters; P must be the type that the module creates.
-  template <typename P>
-  [[nodiscard]] const P& Parameters() const {
-    return As<P>(*setup_.job.parameters);
-  }
 
   [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }
   [[nodiscard]] std::string Source(std::size_t index) const { return ItemSource(setup_.job, index); }

@@ -80,12 +80,12 @@ class SearchRunTest : public testing::Test {
   RunResult Search(unsigned threads = 1) {
     host_->hits.clear();
     ts5::Run run({.job = job_, .settings = settings_, .destination = rules_}, module_, state_, host_);
-    const FileSearch search = [this](const std::string& path, const HitSink& sink,
-                                     const CancelCheck& cancelled) {
-      const auto& parameters = static_cast<const SearchParameters&>(*job_.parameters);
+    const auto& parameters = As<SearchParameters>(*job_.parameters);
+    const FileSearch search = [&parameters](const std::string& path, const HitSink& sink,
+                                            const CancelCheck& cancelled) {
       return SearchMidiFile(path, {parameters.melody.elements, parameters.options}, sink, cancelled);
     };
-    RunMelodySearch(run, search, threads);
+    RunMelodySearch(run, parameters, search, threads);
     return run.Result();
   }
   void AddFile(std::string_view name, std::string_view content) {
