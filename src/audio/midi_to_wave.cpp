@@ -162,7 +162,7 @@ class MidiToWaveRun {
     ItemFilter filter;
     filter.independent = parameters_.Method() == MidiWaveMethod::Synthesis;
     AskAboutSilence();
-    filter.prepare = [this](const FilterParameters&, const std::string& source) { return Prepare(source); };
+    filter.prepare = [this](const std::string& source) { return Prepare(source); };
     filter.convert = [this](ItemWork& work) { return ConvertItem(work); };
     RunItems(run_, filter);
     if (parameters_.Normalising() == NormaliseMode::Project) NormaliseProject();

@@ -10,6 +10,7 @@
 #include "artworker/texts.h"
 #include "artworker/ui/artworker_window.h"
 #include "frame/backgrounds.h"
+#include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files/directories.h"
