@@ -65,6 +65,16 @@ bool TakeFrom(Dialog& dialog, P& parameters) {
   return true;
 }
 
+// An entry for a window that needs nothing but the parameters.
+template <typename Dialog>
+auto Plain() {
+  using P = std::remove_cvref_t<decltype(std::declval<Dialog>().Parameters())>;
+  return Typed<P>([](P& parameters, const EditPlace& place) {
+    Dialog dialog(parameters, place.host, place.owner);
+    return TakeFrom(dialog, parameters);
+  });
+}
+
 bool EditConverter(ConverterParameters& parameters, const EditPlace& place) {
   MidiConvertDialog dialog(parameters, ItemSource(place.job, 0), place.host, place.owner);
   return TakeFrom(dialog, parameters);
@@ -178,16 +188,6 @@ bool EditScoreToMidi(ScoreToMidiParameters& parameters, const EditPlace& place) 
   return TakeFrom(dialog, parameters);
 }
 
-bool EditXmlConverter(XmlConverterParameters& parameters, const EditPlace& place) {
-  XmlConverterDialog dialog(parameters, place.host, place.owner);
-  return TakeFrom(dialog, parameters);
-}
-
-bool EditMidiToScore(transcribe::MidiToScoreParameters& parameters, const EditPlace& place) {
-  transcribe::MidiToScoreDialog dialog(parameters, place.host, place.owner);
-  return TakeFrom(dialog, parameters);
-}
-
 // The recorder that the job writes to.
 disc::RecorderFacts RecorderOf(const EditPlace& place) {
   const auto& writers = place.application.Devices().writers;
@@ -231,8 +231,8 @@ const std::vector<ParameterDialog>& Dialogs() {
       {FilterId::MidiSearch, Typed(EditSearch)},
       {FilterId::MidiToWave, Typed(EditMidiToWave), Typed(PrepareMidiToWave)},
       {FilterId::ScoreToMidi, Typed(EditScoreToMidi)},
-      {FilterId::XmlConverter, Typed(EditXmlConverter)},
-      {FilterId::MidiToScore, Typed(EditMidiToScore)},
+      {FilterId::XmlConverter, Plain<XmlConverterDialog>()},
+      {FilterId::MidiToScore, Plain<transcribe::MidiToScoreDialog>()},
       {FilterId::CdBurner, Typed(EditBurner)},
       {FilterId::CdGrabber, Typed(EditGrabber)},
       {FilterId::CdCopier, Typed(EditCopier)},
