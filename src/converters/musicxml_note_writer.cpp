@@ -18,17 +18,6 @@ std::string_view AccidentalName(int alter) {
   return alter < -3 || alter > 3 ? std::string_view() : kNames[static_cast<std::size_t>(alter + 3)];
 }
 
-std::uint8_t TiesOf(const NotationSlice& slice, std::size_t n) {
-  const ScoreItem& item = *slice.event->item;
-  if (item.group.isRest) return 0;
-  std::uint8_t ties = static_cast<std::uint8_t>((item.group.tieFromBefore ? kTieFromBefore : 0) |
-                                                (item.group.tieOnward ? kTieOnward : 0));
-  if (n < item.noteTies.size()) ties = item.noteTies[n];
-  if (!slice.first) ties |= kTieFromBefore;
-  if (!slice.last) ties |= kTieOnward;
-  return ties;
-}
-
 }  // namespace
 
 void NoteWriter::Write(const NotationSlice& slice) {
