@@ -37,12 +37,7 @@ class BurnRun {
       run_.Result().titles.labels = {texts::CountTracksBurnt, texts::CountTracksNotBurnt, std::nullopt,
                                      std::nullopt};
     const DiscOutcome outcome = Burn();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
-    if (outcome.code == Code(Outcome::Cancelled)) {
-      run_.StatusText(Text(texts::StoppedByUser));
-      run_.Result().cancelled = true;
-    }
-    session_.Release(parameters_.eject);
+    session_.End(outcome, parameters_.eject);
     FillResult(outcome);
   }
 

@@ -61,12 +61,7 @@ class CopyRun {
 
   void Execute() {
     const DiscOutcome outcome = Copy();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
-    if (outcome.code == Code(Outcome::Cancelled)) {
-      run_.StatusText(Text(texts::StoppedByUser));
-      run_.Result().cancelled = true;
-    }
-    session_.Release(parameters_.eject);
+    session_.End(outcome, parameters_.eject);
     FillResult(outcome);
   }
 
