@@ -7,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include "frame/run_support.h"
 #include "search/directory_walk.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
@@ -24,13 +25,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-// Records what a run says; answers its questions with one answer.
-class Host : public RunHost {
+// Keeps the hits; answers questions with one answer.
+class Host : public test::RecordingHost {
  public:
-  void Progress(const RunProgress&) override {}
-  void TaskText(std::string_view) override {}
-  void StatusText(std::string_view text) override { status.emplace_back(text); }
-  void ProtocolLine(std::string_view) override {}
   Outcome Hit(const SearchHit& hit) override {
     hits.push_back(hit);
     if (onHit) onHit();
@@ -40,16 +37,11 @@ class Host : public RunHost {
     questions.push_back(question->Text().text);
     question->Reply(answer);
   }
-  void Notice(std::string_view, MessageIcon) override {}
-  void StateChanged(RunState) override {}
-  void Finished(const RunResult&) override {}
 
   Answer answer = Answer::Yes;
   std::size_t full = 0;  // the hit that finds no memory any more
   std::function<void()> onHit;
   std::vector<SearchHit> hits;
-  std::vector<std::string> status;
-  std::vector<std::string> questions;
 };
 
 constexpr std::string_view kTune = "60:240,62:240,64:240";
