@@ -270,7 +270,7 @@ class ItemRun {
     ItemRecord record = item.before != nullptr ? *item.before : RecordOf(item, item.name);
     const bool cancelled = record.item.code == Code(Outcome::Cancelled);
     if (journal_ && item.before == nullptr && !cancelled) journal_->Book(record);
-    const Status status{record.item.code, record.item.extended, record.number, record.item.remark};
+    const RunStatus status{record.item.code, record.item.extended, record.number, record.item.remark};
     run_.Result().items.push_back(std::move(record.item));
     if (cancelled) return EndCancelled();
     if (status.code != Code(Outcome::Success)) run_.AddStatus(status);

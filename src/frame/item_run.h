@@ -45,7 +45,7 @@ struct ItemWork {
 
   const std::string& targetName;  // as it stands now: its number may change, its extension does not
 
-  // May be filled in: see Status and RunItem.
+  // May be filled in: see RunStatus and RunItem.
   bool extended = false;
   std::int32_t number = 0;
   std::string line = {};

@@ -109,7 +109,7 @@ class Run {
   [[nodiscard]] bool ConfirmStop(std::string_view question);
 
   // Adds an outcome to the status list unless its kind is there already.
-  void AddStatus(const Status& status);
+  void AddStatus(const RunStatus& status);
   void AddCode(Outcome outcome, std::int32_t number = 0) { AddStatus({Code(outcome), false, number}); }
 
   // The remark lines of the status list, by the filter's table.
@@ -130,7 +130,7 @@ class Run {
   const FilterModule* module_;
   std::shared_ptr<JobRun> state_;
   std::shared_ptr<RunHost> host_;
-  std::vector<Status> statusList_;
+  std::vector<RunStatus> statusList_;
   RunResult result_;
 
   std::mutex hostMutex_;  // guards the host and what follows
