@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "preview/canvas.h"
-#include "preview/voice_sketch.h"
+#include "preview/placed_slice.h"
 
 namespace ts5::preview {
 
