@@ -54,9 +54,9 @@ std::vector<Background> BackgroundsOf(const ArtworkerParameters& parameters) {
 // One document: where its bytes go until it is whole, and what happens to it then.
 class Printing {
  public:
-  explicit Printing(Run& run)
+  Printing(Run& run, const ArtworkerParameters& parameters)
       : run_(run),
-        parameters_(run.Parameters<ArtworkerParameters>()),
+        parameters_(parameters),
         layout_(FilledLayout(parameters_.layout, parameters_.disc)),
         backgrounds_(BackgroundsOf(parameters_)),
         printer_(PrinterName(run.Devices().output.empty() ? parameters_.printer : run.Devices().output)),
@@ -241,19 +241,17 @@ Outcome SavePicture(const ArtworkerParameters& parameters, ArtworkObjectId id, d
 }
 
 FilterModule ArtworkerModule() {
-  FilterModule module;
+  using P = ArtworkerParameters;
+  ModuleOf<P> module;
   module.id = FilterId::Artworker;
-  module.create = [] { return std::make_unique<ArtworkerParameters>(); };
   module.fields = ArtworkerFields();
   module.remarks = kRemarks;
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    const auto* const parameters = dynamic_cast<const ArtworkerParameters*>(&*job.parameters);
-    if (parameters == nullptr || (parameters->printWhat == 0 && !parameters->calibration))
-      return texts::NothingToPrint;
+  module.missing = [](const P& own) -> std::optional<TextId> {
+    if (own.printWhat == 0 && !own.calibration) return texts::NothingToPrint;
     return std::nullopt;
   };
-  module.run = [](Run& run) { Printing(run).Print(); };
-  return module;
+  module.run = [](Run& run, const P& own) { Printing(run, own).Print(); };
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5::artworker

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "converters/score_losses.h"
+#include "converters/score_with_losses.h"
 #include "platform/base/work_watch.h"
 #include "score/score_builder.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "converters/musicxml_raw.h"
-#include "converters/musicxml_reader.h"
+#include "converters/score_with_losses.h"
 
 namespace ts5::musicxml {
 

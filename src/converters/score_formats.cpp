@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "converters/musicxml_reader.h"
 #include "converters/musicxml_writer.h"
 #include "converters/mxl_container.h"
 #include "converters/stvx.h"

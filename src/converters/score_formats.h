@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "converters/musicxml_reader.h"
+#include "converters/score_with_losses.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"

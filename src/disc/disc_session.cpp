@@ -137,4 +137,13 @@ void DiscSession::Release(bool eject) {
   claim_.reset();
 }
 
+void DiscSession::End(const DiscOutcome& outcome, bool eject) {
+  if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
+  if (outcome.code == Code(Outcome::Cancelled)) {
+    run_.StatusText(Text(texts::StoppedByUser));
+    run_.Result().cancelled = true;
+  }
+  Release(eject);
+}
+
 }  // namespace ts5::disc

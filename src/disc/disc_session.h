@@ -47,6 +47,8 @@ class DiscSession {
                                    const RecordingMode& mode);
   // Lets the drive go, so that its disc can be changed.
   void Release(bool eject);
+  // The end of the run: says how it ended, and lets the drive go.
+  void End(const DiscOutcome& outcome, bool eject);
 
  private:
   Run& run_;

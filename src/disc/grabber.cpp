@@ -91,7 +91,7 @@ struct PieceTarget {
 
 class GrabRun {
  public:
-  explicit GrabRun(Run& run) : run_(run), parameters_(run.Parameters<GrabParameters>()) {}
+  GrabRun(Run& run, const GrabParameters& parameters) : run_(run), parameters_(parameters) {}
 
   void Execute() {
     ItemFilter filter;
@@ -360,7 +360,7 @@ FilterModule GrabberModule() {
   ModuleOf<GrabParameters> module;
   module.id = FilterId::CdGrabber;
   module.fields = GrabFields();
-  module.run = [](Run& run, const GrabParameters&) { GrabRun(run).Execute(); };
+  module.run = [](Run& run, const GrabParameters& own) { GrabRun(run, own).Execute(); };
   module.remarks = code::Remarks();
   module.target = [](const GrabParameters& grab, const std::string& source) {
     TargetRule rule = TargetRuleOf(grab, 0);

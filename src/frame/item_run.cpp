@@ -182,13 +182,12 @@ class ItemRun {
     }
     ForgetFault();
     item.code = Guarded([&] {
-      const FilterParameters& parameters = *run_.GetJob().parameters;
       if (filter_.prepare) {
-        auto prepared = filter_.prepare(parameters, item.source);
+        auto prepared = filter_.prepare(item.source);
         if (!prepared) return prepared.error();
         item.prepared = *std::move(prepared);
       }
-      return filter_.check ? filter_.check(parameters, item.source) : Outcome::Success;
+      return filter_.check ? filter_.check(item.source) : Outcome::Success;
     });
     item.suitable = Succeeded(item.code);
     if (item.suitable) item.code = Outcome::Success;
@@ -217,7 +216,6 @@ class ItemRun {
     if (!staged) return staged.error();
     item.target = std::move(*staged);
     ItemWork work{.run = run_,
-                  .parameters = *run_.GetJob().parameters,
                   .source = item.source,
                   .target = *item.target,
                   .abandoned = abandoned_,
@@ -272,7 +270,7 @@ class ItemRun {
     ItemRecord record = item.before != nullptr ? *item.before : RecordOf(item, item.name);
     const bool cancelled = record.item.code == Code(Outcome::Cancelled);
     if (journal_ && item.before == nullptr && !cancelled) journal_->Book(record);
-    const Status status{record.item.code, record.item.extended, record.number, record.item.remark};
+    const RunStatus status{record.item.code, record.item.extended, record.number, record.item.remark};
     run_.Result().items.push_back(std::move(record.item));
     if (cancelled) return EndCancelled();
     if (status.code != Code(Outcome::Success)) run_.AddStatus(status);

@@ -76,11 +76,6 @@ class Run {
   [[nodiscard]] const std::string& Journals() const { return setup_.journals; }
   [[nodiscard]] const std::shared_ptr<RunJournal>& GoesOn() const { return setup_.goesOn; }
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
-  // The parameters; P must be the type that the module creates.
-  template <typename P>
-  [[nodiscard]] const P& Parameters() const {
-    return As<P>(*setup_.job.parameters);
-  }
 
   [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }
   [[nodiscard]] std::string Source(std::size_t index) const { return ItemSource(setup_.job, index); }
@@ -114,7 +109,7 @@ class Run {
   [[nodiscard]] bool ConfirmStop(std::string_view question);
 
   // Adds an outcome to the status list unless its kind is there already.
-  void AddStatus(const Status& status);
+  void AddStatus(const RunStatus& status);
   void AddCode(Outcome outcome, std::int32_t number = 0) { AddStatus({Code(outcome), false, number}); }
 
   // The remark lines of the status list, by the filter's table.
@@ -135,7 +130,7 @@ class Run {
   const FilterModule* module_;
   std::shared_ptr<JobRun> state_;
   std::shared_ptr<RunHost> host_;
-  std::vector<Status> statusList_;
+  std::vector<RunStatus> statusList_;
   RunResult result_;
 
   std::mutex hostMutex_;  // guards the host and what follows

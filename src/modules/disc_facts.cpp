@@ -13,6 +13,7 @@
 #include "disc/disc_memory.h"
 #include "disc/track_texts.h"
 #include "frame/cd_tracks.h"
+#include "frame/filter_catalogue.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
@@ -133,14 +134,13 @@ class Reader {
 }  // namespace
 
 DiscFacts FactsOfSources(const Job& job, DiscReading reading) {
-  return Reader(dynamic_cast<const disc::BurnParameters*>(job.parameters.Get()), reading)
-      .Read(SourcesOf(job));
+  return Reader(job.parameters.If<disc::BurnParameters>(), reading).Read(SourcesOf(job));
 }
 
 DiscFacts FactsOfDisc(const Job& job, std::span<const Job* const> jobs, DiscReading reading) {
   const Job* burner = nullptr;
   for (const Job* const other : jobs) {
-    if (other->filter != FilterId::CdBurner || other->files.Empty()) continue;
+    if (!Has(other->filter, kTimedList) || other->files.Empty()) continue;
     if (burner == nullptr || other->title == job.title) burner = other;
   }
   return FactsOfSources(burner != nullptr ? *burner : job, reading);

@@ -63,8 +63,7 @@ DrawnMarks MarksOf(const ScoreItem& item) {
 }
 
 bool IsBeyondScoreFile(const DrawingItem& drawing) {
-  return drawing.kind == static_cast<std::uint8_t>(DrawingKind::Text) && drawing.text.empty() &&
-         !drawing.sign.empty();
+  return drawing.Is(DrawingKind::Text) && drawing.text.empty() && !drawing.sign.empty();
 }
 
 DrawingItem TextDrawing(std::string_view symbols) {
@@ -112,7 +111,7 @@ DrawingItem CurveDrawing(std::uint16_t span) {
 }
 
 std::string WordsOf(const DrawingItem& drawing) {
-  if (drawing.kind != static_cast<std::uint8_t>(DrawingKind::Text) || drawing.text.empty()) return {};
+  if (!drawing.Is(DrawingKind::Text) || drawing.text.empty()) return {};
   std::string_view text = AsText(drawing.text);
   text = text.substr(0, text.find('\0'));
   if (IsSymbol(text)) return {};

@@ -12,9 +12,9 @@
 #include "audio/wave_stream.h"
 #include "platform/media/media_engine.h"
 #include "platform/media/media_writer.h"
-#include "platform/programs/event_loop.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
+#include "support/test_loop.h"
 #include "wave_bytes.h"
 
 namespace ts5 {
@@ -287,7 +287,7 @@ struct EngineRun {
             [this](Outcome outcome) { outcomes.push_back(outcome); }};
   }
 
-  StandardEventLoop loop;
+  test::TestLoop loop;
   MediaEngine engine{loop};
   NullSink* sink = nullptr;
   std::vector<std::uint64_t> positions;
@@ -300,7 +300,7 @@ TEST(MediaEngineTest, TellsPositionsAndTheEndOnce) {
   ASSERT_THAT(run.engine.Start(run.Events()), IsOk());
   EXPECT_EQ(run.engine.GetState(), MediaEngine::State::Running);
   EXPECT_THAT(run.engine.Start({}), FailsWith(Outcome::InvalidParameter));
-  EXPECT_TRUE(run.loop.RunUntil([&] { return !run.outcomes.empty(); }, std::chrono::seconds(10)));
+  EXPECT_TRUE(run.loop.RunUntil([&] { return !run.outcomes.empty(); }));
   EXPECT_THAT(run.outcomes, testing::ElementsAre(Outcome::Success));
   EXPECT_EQ(run.engine.GetState(), MediaEngine::State::Built);
   EXPECT_EQ(run.sink->samples, 200000U);
@@ -329,7 +329,7 @@ TEST(MediaEngineTest, ReportsAFailureOfTheSink) {
   EngineRun run;
   run.sink->fail = true;
   ASSERT_THAT(run.engine.Start(run.Events()), IsOk());
-  EXPECT_TRUE(run.loop.RunUntil([&] { return !run.outcomes.empty(); }, std::chrono::seconds(10)));
+  EXPECT_TRUE(run.loop.RunUntil([&] { return !run.outcomes.empty(); }));
   EXPECT_THAT(run.outcomes, testing::ElementsAre(Outcome::WriteFailed));
 }
 

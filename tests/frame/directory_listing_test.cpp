@@ -13,9 +13,9 @@
 #include <optional>
 #include <thread>
 
-#include "platform/programs/event_loop.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
+#include "support/test_loop.h"
 
 namespace ts5 {
 namespace {
@@ -126,8 +126,6 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
   EXPECT_LT(seconds, 2.0);
 }
 
-constexpr std::chrono::seconds kPatience{30};
-
 DirectoryLister::Post PostTo(EventLoop& loop) {
   return [&loop](std::function<void()> event) { loop.Post(std::move(event)); };
 }
@@ -135,7 +133,7 @@ DirectoryLister::Post PostTo(EventLoop& loop) {
 TEST(DirectoryLister, RunsOneListingAtATime) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  StandardEventLoop loop;
+  test::TestLoop loop;
   DirectoryLister lister(PostTo(loop));
   std::vector<std::string> names;
   int ends = 0;
@@ -149,10 +147,10 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
   };
   EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
   EXPECT_FALSE(lister.Start(directory.Path(), sink, end)) << "ignored while the first one runs";
-  EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }, kPatience));
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }));
   EXPECT_THAT(names, ElementsAre("a.mid"));
   EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }, kPatience));
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }));
 }
 
 // A disc that does not answer holds up neither Cancel nor the next listing, and what it says later is
@@ -160,7 +158,7 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
 TEST(DirectoryLister, CancelDoesNotWait) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  StandardEventLoop loop;
+  test::TestLoop loop;
   const auto hold = std::make_shared<std::mutex>();  // the thread that is let go still uses it
   std::unique_lock held(*hold);
   std::atomic<int> answered = 0;
@@ -178,7 +176,7 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   EXPECT_FALSE(lister->Running());
   ASSERT_TRUE(lister->Start(
       directory.Path(), [](auto) {}, [&](ListingEnd) { ended = true; }));
-  EXPECT_TRUE(loop.RunUntil([&] { return ended; }, kPatience));
+  EXPECT_TRUE(loop.RunUntil([&] { return ended; }));
 
   ASSERT_TRUE(lister->Start(directory.Path(), never, never));
   lister.reset();
@@ -187,7 +185,7 @@ TEST(DirectoryLister, CancelDoesNotWait) {
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   bool marker = false;
   loop.Post([&] { marker = true; });
-  EXPECT_TRUE(loop.RunUntil([&] { return marker; }, kPatience));
+  EXPECT_TRUE(loop.RunUntil([&] { return marker; }));
 }
 
 TEST(DirectoryTree, ShowsWhatCanBeExpanded) {

@@ -188,9 +188,9 @@ TEST(RunItems, AnExceptionSpoilsItsOwnItemOnly) {
       if (source.ends_with(name)) throw std::bad_alloc();
     };
     FilterModule module = Module({.check =
-                                      [&](const FilterParameters& parameters, const std::string& source) {
+                                      [&](const std::string& source) {
                                         throws(source, "c.mid");
-                                        return test::CheckCopy(parameters, source);
+                                        return test::CheckCopy(source);
                                       },
                                   .convert =
                                       [&](ItemWork& work) {
@@ -253,8 +253,7 @@ TEST(RunItems, WhatTheCheckReadIsConverted) {
   };
   const TemporaryDirectory place;
   const FilterModule module = Module(
-      {.prepare = [](const FilterParameters&,
-                     const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
+      {.prepare = [](const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
          auto text = test::ReadText(source);
          if (!text) return Failure(text.error());
          auto item = std::make_unique<Text>();

@@ -83,7 +83,7 @@ RunRequest RunCommands::Request(Job& job, const Job& work, NameOrigin origin) {
   if (IsSearch(work.filter) && work.destinationIsScreen) {
     request.begin = [this, &job, &work, policy = settings.oldSearchResults] {
       const auto& parameters = As<SearchParameters>(*work.parameters);
-      panels_.Of(job).BeginSearch(RecordAtStart(work.filter, parameters), policy, [this] {
+      panels_.Of(job).BeginSearch(RecordAtStart(SearchKindOf(work.filter), parameters), policy, [this] {
         return desk_.Confirm(Text(texts::AskClearResults), MessageIcon::Question, Answer::Yes);
       });
     };

@@ -18,8 +18,7 @@ namespace {
 constexpr std::size_t kMostCharacters = 159;
 
 const disc::BurnParameters* ProjectOf(const Job& job) {
-  const bool project = job.filter == FilterId::CdBurner && job.Mode() == SourceMode::List && job.parameters;
-  return project ? &As<disc::BurnParameters>(*job.parameters) : nullptr;
+  return job.Mode() == SourceMode::List ? job.parameters.If<disc::BurnParameters>() : nullptr;
 }
 
 }  // namespace

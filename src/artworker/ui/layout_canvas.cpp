@@ -4,18 +4,17 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
 #include "artworker/object_painter.h"
 #include "artworker/texts.h"
+#include "artworker/ui/canvas_marks.h"
 
 namespace ts5::artworker {
 namespace {
 
 constexpr double kInch = 25.4;
-constexpr double kHandle = 7;        // pixels, the side of a handle
 constexpr double kSnapReach = 6;     // pixels
 constexpr int kLeastDrawn = 6;       // pixels; what is smaller both ways is no element
 constexpr double kKeyStep = 10;      // pixels
@@ -142,8 +141,12 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   }
   painter.restore();
   painter.setRenderHint(QPainter::Antialiasing);
-  PaintFolds(painter);
-  PaintSelection(painter, layout);
+  PaintEdges(painter);
+  for (const std::size_t index : scene_.editor.Selected()) {
+    const ArtworkElement& element = layout.elements[index];
+    const QRectF rect = PixelsOf(element, layout.Object(id_), Scale()).translated(kMargin, kMargin);
+    PaintSelected(painter, rect, element.fixed, palette());
+  }
   if (drag_) PaintDrag(painter);
   if (hasFocus()) {
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
@@ -152,74 +155,23 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
-// Where the object is cut and folded, whether it is printed with lines or not.
-void LayoutCanvas::PaintFolds(QPainter& painter) const {
+// Whether they are printed with lines or not.
+void LayoutCanvas::PaintEdges(QPainter& painter) const {
   const QRectF object = ObjectRect();
-  painter.setBrush(Qt::NoBrush);
   if (id_ == ArtworkObjectId::Label) {
-    // What lies beside the disc and in its hole is not printed.
     const double hole = scene_.editor.Layout().Object(id_).size.height / 2.0 * Scale();
-    QPainterPath beside;
-    beside.setFillRule(Qt::OddEvenFill);
-    beside.addRect(object.adjusted(-1, -1, 1, 1));
-    beside.addEllipse(object);
-    painter.fillPath(beside, palette().color(QPalette::Mid));
-    QPainterPath inside;
-    inside.addEllipse(object.center(), hole, hole);
-    painter.fillPath(inside, palette().color(QPalette::Mid));
-    painter.setPen(QPen(palette().color(QPalette::Dark), 1));
-    painter.drawEllipse(object);
-    painter.drawEllipse(object.center(), hole, hole);
-    return;
+    return PaintDiscEdges(painter, object, hole, palette());
   }
-  painter.setPen(QPen(palette().color(QPalette::Dark), 1));
-  painter.drawRect(object);
-  painter.setPen(QPen(QColor(128, 128, 128, 140), 1, Qt::DashLine));
-  for (const double fold : Ground().folds) {
-    const double x = object.left() + fold * Scale();
-    painter.drawLine(QPointF(x, object.top()), QPointF(x, object.bottom()));
-  }
-}
-
-void LayoutCanvas::PaintSelection(QPainter& painter, const ArtworkLayout& layout) const {
-  const QColor accent = palette().color(QPalette::Highlight);
-  for (const std::size_t index : scene_.editor.Selected()) {
-    const QRectF rect =
-        PixelsOf(layout.elements[index], layout.Object(id_), Scale()).translated(kMargin, kMargin);
-    // Seen on every ground.
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(Qt::white, 3));
-    painter.drawRect(rect);
-    painter.setPen(QPen(accent, 1.5, layout.elements[index].fixed ? Qt::DashLine : Qt::SolidLine));
-    painter.drawRect(rect);
-    painter.setPen(QPen(accent, 1));
-    painter.setBrush(Qt::white);
-    const QPointF c = rect.center();
-    for (const QPointF& at :
-         {rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight(), QPointF(c.x(), rect.top()),
-          QPointF(c.x(), rect.bottom()), QPointF(rect.left(), c.y()), QPointF(rect.right(), c.y())})
-      painter.drawRect(QRectF(at.x() - kHandle / 2, at.y() - kHandle / 2, kHandle, kHandle));
-  }
+  std::vector<double> folds = Ground().folds;
+  for (double& fold : folds) fold *= Scale();
+  PaintPaperEdges(painter, object, folds, palette());
 }
 
 void LayoutCanvas::PaintDrag(QPainter& painter) const {
-  painter.setBrush(Qt::NoBrush);
-  if (drag_->kind == Drag::Kind::Elements) {
-    painter.setPen(QPen(QColor(0xC6, 0x41, 0x3A), 1));
-    for (const Guide& guide : drag_->guides)
-      painter.drawLine(guide.from + QPointF(kMargin, kMargin), guide.to + QPointF(kMargin, kMargin));
-    return;
-  }
-  const QRectF rect = DrawnRect(*drag_).translated(kMargin, kMargin);
-  for (const auto& [colour, style] :
-       {std::pair(Qt::white, Qt::SolidLine), std::pair(Qt::black, Qt::DotLine)}) {
-    painter.setPen(QPen(colour, 1, style));
-    if (drag_->kind == Drag::Kind::Draw && scene_.tool == Tool::Ellipse) {
-      painter.drawEllipse(rect);
-    } else {
-      painter.drawRect(rect);
-    }
-  }
+  const QPointF corner(kMargin, kMargin);
+  if (drag_->kind == Drag::Kind::Elements) return PaintGuides(painter, drag_->guides, corner);
+  const bool ellipse = drag_->kind == Drag::Kind::Draw && scene_.tool == Tool::Ellipse;
+  PaintOutline(painter, DrawnRect(*drag_).translated(corner), ellipse);
 }
 
 // --- the mouse

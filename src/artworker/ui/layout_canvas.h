@@ -88,8 +88,7 @@ class LayoutCanvas : public QWidget {
   bool MoveByKey(const QKeyEvent& event);
   void Change(const LayoutEditor::Change& change);
   void PaintObjectNow(QPainter& painter, const ArtworkLayout& layout, bool draft);
-  void PaintFolds(QPainter& painter) const;
-  void PaintSelection(QPainter& painter, const ArtworkLayout& layout) const;
+  void PaintEdges(QPainter& painter) const;
   void PaintDrag(QPainter& painter) const;
 
   Scene& scene_;

@@ -202,11 +202,6 @@ std::string ToUpper(std::string_view text) {
   return MapCharacters(text, Upper);
 }
 
-std::string LowerAfterFirst(std::string_view text) {
-  const std::string_view first = FirstCharacters(text, 1);
-  return std::string(first) + ToLower(text.substr(first.size()));
-}
-
 std::weak_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
   // Equal beginnings need no decoding, up to the last character that cannot have been cut.
   auto equal = static_cast<std::size_t>(

@@ -26,11 +26,11 @@ constexpr int kPrograms = 128;
 
 }  // namespace
 
-SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyStore& store,
+SearchDialog::SearchDialog(SearchKind kind, SearchParameters parameters, MelodyStore& store,
                            std::vector<std::string> devices, MidiOpener opener, DialogHost& host,
                            QWidget* parent, KeyboardPorts keyboards)
     : HostedDialog(host, QtText(texts::SearchDialogPrompt), parent),
-      filter_(filter),
+      kind_(kind),
       parameters_(std::move(parameters)),
       store_(store),
       sound_(std::move(devices), opener, nullptr),
@@ -100,7 +100,7 @@ void SearchDialog::SearchWidely() {
 }
 
 void SearchDialog::FillOptions() {
-  if (filter_ == FilterId::ScoreSearch) {
+  if (kind_ == SearchKind::Score) {
     ui_->firstTrackCheck->setText(QtText(texts::FirstStaffOnly));
     ui_->drumTrackCheck->setText(QtText(texts::DrumStaffToo));
     ui_->toleranceLabel->hide();
