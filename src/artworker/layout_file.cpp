@@ -153,7 +153,7 @@ class ProfileReader : public Reader {
   }
   void Count(std::string_view key, const std::vector<ArtworkElement>& /*elements*/) {
     std::int32_t count = 0;
-    Number(key, count, NumberRange{0, std::numeric_limits<std::int32_t>::max(), 0});
+    Number(key, count, NumberRange{0, kMaxElements, 0});
     ExpectElements(count);
   }
   template <typename... T>
@@ -257,7 +257,7 @@ class RecordReader : public Reader {
   }
   void Count(std::string_view /*key*/, const std::vector<ArtworkElement>& /*elements*/) {
     const std::int32_t count = in_.I32Le();
-    Require(std::cmp_less_equal(count, in_.Remaining() / kLeastElement));
+    Require(std::cmp_less_equal(count, std::min(kMaxElements, in_.Remaining() / kLeastElement)));
     ExpectElements(count);
   }
   template <typename... T>

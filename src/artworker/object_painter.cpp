@@ -103,7 +103,7 @@ class ElementPainter {
     Border();
   }
   void operator()(const Image& image) const {
-    Ground({.transparency = 100, .background = 0});
+    if (image.fill.background != kNoGround) Ground(image.fill);
     Picture(image);
     Border();
   }

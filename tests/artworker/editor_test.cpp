@@ -162,6 +162,17 @@ TEST(Edits, PasteKeepsPlacesToEachOtherAndTakesTheObject) {
   EXPECT_EQ(layout.elements[2].object, ArtworkObjectId::Booklet);
 }
 
+TEST(Edits, ALayoutTakesNoMoreElementsThanCanBeRead) {
+  LayoutEditor editor(LayoutOf(std::vector<Box>(kMaxElements, Box{0, 0, 10, 10})), 3);
+  const auto more = [](ArtworkLayout& layout, Selection& selection) { Append(layout, selection, {}); };
+  editor.Select({7});
+  EXPECT_FALSE(editor.Apply(more));
+  EXPECT_EQ(editor.Layout().elements.size(), kMaxElements);
+  EXPECT_THAT(editor.Selected(), ElementsAre(7));
+  EXPECT_FALSE(editor.CanUndo());
+  EXPECT_TRUE(LayoutFromRecord(LayoutRecord(editor.Layout())));
+}
+
 TEST(Edits, DrawsFromCornerToCornerAndEllipsesFromTheirCentre) {
   EXPECT_EQ(DrawnBox({50, 50}, {20, 90}, false, false), QRectF(20, 50, 30, 40));
   EXPECT_EQ(DrawnBox({50, 50}, {20, 90}, false, true), QRectF(20, 50, 30, 30));

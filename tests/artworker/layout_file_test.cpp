@@ -200,6 +200,7 @@ TEST(LayoutForms, ValuesOutsideTheirRangeEndTheLoading) {
            {"Papierformat=3", "Papierformat=A4"},
            {"ElementNum=4", "ElementNum=-1"},
            {"ElementNum=4", "ElementNum=2147483647"},
+           {"ElementNum=4", "ElementNum=10001"},
            {"ElementNum=4", "ElementNum=4294967296"},
            {"Papersize=300 200", "Papersize=300"},
            {"Papersize=300 200", "Papersize=0 -1"},

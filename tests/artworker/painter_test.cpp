@@ -165,6 +165,20 @@ TEST_F(Painter, PicturesAreMirroredAndMissingOnesAreNamed) {
   EXPECT_NEAR(ink(file, kMirrorHorizontal).center().x(), 895, 8);
   EXPECT_TRUE(QRect(0, 0, 1000, 500).contains(ink(directory.File("fehlt.png"), 0)));
 
+  // Through a picture what lies below is seen, unless it has a background of its own.
+  QImage clear(2, 2, QImage::Format_ARGB32);
+  clear.fill(Qt::transparent);
+  const std::string glass = directory.File("glas.png");
+  ASSERT_TRUE(clear.save(QString::fromStdString(glass)));
+  const auto seen = [&](std::int32_t background) {
+    layout_.elements = {
+        {ArtworkObjectId::Inlay, Filled({0, 1}), false, 0, 0, 0, false, {0, 0, 1000, 500}},
+        {ArtworkObjectId::Inlay, Image{{0, background}, 0, glass}, false, 0, 0, 0, false, {0, 0, 1000, 500}}};
+    return Drawn(ArtworkObjectId::Inlay).pixelColor(990, 5);
+  };
+  EXPECT_GT(seen(kNoGround).blue(), 245) << "the end of what runs across below it";
+  EXPECT_GT(seen(2).red(), 240) << "the start of its own, which runs down";
+
   // A drawing that names another file is none to be shown.
   const auto drawing = [&](const std::string& body) {
     const std::string path = directory.File("z.svg");
@@ -191,6 +205,16 @@ TEST_F(Painter, ObjectsOfOtherSizesScaleTheirElements) {
   ArtworkObject& label = layout_.Object(ArtworkObjectId::Label);
   label.size = {80, 20};
   EXPECT_EQ(PlaceOf(element, label), QRectF(0, 0, 80, 80));
+  element.box = {485, 234, 685, 351};
+  EXPECT_NEAR(PlaceOf(element, label).center().x(), 40, 1e-9)
+      << "what is in the middle of a disc stays there";
+  EXPECT_NEAR(PlaceOf(element, label).top(), 16, 1e-9);
+  // Of the others a distance from the edge grows by its part of what the side has more.
+  element.object = ArtworkObjectId::Inlay;
+  ArtworkObject& inlay = layout_.Object(ArtworkObjectId::Inlay);
+  inlay.size = {160, 118};
+  element.box = {480, 100, 630, 200};
+  EXPECT_EQ(PlaceOf(element, inlay), QRectF(48 + 10 / (160 / 48.0), 10, 16, 10));
   EXPECT_EQ(PageOf({297, 210}).orientation(), QPageLayout::Landscape);  // the sides count
 }
 

@@ -74,8 +74,6 @@ ArtworkerWindow::ArtworkerWindow(Subject subject, DialogHost& host, QWidget* par
     Refresh();
     if (Canvas() != nullptr) Canvas()->setFocus();
   });
-  static const bool cleared = (ForgetElements(), true);  // what an earlier session left there
-  Q_UNUSED(cleared);
   connect(QApplication::clipboard(), &QClipboard::dataChanged, this, [this] { UpdateActions(); });
   for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);  // Enter edits
   RestorePlace();

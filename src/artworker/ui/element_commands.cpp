@@ -132,7 +132,8 @@ std::optional<ArtworkElement> ElementCommands::EditedElement(const ArtworkElemen
     return run(EllipseDialog(element, ground_.scene.backgrounds, ground_.host, ground_.window));
   if (!std::holds_alternative<Image>(element.content)) return std::nullopt;
   const auto keep = [this](const QImage& picture) { return Keep(picture); };
-  return run(ImageDialog(element, ground_.folder, keep, ground_.host, ground_.window));
+  return run(
+      ImageDialog(element, ground_.scene.backgrounds, ground_.folder, keep, ground_.host, ground_.window));
 }
 
 void ElementCommands::ResizeToPicture() {
@@ -164,6 +165,7 @@ void ElementCommands::Copy() {
 void ElementCommands::Paste() {
   CanvasPage* const page = ground_.page();
   if (page == nullptr) return;
+  if (!ClipboardOpens()) return ShowWarning(ground_.window, texts::ClipboardNotOpened);
   const auto elements = PasteElements([this](const QImage& picture) { return Keep(picture); });
   if (!elements) return ShowWarning(ground_.window, texts::ElementNotPasted);
   const QPointF corner = page->VisibleCorner();
