@@ -200,6 +200,28 @@ TEST_F(Painter, PicturesAreMirroredAndMissingOnesAreNamed) {
   EXPECT_EQ(drawing(inside(picture.readAll())), QSize(9, 9));
 }
 
+TEST_F(Painter, ADrawingStaysOneInADocument) {
+  const test::TemporaryDirectory directory;
+  const std::string file = directory.File("z.svg");
+  std::ofstream(file) << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><circle r='4'/></svg>";
+  const auto keepsLines = [&](std::int32_t transparency) {
+    layout_.elements = {
+        {ArtworkObjectId::Inlay, Image{{transparency, 0}, 0, file}, false, 0, 0, 0, false, {0, 0, 900, 900}}};
+    const std::string path = directory.File("z.pdf");
+    auto staged = StagedFile::Create(path);
+    EXPECT_TRUE(staged);
+    PdfDocument document(*staged, "z");
+    EXPECT_TRUE(document.BeginPage({210, 297}, {}));
+    PaintObject(document.Page(), {layout_, backgrounds_, pictures_, false, kPicturesDpi},
+                ArtworkObjectId::Inlay);
+    EXPECT_EQ(document.Finish(), Outcome::Success);
+    EXPECT_EQ(staged->Commit(), Outcome::Success);
+    return test::Content(path).find("/Subtype /Image") == std::string::npos;
+  };
+  EXPECT_TRUE(keepsLines(0));
+  EXPECT_FALSE(keepsLines(40)) << "what is below shines through all of it alike";
+}
+
 TEST_F(Painter, ObjectsOfOtherSizesScaleTheirElements) {
   ArtworkElement element{ArtworkObjectId::Label, Ellipse{}, false, 0, 0, 0, false, {0, 0, 1170, 1170}};
   ArtworkObject& label = layout_.Object(ArtworkObjectId::Label);

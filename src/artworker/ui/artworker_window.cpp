@@ -199,6 +199,9 @@ void ArtworkerWindow::changeEvent(QEvent* event) {
     scene_.facts = subject_.facts();
     Refresh();
   }
+  // A run that locked the window gives back where the keys go.
+  if (event->type() == QEvent::EnabledChange && isEnabled() && actions_ != nullptr && Canvas() != nullptr)
+    Canvas()->setFocus();
   HostedDialog::changeEvent(event);
 }
 
