@@ -208,6 +208,8 @@ TEST(LayoutForms, ValuesOutsideTheirRangeEndTheLoading) {
            {"ElemBorderWidth=5", "ElemBorderWidth=51"},
            {"ElemBorderGap=10", "ElemBorderGap=151"},
            {"ElemBorderColor=1122867", "ElemBorderColor=16777216"},
+           {"ElemFixed=1", "ElemFixed=ja"},
+           {"ElemTextFontCharset=2", "ElemTextFontCharset=256"},
            {"ElemTextSpaceMode=2", "ElemTextSpaceMode=3"},
            {"ElemTextOrientation=2", "ElemTextOrientation=-1"},
            {"ElemTextBGTransparency=30", "ElemTextBGTransparency=101"},

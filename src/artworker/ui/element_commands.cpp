@@ -89,8 +89,10 @@ void ElementCommands::AskDelete(bool all) {
   Selection gone =
       all ? ElementsOf(ground_.scene.editor.Layout(), page->Canvas().Id()) : ground_.scene.editor.Selected();
   if (gone.empty()) return;
-  if (!AskYesNo(ground_.window, all || gone.size() > 1 ? texts::AskDeleteElements : texts::AskDeleteElement))
-    return;
+  const TextId question = all               ? texts::AskDeleteElements
+                          : gone.size() > 1 ? texts::AskDeleteSelected
+                                            : texts::AskDeleteElement;
+  if (!AskYesNo(ground_.window, question)) return;
   Change([&gone](ArtworkLayout& layout, Selection& selection) {
     Delete(layout, gone);
     selection.clear();
