@@ -210,6 +210,7 @@ def small_disc(bench):
     layout(bench.file("l.awl"), [text(LABEL, (285, 150, 885, 200), words, 2)], label=(80, 20))
     (page,) = bench.pages("--set", "ArtPrintWhat=1", "--set", "ArtPrintBorder=1")
     check("disc of 80 mm: left edge", page.line(50, 148, 75, 148), 15)
+    (page,) = bench.pages("--set", "ArtPrintWhat=1")
     ink = page.ink(75, 148 - 40 + 9, 135, 148 - 40 + 15)
     check("disc of 80 mm: text in its middle", ink and (ink[0] + ink[2]) / 2, 105)
     check("disc of 80 mm: width of the text", ink and ink[2] - ink[0], 60 * 80 / 117, 60 * 0.02)
