@@ -58,6 +58,7 @@ FillBox::FillBox(const Fill& fill, First first, BackgroundList& backgrounds, Dia
       ui_(std::make_unique<Ui::ARTFILL>()) {
   ui_->setupUi(this);
   setTitle(QtText(texts::FillTitle));
+  setFocusProxy(ui_->transparencyBox);
   ui_->transparencyBox->setValue(fill.transparency);
   ui_->backgroundBox->setIconSize(kBackgroundSwatch);
   connect(ui_->backgroundBox, &QComboBox::currentIndexChanged, this, [this](int index) {

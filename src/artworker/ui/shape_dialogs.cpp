@@ -40,6 +40,7 @@ EllipseDialog::EllipseDialog(ArtworkElement element, BackgroundList& backgrounds
   ui_->borderLayout->addWidget(border_);
   border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
   ui_->fixedCheck->setChecked(element_.fixed);
+  fill_->setFocus();
 }
 
 EllipseDialog::~EllipseDialog() = default;
