@@ -176,6 +176,8 @@ TEST(DiscFacts, ComeFromTheBurnerOfTheSameTitleElseFromTheSourcesThemselves) {
   ASSERT_EQ(alone.tracks.size(), 2U);
   EXPECT_EQ(alone.tracks[1].title, "Morgenlied");
   EXPECT_EQ(alone.performer, "Chor") << "what all tracks say goes for the disc";
+  own.files.Append({.path = test::DataPath("audio/ogg_vorbis_mono_11025.ogg")});
+  EXPECT_EQ(FactsOfDisc(own, {}, DiscReading::AtHand).tracks.back().time.count(), 1) << "measured";
   own.files.Clear();
   EXPECT_FALSE(FactsOfDisc(own, {}, DiscReading::AtHand).Known());
 }
