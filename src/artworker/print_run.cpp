@@ -76,8 +76,8 @@ class Printing {
     item.destination = printer_;
     ForgetFault();
     item.code = printer_ == Text(texts::PdfPrinter) ? IntoFile(plan, item.destination) : OntoPaper(plan);
+    run_.Result().counts[0] = printed_;
     if (item.code == 0) {
-      run_.Result().counts[0] = printed_;
       run_.StatusText(Text(texts::PrintEnded));
     } else {
       run_.AddStatus({.code = item.code, .number = item.code == kDrawingFailed ? kDrawingNotCopied : 0});
@@ -108,6 +108,7 @@ class Printing {
     if (!taken && taken.error() == Outcome::Cancelled) return Code(Outcome::Cancelled);
     if (!taken) return NotEnded(kDocumentNotEnded);
     name = *taken;
+    printed_ = drawn_;
     return 0;
   }
 
@@ -120,6 +121,7 @@ class Printing {
     // A document that is sent to a printer has one paper.
     for (const SheetPlan& document : ByPaper(plan)) {
       if (const std::int32_t code = Send(document); code != 0) return code;
+      printed_ = drawn_;
     }
     return 0;
   }
@@ -172,7 +174,7 @@ class Printing {
       run_.StatusText(Format(Text(texts::ObjectSent), name));
       run_.StatusText(Format(Text(texts::ObjectEnding), name));
       run_.StatusText(Format(Text(texts::ObjectEnded), name));
-      ++printed_;
+      ++drawn_;
     }
     return !document.Broken();
   }
@@ -219,7 +221,8 @@ class Printing {
   std::string printer_;
   TargetNaming naming_;
   Pictures pictures_;
-  std::uint32_t printed_ = 0;
+  std::uint32_t drawn_ = 0;    // objects
+  std::uint32_t printed_ = 0;  // those in documents that came to their end
 };
 
 }  // namespace

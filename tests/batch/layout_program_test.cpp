@@ -125,6 +125,10 @@ TEST_F(LayoutProgram, APrinterGetsADocumentForEachPaperAndMayVanish) {
   const std::string sent = Content(folder_.File("lp.txt"));
   EXPECT_EQ(std::ranges::count(sent, '\n'), 3) << sent;
   EXPECT_THAT(sent, HasSubstr("media=A5"));
+  script("lp", "case \"$*\" in *media=A5*) exit 1;; esac\n");
+  const json half = json::parse(print().out);
+  EXPECT_EQ(half["items"][0]["code"], -801);
+  EXPECT_EQ(half["lines"][0]["count"], 1) << "what was taken before has been printed";
   script("lp", "exit 1\n");
   EXPECT_EQ(json::parse(print().out)["items"][0]["code"], -801);
   script("lpoptions", "echo 'PageSize/Media Size: *Letter'\n");
