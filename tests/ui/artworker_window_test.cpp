@@ -303,6 +303,7 @@ TEST_F(ArtworkerWindowTest, DeletingAsksAndABackgroundThatGoesIsReplacedEverywhe
   }
   EXPECT_EQ(parameters_.layout.elements.size(), 2U);
   InNext<EllipseDialog>([](EllipseDialog& dialog) {
+    EXPECT_TRUE(Child<QPushButton>(dialog, "deleteButton").isEnabled());
     Child<QComboBox>(dialog, "backgroundBox").setCurrentIndex(1);
     Press(dialog, "deleteButton");
     Press(dialog, "cancelButton");

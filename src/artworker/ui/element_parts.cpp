@@ -61,10 +61,7 @@ FillBox::FillBox(const Fill& fill, First first, BackgroundList& backgrounds, Dia
   setFocusProxy(ui_->transparencyBox);
   ui_->transparencyBox->setValue(fill.transparency);
   ui_->backgroundBox->setIconSize(kBackgroundSwatch);
-  connect(ui_->backgroundBox, &QComboBox::currentIndexChanged, this, [this](int index) {
-    const bool none = index == kNoGround && first_ == First::None;
-    ui_->deleteButton->setEnabled(ui_->backgroundBox->count() > 1 && !none);
-  });
+  connect(ui_->backgroundBox, &QComboBox::currentIndexChanged, this, [this] { OfferDelete(); });
   Refill(fill.background);
   connect(ui_->newButton, &QAbstractButton::clicked, this, [this] { AddNew(); });
   connect(ui_->deleteButton, &QAbstractButton::clicked, this, [this] { DeleteChosen(); });
@@ -86,6 +83,12 @@ void FillBox::Refill(int chosen) {
     ui_->backgroundBox->setItemText(kNoGround, QtText(texts::NoGround));
   }
   ui_->backgroundBox->setCurrentIndex(chosen < ui_->backgroundBox->count() ? chosen : 0);
+  OfferDelete();
+}
+
+void FillBox::OfferDelete() {
+  const bool none = first_ == First::None && ui_->backgroundBox->currentIndex() == kNoGround;
+  ui_->deleteButton->setEnabled(ui_->backgroundBox->count() > 1 && !none);
 }
 
 void FillBox::AddNew() {

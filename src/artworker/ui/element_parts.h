@@ -48,6 +48,7 @@ class FillBox : public QGroupBox {
 
  private:
   void Refill(int chosen);
+  void OfferDelete();
   void AddNew();
   void DeleteChosen();
 
