@@ -318,7 +318,7 @@ TEST(Templates, EveryShippedLayoutIsWhole) {
   const std::vector<Template> templates = LoadTemplates(TemplateDirectory());
   ASSERT_GE(templates.size(), 8U);
   PrepareDrawing();
-  std::vector<Background> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
+  std::vector<Background> stored = {{0x123456, 0, 0, "Eigener"}};
   BackgroundList list({.load = [&] { return stored; },
                        .save =
                            [&](const std::vector<Background>& all) {
@@ -331,6 +331,7 @@ TEST(Templates, EveryShippedLayoutIsWhole) {
     for (const ArtworkElement& element : adopted->elements) {
       const auto* const image = std::get_if<Image>(&element.content);
       EXPECT_TRUE(image == nullptr || !Pictures::SizeOf(image->file).isEmpty()) << row.name;
+      EXPECT_TRUE(image == nullptr || image->fill.background == kNoGround) << row.name;
     }
     EXPECT_TRUE(LayoutFromRecord(LayoutRecord(*adopted))) << row.name;
   }
