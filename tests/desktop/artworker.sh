@@ -68,9 +68,6 @@ done
 [ -n "${editor:-}" ] || fail "no tile opens the editor"
 sleep 1
 save leer.awl
-to_main
-click 620 135
-all_files
 
 press "$editor" ctrl+n
 window '^Vorlagen' >/dev/null || fail "no gallery"
@@ -139,7 +136,7 @@ save wieder.awl
 cmp "$HOME/leer.awl" "$HOME/wieder.awl" || fail "the layout is another one"
 
 # A damaged layout is refused, and nothing changes.
-head -c 700 "$HOME/voll.awl" >"$HOME/kaputt.awl"
+head -c 900 "$HOME/voll.awl" >"$HOME/kaputt.awl"
 ask ctrl+o '^Layout laden' "$HOME/kaputt.awl"
 closed '^Layout laden' || fail "the dialog stays"
 sleep 1
