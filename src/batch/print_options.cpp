@@ -36,13 +36,17 @@ void AddPrintOptions(Arguments& arguments, PrintOptions& options) {
   arguments.Option("--dpi", "N", options.dpi, texts::BatchHelpDpi);
 }
 
-std::optional<std::string> TakePrinting(const PrintOptions& options, const Registry& registry, Job& job) {
+std::optional<int> TakePrinting(const PrintOptions& options, const Registry& registry,
+                                std::string_view command, Console& console, Job& job) {
   auto* const parameters = job.parameters.If<artworker::ArtworkerParameters>();
   if (parameters == nullptr) return std::nullopt;
-  if (!DpiOf(options)) return Format(Text(texts::BatchDpiWrong), *options.dpi);
+  if (!DpiOf(options)) return WrongUsage(console, command, Format(Text(texts::BatchDpiWrong), *options.dpi));
   if (options.layout) {
     auto layout = artworker::LoadLayout(*options.layout);
-    if (!layout) return Format(Text(texts::BatchLayoutInvalid), *options.layout);
+    if (!layout) {
+      PrintError(console, Format(Text(texts::BatchLayoutInvalid), *options.layout));
+      return kExitFailed;
+    }
     NamePicturesFully(*layout, std::string(DirectoryOf(*options.layout)));
     parameters->layout = std::move(*layout);
     parameters->fileName = *options.layout;

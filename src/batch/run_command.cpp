@@ -242,8 +242,7 @@ int RunCommand(CommandLine line, Console& console) {
     return WrongUsage(console, kCommand, *fault);
   if (request.destination) job.destinationName = FromCurrentDirectory(*request.destination);
   if (!request.print.printer) request.print.printer = request.device;
-  if (const auto fault = TakePrinting(request.print, *registry, job))
-    return WrongUsage(console, kCommand, *fault);
+  if (const auto status = TakePrinting(request.print, *registry, kCommand, console, job)) return *status;
   if (module->missing) {
     if (const auto text = module->missing(job)) return WrongUsage(console, kCommand, Text(*text));
   }

@@ -14,6 +14,7 @@
 #include "disc/track_texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/filter_catalogue.h"
+#include "modules/measured_times.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
@@ -80,11 +81,15 @@ class Reader {
     if (text.performer.empty()) text.performer = std::move(own.performer);
     source.track.title = std::move(text.title);
     source.track.performer = std::move(text.performer);
-    std::uint64_t seconds = entry.duration;
-    if (seconds == 0 && reading_ == DiscReading::Thorough)
-      seconds = (PlayingTimeOf(entry) + kUnitsPerSecond / 2) / kUnitsPerSecond;
+    const std::uint64_t seconds =
+        entry.duration != 0 ? entry.duration : (TimeOf(entry) + kUnitsPerSecond / 2) / kUnitsPerSecond;
     source.track.time = std::chrono::seconds(seconds);
     return source;
+  }
+
+  [[nodiscard]] std::uint64_t TimeOf(const FileListEntry& entry) const {
+    if (!entry.cdTrack) return MeasuredTime(entry);
+    return reading_ == DiscReading::Thorough ? PlayingTimeOf(entry) : 0;
   }
 
   static CdText::Entry OfFile(const std::string& path, std::string& album) {

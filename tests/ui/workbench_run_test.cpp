@@ -208,15 +208,15 @@ TEST_F(RunStory, AWindowOfAJobGoesWithTheFilterThatItBelongsTo) {
     job.parameters = FindModule(filter)->create();
   };
   choose(FilterId::Artworker);
-  W().Windows().Open(job, make);
-  W().Windows().Open(job, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
   EXPECT_EQ(made, 1);
   EXPECT_EQ(found, &job);
   const QPointer<QWidget> first = W().Windows().Find(job);
   ASSERT_TRUE(first != nullptr && first->isVisible());
 
   choose(FilterId::AudioPlayer);
-  W().Windows().Open(job, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
   EXPECT_EQ(made, 2);
   const QPointer<QWidget> second = W().Windows().Find(job);
   EXPECT_TRUE(WaitFor([&] { return first == nullptr; }));
@@ -265,6 +265,11 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   EXPECT_TRUE(W().Target().StopButton()->isEnabled());
   EXPECT_FALSE(W().Target().RunButton()->isEnabled());
   EXPECT_TRUE(WaitFor([&] { return W().Panels().Current().FilesBar()->value() == 1; }));
+  Job& job = ActiveJob();
+  W().Windows().Open(job, JobWindows::Use::WhileIdle,
+                     [this](const JobFinder&) { return new QWidget(&W(), Qt::Window); });
+  const QPointer<QWidget> window = W().Windows().Find(job);
+  EXPECT_TRUE(WaitFor([&] { return !window->isEnabled(); })) << "what it edits is being worked on";
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Escape);
@@ -272,6 +277,7 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
+  EXPECT_TRUE(WaitFor([&] { return window->isEnabled(); }));
   EXPECT_EQ(W().statusBar()->currentMessage(), "") << "no hint of a control that the focus only passed";
 }
 

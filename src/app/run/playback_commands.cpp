@@ -23,7 +23,7 @@ void PlaybackCommands::Refresh() {
 }
 
 void PlaybackCommands::Open(const Job& job) {
-  windows_.Open(job, [&](const JobFinder& find) -> QWidget* {
+  windows_.Open(job, JobWindows::Use::Always, [&](const JobFinder& find) -> QWidget* {
     auto* open =
         new PlaybackWindow({.filter = job.filter,
                             .title = job.title,

@@ -13,6 +13,7 @@
 #include "app/shell/parameter_windows.h"
 #include "app/shell/session_end.h"
 #include "app/texts.h"
+#include "artworker/ui/element_clipboard.h"
 #include "frame/file_drop.h"
 #include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
@@ -58,10 +59,12 @@ MainWindow::MainWindow(Application& application)
   MakeCommands();
   Connect();
   ConnectRuns();
+  artworker::ForgetElements();  // what an earlier session left there
 }
 
 MainWindow::~MainWindow() {
   if (!ended_) runs_->Close();
+  artworker::ForgetElements();
 }
 
 // --- building

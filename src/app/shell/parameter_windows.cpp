@@ -256,7 +256,7 @@ bool EditParameters(ActiveJob& active, Application& application, JobWindows& win
     return false;
   }
   if (!dialog->open) return dialog->edit(job, application, desk, desk.Window());
-  windows.Open(job, [&](const JobFinder& find) {
+  windows.Open(job, JobWindows::Use::WhileIdle, [&](const JobFinder& find) {
     const WindowLinks links{.run =
                                 [find, &active, &desk] {
                                   const Job* const found = find();

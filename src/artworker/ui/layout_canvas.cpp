@@ -18,6 +18,7 @@ constexpr double kInch = 25.4;
 constexpr double kSnapReach = 6;     // pixels
 constexpr int kLeastDrawn = 6;       // pixels; what is smaller both ways is no element
 constexpr double kKeyStep = 10;      // pixels
+constexpr double kTextHeight = 10;   // millimetres of a text field that is made with the keys
 constexpr double kZoomSlack = 1e-6;  // tenths added up are not exact
 constexpr int kMostPicture = 6000;   // pixels; a larger object is drawn each time
 
@@ -203,8 +204,7 @@ void LayoutCanvas::mousePressEvent(QMouseEvent* event) {
 void LayoutCanvas::PressDesign(QMouseEvent& event) {
   const QPointF point = OnObject(event.position());
   Drag drag{.start = point, .now = point, .modifiers = event.modifiers()};
-  const auto hit = HitAt(scene_.editor.Layout(), id_, scene_.editor.Selected(), point, Scale());
-  if (hit) {
+  if (const auto hit = HeldAt(point)) {
     const bool extend = (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
     // A click on one of several selected ones takes them all along.
     if (extend || !scene_.editor.IsSelected(hit->element)) scene_.editor.Click(hit->element, extend);
@@ -221,6 +221,14 @@ void LayoutCanvas::PressDesign(QMouseEvent& event) {
     return;
   }
   drag_ = drag;
+}
+
+std::optional<Hit> LayoutCanvas::HeldAt(QPointF point) const {
+  const ArtworkLayout& layout = scene_.editor.Layout();
+  const auto hit = HitAt(layout, id_, scene_.editor.Selected(), point, Scale());
+  const bool ground =
+      hit && hit->zone.Moves() && layout.elements[hit->element].fixed && DrawsNew(scene_.tool);
+  return ground ? std::nullopt : hit;
 }
 
 void LayoutCanvas::mouseMoveEvent(QMouseEvent* event) {
@@ -298,8 +306,12 @@ void LayoutCanvas::EndDrag() {
       break;
     case Drag::Kind::Draw: {
       const QRectF rect = DrawnRect(drag);
-      if (rect.width() >= kLeastDrawn || rect.height() >= kLeastDrawn)
+      const auto ground = HitAt(scene_.editor.Layout(), id_, {}, drag.start, Scale());
+      if (rect.width() >= kLeastDrawn || rect.height() >= kLeastDrawn) {
         emit Drawn(QRectF(rect.topLeft() / Scale(), rect.size() / Scale()));
+      } else if (ground) {
+        Choose(ground->element, false);
+      }
       break;
     }
   }
@@ -334,8 +346,7 @@ void LayoutCanvas::contextMenuEvent(QContextMenuEvent* event) {
 
 void LayoutCanvas::ShowCursor(QPointF point) {
   if (scene_.tool == Tool::ZoomIn || scene_.tool == Tool::ZoomOut) return setCursor(Qt::PointingHandCursor);
-  const auto hit = HitAt(scene_.editor.Layout(), id_, scene_.editor.Selected(), OnObject(point), Scale());
-  if (hit) return setCursor(CursorOf(hit->zone));
+  if (const auto hit = HeldAt(OnObject(point))) return setCursor(CursorOf(hit->zone));
   setCursor(DrawsNew(scene_.tool) ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
@@ -379,13 +390,29 @@ void LayoutCanvas::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown) {
     const auto next =
         NeighbourOf(scene_.editor.Layout(), id_, scene_.editor.Selected(), event->key() == Qt::Key_PageUp);
-    if (!next) return;
-    scene_.editor.Click(*next, false);
-    update();
-    TellSelection();
-    return emit SelectionChanged();
+    if (next) Choose(*next, (event->modifiers() & Qt::ShiftModifier) != 0);
+    return;
   }
+  if (event->key() == Qt::Key_Space) return UseToolInTheMiddle();
   if (!MoveByKey(*event)) QWidget::keyPressEvent(event);
+}
+
+void LayoutCanvas::UseToolInTheMiddle() {
+  const QRectF seen = ObjectRect().intersected(visibleRegion().boundingRect());
+  if (scene_.tool == Tool::ZoomIn || scene_.tool == Tool::ZoomOut)
+    return ClickZoom(seen.center(), scene_.tool == Tool::ZoomIn);
+  if (!DrawsNew(scene_.tool) || seen.isEmpty()) return;
+  QRectF place(QPointF(), seen.size() / (2 * Scale()));
+  if (scene_.tool == Tool::Text) place.setHeight(std::min(place.height(), kTextHeight));
+  place.moveCenter(MillimetresAt(seen.center()));
+  emit Drawn(place);
+}
+
+void LayoutCanvas::Choose(std::size_t element, bool extend) {
+  scene_.editor.Click(element, extend);
+  update();
+  TellSelection();
+  emit SelectionChanged();
 }
 
 void LayoutCanvas::TellSelection() {
