@@ -17,6 +17,7 @@
 #include "platform/disc/recorder_buffer.h"
 #include "platform/disc/recorder_pages.h"
 #include "platform/disc/virtual_drive.h"
+#include "platform/files/disk_calls.h"
 #include "platform/files/files.h"
 #include "platform/files/input_file.h"
 #include "platform/files/paths.h"
@@ -67,14 +68,12 @@ class SectorFile {
     return file_ ? Outcome::Success : Outcome::TargetFailed;
   }
   Outcome Write(Lba address, ByteView data) {
-    auto offset =
-        (std::int64_t{address.value} + kPregapSectors) * static_cast<std::int64_t>(kAudioSectorBytes);
+    auto offset = static_cast<std::uint64_t>(address.value + kPregapSectors) * kAudioSectorBytes;
     while (!data.empty()) {
-      const ssize_t written = ::pwrite(file_.Get(), data.data(), data.size(), offset);
-      if (written < 0 && errno == EINTR) continue;
+      const ssize_t written = Disk().Write(file_.Get(), data, offset);
       if (written <= 0) return Outcome::WriteFailed;
       data = data.subspan(static_cast<std::size_t>(written));
-      offset += written;
+      offset += static_cast<std::uint64_t>(written);
     }
     return Outcome::Success;
   }
