@@ -174,7 +174,7 @@ click 500 78
 sleep 0.5
 keys End Up Return
 sleep 2
-click 620 135
+# A disc is copied whole: no track is marked.
 change_to '^CD-Kopierer-Parameter' || fail "no tile opens the copier"
 picture 21-copier
 keys Return
