@@ -17,8 +17,7 @@ bool SectorPipe::Write(ByteView bytes) {
     std::size_t room = 0;
     {
       std::unique_lock lock(mutex_);
-      // Once it is full, a good deal must be free before it is worth while to go on.
-      const std::size_t enough = count_ == ring_.size() ? (ring_.size() + 3) / 4 : 1;
+      const std::size_t enough = count_ == ring_.size() ? Quarter() : 1;
       room_.wanted = enough;
       room_.came.wait(lock, [&] { return readingClosed_ || ring_.size() - count_ >= enough; });
       room_.wanted = 0;
@@ -29,9 +28,9 @@ bool SectorPipe::Write(ByteView bytes) {
     const std::size_t part = std::min(room, bytes.size());
     std::copy_n(bytes.begin(), part, ring_.begin() + static_cast<std::ptrdiff_t>(at));
     bytes = bytes.subspan(part);
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     count_ += part;
-    data_.Tell(count_);
+    data_.Tell(count_, lock);
   }
   return true;
 }
@@ -47,8 +46,11 @@ std::size_t SectorPipe::Read(std::span<std::uint8_t> out) {
 }
 
 std::size_t SectorPipe::ReadSome(std::span<std::uint8_t> out) {
-  std::size_t there = AwaitData(out.size(), kPatience);
-  if (there == 0) there = AwaitData(1);
+  std::size_t there = 0;
+  for (bool ended = false; there == 0 && !ended;) {
+    ended = Ended();
+    there = AwaitData(out.size(), kPatience);
+  }
   return Take(out, there);
 }
 
@@ -56,10 +58,11 @@ void SectorPipe::WaitForReserve() {
   (void)AwaitData(ring_.size());
 }
 
-// More than half of the ring is never waited for: the writing side rests with no less in it.
+// More than half of the ring is never waited for: the writing side rests with more in it.
 std::size_t SectorPipe::AwaitData(std::size_t bytes, std::optional<std::chrono::milliseconds> patience) {
   std::unique_lock lock(mutex_);
-  const std::size_t enough = std::min(bytes, (ring_.size() + 1) / 2);
+  const std::size_t wanted = count_ >= bytes ? bytes : std::max(bytes, Quarter());
+  const std::size_t enough = std::min(wanted, (ring_.size() + 1) / 2);
   const auto ready = [&] { return writingClosed_ || count_ >= enough; };
   data_.wanted = enough;
   if (patience) {
@@ -78,10 +81,10 @@ std::size_t SectorPipe::Take(std::span<std::uint8_t> out, std::size_t there) {
     std::copy_n(ring_.begin() + static_cast<std::ptrdiff_t>(first_), part,
                 out.begin() + static_cast<std::ptrdiff_t>(done));
     done += part;
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
     first_ = (first_ + part) % ring_.size();
     count_ -= part;
-    room_.Tell(ring_.size() - count_);
+    room_.Tell(ring_.size() - count_, lock);
   }
   return wanted;
 }
@@ -91,6 +94,11 @@ void SectorPipe::Close(bool& side) {
   side = true;
   data_.came.notify_all();
   room_.came.notify_all();
+}
+
+bool SectorPipe::Ended() const {
+  const std::lock_guard lock(mutex_);
+  return writingClosed_;
 }
 
 double SectorPipe::Fill() const {

@@ -40,15 +40,21 @@ class SectorPipe {
     std::condition_variable came;
     std::size_t wanted = 0;  // bytes; 0: nobody waits
 
-    void Tell(std::size_t there) {
-      if (wanted > 0 && there >= wanted) came.notify_one();
+    // Unlocks, so that who wakes does not run into the lock.
+    void Tell(std::size_t there, std::unique_lock<std::mutex>& lock) {
+      const bool enough = wanted > 0 && there >= wanted;
+      lock.unlock();
+      if (enough) came.notify_one();
     }
   };
   // Bytes that are there when enough of them are, at the end, or when the patience is over.
   [[nodiscard]] std::size_t AwaitData(std::size_t bytes,
                                       std::optional<std::chrono::milliseconds> patience = {});
+  // Who has to wait waits for so much: it is not woken for a little.
+  [[nodiscard]] std::size_t Quarter() const { return (ring_.size() + 3) / 4; }
   [[nodiscard]] std::size_t Take(std::span<std::uint8_t> out, std::size_t there);
   void Close(bool& side);
+  [[nodiscard]] bool Ended() const;
 
   std::vector<std::uint8_t> ring_;
   std::size_t first_ = 0;
