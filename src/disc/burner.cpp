@@ -37,7 +37,7 @@ class BurnRun {
       run_.Result().titles.labels = {texts::CountTracksBurnt, texts::CountTracksNotBurnt, std::nullopt,
                                      std::nullopt};
     const DiscOutcome outcome = Burn();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
+    AddOutcome(run_, outcome);
     if (outcome.code == Code(Outcome::Cancelled)) {
       run_.StatusText(Text(texts::StoppedByUser));
       run_.Result().cancelled = true;

@@ -61,7 +61,7 @@ class CopyRun {
 
   void Execute() {
     const DiscOutcome outcome = Copy();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
+    AddOutcome(run_, outcome);
     if (outcome.code == Code(Outcome::Cancelled)) {
       run_.StatusText(Text(texts::StoppedByUser));
       run_.Result().cancelled = true;
