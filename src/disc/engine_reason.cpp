@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "disc/texts.h"
+#include "disc/track_reader.h"
 
 namespace ts5::disc {
 namespace {
@@ -19,6 +20,10 @@ constexpr EngineError kSense = 0xFEFF'FFFF;
 constexpr EngineError kKey = 0xFEFF'0000;
 constexpr EngineError kKeyAndCode = 0xFEFF'FF00;
 constexpr Reason kReasons[] = {
+    {kAll, engine::kNotCreated, texts::ReasonFolder},
+    {kAll, engine::kHeaderNotWritten, texts::ReasonFolder},
+    {kAll, engine::kFileNotWritten, texts::ReasonFolder},
+    {kAll, engine::kChunkNotClosed, texts::ReasonFolder},
     {kAll, engine::kSourceRead, texts::ReasonSource},
     {kAll, engine::kSourceOpen, texts::ReasonSource},
     {kAll, engine::kCueSheet, texts::ReasonCueSheet},

@@ -220,7 +220,7 @@ bool EditGrabber(Job& job, Application& /*application*/, DialogHost& host, QWidg
   constexpr int kTracksWithoutDisc = 20;
   auto& parameters = static_cast<disc::GrabParameters&>(*job.parameters);
   const auto disc = disc::WithDrive([&] { return FindAudioCd(job.directory.path); });
-  const int tracks = disc ? static_cast<int>(disc->tracks.size()) : kTracksWithoutDisc;
+  const int tracks = disc ? disc->tracks.back().number : kTracksWithoutDisc;
   Attributes attributes = parameters.attributes;
   disc::GrabDialog dialog(parameters, tracks, EncoderChoices(attributes, host), host, owner);
   if (dialog.exec() != QDialog::Accepted) return false;
