@@ -91,7 +91,7 @@ class BurnRun {
   bool PrepareItem(std::size_t index) {
     PreparedFile file = intermediate_.Prepare(index);
     const bool stopped = file.outcome.code == Code(Outcome::Cancelled);
-    if (!file.usable && !stopped) run_.AddStatus({file.outcome.code, false, file.outcome.number});
+    if (!file.usable && !stopped) AddOutcome(run_, file.outcome);
     files_.push_back(std::move(file));
     return !stopped;
   }

@@ -189,7 +189,7 @@ class CopyRun {
         run_.StatusText(Text(texts::TrackNotRead));
         ++failed;
         failure = {code::kTrackNotRead, static_cast<std::int32_t>(error)};
-        run_.AddStatus({failure.code, false, failure.number});
+        AddOutcome(run_, failure);
         continue;
       }
       ++tracksRead_;

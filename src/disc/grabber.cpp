@@ -10,7 +10,6 @@
 #include "audio/encode/texts.h"
 #include "audio/tags/attribute_names.h"
 #include "audio/wave_file.h"
-#include "disc/crc32.h"
 #include "disc/disc_codes.h"
 #include "disc/disc_memory.h"
 #include "disc/grab_parameters.h"
@@ -26,6 +25,7 @@
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/disc/drive_claim.h"
+#include "platform/files/digest.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
 
@@ -200,8 +200,7 @@ class GrabRun {
     run_.StatusText(
         Format(Text(texts::TrackReadHead), std::to_string(piece.number)) +
         Format(Text(texts::TrackReadTail), piece.number, took / 60'000, took / 1000 % 60, took % 1000));
-    run_.ProtocolLine(
-        Format(Text(texts::GrabProtocol), piece.number, piece.sectors, Crc32Text(crc.Value()), bad));
+    run_.ProtocolLine(Format(Text(texts::GrabProtocol), piece.number, piece.sectors, crc.Text(), bad));
   }
 
   Outcome Compress(const Piece& piece, const std::string& raw, PieceTarget& target) {

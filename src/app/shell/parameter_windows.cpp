@@ -212,7 +212,7 @@ bool EditCopier(disc::CopyParameters& parameters, const EditPlace& place) {
 bool EditGrabber(disc::GrabParameters& parameters, const EditPlace& place) {
   constexpr int kTracksWithoutDisc = 20;
   const auto disc = disc::WithDrive([&] { return FindAudioCd(place.job.directory.path); });
-  const int tracks = disc ? static_cast<int>(disc->tracks.size()) : kTracksWithoutDisc;
+  const int tracks = disc ? disc->tracks.back().number : kTracksWithoutDisc;
   Attributes attributes = parameters.attributes;
   disc::GrabDialog dialog(parameters, tracks, EncoderChoices(attributes, place.host), place.host,
                           place.owner);

@@ -4,13 +4,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <cstdint>
 #include <string>
 
 #include "platform/base/bytes.h"
 #include "platform/base/descriptor.h"
 #include "platform/base/outcome.h"
 #include "platform/disc/disc_address.h"
+#include "platform/files/disk_calls.h"
 
 namespace ts5 {
 
@@ -22,14 +23,12 @@ class SectorFile {
     return file_ ? Outcome::Success : Outcome::TargetFailed;
   }
   Outcome Write(Lba address, ByteView data) {
-    auto offset =
-        (std::int64_t{address.value} + kPregapSectors) * static_cast<std::int64_t>(kAudioSectorBytes);
+    auto offset = static_cast<std::uint64_t>(address.value + kPregapSectors) * kAudioSectorBytes;
     while (!data.empty()) {
-      const ssize_t written = ::pwrite(file_.Get(), data.data(), data.size(), offset);
-      if (written < 0 && errno == EINTR) continue;
+      const ssize_t written = Disk().Write(file_.Get(), data, offset);
       if (written <= 0) return Outcome::WriteFailed;
       data = data.subspan(static_cast<std::size_t>(written));
-      offset += written;
+      offset += static_cast<std::uint64_t>(written);
     }
     return Outcome::Success;
   }
