@@ -1,14 +1,17 @@
 #include "platform/media/ffmpeg_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "platform/files/paths.h"
 #include "platform/media/ffmpeg.h"
+#include "platform/media/mp3_frame.h"
 #include "platform/media/mp3_length.h"
 
 namespace ts5 {
@@ -71,6 +74,44 @@ struct FileStream {
     return offset;
   }
 };
+
+struct Mark {
+  std::size_t offset;
+  std::string_view bytes;
+  const char* demuxer;
+};
+constexpr Mark kMarks[] = {
+    {0, "fLaC", "flac"},
+    {0, "MAC ", "ape"},
+    {0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11", "asf"},
+    {4, "ftyp", "mov"},
+};
+
+// Two frames of layer III one behind the other, of one rate.
+bool BeginsAsMp3(const InputFile& file) {
+  const std::uint64_t at = BehindId3(file);
+  const auto headerAt = [&file](std::uint64_t offset) -> std::optional<Mp3Header> {
+    std::array<std::uint8_t, 4> bytes{};
+    const auto got = file.ReadAt(offset, bytes);
+    return got ? ParseMp3Header(ByteView(bytes).first(*got)) : std::nullopt;
+  };
+  const auto first = headerAt(at);
+  const auto second = first ? headerAt(at + first->size) : std::nullopt;
+  return second && second->sampleRate == first->sampleRate;
+}
+
+// The demuxer of a file that leaves no doubt; nullptr: the library asks all of its demuxers, which takes
+// longer than opening the file.
+const AVInputFormat* CertainDemuxer(const InputFile& file) {
+  std::array<std::uint8_t, 16> start{};
+  const auto got = file.ReadAt(0, start);
+  const std::string_view text = AsText(ByteView(start).first(got.value_or(0)));
+  for (const Mark& mark : kMarks) {
+    if (text.size() > mark.offset && text.substr(mark.offset).starts_with(mark.bytes))
+      return av_find_input_format(mark.demuxer);
+  }
+  return BeginsAsMp3(file) ? av_find_input_format("mp3") : nullptr;
+}
 
 struct NamedContainer {
   const char* name;
@@ -332,7 +373,8 @@ class LibraryReader final : public MediaReader {
     context->codec_whitelist = av_strdup(kDecoders);
     // The name helps to tell the kind; nothing is opened by it.
     const std::string name(FileNameOf(path));
-    if (avformat_open_input(&context, name.c_str(), nullptr, nullptr) < 0) {  // which frees the context
+    if (avformat_open_input(&context, name.c_str(), CertainDemuxer(stream_.file), nullptr) <
+        0) {  // which frees the context
       return stream_.failed ? Outcome::ReadFailed : Outcome::WrongFormat;
     }
     container_.reset(context);
