@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/files/paths.h"
+#include "platform/media/certain_demuxer.h"
 #include "platform/media/ffmpeg.h"
 #include "platform/media/ffmpeg_format.h"
 #include "platform/media/ffmpeg_stream.h"
@@ -130,7 +131,8 @@ class LibraryReader final : public MediaReader {
     context->codec_whitelist = av_strdup(kDecoders);
     // The name helps to tell the kind; nothing is opened by it.
     const std::string name(FileNameOf(path));
-    if (avformat_open_input(&context, name.c_str(), nullptr, nullptr) < 0) {  // which frees the context
+    if (avformat_open_input(&context, name.c_str(), ffmpeg::CertainDemuxer(stream_.file), nullptr) <
+        0) {  // which frees the context
       return stream_.failed ? Outcome::ReadFailed : Outcome::WrongFormat;
     }
     container_.reset(context);
