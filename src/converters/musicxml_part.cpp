@@ -148,7 +148,7 @@ class PartReader {
     }
     last_ = first;
     piecesEnd_ = at_.part.groups.size();
-    if (rest) return ReadNotations(at_.reading, at_.part, open_, first, node, at_.Place(staff));
+    if (rest) return ReadMarks(first, node, staff);
     ReadChordNote(node, staff);
   }
 
@@ -255,11 +255,19 @@ class PartReader {
     group.item.pitches.push_back(*pitch);
     group.item.group.notes.emplace_back();
     group.ties.push_back(TiesOf(node));
-    TakeAccidental(node, group);
-    ReadNotations(at_.reading, at_.part, open_, last_, node, at_.Place(staff));
-    ReadLyrics(at_.reading, at_.part, open_, last_, node, at_.Place(staff));
-    ReadLooks(at_.reading, group, node, at_.Place(staff));
+    ReadMarks(last_, node, staff);
     ContinuePieces();
+  }
+
+  // What hangs on a note or rest.
+  void ReadMarks(std::size_t index, pugi::xml_node node, std::size_t staff) {
+    if (at_.reading.notesAlone) return;
+    Group& group = at_.part.groups[index];
+    ReadNotations(at_.reading, at_.part, open_, index, node, at_.Place(staff));
+    if (group.item.group.isRest) return;
+    TakeAccidental(node, group);
+    ReadLyrics(at_.reading, at_.part, open_, index, node, at_.Place(staff));
+    ReadLooks(at_.reading, group, node, at_.Place(staff));
   }
 
   static void TakeAccidental(pugi::xml_node node, Group& group) {

@@ -119,7 +119,8 @@ struct Score {
 struct Reading {
   Score& score;
   const CancelCheck& cancelled;
-  std::optional<ScoreFault> fault;
+  std::optional<ScoreFault> fault = {};
+  bool notesAlone = false;  // what hangs on notes is passed over
   void Fail(int bar, int staff, Outcome code = Outcome::SourceFailed) {
     if (!fault) fault = ScoreFault{code, bar, staff};
   }

@@ -21,7 +21,15 @@ struct ScoreWithLosses {
 template <typename T>
 using ScoreResult = tl::expected<T, ScoreFault>;
 
+// How much of a score is read.
+enum class ScoreDetail : std::uint8_t {
+  Whole,  // all of it, and what it loses
+  Music,  // without a look for what it loses, for those that do not tell
+  Notes,  // notes and rests in their bars, voices and systems, without what hangs on them
+};
+
 // WrongFormat: no MusicXML; SourceFailed: a damaged file, with the place where that is known; Cancelled.
-[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {});
+[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {},
+                                                        ScoreDetail detail = ScoreDetail::Whole);
 
 }  // namespace ts5

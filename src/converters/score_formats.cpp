@@ -88,12 +88,12 @@ std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name) {
   return found->format;
 }
 
-ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled) {
+ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled, ScoreDetail detail) {
   const auto format = ScoreFormatOf(file);
   if (!format) return tl::unexpected<ScoreFault>(ScoreFault{Outcome::WrongFormat});
   if (*format == ScoreFormat::Score) return ReadScoreFile(file, cancelled);
   if (*format == ScoreFormat::StvXml) return ReadStvXml(file, cancelled);
-  return ReadMusicXml(file, cancelled);
+  return ReadMusicXml(file, cancelled, detail);
 }
 
 Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,
@@ -113,7 +113,7 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
 Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
   const auto format = ScoreFormatOf(file);
   if (!format || *format == ScoreFormat::Score) return file;
-  const auto score = ReadAnyScore(file, cancelled);
+  const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Music);
   if (!score) return Failure(score.error().code);
   return WriteScore(score->document);
 }
