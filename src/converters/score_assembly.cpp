@@ -291,6 +291,7 @@ class PartAssembly {
     const auto& content = contents_[measure];
     if (staff >= content.size() || slot >= content[staff].size()) return;
     Fraction now;
+    items.reserve(content[staff][slot].size());
     for (const std::size_t index : content[staff][slot]) {
       Group& group = part_.groups[index];
       if (group.start > now) {
@@ -314,6 +315,10 @@ class PartAssembly {
   // The notes of a chord from low to high.
   static void SortChord(Group& group) {
     auto& pitches = group.item.pitches;
+    group.item.courtesy = group.shown;
+    group.item.bracketed = group.bracketed;
+    const auto low = [](const SpelledPitch& a, const SpelledPitch& b) { return a.Key() < b.Key(); };
+    if (std::ranges::is_sorted(pitches, low)) return;
     std::vector<std::size_t> order(pitches.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::stable_sort(order, {}, [&](std::size_t i) { return pitches[i].Key(); });

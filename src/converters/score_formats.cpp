@@ -37,6 +37,16 @@ constexpr RootElement kRoots[] = {
     {"<stvx", ScoreFormat::StvXml},
 };
 
+// The first of the roots in a text of single bytes.
+std::optional<ScoreFormat> FormatOfRoot(std::string_view text) {
+  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+    const auto* const root = std::ranges::find_if(
+        kRoots, [&](const RootElement& known) { return text.substr(at).starts_with(known.start); });
+    if (root != std::end(kRoots)) return root->format;
+  }
+  return std::nullopt;
+}
+
 ScoreResult<ScoreWithLosses> ReadScoreFile(ByteView file, const CancelCheck& cancelled) {
   auto document = ReadScore(file, cancelled);
   if (document) return ScoreWithLosses{std::move(*document), {}};
@@ -69,16 +79,15 @@ Bytes Copy(std::string_view text) {
 
 std::optional<ScoreFormat> ScoreFormatOf(ByteView file) {
   constexpr std::size_t kLooked = std::size_t{64} << 10;
+  constexpr std::size_t kWidest = 4;  // bytes of a character
   const std::string_view text = AsText(file.first(std::min(file.size(), kLooked)));
   if (text.starts_with("stv3")) return ScoreFormat::Score;
   if (LooksLikeZip(file)) return ScoreFormat::CompressedMusicXml;
+  if (text.substr(0, kWidest).find('\0') == std::string_view::npos) return FormatOfRoot(text);
   // Of wider characters the zero bytes are left out.
   std::string narrow(text);
   std::erase(narrow, '\0');
-  for (const RootElement& root : kRoots) {
-    if (narrow.find(root.start) != std::string::npos) return root.format;
-  }
-  return std::nullopt;
+  return FormatOfRoot(narrow);
 }
 
 std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name) {

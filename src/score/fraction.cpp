@@ -24,7 +24,7 @@ Wide RoundedQuotient(Wide numerator, Wide denominator) {
 // The denominator is above 0. Most are powers of 2, for which shifting is enough.
 Parts Reduced(std::int64_t numerator, std::int64_t denominator) {
   const auto bits = static_cast<std::uint64_t>(denominator);
-  if (std::has_single_bit(bits) && numerator != 0) {
+  if ((bits & (bits - 1)) == 0 && numerator != 0) {
     const int shift =
         std::min(std::countr_zero(bits), std::countr_zero(static_cast<std::uint64_t>(numerator)));
     return {numerator >> shift, denominator >> shift};

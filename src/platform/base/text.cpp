@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <charconv>
+#include <cstring>
 #include <limits>
 
 #include "platform/base/casts.h"
@@ -178,9 +179,21 @@ std::u16string Utf16FromUtf8(std::string_view text) {
 }
 
 bool IsUtf8(std::string_view text) {
-  bool valid = true;
-  ForEachCharacter(text, [&](const Decoded& decoded) { valid = valid && decoded.valid; });
-  return valid;
+  while (!text.empty()) {
+    // Most texts are ASCII nearly throughout: eight bytes at a time.
+    std::uint64_t eight = 0;
+    if (text.size() >= sizeof(eight)) {
+      std::memcpy(&eight, text.data(), sizeof(eight));
+      if ((eight & 0x8080808080808080U) == 0) {
+        text.remove_prefix(sizeof(eight));
+        continue;
+      }
+    }
+    const Decoded decoded = DecodeUtf8(text);
+    if (!decoded.valid) return false;
+    text.remove_prefix(decoded.length);
+  }
+  return true;
 }
 
 std::size_t CharacterCount(std::string_view text) {
