@@ -30,14 +30,29 @@ inline constexpr auto kNoteParts = std::to_array<std::string_view>(
     {"accidental", "chord", "cue", "dot", "duration", "grace", "instrument", "notations", "pitch", "rest",
      "staff", "tie", "time-modification", "type", "unpitched", "voice"});
 
+// The first letter and the length tell the names apart.
+constexpr std::size_t PlaceOfName(std::string_view name) {
+  return (static_cast<unsigned char>(name[0]) & 31U) * 4 + name.size() % 4;
+}
+inline constexpr auto kPartAtPlace = [] {
+  std::array<std::uint8_t, 128> table{};
+  table.fill(kNoteParts.size());
+  for (std::size_t i = 0; i < kNoteParts.size(); ++i)
+    table[PlaceOfName(kNoteParts[i])] = static_cast<std::uint8_t>(i);
+  return table;
+}();
+static_assert(kNoteParts.size() ==
+              static_cast<std::size_t>(std::ranges::count_if(kPartAtPlace, [](std::size_t i) {
+                return i < kNoteParts.size();
+              })));
+
 class NoteParts {
  public:
   explicit NoteParts(pugi::xml_node note) : note_(note) {
     for (pugi::xml_node child = note.first_child(); child; child = child.next_sibling()) {
-      const auto* const found = std::ranges::find(kNoteParts, std::string_view(child.name()));
-      if (found == kNoteParts.end()) continue;
-      pugi::xml_node& part = parts_[static_cast<std::size_t>(found - kNoteParts.begin())];
-      if (!part) part = child;
+      const std::string_view name = child.name();
+      const std::size_t index = name.empty() ? kNoteParts.size() : kPartAtPlace[PlaceOfName(name)];
+      if (index < kNoteParts.size() && name == kNoteParts[index] && !parts_[index]) parts_[index] = child;
     }
   }
 

@@ -1,6 +1,8 @@
 #include "converters/score_assembly.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -26,6 +28,12 @@ constexpr std::size_t kChordsBetween = 1024;
 struct ChordAt {
   Fraction at;
   std::size_t group = 0;
+};
+
+// Notes of a chord, as bits, that are tied to one before and onward.
+struct TiedNotes {
+  std::uint32_t fromBefore = 0;
+  std::uint32_t onward = 0;
 };
 
 // Orders the numbers of voices by their value, other names behind them.
@@ -82,43 +90,51 @@ class PartAssembly {
 
   // Which voice of its staff each group goes to: that of its number, or another that is free, where groups
   // overlap.
+  using VoiceEnds = std::array<Fraction, kMaxVoices>;  // where each voice of a staff has come to
   template <typename Stopped>
   bool Allot(const Stopped& stopped) {
     names_.assign(part_.staves, VoiceNames(VoiceBefore));
-    for (const Group& group : part_.groups) names_[group.staff].try_emplace(group.voice);
+    const Group* before = nullptr;
+    for (const Group& group : part_.groups) {
+      if (before == nullptr || before->staff != group.staff || before->voice != group.voice)
+        names_[group.staff].try_emplace(group.voice);
+      before = &group;
+    }
     for (VoiceNames& names : names_) {
       std::size_t number = 0;
       for (auto& [name, slot] : names) slot = number++;
     }
     slots_.assign(part_.staves, 1);
     contents_.resize(part_.measures.size());
+    std::vector<VoiceEnds> ends(part_.staves);
+    std::vector<std::size_t> order;
+    const auto startOf = [this](std::size_t i) { return part_.groups[i].start; };
     for (std::size_t m = 0; m < part_.measures.size(); ++m) {
       if (m % kBarsBetween == 0 && stopped()) return false;
       const Measure& measure = part_.measures[m];
-      std::vector<std::vector<Fraction>> ends(part_.staves, std::vector<Fraction>(kMaxVoices));
+      std::ranges::fill(ends, VoiceEnds{});
       auto& content = contents_[m];
       content.resize(part_.staves);
-      std::vector<std::size_t> order(measure.groups);
+      order.resize(measure.groups);
       std::iota(order.begin(), order.end(), measure.first);
-      std::ranges::stable_sort(order, {}, [this](std::size_t i) { return part_.groups[i].start; });
-      for (const std::size_t index : order) {
-        Group& group = part_.groups[index];
-        const std::size_t wanted = SlotOf(group.staff, group.voice);
-        PlaceGroup(index, m, wanted, ends[group.staff], content[group.staff]);
-      }
+      if (!std::ranges::is_sorted(order, {}, startOf)) std::ranges::stable_sort(order, {}, startOf);
+      for (const std::size_t index : order) PlaceGroup(index, m, ends, content);
     }
     return true;
   }
 
   [[nodiscard]] std::size_t SlotOf(std::size_t staff, const std::string& voice) const {
+    if (names_[staff].size() == 1 && names_[staff].begin()->first == voice) return 0;
     const auto found = names_[staff].find(voice);
     return found == names_[staff].end() ? names_[staff].size() : found->second;
   }
 
-  void PlaceGroup(std::size_t index, std::size_t measure, std::size_t wanted, std::vector<Fraction>& ends,
-                  std::vector<std::vector<std::size_t>>& content) {
+  void PlaceGroup(std::size_t index, std::size_t measure, std::vector<VoiceEnds>& allEnds,
+                  std::vector<std::vector<std::vector<std::size_t>>>& staves) {
     Group& group = part_.groups[index];
-    std::size_t slot = wanted;
+    VoiceEnds& ends = allEnds[group.staff];
+    auto& content = staves[group.staff];
+    std::size_t slot = SlotOf(group.staff, group.voice);
     if (slot >= kMaxVoices || ends[slot] > group.start) {
       // A rest is no music that another voice would be needed for.
       if (group.item.group.isRest) return;
@@ -196,9 +212,8 @@ class PartAssembly {
       for (const auto& chords : staff) all.insert(all.end(), chords.begin(), chords.end());
     }
     std::ranges::sort(all, {}, [](const ChordAt& chord) { return std::pair(chord.at, chord.group); });
-    std::vector<std::vector<std::uint8_t>> found(part_.groups.size());
+    std::vector<TiedNotes> found(part_.groups.size());
     std::vector<std::size_t> next(part_.groups.size(), SIZE_MAX);  // the chord that all its notes go on to
-    for (const ChordAt& chord : all) found[chord.group].resize(part_.groups[chord.group].ties.size());
     std::size_t linked = 0;
     for (const ChordAt& chord : all) {
       if (++linked % kChordsBetween == 0 && stopped()) return false;
@@ -209,8 +224,8 @@ class PartAssembly {
     return true;
   }
 
-  void LinkTies(const ChordAt& chord, const std::vector<ChordAt>& all,
-                std::vector<std::vector<std::uint8_t>>& found, std::vector<std::size_t>& next) {
+  void LinkTies(const ChordAt& chord, const std::vector<ChordAt>& all, std::vector<TiedNotes>& found,
+                std::vector<std::size_t>& next) {
     Group& group = part_.groups[chord.group];
     const Fraction end = chord.at + group.length;
     for (std::size_t n = 0; n < group.ties.size(); ++n) {
@@ -222,9 +237,9 @@ class PartAssembly {
         Group& target = part_.groups[other->group];
         for (std::size_t k = 0; k < target.item.pitches.size() && !linked; ++k) {
           if (target.item.pitches[k].Key() != group.item.pitches[n].Key()) continue;
-          if ((found[other->group][k] & kTieFromBefore) != 0) continue;
-          found[other->group][k] |= kTieFromBefore;
-          found[chord.group][n] |= kTieOnward;
+          if ((found[other->group].fromBefore >> k & 1U) != 0) continue;
+          found[other->group].fromBefore |= 1U << k;
+          found[chord.group].onward |= 1U << n;
           next[chord.group] = other->group;
           linked = true;
         }
@@ -234,14 +249,17 @@ class PartAssembly {
     }
   }
 
-  static bool All(const std::vector<std::uint8_t>& ties, std::uint8_t bit) {
-    return !ties.empty() && std::ranges::all_of(ties, [bit](std::uint8_t tie) { return (tie & bit) != 0; });
-  }
-
-  static void SettleTies(Group& group, const std::vector<std::uint8_t>& found) {
-    group.ties = found;
-    group.item.group.tieFromBefore = All(found, kTieFromBefore);
-    group.item.group.tieOnward = All(found, kTieOnward);
+  static void SettleTies(Group& group, TiedNotes found) {
+    const std::size_t notes = group.ties.size();
+    for (std::size_t n = 0; n < notes; ++n) {
+      group.ties[n] = static_cast<std::uint8_t>((found.fromBefore >> n & 1U) * kTieFromBefore |
+                                                (found.onward >> n & 1U) * kTieOnward);
+    }
+    const auto all = [notes](std::uint32_t bits) {
+      return notes > 0 && static_cast<std::size_t>(std::popcount(bits)) == notes;
+    };
+    group.item.group.tieFromBefore = all(found.fromBefore);
+    group.item.group.tieOnward = all(found.onward);
   }
 
   // A chord is tied as a whole only to the chord that follows it in its voice, when that one is as a whole

@@ -15,6 +15,14 @@ struct Parts {
   std::int64_t denominator;
 };
 
+// Music has small numbers: products of two of these, and sums of two such products, need no more than 64
+// bits.
+constexpr std::int64_t kSmall = std::int64_t{1} << 30;
+
+bool IsSmall(std::int64_t numerator) {
+  return numerator > -kSmall && numerator < kSmall;
+}
+
 Wide RoundedQuotient(Wide numerator, Wide denominator) {
   const Wide doubled = 2 * numerator + denominator;
   const Wide quotient = doubled / (2 * denominator);
@@ -35,9 +43,6 @@ Parts Reduced(std::int64_t numerator, std::int64_t denominator) {
 
 // The denominator is above 0.
 Parts Fitting(Wide numerator, Wide denominator) {
-  if (numerator > -Fraction::kMostWholes && numerator < Fraction::kMostWholes &&
-      denominator <= Fraction::kMaxDenominator)
-    return Reduced(static_cast<std::int64_t>(numerator), static_cast<std::int64_t>(denominator));
   if (numerator >= -INT64_MAX && numerator <= INT64_MAX && denominator <= INT64_MAX) {
     const Parts parts = Reduced(static_cast<std::int64_t>(numerator), static_cast<std::int64_t>(denominator));
     numerator = parts.numerator;
@@ -64,7 +69,21 @@ Parts PartsOf(Wide numerator, Wide denominator) {
 }  // namespace
 
 struct Fraction::Maker {
-  static Fraction Make(Wide numerator, Wide denominator) {
+  static bool AreSmall(const Fraction& a, const Fraction& b) {
+    return IsSmall(a.numerator_) && IsSmall(b.numerator_);
+  }
+  static Fraction Make(std::int64_t numerator, std::int64_t denominator) {
+    if (denominator > 0 && denominator <= kMaxDenominator && numerator > -kMostWholes &&
+        numerator < kMostWholes) {
+      const Parts parts = Reduced(numerator, denominator);
+      Fraction made;
+      made.numerator_ = parts.numerator;
+      made.denominator_ = parts.denominator;
+      return made;
+    }
+    return MakeWide(numerator, denominator);
+  }
+  static Fraction MakeWide(Wide numerator, Wide denominator) {
     Fraction made;
     const Parts parts = PartsOf(numerator, denominator);
     made.numerator_ = parts.numerator;
@@ -83,10 +102,15 @@ std::int64_t Fraction::In(std::int64_t perWhole) const {
 }
 
 Fraction Fraction::operator+(const Fraction& other) const {
+  if (Maker::AreSmall(*this, other)) {
+    if (denominator_ == other.denominator_) return Maker::Make(numerator_ + other.numerator_, denominator_);
+    return Maker::Make(numerator_ * other.denominator_ + other.numerator_ * denominator_,
+                       denominator_ * other.denominator_);
+  }
   if (denominator_ == other.denominator_)
-    return Maker::Make(Wide{numerator_} + other.numerator_, denominator_);
-  return Maker::Make(Wide{numerator_} * other.denominator_ + Wide{other.numerator_} * denominator_,
-                     Wide{denominator_} * other.denominator_);
+    return Maker::MakeWide(Wide{numerator_} + other.numerator_, denominator_);
+  return Maker::MakeWide(Wide{numerator_} * other.denominator_ + Wide{other.numerator_} * denominator_,
+                         Wide{denominator_} * other.denominator_);
 }
 
 Fraction Fraction::operator-(const Fraction& other) const {
@@ -96,16 +120,22 @@ Fraction Fraction::operator-(const Fraction& other) const {
 }
 
 Fraction Fraction::operator*(const Fraction& other) const {
-  return Maker::Make(Wide{numerator_} * other.numerator_, Wide{denominator_} * other.denominator_);
+  if (Maker::AreSmall(*this, other))
+    return Maker::Make(numerator_ * other.numerator_, denominator_ * other.denominator_);
+  return Maker::MakeWide(Wide{numerator_} * other.numerator_, Wide{denominator_} * other.denominator_);
 }
 
 Fraction Fraction::operator/(const Fraction& other) const {
   if (other.IsZero()) return {};
-  return Maker::Make(Wide{numerator_} * other.denominator_, Wide{denominator_} * other.numerator_);
+  if (Maker::AreSmall(*this, other))
+    return Maker::Make(numerator_ * other.denominator_, denominator_ * other.numerator_);
+  return Maker::MakeWide(Wide{numerator_} * other.denominator_, Wide{denominator_} * other.numerator_);
 }
 
 std::strong_ordering Fraction::operator<=>(const Fraction& other) const {
   if (denominator_ == other.denominator_) return numerator_ <=> other.numerator_;
+  if (Maker::AreSmall(*this, other))
+    return numerator_ * other.denominator_ <=> other.numerator_ * denominator_;
   const Wide left = Wide{numerator_} * other.denominator_;
   const Wide right = Wide{other.numerator_} * denominator_;
   if (left < right) return std::strong_ordering::less;

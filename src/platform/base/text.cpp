@@ -180,12 +180,12 @@ std::u16string Utf16FromUtf8(std::string_view text) {
 
 bool IsUtf8(std::string_view text) {
   while (!text.empty()) {
-    // Most texts are ASCII nearly throughout: eight bytes at a time.
-    std::uint64_t eight = 0;
-    if (text.size() >= sizeof(eight)) {
-      std::memcpy(&eight, text.data(), sizeof(eight));
-      if ((eight & 0x8080808080808080U) == 0) {
-        text.remove_prefix(sizeof(eight));
+    // Most texts are ASCII nearly throughout, of which many bytes are looked at together.
+    std::array<std::uint64_t, 4> together{};
+    if (text.size() >= sizeof(together)) {
+      std::memcpy(together.data(), text.data(), sizeof(together));
+      if (((together[0] | together[1] | together[2] | together[3]) & 0x8080808080808080U) == 0) {
+        text.remove_prefix(sizeof(together));
         continue;
       }
     }
