@@ -511,7 +511,8 @@ class PartWriter {
     const auto v = static_cast<std::size_t>(&voice - voices_[staff].data());
     const bool head = n == 0;
     NotationSigns signs;
-    if (head && slice.first) signs = SignsOf(*slice.event->item);
+    const ScoreItem& item = *slice.event->item;
+    if (slice.first) signs = head ? SignsOf(item) : SignsOfEachNote(item);
     std::vector<SlurEnd> slurs;
     const auto& known = marks_[staff][v].slurs;
     if (const auto found = known.find(slice.index); head && found != known.end()) {
