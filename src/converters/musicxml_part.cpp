@@ -257,7 +257,7 @@ class PartReader {
     if (!pitch) return;
     group.item.pitches.push_back(*pitch);
     group.item.group.notes.emplace_back();
-    group.ties.push_back(TiesOf(note));
+    TakeTies(note, group);
     ReadMarks(last_, note, staff);
     ContinuePieces();
   }
@@ -287,14 +287,15 @@ class PartReader {
   // The last note of the chord, in all pieces of a length that no single value has: they are tied.
   void ContinuePieces() {
     Group& head = at_.part.groups[last_];
-    const std::uint8_t ties = head.ties.back();
+    const std::uint32_t note = 1U << (head.item.pitches.size() - 1);
+    const bool onward = (head.ties.onward & note) != 0;
     for (std::size_t i = last_ + 1; i < piecesEnd_; ++i) {
       Group& next = at_.part.groups[i];
       next.item.pitches.push_back(head.item.pitches.back());
       next.item.group.notes.push_back(head.item.group.notes.back());
-      next.ties.push_back(
-          static_cast<std::uint8_t>(kTieFromBefore | (i + 1 < piecesEnd_ ? kTieOnward : ties & kTieOnward)));
-      head.ties.back() |= kTieOnward;
+      next.ties.fromBefore |= note;
+      if (onward || i + 1 < piecesEnd_) next.ties.onward |= note;
+      head.ties.onward |= note;
     }
   }
 
@@ -376,18 +377,17 @@ class PartReader {
     return -1;
   }
 
-  static std::uint8_t TiesOf(const NoteParts& note) {
-    std::uint8_t ties = 0;
-    const auto take = [&ties](pugi::xml_node tie) {
+  static void TakeTies(const NoteParts& note, Group& group) {
+    const std::uint32_t bit = 1U << (group.item.pitches.size() - 1);
+    const auto take = [&](pugi::xml_node tie) {
       const std::string_view type = tie.attribute("type").value();
-      if (type == "start") ties |= kTieOnward;
-      if (type == "stop") ties |= kTieFromBefore;
+      if (type == "start") group.ties.onward |= bit;
+      if (type == "stop") group.ties.fromBefore |= bit;
     };
     note.ForEach(NotePart::Tie, take);
     note.ForEach(NotePart::Notations, [&take](pugi::xml_node notations) {
       for (const pugi::xml_node tied : notations.children("tied")) take(tied);
     });
-    return ties;
   }
 
   PartCursor at_;

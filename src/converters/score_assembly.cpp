@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -28,12 +27,6 @@ constexpr std::size_t kChordsBetween = 1024;
 struct ChordAt {
   Fraction at;
   std::size_t group = 0;
-};
-
-// Notes of a chord, as bits, that are tied to one before and onward.
-struct TiedNotes {
-  std::uint32_t fromBefore = 0;
-  std::uint32_t onward = 0;
 };
 
 // Orders the numbers of voices by their value, other names behind them.
@@ -95,7 +88,8 @@ class PartAssembly {
   bool Allot(const Stopped& stopped) {
     names_.assign(part_.staves, VoiceNames(VoiceBefore));
     const Group* before = nullptr;
-    for (const Group& group : part_.groups) {
+    for (std::size_t i = 0; i < part_.groups.size(); ++i) {
+      const Group& group = part_.groups[i];
       if (before == nullptr || before->staff != group.staff || before->voice != group.voice)
         names_[group.staff].try_emplace(group.voice);
       before = &group;
@@ -228,8 +222,8 @@ class PartAssembly {
                 std::vector<std::size_t>& next) {
     Group& group = part_.groups[chord.group];
     const Fraction end = chord.at + group.length;
-    for (std::size_t n = 0; n < group.ties.size(); ++n) {
-      if ((group.ties[n] & kTieOnward) == 0) continue;
+    for (std::size_t n = 0; n < group.item.pitches.size(); ++n) {
+      if ((group.ties.onward >> n & 1U) == 0) continue;
       bool linked = false;
       for (auto other = std::ranges::lower_bound(all, end, {}, &ChordAt::at);
            other != all.end() && other->at == end; ++other) {
@@ -249,17 +243,15 @@ class PartAssembly {
     }
   }
 
+  static std::uint32_t AllNotes(const Group& group) {
+    return static_cast<std::uint32_t>((std::uint64_t{1} << group.item.pitches.size()) - 1);
+  }
+
   static void SettleTies(Group& group, TiedNotes found) {
-    const std::size_t notes = group.ties.size();
-    for (std::size_t n = 0; n < notes; ++n) {
-      group.ties[n] = static_cast<std::uint8_t>((found.fromBefore >> n & 1U) * kTieFromBefore |
-                                                (found.onward >> n & 1U) * kTieOnward);
-    }
-    const auto all = [notes](std::uint32_t bits) {
-      return notes > 0 && static_cast<std::size_t>(std::popcount(bits)) == notes;
-    };
-    group.item.group.tieFromBefore = all(found.fromBefore);
-    group.item.group.tieOnward = all(found.onward);
+    const std::uint32_t all = AllNotes(group);
+    group.ties = found;
+    group.item.group.tieFromBefore = all != 0 && found.fromBefore == all;
+    group.item.group.tieOnward = all != 0 && found.onward == all;
   }
 
   // A chord is tied as a whole only to the chord that follows it in its voice, when that one is as a whole
@@ -276,11 +268,15 @@ class PartAssembly {
 
   // Where the group's flags do not say what its notes have.
   static void KeepNoteTies(Group& group) {
-    const std::uint8_t flags =
-        static_cast<std::uint8_t>((group.item.group.tieFromBefore ? kTieFromBefore : 0) |
-                                  (group.item.group.tieOnward ? kTieOnward : 0));
-    if (std::ranges::any_of(group.ties, [flags](std::uint8_t tie) { return tie != flags; }))
-      group.item.noteTies = group.ties;
+    const ScoreGroup& whole = group.item.group;
+    const std::uint32_t all = AllNotes(group);
+    const TiedNotes ties = group.ties;
+    if (ties.fromBefore == (whole.tieFromBefore ? all : 0) && ties.onward == (whole.tieOnward ? all : 0))
+      return;
+    for (std::size_t n = 0; n < group.item.pitches.size(); ++n) {
+      group.item.noteTies.push_back(static_cast<std::uint8_t>((ties.fromBefore >> n & 1U) * kTieFromBefore |
+                                                              (ties.onward >> n & 1U) * kTieOnward));
+    }
   }
 
   // --- endings hang on the first chord of their measure in the first voice
@@ -347,12 +343,12 @@ class PartAssembly {
     };
     pitches = sorted(pitches);
     group.item.group.notes = sorted(group.item.group.notes);
-    group.ties = sorted(group.ties);
     const auto moved = [&order](std::uint32_t bits) {
       std::uint32_t result = 0;
       for (std::size_t i = 0; i < order.size(); ++i) result |= (bits >> order[i] & 1U) << i;
       return result;
     };
+    group.ties = {moved(group.ties.fromBefore), moved(group.ties.onward)};
     group.item.courtesy = moved(group.shown);
     group.item.bracketed = moved(group.bracketed);
   }

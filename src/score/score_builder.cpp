@@ -168,14 +168,13 @@ std::vector<MovedNotes> PlaceNotes(ScoreDocument& document, const CancelCheck& c
         if (++seen % kChordsBetween == 0 && cancelled && cancelled()) return moved;
         ScoreItem& item = ItemOf(document, staff, voice, event);
         std::uint32_t count = 0;
-        std::vector<ScoreNote> notes;
+        item.group.notes.resize(item.pitches.size());
         for (std::size_t i = 0; i < item.pitches.size(); ++i) {
           PlacedNote placed = NoteOf(item.pitches[i], event.clef, event.key);
-          if (i < item.group.notes.size()) placed.note.value = item.group.notes[i].value;
-          notes.push_back(placed.note);
+          placed.note.value = item.group.notes[i].value;
+          item.group.notes[i] = placed.note;
           if (!placed.exact) ++count;
         }
-        item.group.notes = std::move(notes);
         item.pitches = {};
         if (count == 0) continue;
         moved.push_back({0, staff, count});

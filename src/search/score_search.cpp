@@ -165,11 +165,13 @@ SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query,
   const auto file = InputFile::Open(path);
   if (!file) return {Outcome::SourceFailed, 0};
   // A large file of another kind is not read for nothing.
-  Bytes beginning(kBeginning);
-  const auto read = file->ReadAt(0, beginning);
-  if (!read) return {Outcome::SourceFailed, 0};
-  beginning.resize(*read);
-  if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
+  if (file->Size() > kBeginning) {
+    Bytes beginning(kBeginning);
+    const auto read = file->ReadAt(0, beginning);
+    if (!read) return {Outcome::SourceFailed, 0};
+    beginning.resize(*read);
+    if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
+  }
   const auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
   if (!bytes) return {OfReader(bytes.error()), 0};
   return SearchScoreImage(*bytes, path, query, sink, cancelled);
