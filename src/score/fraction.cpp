@@ -75,7 +75,8 @@ struct Fraction::Maker {
   static Fraction Make(std::int64_t numerator, std::int64_t denominator) {
     if (denominator > 0 && denominator <= kMaxDenominator && numerator > -kMostWholes &&
         numerator < kMostWholes) {
-      const Parts parts = Reduced(numerator, denominator);
+      const bool reduced = denominator == 1 || numerator == 1;
+      const Parts parts = reduced ? Parts{numerator, denominator} : Reduced(numerator, denominator);
       Fraction made;
       made.numerator_ = parts.numerator;
       made.denominator_ = parts.denominator;
