@@ -9,10 +9,15 @@ namespace {
 
 // Where the group's flags do not say what its notes have.
 void KeepNoteTies(Group& group) {
-  const std::uint8_t flags = static_cast<std::uint8_t>((group.item.group.tieFromBefore ? kTieFromBefore : 0) |
-                                                       (group.item.group.tieOnward ? kTieOnward : 0));
-  if (std::ranges::any_of(group.ties, [flags](std::uint8_t tie) { return tie != flags; }))
-    group.item.noteTies = group.ties;
+  const ScoreGroup& whole = group.item.group;
+  const std::uint32_t all = AllNotes(group);
+  const TiedNotes ties = group.ties;
+  if (ties.fromBefore == (whole.tieFromBefore ? all : 0) && ties.onward == (whole.tieOnward ? all : 0))
+    return;
+  for (std::size_t n = 0; n < group.item.pitches.size(); ++n) {
+    group.item.noteTies.push_back(static_cast<std::uint8_t>((ties.fromBefore >> n & 1U) * kTieFromBefore |
+                                                            (ties.onward >> n & 1U) * kTieOnward));
+  }
 }
 
 bool IsFlagged(const ScoreItem& item) {
@@ -24,6 +29,10 @@ bool IsFlagged(const ScoreItem& item) {
 // The notes of a chord from low to high.
 void SortChord(Group& group) {
   auto& pitches = group.item.pitches;
+  group.item.courtesy = group.shown;
+  group.item.bracketed = group.bracketed;
+  const auto low = [](const SpelledPitch& a, const SpelledPitch& b) { return a.Key() < b.Key(); };
+  if (std::ranges::is_sorted(pitches, low)) return;
   std::vector<std::size_t> order(pitches.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::ranges::stable_sort(order, {}, [&](std::size_t i) { return pitches[i].Key(); });
@@ -34,18 +43,19 @@ void SortChord(Group& group) {
   };
   pitches = sorted(pitches);
   group.item.group.notes = sorted(group.item.group.notes);
-  group.ties = sorted(group.ties);
   const auto moved = [&order](std::uint32_t bits) {
     std::uint32_t result = 0;
     for (std::size_t i = 0; i < order.size(); ++i) result |= (bits >> order[i] & 1U) << i;
     return result;
   };
+  group.ties = {moved(group.ties.fromBefore), moved(group.ties.onward)};
   group.item.courtesy = moved(group.shown);
   group.item.bracketed = moved(group.bracketed);
 }
 
 void FillVoice(Part& part, const std::vector<std::size_t>& groups, bool hasBeams, VoiceItems& items) {
   Fraction now;
+  items.reserve(groups.size());
   for (const std::size_t index : groups) {
     Group& group = part.groups[index];
     if (group.start > now) {

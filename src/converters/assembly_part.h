@@ -26,6 +26,11 @@ inline constexpr std::uint16_t kMostSpan = 4095;
 // Between two looks at the stop.
 inline constexpr std::size_t kBarsBetween = 16;
 
+// A bit for each note of a group.
+[[nodiscard]] inline std::uint32_t AllNotes(const Group& group) {
+  return static_cast<std::uint32_t>((std::uint64_t{1} << group.item.pitches.size()) - 1);
+}
+
 struct PartToPlace {
   Part& part;
   const BarTimes& bars;

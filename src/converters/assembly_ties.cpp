@@ -7,10 +7,6 @@ namespace {
 
 constexpr std::size_t kChordsBetween = 1024;  // two looks at the stop
 
-bool All(const std::vector<std::uint8_t>& ties, std::uint8_t bit) {
-  return !ties.empty() && std::ranges::all_of(ties, [bit](std::uint8_t tie) { return (tie & bit) != 0; });
-}
-
 class Ties {
  public:
   Ties(const PartToPlace& place, const PartVoices& voices)
@@ -25,7 +21,6 @@ class Ties {
       }
     }
     std::ranges::sort(all_, {}, [](const ChordAt& chord) { return std::pair(chord.at, chord.group); });
-    for (const ChordAt& chord : all_) found_[chord.group].resize(GroupOf(chord).ties.size());
   }
 
   bool Resolve(const CancelCheck& cancelled) {
@@ -36,9 +31,10 @@ class Ties {
     }
     for (const ChordAt& chord : all_) {
       Group& group = GroupOf(chord);
+      const std::uint32_t all = AllNotes(group);
       group.ties = found_[chord.group];
-      group.item.group.tieFromBefore = All(group.ties, kTieFromBefore);
-      group.item.group.tieOnward = All(group.ties, kTieOnward);
+      group.item.group.tieFromBefore = all != 0 && group.ties.fromBefore == all;
+      group.item.group.tieOnward = all != 0 && group.ties.onward == all;
     }
     for (const ChordAt& chord : all_) Close(GroupOf(chord), next_[chord.group]);
     return true;
@@ -49,8 +45,8 @@ class Ties {
 
   void Link(const ChordAt& chord) {
     const Group& group = GroupOf(chord);
-    for (std::size_t n = 0; n < group.ties.size(); ++n) {
-      if ((group.ties[n] & kTieOnward) != 0 && !LinkNote(chord, n))
+    for (std::size_t n = 0; n < group.item.pitches.size(); ++n) {
+      if ((group.ties.onward >> n & 1U) != 0 && !LinkNote(chord, n))
         place_.Lose(texts::LossTieEnd, place_.MeasureOf(chord.group), group.staff);
     }
   }
@@ -63,10 +59,9 @@ class Ties {
       if (other->group <= chord.group && other->at == chord.at) continue;
       const auto& pitches = GroupOf(*other).item.pitches;
       for (std::size_t k = 0; k < pitches.size(); ++k) {
-        std::uint8_t& tie = found_[other->group][k];
-        if (pitches[k].Key() != key || (tie & kTieFromBefore) != 0) continue;
-        tie |= kTieFromBefore;
-        found_[chord.group][n] |= kTieOnward;
+        if (pitches[k].Key() != key || (found_[other->group].fromBefore >> k & 1U) != 0) continue;
+        found_[other->group].fromBefore |= 1U << k;
+        found_[chord.group].onward |= 1U << n;
         next_[chord.group] = other->group;
         return true;
       }
@@ -89,8 +84,8 @@ class Ties {
   const PartToPlace& place_;
   const PartVoices& voices_;
   std::vector<ChordAt> all_;
-  std::vector<std::vector<std::uint8_t>> found_;  // of each group, of each note
-  std::vector<std::size_t> next_;                 // of each group: the one that all its notes go on to
+  std::vector<TiedNotes> found_;   // of each group
+  std::vector<std::size_t> next_;  // of each group: the one that all its notes go on to
 };
 
 }  // namespace

@@ -17,7 +17,13 @@ bool PartVoices::VoiceBefore::operator()(const std::string& a, const std::string
 
 void PartVoices::NameVoices() {
   names_.resize(place_.part.staves);
-  for (const Group& group : place_.part.groups) names_[group.staff].try_emplace(group.voice);
+  const Group* before = nullptr;
+  for (std::size_t i = 0; i < place_.part.groups.size(); ++i) {
+    const Group& group = place_.part.groups[i];
+    if (before == nullptr || before->staff != group.staff || before->voice != group.voice)
+      names_[group.staff].try_emplace(group.voice);
+    before = &group;
+  }
   for (auto& names : names_) {
     std::size_t number = 0;
     for (auto& [name, slot] : names) slot = number++;
@@ -25,6 +31,7 @@ void PartVoices::NameVoices() {
 }
 
 std::size_t PartVoices::SlotOf(std::size_t staff, const std::string& voice) const {
+  if (names_[staff].size() == 1 && names_[staff].begin()->first == voice) return 0;
   const auto found = names_[staff].find(voice);
   return found == names_[staff].end() ? names_[staff].size() : found->second;
 }
@@ -41,14 +48,17 @@ bool PartVoices::Allot(const CancelCheck& cancelled) {
   const Part& part = place_.part;
   slots_.assign(part.staves, 1);
   contents_.resize(part.measures.size());
+  std::vector<VoiceEnds> ends(part.staves);
+  std::vector<std::size_t> order;
+  const auto startOf = [&part](std::size_t i) { return part.groups[i].start; };
   for (std::size_t m = 0; m < part.measures.size(); ++m) {
     if (m % kBarsBetween == 0 && cancelled && cancelled()) return false;
     const Measure& measure = part.measures[m];
-    std::vector<std::vector<Fraction>> ends(part.staves, std::vector<Fraction>(kMaxVoices));
+    std::ranges::fill(ends, VoiceEnds{});
     contents_[m].resize(part.staves);
-    std::vector<std::size_t> order(measure.groups);
+    order.resize(measure.groups);
     std::iota(order.begin(), order.end(), measure.first);
-    std::ranges::stable_sort(order, {}, [&part](std::size_t i) { return part.groups[i].start; });
+    if (!std::ranges::is_sorted(order, {}, startOf)) std::ranges::stable_sort(order, {}, startOf);
     for (const std::size_t index : order) {
       const std::size_t staff = part.groups[index].staff;
       Place(index, m, ends[staff], contents_[m][staff]);
@@ -59,8 +69,7 @@ bool PartVoices::Allot(const CancelCheck& cancelled) {
 }
 
 // The voice of its number, or another that is free, where groups overlap.
-void PartVoices::Place(std::size_t index, std::size_t measure, std::vector<Fraction>& ends,
-                       VoiceGroups& content) {
+void PartVoices::Place(std::size_t index, std::size_t measure, VoiceEnds& ends, VoiceGroups& content) {
   Group& group = place_.part.groups[index];
   std::size_t slot = SlotOf(group.staff, group.voice);
   if (slot >= kMaxVoices || ends[slot] > group.start) {

@@ -2,6 +2,7 @@
 // inside the reader only.
 #pragma once
 
+#include <array>
 #include <map>
 #include <string>
 #include <vector>
@@ -34,9 +35,10 @@ class PartVoices {
     bool operator()(const std::string& a, const std::string& b) const;
   };
   using VoiceGroups = std::vector<std::vector<std::size_t>>;  // of each voice
+  using VoiceEnds = std::array<Fraction, kMaxVoices>;         // where each voice of a staff has come to
 
   void NameVoices();
-  void Place(std::size_t index, std::size_t measure, std::vector<Fraction>& ends, VoiceGroups& content);
+  void Place(std::size_t index, std::size_t measure, VoiceEnds& ends, VoiceGroups& content);
   void NumberChords();
 
   PartToPlace place_;

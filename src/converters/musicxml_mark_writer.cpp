@@ -200,6 +200,14 @@ NotationSigns SignsOf(const ScoreItem& item) {
   return signs;
 }
 
+NotationSigns SignsOfEachNote(const ScoreItem& item) {
+  NotationSigns signs;
+  if (item.drawings.empty()) return signs;
+  signs.others = SignsOf(item).others;
+  std::erase_if(signs.others, [](const NotationSign& sign) { return sign.name != "arpeggiate"; });
+  return signs;
+}
+
 void WriteSigns(XmlOut& out, const NotationSigns& signs) {
   WriteSignList(out, "ornaments", signs.ornaments);
   WriteSignList(out, "technical", signs.technical);

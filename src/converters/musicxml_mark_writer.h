@@ -33,6 +33,8 @@ struct NotationSigns {
   }
 };
 [[nodiscard]] NotationSigns SignsOf(const ScoreItem& item);
+// Those that each further note of a chord has as well.
+[[nodiscard]] NotationSigns SignsOfEachNote(const ScoreItem& item);
 void WriteSigns(XmlOut& out, const NotationSigns& signs);
 
 }  // namespace ts5::musicxml

@@ -132,7 +132,8 @@ std::vector<SlurEnd> NoteWriter::SlursOf(const NotationSlice& slice) const {
 
 void NoteWriter::WriteNotations(const NotationSlice& slice, bool head, std::uint8_t ties) {
   NotationSigns signs;
-  if (head && slice.first) signs = SignsOf(*slice.event->item);
+  const ScoreItem& item = *slice.event->item;
+  if (slice.first) signs = head ? SignsOf(item) : SignsOfEachNote(item);
   const std::vector<SlurEnd> slurs = head ? SlursOf(slice) : std::vector<SlurEnd>();
   const bool tuplet = head && slice.tupletStart != slice.tupletStop;
   if (ties == 0 && !tuplet && slurs.empty() && signs.Empty()) return;

@@ -12,6 +12,7 @@
 namespace ts5 {
 
 // WrongFormat: no MusicXML; SourceFailed: a damaged file, with the place where that is known; Cancelled.
-[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {});
+[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {},
+                                                        ScoreDetail detail = ScoreDetail::Whole);
 
 }  // namespace ts5

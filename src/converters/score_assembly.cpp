@@ -144,7 +144,7 @@ bool AddPart(const PartToPlace& place, bool endings, bool hasBeams, std::vector<
 
 }  // namespace
 
-ScoreResult<ScoreWithLosses> AssembleScore(Score score, const CancelCheck& cancelled) {
+ScoreResult<ScoreWithLosses> AssembleScore(Score score, bool notesAlone, const CancelCheck& cancelled) {
   const auto stop = [] { return tl::unexpected<ScoreFault>(ScoreFault{Outcome::Cancelled}); };
   AddParts(score);
   const auto signatures = SignaturesOf(score);
@@ -170,7 +170,7 @@ ScoreResult<ScoreWithLosses> AssembleScore(Score score, const CancelCheck& cance
   ScoreWithLosses result{std::move(score.document), std::move(score.losses)};
   AppendBars(result.document, std::move(bars), score.hasBreaks ? 0 : kBarsPerSystem, cancelled);
   const auto allMoved = PlaceNotes(result.document, cancelled);
-  KeepCourtesyAccidentals(result.document, cancelled);
+  if (!notesAlone) KeepCourtesyAccidentals(result.document, cancelled);
   if (cancelled && cancelled()) return stop();
   for (const MovedNotes& moved : allMoved)
     result.losses.Add(texts::LossSpelling, static_cast<int>(moved.bar), static_cast<int>(moved.staff),

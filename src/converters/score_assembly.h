@@ -6,7 +6,8 @@
 
 namespace ts5::musicxml {
 
-// Cancelled.
-[[nodiscard]] ScoreResult<ScoreWithLosses> AssembleScore(Score score, const CancelCheck& cancelled);
+// notesAlone: what hangs on notes has not been read. Cancelled.
+[[nodiscard]] ScoreResult<ScoreWithLosses> AssembleScore(Score score, bool notesAlone,
+                                                         const CancelCheck& cancelled);
 
 }  // namespace ts5::musicxml

@@ -1,12 +1,20 @@
 // What a reader of scores gives: the score with what is lost of it, or why there is none.
 #pragma once
 
+#include <cstdint>
 #include <tl/expected.hpp>
 
 #include "converters/score_losses.h"
 #include "score/score_document.h"
 
 namespace ts5 {
+
+// How much of a score is read.
+enum class ScoreDetail : std::uint8_t {
+  Whole,  // all of it, and what it loses
+  Music,  // without a look for what it loses, for those that do not tell
+  Notes,  // notes and rests in their bars, voices and systems, without what hangs on them
+};
 
 struct ScoreWithLosses {
   ScoreDocument document;

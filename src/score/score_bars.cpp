@@ -57,8 +57,8 @@ struct DrawingAt {
 
 class MusicReader {
  public:
-  MusicReader(const ScoreDocument& document, const CancelCheck& cancelled)
-      : document_(document), cancelled_(cancelled) {
+  MusicReader(const ScoreDocument& document, bool eventsAlone, const CancelCheck& cancelled)
+      : document_(document), eventsAlone_(eventsAlone), cancelled_(cancelled) {
     const std::size_t staves = document.staves.size();
     music_.voices.resize(staves);
     music_.changes.resize(staves);
@@ -74,6 +74,7 @@ class MusicReader {
       ReadSystem(document_.systems[i]);
     }
     music_.length = start_;
+    if (eventsAlone_) return std::move(music_);
     MakeBars();
     PlaceEvents();
     for (const DrawingAt& drawing : drawings_) ApplyDrawing(drawing);
@@ -139,7 +140,7 @@ class MusicReader {
         Show(layout, item, at);
         break;
       case ObjectKind::BarLine:
-        TakeLine(item, at);
+        if (!eventsAlone_) TakeLine(item, at);
         break;
       case ObjectKind::Rest:
       case ObjectKind::Chord:
@@ -162,7 +163,7 @@ class MusicReader {
     event.system = system_;
     event.object = static_cast<std::uint32_t>(walker.next);
     if (item.group.isRest && item.group.wholeBars > 1) longRests_ = true;
-    CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
+    if (!eventsAlone_) CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
     walker.elapsed += event.length;
     events.push_back(event);
   }
@@ -202,7 +203,10 @@ class MusicReader {
   }
 
   void TakeLine(const ScoreItem& item, Fraction at) {
-    LineAt& line = lines_[at];
+    // The voices come to the same bar lines one after another.
+    const bool follows = line_ != lines_.end() && std::next(line_) != lines_.end();
+    line_ = follows && std::next(line_)->first == at ? std::next(line_) : lines_.try_emplace(at).first;
+    LineAt& line = line_->second;
     line.type = Stronger(line.type, item.barLine);
     if (line.style.empty()) line.style = item.style;
     line.times = std::max(line.times, item.times);
@@ -375,6 +379,7 @@ class MusicReader {
   }
 
   const ScoreDocument& document_;
+  bool eventsAlone_;
   const CancelCheck& cancelled_;
   ScoreMusic music_;
   std::vector<ScoreClef> clefs_;        // of each staff
@@ -383,6 +388,7 @@ class MusicReader {
   std::vector<TimeAt> times_;
   std::vector<SystemAt> systems_;
   std::map<Fraction, LineAt> lines_;
+  std::map<Fraction, LineAt>::iterator line_ = lines_.end();  // the last one met
   std::vector<DrawingAt> drawings_;
   std::vector<ScoreTempo> drawnTempos_;
   Fraction start_;  // of the system
@@ -406,7 +412,11 @@ std::size_t SpanEnd(const std::vector<ScoreEvent>& events, std::size_t event, st
 }
 
 ScoreMusic ReadMusic(const ScoreDocument& document, const CancelCheck& cancelled) {
-  return MusicReader(document, cancelled).Read();
+  return MusicReader(document, false, cancelled).Read();
+}
+
+ScoreMusic ReadEvents(const ScoreDocument& document, const CancelCheck& cancelled) {
+  return MusicReader(document, true, cancelled).Read();
 }
 
 std::vector<std::uint8_t> SoundingKeys(const ScoreEvent& event, const StaffLayout& staff) {

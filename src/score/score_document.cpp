@@ -239,6 +239,7 @@ void SetTuplet(ScoreItem& item, TupletRatio ratio) {
 Fraction NotatedLength(std::uint8_t durationCode, std::uint8_t dots) {
   const Fraction base =
       durationCode == kBreve ? Fraction(2) : PowerLength(std::min<int>(durationCode, kShortestCode));
+  if (dots == 0) return base;
   const std::int64_t parts = std::int64_t{1} << std::min<int>(dots, 3);
   return base * Fraction(2 * parts - 1, parts);
 }

@@ -363,6 +363,9 @@ TEST(FailureReason, TellsContentsApart) {
             "Der Inhalt von \"a.mid\" gehört zu keiner bekannten Art von Dateien.");
   EXPECT_EQ(reason("a.mid", "RIFF....WAVEfmt "), "Dem Inhalt nach ist \"a.mid\" eine Wave-Datei.");
   EXPECT_EQ(reason("a.stv", "MThd"), "Dem Inhalt nach ist \"a.stv\" eine Midi-Datei.");
+  // What the name says already is no news.
+  EXPECT_EQ(reason("a.MusicXML", "<?xml version='1.0'?>"), "");
+  EXPECT_EQ(reason("a.mxl", "PK\x03\x04"), "");
   EXPECT_EQ(reason("a.MID", "MThd"), "") << "as its name says";
   EXPECT_EQ(reason("a.mid", "", Outcome::Cancelled), "");
   EXPECT_EQ(reason("a.mid", "", Outcome::Success), "");
