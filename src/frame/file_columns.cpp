@@ -116,6 +116,7 @@ ShownColumns ColumnsFrom(std::string_view names) {
 }
 
 std::string NamesOf(const ShownColumns& columns) {
+  if (columns.empty()) return "-";
   std::string names;
   for (const FactColumn& column : kColumns) {
     if (columns.contains(column.column)) names += (names.empty() ? "" : " ") + std::string(column.name);

@@ -34,9 +34,8 @@ struct FactColumn {
 // The same for a sum: "4 h 12 min", "12 min", "25 s".
 [[nodiscard]] std::string SumText(std::chrono::milliseconds length);
 
-// Which columns are shown: names with blanks between; unknown ones are passed over.
+// Which columns are shown: names with blanks between, "-" for none; unknown ones are passed over.
 using ShownColumns = std::set<FileColumn>;
-inline constexpr std::string_view kUsualColumns = "Length Size Date Key Metre Tempo Voices";
 [[nodiscard]] ShownColumns ColumnsFrom(std::string_view names);
 [[nodiscard]] std::string NamesOf(const ShownColumns& columns);
 

@@ -213,6 +213,7 @@ class ItemRun {
   Outcome ConvertInto(Item& item) {
     const PlannedTarget& target = targets_[item.index];
     if (Failed(target.code)) return target.code;
+    if (!run_.Destination().structure.empty()) (void)MakeDirectories(std::string(DirectoryOf(target.name)));
     auto staged = StagedFile::Create(target.name);
     if (!staged) return staged.error();
     item.target = std::move(*staged);

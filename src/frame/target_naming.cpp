@@ -45,8 +45,12 @@ std::string TargetName::Numbered(std::uint32_t number) const {
 
 std::string TargetDirectory(const DestinationRules& rules, const std::string& source,
                             const DestinationFiles& files) {
-  std::string directory =
-      !rules.sourceDirectory && !rules.directory.empty() ? rules.directory : std::string(DirectoryOf(source));
+  const bool elsewhere = !rules.sourceDirectory && !rules.directory.empty();
+  std::string directory = elsewhere ? rules.directory : std::string(DirectoryOf(source));
+  if (elsewhere && !rules.structure.empty()) {
+    const std::string below = PathBelow(rules.structure, DirectoryOf(source)).value_or("");
+    if (!below.empty()) directory = JoinPath(directory, below);
+  }
   if (files.onCdRom(directory)) directory.clear();
   return directory;
 }

@@ -147,11 +147,11 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
     EXPECT_FALSE(lister.Running());
     ++ends;
   };
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_FALSE(lister.Start(directory.Path(), sink, end)) << "ignored while the first one runs";
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
+  EXPECT_FALSE(lister.Start(directory.Path(), false, sink, end)) << "ignored while the first one runs";
   EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }, kPatience));
   EXPECT_THAT(names, ElementsAre("a.mid"));
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
   EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }, kPatience));
 }
 
@@ -173,14 +173,14 @@ TEST(DirectoryLister, CancelDoesNotWait) {
                                         });
   const auto never = [](auto) { FAIL() << "a cancelled listing has reported"; };
   bool ended = false;
-  ASSERT_TRUE(lister->Start("/slow", never, never));
+  ASSERT_TRUE(lister->Start("/slow", false, never, never));
   lister->Cancel();
   EXPECT_FALSE(lister->Running());
   ASSERT_TRUE(lister->Start(
-      directory.Path(), [](auto) {}, [&](ListingEnd) { ended = true; }));
+      directory.Path(), false, [](auto) {}, [&](ListingEnd) { ended = true; }));
   EXPECT_TRUE(loop.RunUntil([&] { return ended; }, kPatience));
 
-  ASSERT_TRUE(lister->Start(directory.Path(), never, never));
+  ASSERT_TRUE(lister->Start(directory.Path(), false, never, never));
   lister.reset();
   held.unlock();
   while (answered == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));

@@ -174,8 +174,10 @@ void RunCommands::Finish(JobId id, RunResult result) {
       emit ProtocolLine({});
       active_.ChangeFiles();
       const std::string& directory = job->directory.path;
-      const bool beside = std::ranges::any_of(
-          result.items, [&](const RunItem& item) { return DirectoryOf(item.destination) == directory; });
+      const bool beside = std::ranges::any_of(result.items, [&](const RunItem& item) {
+        return DirectoryOf(item.destination) == directory ||
+               (job->subdirectories && PathBelow(directory, item.destination));
+      });
       if (job->Mode() == SourceMode::Directory && beside) emit DirectoryChanged();
     }
     emit Progressed();

@@ -89,7 +89,7 @@ void FileViewModel::Recall(std::size_t from) {
 
 void FileViewModel::LayRows() {
   Recall(0);
-  Arrange();
+  OrderRows();
 }
 
 const FileListEntry& FileViewModel::At(std::size_t row) const {
@@ -101,11 +101,13 @@ const FileListEntry& FileViewModel::At(std::size_t row) const {
 // --- the view on the list
 
 void FileViewModel::Arrange(const ListOrder& order) {
+  beginResetModel();
   order_ = order;
-  Arrange();
+  OrderRows();
+  endResetModel();
 }
 
-void FileViewModel::Arrange() {
+void FileViewModel::OrderRows() {
   const auto facts = [this](std::size_t entry) { return known_[entry].facts.get(); };
   rows_ = ShownEntries(Entries(), MayArrange() ? order_ : ListOrder{}, root_, facts);
 }

@@ -59,9 +59,8 @@ class FileViewModel : public QAbstractTableModel {
   // The order of a disc, and of what becomes one, is its own, and so are its columns.
   [[nodiscard]] bool MayArrange() const { return !ShowsAudioCd() && !timed_; }
   void Arrange(const ListOrder& order);
-  // Once more, as more facts are known.
-  void Arrange();
   [[nodiscard]] const ListOrder& Order() const { return order_; }
+  [[nodiscard]] bool ShowsOwnOrder() const { return !MayArrange() || order_.IsOwn(); }
   // Total() for a row that is none.
   [[nodiscard]] std::size_t EntryOf(std::size_t row) const;
   [[nodiscard]] std::vector<std::size_t> EntriesOf(const std::vector<std::size_t>& rows) const;
@@ -112,6 +111,7 @@ class FileViewModel : public QAbstractTableModel {
     return list_ != nullptr ? list_->Entries() : files_;
   }
   void LayRows();
+  void OrderRows();
   void LayColumns();
   void Recall(std::size_t from);
   [[nodiscard]] QString TextAt(const FileListEntry& entry, std::size_t row, FileColumn column) const;
@@ -126,7 +126,7 @@ class FileViewModel : public QAbstractTableModel {
   std::vector<std::uint32_t> rows_;  // entries
   std::vector<Known> known_;         // of the entries
   FactsMemory memory_;
-  ShownColumns shown_ = ColumnsFrom(kUsualColumns);
+  ShownColumns shown_;
   std::vector<ColumnTitle> columns_;
   TextOfEntry textOf_;
   mutable std::map<FileTypeId, QIcon> icons_;

@@ -13,6 +13,12 @@
 
 namespace ts5 {
 
+namespace {
+
+constexpr int kFilterWidth = 200;  // of the field that narrows the list down
+
+}  // namespace
+
 FreeListStrip::FreeListStrip(QWidget* parent) : QLabel(parent) {
   setObjectName("freeListStrip");
   setAcceptDrops(true);
@@ -53,6 +59,8 @@ SourceArea::SourceArea(QWidget* parent)
     : QWidget(parent),
       drives_(new DriveSelector(this)),
       driveLabel_(new QLabel(QtText(texts::SourceAreaName), this)),
+      subdirectories_(new QCheckBox(QtText(texts::WithSubdirectories), this)),
+      filter_(new QLineEdit(this)),
       count_(new QLabel(this)),
       splitter_(new QSplitter(Qt::Horizontal, this)),
       tree_(new QTreeView(splitter_)),
@@ -98,7 +106,18 @@ SourceArea::SourceArea(QWidget* parent)
   auto* top = new QHBoxLayout;
   top->addWidget(driveLabel_);
   top->addWidget(drives_);
+  top->addWidget(subdirectories_);
   top->addStretch(1);
+  filter_->setObjectName("listFilter");
+  filter_->setAccessibleName(QtText(texts::ListFilterName));
+  filter_->setPlaceholderText(QtText(texts::ListFilterName));
+  filter_->setToolTip(QtText(texts::ListFilterTip));
+  filter_->setClearButtonEnabled(true);
+  filter_->setMinimumWidth(kFilterWidth / 2);
+  filter_->setMaximumWidth(kFilterWidth);
+  top->addWidget(filter_, 1);
+  subdirectories_->setObjectName("withSubdirectories");
+  subdirectories_->setToolTip(QtText(texts::WithSubdirectoriesTip));
   count_->setObjectName("fileCount");
   top->addWidget(count_);
   auto* layout = new QVBoxLayout(this);
@@ -107,6 +126,7 @@ SourceArea::SourceArea(QWidget* parent)
   layout->addLayout(top);
   layout->addWidget(splitter_, 1);
 
+  connect(subdirectories_, &QCheckBox::clicked, this, &SourceArea::SubdirectoriesChosen);
   connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
   connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);
   connect(&treeModel_, &DirectoryTreeModel::Vanishing, this, &SourceArea::LeaveVanishing);
@@ -147,11 +167,13 @@ void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
   UpdateVisibility();
 }
 
-void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path) {
+void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path,
+                               bool subdirectories) {
   listMode_ = false;
+  subdirectories_->setChecked(subdirectories);
   drives_->SetCurrent(drive);
   files_->setAccessibleName(QtText(texts::FileViewName));
-  model_.ShowDirectory({});
+  model_.ShowDirectory({}, path, subdirectories);
   shownDirectory_ = path;
   if (treeModel_.RootPath() != root) {
     revealing_ = true;
@@ -163,24 +185,41 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
 }
 
 void SourceArea::ClearFiles() {
-  if (!listMode_) model_.ShowDirectory({});
+  if (!listMode_) model_.ShowDirectory({}, shownDirectory_, subdirectories_->isChecked());
 }
 
 void SourceArea::Enable(const Enabling& enabling) {
   drives_->setEnabled(enabling.drives);
   tree_->setEnabled(enabling.tree);
   files_->setEnabled(enabling.files);
+  filter_->setEnabled(enabling.files);
+  subdirectories_->setEnabled(enabling.subdirectories);
 }
 
-void SourceArea::SetSelected(std::size_t selected) {
-  const std::size_t files = model_.Size();
+void SourceArea::ClearFilter() {
+  filter_->clear();
+  ListOrder order = model_.Order();
+  order.filter.clear();
+  if (order != model_.Order()) model_.Arrange(order);
+}
+
+void SourceArea::ShowCount() {
+  const std::vector<std::size_t> rows = files_->SelectedRows();
+  const std::size_t files = model_.Total();
   std::string text;
-  if (selected > 0) {
-    text = Format(Text(texts::FilesMarked), selected, files);
+  if (!rows.empty()) {
+    text = Format(Text(texts::FilesMarked), rows.size(), files);
+    const FileViewModel::Sum sum = model_.LengthOf(rows);
+    if (sum.length.count() > 0) text += ", " + SumText(sum.length);
+    if (!sum.whole) text += " …";
+  } else if (model_.Size() < files) {
+    text =
+        Format(Text(listMode_ ? texts::FilesFilteredAllCount : texts::FilesFiltered), model_.Size(), files);
   } else if (files > 0) {
     text = files == 1 ? std::string(Text(texts::OneFileShown)) : Format(Text(texts::FilesShown), files);
   }
   count_->setText(ToQt(text));
+  filter_->setVisible(model_.MayArrange() && (files > 0 || !filter_->text().isEmpty()));
 }
 
 void SourceArea::SetMaximised(bool maximised) {
@@ -191,6 +230,7 @@ void SourceArea::SetMaximised(bool maximised) {
 void SourceArea::UpdateVisibility() {
   tree_->setVisible(!listMode_ && !maximised_);
   strip_->setVisible(!listMode_ && !maximised_);
+  subdirectories_->setVisible(!listMode_);
 }
 
 }  // namespace ts5
