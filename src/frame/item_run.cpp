@@ -16,6 +16,7 @@
 #include "frame/ordered_pool.h"
 #include "frame/run.h"
 #include "frame/run_journal.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -343,8 +344,8 @@ class ItemRun {
   bool PutInPlace(Item& item) {
     if (!item.target) return item.code != Outcome::Cancelled;
     ForgetFault();
-    auto taken = TakeTarget(*item.target, targets_[item.index], naming_,
-                            [this](const std::string& target) { return MayReplace(target); });
+    auto taken = PutTarget(run_, *item.target, targets_[item.index], naming_,
+                           [this](const std::string& target) { return MayReplace(target); });
     if (taken) {
       item.name = *std::move(taken);
     } else {

@@ -255,7 +255,8 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, De
 }
 
 Result<std::string> TakeTarget(StagedFile& file, PlannedTarget target, TargetNaming& naming,
-                               const std::function<bool(const std::string& name)>& mayReplace) {
+                               const std::function<bool(const std::string& name)>& mayReplace,
+                               const std::function<Outcome(const std::string& name)>& replacing) {
   while (target.taking != Taking::Replace) {
     const auto created = file.CommitNew(target.name);
     if (!created) return Failure(created.error());
@@ -267,6 +268,8 @@ Result<std::string> TakeTarget(StagedFile& file, PlannedTarget target, TargetNam
       target.taking = Taking::Replace;
     }
   }
+  if (const Outcome kept = replacing ? replacing(target.name) : Outcome::Success; Failed(kept))
+    return Failure(kept);
   if (const Outcome done = file.CommitAs(target.name); Failed(done)) return Failure(done);
   return target.name;
 }

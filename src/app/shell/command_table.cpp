@@ -42,6 +42,8 @@ constexpr std::array kCommands{
 
     Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
     Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "", "zielmedium.htm", kAlways},
+    Command{C::UndoRun, Action, false, T::MenuUndoRun, "", "", "Befehle-aktion-ausführen-ergebnisse.htm",
+            kAlways},
     Command{C::PlayerRestart, Action, false, T::CommandPlayerRestart, "", "Backspace", "playback.htm",
             FilterId::MidiPlayer},
     Command{C::PlayerPrevious, Action, false, T::CommandPlayerPrevious, "", "PgUp", "playback.htm",

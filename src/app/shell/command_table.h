@@ -62,6 +62,7 @@ enum class CommandId : std::uint16_t {
   FilterList = 40195,
   ListColumns = 40196,
   TakeOrder = 40197,
+  UndoRun = 40198,
 };
 
 // Commands with a running number: job buttons, filter tiles and the collapse buttons of the tiles.

@@ -164,6 +164,7 @@ void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
   drives_->SetCurrent(kListModeDrive);
   files_->setAccessibleName(QtText(texts::FreeListName));
   model_.ShowList(list, filter);
+  ClearFilter();
   UpdateVisibility();
 }
 
@@ -174,6 +175,7 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
   drives_->SetCurrent(drive);
   files_->setAccessibleName(QtText(texts::FileViewName));
   model_.ShowDirectory({}, path, subdirectories);
+  ClearFilter();
   shownDirectory_ = path;
   if (treeModel_.RootPath() != root) {
     revealing_ = true;

@@ -76,7 +76,6 @@ void SourceCommands::Leave() {
 void SourceCommands::Show() {
   Leave();
   shown_ = true;
-  area_.ClearFilter();
   const Job& job = *active_;
   if (job.Mode() == SourceMode::List) {
     area_.ShowList(job.files, job.filter);
