@@ -128,6 +128,29 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
 
 constexpr std::chrono::seconds kPatience{30};
 
+TEST(DirectoryListing, ATreeComesDirectoryByDirectory) {
+  const test::TemporaryDirectory directory;
+  for (const char* name : {"z.mid", "Chor/b.mid", "Chor/Alt/a.mid", "Band/x.wav", "Band/x.mid",
+                           "Leer/notes.txt", ".versteckt/h.mid"})
+    directory.Write(name, "x");
+  std::filesystem::create_directory_symlink(directory.Path(), directory.File("Chor/rund"));
+  std::vector<std::string> names;
+  const auto sink = [&](std::vector<DirectoryItem> items) {
+    for (const DirectoryItem& item : items) names.push_back(item.name);
+  };
+  EXPECT_THAT(ListTree(directory.Path(), {}, {}, sink).outcome, test::IsOk());
+  EXPECT_THAT(names, ElementsAre("z.mid", "Band/x.wav", "Band/x.mid", "Chor/b.mid", "Chor/Alt/a.mid"));
+  names.clear();
+  std::stop_source stop;
+  const ListingEnd end =
+      ListTree(directory.Path(), {}, stop.get_token(), [&](std::vector<DirectoryItem> items) {
+        sink(std::move(items));
+        stop.request_stop();
+      });
+  EXPECT_EQ(end.outcome, Outcome::Cancelled);
+  EXPECT_THAT(names, ElementsAre("z.mid"));
+}
+
 DirectoryLister::Post PostTo(EventLoop& loop) {
   return [&loop](std::function<void()> event) { loop.Post(std::move(event)); };
 }
