@@ -189,10 +189,11 @@ bool RunUndo::Any() const {
   return false;
 }
 
-UndoReport RunUndo::Undo() {
+UndoReport RunUndo::Undo(const CancelCheck& cancelled) {
   DropPending();
   UndoReport report;
   for (auto item = items_.rbegin(); item != items_.rend(); ++item) {
+    if (cancelled && cancelled()) break;
     if (!item->done) UndoItem(*item, report);
   }
   return report;

@@ -57,7 +57,8 @@ class RunUndo {
   // There is something to undo.
   [[nodiscard]] bool Any() const;
   [[nodiscard]] std::uint64_t Kept() const { return kept_; }  // bytes
-  [[nodiscard]] UndoReport Undo();
+  // A cancelled one can be gone on with.
+  [[nodiscard]] UndoReport Undo(const CancelCheck& cancelled = {});
 
  private:
   struct Item {

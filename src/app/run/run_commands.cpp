@@ -60,6 +60,7 @@ void RunCommands::Close() {
   for (const auto& [id, going] : going_) going.host->Close();
   going_.clear();
   clock_.stop();
+  *stopUndoing_ = true;
 }
 
 Job* RunCommands::Find(JobId id) const {
@@ -122,9 +123,9 @@ void RunCommands::Launch(Job& job, Job& work, RunRequest request) {
     return;
   }
   going_[id] = {host, std::make_shared<const Job>(work)};
-  // Until now the run before could be undone.
+  // Until now the run before could be undone; what only plays leaves it so.
   std::erase_if(undo_, [this](const auto& one) { return Find(one.first) == nullptr; });
-  undo_[id] = undo;
+  if (!IsPlayer(work.filter)) undo_[id] = undo;
   clock_.start();
   if (&work == &job) active_.SetDestinationName(job.destinationName);
   active_.ChangeRun();
@@ -163,8 +164,8 @@ void RunCommands::Undo(JobId id) {
   undoing_.insert(id);
   desk_.ShowPrompt(QtText(texts::Undoing));
   active_.Refresh();
-  worker_.Start([this, id, undo = undo_.at(id)]() -> BackgroundWorker::Done {
-    const std::string text = UndoText(undo->Undo());
+  worker_.Start([this, id, undo = undo_.at(id), stop = stopUndoing_]() -> BackgroundWorker::Done {
+    const std::string text = UndoText(undo->Undo([stop] { return stop->load(); }));
     return [this, id, text] {
       undoing_.erase(id);
       desk_.ShowPrompt({});

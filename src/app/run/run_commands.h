@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QTimer>
+#include <atomic>
 #include <map>
 #include <memory>
 #include <set>
@@ -81,6 +82,7 @@ class RunCommands : public QObject {
   std::map<JobId, Going> going_;
   std::map<JobId, std::shared_ptr<RunUndo>> undo_;  // of the last run of each job
   std::set<JobId> undoing_;
+  std::shared_ptr<std::atomic<bool>> stopUndoing_ = std::make_shared<std::atomic<bool>>(false);
   BackgroundWorker worker_;
   QTimer clock_;  // shows the time that goes by
 };

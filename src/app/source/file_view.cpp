@@ -130,7 +130,11 @@ void FileView::SetFileModel(FileViewModel* model) {
 void FileView::LayColumns() {
   QHeaderView& titles = *header();
   titles.setStretchLastSection(false);
-  for (int i = 0; i < titles.count(); ++i) {
+  std::vector<std::optional<FileColumn>> columns;
+  for (int i = 0; i < titles.count(); ++i) columns.push_back(model_->ColumnAt(i));
+  // Those that are there already stay as wide as they are.
+  const bool same = columns == std::exchange(laid_, columns);
+  for (int i = 0; i < titles.count() && !same; ++i) {
     const auto column = model_->ColumnAt(i);
     const FactColumn* const fact = column ? FindFactColumn(*column) : nullptr;
     const bool wide = !column || *column == FileColumn::Name || *column == FileColumn::Directory;
@@ -325,7 +329,9 @@ void FileView::paintEvent(QPaintEvent* event) {
   if (model_ == nullptr || model_->Size() > 0) return;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
-  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : emptyText_);
+  const QString text = QtText(model_->Total() > 0   ? texts::NoFileFits
+                              : model_->ShowsList() ? texts::EmptyFreeList
+                                                    : emptyText_);
   painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }

@@ -4,6 +4,7 @@
 
 #include <QTreeView>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -70,6 +71,7 @@ class FileView : public QTreeView {
 
   FileViewModel* model_ = nullptr;
   TextId emptyText_;
+  std::vector<std::optional<FileColumn>> laid_;  // columns
   bool selecting_ = false;
 };
 

@@ -62,7 +62,7 @@ void FileViewModel::Append(const std::vector<FileListEntry>& files) {
   files_.insert(files_.end(), files.begin(), files.end());
   Recall(first);
   // They get their places when all are there.
-  ListOrder order = order_;
+  ListOrder order = Order();
   order.column.reset();
   std::vector<std::uint32_t> more = ShownEntries(files, order, root_, {});
   if (more.empty()) return;
@@ -102,14 +102,14 @@ const FileListEntry& FileViewModel::At(std::size_t row) const {
 
 void FileViewModel::Arrange(const ListOrder& order) {
   beginResetModel();
-  order_ = order;
+  (ShowsList() ? listOrder_ : directoryOrder_) = order;
   OrderRows();
   endResetModel();
 }
 
 void FileViewModel::OrderRows() {
   const auto facts = [this](std::size_t entry) { return known_[entry].facts.get(); };
-  rows_ = ShownEntries(Entries(), MayArrange() ? order_ : ListOrder{}, root_, facts);
+  rows_ = ShownEntries(Entries(), MayArrange() ? Order() : ListOrder{}, root_, facts);
 }
 
 std::size_t FileViewModel::EntryOf(std::size_t row) const {

@@ -59,8 +59,9 @@ class FileViewModel : public QAbstractTableModel {
   // The order of a disc, and of what becomes one, is its own, and so are its columns.
   [[nodiscard]] bool MayArrange() const { return !ShowsAudioCd() && !timed_; }
   void Arrange(const ListOrder& order);
-  [[nodiscard]] const ListOrder& Order() const { return order_; }
-  [[nodiscard]] bool ShowsOwnOrder() const { return !MayArrange() || order_.IsOwn(); }
+  // Directories and the free file list have each one of their own.
+  [[nodiscard]] const ListOrder& Order() const { return ShowsList() ? listOrder_ : directoryOrder_; }
+  [[nodiscard]] bool ShowsOwnOrder() const { return !MayArrange() || Order().IsOwn(); }
   // Total() for a row that is none.
   [[nodiscard]] std::size_t EntryOf(std::size_t row) const;
   [[nodiscard]] std::vector<std::size_t> EntriesOf(const std::vector<std::size_t>& rows) const;
@@ -122,7 +123,8 @@ class FileViewModel : public QAbstractTableModel {
   std::string root_;
   bool subdirectories_ = false;
   bool timed_ = false;  // the list of a disc
-  ListOrder order_;
+  ListOrder directoryOrder_;
+  ListOrder listOrder_;
   std::vector<std::uint32_t> rows_;  // entries
   std::vector<Known> known_;         // of the entries
   FactsMemory memory_;

@@ -17,6 +17,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kTypingRest = 120;      // milliseconds before what was typed narrows the list
+constexpr int kCountRest = 150;       // before the sum counts what has been read
 constexpr int kSortRest = 400;        // milliseconds at least until the list is sorted again by newer facts
 constexpr int kSortShare = 20;        // and so many times as long as the sorting took
 constexpr int kWholeListFrom = 2000;  // files: a list that is longer is not sorted while a mouse is pressed
@@ -35,6 +36,8 @@ ListArrangement::ListArrangement(Desk& desk, ActiveJob& active, SourceArea& area
       reading_(view_, ReadFileFacts, std::move(memoryFile)) {
   filterTimer_.setSingleShot(true);
   filterTimer_.setInterval(kTypingRest);
+  countTimer_.setSingleShot(true);
+  countTimer_.setInterval(kCountRest);
   sortTimer_.setSingleShot(true);
   sortTimer_.setInterval(kSortRest);
   model_.SetColumns(ColumnsFrom(settings_.fileColumns));
@@ -43,9 +46,10 @@ ListArrangement::ListArrangement(Desk& desk, ActiveJob& active, SourceArea& area
   connect(&view_, &FileView::TitleClicked, this, &ListArrangement::SortBy);
   connect(&view_, &FileView::TitleMenuWanted, this, &ListArrangement::ShowMenu);
   connect(&reading_, &FactsReading::Read, this, [this] {
-    area_.ShowCount();
+    if (!countTimer_.isActive()) countTimer_.start();
     if (model_.Order().NeedsFacts() && !sortTimer_.isActive()) sortTimer_.start();
   });
+  connect(&countTimer_, &QTimer::timeout, &area_, &SourceArea::ShowCount);
   connect(&sortTimer_, &QTimer::timeout, this, &ListArrangement::SortAgain);
   connect(area_.Filter(), &QLineEdit::textChanged, &filterTimer_, qOverload<>(&QTimer::start));
   connect(&filterTimer_, &QTimer::timeout, this, &ListArrangement::TakeFilter);
@@ -82,7 +86,8 @@ void ListArrangement::Show(const ListOrder& order) {
 }
 
 void ListArrangement::Sort(const ListOrder& order) {
-  settings_.fileSorting = StoredSorting(order);
+  // The free file list has an order of its own, and begins with it.
+  if (!model_.ShowsList()) settings_.fileSorting = StoredSorting(order);
   Show(order);
   active_.Refresh();
 }
@@ -187,7 +192,6 @@ void ListArrangement::TakeOrder() {
   ListOrder own = model_.Order();
   own.column.reset();
   own.descending = false;
-  settings_.fileSorting.clear();
   model_.Arrange(own);
   source_.Reload();
   active_.ChangeFiles();

@@ -46,6 +46,7 @@ class ListArrangement : public QObject {
   Settings& settings_;
   FactsReading reading_;
   QTimer filterTimer_;
+  QTimer countTimer_;
   QTimer sortTimer_;
 };
 

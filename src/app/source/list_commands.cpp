@@ -133,6 +133,7 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
   area_.SetFreeListCount(job.files.Size());
   if (job.Mode() == SourceMode::List) {
     if (result.added > 0) {
+      area_.ClearFilter();
       source_.Reload();
       area_.Files()->scrollToBottom();
     }

@@ -109,7 +109,7 @@ void SourceCommands::ShowNote() {
   EmptyNote::Place place = EmptyNote::Place::None;
   if (job.Mode() == SourceMode::List) {
     if (job.files.Empty()) place = EmptyNote::Place::List;
-  } else if (!disc && !reader_.Reading() && area_.Model().Size() == 0) {
+  } else if (!disc && !reader_.Reading() && area_.Model().Total() == 0) {
     place = EmptyNote::Place::Directory;
   }
   area_.Note()->ShowFor(job.MayChange() ? place : EmptyNote::Place::None);
