@@ -85,9 +85,9 @@ class FreeFileList {
 
 // The source in directory mode: the directory, and the selected files of it by name and by place in the view.
 struct DirectorySelection {
-  std::string path;
-  std::vector<std::string> names;
-  std::vector<std::uint32_t> indices;
+  std::string path = {};
+  std::vector<std::string> names = {};
+  std::vector<std::uint32_t> indices = {};
 
   // A file of the directory as it is named here: with the directories below, where there are any.
   [[nodiscard]] std::string NameOf(std::string_view file) const;
