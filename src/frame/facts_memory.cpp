@@ -99,6 +99,15 @@ void FactsMemory::Trim() {
   }
 }
 
+void FactsMemory::TakeIn(FactsMemory older) {
+  older.most_ = most_;
+  for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry)
+    older.Remember(entry->first, entry->second);
+  entries_.swap(older.entries_);
+  places_.swap(older.places_);
+  Trim();
+}
+
 Bytes FactsMemory::Pack(std::size_t most) {
   ByteWriter content;
   std::size_t left = most;

@@ -33,6 +33,8 @@ class FactsMemory {
   [[nodiscard]] Bytes Pack(std::size_t most = kMostKept);
   // Takes in what is not known yet; of damaged bytes nothing.
   void Unpack(ByteView bytes);
+  // The same with what another one holds, which may be much.
+  void TakeIn(FactsMemory older);
 
  private:
   using Entry = std::pair<std::string, SharedFacts>;

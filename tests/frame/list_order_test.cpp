@@ -163,6 +163,11 @@ TEST(FactsMemory, ComesBackWholeOrNotAtAll) {
   other.Unpack(packed);
   EXPECT_EQ(*other.Find("/m/Übung.mid"), facts);
   EXPECT_EQ(other.Find("/m/b.wav")->size, 4U) << "what the session knows is newer";
+  FactsMemory third;
+  third.Remember("/m/b.wav", std::make_shared<const FileFacts>(FileFacts{.size = 5}));
+  third.TakeIn(std::move(other));
+  EXPECT_EQ(*third.Find("/m/Übung.mid"), facts);
+  EXPECT_EQ(third.Find("/m/b.wav")->size, 5U);
   FactsMemory few;
   few.Unpack(memory.Pack(1));
   EXPECT_EQ(few.Size(), 1U);

@@ -52,9 +52,10 @@ void FactsReading::ReadMemory() {
   working_ = true;
   begun_ = Clock::now();
   worker_->Start([this, file = memoryFile_]() -> BackgroundWorker::Done {
-    auto bytes = std::make_shared<Bytes>(ReadFile(file, FactsMemory::kMaxFile).value_or(Bytes{}));
-    return [this, bytes = std::move(bytes)] {
-      model_.Memory().Unpack(*bytes);
+    const auto kept = std::make_shared<FactsMemory>();
+    if (const auto bytes = ReadFile(file, FactsMemory::kMaxFile)) kept->Unpack(*bytes);
+    return [this, kept] {
+      model_.Memory().TakeIn(std::move(*kept));
       working_ = false;
       Wake();
     };
