@@ -214,7 +214,7 @@ std::vector<std::size_t> FileView::SelectedRows() const {
   for (const QItemSelectionRange& range : selectionModel()->selection()) {
     for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(static_cast<std::size_t>(row));
   }
-  std::ranges::sort(rows);
+  if (!std::ranges::is_sorted(rows)) std::ranges::sort(rows);
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   return rows;
 }

@@ -16,6 +16,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kFilterWidth = 200;  // of the field that narrows the list down
+constexpr int kNarrowest = 50;     // of what is beside the drive
 
 }  // namespace
 
@@ -63,7 +64,8 @@ SourceArea::SourceArea(QWidget* parent)
       filter_(new QLineEdit(this)),
       count_(new QLabel(this)),
       splitter_(new QSplitter(Qt::Horizontal, this)),
-      tree_(new QTreeView(splitter_)),
+      left_(new QWidget(splitter_)),
+      tree_(new QTreeView(left_)),
       files_(nullptr),
       note_(nullptr),
       strip_(nullptr),
@@ -83,6 +85,14 @@ SourceArea::SourceArea(QWidget* parent)
   tree_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   tree_->header()->setStretchLastSection(false);
 
+  auto* left = new QVBoxLayout(left_);
+  left->setContentsMargins(0, 0, 0, 0);
+  left->setSpacing(4);
+  left->addWidget(tree_, 1);
+  subdirectories_->setObjectName("withSubdirectories");
+  subdirectories_->setToolTip(QtText(texts::WithSubdirectoriesTip));
+  left->addWidget(subdirectories_);
+
   auto* right = new QWidget(splitter_);
   auto* column = new QVBoxLayout(right);
   column->setContentsMargins(0, 0, 0, 0);
@@ -96,7 +106,7 @@ SourceArea::SourceArea(QWidget* parent)
   fill_->hide();
   column->addWidget(strip_);
   column->addWidget(fill_);
-  splitter_->addWidget(tree_);
+  splitter_->addWidget(left_);
   splitter_->addWidget(right);
   splitter_->setStretchFactor(0, 0);
   splitter_->setStretchFactor(1, 1);
@@ -106,18 +116,16 @@ SourceArea::SourceArea(QWidget* parent)
   auto* top = new QHBoxLayout;
   top->addWidget(driveLabel_);
   top->addWidget(drives_);
-  top->addWidget(subdirectories_);
   top->addStretch(1);
   filter_->setObjectName("listFilter");
   filter_->setAccessibleName(QtText(texts::ListFilterName));
   filter_->setPlaceholderText(QtText(texts::ListFilterName));
   filter_->setToolTip(QtText(texts::ListFilterTip));
   filter_->setClearButtonEnabled(true);
-  filter_->setMinimumWidth(kFilterWidth / 2);
+  filter_->setMinimumWidth(kNarrowest);
   filter_->setMaximumWidth(kFilterWidth);
   top->addWidget(filter_, 1);
-  subdirectories_->setObjectName("withSubdirectories");
-  subdirectories_->setToolTip(QtText(texts::WithSubdirectoriesTip));
+  count_->setMinimumWidth(kNarrowest);  // its tooltip says it all
   count_->setObjectName("fileCount");
   top->addWidget(count_);
   auto* layout = new QVBoxLayout(this);
@@ -126,6 +134,10 @@ SourceArea::SourceArea(QWidget* parent)
   layout->addLayout(top);
   layout->addWidget(splitter_, 1);
 
+  setTabOrder(drives_, filter_);
+  setTabOrder(filter_, tree_);
+  setTabOrder(tree_, subdirectories_);
+  setTabOrder(subdirectories_, files_);
   connect(subdirectories_, &QCheckBox::clicked, this, &SourceArea::SubdirectoriesChosen);
   connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
   connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);
@@ -186,8 +198,8 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
   UpdateVisibility();
 }
 
-void SourceArea::ClearFiles() {
-  if (!listMode_) model_.ShowDirectory({}, shownDirectory_, subdirectories_->isChecked());
+void SourceArea::ClearFiles(const std::string& directory, bool subdirectories) {
+  if (!listMode_) model_.ShowDirectory({}, directory, subdirectories);
 }
 
 void SourceArea::Enable(const Enabling& enabling) {
@@ -221,6 +233,7 @@ void SourceArea::ShowCount() {
     text = files == 1 ? std::string(Text(texts::OneFileShown)) : Format(Text(texts::FilesShown), files);
   }
   count_->setText(ToQt(text));
+  count_->setToolTip(ToQt(text));
   filter_->setVisible(model_.MayArrange() && (files > 0 || !filter_->text().isEmpty()));
 }
 
@@ -230,9 +243,8 @@ void SourceArea::SetMaximised(bool maximised) {
 }
 
 void SourceArea::UpdateVisibility() {
-  tree_->setVisible(!listMode_ && !maximised_);
+  left_->setVisible(!listMode_ && !maximised_);
   strip_->setVisible(!listMode_ && !maximised_);
-  subdirectories_->setVisible(!listMode_);
 }
 
 }  // namespace ts5

@@ -51,7 +51,8 @@ class SourceArea : public QWidget {
   // Shows a directory of a drive, without its files; they come with AddFiles.
   void ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path,
                      bool subdirectories);
-  void ClearFiles();
+  // Before the files of a directory come.
+  void ClearFiles(const std::string& directory, bool subdirectories);
   void AddFiles(const std::vector<FileListEntry>& files) { model_.Append(files); }
   // The free file list that is shown has changed.
   void ListChanged() { model_.Changed(); }
@@ -106,6 +107,7 @@ class SourceArea : public QWidget {
   QLineEdit* filter_;
   QLabel* count_;  // of files
   QSplitter* splitter_;
+  QWidget* left_;  // tree, and what belongs to it
   QTreeView* tree_;
   DirectoryTreeModel treeModel_;
   FileViewModel model_;

@@ -52,7 +52,7 @@ SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, 
   connect(area_.Files(), &FileView::SelectedByUser, &selectionTimer_, qOverload<>(&QTimer::start));
 
   connect(&reader_, &SourceReader::Begun, this, [this] {
-    area_.ClearFiles();
+    area_.ClearFiles(active_->directory.path, active_->subdirectories);
     active_.SetAudioCd(false);
     area_.Note()->ShowFor(EmptyNote::Place::None);
     desk_.ShowPrompt(QtText(texts::ReadingDirectory));
@@ -227,7 +227,7 @@ bool SourceCommands::StoreSelection() {
   const std::vector<std::size_t> rows = view.SelectedRows();
   if (job.Mode() == SourceMode::List) {
     std::vector<std::size_t> entries = model.EntriesOf(rows);
-    std::ranges::sort(entries);
+    if (!std::ranges::is_sorted(entries)) std::ranges::sort(entries);
     const bool changed = entries != job.files.Selection();
     job.files.Select(std::move(entries));
     job.files.SetFocus(model.EntryOf(view.FocusRow()));
