@@ -39,7 +39,7 @@ std::string DateText(const FileFacts& facts) {
       std::chrono::system_clock::time_point(std::chrono::duration_cast<std::chrono::system_clock::duration>(
           std::chrono::nanoseconds(facts.written)));
   const CivilTime time = LocalTime(moment);
-  return Format(Text(texts::DayAndTime), time.day, time.month, time.year, time.hour, time.minute);
+  return Format(Text(texts::DayOfFile), time.day, time.month, time.year);
 }
 
 std::string TempoText(const FileFacts& facts) {
@@ -76,7 +76,7 @@ constexpr std::array kColumns{
                [](const FileFacts& f) { return Positive(f.channels > 0 ? f.channels : f.voices); }},
     FactColumn{FileColumn::Size, texts::FileColumnSize, "Size", "888 MB", true, SizeText,
                [](const FileFacts& f) { return std::optional(static_cast<double>(f.size)); }},
-    FactColumn{FileColumn::Date, texts::FileColumnDate, "Date", "30.12.2026 00:00", true, DateText,
+    FactColumn{FileColumn::Date, texts::FileColumnDate, "Date", "30.12.2026", true, DateText,
                [](const FileFacts& f) { return std::optional(static_cast<double>(f.written)); }},
 };
 

@@ -23,7 +23,7 @@
 namespace ts5 {
 namespace {
 
-constexpr int kSortSignWidth = 18;   // in the title of the column by which the list is sorted
+constexpr int kSortSignWidth = 12;   // in the title of the column by which the list is sorted
 constexpr int kColumnMargin = 12;    // beside the text of a column
 constexpr int kNarrowestName = 160;  // of a column with names
 
