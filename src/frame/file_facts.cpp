@@ -10,10 +10,11 @@ SharedFacts FactsOf(const std::string& path, const SharedFacts& known, const Fac
                     const CancelCheck& cancelled) {
   const auto mark = MarkOf(path);
   if (!mark) return nullptr;
-  if (known && known->size == mark->size && known->written == mark->written) return known;
-  FileFacts facts{.size = mark->size, .written = mark->written};
+  const bool enough = known && (!known->unread || !reader);
+  if (enough && known->size == mark->size && known->written == mark->written) return known;
+  FileFacts facts{.size = mark->size, .written = mark->written, .unread = !reader};
   try {
-    reader(path, facts, cancelled);
+    if (reader) reader(path, facts, cancelled);
   } catch (const std::exception&) {
     // Size and date are all that can be said of it.
     facts = {.size = mark->size, .written = mark->written};

@@ -24,6 +24,7 @@ struct FileFacts {
   bool tempoChanges = false;
   std::uint32_t voices = 0;    // tracks with notes, or staves
   std::uint32_t channels = 0;  // of samples
+  bool unread = false;         // only size and date are known
 
   bool operator==(const FileFacts&) const = default;
 };
@@ -34,8 +35,8 @@ using SharedFacts = std::shared_ptr<const FileFacts>;
 // Reads what the music of a file is; size and date are there already. Any thread.
 using FactsReader = std::function<void(const std::string& path, FileFacts& facts, const CancelCheck&)>;
 
-// Of the file as it is now: `known` itself when that is still of this file, else read anew. Nothing when
-// there is no such file, or the reading was cancelled.
+// Of the file as it is now: `known` itself when that is still of this file, else read anew; without a reader
+// size and date alone. Nothing when there is no such file, or the reading was cancelled.
 [[nodiscard]] SharedFacts FactsOf(const std::string& path, const SharedFacts& known,
                                   const FactsReader& reader, const CancelCheck& cancelled = {});
 

@@ -23,6 +23,10 @@ struct ListOrder {
   [[nodiscard]] bool IsOwn() const { return !column && filter.empty(); }
   // It cannot be told before the facts of all files are known.
   [[nodiscard]] bool NeedsFacts() const { return column && *column >= FileColumn::Length; }
+  // And these are more than size and date.
+  [[nodiscard]] bool NeedsMusic() const {
+    return NeedsFacts() && *column != FileColumn::Size && *column != FileColumn::Date;
+  }
   bool operator==(const ListOrder&) const = default;
 };
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -183,10 +184,11 @@ void RunUndo::Changed(const std::string& target) {
 // --- back
 
 bool RunUndo::Any() const {
-  for (const Item& item : items_) {
-    if (!item.done) return true;
-  }
-  return false;
+  return std::ranges::any_of(items_, [](const Item& item) { return !item.done; });
+}
+
+std::size_t RunUndo::NotKept() const {
+  return static_cast<std::size_t>(std::ranges::count(items_, true, &Item::notKept));
 }
 
 UndoReport RunUndo::Undo(const CancelCheck& cancelled) {

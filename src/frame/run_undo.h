@@ -57,6 +57,8 @@ class RunUndo {
   // There is something to undo.
   [[nodiscard]] bool Any() const;
   [[nodiscard]] std::uint64_t Kept() const { return kept_; }  // bytes
+  // Replaced files that could not be kept.
+  [[nodiscard]] std::size_t NotKept() const;
   // A cancelled one can be gone on with.
   [[nodiscard]] UndoReport Undo(const CancelCheck& cancelled = {});
 

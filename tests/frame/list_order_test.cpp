@@ -119,6 +119,11 @@ TEST(FileFacts, AreReadAgainWhenTheFileIsAnotherOne) {
   place.Write("a.mid", "abcd");
   EXPECT_EQ(FactsOf(file, first, reader)->voices, 2U);
   EXPECT_EQ(FactsOf(place.File("weg.mid"), first, reader), nullptr);
+  // Size and date alone come without reading, and are not taken for all.
+  const SharedFacts dated = FactsOf(file, nullptr, {});
+  EXPECT_TRUE(dated->unread && dated->size == 4);
+  EXPECT_EQ(FactsOf(file, dated, {}), dated);
+  EXPECT_FALSE(FactsOf(file, dated, reader)->unread);
   const SharedFacts broken =
       FactsOf(file, nullptr, [](const std::string&, FileFacts& facts, const CancelCheck&) {
         facts.voices = 9;

@@ -131,6 +131,7 @@ TEST_F(Undoing, SaysWhatCouldNotBeKept) {
     EXPECT_EQ(undo_->Kept(), 0U);
     place_.Write("m/b.out", "new");
     undo_->Made(place_.File("m/b.out"));
+    EXPECT_EQ(undo_->NotKept(), 1U);
     const UndoReport report = undo_->Undo();
     EXPECT_THAT(report.notKept, ElementsAre(place_.File("m/b.out")));
     EXPECT_EQ(Content(place_.File("m/b.out")), "new") << "nothing would be in its place";

@@ -235,7 +235,7 @@ ResultsDialog* RunCommands::MakeResultsDialog(RunResult result, JobId id,
   const bool mayRepeat = work != nullptr && !Has(work->filter, kWritesDisc);
   auto* dialog = new ResultsDialog(std::move(result), mayRepeat, desk_, desk_.Window());
   dialog->OfferNotation([](const std::string& path) { return preview::IsScoreName(path); });
-  dialog->OfferUndo(MayUndo(id));
+  if (MayUndo(id)) dialog->OfferUndo(undo_.at(id)->NotKept());
   connect(
       dialog, &ResultsDialog::UndoWanted, this, [this, id] { Undo(id); }, Qt::QueuedConnection);
   connect(dialog, &ResultsDialog::NotationWanted, this,

@@ -14,9 +14,12 @@ using Clock = std::chrono::steady_clock;
 
 // A piece of reading ends after so many files or so long, then it is looked what is wanted most by now.
 constexpr std::size_t kMostInPiece = 64;
+constexpr std::size_t kMostDatesInPiece = 1000;
 constexpr std::chrono::milliseconds kPieceTime{40};
-// A file that takes longer lies on a medium that does not answer: it is left to itself.
+// A file that takes longer lies on a medium that does not answer: it is left to itself. After so many of them
+// nothing more is read.
 constexpr std::chrono::seconds kPatience{5};
+constexpr int kMostHangs = 3;
 
 }  // namespace
 
@@ -49,31 +52,31 @@ FactsReading::~FactsReading() {
 
 void FactsReading::ReadMemory() {
   if (memoryFile_.empty()) return;
-  working_ = true;
+  remembering_ = true;
   begun_ = Clock::now();
   worker_->Start([this, file = memoryFile_]() -> BackgroundWorker::Done {
     const auto kept = std::make_shared<FactsMemory>();
     if (const auto bytes = ReadFile(file, FactsMemory::kMaxFile)) kept->Unpack(*bytes);
     return [this, kept] {
       model_.Memory().TakeIn(std::move(*kept));
-      working_ = false;
+      remembering_ = false;
       Wake();
     };
   });
 }
 
 void FactsReading::Next() {
-  if (working_) return LeaveHanging();
-  if (!view_.isVisible() || !model_.MayArrange()) return;
+  if (Busy()) return LeaveHanging();
+  if (hangs_ >= kMostHangs || !view_.isVisible() || !model_.MayArrange()) return;
   auto piece = std::make_shared<Piece>();
   piece->wanted = MostWanted();
   if (piece->wanted.empty()) return;
-  working_ = true;
+  working_ = piece;
   begun_ = Clock::now();
   worker_->Start([this, piece, reader = reader_]() -> BackgroundWorker::Done {
     const auto end = Clock::now() + kPieceTime;
     for (const Wanted& one : piece->wanted) {
-      piece->facts.push_back(FactsOf(one.path, one.known, reader));
+      piece->facts.push_back(FactsOf(one.path, one.known, one.music ? reader : FactsReader()));
       if (Clock::now() >= end) break;
     }
     return [this, piece] { Take(*piece); };
@@ -84,14 +87,15 @@ void FactsReading::Next() {
 std::vector<FactsReading::Wanted> FactsReading::MostWanted() const {
   std::vector<Wanted> wanted;
   std::set<std::size_t> rows;
-  const auto add = [&](std::size_t row) {
-    if (model_.IsUnread(row) && rows.insert(row).second)
-      wanted.push_back({model_.EntryOf(row), model_.At(row).path, model_.FactsAt(row)});
+  const auto add = [&](std::size_t row, bool music = true) {
+    if (model_.IsUnread(row, music) && rows.insert(row).second)
+      wanted.push_back({model_.EntryOf(row), model_.At(row).path, model_.FactsAt(row), music});
     return wanted.size() < kMostInPiece;
   };
   const auto [first, last] = view_.RowsInSight();
   if (model_.ShowsFacts()) {
-    for (std::size_t row = first; row < last && add(row); ++row) {
+    for (std::size_t row = first; row < last; ++row) {
+      if (!add(row)) break;
     }
   }
   for (const QItemSelectionRange& range : view_.selectionModel()->selection()) {
@@ -99,13 +103,16 @@ std::vector<FactsReading::Wanted> FactsReading::MostWanted() const {
       (void)add(static_cast<std::size_t>(row));
   }
   if (model_.Order().NeedsFacts()) {
-    for (std::size_t row = 0; row < model_.Size() && wanted.size() < kMostInPiece; ++row) (void)add(row);
+    const bool music = model_.Order().NeedsMusic();
+    const std::size_t most = music ? kMostInPiece : kMostDatesInPiece;
+    for (std::size_t row = 0; row < model_.Size() && wanted.size() < most; ++row) (void)add(row, music);
   }
   return wanted;
 }
 
 void FactsReading::Take(const Piece& piece) {
-  working_ = false;
+  working_.reset();
+  hangs_ = 0;
   for (std::size_t i = 0; i < piece.facts.size(); ++i)
     model_.TakeFacts(piece.wanted[i].entry, piece.wanted[i].path, piece.facts[i]);
   view_.viewport()->update();
@@ -116,7 +123,11 @@ void FactsReading::Take(const Piece& piece) {
 void FactsReading::LeaveHanging() {
   if (Clock::now() - begun_ < kPatience) return;
   worker_ = std::make_unique<BackgroundWorker>();
-  working_ = false;
+  ++hangs_;
+  remembering_ = false;
+  if (const auto piece = std::exchange(working_, nullptr)) {
+    for (const Wanted& one : piece->wanted) model_.TakeFacts(one.entry, one.path, nullptr);
+  }
   Wake();
 }
 

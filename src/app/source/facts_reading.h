@@ -26,7 +26,7 @@ class FactsReading : public QObject {
   // Something else may be to be read.
   void Wake() { timer_.start(); }
   // Nothing is being read or about to be.
-  [[nodiscard]] bool Idle() const { return !working_ && !timer_.isActive(); }
+  [[nodiscard]] bool Idle() const { return !Busy() && !timer_.isActive(); }
 
  signals:
   void Read();
@@ -36,6 +36,7 @@ class FactsReading : public QObject {
     std::size_t entry;
     std::string path;
     SharedFacts known;
+    bool music = true;  // not only size and date
   };
   struct Piece;
 
@@ -43,6 +44,7 @@ class FactsReading : public QObject {
   void Next();
   [[nodiscard]] std::vector<Wanted> MostWanted() const;
   void Take(const Piece& piece);
+  [[nodiscard]] bool Busy() const { return working_ || remembering_; }
   void LeaveHanging();
 
   FileView& view_;
@@ -51,7 +53,9 @@ class FactsReading : public QObject {
   std::string memoryFile_;
   QTimer timer_;
   std::unique_ptr<BackgroundWorker> worker_;
-  bool working_ = false;
+  std::shared_ptr<Piece> working_;  // on the worker
+  bool remembering_ = false;        // the file of the memory is being read
+  int hangs_ = 0;
   std::chrono::steady_clock::time_point begun_;
 };
 

@@ -160,9 +160,10 @@ std::optional<FileColumn> FileViewModel::ColumnAt(int column) const {
   return columns_[static_cast<std::size_t>(column)].column;
 }
 
-bool FileViewModel::IsUnread(std::size_t row) const {
+bool FileViewModel::IsUnread(std::size_t row, bool music) const {
   const std::size_t entry = EntryOf(row);
-  return entry < known_.size() && !known_[entry].read && !At(row).cdTrack;
+  if (entry >= known_.size() || At(row).cdTrack) return false;
+  return music ? !known_[entry].read : !known_[entry].dated;
 }
 
 SharedFacts FileViewModel::FactsAt(std::size_t row) const {
@@ -171,9 +172,10 @@ SharedFacts FileViewModel::FactsAt(std::size_t row) const {
 }
 
 void FileViewModel::TakeFacts(std::size_t entry, const std::string& path, SharedFacts facts) {
-  memory_.Remember(path, facts);
+  const bool read = !facts || !facts->unread;
+  if (read) memory_.Remember(path, facts);
   if (entry >= known_.size() || entry >= Total() || Entries()[entry].path != path) return;
-  known_[entry] = {std::move(facts), true};
+  known_[entry] = {std::move(facts), true, read};
 }
 
 FileViewModel::Sum FileViewModel::LengthOf(const std::vector<std::size_t>& rows) const {

@@ -75,8 +75,8 @@ class FileViewModel : public QAbstractTableModel {
   // What a column of the model shows; nothing for a text of a track.
   [[nodiscard]] std::optional<FileColumn> ColumnAt(int column) const;
   [[nodiscard]] bool ShowsFacts() const { return MayArrange() && !shown_.empty(); }
-  // Whether the facts of a row are still to be read.
-  [[nodiscard]] bool IsUnread(std::size_t row) const;
+  // Whether the facts of a row are still to be read; music: all of them, not only size and date.
+  [[nodiscard]] bool IsUnread(std::size_t row, bool music = true) const;
   [[nodiscard]] SharedFacts FactsAt(std::size_t row) const;
   // path: that of the entry when its reading began, by then it may be another one.
   void TakeFacts(std::size_t entry, const std::string& path, SharedFacts facts);
@@ -102,9 +102,10 @@ class FileViewModel : public QAbstractTableModel {
   void TextEdited(std::size_t row, TrackText which, const QString& text);
 
  private:
-  // What is known of an entry; `read`: that it is so now.
+  // What is known of an entry, and whether its date, or all of it, is so now.
   struct Known {
     SharedFacts facts;
+    bool dated = false;
     bool read = false;
   };
 

@@ -97,8 +97,11 @@ void ResultsDialog::ShowQuestion(const QString& question) {
   ui_->questionLabel->show();
 }
 
-void ResultsDialog::OfferUndo(bool offered) {
-  ui_->undoButton->setVisible(offered);
+void ResultsDialog::OfferUndo(std::size_t notKept) {
+  ui_->undoButton->show();
+  if (notKept == 0) return;
+  ui_->remarks->appendPlainText(ToQt(notKept == 1 ? std::string(Text(texts::UndoOneLost))
+                                                  : Format(Text(texts::UndoManyLost), notKept)));
 }
 
 void ResultsDialog::OfferNotation(std::function<bool(const std::string&)> fits) {

@@ -32,8 +32,8 @@ class ResultsDialog : public HostedDialog {
   // Offers a look at the notes of files that fit, beside the other details.
   void OfferNotation(std::function<bool(const std::string&)> fits);
 
-  // The run can be undone.
-  void OfferUndo(bool offered);
+  // The run can be undone, but for so many files that it has replaced.
+  void OfferUndo(std::size_t notKept);
 
   [[nodiscard]] QString HelpTopic() const override;
 
