@@ -17,6 +17,7 @@
 #include "artworker/texts.h"
 #include "frame/failure_reason.h"
 #include "frame/run.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/bytes.h"
@@ -103,8 +104,8 @@ class Printing {
     auto file = StagedFile::Create(target.name);
     if (!file) return Code(file.error());
     if (const std::int32_t code = Draw(plan, *file); code != 0) return code;
-    const auto taken = TakeTarget(*file, std::move(target), naming_,
-                                  [this](const std::string& there) { return MayReplace(there); });
+    const auto taken = PutTarget(run_, *file, std::move(target), naming_,
+                                 [this](const std::string& there) { return MayReplace(there); });
     if (!taken && taken.error() == Outcome::Cancelled) return Code(Outcome::Cancelled);
     if (!taken) return NotEnded(kDocumentNotEnded);
     name = *taken;

@@ -257,6 +257,7 @@ class MidiToWaveRun {
     const WorkWatch watch{[this] { return run_.Cancelled(); },
                           [this](double fraction) { run_.Progress(1, 1, fraction); }};
     const Outcome outcome = Normalise(files, {}, kWholeProject, files.size(), watch);
+    for (const std::string& file : files) run_.Changed(file);
     if (!Book(outcome)) return;
     if (outcome == Outcome::Cancelled) {
       run_.AddCode(outcome);

@@ -302,8 +302,9 @@ class GrabRun {
     const std::string sheet =
         GrabbedSheet({source_->Catalogue(), source_->Text().disc,
                       hidden == files.end() ? std::string() : hidden->second, std::move(tracks)});
-    const Outcome written = WriteFile(FreeName("CD.cue"), AsBytes(sheet));
-    if (Failed(written)) run_.AddCode(written);
+    const std::string name = FreeName("CD.cue");
+    const Outcome written = WriteFile(name, AsBytes(sheet));
+    Failed(written) ? run_.AddCode(written) : run_.Made(name);
   }
 
   // What lies before the first track and is in no table of contents.
@@ -323,7 +324,7 @@ class GrabRun {
       Outcome grabbed = GrabPiece({kHiddenTrack, Lba{0}, sectors}, target);
       if (Succeeded(grabbed) || target.keep) {
         const Outcome committed = file->Commit();
-        if (Failed(committed)) grabbed = committed;
+        Failed(committed) ? void(grabbed = committed) : run_.Made(path);
       }
       item.code = Code(grabbed);
       if (Failed(grabbed)) run_.AddStatus({item.code, false, target.number});

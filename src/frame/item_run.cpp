@@ -16,6 +16,7 @@
 #include "frame/ordered_pool.h"
 #include "frame/run.h"
 #include "frame/run_journal.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -212,6 +213,7 @@ class ItemRun {
   Outcome ConvertInto(Item& item) {
     const PlannedTarget& target = targets_[item.index];
     if (Failed(target.code)) return target.code;
+    if (!run_.Destination().structure.empty()) (void)MakeDirectories(std::string(DirectoryOf(target.name)));
     auto staged = StagedFile::Create(target.name);
     if (!staged) return staged.error();
     item.target = std::move(*staged);
@@ -340,8 +342,8 @@ class ItemRun {
   bool PutInPlace(Item& item) {
     if (!item.target) return item.code != Outcome::Cancelled;
     ForgetFault();
-    auto taken = TakeTarget(*item.target, targets_[item.index], naming_,
-                            [this](const std::string& target) { return MayReplace(target); });
+    auto taken = PutTarget(run_, *item.target, targets_[item.index], naming_,
+                           [this](const std::string& target) { return MayReplace(target); });
     if (taken) {
       item.name = *std::move(taken);
     } else {

@@ -101,6 +101,8 @@ struct Job {
 
   std::int32_t sourceDrive = 0;  // 0 is c:; kListModeDrive: the free file list
   DirectorySelection directory;
+  bool subdirectories =
+      false;  // files below the directory are shown as well; their names hold where they lie
   FreeFileList files;
   bool fileWindowMaximised = false;  // list mode only
   SizingRectangle sizing;

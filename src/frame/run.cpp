@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/filter_catalogue.h"
+#include "frame/run_undo.h"
 
 namespace ts5 {
 namespace {
@@ -24,6 +25,18 @@ Run::Run(RunSetup setup, const FilterModule& module, std::shared_ptr<JobRun> sta
 
 const FilterParameters& ParametersOf(const Run& run) {
   return *run.GetJob().parameters;
+}
+
+Outcome Run::KeepReplaced(const std::string& target) {
+  return setup_.undo ? setup_.undo->Keep(target, [this] { return Cancelled(); }) : Outcome::Success;
+}
+
+void Run::Made(const std::string& target) {
+  if (setup_.undo) setup_.undo->Made(target);
+}
+
+void Run::Changed(const std::string& target) {
+  if (setup_.undo) setup_.undo->Changed(target);
 }
 
 bool Run::Sleep(std::chrono::milliseconds duration) const {

@@ -25,6 +25,7 @@
 namespace ts5 {
 
 class RunJournal;
+class RunUndo;
 
 // Progress events closer together than this are left out.
 inline constexpr std::chrono::milliseconds kProgressInterval{50};
@@ -57,6 +58,7 @@ struct RunSetup {
       {};  // of what the run itself finds, as a search of a tree; the items of the job are its own
   std::string journals = {};                // where runs keep their journals; "" for none
   std::shared_ptr<RunJournal> goesOn = {};  // the interrupted run that this one goes on with
+  std::shared_ptr<RunUndo> undo = {};       // notes what the run makes and replaces; may be empty
 };
 
 class Run {
@@ -76,6 +78,10 @@ class Run {
   [[nodiscard]] const std::string& Journals() const { return setup_.journals; }
   [[nodiscard]] const std::shared_ptr<RunJournal>& GoesOn() const { return setup_.goesOn; }
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
+  // For the undoing of the run: a file is about to be replaced, was made, was changed once more.
+  [[nodiscard]] Outcome KeepReplaced(const std::string& target);
+  void Made(const std::string& target);
+  void Changed(const std::string& target);
 
   [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }
   [[nodiscard]] std::string Source(std::size_t index) const { return ItemSource(setup_.job, index); }

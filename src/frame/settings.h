@@ -44,6 +44,9 @@ struct Settings {
   std::string fileSearchDirectories;
   std::optional<WindowRectangle> mainWindowPosition;
   bool mainWindowMaximised = true;
+  // The columns of the file list that show facts, and what it is sorted by: frame/file_columns, list_order.
+  std::string fileColumns = "Length Size Date Key Metre Tempo Voices";
+  std::string fileSorting;
   bool showAllFilters = false;  // the filter bar shows what does not fit the selection, too
 
   // General

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/failure_reason.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -208,7 +209,7 @@ class SearchRun {
   Outcome PutInPlace(StagedFile& file) {
     if (target_.taking == Taking::Replace && IdentityOf(target_.name) != old_)
       target_.taking = Taking::Number;
-    const auto taken = TakeTarget(file, target_, naming_, {});
+    const auto taken = PutTarget(run_, file, target_, naming_, {});
     if (!taken) return taken.error();
     for (RunItem& item : run_.Result().items) item.destination = *taken;
     return Outcome::Success;

@@ -126,6 +126,29 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
   EXPECT_LT(seconds, 2.0);
 }
 
+TEST(DirectoryListing, ATreeComesDirectoryByDirectory) {
+  const test::TemporaryDirectory directory;
+  for (const char* name : {"z.mid", "Chor/b.mid", "Chor/Alt/a.mid", "Band/x.wav", "Band/x.mid",
+                           "Leer/notes.txt", ".versteckt/h.mid"})
+    directory.Write(name, "x");
+  std::filesystem::create_directory_symlink(directory.Path(), directory.File("Chor/rund"));
+  std::vector<std::string> names;
+  const auto sink = [&](std::vector<DirectoryItem> items) {
+    for (const DirectoryItem& item : items) names.push_back(item.name);
+  };
+  EXPECT_THAT(ListTree(directory.Path(), {}, {}, sink).outcome, test::IsOk());
+  EXPECT_THAT(names, ElementsAre("z.mid", "Band/x.wav", "Band/x.mid", "Chor/b.mid", "Chor/Alt/a.mid"));
+  names.clear();
+  std::stop_source stop;
+  const ListingEnd end =
+      ListTree(directory.Path(), {}, stop.get_token(), [&](std::vector<DirectoryItem> items) {
+        sink(std::move(items));
+        stop.request_stop();
+      });
+  EXPECT_EQ(end.outcome, Outcome::Cancelled);
+  EXPECT_THAT(names, ElementsAre("z.mid"));
+}
+
 DirectoryLister::Post PostTo(EventLoop& loop) {
   return [&loop](std::function<void()> event) { loop.Post(std::move(event)); };
 }
@@ -145,11 +168,11 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
     EXPECT_FALSE(lister.Running());
     ++ends;
   };
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_FALSE(lister.Start(directory.Path(), sink, end)) << "ignored while the first one runs";
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
+  EXPECT_FALSE(lister.Start(directory.Path(), false, sink, end)) << "ignored while the first one runs";
   EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }));
   EXPECT_THAT(names, ElementsAre("a.mid"));
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
   EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }));
 }
 
@@ -171,14 +194,14 @@ TEST(DirectoryLister, CancelDoesNotWait) {
                                         });
   const auto never = [](auto) { FAIL() << "a cancelled listing has reported"; };
   bool ended = false;
-  ASSERT_TRUE(lister->Start("/slow", never, never));
+  ASSERT_TRUE(lister->Start("/slow", false, never, never));
   lister->Cancel();
   EXPECT_FALSE(lister->Running());
   ASSERT_TRUE(lister->Start(
-      directory.Path(), [](auto) {}, [&](ListingEnd) { ended = true; }));
+      directory.Path(), false, [](auto) {}, [&](ListingEnd) { ended = true; }));
   EXPECT_TRUE(loop.RunUntil([&] { return ended; }));
 
-  ASSERT_TRUE(lister->Start(directory.Path(), never, never));
+  ASSERT_TRUE(lister->Start(directory.Path(), false, never, never));
   lister.reset();
   held.unlock();
   while (answered == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));

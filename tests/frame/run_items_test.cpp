@@ -614,5 +614,24 @@ TEST(Run, ProgressIsOrderedThinnedOutAndComplete) {
   EXPECT_EQ(host->results.size(), 1U);
 }
 
+TEST(RunItems, SubdirectoriesAreFoundAgainInTheTarget) {
+  const test::TemporaryDirectory place;
+  const FilterModule module = CopyModule();
+  Job job = ListJob({}, module);
+  job.sourceDrive = 0;
+  job.subdirectories = true;
+  job.directory = {.path = place.File("in"), .names = {"a.txt", "Chor/Alt/a.txt"}};
+  for (const std::string& name : job.directory.names) place.Write("in/" + name, "ok");
+  place.Write("in/Leer/b.txt", "wrong format");
+  job.directory.names.emplace_back("Leer/b.txt");
+  std::filesystem::create_directory(place.File("out"));
+  job.targetDirectory = place.File("out");
+  const RunResult result = RunJob(job, module, DestinationRulesOf(Settings{}, job));
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(test::Content(place.File("out/a.out")), "ok copied");
+  EXPECT_EQ(test::Content(place.File("out/Chor/Alt/a.out")), "ok copied");
+  EXPECT_FALSE(std::filesystem::exists(place.File("out/Leer"))) << "nothing came of what is there";
+}
+
 }  // namespace
 }  // namespace ts5

@@ -101,6 +101,8 @@ TEST(SettingsStore, EverySettingSurvivesTheRegistry) {
                     .fileSearchDirectories = "/a;/b",
                     .mainWindowPosition = WindowRectangle{10, 20, 1200, 900},
                     .mainWindowMaximised = false,
+                    .fileColumns = "Date Length",
+                    .fileSorting = "-Date",
                     .jobSaving = JobSaving::Ask,
                     .oldSearchResults = OldSearchResults::Extend,
                     .searchWholePath = true,

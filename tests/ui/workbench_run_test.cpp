@@ -111,6 +111,37 @@ TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
   EXPECT_EQ(ActiveJob().targetDirectory, directory_.File("Ziel"));
 }
 
+TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
+  const test::Home data;
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  directory_.Write("b.cnv.mid", "von früher");
+  Select({0, 1});
+  ChooseConverter();
+  EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled());
+  for (const bool atOnce : {true, false}) {
+    script_.Expect([&](QDialog& dialog) {
+      auto* const undo = dialog.findChild<QPushButton*>("undoButton");
+      ASSERT_TRUE(undo != nullptr && undo->isVisible());
+      atOnce ? undo->click() : dialog.accept();
+    });
+    if (atOnce) script_.ExpectBox(QMessageBox::Ok);
+    W().Actions().Trigger(CommandId::Run);
+    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+    if (!atOnce) {
+      EXPECT_THAT(test::Content(directory_.File("b.cnv.mid")), testing::StartsWith("MThd"));
+      script_.ExpectBox(QMessageBox::Ok);
+      W().Actions().Trigger(CommandId::UndoRun);
+      ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+    }
+    EXPECT_EQ(script_.LastText(), "2 Dateien liegen jetzt im Papierkorb.\n1 ersetzte Datei ist wieder da.");
+    EXPECT_EQ(test::Content(directory_.File("b.cnv.mid")), "von früher");
+    EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("a.cnv.mid")));
+    EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled()) << "it has been undone";
+  }
+}
+
 TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
   const FilterModule* const module = FindModule(FilterId::MidiConverter);
   RunPlan plan;

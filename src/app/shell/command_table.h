@@ -59,6 +59,10 @@ enum class CommandId : std::uint16_t {
   RestoreJob = 40182,
   ShowNotation = 40183,
   SelectAllFiles = 40184,
+  FilterList = 40195,
+  ListColumns = 40196,
+  TakeOrder = 40197,
+  UndoRun = 40198,
 };
 
 // Commands with a running number: job buttons, filter tiles and the collapse buttons of the tiles.

@@ -28,6 +28,7 @@
 #include "app/shell/store_watch.h"
 #include "app/shell/window_places.h"
 #include "app/source/disc_commands.h"
+#include "app/source/list_arrangement.h"
 #include "app/source/list_commands.h"
 #include "app/source/source_area.h"
 #include "app/source/source_commands.h"
@@ -111,6 +112,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<TargetFolder> targetFolder_;
   std::unique_ptr<SourceCommands> sources_;
   std::unique_ptr<ListCommands> lists_;
+  std::unique_ptr<ListArrangement> arrangement_;
   std::unique_ptr<DiscCommands> discs_;
   std::unique_ptr<JobCommands> jobs_;
   std::unique_ptr<FilterCommands> filterCommands_;
