@@ -44,6 +44,7 @@ struct Settings {
   std::string fileSearchDirectories;
   std::optional<WindowRectangle> mainWindowPosition;
   bool mainWindowMaximised = true;
+  std::int32_t listeningVolume = 0;  // of the player under the list, hundredths of a decibel
   bool showAllFilters = false;  // the filter bar shows what does not fit the selection, too
 
   // General

@@ -133,6 +133,7 @@ const std::vector<SettingRow>& Rows() {
       FreeText("FileSearchDirs", &Settings::fileSearchDirectories),
       Rectangle("MainWindowPos", &Settings::mainWindowPosition),
       Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
+      Number("ListeningVolume", &Settings::listeningVolume, -10'000, 0),
       Flag("ShowAllFilters", &Settings::showAllFilters),
       Number("Job Saving", &Settings::jobSaving, 0, 2),
       Number("MelSearchResults", &Settings::oldSearchResults, 0, 2),

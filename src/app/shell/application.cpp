@@ -43,6 +43,7 @@ Application::Application(const StartOptions& options, const std::function<void(T
       patience_(options.patience),
       modules_(options.modules ? options.modules : ModuleFinder(&FindModule)),
       ownDrives_(!options.devices && !options.volumes),
+      ownDevices_(!options.devices),
       runner_(modules_),
       session_(DefaultSettingsGround()) {
   OpenRegistry();
@@ -96,6 +97,15 @@ Application::~Application() = default;
 
 std::string Application::Journals() const {
   return JournalDirectory(registryPath_);
+}
+
+std::function<SoundPlaces()> Application::SoundFinder() const {
+  if (ownDevices_) return FindSoundPlaces;
+  // Given devices are all that there are.
+  SoundPlaces places;
+  if (!devices_.audioOutputs.empty()) places.audio = devices_.audioOutputs.front();
+  if (!devices_.midiOutputs.empty()) places.midi = devices_.midiOutputs.front();
+  return [places] { return places; };
 }
 
 void Application::LookForDrives() {

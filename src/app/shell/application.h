@@ -18,6 +18,7 @@
 #include "frame/ui/qt_event_loop.h"
 #include "platform/base/strings.h"
 #include "platform/disc/volumes.h"
+#include "platform/sound/sound_places.h"
 #include "platform/store/registry.h"
 
 namespace ts5 {
@@ -57,6 +58,8 @@ class Application {
   [[nodiscard]] const VolumeTable& Volumes() const { return volumes_; }
   // Drives and volumes are those of this machine, and may come and go.
   [[nodiscard]] bool OwnDrives() const { return ownDrives_; }
+  // Looks where music can sound now. May be called from any thread, and after the application has gone.
+  [[nodiscard]] std::function<SoundPlaces()> SoundFinder() const;
   // Looks for them again; jobs whose drive has another letter now get it.
   void LookForDrives();
   [[nodiscard]] const SiblingPrograms& Siblings() const { return siblings_; }
@@ -111,6 +114,7 @@ class Application {
   SiblingPrograms siblings_;
   VolumeTable volumes_;
   bool ownDrives_;
+  bool ownDevices_;
   DeviceLists devices_;
   Settings settings_;
   QtEventLoop loop_;

@@ -146,6 +146,8 @@ void MainWindow::MakeCommands() {
     discs_->OfferRecorder(*view);
   }
   discs_->OfferRecorder(*target_->DeviceList(DeviceKind::Drive));
+  listening_ = std::make_unique<ListenCommands>(*source_->Files(), application_, source_);
+  source_->AddBelowList(listening_->Bar());
   jobs_ = std::make_unique<JobCommands>(*desk_, *active_, application_.GetJobs(), *jobBar_, *panels_);
   filterCommands_ = std::make_unique<FilterCommands>(*active_, *filters_);
   runs_ = std::make_unique<RunCommands>(*desk_, *active_, *panels_, application_);
@@ -346,6 +348,7 @@ bool MainWindow::End(JobSaving policy, bool attended) {
   desk_->Close();
   runs_->Close();
   searches_->Close();
+  listening_->Close();
   hide();
   application_.StopRuns();
   return true;

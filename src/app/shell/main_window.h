@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/listen/listen_commands.h"
 #include "app/run/interrupted_runs.h"
 #include "app/run/job_windows.h"
 #include "app/run/layout_preview.h"
@@ -67,6 +68,7 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] TargetArea& Target() { return *target_; }
   [[nodiscard]] RunPanels& Panels() { return *panels_; }
   [[nodiscard]] JobWindows& Windows() { return *windows_; }
+  [[nodiscard]] ListenCommands& Listening() { return *listening_; }
   [[nodiscard]] const HelpCommands& Help() const { return *helpCommands_; }
 
  protected:
@@ -112,6 +114,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<SourceCommands> sources_;
   std::unique_ptr<ListCommands> lists_;
   std::unique_ptr<DiscCommands> discs_;
+  std::unique_ptr<ListenCommands> listening_;
   std::unique_ptr<JobCommands> jobs_;
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;

@@ -70,6 +70,8 @@ class SourceArea : public QWidget {
   [[nodiscard]] QTreeView* Tree() const { return tree_; }
   [[nodiscard]] DirectoryTreeModel& TreeModel() { return treeModel_; }
   [[nodiscard]] FileView* Files() const { return files_; }
+  // Directly under the list of files.
+  void AddBelowList(QWidget* widget);
   // Over the file view, while there are no files.
   [[nodiscard]] EmptyNote* Note() const { return note_; }
   [[nodiscard]] FreeListStrip* Strip() const { return strip_; }

@@ -1,0 +1,48 @@
+// The slim player under the list of files: what sounds, where it is, how loud, and stop.
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QSlider>
+#include <QTimer>
+#include <QToolButton>
+
+#include "app/listen/listener.h"
+#include "frame/ui/position_slider.h"
+
+namespace ts5 {
+
+class ListenBar : public QFrame {
+  Q_OBJECT
+
+ public:
+  // The listener outlives the bar. volume: in hundredths of a decibel.
+  ListenBar(Listener& listener, std::int32_t volume, QWidget* parent = nullptr);
+
+  // Plays, pauses, goes on, or plays the title anew when it has ended.
+  void TogglePlay();
+  // Ends what plays; without anything the bar goes.
+  void StopOrGo();
+
+ signals:
+  void AgainWanted();  // the title that has ended
+  void VolumeChanged(std::int32_t hundredths);
+
+ private:
+  void ShowTitle();
+  void ShowRefusal(const QString& why);
+  void Refresh();  // what moves while a title plays
+  [[nodiscard]] QToolButton* MakeButton(const char* name, TextId text, std::string_view icon);
+
+  Listener& listener_;
+  QToolButton* play_;
+  QToolButton* stop_;
+  QLabel* title_;
+  PositionSlider* position_;
+  QLabel* time_;
+  QSlider* volume_;
+  QTimer timer_;
+  bool paused_ = false;
+};
+
+}  // namespace ts5
