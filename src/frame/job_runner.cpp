@@ -97,7 +97,8 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
                                             .number = request.number,
                                             .share = request.share,
                                             .journals = std::move(request.journals),
-                                            .goesOn = std::move(request.goesOn)},
+                                            .goesOn = std::move(request.goesOn),
+                                            .practices = std::move(request.practices)},
                                    *module, worker->state, std::move(host));
   state.cancelRequest = kNoCancel;
   state.currentItem = 0;
