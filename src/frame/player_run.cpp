@@ -127,6 +127,7 @@ class PlayerRun {
     control_.BeginPractice(run_.Practices() ? Limited(run_.Practices()->Of(source), title.Duration())
                                             : Practice{});
     title.Practise(control_.GetPractice());
+    if (const auto& passage = control_.GetPractice().passage) title.Seek(passage->from);
     control_.Report({.title = source,
                      .name = title.Name(),
                      .duration = title.Duration(),

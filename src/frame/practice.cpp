@@ -1,6 +1,7 @@
 #include "frame/practice.h"
 
-#include <string_view>
+#include <algorithm>
+#include <iterator>
 
 #include "platform/base/strings.h"
 #include "platform/base/text.h"
@@ -45,6 +46,17 @@ Practice Limited(Practice practice, nanoseconds duration) {
     if (passage->to - passage->from < kShortestPassage) passage.reset();
   }
   return practice;
+}
+
+nanoseconds PassageBegin(nanoseconds place, std::span<const nanoseconds> bars) {
+  const auto next = std::ranges::upper_bound(bars, place);
+  return next == bars.begin() ? place : *std::prev(next);
+}
+
+nanoseconds PassageEnd(nanoseconds place, nanoseconds duration, std::span<const nanoseconds> bars) {
+  if (bars.empty()) return std::min(place, duration);
+  const auto next = std::ranges::upper_bound(bars, place);
+  return next == bars.end() ? duration : *next;
 }
 
 std::string PracticeText(const Practice& practice) {

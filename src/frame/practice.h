@@ -2,12 +2,13 @@
 // tracks.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace ts5 {
 
@@ -41,6 +42,14 @@ struct Practice {
 
 // Within its bounds; a passage that is too short, or does not lie in the title, is none.
 [[nodiscard]] Practice Limited(Practice practice, std::chrono::nanoseconds duration);
+
+// A passage that is marked while its title plays begins with the bar that sounds, and ends with it; without
+// bars, at once. bars: where they begin, in order.
+[[nodiscard]] std::chrono::nanoseconds PassageBegin(std::chrono::nanoseconds place,
+                                                    std::span<const std::chrono::nanoseconds> bars);
+[[nodiscard]] std::chrono::nanoseconds PassageEnd(std::chrono::nanoseconds place,
+                                                  std::chrono::nanoseconds duration,
+                                                  std::span<const std::chrono::nanoseconds> bars);
 
 // As it is kept: "A=12000 B=15500 speed=75 shift=-2 mute=1,3 solo=2" in milliseconds, "" for plain playing.
 [[nodiscard]] std::string PracticeText(const Practice& practice);

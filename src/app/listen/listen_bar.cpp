@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 #include <algorithm>
 
 #include "app/texts.h"
@@ -35,7 +36,9 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
       title_(new QLabel(this)),
       position_(new PositionSlider(this)),
       time_(new QLabel(this)),
-      volume_(new QSlider(Qt::Horizontal, this)) {
+      volume_(new QSlider(Qt::Horizontal, this)),
+      practise_(new QToolButton(this)),
+      practice_(new PracticePanel([&listener] { return listener.Control(); }, this)) {
   setObjectName("listenBar");
   setAccessibleName(QtText(texts::ListenBarName));
   setFrameShape(StyledPanel);
@@ -53,14 +56,28 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   volume_->setFixedWidth(kVolumeWidth);
   volume_->setValue(std::max(volume / 100, kSoftest));
 
-  auto* const layout = new QHBoxLayout(this);
-  layout->setContentsMargins(4, 2, 4, 2);
+  practise_->setObjectName("listenPractise");
+  practise_->setText(QtText(texts::ListenPractise));
+  practise_->setToolTip(QtText(texts::ListenPractiseTip));
+  practise_->setAccessibleDescription(QtText(texts::ListenPractiseTip));
+  practise_->setCheckable(true);
+  practise_->setAutoRaise(true);
+  practise_->setFocusPolicy(Qt::TabFocus);
+  practice_->hide();
+
+  auto* const rows = new QVBoxLayout(this);
+  rows->setContentsMargins(4, 2, 4, 2);
+  rows->setSpacing(2);
+  auto* const layout = new QHBoxLayout;
   layout->setSpacing(4);
+  rows->addLayout(layout);
+  rows->addWidget(practice_);
   for (QWidget* const widget : std::initializer_list<QWidget*>{play_, stop_}) layout->addWidget(widget);
   layout->addWidget(title_, 2);
   layout->addWidget(position_, 3);
   layout->addWidget(time_);
   layout->addWidget(volume_);
+  layout->addWidget(practise_);
 
   connect(play_, &QAbstractButton::clicked, this, &ListenBar::TogglePlay);
   connect(stop_, &QAbstractButton::clicked, this, &ListenBar::StopOrGo);
@@ -73,6 +90,7 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   connect(volume_, &QSlider::valueChanged, this, [this](int decibels) {
     emit VolumeChanged(decibels <= kSoftest ? kLowestVolume : decibels * 100);
   });
+  connect(practise_, &QAbstractButton::toggled, practice_, &QWidget::setVisible);
   connect(&listener_, &Listener::Changed, this, &ListenBar::ShowTitle);
   connect(&listener_, &Listener::Refused, this, &ListenBar::ShowRefusal);
   timer_.setInterval(kRefreshMilliseconds);
@@ -143,6 +161,14 @@ void ListenBar::Refresh() {
     position_->setValue(Milliseconds(status.position));
   }
   position_->SetWaveform(status.waveform);
+  position_->SetScore(status.score);
+  practice_->Show(status);
+  position_->SetPassage(plays ? control->GetPractice().passage : std::nullopt);
+  // Whoever hears a title slowly has to see why.
+  if (status.score != shown_) {
+    shown_ = status.score;
+    if (plays && practice_->Practises()) practise_->setChecked(true);
+  }
   if (plays && !status.name.empty()) title_->setText(ToQt(status.name));
   const QString time = plays ? ToQt(ListenTimeText(status)) : QString();
   if (time_->text() != time) time_->setText(time);

@@ -1,4 +1,5 @@
-// The slim player under the list of files: what sounds, where it is, how loud, and stop.
+// The slim player under the list of files: what sounds, where it is, how loud, and stop; below it, on
+// request, how it is practised.
 #pragma once
 
 #include <QFrame>
@@ -9,6 +10,7 @@
 
 #include "app/listen/listener.h"
 #include "frame/ui/position_slider.h"
+#include "frame/ui/practice_panel.h"
 
 namespace ts5 {
 
@@ -41,8 +43,10 @@ class ListenBar : public QFrame {
   PositionSlider* position_;
   QLabel* time_;
   QSlider* volume_;
+  QToolButton* practise_;
+  PracticePanel* practice_;
+  std::shared_ptr<const PlayerScore> shown_;  // of the title that was looked at last
   QTimer timer_;
-  bool paused_ = false;
 };
 
 }  // namespace ts5

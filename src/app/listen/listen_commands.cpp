@@ -11,7 +11,7 @@ ListenCommands::ListenCommands(FileView& files, Application& application, QWidge
     : files_(files),
       application_(application),
       listener_([&application](FilterId filter) { return application.Module(filter); },
-                application.SoundFinder()),
+                application.SoundFinder(), application.Practices()),
       bar_(new ListenBar(listener_, application.GetSettings().listeningVolume, barParent)) {
   listener_.SetVolume(application_.GetSettings().listeningVolume);
   files_.installEventFilter(this);

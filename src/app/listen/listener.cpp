@@ -26,8 +26,13 @@ class StartWords : public JobDialogs {
 
 }  // namespace
 
-Listener::Listener(ModuleFinder modules, std::function<SoundPlaces()> findPlaces, QObject* parent)
-    : QObject(parent), modules_(std::move(modules)), findPlaces_(std::move(findPlaces)), runner_(modules_) {}
+Listener::Listener(ModuleFinder modules, std::function<SoundPlaces()> findPlaces,
+                   std::shared_ptr<PracticeBook> practices, QObject* parent)
+    : QObject(parent),
+      modules_(std::move(modules)),
+      findPlaces_(std::move(findPlaces)),
+      practices_(std::move(practices)),
+      runner_(modules_) {}
 
 Listener::~Listener() {
   Close();
@@ -105,6 +110,7 @@ void Listener::Launch(const SoundPlaces& places) {
   RunRequest request;
   request.settings = settings_;
   request.devices.output = *place;
+  request.practices = practices_;
   StartWords words;
   if (!runner_.Start(job, std::move(request), going.host, words)) return emit Refused(words.Words());
   going_ = std::move(going);

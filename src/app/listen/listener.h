@@ -24,7 +24,8 @@ class Listener : public QObject {
 
  public:
   // findPlaces is asked before each title, on a thread of its own, so that devices may come and go.
-  Listener(ModuleFinder modules, std::function<SoundPlaces()> findPlaces, QObject* parent = nullptr);
+  Listener(ModuleFinder modules, std::function<SoundPlaces()> findPlaces,
+           std::shared_ptr<PracticeBook> practices = {}, QObject* parent = nullptr);
   ~Listener() override;
 
   // In place of what plays; it begins as soon as that has ended.
@@ -58,6 +59,7 @@ class Listener : public QObject {
 
   ModuleFinder modules_;
   std::function<SoundPlaces()> findPlaces_;
+  std::shared_ptr<PracticeBook> practices_;
   Settings settings_;
   std::int32_t volume_ = 0;
   std::optional<FileListEntry> title_;

@@ -12,6 +12,7 @@
 #include "frame/filter_bar.h"
 #include "frame/job_runner.h"
 #include "frame/jobs.h"
+#include "frame/practice_book.h"
 #include "frame/session_store.h"
 #include "frame/settings.h"
 #include "frame/siblings.h"
@@ -67,6 +68,8 @@ class Application {
   [[nodiscard]] JobRunner& Runner() { return runner_; }
   [[nodiscard]] Registry& GetRegistry() { return *registry_; }
   [[nodiscard]] EventLoop& Loop() { return loop_; }
+  // How files were practised, for all that plays.
+  [[nodiscard]] const std::shared_ptr<PracticeBook>& Practices() const { return practices_; }
   [[nodiscard]] const FilterModule* Module(FilterId filter) const { return modules_(filter); }
   // What the user has to be told after the start, e.g. about a registry that was damaged.
   [[nodiscard]] const std::vector<std::string>& Notices() const { return notices_; }
@@ -120,6 +123,7 @@ class Application {
   QtEventLoop loop_;
   JobRunner runner_;
   std::unique_ptr<Jobs> jobs_;
+  std::shared_ptr<PracticeBook> practices_ = std::make_shared<PracticeBook>();
   bool runsLeft_ = false;
   SessionStore session_;
 };
