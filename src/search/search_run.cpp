@@ -272,6 +272,8 @@ SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters) 
   for (const SearchMelody& melody : parameters.more) record.melodyName += ", " + melody.name;
   record.notes = static_cast<std::size_t>(
       std::ranges::count_if(parameters.melody.elements, [](const auto& e) { return !IsRest(e); }));
+  record.melody = parameters.melody.elements;
+  record.clef = parameters.melody.clef;
   record.start = LocalNow();
   return record;
 }
