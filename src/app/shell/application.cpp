@@ -1,6 +1,7 @@
 #include "app/shell/application.h"
 
 #include <QPrinterInfo>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -36,6 +37,10 @@ std::vector<std::string> Writers() {
 }
 
 }  // namespace
+
+SoundDevices FindSoundDevices() {
+  return {AudioInputDevices(), AudioOutputDevices(), MidiOutputDevices()};
+}
 
 Application::Application(const StartOptions& options, const std::function<void(TextId)>& announce)
     : announce_(announce ? announce : [](TextId) {}),
@@ -97,6 +102,20 @@ Application::~Application() = default;
 
 std::string Application::Journals() const {
   return JournalDirectory(registryPath_);
+}
+
+bool Application::AddSoundDevices(const SoundDevices& found) {
+  bool any = false;
+  for (const auto list :
+       {&SoundDevices::audioInputs, &SoundDevices::audioOutputs, &SoundDevices::midiOutputs}) {
+    std::vector<std::string>& known = devices_.*list;
+    for (const std::string& name : found.*list) {
+      if (std::ranges::find(known, name) != known.end()) continue;
+      known.push_back(name);
+      any = true;
+    }
+  }
+  return any;
 }
 
 std::function<SoundPlaces()> Application::SoundFinder() const {

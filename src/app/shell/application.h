@@ -24,11 +24,16 @@
 
 namespace ts5 {
 
-// The devices found at the start, by the names that the user sees.
-struct DeviceLists {
+// By the names that the user sees.
+struct SoundDevices {
   std::vector<std::string> audioInputs;
   std::vector<std::string> audioOutputs;
   std::vector<std::string> midiOutputs;
+};
+[[nodiscard]] SoundDevices FindSoundDevices();  // of this machine; may take some time
+
+// The devices found at the start, and the sound devices that came later.
+struct DeviceLists : SoundDevices {
   std::vector<std::string> writers;
   std::vector<std::string> printers;
 
@@ -59,6 +64,11 @@ class Application {
   [[nodiscard]] const VolumeTable& Volumes() const { return volumes_; }
   // Drives and volumes are those of this machine, and may come and go.
   [[nodiscard]] bool OwnDrives() const { return ownDrives_; }
+  // The devices are those of this machine, and more may come.
+  [[nodiscard]] bool HasOwnDevices() const { return ownDevices_; }
+  // Takes those that are new, behind the others: jobs know devices by their places in the lists. False when
+  // there are none.
+  bool AddSoundDevices(const SoundDevices& found);
   // Looks where music can sound now. May be called from any thread, and after the application has gone.
   [[nodiscard]] std::function<SoundPlaces()> SoundFinder() const;
   // Looks for them again; jobs whose drive has another letter now get it.

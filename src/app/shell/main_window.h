@@ -32,6 +32,7 @@
 #include "app/source/list_commands.h"
 #include "app/source/source_area.h"
 #include "app/source/source_commands.h"
+#include "app/target/sound_watch.h"
 #include "app/target/target_area.h"
 #include "app/target/target_commands.h"
 #include "app/target/target_folder.h"
@@ -82,6 +83,7 @@ class MainWindow : public QMainWindow {
   void FillAreas();
   // The drives of the machine in the selector and in the list of recorders.
   void ShowDrives();
+  void ShowSoundDevices();
   void MakeCommands();
   void Connect();
   void ConnectRuns();
@@ -115,6 +117,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<ListCommands> lists_;
   std::unique_ptr<DiscCommands> discs_;
   std::unique_ptr<ListenCommands> listening_;
+  std::unique_ptr<SoundWatch> sound_;
   std::unique_ptr<JobCommands> jobs_;
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;
