@@ -85,10 +85,8 @@ void PositionSlider::DrawOutline() {
 void PositionSlider::DrawBars(QPainter& painter) const {
   const auto& bars = score_->bars;
   std::size_t each = 1;
-  for (const std::size_t next : {2, 4, 8, 16, 32, 64, 128, 256, 512, 1024}) {
-    if (width() / (static_cast<double>(bars.size()) / static_cast<double>(each)) >= kLeastBarWidth) break;
-    each = next;
-  }
+  const auto lines = [&] { return static_cast<double>(bars.size()) / static_cast<double>(each); };
+  while (each < bars.size() && width() / lines() < kLeastBarWidth) each *= 2;
   for (std::size_t i = 0; i < bars.size(); i += each) {
     const double x = PlaceOf(bars[i]);
     painter.drawLine(QPointF(x, 0), QPointF(x, height()));

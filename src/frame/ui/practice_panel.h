@@ -12,6 +12,7 @@
 #include <string>
 
 #include "frame/player_control.h"
+#include "platform/base/strings.h"
 
 class QMenu;
 

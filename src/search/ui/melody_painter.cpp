@@ -10,7 +10,7 @@ namespace {
 constexpr int kMiddlePlace = 4;
 constexpr double kClefLeft = 14.0;
 constexpr double kLedgerOverhang = 3.0;
-constexpr double kLineOpacity = 0.55;
+constexpr float kLineOpacity = 0.55F;
 constexpr double kPictureHeight = 100.0;  // with some ledger lines
 constexpr double kBehind = 24.0;          // the last note
 
