@@ -15,6 +15,7 @@ ListenCommands::ListenCommands(FileView& files, Application& application, QWidge
       bar_(new ListenBar(listener_, application.GetSettings().listeningVolume, barParent)) {
   listener_.SetVolume(application_.GetSettings().listeningVolume);
   files_.installEventFilter(this);
+  for (QWidget* const control : bar_->findChildren<QWidget*>()) control->installEventFilter(this);
   connect(&files_, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {
     // There the texts of a disc's tracks are edited.
     if (!files_.FileModel()->TextColumn(index.column())) PlayRow(static_cast<std::size_t>(index.row()));
@@ -29,10 +30,19 @@ ListenCommands::ListenCommands(FileView& files, Application& application, QWidge
 }
 
 bool ListenCommands::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress || files_.IsEditing()) return QObject::eventFilter(watched, event);
+  const bool shortcut = event->type() == QEvent::ShortcutOverride;
+  if ((event->type() != QEvent::KeyPress && !shortcut) || files_.IsEditing())
+    return QObject::eventFilter(watched, event);
   const auto* const key = static_cast<QKeyEvent*>(event);
+  if (shortcut) {
+    // Esc ends what sounds, and not the run of a job beside it.
+    if (key->key() != Qt::Key_Escape || !listener_.Busy()) return QObject::eventFilter(watched, event);
+    event->accept();
+    return true;
+  }
   const bool plain = (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-  if (plain && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)) {
+  const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+  if (plain && enter && watched == &files_) {
     if (!key->isAutoRepeat()) PlayRow(files_.FocusRow());
     return true;
   }

@@ -22,7 +22,7 @@ class ListenCommands : public QObject {
   void Close() { listener_.Close(); }
 
  protected:
-  // The keys of the list of files.
+  // The keys of the list of files and of the bar.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
