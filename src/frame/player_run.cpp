@@ -124,10 +124,7 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
-    control_.BeginPractice(run_.Practices() ? Limited(run_.Practices()->Of(source), title.Duration())
-                                            : Practice{});
-    title.Practise(control_.GetPractice());
-    if (const auto& passage = control_.GetPractice().passage) title.Seek(passage->from);
+    BeginPractice(source, title);
     control_.Report({.title = source,
                      .name = title.Name(),
                      .duration = title.Duration(),
@@ -168,6 +165,16 @@ class PlayerRun {
     }
     thread.join();
     return turn;
+  }
+
+  // As it was practised last. Of several titles none keeps the others waiting with its passage.
+  void BeginPractice(const std::string& source, PlayedTitle& title) {
+    Practice practice;
+    if (run_.Practices()) practice = Limited(run_.Practices()->Of(source), title.Duration());
+    if (count_ > 1) practice.passage.reset();
+    title.Practise(practice);
+    if (practice.passage) title.Seek(practice.passage->from);
+    control_.BeginPractice(std::move(practice));
   }
 
   // What the user changed holds at once, and the next time.

@@ -160,5 +160,15 @@ TEST_F(ListenTest, DevicesThatComeLaterAreFound) {
   EXPECT_EQ(refused, QtText(texts::ListenNoPlayer));
 }
 
+TEST_F(ListenTest, NewSoundDevicesStandBehindTheOthers) {
+  Start();
+  const std::vector<std::string> known = application_->Devices().audioOutputs;
+  EXPECT_FALSE(application_->AddSoundDevices({.audioOutputs = known}));
+  EXPECT_TRUE(
+      application_->AddSoundDevices({.audioOutputs = {"Kopfhörer", known[0]}, .midiOutputs = {"Piano"}}));
+  EXPECT_EQ(application_->Devices().audioOutputs, (std::vector<std::string>{known[0], "Kopfhörer"}));
+  EXPECT_EQ(application_->Devices().midiOutputs.back(), "Piano");
+}
+
 }  // namespace
 }  // namespace ts5

@@ -26,9 +26,9 @@ namespace ts5 {
 
 // By the names that the user sees.
 struct SoundDevices {
-  std::vector<std::string> audioInputs;
-  std::vector<std::string> audioOutputs;
-  std::vector<std::string> midiOutputs;
+  std::vector<std::string> audioInputs = {};
+  std::vector<std::string> audioOutputs = {};
+  std::vector<std::string> midiOutputs = {};
 };
 [[nodiscard]] SoundDevices FindSoundDevices();  // of this machine; may take some time
 
