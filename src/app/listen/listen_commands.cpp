@@ -3,17 +3,20 @@
 #include <QKeyEvent>
 
 #include "app/shell/application.h"
+#include "app/shell/command_actions.h"
 #include "app/source/file_view.h"
 
 namespace ts5 {
 
-ListenCommands::ListenCommands(FileView& files, Application& application, QWidget* barParent)
+ListenCommands::ListenCommands(CommandActions& actions, FileView& files, Application& application,
+                               QWidget* barParent)
     : files_(files),
       application_(application),
       listener_([&application](FilterId filter) { return application.Module(filter); },
                 application.SoundFinder(), application.Practices()),
       bar_(new ListenBar(listener_, application.GetSettings().listeningVolume, barParent)) {
   listener_.SetVolume(application_.GetSettings().listeningVolume);
+  actions.On(CommandId::ListenFile, [this] { PlayRow(files_.FocusRow()); });
   files_.installEventFilter(this);
   for (QWidget* const control : bar_->findChildren<QWidget*>()) control->installEventFilter(this);
   connect(&files_, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {

@@ -10,12 +10,13 @@
 namespace ts5 {
 
 class Application;
+class CommandActions;
 class FileView;
 
 class ListenCommands : public QObject {
  public:
   // The bar becomes a child of barParent, in whose layout the caller puts it.
-  ListenCommands(FileView& files, Application& application, QWidget* barParent);
+  ListenCommands(CommandActions& actions, FileView& files, Application& application, QWidget* barParent);
 
   [[nodiscard]] ListenBar* Bar() const { return bar_; }
   [[nodiscard]] Listener& Sound() { return listener_; }

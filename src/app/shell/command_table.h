@@ -59,6 +59,7 @@ enum class CommandId : std::uint16_t {
   RestoreJob = 40182,
   ShowNotation = 40183,
   SelectAllFiles = 40184,
+  ListenFile = 40190,
 };
 
 // Commands with a running number: job buttons, filter tiles and the collapse buttons of the tiles.

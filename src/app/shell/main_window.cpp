@@ -28,9 +28,9 @@ constexpr int kMessageTime = 10'000;  // milliseconds of a message in the status
 constexpr int kRetry = 300;           // milliseconds until a window is looked at again that a dialog holds
 
 // What can be done with the files under the mouse, in the order of the menu.
-constexpr std::array kFileCommands{CommandId::Properties, CommandId::ShowNotation, CommandId::SelectAllFiles,
-                                   CommandId::Rename,     CommandId::MoveUp,       CommandId::MoveDown,
-                                   CommandId::Delete};
+constexpr std::array kFileCommands{CommandId::ListenFile,     CommandId::Properties, CommandId::ShowNotation,
+                                   CommandId::SelectAllFiles, CommandId::Rename,     CommandId::MoveUp,
+                                   CommandId::MoveDown,       CommandId::Delete};
 
 QStringList ToQtList(const std::vector<std::string>& names) {
   QStringList list;
@@ -149,7 +149,7 @@ void MainWindow::MakeCommands() {
     discs_->OfferRecorder(*view);
   }
   discs_->OfferRecorder(*target_->DeviceList(DeviceKind::Drive));
-  listening_ = std::make_unique<ListenCommands>(*source_->Files(), application_, source_);
+  listening_ = std::make_unique<ListenCommands>(Actions(), *source_->Files(), application_, source_);
   source_->AddBelowList(listening_->Bar());
   sound_ = std::make_unique<SoundWatch>(
       application_, [this] { return application_.Runner().AnyRunning() || listening_->Sound().Busy(); });
