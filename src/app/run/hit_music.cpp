@@ -13,6 +13,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kHeight = 84;
+constexpr int kLeastHeight = 44;  // where the window is small
 constexpr int kMargin = 4;
 constexpr double kLargestSpace = 7;  // pixels
 
@@ -26,7 +27,8 @@ struct HitMusic::Reading {
 HitMusic::HitMusic(QWidget* parent) : QWidget(parent), reading_(std::make_shared<Reading>()) {
   setObjectName("hitMusic");
   setAccessibleName(QtText(texts::HitMusicName));
-  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Maximum);
+  setMinimumHeight(kLeastHeight);
   hide();
 }
 
