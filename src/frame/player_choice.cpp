@@ -6,7 +6,9 @@
 namespace ts5 {
 
 FilterId PlayerOf(const FileListEntry& entry) {
-  SourceContext source{.listMode = true, .sourceIsAudioCd = entry.cdTrack};
+  SourceContext source;
+  source.listMode = true;
+  source.sourceIsAudioCd = entry.cdTrack;
   source.selection.Add(entry.path, entry.cdTrack);
   for (const FilterDescriptor& filter : FilterCatalogue()) {
     if (filter.Has(kPlays) && Accepts(filter.id, source)) return filter.id;
