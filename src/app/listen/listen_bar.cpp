@@ -128,8 +128,9 @@ void ListenBar::StopOrGo() {
 void ListenBar::ShowTitle() {
   if (!listener_.Title()) return;
   if (listener_.Busy()) {
-    const QString name = ToQt(FileNameOf(listener_.Title()->path));
-    title_->setText(name);
+    refused_ = false;
+    name_ = ToQt(FileNameOf(listener_.Title()->path));
+    title_->setWordWrap(false);
     title_->setToolTip(ToQt(listener_.Title()->path));
     for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->show();
     show();
@@ -142,9 +143,9 @@ void ListenBar::ShowTitle() {
 
 // In place of the position, as there is none.
 void ListenBar::ShowRefusal(const QString& why) {
-  QString line = why;
-  line.replace('\n', ' ');
-  title_->setText(line);
+  refused_ = true;
+  title_->setWordWrap(true);
+  title_->setText(why);
   title_->setToolTip(why);
   for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->hide();
   show();
@@ -169,13 +170,17 @@ void ListenBar::Refresh() {
     shown_ = status.score;
     if (plays && practice_->Practises()) practise_->setChecked(true);
   }
-  if (plays && !status.name.empty()) title_->setText(ToQt(status.name));
+  if (plays && !status.name.empty()) name_ = ToQt(status.name);
+  if (!refused_) {
+    const QString fitting = title_->fontMetrics().elidedText(name_, Qt::ElideMiddle, title_->width());
+    if (title_->text() != fitting) title_->setText(fitting);
+  }
   const QString time = plays ? ToQt(ListenTimeText(status)) : QString();
   if (time_->text() != time) time_->setText(time);
   const bool pausable = plays && !status.paused;
-  play_->setIcon(Icon(pausable ? "pause" : "play"));
   const QString name = QtText(pausable ? texts::ListenPause : texts::ListenPlay);
   if (play_->accessibleName() == name) return;
+  play_->setIcon(Icon(pausable ? "pause" : "play"));
   play_->setAccessibleName(name);
   play_->setToolTip(name);
 }

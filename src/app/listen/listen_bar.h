@@ -45,6 +45,8 @@ class ListenBar : public QFrame {
   QSlider* volume_;
   QToolButton* practise_;
   PracticePanel* practice_;
+  QString name_;                              // of the title
+  bool refused_ = false;                      // in its place stands why it does not sound
   std::shared_ptr<const PlayerScore> shown_;  // of the title that was looked at last
   QTimer timer_;
 };
