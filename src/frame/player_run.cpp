@@ -124,12 +124,14 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
+    const auto score = std::make_shared<const PlayerScore>(title.Score());
+    tracks_ = score->tracks.size();
     BeginPractice(source, title);
     control_.Report({.title = source,
                      .name = title.Name(),
                      .duration = title.Duration(),
                      .place = title.Place(),
-                     .score = std::make_shared<const PlayerScore>(title.Score())});
+                     .score = score});
 
     Turn turn;
     std::atomic<bool> ended = false;
@@ -170,7 +172,7 @@ class PlayerRun {
   // As it was practised last. Of several titles none keeps the others waiting with its passage.
   void BeginPractice(const std::string& source, PlayedTitle& title) {
     Practice practice;
-    if (run_.Practices()) practice = Limited(run_.Practices()->Of(source), title.Duration());
+    if (run_.Practices()) practice = Limited(run_.Practices()->Of(source), title.Duration(), tracks_);
     if (count_ > 1) practice.passage.reset();
     title.Practise(practice);
     if (practice.passage) title.Seek(practice.passage->from);
@@ -179,7 +181,7 @@ class PlayerRun {
 
   // What the user changed holds at once, and the next time.
   void Practise(const std::string& source, PlayedTitle& title) {
-    const Practice practice = Limited(control_.GetPractice(), title.Duration());
+    const Practice practice = Limited(control_.GetPractice(), title.Duration(), tracks_);
     title.Practise(practice);
     if (run_.Practices()) run_.Practices()->Keep(source, practice);
   }
@@ -240,6 +242,7 @@ class PlayerRun {
   std::size_t count_;
   std::unique_ptr<PlayerDevice> device_;
   bool deviceGone_ = false;
+  std::size_t tracks_ = 0;  // of the title
   std::uint32_t started_ = 0;
   std::uint32_t finished_ = 0;
   std::uint32_t failed_ = 0;

@@ -37,9 +37,11 @@ std::int64_t Milliseconds(nanoseconds time) {
 
 }  // namespace
 
-Practice Limited(Practice practice, nanoseconds duration) {
+Practice Limited(Practice practice, nanoseconds duration, std::size_t tracks) {
   practice.speed = std::clamp(practice.speed, kSlowestPractice, kFastestPractice);
   practice.shift = std::clamp(practice.shift, -kFarthestShift, kFarthestShift);
+  for (auto* const chosen : {&practice.muted, &practice.solo})
+    std::erase_if(*chosen, [tracks](std::uint32_t track) { return track >= tracks; });
   if (auto& passage = practice.passage) {
     passage->from = std::max(passage->from, nanoseconds{0});
     passage->to = std::min(passage->to, duration);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -40,8 +41,9 @@ struct Practice {
   bool operator==(const Practice&) const = default;
 };
 
-// Within its bounds; a passage that is too short, or does not lie in the title, is none.
-[[nodiscard]] Practice Limited(Practice practice, std::chrono::nanoseconds duration);
+// Within its bounds; a passage that is too short, or does not lie in the title, is none, and neither are
+// tracks that it does not have.
+[[nodiscard]] Practice Limited(Practice practice, std::chrono::nanoseconds duration, std::size_t tracks);
 
 // A passage that is marked while its title plays begins with the bar that sounds, and ends with it; without
 // bars, at once. bars: where they begin, in order.

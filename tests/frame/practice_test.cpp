@@ -33,11 +33,13 @@ TEST(Practice, WhatDoesNotFitTheTitleIsLeftOut) {
   practice.speed = 1000;
   practice.shift = -99;
   practice.passage = PracticePassage{2s, 9s};
-  const Practice limited = Limited(practice, 4s);
+  practice.solo = {1, 7};
+  const Practice limited = Limited(practice, 4s, 2);
+  EXPECT_EQ(limited.solo, std::set<std::uint32_t>{1});
   EXPECT_EQ(limited.speed, kFastestPractice);
   EXPECT_EQ(limited.shift, -kFarthestShift);
   EXPECT_EQ(limited.passage, (PracticePassage{2s, 4s}));
-  EXPECT_EQ(Limited(practice, 2s).passage, std::nullopt) << "it lies behind the end";
+  EXPECT_EQ(Limited(practice, 2s, 2).passage, std::nullopt) << "it lies behind the end";
 }
 
 TEST(Practice, SoloCountsMoreThanMute) {

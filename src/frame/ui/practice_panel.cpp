@@ -154,7 +154,7 @@ void PracticePanel::SetTo() {
   if (to - from < kShortestPassage) from = nanoseconds{0};
   begun_.reset();
   practice_.passage = PracticePassage{from, to};
-  practice_ = Limited(practice_, status.duration);
+  practice_ = Limited(practice_, status.duration, score_ ? score_->tracks.size() : 0);
   Give();
 }
 
