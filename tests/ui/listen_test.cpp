@@ -10,6 +10,7 @@
 #include "app/listen/listener.h"
 #include "frame/ui/practice_panel.h"
 #include "platform/files/files.h"
+#include "platform/sound/synthesizer.h"
 #include "workbench_support.h"
 
 namespace ts5 {
@@ -30,6 +31,9 @@ class ListenTest : public WorkbenchTest {
   ListenTest() {
     options_.devices->audioOutputs = {"wave:" + out_};
     options_.devices->midiOutputs = {"wave:" + out_};
+  }
+  void SetUp() override {
+    if (Synthesizer::InstalledSoundFont().empty()) GTEST_SKIP() << "no sound font on this machine";
   }
   void Open(const std::vector<std::string>& files) {
     Start();
