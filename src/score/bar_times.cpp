@@ -22,7 +22,8 @@ std::vector<std::chrono::nanoseconds> BarTimes(const OpenScore& score, const Pla
     if (now.bar == bar) continue;
     // Where nothing happens several bars go by at once, all of the same length.
     const std::uint64_t crossed = now.bar > bar ? now.bar - bar : 1;
-    const std::uint64_t within = std::uint64_t{now.tick} * StepTime(engine.Tempo()) / kScoreStep;
+    // A step may last a part of a unit longer: rather a little early than behind the first note of the bar.
+    const std::uint64_t within = now.tick * (std::uint64_t{StepTime(engine.Tempo())} + 1) / kScoreStep;
     const std::uint64_t begin = std::max(last, engine.ScoreTime() - std::min(within, engine.ScoreTime()));
     for (std::uint64_t i = 1; i <= crossed && bars.size() < kMostBarTimes; ++i)
       bars.emplace_back(static_cast<std::int64_t>((last + (begin - last) * i / crossed) * 100));

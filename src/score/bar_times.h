@@ -11,7 +11,7 @@ namespace ts5 {
 
 inline constexpr std::size_t kMostBarTimes = 20'000;  // the bars behind these are left out
 
-// By a walk of the engine without sound. What is damaged ends it.
+// By a walk of the engine without sound; none lies behind the first note of its bar. What is damaged ends it.
 [[nodiscard]] std::vector<std::chrono::nanoseconds> BarTimes(const OpenScore& score,
                                                              const PlaybackParameters& parameters,
                                                              bool repeats, const CancelCheck& cancelled = {});
