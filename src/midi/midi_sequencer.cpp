@@ -67,7 +67,7 @@ Outcome MidiSequencer::Run(std::optional<nanoseconds> end) {
         break;
     }
   }
-  const bool stopped = transport_.End(std::min(transport_.Position(), sequence_.Duration()));
+  const bool stopped = transport_.End(std::min(transport_.Position(), end.value_or(sequence_.Duration())));
 
   const Outcome silenced = Silence();
   if (Failed(result)) return result;
