@@ -34,6 +34,18 @@ std::string PositionText(std::chrono::nanoseconds position, const std::optional<
   return Format(Text(texts::PlaybackTimeMinutes), total / 60'000, total / 1000 % 60, total % 1000);
 }
 
+std::string ListenTimeText(const PlayerStatus& status) {
+  const auto seconds = [](std::chrono::nanoseconds time) {
+    return std::chrono::duration_cast<std::chrono::seconds>(time).count();
+  };
+  const auto position = seconds(status.position);
+  const auto duration = seconds(status.duration);
+  std::string text =
+      Format(Text(texts::ListenTime), position / 60, position % 60, duration / 60, duration % 60);
+  if (status.place) text = Format(Text(texts::ListenBarBeat), status.place->bar, status.place->beat) + text;
+  return text;
+}
+
 PlaybackForm PlaybackFormOf(FilterId filter, const PlayerOptions& options, RunState state,
                             const PlayerStatus& status) {
   PlaybackForm form;

@@ -24,6 +24,9 @@ enum class PositionKey : std::uint8_t { Left, Right, PageUp, PageDown };
 [[nodiscard]] std::string PositionText(std::chrono::nanoseconds position, const std::optional<BarBeat>& place,
                                        bool inBars);
 
+// The same for the slim player: "12:07 / 15:30", with the bar before it where there are bars.
+[[nodiscard]] std::string ListenTimeText(const PlayerStatus& status);
+
 struct PlaybackForm {
   bool playEnabled = true;     // not while a pause between two titles passes
   bool optionsEnabled = true;  // the page of the options: while stopped only

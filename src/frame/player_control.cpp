@@ -60,6 +60,27 @@ void PlayerControl::SetSound(PlayerSound sound) {
   Wake();
 }
 
+void PlayerControl::SetPractice(Practice practice) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (practice_ == practice) return;
+    practice_ = std::move(practice);
+    orders_.practice = true;
+  }
+  Wake();
+}
+
+Practice PlayerControl::GetPractice() const {
+  const std::lock_guard lock(mutex_);
+  return practice_;
+}
+
+void PlayerControl::BeginPractice(Practice practice) {
+  const std::lock_guard lock(mutex_);
+  practice_ = std::move(practice);
+  orders_.practice = false;
+}
+
 PlayerStatus PlayerControl::Status() const {
   const std::lock_guard lock(mutex_);
   return status_;

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "frame/level_meter.h"
+#include "frame/practice.h"
 
 namespace ts5 {
 
@@ -33,6 +34,13 @@ struct PlayerSound {
 // The outline of a title from its start to its end: the peak of each of its equal parts, 0 to 1.
 using Waveform = std::vector<float>;
 
+// What a title is made of, as far as it can be practised with.
+struct PlayerScore {
+  std::vector<std::string> tracks = {};             // their names; without any they cannot be taken apart
+  std::vector<std::chrono::nanoseconds> bars = {};  // where they begin, in order; empty for sound
+  bool shifts = false;                              // it may be played higher or lower
+};
+
 struct PlayerStatus {
   std::string title = {};  // path of what is played; "" while nothing is
   std::string name = {};   // what it is called; "" for the name of its file
@@ -41,6 +49,7 @@ struct PlayerStatus {
   std::optional<BarBeat> place = {};  // where the title has bars
   bool paused = false;
   std::shared_ptr<const Waveform> waveform = {};
+  std::shared_ptr<const PlayerScore> score = {};
 };
 
 enum class PlayerStep : std::int8_t { Previous = -1, Restart = 0, Next = 1 };
@@ -49,7 +58,8 @@ struct PlayerOrders {
   bool togglePause = false;
   std::optional<PlayerStep> step;
   std::optional<std::chrono::nanoseconds> seek;
-  bool sound = false;  // volume or balance has changed
+  bool sound = false;     // volume or balance has changed
+  bool practice = false;  // how the title is practised has changed
 };
 
 // What a player of one kind shares with the pages of its own in the window, for as long as it plays.
@@ -66,6 +76,7 @@ class PlayerControl {
   void Seek(std::chrono::nanoseconds position);
   void Move(std::chrono::nanoseconds by);  // from where it is, or where it is sent already
   void SetSound(PlayerSound sound);
+  void SetPractice(Practice practice);
   [[nodiscard]] PlayerStatus Status() const;
   // nullptr while nothing plays, and for players without one.
   [[nodiscard]] std::shared_ptr<PlayerStage> Stage() const;
@@ -80,6 +91,10 @@ class PlayerControl {
   // Forgets orders that were meant for what is over.
   void Clear();
   [[nodiscard]] PlayerSound Sound() const;
+  // Of the title that plays; the window may ask as well.
+  [[nodiscard]] Practice GetPractice() const;
+  // A title begins, and is practised so from the start.
+  void BeginPractice(Practice practice);
   void SetStage(std::shared_ptr<PlayerStage> stage);
   void Report(PlayerStatus status);
   void ReportPosition(std::chrono::nanoseconds position, std::optional<BarBeat> place, bool paused);
@@ -92,6 +107,7 @@ class PlayerControl {
   bool woken_ = false;
   PlayerOrders orders_;
   PlayerSound sound_;
+  Practice practice_;
   PlayerStatus status_;
   std::shared_ptr<PlayerStage> stage_;
 };

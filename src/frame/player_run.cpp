@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "frame/failure_reason.h"
+#include "frame/practice_book.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -112,6 +113,8 @@ class PlayerRun {
     if (const std::string name = (*title)->Name(); !name.empty()) run_.StatusText(name);
     run_.SetState(RunState::Running);
     const Turn turn = Supervise(index, source, **title);
+    // A disk that takes nothing costs no music: it is tried again after the next title.
+    if (run_.Practices()) (void)run_.Practices()->Save();
     if (Succeeded(turn.code)) ++finished_;
     if (turn.code == Outcome::WriteFailed) deviceGone_ = true;
     Book(source, turn.code);
@@ -121,8 +124,14 @@ class PlayerRun {
   Turn Supervise(std::size_t index, const std::string& source, PlayedTitle& title) {
     nanoseconds end = title.Duration();
     if (options_.shortPlay) end = std::min<nanoseconds>(end, std::chrono::seconds(options_.shortSeconds));
-    control_.Report(
-        {.title = source, .name = title.Name(), .duration = title.Duration(), .place = title.Place()});
+    const auto score = std::make_shared<const PlayerScore>(title.Score());
+    tracks_ = score->tracks.size();
+    BeginPractice(source, title);
+    control_.Report({.title = source,
+                     .name = title.Name(),
+                     .duration = title.Duration(),
+                     .place = title.Place(),
+                     .score = score});
 
     Turn turn;
     std::atomic<bool> ended = false;
@@ -135,6 +144,7 @@ class PlayerRun {
     while (!ended) {
       const PlayerOrders orders = control_.Take(kReportInterval);
       if (orders.sound) device_->SetSound(control_.Sound());
+      if (orders.practice) Practise(source, title);
       if (orders.step || run_.Cancelled()) {
         title.Stop();
         thread.join();
@@ -157,6 +167,23 @@ class PlayerRun {
     }
     thread.join();
     return turn;
+  }
+
+  // As it was practised last. Of several titles none keeps the others waiting with its passage.
+  void BeginPractice(const std::string& source, PlayedTitle& title) {
+    Practice practice;
+    if (run_.Practices()) practice = Limited(run_.Practices()->Of(source), title.Duration(), tracks_);
+    if (count_ > 1) practice.passage.reset();
+    title.Practise(practice);
+    if (practice.passage) title.Seek(practice.passage->from);
+    control_.BeginPractice(std::move(practice));
+  }
+
+  // What the user changed holds at once, and the next time.
+  void Practise(const std::string& source, PlayedTitle& title) {
+    const Practice practice = Limited(control_.GetPractice(), title.Duration(), tracks_);
+    title.Practise(practice);
+    if (run_.Practices()) run_.Practices()->Keep(source, practice);
   }
 
   // The silence before the next title; what the user chose to end it with, if anything.
@@ -215,6 +242,7 @@ class PlayerRun {
   std::size_t count_;
   std::unique_ptr<PlayerDevice> device_;
   bool deviceGone_ = false;
+  std::size_t tracks_ = 0;  // of the title
   std::uint32_t started_ = 0;
   std::uint32_t finished_ = 0;
   std::uint32_t failed_ = 0;

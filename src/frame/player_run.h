@@ -36,6 +36,10 @@ class PlayedTitle {
   [[nodiscard]] virtual std::chrono::nanoseconds Duration() const = 0;
   // Where it is in bars, for music that has them.
   [[nodiscard]] virtual std::optional<BarBeat> Place() const { return std::nullopt; }
+  // From any thread, also before Play; within the bounds of practice.h. What it cannot do it leaves out. With
+  // a passage it does not end by itself.
+  virtual void Practise(const Practice& /*practice*/) {}
+  [[nodiscard]] virtual PlayerScore Score() const { return {}; }
   // What the window calls it; "" for the name of its file.
   [[nodiscard]] virtual std::string Name() const { return {}; }
 };

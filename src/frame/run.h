@@ -24,6 +24,7 @@
 
 namespace ts5 {
 
+class PracticeBook;
 class RunJournal;
 class RunUndo;
 
@@ -56,9 +57,10 @@ struct RunSetup {
   std::size_t number = 0;  // of the job among all; 0: the default job
   RunShare share =
       {};  // of what the run itself finds, as a search of a tree; the items of the job are its own
-  std::string journals = {};                // where runs keep their journals; "" for none
-  std::shared_ptr<RunJournal> goesOn = {};  // the interrupted run that this one goes on with
-  std::shared_ptr<RunUndo> undo = {};       // notes what the run makes and replaces; may be empty
+  std::string journals = {};                     // where runs keep their journals; "" for none
+  std::shared_ptr<RunJournal> goesOn = {};       // the interrupted run that this one goes on with
+  std::shared_ptr<RunUndo> undo = {};            // notes what the run makes and replaces; may be empty
+  std::shared_ptr<PracticeBook> practices = {};  // how files were practised; nullptr: titles play plainly
 };
 
 class Run {
@@ -77,6 +79,7 @@ class Run {
   [[nodiscard]] const RunShare& Share() const { return setup_.share; }
   [[nodiscard]] const std::string& Journals() const { return setup_.journals; }
   [[nodiscard]] const std::shared_ptr<RunJournal>& GoesOn() const { return setup_.goesOn; }
+  [[nodiscard]] const std::shared_ptr<PracticeBook>& Practices() const { return setup_.practices; }
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
   // For the undoing of the run: a file is about to be replaced, was made, was changed once more.
   [[nodiscard]] Outcome KeepReplaced(const std::string& target);

@@ -135,6 +135,7 @@ const std::vector<SettingRow>& Rows() {
       Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
       FreeText("FileListColumns", &Settings::fileColumns),
       FreeText("FileListSorting", &Settings::fileSorting),
+      Number("ListeningVolume", &Settings::listeningVolume, -10'000, 0),
       Flag("ShowAllFilters", &Settings::showAllFilters),
       Number("Job Saving", &Settings::jobSaving, 0, 2),
       Number("MelSearchResults", &Settings::oldSearchResults, 0, 2),

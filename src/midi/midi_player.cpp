@@ -11,7 +11,10 @@
 #include "midi/midi_file.h"
 #include "midi/midi_sequence.h"
 #include "midi/midi_sequencer.h"
+#include "midi/midi_summary.h"
+#include "midi/midi_transposer.h"
 #include "midi/player_output.h"
+#include "platform/base/text.h"
 #include "platform/files/files.h"
 #include "platform/sound/thread_priority.h"
 
@@ -33,10 +36,51 @@ TimeSignatureMap SignaturesOf(ByteView file, std::uint16_t division) {
   return {TimeSignatureEntry{}};
 }
 
+// Bars that begin before the end, as far as a window can show them.
+constexpr std::size_t kMostBars = 20'000;
+
+std::vector<nanoseconds> BarsOf(const MidiSequence& sequence, const TimeSignatureMap& signatures) {
+  std::vector<nanoseconds> bars;
+  const std::uint64_t end = sequence.TickAt(sequence.Duration());
+  for (std::size_t i = 0; i < signatures.size(); ++i) {
+    const TimeSignatureEntry& entry = signatures[i];
+    const std::uint64_t next = i + 1 < signatures.size() ? signatures[i + 1].tick : end;
+    const std::uint64_t bar =
+        std::max<std::uint64_t>(BarTicks(sequence.Division(), entry.numerator, entry.denominator), 1);
+    for (std::uint64_t tick = entry.tick; tick < std::min(next, end); tick += bar) {
+      if (bars.size() == kMostBars) return bars;
+      bars.push_back(sequence.TimeOf(tick));
+    }
+  }
+  return bars;
+}
+
+// The tracks with notes have names to choose by, the others none.
+std::vector<std::string> TracksOf(ByteView file) {
+  std::vector<std::string> names;
+  const auto summary = SummariseMidi(file);
+  if (!summary) return names;
+  for (std::size_t i = 0; i < summary->tracks.size(); ++i) {
+    const MidiTrackSummary& track = summary->tracks[i];
+    std::string name;
+    if (track.notes > 0) {
+      name = track.name;
+      if (Trim(name).empty()) name = Format(Text(texts::PracticeTrack), i + 1);
+    }
+    names.push_back(std::move(name));
+  }
+  return names;
+}
+
 class MidiTitle final : public PlayedTitle {
  public:
-  MidiTitle(MidiSequence sequence, TimeSignatureMap signatures, MidiOutput& output)
-      : sequence_(std::move(sequence)), signatures_(std::move(signatures)), sequencer_(sequence_, output) {}
+  MidiTitle(MidiSequence sequence, TimeSignatureMap signatures, std::vector<std::string> tracks,
+            MidiOutput& output)
+      : sequence_(std::move(sequence)),
+        signatures_(std::move(signatures)),
+        tracks_(std::move(tracks)),
+        transposer_(output),
+        sequencer_(sequence_, transposer_) {}
 
   Outcome Play(nanoseconds end) override {
     HurryThisThread();
@@ -48,6 +92,11 @@ class MidiTitle final : public PlayedTitle {
   void Seek(nanoseconds position) override { sequencer_.Seek(position); }
   nanoseconds Position() const override { return sequencer_.Position(); }
   nanoseconds Duration() const override { return sequence_.Duration(); }
+  void Practise(const Practice& practice) override {
+    transposer_.SetShift(practice.shift);
+    sequencer_.Practise(practice);
+  }
+  PlayerScore Score() const override { return {tracks_, BarsOf(sequence_, signatures_), true}; }
   std::optional<BarBeat> Place() const override {
     const std::uint64_t tick = sequence_.TickAt(Position());
     const auto next = std::ranges::upper_bound(signatures_, tick, {}, &TimeSignatureEntry::tick);
@@ -63,6 +112,8 @@ class MidiTitle final : public PlayedTitle {
  private:
   MidiSequence sequence_;
   TimeSignatureMap signatures_;
+  std::vector<std::string> tracks_;
+  MidiTransposer transposer_;
   MidiSequencer sequencer_;
 };
 
@@ -83,7 +134,8 @@ class MidiDevice final : public PlayerDevice {
     auto sequence = MidiSequence::FromFile(*file);
     if (!sequence) return Failure(sequence.error());
     auto signatures = SignaturesOf(*file, sequence->Division());
-    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), *output_);
+    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), TracksOf(*file),
+                                       *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
   bool Alive() override { return output_->Alive(); }

@@ -40,7 +40,8 @@ Result<MidiSequence> MidiSequence::FromFile(ByteView file) {
   bool anyEvent = false;
 
   MidiTrackReader tracks(MidiBytesOf(file), info.header.trackCount);
-  for (ByteView track; tracks.Next(track);) {
+  std::uint32_t number = 0;
+  for (ByteView track; tracks.Next(track); ++number) {
     MidiEventCursor cursor(track);
     for (MidiEvent event; cursor.Next(event); anyEvent = true) {
       if (event.IsMeta(kMetaSetTempo) && event.payload.size() == 3) {
@@ -48,13 +49,13 @@ Result<MidiSequence> MidiSequence::FromFile(ByteView file) {
           tempos.push_back({event.tick, tempo});
       } else if (event.IsChannelMessage()) {
         if ((event.data1 | event.data2) < 0x80)
-          sequence.messages_.push_back({{}, event.tick, event.ShortMessage(), 0, 0});
+          sequence.messages_.push_back({{}, event.tick, event.ShortMessage(), 0, 0, number});
       } else if (event.status == kSysExStatus && !event.payload.empty() && event.payload.back() == 0xF7) {
         const auto at = static_cast<std::uint32_t>(sequence.exclusive_.size());
         sequence.exclusive_.push_back(kSysExStatus);
         sequence.exclusive_.insert(sequence.exclusive_.end(), event.payload.begin(), event.payload.end());
         sequence.messages_.push_back(
-            {{}, event.tick, 0, at, static_cast<std::uint32_t>(event.payload.size() + 1)});
+            {{}, event.tick, 0, at, static_cast<std::uint32_t>(event.payload.size() + 1), number});
       }
     }
     anyEvent = anyEvent || cursor.AtEndOfTrack();

@@ -26,6 +26,7 @@ struct SequenceMessage {
   std::uint32_t message = 0;      // a channel message, status in the low byte; 0: system exclusive
   std::uint32_t exclusiveAt = 0;  // where the message lies among the exclusive bytes, and its length
   std::uint32_t exclusiveSize = 0;
+  std::uint32_t track = 0;  // of the file, from 0
 
   [[nodiscard]] bool IsNoteOn() const { return (message & 0xF0) == 0x90 && (message >> 16 & 0x7F) != 0; }
   [[nodiscard]] bool IsNote() const { return (message & 0xF0) == 0x90 || (message & 0xF0) == 0x80; }

@@ -1,6 +1,7 @@
 #include "midi/play_transport.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace ts5 {
 namespace {
@@ -11,6 +12,11 @@ using std::chrono::nanoseconds;
 constexpr std::chrono::milliseconds kOwnTimeSlice{50};
 // So that the end of a device is seen while nothing is sent.
 constexpr std::chrono::milliseconds kLookAtDevice{250};
+
+nanoseconds Times(nanoseconds time, double factor) {
+  return factor == 1 ? time
+                     : nanoseconds(static_cast<std::int64_t>(static_cast<double>(time.count()) * factor));
+}
 
 }  // namespace
 
@@ -39,6 +45,20 @@ void PlayTransport::Resume() {
 void PlayTransport::Seek(nanoseconds place) {
   const std::lock_guard lock(mutex_);
   seek_ = place;
+  steered_.notify_all();
+}
+
+void PlayTransport::SetRate(double rate) {
+  const std::lock_guard lock(mutex_);
+  if (rate == rate_) return;
+  SetPlace(Elapsed());
+  rate_ = rate;
+  steered_.notify_all();
+}
+
+void PlayTransport::Change() {
+  const std::lock_guard lock(mutex_);
+  changed_ = true;
   steered_.notify_all();
 }
 
@@ -75,25 +95,28 @@ PlayTurn PlayTransport::Await(nanoseconds due) {
   while (true) {
     if (stop_) return PlayTurn::Stop;
     if (!output_.Alive()) return PlayTurn::Gone;
+    if (std::exchange(changed_, false)) return PlayTurn::Change;
     if (seek_) return PlayTurn::Seek;
     if (paused_) return PlayTurn::Pause;
     const nanoseconds left = due - Elapsed();
     if (left <= nanoseconds{0}) return PlayTurn::Due;
     if (output_.KeepsTime()) {
       const nanoseconds slice = std::min<nanoseconds>(left, kOwnTimeSlice);
+      const nanoseconds passed = Times(slice, 1 / rate_);
       lock.unlock();
-      output_.Elapse(slice);
+      output_.Elapse(passed);
       lock.lock();
       located_ += slice;
     } else {
-      steered_.wait_until(lock, std::min(locatedAt_ + (due - located_), Clock::now() + kLookAtDevice));
+      const auto dueAt = locatedAt_ + Times(due - located_, 1 / rate_);
+      steered_.wait_until(lock, std::min(dueAt, Clock::now() + kLookAtDevice));
     }
   }
 }
 
 void PlayTransport::AwaitResume() {
   std::unique_lock lock(mutex_);
-  while (!stop_ && paused_ && !seek_ && output_.Alive()) steered_.wait_for(lock, kLookAtDevice);
+  while (!stop_ && paused_ && !seek_ && !changed_ && output_.Alive()) steered_.wait_for(lock, kLookAtDevice);
 }
 
 nanoseconds PlayTransport::TakeSeek() {
@@ -110,7 +133,7 @@ void PlayTransport::Locate(nanoseconds place) {
 
 nanoseconds PlayTransport::Elapsed() const {
   if (paused_ || !running_ || output_.KeepsTime()) return located_;
-  return located_ + (Clock::now() - locatedAt_);
+  return located_ + Times(Clock::now() - locatedAt_, rate_);
 }
 
 void PlayTransport::SetPlace(nanoseconds place) {

@@ -23,8 +23,8 @@
 
 namespace ts5 {
 
-// Gone: the device is no longer there.
-enum class PlayTurn : std::uint8_t { Due, Pause, Seek, Stop, Gone };
+// Gone: the device is no longer there. Change: somebody has called it.
+enum class PlayTurn : std::uint8_t { Due, Pause, Seek, Change, Stop, Gone };
 
 class PlayTransport {
  public:
@@ -35,6 +35,10 @@ class PlayTransport {
   void Pause();
   void Resume();
   void Seek(std::chrono::nanoseconds place);
+  // So much of the music's time passes in one second.
+  void SetRate(double rate);
+  // What is played has changed, beside its place.
+  void Change();
   [[nodiscard]] bool Paused() const;
   // Where the music is; where it is sent to, as long as it is not there yet.
   [[nodiscard]] std::chrono::nanoseconds Position() const;
@@ -61,6 +65,8 @@ class PlayTransport {
   bool stop_ = false;
   bool paused_ = false;
   bool running_ = false;
+  bool changed_ = false;
+  double rate_ = 1;
   std::optional<std::chrono::nanoseconds> seek_;
   std::chrono::nanoseconds located_{};  // position at
   Clock::time_point locatedAt_{};       // this time; without meaning while paused

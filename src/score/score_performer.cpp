@@ -48,9 +48,14 @@ Outcome ScorePerformer::Run(std::optional<nanoseconds> end) {
   transport_.Begin();
   Outcome result = Start(transport_.TakeSeek());
   for (bool over = false; !over && Succeeded(result);) {
+    const auto& passage = practice_.passage;
     switch (transport_.Await(Played())) {
       case PlayTurn::Due:
-        over = engine_->AtEnd() || (end && Played() >= *end);
+        if (passage && (engine_->AtEnd() || Nanoseconds(engine_->ScoreTime()) >= passage->to)) {
+          result = JumpTo(passage->from);
+          break;
+        }
+        over = engine_->AtEnd() || (end && !passage && Played() >= *end);
         if (!over) result = Step();
         break;
       case PlayTurn::Pause:
@@ -58,11 +63,12 @@ Outcome ScorePerformer::Run(std::optional<nanoseconds> end) {
         Show();
         transport_.AwaitResume();
         break;
-      case PlayTurn::Seek: {
-        Silence();
-        const nanoseconds place = transport_.TakeSeek();
-        position_ = place.count();
-        result = Start(place);
+      case PlayTurn::Seek:
+        result = JumpTo(transport_.TakeSeek());
+        break;
+      case PlayTurn::Change: {
+        const std::lock_guard lock(mutex_);
+        practice_ = wanted_;
         break;
       }
       case PlayTurn::Stop:
@@ -81,6 +87,21 @@ Outcome ScorePerformer::Run(std::optional<nanoseconds> end) {
   if (Failed(result)) return result;
   if (Failed(sent_)) return sent_;
   return stopped ? Outcome::Cancelled : Outcome::Success;
+}
+
+void ScorePerformer::Practise(const Practice& practice) {
+  {
+    const std::lock_guard lock(mutex_);
+    wanted_ = practice;
+  }
+  transport_.SetRate(practice.Rate());
+  transport_.Change();
+}
+
+Outcome ScorePerformer::JumpTo(nanoseconds place) {
+  Silence();
+  position_ = place.count();
+  return Start(place);
 }
 
 // The engine anew, without sound up to the place.
@@ -164,7 +185,7 @@ void ScorePerformer::Message(std::size_t track, std::uint32_t message) {
     std::uint16_t& count = channel.sounding[message >> 8 & 0x7F];
     std::uint16_t& unheard = channel.unheard[message >> 8 & 0x7F];
     std::uint32_t& notes = sounding_[track - 1];
-    if (seeking_ && struck) {
+    if (struck && (seeking_ || !practice_.Sounds(static_cast<std::uint32_t>(track - 1)))) {
       ++unheard;
       return;
     }

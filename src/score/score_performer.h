@@ -8,6 +8,8 @@
 // at each step. A pause and a stop end what sounds. A seek interprets the score from its start without sound
 // and then sends the programs and volumes that straight play would have left.
 //
+// A passage that is practised goes over and over; its end is such a seek.
+//
 // Places are in the score's own time, which a tempo held by the user does not change.
 #pragma once
 
@@ -16,6 +18,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -43,6 +46,8 @@ class ScorePerformer final : private ScoreSink {
   void Pause() { transport_.Pause(); }
   void Resume() { transport_.Resume(); }
   void Seek(std::chrono::nanoseconds place) { transport_.Seek(place); }
+  // Passage, speed and the staves that sound.
+  void Practise(const Practice& practice);
 
   [[nodiscard]] std::chrono::nanoseconds Position() const;
   [[nodiscard]] std::chrono::nanoseconds Duration() const;
@@ -63,6 +68,7 @@ class ScorePerformer final : private ScoreSink {
   void Advance(std::uint64_t /*ticks*/) override {}
 
   [[nodiscard]] Outcome Start(std::chrono::nanoseconds place);
+  [[nodiscard]] Outcome JumpTo(std::chrono::nanoseconds place);
   [[nodiscard]] Outcome Step();
   void TakeChanges();
   void SendSounds(const PlaybackParameters& before);
@@ -77,7 +83,11 @@ class ScorePerformer final : private ScoreSink {
   MidiOutput& output_;
   PlayTransport transport_;
 
+  std::mutex mutex_;
+  Practice wanted_;
+
   // the running thread's own
+  Practice practice_;
   PlaybackParameters parameters_;
   std::uint32_t revision_ = 0;
   std::unique_ptr<ScoreEngine> engine_;

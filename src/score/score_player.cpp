@@ -6,10 +6,12 @@
 #include "frame/player_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
+#include "midi/midi_transposer.h"
 #include "midi/player_output.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
 #include "platform/sound/thread_priority.h"
+#include "score/bar_times.h"
 #include "score/parameter_set.h"
 #include "score/score_filter.h"
 #include "score/score_midi.h"
@@ -24,8 +26,12 @@ using std::chrono::nanoseconds;
 
 class ScoreTitle final : public PlayedTitle {
  public:
-  ScoreTitle(OpenScore score, bool repeats, ScoreStage& stage, MidiOutput& output)
-      : score_(std::move(score)), performer_(score_, repeats, stage, output) {}
+  ScoreTitle(OpenScore score, const PlaybackParameters& parameters, bool repeats, ScoreStage& stage,
+             MidiOutput& output)
+      : score_(std::move(score)),
+        bars_(BarTimes(score_, parameters, repeats)),
+        transposer_(output),
+        performer_(score_, repeats, stage, transposer_) {}
 
   Outcome Play(nanoseconds end) override {
     HurryThisThread();
@@ -39,9 +45,23 @@ class ScoreTitle final : public PlayedTitle {
   nanoseconds Position() const override { return performer_.Position(); }
   nanoseconds Duration() const override { return performer_.Duration(); }
   std::optional<BarBeat> Place() const override { return performer_.Place(); }
+  void Practise(const Practice& practice) override {
+    transposer_.SetShift(practice.shift);
+    performer_.Practise(practice);
+  }
+  PlayerScore Score() const override {
+    std::vector<std::string> names;
+    for (const StaffLayout& staff : score_.info.staves) {
+      const bool named = !Trim(staff.name).empty();
+      names.push_back(named ? staff.name : Format(Text(texts::PracticeStaff), names.size() + 1));
+    }
+    return {std::move(names), bars_, true};
+  }
 
  private:
   OpenScore score_;
+  std::vector<nanoseconds> bars_;
+  MidiTransposer transposer_;
   ScorePerformer performer_;
 };
 
@@ -68,9 +88,10 @@ class ScoreDevice final : public PlayerDevice {
       run_.Notice(SetFailure(AutomaticParameterSet(sets, source)));
     if (score->scan.time == 0) return Failure(Outcome::NoPlayingTime);
     const bool repeats = parameters.playRepeats;
+    const PlaybackParameters playback = parameters.playback;
     stage_->Open(std::make_shared<ScoreAtHand>(DescribeScore(source, *score)), std::move(parameters));
     run_.StatusText(Format(Text(texts::PlayerNowPlaying), FileNameOf(source)));
-    return std::make_unique<ScoreTitle>(*std::move(score), repeats, *stage_, *output_);
+    return std::make_unique<ScoreTitle>(*std::move(score), playback, repeats, *stage_, *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }
   bool Alive() override { return output_->Alive(); }

@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "frame/filter_catalogue.h"
 #include "platform/base/clock.h"
+#include "search/search_melody.h"
 
 namespace ts5 {
 
@@ -29,7 +31,9 @@ struct SearchRecord {
   SearchKind kind = SearchKind::Midi;
   std::string melodyName;  // "" for a melody without a name
   std::size_t notes = 0;   // of the melody; rests do not count
-  CivilTime start;         // local times
+  std::vector<MelodyElement> melody = {};
+  Clef clef = Clef::Treble;
+  CivilTime start;  // local times
   CivilTime end;
   SearchEnd ending = SearchEnd::Finished;
   SearchStatistics statistics;

@@ -278,6 +278,8 @@ SearchRecord RecordAtStart(SearchKind kind, const SearchParameters& parameters) 
   for (const SearchMelody& melody : parameters.more) record.melodyName += ", " + melody.name;
   record.notes = static_cast<std::size_t>(
       std::ranges::count_if(parameters.melody.elements, [](const auto& e) { return !IsRest(e); }));
+  record.melody = parameters.melody.elements;
+  record.clef = parameters.melody.clef;
   record.start = LocalNow();
   return record;
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <thread>
 
+#include "audio/played_frames.h"
 #include "audio/wave_file.h"
 #include "audio/wave_stream.h"
 #include "audio/waveform_overview.h"
@@ -142,6 +143,84 @@ TEST_F(AudioPlayerTest, TheOverviewHoldsThePeaksOfItsParts) {
   const auto overview = OverviewOf(**source, 4);
   ASSERT_THAT(overview, IsOk());
   EXPECT_THAT(*overview, testing::ElementsAre(0, 1, 0, 0.5));
+}
+
+// Where the ramp has this frame, in what was played.
+std::vector<std::size_t> PlacesOf(const std::vector<double>& played, std::size_t frame) {
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i + 1 < played.size(); i += 2) {
+    if (played[i] * 32768 == static_cast<double>(frame % 30'000 + 1) &&
+        played[i + 1] * 32768 == -static_cast<double>(frame % 29'000) - 1)
+      places.push_back(i / 2);
+  }
+  return places;
+}
+
+TEST_F(AudioPlayerTest, APassageIsPlayedOverAndOverWithoutARest) {
+  const std::string path = Wave("schleife.wav", Ramp(44'100), 44'100);
+  Practice practice;
+  practice.passage = PracticePassage{200ms, 500ms};
+  int rounds = 0;
+  const RunResult result = Play({path}, {}, [&](PlayerControl& control) {
+    const auto wait = [&](const auto& done) {
+      for (int i = 0; i < 2000 && !done(control.Status().position); ++i) std::this_thread::sleep_for(2ms);
+    };
+    wait([](auto place) { return place > 10ms; });
+    control.SetPractice(practice);
+    for (; rounds < 2; ++rounds) {
+      wait([](auto place) { return place > 400ms; });
+      wait([](auto place) { return place < 300ms; });
+    }
+    control.SetPractice({});
+  });
+  EXPECT_EQ(rounds, 2);
+  EXPECT_EQ(result.counts[1], 1U) << "then to its end";
+  const auto played = SamplesOf(out_);
+  const auto places = PlacesOf(played, 15'000);
+  ASSERT_GE(places.size(), 3U);
+  EXPECT_EQ(places[1] - places[0], 13'230U) << "300 ms later, to the frame";
+  EXPECT_FALSE(PlacesOf(played, 43'000).empty());
+}
+
+TEST_F(AudioPlayerTest, SlowerMusicKeepsItsPitch) {
+  constexpr double kPitch = 440;
+  std::vector<std::int16_t> tone;
+  for (int i = 0; i < 44'100; ++i) {
+    const auto sample =
+        static_cast<std::int16_t>(20'000 * std::sin(2 * 3.14159265358979 * kPitch * i / 44'100));
+    tone.insert(tone.end(), {sample, sample});
+  }
+  const std::string path = Wave("ton.wav", tone, 44'100);
+  const RunResult result = Play({path}, {}, [](PlayerControl& control) {
+    for (int i = 0; i < 2000 && control.Status().title.empty(); ++i) std::this_thread::sleep_for(1ms);
+    Practice practice;
+    practice.speed = 50;
+    control.SetPractice(practice);
+  });
+  EXPECT_EQ(result.counts[1], 1U);
+  const auto played = SamplesOf(out_);
+  std::size_t sounding = 0;
+  std::size_t rises = 0;
+  for (std::size_t i = 2; i < played.size(); i += 2) {
+    if (std::abs(played[i]) > 0.001) ++sounding;
+    if (played[i - 2] <= 0 && played[i] > 0) ++rises;
+  }
+  const double seconds = static_cast<double>(sounding) / 44'100;
+  EXPECT_NEAR(seconds, 2, 0.2);
+  EXPECT_NEAR(static_cast<double>(rises) / seconds, kPitch, 10);
+}
+
+TEST(PlayedFrames, ATitleThatJumpsIsWhereItSounds) {
+  PlayedFrames frames;
+  frames.Begin(1000, 0.5);
+  EXPECT_EQ(frames.FrameAt(200), 1100U);
+  frames.Jump(400, 1000);
+  frames.Jump(800, 1000);
+  EXPECT_EQ(frames.FrameAt(399), 1199U);
+  EXPECT_EQ(frames.FrameAt(402), 1001U);
+  EXPECT_EQ(frames.FrameAt(1000), 1100U);
+  frames.Begin(7, 1);
+  EXPECT_EQ(frames.FrameAt(3), 10U);
 }
 
 }  // namespace

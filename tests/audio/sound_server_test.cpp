@@ -15,6 +15,7 @@
 #include "frame/run_support.h"
 #include "midi/midi_sequence.h"
 #include "platform/sound/midi_out.h"
+#include "platform/sound/sound_places.h"
 #include "platform/sound/synthesizer.h"
 #include "support/matchers.h"
 
@@ -51,6 +52,13 @@ TEST_F(SoundServerTest, ARecordingHoldsThePieceFromItsFirstNote) {
   const double length = static_cast<double>(wave->DataSize()) / wave->Format().bytesPerSecond;
   // A second is added to the piece; a server that settles while it plays already swallows notes.
   EXPECT_GT(length, std::chrono::duration<double>(sequence->Duration()).count() + 0.8);
+}
+
+TEST_F(SoundServerTest, WhatIsToBeHeardAtOnceSoundsThere) {
+  const SoundPlaces places = FindSoundPlaces();
+  EXPECT_EQ(places.audio, std::optional<std::string>(""));
+  const bool font = !Synthesizer::InstalledSoundFont().empty();
+  EXPECT_EQ(places.midi == kSynthesizerName, font);
 }
 
 TEST_F(SoundServerTest, AServerThatGoesOrHangsEndsThePlayback) {

@@ -56,6 +56,7 @@ LIBRARY_OF = [
     (re.compile(r"^(un)?zip\.h$|^ioapi\.h$"), "minizip"),
     (re.compile(r"^lib(av|sw)\w+/"), "FFmpeg"),
     (re.compile(r"^soxr"), "libsoxr"),
+    (re.compile(r"^soundtouch/"), "SoundTouch"),
     (re.compile(r"^(vorbis|ogg)/"), "Vorbis"),
     (re.compile(r"^lame/"), "libmp3lame"),
     (re.compile(r"^shine/"), "libshine"),

@@ -12,6 +12,7 @@
 #include "midi/midi_sequence.h"
 #include "platform/files/paths.h"
 #include "random_score.h"
+#include "score/bar_times.h"
 #include "score/parameter_set.h"
 #include "score/score_performer.h"
 #include "score/score_player.h"
@@ -387,6 +388,75 @@ TEST_F(ScorePlayerRun, TakesTheParameterSetOfTheScoresNameAndGoesOnWithoutADamag
   EXPECT_EQ(loudest(), 33U) << "what was read before the hole stays in force";
   folder_.Write("lied.sps", "[nichts]\r\n");
   EXPECT_EQ(loudest(), 90U);
+}
+
+// The notes that were struck, and when.
+std::vector<TimedDevice::Event> Struck(const TimedDevice& device) {
+  std::vector<TimedDevice::Event> struck;
+  std::ranges::copy_if(device.events, std::back_inserter(struck), [](const TimedDevice::Event& event) {
+    return (event.message & 0xF0) == 0x90 && event.message >> 16 != 0;
+  });
+  return struck;
+}
+
+TEST(ScorePractice, BarsBeginInOrderAndFillTheScore) {
+  for (const std::string& path : DemoScores()) {
+    SCOPED_TRACE(path);
+    const Stand stand(FileOf(path));
+    const auto bars = BarTimes(stand.score, stand.stage.Parameters().playback, true);
+    ASSERT_GE(bars.size(), 8U);
+    EXPECT_TRUE(std::ranges::is_sorted(bars));
+    EXPECT_EQ(bars.front(), 0ns);
+    EXPECT_LE(bars.back(), stand.performer->Duration());
+    EXPECT_GT(bars.back(), stand.performer->Duration() * 3 / 4);
+  }
+}
+
+TEST(ScorePractice, APassageOfBarsSoundsTheSameEachTime) {
+  Stand stand(FileOf(DataPath("../../demo/Bruder Jakob.stv")));
+  const auto bars = BarTimes(stand.score, stand.stage.Parameters().playback, true);
+  Practice practice;
+  practice.passage = PracticePassage{bars.at(4), bars.at(6)};
+  practice.speed = 50;
+  const nanoseconds round = (bars[6] - bars[4]) * 2;
+  stand.performer->Practise(practice);
+  stand.performer->Seek(bars[4]);
+  stand.device.onTime = [&](nanoseconds now) {
+    if (now > round * 5 / 2) stand.performer->Stop();
+  };
+  EXPECT_EQ(stand.performer->Run(), Outcome::Cancelled);
+  EXPECT_EQ(stand.device.Sounding(), 0);
+  std::vector<std::uint32_t> rounds[2];
+  for (const auto& [time, message] : Struck(stand.device)) {
+    const auto number = static_cast<std::size_t>((time + 1ms) / round);
+    if (number < 2) rounds[number].push_back(message);
+  }
+  EXPECT_GT(rounds[0].size(), 20U);
+  EXPECT_EQ(rounds[0], rounds[1]);
+}
+
+TEST(ScorePractice, SilentStavesAreNotStruckAndTheOthersStay) {
+  const auto play = [](const Practice& practice) {
+    Stand stand(FileOf(DataPath("../../demo/Bruder Jakob.stv")));
+    stand.performer->Practise(practice);
+    EXPECT_EQ(stand.performer->Run(), Outcome::Success);
+    EXPECT_EQ(stand.device.Sounding(), 0);
+    return Struck(stand.device);
+  };
+  Practice first;
+  first.solo = {0};
+  Practice others;
+  others.muted = {0};
+  const auto all = play({});
+  auto parts = play(first);
+  const auto rest = play(others);
+  EXPECT_GT(parts.size(), 10U);
+  EXPECT_GT(rest.size(), parts.size());
+  parts.insert(parts.end(), rest.begin(), rest.end());
+  std::ranges::sort(parts);
+  auto sorted = all;
+  std::ranges::sort(sorted);
+  EXPECT_EQ(parts, sorted);
 }
 
 }  // namespace

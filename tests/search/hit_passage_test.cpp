@@ -14,6 +14,7 @@
 #include "platform/files/files.h"
 #include "score/score_engine.h"
 #include "score/score_log.h"
+#include "search/hit_excerpt.h"
 #include "search/hit_player.h"
 #include "search/melody_text.h"
 #include "search/midi_search.h"
@@ -116,6 +117,34 @@ TEST(HitPassageTest, FilesThatHaveChangedOrBreakOffAreNoTrap) {
   EXPECT_THAT(FindHitPassage(file, hit, 3), test::IsOk());
   const Bytes none(100, 0);
   EXPECT_THAT(FindHitPassage(none, hit, 3), test::FailsWith(Outcome::WrongFormat));
+}
+
+TEST(HitExcerptTest, TwoBarsOfTheTrackStandAlone) {
+  const Bytes file = test::MidiImage({Conductor(), Scale(12)});
+  const char* melody = "64:240,65:240,66:240";
+  const auto hits = Search(file, "x.mid", melody, {});
+  ASSERT_EQ(hits.size(), 1U);
+  const auto excerpt = MidiExcerpt(file, hits[0], 3, 2);
+  ASSERT_THAT(excerpt, test::IsOk());
+  const auto sequence = MidiSequence::FromFile(*excerpt);
+  ASSERT_THAT(sequence, test::IsOk());
+  std::vector<std::pair<std::uint64_t, int>> struck;
+  int sounding = 0;
+  for (const SequenceMessage& message : sequence->Messages()) {
+    sounding += message.IsNoteOn() ? 1 : -1;
+    if (message.IsNoteOn()) struck.emplace_back(message.tick, static_cast<int>(message.message >> 8 & 0x7F));
+  }
+  using testing::Pair;
+  EXPECT_THAT(struck, testing::ElementsAre(Pair(0, 63), Pair(192, 64), Pair(384, 65), Pair(576, 66),
+                                           Pair(768, 67), Pair(960, 68)));
+  EXPECT_EQ(sounding, 0);
+  // It is found again in what was cut out, in 3/4.
+  const auto again = Search(*excerpt, "x.mid", melody, {});
+  ASSERT_EQ(again.size(), 1U);
+  EXPECT_EQ(FindHitPassage(*excerpt, again[0], 3), (HitPassage{0, 192, 1152}));
+  for (std::size_t size = 0; size < file.size(); ++size)
+    (void)MidiExcerpt(ByteView(file).first(size), hits[0], 3, 2);
+  EXPECT_THAT(MidiExcerpt(file, hits[0], 3, SIZE_MAX), test::FailsWith(Outcome::DamagedMidi));
 }
 
 TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {

@@ -637,6 +637,32 @@ TEST_F(PrintingTest, PagesHoldAllHitsAndTheFootStaysTogether) {
   EXPECT_GE(before, 3);
 }
 
+TEST_F(PrintingTest, WithMusicEveryHitHasItsBarsOnce) {
+  const std::string pdf = directory_.File("a.pdf");
+  for (int hits = 0; hits < 40; ++hits) {
+    const SearchResults results = Results(hits);
+    int painted = 0;
+    double lowest = 0;
+    const HitPainter music = [&](QPainter& painter, const QRectF& place, const SearchHit&, std::size_t) {
+      ++painted;
+      lowest = std::max(lowest, place.bottom() / painter.device()->height());
+    };
+    int announced = 0;
+    PrintJob job;
+    job.proceed = [&](int, int pages) {
+      announced = pages;
+      return true;
+    };
+    const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& j) {
+      return PrintResults(results, false, device, j, music);
+    };
+    ASSERT_EQ(PrintWith(setup_, QStringLiteral("Probe"), pdf, drawing, job), Printed::Done);
+    ASSERT_EQ(PagesOf(pdf), announced) << hits;
+    ASSERT_EQ(painted, hits);
+    ASSERT_LE(lowest, 1) << "no bars below the page";
+  }
+}
+
 TEST_F(PrintingTest, AnAbortAndAFailureLeaveNothing) {
   const SearchResults results = Results(500, SearchKind::Score);
   const auto drawing = [&](QPagedPaintDevice& device, const PrintJob& job) {

@@ -335,6 +335,22 @@ TEST_F(SearchStory, PlayingSaysWhatIsWrongAndStops) {
               testing::AnyOf(QtText(texts::HitDeviceFailed), QtText(texts::MidiDeviceGone)));
 }
 
+TEST_F(SearchStory, ArrowKeysGoFromHitToHitPlayItAndShowItsBars) {
+  BeginSearch();
+  Search();
+  EXPECT_FALSE(Panel().Music()->isVisible()) << "no hit is looked at yet";
+  SelectHit(0);
+  ASSERT_TRUE(WaitFor([&] { return Panel().Music()->Line().has_value(); }));
+  EXPECT_TRUE(Panel().Music()->isVisible());
+  EXPECT_FALSE(FileExists(capture_)) << "to select is not to play";
+  QTest::keyClick(&Hits(), Qt::Key_Down);
+  EXPECT_EQ(Hits().CurrentHit(), 1U);
+  ASSERT_TRUE(WaitFor([&] { return W().GetDesk().Prompt().contains("ab Takt"); }));
+  ASSERT_TRUE(WaitFor([&] { return Panel().Music()->Line().has_value(); }));
+  PressKey(Qt::Key_Escape);
+  EXPECT_EQ(W().GetDesk().Prompt(), QtText(texts::StatusReady));
+}
+
 TEST_F(SearchStory, TheMenuOfAHitAndTheWayToTheSequencer) {
   (void)directory_.Write("rondel30.exe", "");
   Register("Rondelis", "InstallDir", directory_.Path());

@@ -72,7 +72,10 @@ void HitView::keyPressEvent(QKeyEvent* event) {
              (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
     emit PlayWanted();
   } else {
+    const QModelIndex before = currentIndex();
     QTreeView::keyPressEvent(event);
+    const bool arrow = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    if (arrow && event->modifiers() == Qt::NoModifier && currentIndex().row() != before.row()) emit Browsed();
   }
 }
 

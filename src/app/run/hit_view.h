@@ -26,6 +26,7 @@ class HitView : public QTreeView {
   void SelectionChanged();
   void CopyWanted();
   void PlayWanted();  // Enter or a double click
+  void Browsed();     // an arrow key went on to another hit
   void MenuWanted(const QPoint& globalPosition);
 
  protected:

@@ -89,6 +89,7 @@ RunRequest RunCommands::Request(Job& job, const Job& work, NameOrigin origin) {
   request.number = application_.GetJobs().Find(job.Id()).value_or(0);
   request.devices.output = OutputOf(work, application_.Devices());
   request.journals = application_.Journals();
+  request.practices = application_.Practices();
   if (IsSearch(work.filter) && work.destinationIsScreen) {
     request.begin = [this, &job, &work, policy = settings.oldSearchResults] {
       const auto& parameters = As<SearchParameters>(*work.parameters);

@@ -37,6 +37,7 @@ RunPanel::RunPanel(QWidget* parent)
       item_(new QProgressBar(this)),
       buffer_(new QProgressBar(this)),
       hitView_(new HitView(hits_, this)),
+      hitMusic_(new HitMusic(this)),
       protocolView_(new QListView(this)) {
   setObjectName("runPanel");
   task_->setObjectName("runTask");
@@ -63,6 +64,8 @@ RunPanel::RunPanel(QWidget* parent)
   connect(&hitTimer_, &QTimer::timeout, this, [this] {
     if (hits_.rowCount() < static_cast<int>(results_.Size())) ShowHits();
   });
+  connect(hitView_, &HitView::SelectionChanged, this, &RunPanel::ShowMusic);
+  connect(&hits_, &QAbstractItemModel::modelReset, this, &RunPanel::ShowMusic);
   protocolView_->setObjectName("protocol");
   protocolView_->setAccessibleName(QtText(texts::ProtocolName));
   protocolView_->setModel(&protocol_);
@@ -81,6 +84,7 @@ RunPanel::RunPanel(QWidget* parent)
   layout->addWidget(buffer_);
   layout->addWidget(time_);
   layout->addWidget(hitView_, 1);
+  layout->addWidget(hitMusic_);
   layout->addWidget(protocolView_, 1);
   layout->addStretch(0);
   SetFilter(FilterId::None);
@@ -92,6 +96,7 @@ void RunPanel::SetFilter(FilterId filter) {
   files_->setVisible(!search);
   item_->setVisible(!search);
   hitView_->setVisible(search);
+  ShowMusic();
   if (filter == filter_) return;
   filter_ = filter;
   if (search && results_.Size() == 0) {
@@ -177,6 +182,15 @@ void RunPanel::EndSearch(const RunResult& result) {
   searching_ = false;
   hitTimer_.stop();
   ShowHits();
+}
+
+void RunPanel::ShowMusic() {
+  const auto row = hitView_->isHidden() ? std::nullopt : hitView_->CurrentHit();
+  if (row && *row < results_.Size()) {
+    hitMusic_->Show(results_.Hit(*row), results_.Notes(*row));
+  } else {
+    hitMusic_->Show(std::nullopt);
+  }
 }
 
 // The end of the list stays in view, unless the user looks at something else.

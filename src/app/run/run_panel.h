@@ -16,6 +16,7 @@
 
 #include "app/run/desktop_run_host.h"
 #include "app/run/hit_model.h"
+#include "app/run/hit_music.h"
 #include "app/run/hit_view.h"
 #include "search/search_results.h"
 
@@ -55,12 +56,14 @@ class RunPanel : public QWidget {
   [[nodiscard]] QLabel* StatusLabel() const { return status_; }
   [[nodiscard]] QLabel* TimeLabel() const { return time_; }
   [[nodiscard]] HitView* Hitlist() const { return hitView_; }
+  [[nodiscard]] HitMusic* Music() const { return hitMusic_; }
   [[nodiscard]] QListView* ProtocolView() const { return protocolView_; }
 
  private:
   void SetProgress(const RunProgress& progress);
   [[nodiscard]] std::optional<std::chrono::milliseconds> RemainingNow() const;
   void ShowHits();
+  void ShowMusic();  // of the hit with the focus
 
   FilterId filter_ = FilterId::None;
   std::optional<RunProgress> progress_;
@@ -74,6 +77,7 @@ class RunPanel : public QWidget {
   SearchResults results_;
   HitModel hits_{results_};
   HitView* hitView_;
+  HitMusic* hitMusic_;
   QTimer hitTimer_;  // while it runs, new hits wait
   bool searching_ = false;
   QListView* protocolView_;

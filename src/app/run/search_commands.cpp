@@ -15,7 +15,9 @@
 #include "midi/midi_capture.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
+#include "preview/hit_line.h"
 #include "preview/texts.h"
+#include "preview/ui/line_painter.h"
 #include "preview/ui/preview_window.h"
 #include "resources/icons.h"
 #include "search/search_parameters.h"
@@ -23,13 +25,28 @@
 #include "search/ui/result_viewer_dialog.h"
 
 namespace ts5 {
+namespace {
+
+constexpr int kBrowsedMilliseconds = 180;
+constexpr double kPrintedSpace = 1e6;  // as large as the list has room for
+
+// The bars beside each hit of a printed list.
+HitPainter PrintedMusic() {
+  return [lines = std::make_shared<preview::HitLines>()](QPainter& painter, const QRectF& place,
+                                                         const SearchHit& hit, std::size_t notes) {
+    if (const auto line = lines->Draw(hit, notes))
+      preview::PaintLine(painter, place, *line, kPrintedSpace, Qt::black);
+  };
+}
+
+}  // namespace
 
 SearchCommands::SearchCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Application& application)
     : desk_(desk),
       active_(active),
       panels_(panels),
       application_(application),
-      printing_(std::make_unique<ResultsPrinting>(application.Devices().printers, desk)),
+      printing_(std::make_unique<ResultsPrinting>(application.Devices().printers, desk, PrintedMusic())),
       player_(std::make_unique<HitPlayer>()) {
   CommandActions& actions = desk_.Actions();
   actions.On(CommandId::SearchResults, [this] { ShowResults(); });
@@ -40,6 +57,9 @@ SearchCommands::SearchCommands(Desk& desk, ActiveJob& active, RunPanels& panels,
   // Esc stops the run, and a hit that sounds before it.
   actions.On(CommandId::StopByEscape,
              [this] { playing_ ? TogglePlaying() : desk_.Actions().Trigger(CommandId::Stop); });
+  browsed_.setSingleShot(true);
+  browsed_.setInterval(kBrowsedMilliseconds);
+  connect(&browsed_, &QTimer::timeout, this, &SearchCommands::PlayBrowsed);
   connect(&panels_, &RunPanels::Made, this, [this](const RunPanel* panel) { Attach(*panel); });
   connect(&active_, &ActiveJob::Changed, this, &SearchCommands::Refresh);
 }
@@ -50,6 +70,7 @@ SearchCommands::~SearchCommands() {
 
 void SearchCommands::Close() {
   ++round_;
+  browsed_.stop();
   playing_ = false;
   player_.reset();
   if (visit_) visit_->Leave();
@@ -62,6 +83,7 @@ void SearchCommands::Attach(const RunPanel& panel) {
   connect(view, &HitView::SelectionChanged, this, &SearchCommands::Refresh);
   connect(view, &HitView::CopyWanted, this, [trigger] { trigger(CommandId::CopyHits); });
   connect(view, &HitView::MenuWanted, this, &SearchCommands::ShowMenu);
+  connect(view, &HitView::Browsed, &browsed_, qOverload<>(&QTimer::start));
   connect(view, &HitView::PlayWanted, this, [this, trigger] {
     if (playing_) TogglePlaying();
     trigger(CommandId::PlayHit);
@@ -182,6 +204,12 @@ void SearchCommands::TogglePlaying() {
       });
   desk_.ShowPrompt(ToQt(Format(Text(texts::HitPlaying), FileNameOf(hit.file), std::int64_t{hit.bar} + 1)));
   active_.Refresh();
+}
+
+void SearchCommands::PlayBrowsed() {
+  if (!player_ || !Row() || !Device()) return;
+  if (playing_) TogglePlaying();
+  desk_.Actions().Trigger(CommandId::PlayHit);
 }
 
 void SearchCommands::PlayingEnded(int round, Outcome outcome) {

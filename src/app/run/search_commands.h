@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QObject>
+#include <QTimer>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,7 @@ class SearchCommands : public QObject {
   void Copy();
   void ShowMenu(const QPoint& position);
   void TogglePlaying();
+  void PlayBrowsed();  // the hit that the arrow keys have come to
   void PlayingEnded(int round, Outcome outcome);
   void ShowHitInApplication();
   void TellLater(TextId text);
@@ -53,7 +55,8 @@ class SearchCommands : public QObject {
   std::unique_ptr<ResultsPrinting> printing_;
   std::unique_ptr<HitPlayer> player_;
   bool playing_ = false;
-  int round_ = 0;  // tells the end of the hit that plays from that of one stopped before
+  QTimer browsed_;  // until the arrow keys rest
+  int round_ = 0;   // tells the end of the hit that plays from that of one stopped before
   std::shared_ptr<SiblingVisit> visit_;
 };
 

@@ -1,6 +1,7 @@
 #include "app/shell/application.h"
 
 #include <QPrinterInfo>
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -37,12 +38,17 @@ std::vector<std::string> Writers() {
 
 }  // namespace
 
+SoundDevices FindSoundDevices() {
+  return {AudioInputDevices(), AudioOutputDevices(), MidiOutputDevices()};
+}
+
 Application::Application(const StartOptions& options, const std::function<void(TextId)>& announce)
     : announce_(announce ? announce : [](TextId) {}),
       registryPath_(options.registryPath),
       patience_(options.patience),
       modules_(options.modules ? options.modules : ModuleFinder(&FindModule)),
       ownDrives_(!options.devices && !options.volumes),
+      ownDevices_(!options.devices),
       runner_(modules_),
       session_(DefaultSettingsGround()) {
   OpenRegistry();
@@ -96,6 +102,29 @@ Application::~Application() = default;
 
 std::string Application::Journals() const {
   return JournalDirectory(registryPath_);
+}
+
+bool Application::AddSoundDevices(const SoundDevices& found) {
+  bool any = false;
+  for (const auto list :
+       {&SoundDevices::audioInputs, &SoundDevices::audioOutputs, &SoundDevices::midiOutputs}) {
+    std::vector<std::string>& known = devices_.*list;
+    for (const std::string& name : found.*list) {
+      if (std::ranges::find(known, name) != known.end()) continue;
+      known.push_back(name);
+      any = true;
+    }
+  }
+  return any;
+}
+
+std::function<SoundPlaces()> Application::SoundFinder() const {
+  if (ownDevices_) return FindSoundPlaces;
+  // Given devices are all that there are.
+  SoundPlaces places;
+  if (!devices_.audioOutputs.empty()) places.audio = devices_.audioOutputs.front();
+  if (!devices_.midiOutputs.empty()) places.midi = devices_.midiOutputs.front();
+  return [places] { return places; };
 }
 
 void Application::LookForDrives() {

@@ -12,21 +12,28 @@
 #include "frame/filter_bar.h"
 #include "frame/job_runner.h"
 #include "frame/jobs.h"
+#include "frame/practice_book.h"
 #include "frame/session_store.h"
 #include "frame/settings.h"
 #include "frame/siblings.h"
 #include "frame/ui/qt_event_loop.h"
 #include "platform/base/strings.h"
 #include "platform/disc/volumes.h"
+#include "platform/sound/sound_places.h"
 #include "platform/store/registry.h"
 
 namespace ts5 {
 
-// The devices found at the start, by the names that the user sees.
-struct DeviceLists {
-  std::vector<std::string> audioInputs;
-  std::vector<std::string> audioOutputs;
-  std::vector<std::string> midiOutputs;
+// By the names that the user sees.
+struct SoundDevices {
+  std::vector<std::string> audioInputs = {};
+  std::vector<std::string> audioOutputs = {};
+  std::vector<std::string> midiOutputs = {};
+};
+[[nodiscard]] SoundDevices FindSoundDevices();  // of this machine; may take some time
+
+// The devices found at the start, and the sound devices that came later.
+struct DeviceLists : SoundDevices {
   std::vector<std::string> writers;
   std::vector<std::string> printers;
 
@@ -57,6 +64,13 @@ class Application {
   [[nodiscard]] const VolumeTable& Volumes() const { return volumes_; }
   // Drives and volumes are those of this machine, and may come and go.
   [[nodiscard]] bool OwnDrives() const { return ownDrives_; }
+  // The devices are those of this machine, and more may come.
+  [[nodiscard]] bool HasOwnDevices() const { return ownDevices_; }
+  // Takes those that are new, behind the others: jobs know devices by their places in the lists. False when
+  // there are none.
+  bool AddSoundDevices(const SoundDevices& found);
+  // Looks where music can sound now. May be called from any thread, and after the application has gone.
+  [[nodiscard]] std::function<SoundPlaces()> SoundFinder() const;
   // Looks for them again; jobs whose drive has another letter now get it.
   void LookForDrives();
   [[nodiscard]] const SiblingPrograms& Siblings() const { return siblings_; }
@@ -64,6 +78,8 @@ class Application {
   [[nodiscard]] JobRunner& Runner() { return runner_; }
   [[nodiscard]] Registry& GetRegistry() { return *registry_; }
   [[nodiscard]] EventLoop& Loop() { return loop_; }
+  // How files were practised, for all that plays.
+  [[nodiscard]] const std::shared_ptr<PracticeBook>& Practices() const { return practices_; }
   [[nodiscard]] const FilterModule* Module(FilterId filter) const { return modules_(filter); }
   // What the user has to be told after the start, e.g. about a registry that was damaged.
   [[nodiscard]] const std::vector<std::string>& Notices() const { return notices_; }
@@ -111,11 +127,13 @@ class Application {
   SiblingPrograms siblings_;
   VolumeTable volumes_;
   bool ownDrives_;
+  bool ownDevices_;
   DeviceLists devices_;
   Settings settings_;
   QtEventLoop loop_;
   JobRunner runner_;
   std::unique_ptr<Jobs> jobs_;
+  std::shared_ptr<PracticeBook> practices_ = std::make_shared<PracticeBook>();
   bool runsLeft_ = false;
   SessionStore session_;
 };

@@ -40,6 +40,7 @@ constexpr std::array kIcons{
     CommandIcon{CommandId::About, "about"},
     CommandIcon{CommandId::PrintSearchResults, "print"},
     CommandIcon{CommandId::PlayHit, "play"},
+    CommandIcon{CommandId::ListenFile, "play"},
 };
 
 void AddKeys(QList<QKeySequence>& keys, std::string_view names) {

@@ -28,7 +28,8 @@ constexpr std::array kCommands{
     Command{C::MoveDown, File, false, T::MenuMoveDown, "Ctrl+Down", "", "quellmedium.htm", kAlways},
     Command{C::Rename, File, false, T::MenuRename, "", "", "quellmedium.htm", kAlways},
     Command{C::PrinterSetup, File, true, T::MenuPrinterSetup, "", "", "", FilterId::Artworker},
-    Command{C::Properties, File, true, T::MenuProperties, "Ctrl+E", "", "quellmedium.htm", kAlways},
+    Command{C::ListenFile, File, true, T::MenuListenFile, "", "", "quellmedium.htm", kAlways},
+    Command{C::Properties, File, false, T::MenuProperties, "Ctrl+E", "", "quellmedium.htm", kAlways},
     Command{C::ShowNotation, File, false, T::MenuShowNotation, "Ctrl+B", "", "notenbild.htm", kAlways},
     Command{C::Quit, File, true, T::MenuQuit, "Ctrl+W", "", "hauptfenster.htm", kAlways},
 

@@ -59,6 +59,7 @@ enum class CommandId : std::uint16_t {
   RestoreJob = 40182,
   ShowNotation = 40183,
   SelectAllFiles = 40184,
+  ListenFile = 40190,
   FilterList = 40195,
   ListColumns = 40196,
   TakeOrder = 40197,

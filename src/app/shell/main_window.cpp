@@ -32,9 +32,9 @@ constexpr int kMessageTime = 10'000;                // milliseconds of a message
 constexpr int kRetry = 300;  // milliseconds until a window is looked at again that a dialog holds
 
 // What can be done with the files under the mouse, in the order of the menu.
-constexpr std::array kFileCommands{CommandId::Properties, CommandId::ShowNotation, CommandId::SelectAllFiles,
-                                   CommandId::Rename,     CommandId::MoveUp,       CommandId::MoveDown,
-                                   CommandId::Delete};
+constexpr std::array kFileCommands{CommandId::ListenFile,     CommandId::Properties, CommandId::ShowNotation,
+                                   CommandId::SelectAllFiles, CommandId::Rename,     CommandId::MoveUp,
+                                   CommandId::MoveDown,       CommandId::Delete};
 
 QStringList ToQtList(const std::vector<std::string>& names) {
   QStringList list;
@@ -123,11 +123,14 @@ void MainWindow::LayAreasOut() {
 }
 
 void MainWindow::FillAreas() {
-  const DeviceLists& devices = application_.Devices();
-  target_->SetDevices(DeviceKind::Midi, ToQtList(devices.midiOutputs));
-  target_->SetDevices(DeviceKind::Audio, ToQtList(devices.audioOutputs));
-  target_->SetDevices(DeviceKind::Printer, ToQtList(devices.printers));
+  ShowSoundDevices();
+  target_->SetDevices(DeviceKind::Printer, ToQtList(application_.Devices().printers));
   ShowDrives();
+}
+
+void MainWindow::ShowSoundDevices() {
+  target_->SetDevices(DeviceKind::Midi, ToQtList(application_.Devices().midiOutputs));
+  target_->SetDevices(DeviceKind::Audio, ToQtList(application_.Devices().audioOutputs));
 }
 
 void MainWindow::ShowDrives() {
@@ -154,6 +157,10 @@ void MainWindow::MakeCommands() {
     discs_->OfferRecorder(*view);
   }
   discs_->OfferRecorder(*target_->DeviceList(DeviceKind::Drive));
+  listening_ = std::make_unique<ListenCommands>(Actions(), *source_->Files(), application_, source_);
+  source_->AddBelowList(listening_->Bar());
+  sound_ = std::make_unique<SoundWatch>(
+      application_, [this] { return application_.Runner().AnyRunning() || listening_->Sound().Busy(); });
   jobs_ = std::make_unique<JobCommands>(*desk_, *active_, application_.GetJobs(), *jobBar_, *panels_);
   filterCommands_ = std::make_unique<FilterCommands>(*active_, *filters_);
   runs_ = std::make_unique<RunCommands>(*desk_, *active_, *panels_, application_);
@@ -201,6 +208,10 @@ void MainWindow::Connect() {
   });
   connect(target_->DeviceList(DeviceKind::Drive), &QListWidget::currentRowChanged, discs_.get(), [this] {
     if (target_->isVisible()) discs_->Refresh();
+  });
+  connect(sound_.get(), &SoundWatch::DevicesCame, this, [this] {
+    ShowSoundDevices();
+    active_->ChangeRun();
   });
   connect(&watch_, &StoreWatch::JobsChanged, this, &MainWindow::TakeOverJobs);
   connect(&watch_, &StoreWatch::Reached, this,
@@ -354,6 +365,7 @@ bool MainWindow::End(JobSaving policy, bool attended) {
   desk_->Close();
   runs_->Close();
   searches_->Close();
+  listening_->Close();
   hide();
   application_.StopRuns();
   return true;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/listen/listen_commands.h"
 #include "app/run/interrupted_runs.h"
 #include "app/run/job_windows.h"
 #include "app/run/layout_preview.h"
@@ -32,6 +33,7 @@
 #include "app/source/list_commands.h"
 #include "app/source/source_area.h"
 #include "app/source/source_commands.h"
+#include "app/target/sound_watch.h"
 #include "app/target/target_area.h"
 #include "app/target/target_commands.h"
 #include "app/target/target_folder.h"
@@ -68,6 +70,7 @@ class MainWindow : public QMainWindow {
   [[nodiscard]] TargetArea& Target() { return *target_; }
   [[nodiscard]] RunPanels& Panels() { return *panels_; }
   [[nodiscard]] JobWindows& Windows() { return *windows_; }
+  [[nodiscard]] ListenCommands& Listening() { return *listening_; }
   [[nodiscard]] const HelpCommands& Help() const { return *helpCommands_; }
 
  protected:
@@ -81,6 +84,7 @@ class MainWindow : public QMainWindow {
   void FillAreas();
   // The drives of the machine in the selector and in the list of recorders.
   void ShowDrives();
+  void ShowSoundDevices();
   void MakeCommands();
   void Connect();
   void ConnectRuns();
@@ -114,6 +118,8 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<ListCommands> lists_;
   std::unique_ptr<ListArrangement> arrangement_;
   std::unique_ptr<DiscCommands> discs_;
+  std::unique_ptr<ListenCommands> listening_;
+  std::unique_ptr<SoundWatch> sound_;
   std::unique_ptr<JobCommands> jobs_;
   std::unique_ptr<FilterCommands> filterCommands_;
   std::unique_ptr<RunCommands> runs_;

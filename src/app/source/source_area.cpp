@@ -151,6 +151,11 @@ SourceArea::SourceArea(QWidget* parent)
   });
 }
 
+void SourceArea::AddBelowList(QWidget* widget) {
+  auto* const column = static_cast<QVBoxLayout*>(files_->parentWidget()->layout());
+  column->insertWidget(column->indexOf(files_) + 1, widget);
+}
+
 void SourceArea::TakeTreeIndex(const QModelIndex& index) {
   const std::string path = treeModel_.PathOf(index);
   if (revealing_ || path.empty() || path == shownDirectory_) return;

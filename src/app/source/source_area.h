@@ -79,6 +79,8 @@ class SourceArea : public QWidget {
   [[nodiscard]] QLineEdit* Filter() const { return filter_; }
   // Shows all of it again.
   void ClearFilter();
+  // Directly under the list of files.
+  void AddBelowList(QWidget* widget);
   // Over the file view, while there are no files.
   [[nodiscard]] EmptyNote* Note() const { return note_; }
   [[nodiscard]] FreeListStrip* Strip() const { return strip_; }

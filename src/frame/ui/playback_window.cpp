@@ -9,6 +9,7 @@
 #include "frame/ui/level_meter_widget.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/position_slider.h"
+#include "frame/ui/practice_panel.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
 #include "resources/icons.h"
@@ -39,12 +40,14 @@ PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* paren
       subject_(std::move(subject)),
       ui_(std::make_unique<Ui::PLAYBACK>()),
       position_(new PositionSlider(this)),
-      meter_(new LevelMeterWidget(this)) {
+      meter_(new LevelMeterWidget(this)),
+      practice_(new PracticePanel([run = subject_.run] { return &run->player; }, this)) {
   ui_->setupUi(this);
   ConnectButtons();
   setWindowTitle(ToQt(Format(Text(texts::PlaybackCaption), subject_.title)));
   ui_->positionLayout->addWidget(position_);
   ui_->meterLayout->addWidget(meter_);
+  AddExtras(practice_);
 
   if (const PlayerOptions* options = subject_.options()) {
     ui_->pauseBox->setValue(options->interval);
@@ -142,6 +145,9 @@ void PlaybackWindow::Refresh() {
     position_->setValue(Milliseconds(status.position));
   }
   position_->SetWaveform(status.waveform);
+  position_->SetScore(status.score);
+  practice_->Show(status);
+  position_->SetPassage(status.title.empty() ? std::nullopt : subject_.run->player.GetPractice().passage);
   const bool active = !MayChangeJob(state);
   ui_->playButton->setText(QtText(active && !status.paused ? texts::RunButtonPause : texts::RunButtonPlay));
   for (QAbstractButton* button :

@@ -20,6 +20,7 @@ namespace ts5 {
 
 class LevelMeterWidget;
 class PositionSlider;
+class PracticePanel;
 
 class PlaybackWindow : public HostedDialog {
   Q_OBJECT
@@ -61,6 +62,7 @@ class PlaybackWindow : public HostedDialog {
   std::unique_ptr<Ui::PLAYBACK> ui_;
   PositionSlider* position_;
   LevelMeterWidget* meter_;
+  PracticePanel* practice_;
   QTimer timer_;
   std::optional<PlaybackForm> shown_;
   unsigned refreshes_ = 0;

@@ -20,7 +20,8 @@ constexpr std::array kStepKeys{
     StepKey{Qt::Key_Left, PositionKey::Left}, StepKey{Qt::Key_Right, PositionKey::Right},
     StepKey{Qt::Key_PageUp, PositionKey::PageUp}, StepKey{Qt::Key_PageDown, PositionKey::PageDown}};
 
-constexpr float kSoftest = 0.001F;  // what is below all the time looks like silence
+constexpr double kLeastBarWidth = 4;  // pixels
+constexpr float kSoftest = 0.001F;    // what is below all the time looks like silence
 
 }  // namespace
 
@@ -34,6 +35,19 @@ void PositionSlider::SetWaveform(std::shared_ptr<const Waveform> waveform) {
   waveform_ = std::move(waveform);
   outline_ = QPixmap();
   setAccessibleDescription(waveform_ ? QtText(texts::PlaybackWaveformName) : QString());
+  update();
+}
+
+void PositionSlider::SetScore(std::shared_ptr<const PlayerScore> score) {
+  if (score == score_) return;
+  score_ = std::move(score);
+  outline_ = QPixmap();
+  update();
+}
+
+void PositionSlider::SetPassage(const std::optional<PracticePassage>& passage) {
+  if (passage == passage_) return;
+  passage_ = passage;
   update();
 }
 
@@ -56,6 +70,7 @@ void PositionSlider::DrawOutline() {
   QColor colour = palette().highlight().color();
   colour.setAlpha(110);
   painter.setPen(colour);
+  if (!waveform_ || waveform_->empty()) return DrawBars(painter);
   const qreal middle = height() * 0.5;
   // The loudest part fills the height, so that the outline of a soft piece can be seen as well.
   const qreal loudest = std::max(*std::ranges::max_element(*waveform_), kSoftest);
@@ -66,13 +81,37 @@ void PositionSlider::DrawOutline() {
   }
 }
 
+// A line for each bar, or for each of a row of bars where they would lie too close.
+void PositionSlider::DrawBars(QPainter& painter) const {
+  const auto& bars = score_->bars;
+  std::size_t each = 1;
+  const auto lines = [&] { return static_cast<double>(bars.size()) / static_cast<double>(each); };
+  while (each < bars.size() && width() / lines() < kLeastBarWidth) each *= 2;
+  for (std::size_t i = 0; i < bars.size(); i += each) {
+    const double x = PlaceOf(bars[i]);
+    painter.drawLine(QPointF(x, 0), QPointF(x, height()));
+  }
+}
+
+double PositionSlider::PlaceOf(std::chrono::nanoseconds time) const {
+  const double milliseconds = std::chrono::duration<double, std::milli>(time).count();
+  return width() * milliseconds / std::max(maximum(), 1);
+}
+
 void PositionSlider::changeEvent(QEvent* event) {
   outline_ = QPixmap();
   QSlider::changeEvent(event);
 }
 
 void PositionSlider::paintEvent(QPaintEvent* event) {
-  if (waveform_ && !waveform_->empty()) {
+  const bool outlined = (waveform_ && !waveform_->empty()) || (score_ && !score_->bars.empty());
+  if (passage_) {
+    QColor ground = palette().highlight().color();
+    ground.setAlpha(60);
+    const double left = PlaceOf(passage_->from);
+    QPainter(this).fillRect(QRectF(left, 0, PlaceOf(passage_->to) - left, height()), ground);
+  }
+  if (outlined) {
     if (outline_.size() != size() * devicePixelRatioF()) DrawOutline();
     QPainter(this).drawPixmap(0, 0, outline_);
   }

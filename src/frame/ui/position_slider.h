@@ -1,9 +1,11 @@
-// The position of a player, over the outline of what is played. Keys move it by the steps of playback_form.h.
+// The position of a player, over the outline or the bars of what is played. Keys move it by the steps of
+// playback_form.h.
 #pragma once
 
 #include <QPixmap>
 #include <QSlider>
 #include <memory>
+#include <optional>
 
 #include "frame/player_control.h"
 
@@ -15,6 +17,10 @@ class PositionSlider : public QSlider {
  public:
   explicit PositionSlider(QWidget* parent = nullptr);
   void SetWaveform(std::shared_ptr<const Waveform> waveform);
+  // Music made of notes has bars in place of an outline.
+  void SetScore(std::shared_ptr<const PlayerScore> score);
+  // What is played over and over.
+  void SetPassage(const std::optional<PracticePassage>& passage);
 
  signals:
   void Stepped(int milliseconds);
@@ -26,9 +32,13 @@ class PositionSlider : public QSlider {
 
  private:
   void DrawOutline();
+  void DrawBars(QPainter& painter) const;
+  [[nodiscard]] double PlaceOf(std::chrono::nanoseconds time) const;  // pixels
 
   std::shared_ptr<const Waveform> waveform_;
-  QPixmap outline_;  // of the waveform
+  std::shared_ptr<const PlayerScore> score_;
+  std::optional<PracticePassage> passage_;
+  QPixmap outline_;  // of the waveform, or the bars
 };
 
 }  // namespace ts5

@@ -11,6 +11,7 @@
 #include "platform/base/text.h"
 #include "search/hit_texts.h"
 #include "search/texts.h"
+#include "search/ui/melody_painter.h"
 
 namespace ts5 {
 namespace {
@@ -20,9 +21,12 @@ constexpr int kTextPoints = 10;
 constexpr int kTitlePoints = 13;
 // Where the columns begin, in parts of the page's width; the first one is for the file.
 constexpr std::array kColumns = {0.0, 0.58, 0.74, 0.87};
-constexpr int kTextColumns = 82;   // of a result file
-constexpr int kTextHeadLines = 2;  // the name and the page number
-constexpr int kFooterLines = 5;    // the rule, the ending and three counts
+constexpr int kTextColumns = 82;     // of a result file
+constexpr int kTextHeadLines = 2;    // the name and the page number
+constexpr int kFooterLines = 5;      // the rule, the ending and three counts
+constexpr int kMelodyLines = 5;      // the notes of the melody, over the first hit
+constexpr int kMusicLines = 4;       // of a hit with its bars
+constexpr double kMusicLeft = 0.42;  // where they begin, in parts of the page's width
 
 QFont PrintFont(const QString& family, double points, QFont::Weight weight, const QPaintDevice& device) {
   QFont font(family);
@@ -82,6 +86,23 @@ class Page {
            Qt::AlignLeft);
     }
   }
+  void Melody(const SearchRecord& record) {
+    PaintMelody(painter_, QRectF(0, LineTop(0), width_, (kMelodyLines - 1) * LineHeight()), record.melody,
+                record.clef);
+  }
+  // The texts below each other, the notes beside them.
+  void RowWithMusic(int line, const HitRow& row, const SearchHit& hit, std::size_t notes,
+                    const HitPainter& music) {
+    const double width = kMusicLeft * width_ - metrics_.averageCharWidth();
+    const QString place = ToQt(row[1] + ", " + row[2]);
+    const QString texts[] = {ToQt(row[0]), place, ToQt(row[3])};
+    for (int i = 0; i < 3; ++i)
+      Draw(0, LineTop(line + i), width, metrics_.elidedText(texts[i], Qt::ElideMiddle, width), Qt::AlignLeft);
+    music(painter_,
+          QRectF(kMusicLeft * width_, LineTop(line), (1 - kMusicLeft) * width_,
+                 (kMusicLines - 0.4) * LineHeight()),
+          hit, notes);
+  }
   void Footer(int line, const SearchRecord& record) {
     Rule(LineTop(line) + LineHeight() / 2.0);
     Draw(0, LineTop(++line), width_, ToQt(ResultEnding(record)), Qt::AlignLeft);
@@ -112,27 +133,39 @@ class Page {
 }  // namespace
 
 Printed PrintResults(const SearchResults& results, bool wholePaths, QPagedPaintDevice& device,
-                     const PrintJob& job) {
+                     const PrintJob& job, const HitPainter& music) {
   QPainter painter;
   if (!painter.begin(&device)) return Printed::Failed;
   Page page(painter, device);
   const SearchRecord& record = results.Record();
   const auto rows = static_cast<int>(results.Size());
-  const int perPage = page.Lines();
+  const int high = music ? kMusicLines : 1;  // lines of a row
+  const int melody = record.melody.empty() ? 0 : kMelodyLines;
+  const int onFirst = std::max(1, (page.Lines() - melody) / high);
+  const int perPage = std::max(1, page.Lines() / high);
+  const int full = rows <= onFirst ? 1 : 1 + (rows - onFirst + perPage - 1) / perPage;
+  const auto firstRow = [&](int number) { return number == 1 ? 0 : onFirst + (number - 2) * perPage; };
   // The foot stays together: where too little room is left, it begins a page of its own.
-  const int lastLines = rows % perPage;
-  const bool ownPage = rows > 0 && (lastLines == 0 || lastLines + kFooterLines > perPage);
-  const int pages = rows / perPage + (lastLines > 0 ? 1 : 0) + (ownPage || rows == 0 ? 1 : 0);
+  const int used = (full == 1 ? melody : 0) + (rows - firstRow(full)) * high;
+  const bool ownPage = rows > 0 && used + kFooterLines > page.Lines();
+  const int pages = full + (ownPage ? 1 : 0);
   return DrawPages(device, painter, pages, job, [&](int number) {
     page.Head(record, number);
-    const int first = (number - 1) * perPage;
-    const int count = std::clamp(rows - first, 0, perPage);
-    auto index = static_cast<std::size_t>(first);
-    for (int line = 0; line < count; ++line) {
-      const SearchHit hit = results.Hit(index++);
-      page.Row(line, PrintedHit(record.kind, hit, wholePaths));
+    if (number == 1 && melody > 0) page.Melody(record);
+    const int first = firstRow(number);
+    const int count = std::clamp(rows - first, 0, number == 1 ? onFirst : perPage);
+    int line = number == 1 ? melody : 0;
+    for (int i = 0; i < count; ++i, line += high) {
+      const auto index = static_cast<std::size_t>(first + i);
+      const SearchHit hit = results.Hit(index);
+      const HitRow row = PrintedHit(record.kind, hit, wholePaths);
+      if (music) {
+        page.RowWithMusic(line, row, hit, results.Notes(index), music);
+      } else {
+        page.Row(line, row);
+      }
     }
-    if (number == pages) page.Footer(count, record);
+    if (number == pages) page.Footer(line, record);
   });
 }
 

@@ -7,16 +7,17 @@
 
 namespace ts5 {
 
-ResultsPrinting::ResultsPrinting(const std::vector<std::string>& printers, DialogHost& host)
+ResultsPrinting::ResultsPrinting(const std::vector<std::string>& printers, DialogHost& host, HitPainter music)
     : printing_(printers,
                 {texts::PrintJobName, texts::PrintAbortTitle, texts::PrintAbortText, texts::PdfProposal,
                  texts::PrintFailed, QStringLiteral("Befehle-Aktion-Suchergebnisse.htm")},
-                host) {}
+                host),
+      music_(std::move(music)) {}
 
 void ResultsPrinting::PrintHits(const SearchResults& results, bool wholePaths, QWidget* parent) {
   printing_.Print(
-      [&results, wholePaths](QPagedPaintDevice& device, const PrintJob& job) {
-        return PrintResults(results, wholePaths, device, job);
+      [&results, wholePaths, this](QPagedPaintDevice& device, const PrintJob& job) {
+        return PrintResults(results, wholePaths, device, job, music_);
       },
       parent);
 }

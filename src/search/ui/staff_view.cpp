@@ -14,7 +14,7 @@
 #include "search/note_layout.h"
 #include "search/note_names.h"
 #include "search/texts.h"
-#include "search/ui/music_shapes.h"
+#include "search/ui/melody_painter.h"
 
 namespace ts5 {
 namespace {
@@ -22,8 +22,6 @@ namespace {
 constexpr int kMiddlePlace = 4;
 constexpr int kHeight = 150;
 constexpr int kMinimumWidth = 240;
-constexpr double kClefLeft = 14.0;
-constexpr double kLedgerOverhang = 3.0;
 constexpr double kRoomToWrite = 90.0;    // behind the melody, before the notes grow
 constexpr double kLeastContent = 480.0;  // of an empty staff
 constexpr double kLargestScale = 3.0;
@@ -95,40 +93,14 @@ double StaffView::Scale() const {
   return std::clamp(std::floor(fits * 4) / 4, 1.0, kLargestScale);
 }
 
-double StaffView::PlaceY(int place) const {
+double StaffView::MiddleY() const {
   // Lines of one pixel fill whole pixels.
-  return std::floor(height() / Scale() / 2) + 0.5 - (place - kMiddlePlace) * kStaffSpace / 2.0;
-}
-
-void StaffView::DrawNote(QPainter& painter, const NotePlace& note) const {
-  const auto fill = [&](const QPainterPath& shape, double x, double y) {
-    painter.save();
-    painter.translate(x, y);
-    painter.scale(kStaffSpace, kStaffSpace);
-    painter.drawPath(shape);
-    painter.restore();
-  };
-  const double y = PlaceY(note.rest ? kMiddlePlace : note.place);
-  const double width = HeadWidth(note.head) * kStaffSpace;
-  if (note.rest) {
-    fill(RestShape(note.head, note.flags), note.x, y);
-  } else {
-    for (const int line : note.ledgerLines) {
-      painter.drawRect(
-          QRectF(note.x - kLedgerOverhang, PlaceY(line) - 0.5, width + 2 * kLedgerOverhang, 1.0));
-    }
-    fill(AccidentalShape(note.accidental), note.accidentalX, y);
-    fill(HeadShape(note.head), note.x, y);
-    if (note.stem) fill(StemShape(note.head, note.stemUp, note.flags, note.stemLength), note.x, y);
-  }
-  // A dot beside a head on a line stands in the space above it.
-  const bool onLine = !note.rest && note.place % 2 == 0;
-  if (note.dotted) fill(DotShape(), note.x + width + 5.0, y - (onLine || note.rest ? kStaffSpace / 2 : 0.0));
+  return std::floor(height() / Scale() / 2) + 0.5;
 }
 
 StaffView::Spot StaffView::SpotAt(QPointF position) const {
   const double scale = Scale();
-  const double places = (PlaceY(kMiddlePlace) - position.y() / scale) / (kStaffSpace / 2);
+  const double places = (MiddleY() - position.y() / scale) / (kStaffSpace / 2);
   const int place =
       std::clamp(kMiddlePlace + static_cast<int>(std::lround(places)), kLowestClick, kHighestClick);
   return {place, PositionAt(melody_.elements, position.x() / scale)};
@@ -155,7 +127,7 @@ void StaffView::DrawGhost(QPainter& painter) const {
   note.x += shift - (between ? kGhostBetween : 0.0);
   note.accidentalX += shift - (between ? kGhostBetween : 0.0);
   painter.setOpacity(kGhostOpacity);
-  DrawNote(painter, note);
+  PaintNote(painter, note, MiddleY());
   painter.setOpacity(1.0);
 }
 
@@ -171,22 +143,15 @@ void StaffView::paintEvent(QPaintEvent* /*event*/) {
   const QColor ink = palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::Text);
   QColor lines = ink;
   lines.setAlphaF(0.55F);
-  for (int line = 0; line <= 8; line += 2) {
-    painter.fillRect(QRectF(kStaffLeft, PlaceY(line) - 0.5, width() / scale - 2 * kStaffLeft, 1.0), lines);
-  }
-  painter.setBrush(ink);
-  painter.save();
-  painter.translate(kClefLeft, PlaceY(melody_.clef == Clef::Treble ? 2 : 6));
-  painter.scale(kStaffSpace, kStaffSpace);
-  painter.drawPath(ClefShape(melody_.clef));
-  painter.restore();
-
-  for (const NotePlace& note : LayOutNotes(melody_.elements, melody_.clef)) DrawNote(painter, note);
+  PaintStaff(painter, melody_.clef, width() / scale, MiddleY(), ink);
+  for (const NotePlace& note : LayOutNotes(melody_.elements, melody_.clef))
+    PaintNote(painter, note, MiddleY());
   if (ghost_) DrawGhost(painter);
 
   const double cursor = CursorX(melody_.elements, melody_.cursor);
   const QColor mark = hasFocus() ? palette().color(QPalette::Highlight) : lines;
-  painter.fillRect(QRectF(cursor - 1.0, PlaceY(8) - 2.5 * kStaffSpace, 2.0, 9.0 * kStaffSpace), mark);
+  painter.fillRect(
+      QRectF(cursor - 1.0, StaffPlaceY(8, MiddleY()) - 2.5 * kStaffSpace, 2.0, 9.0 * kStaffSpace), mark);
   painter.restore();
   if (hasFocus()) {
     painter.setBrush(Qt::NoBrush);

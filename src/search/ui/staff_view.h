@@ -51,13 +51,12 @@ class StaffView : public QWidget {
   };
   // How much larger than at 96 dpi everything is drawn; the melody has its room.
   [[nodiscard]] double Scale() const;
-  // The y of a staff place, in pixels before scaling.
-  [[nodiscard]] double PlaceY(int place) const;
+  // The y of the middle line, in pixels before scaling.
+  [[nodiscard]] double MiddleY() const;
   [[nodiscard]] Spot SpotAt(QPointF position) const;
   [[nodiscard]] std::optional<std::size_t> ElementUnder(QPointF position) const;
   void ShowGhost(std::optional<Spot> spot);
   void DrawGhost(QPainter& painter) const;
-  void DrawNote(QPainter& painter, const NotePlace& note) const;
 
   const SearchMelody& melody_;
   bool editable_ = true;

@@ -1,0 +1,188 @@
+#include "app/listen/listen_bar.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/texts.h"
+#include "frame/playback_form.h"
+#include "frame/player_parameters.h"
+#include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+#include "resources/icons.h"
+
+namespace ts5 {
+namespace {
+
+constexpr int kRefreshMilliseconds = 33;
+constexpr int kSlimHeight = 28;
+constexpr int kVolumeWidth = 80;
+constexpr int kTitleWidth = 90;
+constexpr int kSoftest = -60;  // decibels; below it the slider means silence
+
+int Milliseconds(std::chrono::nanoseconds time) {
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+}
+
+}  // namespace
+
+ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
+    : QFrame(parent),
+      listener_(listener),
+      play_(MakeButton("listenPlay", texts::ListenPlay, "play")),
+      stop_(MakeButton("listenStop", texts::ListenStop, "stop")),
+      title_(new QLabel(this)),
+      position_(new PositionSlider(this)),
+      time_(new QLabel(this)),
+      volume_(new QSlider(Qt::Horizontal, this)),
+      practise_(new QToolButton(this)),
+      practice_(new PracticePanel([&listener] { return listener.Control(); }, this)) {
+  setObjectName("listenBar");
+  setAccessibleName(QtText(texts::ListenBarName));
+  setFrameShape(StyledPanel);
+  title_->setObjectName("listenTitle");
+  title_->setTextFormat(Qt::PlainText);
+  title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  title_->setMinimumWidth(kTitleWidth);
+  position_->setObjectName("listenPosition");
+  position_->setMinimumHeight(kSlimHeight);
+  time_->setObjectName("listenTime");
+  volume_->setObjectName("listenVolume");
+  volume_->setAccessibleName(QtText(texts::ListenVolume));
+  volume_->setToolTip(QtText(texts::ListenVolume));
+  volume_->setRange(kSoftest, 0);
+  volume_->setFixedWidth(kVolumeWidth);
+  volume_->setValue(std::max(volume / 100, kSoftest));
+
+  practise_->setObjectName("listenPractise");
+  practise_->setText(QtText(texts::ListenPractise));
+  practise_->setToolTip(QtText(texts::ListenPractiseTip));
+  practise_->setAccessibleDescription(QtText(texts::ListenPractiseTip));
+  practise_->setCheckable(true);
+  practise_->setAutoRaise(true);
+  practise_->setFocusPolicy(Qt::TabFocus);
+  practice_->hide();
+
+  auto* const rows = new QVBoxLayout(this);
+  rows->setContentsMargins(4, 2, 4, 2);
+  rows->setSpacing(2);
+  auto* const layout = new QHBoxLayout;
+  layout->setSpacing(4);
+  rows->addLayout(layout);
+  rows->addWidget(practice_);
+  for (QWidget* const widget : std::initializer_list<QWidget*>{play_, stop_}) layout->addWidget(widget);
+  layout->addWidget(title_, 2);
+  layout->addWidget(position_, 3);
+  layout->addWidget(time_);
+  layout->addWidget(volume_);
+  layout->addWidget(practise_);
+
+  connect(play_, &QAbstractButton::clicked, this, &ListenBar::TogglePlay);
+  connect(stop_, &QAbstractButton::clicked, this, &ListenBar::StopOrGo);
+  connect(position_, &QSlider::valueChanged, this, [this](int value) {
+    if (PlayerControl* const control = listener_.Control()) control->Seek(std::chrono::milliseconds(value));
+  });
+  connect(position_, &PositionSlider::Stepped, this, [this](int step) {
+    if (PlayerControl* const control = listener_.Control()) control->Move(std::chrono::milliseconds(step));
+  });
+  connect(volume_, &QSlider::valueChanged, this, [this](int decibels) {
+    emit VolumeChanged(decibels <= kSoftest ? kLowestVolume : decibels * 100);
+  });
+  connect(practise_, &QAbstractButton::toggled, practice_, &QWidget::setVisible);
+  connect(&listener_, &Listener::Changed, this, &ListenBar::ShowTitle);
+  connect(&listener_, &Listener::Refused, this, &ListenBar::ShowRefusal);
+  timer_.setInterval(kRefreshMilliseconds);
+  connect(&timer_, &QTimer::timeout, this, &ListenBar::Refresh);
+  hide();
+}
+
+QToolButton* ListenBar::MakeButton(const char* name, TextId text, std::string_view icon) {
+  auto* const button = new QToolButton(this);
+  button->setObjectName(name);
+  button->setAutoRaise(true);
+  button->setFocusPolicy(Qt::TabFocus);
+  button->setIcon(Icon(icon));
+  button->setToolTip(QtText(text));
+  button->setAccessibleName(QtText(text));
+  return button;
+}
+
+void ListenBar::TogglePlay() {
+  if (PlayerControl* const control = listener_.Control()) {
+    control->TogglePause();
+  } else if (!listener_.Busy()) {
+    emit AgainWanted();
+  }
+}
+
+void ListenBar::StopOrGo() {
+  if (listener_.Busy()) {
+    listener_.Stop();
+  } else {
+    hide();
+  }
+}
+
+void ListenBar::ShowTitle() {
+  if (!listener_.Title()) return;
+  if (listener_.Busy()) {
+    refused_ = false;
+    name_ = ToQt(FileNameOf(listener_.Title()->path));
+    title_->setWordWrap(false);
+    title_->setToolTip(ToQt(listener_.Title()->path));
+    for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->show();
+    show();
+    timer_.start();
+  } else {
+    timer_.stop();
+  }
+  Refresh();
+}
+
+// In place of the position, as there is none.
+void ListenBar::ShowRefusal(const QString& why) {
+  refused_ = true;
+  title_->setWordWrap(true);
+  title_->setText(why);
+  title_->setToolTip(why);
+  for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->hide();
+  show();
+}
+
+void ListenBar::Refresh() {
+  PlayerControl* const control = listener_.Control();
+  const PlayerStatus status = control != nullptr ? control->Status() : PlayerStatus{};
+  const bool plays = !status.title.empty();
+  position_->setEnabled(plays && status.duration.count() > 0);
+  if (!position_->isSliderDown()) {
+    const QSignalBlocker quiet(position_);
+    position_->setMaximum(std::max(Milliseconds(status.duration), 1));
+    position_->setValue(Milliseconds(status.position));
+  }
+  position_->SetWaveform(status.waveform);
+  position_->SetScore(status.score);
+  practice_->Show(status);
+  position_->SetPassage(plays ? control->GetPractice().passage : std::nullopt);
+  // Whoever hears a title slowly has to see why.
+  if (status.score != shown_) {
+    shown_ = status.score;
+    if (plays && practice_->Practises()) practise_->setChecked(true);
+  }
+  if (plays && !status.name.empty()) name_ = ToQt(status.name);
+  if (!refused_) {
+    const QString fitting = title_->fontMetrics().elidedText(name_, Qt::ElideMiddle, title_->width());
+    if (title_->text() != fitting) title_->setText(fitting);
+  }
+  const QString time = plays ? ToQt(ListenTimeText(status)) : QString();
+  if (time_->text() != time) time_->setText(time);
+  const bool pausable = plays && !status.paused;
+  const QString name = QtText(pausable ? texts::ListenPause : texts::ListenPlay);
+  if (play_->accessibleName() == name) return;
+  play_->setIcon(Icon(pausable ? "pause" : "play"));
+  play_->setAccessibleName(name);
+  play_->setToolTip(name);
+}
+
+}  // namespace ts5
