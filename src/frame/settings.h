@@ -48,7 +48,7 @@ struct Settings {
   std::string fileColumns = "Length Size Date Key Metre Tempo Voices";
   std::string fileSorting;
   std::int32_t listeningVolume = 0;  // of the player under the list, hundredths of a decibel
-  bool showAllFilters = false;  // the filter bar shows what does not fit the selection, too
+  bool showAllFilters = false;       // the filter bar shows what does not fit the selection, too
 
   // General
   JobSaving jobSaving = JobSaving::Automatic;
