@@ -427,6 +427,7 @@ TEST(DecompressorTest, EveryKindAndWhatIsRefused) {
   files.push_back(place.Write("kurz.ogg", ogg.substr(0, 100)));
   files.push_back(place.Write("text.ogg", "OggS und sonst nichts"));
   files.push_back(place.File("fehlt.mp3"));
+  files.push_back(place.Write("mitten.ogg", ogg.substr(0, ogg.find("\x05vorbis") + 100)));
   const RunResult result = RunJob(ListJob(files, module), module);
   ASSERT_EQ(result.items.size(), files.size());
   for (std::size_t i = 0; i < std::size(cases); ++i) {
@@ -438,6 +439,7 @@ TEST(DecompressorTest, EveryKindAndWhatIsRefused) {
   EXPECT_EQ(result.items[11].code, -300);
   EXPECT_EQ(result.items[12].code, -104);
   EXPECT_EQ(result.items[13].code, -103);
+  EXPECT_EQ(result.items[14].code, -300) << "its last header is cut";
   for (const std::size_t lossless : {7U, 8U})
     EXPECT_TRUE(All(result.items[lossless].destination) == All(DataPath("audio/wav_pcm16_mono_8000.wav")));
 }

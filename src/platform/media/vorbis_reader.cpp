@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/base/bytes.h"
+#include "platform/media/ogg_pages.h"
 #include "platform/media/resampler.h"
 #include "platform/media/vorbis_music.h"
 
@@ -18,7 +20,6 @@ namespace ts5 {
 namespace {
 
 constexpr std::string_view kIdentification = "\x01vorbis";
-constexpr std::string_view kSetup = "\x05vorbis";
 constexpr std::size_t kFirstPage = 64;
 constexpr int kMostChannels = 64;
 constexpr long kMostRate = 1L << 20;
@@ -61,15 +62,22 @@ struct VorbisStream {
   static long Tell(void* self) { return static_cast<long>(static_cast<VorbisStream*>(self)->position); }
 };
 
-// Whether the file begins as a Vorbis stream and ends before the last of its three headers.
+// Whether the file begins as a Vorbis stream and ends before the last of its three headers does.
 bool EndsInHeaders(const InputFile& file) {
-  constexpr std::size_t kMostHeaders = std::size_t{1} << 20;
-  Bytes start(std::min<std::uint64_t>(file.Size(), kMostHeaders));
+  constexpr std::size_t kSerialPlace = 14;
+  constexpr int kHeaders = 3;
+  Bytes start(kFirstPage);
   const auto got = file.ReadAt(0, start);
-  if (!got) return false;
-  const std::string_view text = AsText(ByteView(start).first(*got));
-  return text.substr(0, kFirstPage).find(kIdentification) != std::string_view::npos &&
-         text.find(kSetup) == std::string_view::npos;
+  start.resize(got.value_or(0));
+  if (AsText(start).find(kIdentification) == std::string_view::npos) return false;
+  ByteReader in(start);
+  in.Seek(kSerialPlace);
+  OggPages pages(file, static_cast<int>(in.U32Le()));
+  int headers = 0;
+  for (auto page = pages.Next(); page && *page && headers < kHeaders; page = pages.Next()) {
+    for (ogg_packet packet; pages.Packet(packet);) ++headers;
+  }
+  return headers < kHeaders;
 }
 
 // The samples of a stream with another rate or number of channels in the shape of the first one.
