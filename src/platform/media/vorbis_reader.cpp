@@ -22,6 +22,7 @@ namespace {
 constexpr std::string_view kIdentification = "\x01vorbis";
 constexpr std::size_t kFirstPage = 64;
 constexpr int kMostChannels = 64;
+constexpr double kLeastBitRate = 1000;  // of music; what is counted below it is none
 constexpr long kMostRate = 1L << 20;
 
 // Vorbis has its own order of loudspeakers; here is where each channel of ours stands in it.
@@ -292,9 +293,11 @@ class VorbisReader final : public MediaReader {
     info_.format.blockAlign = 1;
     const vorbis_comment* const comment = ov_comment(&decoder_, 0);
     if (comment != nullptr && comment->vendor != nullptr) info_.encoder = comment->vendor;
-    const long bitRate = ov_bitrate(&decoder_, -1);
-    info_.format.bytesPerSecond =
-        static_cast<std::uint32_t>(std::clamp(bitRate / 8, 1L, static_cast<long>(INT32_MAX)));
+    // The library does not count the page that the music begins on.
+    const double size = static_cast<double>(stream_.file.Size());
+    const double counted = static_cast<double>(ov_bitrate(&decoder_, -1)) / 8;
+    const double mean = counted * 8 < kLeastBitRate && info_.seconds > 0 ? size / info_.seconds : counted;
+    info_.format.bytesPerSecond = static_cast<std::uint32_t>(std::clamp(mean, 1.0, double{INT32_MAX}));
   }
 
   static void Take(float* const* planes, std::size_t channels, std::size_t frames, double* out) {
