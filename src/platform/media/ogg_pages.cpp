@@ -18,7 +18,7 @@ OggPages::~OggPages() {
 }
 
 Result<bool> OggPages::Next() {
-  while (!ended_) {
+  while (true) {
     ogg_page page;
     const int found = ogg_sync_pageout(&sync_, &page);
     if (found < 0) continue;  // bytes that belong to no page are passed over
@@ -30,10 +30,9 @@ Result<bool> OggPages::Next() {
     }
     if (ogg_stream_pagein(&stream_, &page) != 0) continue;  // of another stream
     position_ = ogg_page_granulepos(&page);
-    ended_ = ogg_page_eos(&page) != 0;
+    last_ = ogg_page_eos(&page) != 0;
     return true;
   }
-  return false;
 }
 
 bool OggPages::Packet(ogg_packet& packet) {

@@ -18,13 +18,14 @@ class OggPages {
   OggPages(const OggPages&) = delete;
   OggPages& operator=(const OggPages&) = delete;
 
-  // The next page of the stream; false at its end. ReadFailed, OutOfMemory.
+  // The next page of the stream; false at the end of the file. ReadFailed, OutOfMemory.
   [[nodiscard]] Result<bool> Next();
   // The next packet that is whole; its bytes stay until the next call.
   [[nodiscard]] bool Packet(ogg_packet& packet);
   // Frames up to the end of the page; negative where no packet ends on it.
   [[nodiscard]] std::int64_t Position() const { return position_; }
-  [[nodiscard]] bool IsLast() const { return ended_; }
+  // Whether the page calls itself the last one; in a damaged file others may follow.
+  [[nodiscard]] bool IsLast() const { return last_; }
 
  private:
   [[nodiscard]] Result<bool> ReadMore();
@@ -34,7 +35,7 @@ class OggPages {
   ogg_sync_state sync_{};
   ogg_stream_state stream_{};
   std::int64_t position_ = -1;
-  bool ended_ = false;
+  bool last_ = false;
 };
 
 }  // namespace ts5
