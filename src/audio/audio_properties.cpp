@@ -45,7 +45,7 @@ std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate
   std::vector<PropertyRow> rows{
       {Copy(texts::PropertyFileFormat), Copy(KindName(probe.kind))},
       {Copy(texts::PropertyLastWritten), Format(Text(texts::PropertyDate), day, month, year)},
-      {Copy(texts::AudioPropertyCoding), Copy(FullCodingName(probe.format))},
+      {Copy(texts::AudioPropertyCoding), Copy(CodecName(probe.codec).value_or(FullCodingName(probe.format)))},
       {Copy(texts::AudioPropertyFormat), FormatText(probe.format)},
       {Copy(texts::AudioPropertyRate), Format(Text(texts::AudioPropertyRateValue), probe.format.sampleRate)},
       {Copy(texts::AudioPropertyChannels), std::to_string(probe.format.channels)},

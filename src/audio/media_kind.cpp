@@ -49,6 +49,23 @@ constexpr Name kNames[] = {
     {MediaKind::Aac, texts::AudioKindAac},
 };
 
+struct NamedCodec {
+  MediaCodec codec;
+  TextId text;
+};
+constexpr NamedCodec kCodecs[] = {
+    {C::MpegLayer1, texts::CodecMpegLayer1},
+    {C::MpegLayer2, texts::CodecMpegLayer2},
+    {C::MpegLayer3, texts::WaveTagMpegLayer3},
+    {C::WindowsMedia, texts::CodecWindowsMedia},
+    {C::Vorbis, texts::CodecVorbis},
+    {C::Ape, texts::CodecApe},
+    {C::Flac, texts::CodecFlac},
+    {C::Opus, texts::CodecOpus},
+    {C::Aac, texts::CodecAac},
+    {C::Alac, texts::CodecAlac},
+};
+
 }  // namespace
 
 MediaKind KindOf(const MediaInfo& info) {
@@ -61,6 +78,11 @@ MediaKind KindOf(const MediaInfo& info) {
 TextId KindName(MediaKind kind) {
   const auto* const name = std::ranges::find(kNames, kind, &Name::kind);
   return name == std::end(kNames) ? TextId{texts::UnknownFileFormat} : name->text;
+}
+
+std::optional<TextId> CodecName(MediaCodec codec) {
+  const auto* const name = std::ranges::find(kCodecs, codec, &NamedCodec::codec);
+  return name == std::end(kCodecs) ? std::nullopt : std::optional(name->text);
 }
 
 }  // namespace ts5

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/base/strings.h"
 #include "platform/media/media_reader.h"
@@ -32,5 +33,7 @@ enum class MediaKind : std::int32_t {
 [[nodiscard]] MediaKind KindOf(const MediaInfo& info);
 // The name of a file's kind, e.g. "AIFF".
 [[nodiscard]] TextId KindName(MediaKind kind);
+// What its stream is coded in; nothing for codecs that are known by the format tag of a wave file only.
+[[nodiscard]] std::optional<TextId> CodecName(MediaCodec codec);
 
 }  // namespace ts5

@@ -67,7 +67,10 @@ MediaProbe ProbeMedia(const std::string& path) {
     }
   }
   const MediaInfo& info = media->decoder->Info();
-  if (!wave) probe.format = info.format;
+  if (!wave) {
+    probe.format = info.format;
+    probe.codec = info.codec;
+  }
   probe.frames = info.frames;
   probe.encoder = info.encoder;
   probe.delay = info.delay;

@@ -12,6 +12,7 @@ namespace ts5 {
 
 struct MediaProbe {
   MediaKind kind = MediaKind::None;
+  MediaCodec codec = MediaCodec::Other;  // of what is no wave file
   WaveFormat format = {};
   std::uint64_t dataLength = 0;  // bytes: the duration times format.bytesPerSecond, to the nearest
   double seconds = 0;

@@ -52,6 +52,14 @@ std::int32_t Limited(double steps, double full) {
   return Nearest(std::min(std::max(steps, -full), full - 1));
 }
 
+// Numbers first, then their bytes: so the compiler takes several at once.
+template <typename T>
+void StoreAll(std::span<const double> steps, double full, std::uint8_t* out) {
+  std::array<T, kBlock> whole;
+  for (std::size_t i = 0; i < steps.size(); ++i) whole[i] = static_cast<T>(Limited(steps[i], full));
+  for (std::size_t i = 0; i < steps.size(); ++i) Store(whole[i], out + i * sizeof(T));
+}
+
 void StoreSteps(SampleType type, std::span<const double> steps, double full, std::uint8_t* out) {
   switch (type) {
     case SampleType::Unsigned8:
@@ -59,8 +67,7 @@ void StoreSteps(SampleType type, std::span<const double> steps, double full, std
         out[i] = static_cast<std::uint8_t>(Limited(steps[i], full) + 128);
       break;
     case SampleType::Signed16:
-      for (std::size_t i = 0; i < steps.size(); ++i)
-        Store(static_cast<std::int16_t>(Limited(steps[i], full)), out + i * 2);
+      StoreAll<std::int16_t>(steps, full, out);
       break;
     case SampleType::Signed24:
       for (std::size_t i = 0; i < steps.size(); ++i) {
@@ -71,7 +78,7 @@ void StoreSteps(SampleType type, std::span<const double> steps, double full, std
       }
       break;
     default:
-      for (std::size_t i = 0; i < steps.size(); ++i) Store(Limited(steps[i], full), out + i * 4);
+      StoreAll<std::int32_t>(steps, full, out);
       break;
   }
 }
@@ -152,12 +159,9 @@ void SampleEncoder::Encode(std::span<const double> in, std::span<std::uint8_t> o
   std::array<double, kBlock> block;
   while (!in.empty()) {
     const std::span<double> steps = std::span(block).first(std::min(kBlock, in.size()));
-    bool silent = true;
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-      steps[i] = in[i] * full;
-      silent &= in[i] == 0;
-    }
-    if (dithered_ && !silent) dither_.Add(steps);
+    for (std::size_t i = 0; i < steps.size(); ++i) steps[i] = in[i] * full;
+    const auto sounds = [](double step) { return step != 0; };
+    if (dithered_ && std::ranges::any_of(steps, sounds)) dither_.Add(steps);
     StoreSteps(type_, steps, full, to);
     to += steps.size() * SampleSize(type_);
     in = in.subspan(steps.size());

@@ -21,6 +21,8 @@
 namespace ts5::batch {
 namespace {
 
+constexpr std::size_t kMostShown = 80;  // characters of an option that is refused
+
 struct Request {
   AttributeChanges changes;
   unsigned id3Version = 3;
@@ -32,7 +34,11 @@ std::optional<std::string> ReadRequest(const std::vector<std::string>& settings,
                                        const std::optional<std::string>& id3, Request& request) {
   for (const std::string& setting : settings) {
     auto attribute = ParseAttribute(setting);
-    if (!attribute) return Format(Text(texts::BatchAttributeWrong), setting);
+    if (!attribute) {
+      const std::string_view shown = FirstCharacters(setting, kMostShown);
+      return Format(Text(texts::BatchAttributeWrong),
+                    std::string(shown) + (shown.size() < setting.size() ? "..." : ""));
+    }
     if (attribute->HasValue()) {
       request.changes.set.push_back(*std::move(attribute));
     } else {

@@ -102,6 +102,24 @@ TEST(MediaTest, RealFilesAreKnownAndDecodedToTheSample) {
   }
 }
 
+TEST(MediaTest, PropertiesNameTheCodecAndItsBitRate) {
+  const std::pair<const char*, const char*> files[] = {{"ogg_vorbis_q3_tags.ogg", "Vorbis"},
+                                                       {"wma_v2_stereo_tags.wma", "Windows Media Audio"},
+                                                       {"alac_mono_16.m4a", "Apple Lossless"},
+                                                       {"aac_stereo_44100.m4a", "AAC"},
+                                                       {"mpeg1_layer2_stereo_44100.mp2", "MPEG Layer 2"},
+                                                       {"mpeg1_layer3_cbr128.mp3", "MPEG Layer 3"},
+                                                       {"wav_gsm610_mono_8000.wav", "non-PCM"},
+                                                       {"wav_pcm16_mono_8000.wav", "PCM"}};
+  for (const auto& [name, codec] : files) {
+    SCOPED_TRACE(name);
+    const auto properties = ReadAudioProperties(DataPath(std::string("audio/") + name));
+    ASSERT_THAT(properties, IsOk());
+    EXPECT_EQ(properties->rows.at(2).value, codec);
+    for (const PropertyRow& row : properties->rows) EXPECT_NE(row.value, "0 kBit/s");
+  }
+}
+
 TEST(MediaTest, SeekingComesOutAtTheFrame) {
   for (const char* name :
        {"mpeg1_layer3_vbr_xing_id3v2.mp3", "mpeg1_layer2_stereo_44100.mp2", "wav_adpcm_ms_stereo_22050.wav",

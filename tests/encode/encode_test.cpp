@@ -120,20 +120,20 @@ TEST(EncodeTest, EveryRateOfTheEngines) {
   const TemporaryDirectory place;
   const std::string source = WriteMusic(place, "in.wav", PcmFormat(44100, 16, 2), 5000);
   const std::string target = place.File("out.mp3");
+  std::uint32_t turn = 0;  // mono and checksums take turns
   for (const Mp3Engine engine : {Mp3Engine::Lame, Mp3Engine::Blade}) {
     for (const std::uint32_t rate : {48000U, 44100U, 32000U}) {
       for (const std::uint32_t bitRate :
            {32U, 40U, 48U, 56U, 64U, 80U, 96U, 112U, 128U, 144U, 160U, 192U, 224U, 256U, 320U}) {
-        for (const std::uint32_t flags : {0U, 1U, 2U, 3U}) {
-          SCOPED_TRACE(std::to_string(rate) + " " + std::to_string(bitRate) + " " + std::to_string(flags));
-          const EncodeSettings settings = Engine(engine, {{"EncoderVbr", 0},
-                                                          {"EncoderSampleRate", rate},
-                                                          {"EncoderMode", flags & 1U ? 3 : 0},
-                                                          {"EncoderCrc", flags >> 1},
-                                                          {"EncoderBitrate", bitRate}});
-          ASSERT_THAT(Encode(source, target, settings), IsOk());
-          ASSERT_THAT(ProveEncoding(source, target, settings), IsOk());
-        }
+        const std::uint32_t flags = ++turn % 4;
+        SCOPED_TRACE(std::to_string(rate) + " " + std::to_string(bitRate) + " " + std::to_string(flags));
+        const EncodeSettings settings = Engine(engine, {{"EncoderVbr", 0},
+                                                        {"EncoderSampleRate", rate},
+                                                        {"EncoderMode", flags & 1U ? 3 : 0},
+                                                        {"EncoderCrc", flags >> 1},
+                                                        {"EncoderBitrate", bitRate}});
+        ASSERT_THAT(Encode(source, target, settings), IsOk());
+        ASSERT_THAT(ProveEncoding(source, target, settings), IsOk());
       }
     }
   }
@@ -427,6 +427,7 @@ TEST(DecompressorTest, EveryKindAndWhatIsRefused) {
   files.push_back(place.Write("kurz.ogg", ogg.substr(0, 100)));
   files.push_back(place.Write("text.ogg", "OggS und sonst nichts"));
   files.push_back(place.File("fehlt.mp3"));
+  files.push_back(place.Write("mitten.ogg", ogg.substr(0, ogg.find("\x05vorbis") + 100)));
   const RunResult result = RunJob(ListJob(files, module), module);
   ASSERT_EQ(result.items.size(), files.size());
   for (std::size_t i = 0; i < std::size(cases); ++i) {
@@ -438,6 +439,7 @@ TEST(DecompressorTest, EveryKindAndWhatIsRefused) {
   EXPECT_EQ(result.items[11].code, -300);
   EXPECT_EQ(result.items[12].code, -104);
   EXPECT_EQ(result.items[13].code, -103);
+  EXPECT_EQ(result.items[14].code, -300) << "its last header is cut";
   for (const std::size_t lossless : {7U, 8U})
     EXPECT_TRUE(All(result.items[lossless].destination) == All(DataPath("audio/wav_pcm16_mono_8000.wav")));
 }

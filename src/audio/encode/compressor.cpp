@@ -173,9 +173,9 @@ class CompressorRun {
 std::optional<TextId> MissingOf(const EncodeSettings& settings) {
   if (settings.Method() == EncodeMethod::CommandLine) {
     const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
-    const ChosenSet chosen = ChosenIn(interfaces, settings);
-    if (chosen.interface == nullptr || !chosen.interface->Available()) return texts::CompressInterfaceGone;
-    return std::nullopt;
+    // One whose program has gone stays a choice: each file fails with the code for that.
+    const bool there = ChosenIn(interfaces, settings).interface != nullptr;
+    return there ? std::nullopt : std::optional(texts::CompressInterfaceGone);
   }
   if (EncoderOf(settings) == nullptr) return texts::EncodeNoEncoder;
   const CodecEntry* const codec = CodecOf(settings);

@@ -7,6 +7,7 @@
 
 #include "platform/base/bytes.h"
 #include "platform/base/casts.h"
+#include "platform/media/mp3_frame.h"
 
 namespace ts5 {
 namespace {
@@ -47,6 +48,16 @@ void SetRate(lame_global_flags* lame, const LameOptions& options) {
   }
 }
 
+// Whether the library's own header goes into a frame of the bit rate; else it leaves it out.
+bool HasRoomForHeader(const lame_global_flags* lame, bool crc) {
+  if (lame_get_VBR(lame) != vbr_off) return true;
+  const bool first = lame_get_version(lame) == 1;
+  const bool mono = lame_get_mode(lame) == MONO;
+  const int side = first ? (mono ? 17 : 32) : (mono ? 9 : 17);
+  const int frame = (first ? 144000 : 72000) * lame_get_brate(lame) / lame_get_out_samplerate(lame);
+  return frame >= 4 + (crc ? 2 : 0) + side + static_cast<int>(kLameTagSize);
+}
+
 class LameSink final : public PcmSink {
  public:
   explicit LameSink(StagedFile& target) : target_(target), start_(target.Size()) {}
@@ -79,7 +90,9 @@ class LameSink final : public PcmSink {
     for (const auto set : {lame_set_errorf, lame_set_debugf, lame_set_msgf})
       set(lame, [](const char*, va_list) {});
     if (lame_init_params(lame) < 0) return Outcome::ConverterNotOpened;
-    header_ = options.header;
+    const bool room = HasRoomForHeader(lame, options.crc);
+    header_ = options.header && room;
+    ownHeader_ = options.header && !room;
     out_.resize(kBlockFrames * 5 / 4 + kRoom);
     return Outcome::Success;
   }
@@ -95,7 +108,9 @@ class LameSink final : public PcmSink {
 
   Outcome Finish() override {
     const int size = lame_encode_flush(lame_.get(), out_.data(), static_cast<int>(out_.size()));
-    if (const Outcome written = Put(size); Failed(written) || !header_) return written;
+    if (const Outcome written = Put(size); Failed(written)) return written;
+    if (ownHeader_) return first_ ? WriteOwnHeader() : Outcome::ConverterFailed;
+    if (!header_) return Outcome::Success;
     std::array<std::uint8_t, kMostHeader> header{};
     const std::size_t length = lame_get_lametag_frame(lame_.get(), header.data(), header.size());
     if (length == 0 || length > header.size()) return Outcome::Success;
@@ -113,8 +128,24 @@ class LameSink final : public PcmSink {
     return Put(size);
   }
 
+  Outcome WriteOwnHeader() {
+    const std::string encoder = std::string("LAME") + get_lame_short_version();
+    const Mp3LengthTag tag{.frames = static_cast<std::uint64_t>(lame_get_frameNum(lame_.get())),
+                           .bytes = target_.Size() - start_,
+                           .delay = static_cast<std::uint32_t>(lame_get_encoder_delay(lame_.get())),
+                           .padding = static_cast<std::uint32_t>(lame_get_encoder_padding(lame_.get())),
+                           .encoder = encoder};
+    return target_.WriteAt(start_, LengthTagFrame(*first_, tag));
+  }
+
   Outcome Put(int size) {
     if (size < 0) return Outcome::ConverterFailed;
+    if (ownHeader_ && !first_ && size > 0) {
+      first_ = ParseMp3Header(out_);
+      if (!first_) return Outcome::ConverterFailed;
+      const Bytes place(LengthTagFrame(*first_, {}).size());
+      if (const Outcome written = target_.Write(place); Failed(written)) return written;
+    }
     return target_.Write(ByteView(out_).first(static_cast<std::size_t>(size)));
   }
 
@@ -122,7 +153,9 @@ class LameSink final : public PcmSink {
   std::uint64_t start_;
   Lame lame_;
   std::size_t channels_ = 0;
-  bool header_ = false;
+  bool header_ = false;             // the library writes one
+  bool ownHeader_ = false;          // we do
+  std::optional<Mp3Header> first_;  // of the frame behind ours
   Bytes out_;
 };
 

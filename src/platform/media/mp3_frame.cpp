@@ -1,6 +1,7 @@
 #include "platform/media/mp3_frame.h"
 
 #include <algorithm>
+#include <string>
 
 namespace ts5 {
 namespace {
@@ -9,10 +10,9 @@ constexpr std::array<std::uint32_t, 15> kRates1{0,   32,  40,  48,  56,  64,  80
                                                 112, 128, 160, 192, 224, 256, 320};
 constexpr std::array<std::uint32_t, 15> kRates2{0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
 constexpr std::array<std::uint32_t, 3> kSampleRates{44100, 48000, 32000};
-constexpr std::size_t kTagSize = 120 + 36;  // with its places and what follows the encoder's name
+constexpr std::size_t kEncoderName = 9;
 constexpr std::uint32_t kHasFramesAndBytes = 3;
-constexpr std::string_view kEncoder = "LAMEshine";  // decoders look for the first four letters
-constexpr std::uint8_t kConstantRate = 1;           // revision 0 and the method
+constexpr std::uint8_t kConstantRate = 1;  // revision 0 and the method
 
 }  // namespace
 
@@ -82,7 +82,7 @@ std::optional<Bytes> CheckedFrames::Set(ByteView frame) {
 Bytes LengthTagFrame(const Mp3Header& header, const Mp3LengthTag& tag) {
   // A bit rate at which the tag has room, of the same kind otherwise; without padding and checksum.
   Mp3Header frame = header;
-  const std::size_t needed = 4 + header.sideSize + kTagSize;
+  const std::size_t needed = 4 + header.sideSize + kLameTagSize;
   for (unsigned rate = header.bytes[2] >> 4; rate < 15; ++rate) {
     std::array<std::uint8_t, 4> bytes = header.bytes;
     bytes[1] |= 1;
@@ -98,7 +98,9 @@ Bytes LengthTagFrame(const Mp3Header& header, const Mp3LengthTag& tag) {
   out.U32Be(kHasFramesAndBytes);
   out.U32Be(static_cast<std::uint32_t>(std::min<std::uint64_t>(tag.frames, UINT32_MAX)));
   out.U32Be(static_cast<std::uint32_t>(std::min<std::uint64_t>(tag.bytes, UINT32_MAX)));
-  out.Append(kEncoder);
+  std::string encoder(tag.encoder);
+  encoder.resize(kEncoderName);
+  out.Append(encoder);
   out.U8(kConstantRate);
   out.Fill(11, 0);  // low pass, levels, flags and bit rate are not told
   out.U24Be(std::min(tag.delay, 0xFFFU) << 12 | std::min(tag.padding, 0xFFFU));

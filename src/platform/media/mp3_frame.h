@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 #include "platform/base/bytes.h"
 
@@ -48,11 +49,14 @@ class CheckedFrames {
 };
 
 struct Mp3LengthTag {
-  std::uint64_t frames = 0;   // of music, without this one
-  std::uint64_t bytes = 0;    // of the file
-  std::uint32_t delay = 0;    // samples before the music
-  std::uint32_t padding = 0;  // behind it
+  std::uint64_t frames = 0;                // of music, without this one
+  std::uint64_t bytes = 0;                 // of the file
+  std::uint32_t delay = 0;                 // samples before the music
+  std::uint32_t padding = 0;               // behind it
+  std::string_view encoder = "LAMEshine";  // nine letters; decoders look for the first four
 };
+// Bytes of a frame in which the library LAME has room for its own.
+inline constexpr std::size_t kLameTagSize = 156;
 // A frame like that of the header, without a checksum, whose size depends on the header only.
 [[nodiscard]] Bytes LengthTagFrame(const Mp3Header& header, const Mp3LengthTag& tag);
 

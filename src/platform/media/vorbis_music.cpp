@@ -1,7 +1,5 @@
 #include "platform/media/vorbis_music.h"
 
-#include <ogg/ogg.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -9,79 +7,13 @@
 
 #include "platform/base/bytes.h"
 #include "platform/media/ffmpeg.h"
+#include "platform/media/ogg_pages.h"
 
 namespace ts5 {
 namespace {
 
-constexpr long kReadSize = 1 << 16;
 constexpr std::size_t kHeaders = 3;
 constexpr std::size_t kMostHeaderSize = std::size_t{1} << 24;
-
-// The packets of one stream of an Ogg file, page by page.
-class Pages {
- public:
-  Pages(const InputFile& file, int serial) : file_(file) {
-    ogg_sync_init(&sync_);
-    ogg_stream_init(&stream_, serial);
-  }
-  ~Pages() {
-    ogg_stream_clear(&stream_);
-    ogg_sync_clear(&sync_);
-  }
-  Pages(const Pages&) = delete;
-  Pages& operator=(const Pages&) = delete;
-
-  // The next page of the stream; false at its end.
-  Result<bool> Next() {
-    while (!ended_) {
-      ogg_page page;
-      const int found = ogg_sync_pageout(&sync_, &page);
-      if (found < 0) continue;  // bytes that belong to no page are passed over
-      if (found == 0) {
-        const auto more = ReadMore();
-        if (!more) return Failure(more.error());
-        if (!*more) return false;
-        continue;
-      }
-      if (ogg_stream_pagein(&stream_, &page) != 0) continue;  // of another stream
-      position_ = ogg_page_granulepos(&page);
-      ended_ = ogg_page_eos(&page) != 0;
-      return true;
-    }
-    return false;
-  }
-  // The next packet that is whole; its bytes stay until the next call.
-  bool Packet(ogg_packet& packet) {
-    int got = 0;
-    do {
-      got = ogg_stream_packetout(&stream_, &packet);
-    } while (got < 0);  // a damaged place is left out
-    return got > 0;
-  }
-  // Frames up to the end of the page; negative where no packet ends on it.
-  [[nodiscard]] ogg_int64_t Position() const { return position_; }
-  [[nodiscard]] bool IsLast() const { return ended_; }
-
- private:
-  Result<bool> ReadMore() {
-    char* const buffer = ogg_sync_buffer(&sync_, kReadSize);
-    if (buffer == nullptr) return Failure(Outcome::OutOfMemory);
-    const auto got =
-        file_.ReadAt(at_, {reinterpret_cast<std::uint8_t*>(buffer), static_cast<std::size_t>(kReadSize)});
-    if (!got) return Failure(got.error());
-    if (*got == 0 && at_ < file_.Size()) return Failure(Outcome::ReadFailed);  // it has become shorter
-    ogg_sync_wrote(&sync_, static_cast<long>(*got));
-    at_ += *got;
-    return *got != 0;
-  }
-
-  const InputFile& file_;
-  std::uint64_t at_ = 0;
-  ogg_sync_state sync_{};
-  ogg_stream_state stream_{};
-  ogg_int64_t position_ = -1;
-  bool ended_ = false;
-};
 
 // The three headers as the decoder wants them: how many follow the first, the lengths of all but the last in
 // bytes of 255 and a rest, then the headers.
@@ -210,7 +142,7 @@ class Music final : public VorbisMusic {
     counted_ = told;
   }
 
-  Pages pages_;
+  OggPages pages_;
   std::size_t channels_;
   ffmpeg::Codec codec_;
   ffmpeg::Frame frame_;

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/base/bytes.h"
+#include "platform/media/ogg_pages.h"
 #include "platform/media/resampler.h"
 #include "platform/media/vorbis_music.h"
 
@@ -18,9 +20,9 @@ namespace ts5 {
 namespace {
 
 constexpr std::string_view kIdentification = "\x01vorbis";
-constexpr std::string_view kSetup = "\x05vorbis";
 constexpr std::size_t kFirstPage = 64;
 constexpr int kMostChannels = 64;
+constexpr double kLeastBitRate = 1000;  // of music; what is counted below it is none
 constexpr long kMostRate = 1L << 20;
 
 // Vorbis has its own order of loudspeakers; here is where each channel of ours stands in it.
@@ -61,15 +63,22 @@ struct VorbisStream {
   static long Tell(void* self) { return static_cast<long>(static_cast<VorbisStream*>(self)->position); }
 };
 
-// Whether the file begins as a Vorbis stream and ends before the last of its three headers.
+// Whether the file begins as a Vorbis stream and ends before the last of its three headers does.
 bool EndsInHeaders(const InputFile& file) {
-  constexpr std::size_t kMostHeaders = std::size_t{1} << 20;
-  Bytes start(std::min<std::uint64_t>(file.Size(), kMostHeaders));
+  constexpr std::size_t kSerialPlace = 14;
+  constexpr int kHeaders = 3;
+  Bytes start(kFirstPage);
   const auto got = file.ReadAt(0, start);
-  if (!got) return false;
-  const std::string_view text = AsText(ByteView(start).first(*got));
-  return text.substr(0, kFirstPage).find(kIdentification) != std::string_view::npos &&
-         text.find(kSetup) == std::string_view::npos;
+  start.resize(got.value_or(0));
+  if (AsText(start).find(kIdentification) == std::string_view::npos) return false;
+  ByteReader in(start);
+  in.Seek(kSerialPlace);
+  OggPages pages(file, static_cast<int>(in.U32Le()));
+  int headers = 0;
+  for (auto page = pages.Next(); page && *page && headers < kHeaders; page = pages.Next()) {
+    for (ogg_packet packet; pages.Packet(packet);) ++headers;
+  }
+  return headers < kHeaders;
 }
 
 // The samples of a stream with another rate or number of channels in the shape of the first one.
@@ -284,9 +293,11 @@ class VorbisReader final : public MediaReader {
     info_.format.blockAlign = 1;
     const vorbis_comment* const comment = ov_comment(&decoder_, 0);
     if (comment != nullptr && comment->vendor != nullptr) info_.encoder = comment->vendor;
-    const long bitRate = ov_bitrate(&decoder_, -1);
-    info_.format.bytesPerSecond =
-        static_cast<std::uint32_t>(std::clamp(bitRate / 8, 1L, static_cast<long>(INT32_MAX)));
+    // The library does not count the page that the music begins on.
+    const double size = static_cast<double>(stream_.file.Size());
+    const double counted = static_cast<double>(ov_bitrate(&decoder_, -1)) / 8;
+    const double mean = counted * 8 < kLeastBitRate && info_.seconds > 0 ? size / info_.seconds : counted;
+    info_.format.bytesPerSecond = static_cast<std::uint32_t>(std::clamp(mean, 1.0, double{INT32_MAX}));
   }
 
   static void Take(float* const* planes, std::size_t channels, std::size_t frames, double* out) {
