@@ -304,7 +304,7 @@ class MarkSketcher {
     const std::string_view dynamic =
         drawing.sign == "dynamics" ? std::string_view(drawing.words) : DynamicOfSymbols(AsText(drawing.text));
     if (!dynamic.empty()) {
-      const double half = TextWidth(std::string(dynamic), kDynamic) / 2;
+      const double half = TextWidth(std::string(dynamic), kDynamic, TextStyle::BoldItalic) / 2;
       const double middle = x + kHeadWidth / 2;
       const double y = drawing.placement > 0 ? canvas_.Above(middle - half, middle + half) - 0.6
                                              : canvas_.Below(middle - half, middle + half) + 2.1;
@@ -323,15 +323,16 @@ class MarkSketcher {
     if (text.empty() || text == "tr") return;
     std::ranges::replace(text, '\n', ' ');
     const bool below = drawing.placement < 0 || drawing.sign == "pedal";
-    const double width = TextWidth(text, kWords);
-    const double y = below ? canvas_.Below(x, x + width) + 2.0 : canvas_.Above(x, x + width) - 0.7;
     const bool loud = drawing.sign == "rehearsal" || drawing.sign == "harmony" || drawing.sign == "segno" ||
                       drawing.sign == "coda";
+    const TextStyle style = loud ? TextStyle::Bold : TextStyle::Italic;
+    const double width = TextWidth(text, kWords, style);
+    const double y = below ? canvas_.Below(x, x + width) + 2.0 : canvas_.Above(x, x + width) - 0.7;
     canvas_.Text({.x = x,
                   .y = y,
                   .text = text,
                   .size = kWords,
-                  .style = loud ? TextStyle::Bold : TextStyle::Italic,
+                  .style = style,
                   .framed = drawing.sign == "rehearsal"});
   }
 
@@ -344,7 +345,7 @@ class MarkSketcher {
     } else {
       text = drawing.words.starts_with("up") ? "8vb" : "8va";
     }
-    const double y = canvas_.Above(x, x + TextWidth(text, kWords)) - 0.7;
+    const double y = canvas_.Above(x, x + TextWidth(text, kWords, TextStyle::Bold)) - 0.7;
     canvas_.Text({x, y, text, kWords, TextStyle::Bold});
   }
 
@@ -405,7 +406,8 @@ class MarkSketcher {
       if (!here || !changes || HasOwnMark(tempo.at)) continue;
       const double x = tempo.at == from_ ? places_.left : places_.X(engraving_, tempo.at);
       const std::string text = Format("Viertel = %d", static_cast<int>(std::lround(tempo.quarters)));
-      canvas_.Text({x, canvas_.Above(x, x + TextWidth(text, kWords)) - 1.0, text, kWords, TextStyle::Bold});
+      canvas_.Text({x, canvas_.Above(x, x + TextWidth(text, kWords, TextStyle::Bold)) - 1.0, text, kWords,
+                    TextStyle::Bold});
     }
   }
 
