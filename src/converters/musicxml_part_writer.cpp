@@ -287,7 +287,8 @@ class PartWriter {
     const std::uint8_t line = usual ? ClefItem(clef.form).clef.line : clef.line;
     out_.Open("clef", {{"number", part_.staves > 1 ? Number(staff + 1) : std::string()}});
     out_.Leaf("sign", item.style == "TAB" ? "TAB" : kSigns[form]);
-    if (form != kClefPercussion) out_.Leaf("line", line + 1);
+    const bool told = form != kClefPercussion || line != ClefItem(kClefPercussion).clef.line;
+    if (told) out_.Leaf("line", line + 1);
     if (clef.octave != 1) out_.Leaf("clef-octave-change", clef.octave == 0 ? 1 : -1);
     out_.Close();
   }
