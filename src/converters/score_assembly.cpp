@@ -201,6 +201,7 @@ class PartAssembly {
 
   template <typename Stopped>
   bool ResolveTies(const Stopped& stopped) {
+    if (!HasTies()) return true;
     std::vector<ChordAt> all;
     for (const auto& staff : chords_) {
       for (const auto& chords : staff) all.insert(all.end(), chords.begin(), chords.end());
@@ -216,6 +217,14 @@ class PartAssembly {
     for (const ChordAt& chord : all) SettleTies(part_.groups[chord.group], found[chord.group]);
     for (const ChordAt& chord : all) CloseTies(chord.group, next[chord.group]);
     return true;
+  }
+
+  [[nodiscard]] bool HasTies() const {
+    for (std::size_t i = 0; i < part_.groups.size(); ++i) {
+      const TiedNotes ties = part_.groups[i].ties;
+      if ((ties.fromBefore | ties.onward) != 0) return true;
+    }
+    return false;
   }
 
   void LinkTies(const ChordAt& chord, const std::vector<ChordAt>& all, std::vector<TiedNotes>& found,
