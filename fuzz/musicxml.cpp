@@ -1,4 +1,4 @@
-// MusicXML: read, written again, and as a score file.
+// MusicXML: read, written again, as a score file, and as the search reads it.
 #include <cstdint>
 #include <cstdlib>
 
@@ -6,6 +6,23 @@
 #include "converters/musicxml_writer.h"
 #include "score/score_reader.h"
 #include "score/score_writer.h"
+#include "search/score_items.h"
+
+namespace ts5 {
+namespace {
+
+// The search finds the same in the notes alone as in the score file, where it can be read as one.
+bool SearchesAlike(ByteView source, ByteView file) {
+  const auto notes = ReadMusicXml(source, {}, ScoreDetail::Notes);
+  const auto info = ReadScoreInfo(file);
+  if (!notes || !info) return false;
+  const auto items = ReadScoreItems(file, *info);
+  const auto own = ReadScoreItems(notes->document);
+  return items && own && *items == *own;
+}
+
+}  // namespace
+}  // namespace ts5
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ts5;
@@ -17,6 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // What is written is well-formed and has the bars that were read.
   const auto again = ReadMusicXml(AsBytes(*xml));
   if (!again || again->document.bars.size() != score->document.bars.size()) abort();
-  if (!ReadScore(WriteScore(score->document))) abort();
+  const Bytes file = WriteScore(score->document);
+  if (!ReadScore(file)) abort();
+  if (!SearchesAlike({data, size}, file)) abort();
   return 0;
 }

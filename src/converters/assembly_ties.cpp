@@ -7,6 +7,13 @@ namespace {
 
 constexpr std::size_t kChordsBetween = 1024;  // two looks at the stop
 
+bool HasTies(const Part& part) {
+  for (std::size_t i = 0; i < part.groups.size(); ++i) {
+    if ((part.groups[i].ties.fromBefore | part.groups[i].ties.onward) != 0) return true;
+  }
+  return false;
+}
+
 class Ties {
  public:
   Ties(const PartToPlace& place, const PartVoices& voices)
@@ -91,6 +98,7 @@ class Ties {
 }  // namespace
 
 bool ResolveTies(const PartToPlace& place, const PartVoices& voices, const CancelCheck& cancelled) {
+  if (!HasTies(place.part)) return true;
   return Ties(place, voices).Resolve(cancelled);
 }
 

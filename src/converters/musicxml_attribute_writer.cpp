@@ -118,7 +118,8 @@ void AttributeWriter::WriteClef(const ScoreItem& item, std::size_t staff) {
   const std::uint8_t line = usual ? ClefItem(clef.form).clef.line : clef.line;
   out_.Open("clef", {{"number", part_.StaffNumber(staff)}});
   out_.Leaf("sign", item.style == "TAB" ? "TAB" : kSigns[form]);
-  if (form != kClefPercussion) out_.Leaf("line", line + 1);
+  const bool told = form != kClefPercussion || line != ClefItem(kClefPercussion).clef.line;
+  if (told) out_.Leaf("line", line + 1);
   if (clef.octave != 1) out_.Leaf("clef-octave-change", clef.octave == 0 ? 1 : -1);
   out_.Close();
 }

@@ -109,7 +109,7 @@ DrawingItem DrawingOf(std::string_view name, pugi::xml_node element) {
 
 DrawingItem DynamicDrawing(pugi::xml_node mark) {
   std::string_view name = mark.name();
-  if (name == "other-dynamics") name = mark.text().get();
+  if (name == "other-dynamics") name = Trim(mark.text().get());
   const XmlDynamic* dynamic = FindDynamic(name);
   if (dynamic == nullptr) {
     DrawingItem drawing = WordsDrawing(name);

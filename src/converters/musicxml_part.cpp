@@ -176,7 +176,7 @@ class PartReader {
       item.group.flags |= kGroupZeroDuration | kGroupGrace;
       item.group.graceForm = slashed ? kGraceSlashed : kGracePlain;
       (void)SetWritten(note, item);
-      AddGroup(std::move(item), time);
+      AddGroup(std::move(item), time, {});
       return {};
     }
     const std::string_view type = note.Text(NotePart::Type);
@@ -194,7 +194,7 @@ class PartReader {
     const bool rounded = RatioOf(item).actual != 0 && off <= Fraction(1) / (at_.divisions * Fraction(4)) &&
                          off <= written * Fraction(1, 2);
     if (written == time.duration || rounded) {
-      AddGroup(std::move(item), time);
+      AddGroup(std::move(item), time, written);
       return written;
     }
     if (!type.empty() && !time.duration.IsZero()) at_.Lose(texts::LossLength, time.staff);
@@ -206,22 +206,22 @@ class PartReader {
       next.group.wholeBars = 0;
       SetTuplet(next, value.ratio);
       const Fraction length = LengthOf(next, at_.time);
-      AddGroup(std::move(next), piece);
+      AddGroup(std::move(next), piece, length);
       piece.start += length;
     }
     // A note without any time is kept as one that has none.
     if (time.duration.IsZero()) {
       item.group.flags |= kGroupZeroDuration;
-      AddGroup(std::move(item), time);
+      AddGroup(std::move(item), time, {});
     }
     return time.duration;
   }
 
-  void AddGroup(ScoreItem item, const NoteTime& time) {
+  void AddGroup(ScoreItem&& item, const NoteTime& time, Fraction length) {
     at_.begun[time.staff] = true;
     Group& group = at_.part.groups.emplace_back();
     group.start = time.start;
-    group.length = LengthOf(item, at_.time);
+    group.length = length;
     group.staff = time.staff;
     group.voice = time.voice;
     group.item = std::move(item);

@@ -146,7 +146,23 @@ std::string NameOf(pugi::xml_node node) {
   return name;
 }
 
-void ReadPartList(pugi::xml_node list, std::vector<Part>& parts) {
+// The instrument of a part, where that is not its name once more. Those of a drum set are known by their
+// keys.
+void NameInstrument(Part& part, LossReport& losses) {
+  const bool drums = std::ranges::any_of(
+      part.instruments, [](const auto& instrument) { return instrument.second.unpitched >= 0; });
+  for (const auto& [id, instrument] : part.instruments) {
+    (void)id;
+    if (instrument.name.empty() || instrument.name == part.names.name) continue;
+    if (!drums && part.names.instrument.empty()) {
+      part.names.instrument = instrument.name;
+    } else {
+      losses.Add(texts::LossInstrument, -1, -1, 1, instrument.name);
+    }
+  }
+}
+
+void ReadPartList(pugi::xml_node list, std::vector<Part>& parts, LossReport& losses) {
   std::vector<std::pair<std::string, std::string>> groups;  // open ones: number, name
   for (const pugi::xml_node child : list.children()) {
     const std::string_view name = child.name();
@@ -164,7 +180,7 @@ void ReadPartList(pugi::xml_node list, std::vector<Part>& parts) {
     part.names.abbreviation = NameOf(child.child("part-abbreviation"));
     if (!groups.empty()) part.names.group = groups.back().second;
     ReadInstruments(child, part);
-    if (!part.instruments.empty()) part.names.instrument = part.instruments.front().second.name;
+    NameInstrument(part, losses);
   }
 }
 
@@ -243,7 +259,7 @@ ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& canc
   if (!notesAlone) ReadCredits(root, score);
   if (detail == ScoreDetail::Whole && !SurveyElements(root, score.losses, cancelled))
     return fail({Outcome::Cancelled});
-  ReadPartList(root.child("part-list"), score.parts);
+  ReadPartList(root.child("part-list"), score.parts, score.losses);
   const MeasureNodes nodes = CollectMeasures(root, score, timewise);
   if (score.parts.size() > kMostParts) return fail({Outcome::SourceFailed});
   // A few bytes must not claim bars for hundreds of staves.

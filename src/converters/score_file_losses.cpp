@@ -28,6 +28,7 @@ class Reporter {
 
   void Report() {
     ReportWhole();
+    ReportParts();
     const ScoreMusic music = ReadMusic(document_);
     ReportTempos(music);
     for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
@@ -42,6 +43,8 @@ class Reporter {
       if (!bar.lineStyle.empty()) Lose(texts::LossBarLine, {static_cast<int>(i), -1}, bar.lineStyle);
       if (bar.passes > 2) Lose(texts::LossRepeats, {static_cast<int>(i), -1});
     }
+    if (stems_ > 0) losses_.Add(texts::LossStem, -1, -1, stems_);
+    if (placements_ > 0) losses_.Add(texts::LossPlacement, -1, -1, placements_);
   }
 
  private:
@@ -61,18 +64,31 @@ class Reporter {
     for (std::size_t i = 0; i < document_.staves.size(); ++i) {
       if (!Fits(document_.staves[i].name)) Lose(texts::LossCharacters, {}, document_.staves[i].name);
     }
+    ReportNumbers();
+  }
+
+  // Of a part a score file has the names of its staves.
+  void ReportParts() {
+    int staff = 0;
+    for (const ScorePart& part : document_.parts) {
+      if (!part.abbreviation.empty()) Lose(texts::LossName, {-1, staff}, part.abbreviation);
+      if (!part.instrument.empty()) Lose(texts::LossInstrument, {-1, staff}, part.instrument);
+      if (!part.group.empty()) Lose(texts::LossGroup, {-1, staff}, part.group);
+      staff += static_cast<int>(part.staves);
+    }
     ScoreDocument bare;
     bare.staves = document_.staves;
     const auto found = PartsOf(bare);
     const auto staves = [](const ScorePart& part) { return part.staves; };
     if (!document_.parts.empty() && !std::ranges::equal(found, document_.parts, {}, staves, staves))
       Lose(texts::LossParts, {});
-    ReportNumbers();
   }
 
   // Bars are counted from 1, an upbeat is 0.
   void ReportNumbers() {
     if (document_.bars.empty()) return;
+    const auto pages = std::ranges::count(document_.bars, true, &ScoreBarLabel::newPage);
+    if (pages > 0) losses_.Add(texts::LossPage, -1, -1, static_cast<unsigned>(pages));
     std::int64_t number = document_.bars[0].number == "0" ? 0 : 1;
     for (const ScoreBarLabel& label : document_.bars) {
       if (!label.number.empty() && label.number != std::to_string(number))
@@ -107,6 +123,7 @@ class Reporter {
   }
 
   void ReportGroup(const ScoreItem& item, Place place) {
+    if (item.stem != 0) ++stems_;
     if (item.ratio.actual != 0) Lose(texts::LossTuplet, place);
     if (item.courtesy != 0) Lose(texts::LossCourtesy, place);
     if (!item.noteTies.empty()) Lose(texts::LossNoteTie, place);
@@ -119,6 +136,7 @@ class Reporter {
   void ReportDrawing(const DrawingItem& drawing, Place place) {
     for (const DrawingItem& nested : drawing.nested) ReportDrawing(nested, place);
     if (drawing.sign == "tempo") return;
+    if (drawing.placement != 0 && !IsBeyondScoreFile(drawing)) ++placements_;
     if (drawing.sign == "dynamics") {
       Lose(texts::LossDynamic, place, drawing.words);
     } else if (IsBeyondScoreFile(drawing)) {
@@ -133,6 +151,8 @@ class Reporter {
 
   const ScoreDocument& document_;
   LossReport& losses_;
+  unsigned stems_ = 0;
+  unsigned placements_ = 0;
 };
 
 }  // namespace

@@ -26,7 +26,7 @@ class Canvas {
   }
   // And takes its place.
   void Text(TextMark text) {
-    const double width = TextWidth(text.text, text.size);
+    const double width = TextWidth(text.text, text.size, text.style);
     const double left = text.align == TextAlign::Left     ? text.x
                         : text.align == TextAlign::Centre ? text.x - width / 2
                                                           : text.x - width;

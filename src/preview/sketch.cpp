@@ -33,9 +33,10 @@ void Sketch::Add(const Sketch& other, double dx, double dy) {
   AddMoved(texts, other.texts, dx, dy);
 }
 
-double TextWidth(const std::string& text, double size) {
-  constexpr double kMean = 0.5;  // of a character, in heights
-  return static_cast<double>(CharacterCount(text)) * size * kMean;
+double TextWidth(const std::string& text, double size, TextStyle style) {
+  // Of a character, in heights: what the wider ones of the usual serif fonts have.
+  const bool bold = style == TextStyle::Bold || style == TextStyle::BoldItalic;
+  return static_cast<double>(CharacterCount(text)) * size * (bold ? 0.68 : 0.58);
 }
 
 }  // namespace ts5::preview

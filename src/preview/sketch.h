@@ -90,7 +90,7 @@ struct Sketch {
   void Add(const Sketch& other, double dx, double dy);
 };
 
-// About how wide a text is; the painter knows it exactly.
-[[nodiscard]] double TextWidth(const std::string& text, double size);
+// How wide a text is at most, about; the painter knows it exactly.
+[[nodiscard]] double TextWidth(const std::string& text, double size, TextStyle style = TextStyle::Plain);
 
 }  // namespace ts5::preview

@@ -56,7 +56,7 @@ void DrawDirection(const MarkedStaff& on, double x, const DrawingItem& drawing) 
   } else {
     text = drawing.words.starts_with("up") ? "8vb" : "8va";
   }
-  const double y = on.canvas.Above(x, x + TextWidth(text, kWordSize)) - 0.7;
+  const double y = on.canvas.Above(x, x + TextWidth(text, kWordSize, TextStyle::Bold)) - 0.7;
   on.canvas.Text({x, y, text, kWordSize, TextStyle::Bold});
 }
 
@@ -68,7 +68,7 @@ void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem&
   const std::string_view dynamic =
       drawing.sign == "dynamics" ? std::string_view(drawing.words) : DynamicOfSymbols(AsText(drawing.text));
   if (!dynamic.empty()) {
-    const double half = TextWidth(std::string(dynamic), kDynamic) / 2;
+    const double half = TextWidth(std::string(dynamic), kDynamic, TextStyle::BoldItalic) / 2;
     const double middle = x + kHeadWidth / 2;
     const double y = drawing.placement > 0 ? on.canvas.Above(middle - half, middle + half) - 0.6
                                            : on.canvas.Below(middle - half, middle + half) + 2.1;
@@ -86,15 +86,16 @@ void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem&
   if (text.empty() || text == "tr") return;
   std::ranges::replace(text, '\n', ' ');
   const bool below = drawing.placement < 0 || drawing.sign == "pedal";
-  const double width = TextWidth(text, kWordSize);
-  const double y = below ? on.canvas.Below(x, x + width) + 2.0 : on.canvas.Above(x, x + width) - 0.7;
   const bool loud = drawing.sign == "rehearsal" || drawing.sign == "harmony" || drawing.sign == "segno" ||
                     drawing.sign == "coda";
+  const TextStyle style = loud ? TextStyle::Bold : TextStyle::Italic;
+  const double width = TextWidth(text, kWordSize, style);
+  const double y = below ? on.canvas.Below(x, x + width) + 2.0 : on.canvas.Above(x, x + width) - 0.7;
   on.canvas.Text({.x = x,
                   .y = y,
                   .text = text,
                   .size = kWordSize,
-                  .style = loud ? TextStyle::Bold : TextStyle::Italic,
+                  .style = style,
                   .framed = drawing.sign == "rehearsal"});
 }
 
@@ -135,8 +136,8 @@ void SketchTempos(const MarkedStaff& on) {
     if (!here || !changes || HasOwnMark(on, tempo.at)) continue;
     const double x = tempo.at == on.from ? on.places.left : on.places.X(on.engraving, tempo.at);
     const std::string text = Format("Viertel = %d", static_cast<int>(std::lround(tempo.quarters)));
-    on.canvas.Text(
-        {x, on.canvas.Above(x, x + TextWidth(text, kWordSize)) - 1.0, text, kWordSize, TextStyle::Bold});
+    on.canvas.Text({x, on.canvas.Above(x, x + TextWidth(text, kWordSize, TextStyle::Bold)) - 1.0, text,
+                    kWordSize, TextStyle::Bold});
   }
 }
 

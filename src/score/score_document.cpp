@@ -1,6 +1,7 @@
 #include "score/score_document.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "platform/base/casts.h"
@@ -237,8 +238,12 @@ void SetTuplet(ScoreItem& item, TupletRatio ratio) {
 }
 
 Fraction NotatedLength(std::uint8_t durationCode, std::uint8_t dots) {
-  const Fraction base =
-      durationCode == kBreve ? Fraction(2) : PowerLength(std::min<int>(durationCode, kShortestCode));
+  static const auto kBases = [] {
+    std::array<Fraction, kBreve + 1> bases;
+    for (int power = -1; power <= kShortestCode; ++power) bases[CodeOfPower(power)] = PowerLength(power);
+    return bases;
+  }();
+  const Fraction base = kBases[durationCode == kBreve ? kBreve : std::min(durationCode, kShortestCode)];
   if (dots == 0) return base;
   const std::int64_t parts = std::int64_t{1} << std::min<int>(dots, 3);
   return base * Fraction(2 * parts - 1, parts);

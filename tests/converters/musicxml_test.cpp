@@ -49,6 +49,7 @@ TEST(MusicXml, OfRealFilesComesBackTheSame) {
     const auto again = ReadMusicXml(BytesOf(*xml));
     ASSERT_TRUE(again) << name;
     EXPECT_EQ(MusicText(again->document), music) << name;
+    EXPECT_EQ(ClefText(again->document), ClefText(score->document)) << name;
     EXPECT_TRUE(losses.Empty()) << name << "\n" << Report(losses);
     EXPECT_TRUE(again->losses.Empty()) << name << "\n" << Report(again->losses);
     // Written once more it is the same to the byte.
@@ -91,6 +92,24 @@ TEST(MusicXml, ThroughAScoreFileKeepsItsNotes) {
       }
     }
   }
+}
+
+TEST(ScoreFileLosses, TellWhatAPartAndItsSignsLose) {
+  ScoreDocument score;
+  score.staves.push_back({.name = "Klavier"});
+  score.parts = {{.name = "Klavier", .abbreviation = "Kl.", .instrument = "Hammerflügel", .group = "Solo"}};
+  score.bars = {{.number = "1"}, {.number = "2", .newPage = true}};
+  ScoreItem note = ChordItem(0, {ScoreNote{}});
+  note.stem = 'u';
+  note.drawings.push_back(TextDrawing("p"));
+  note.drawings.back().placement = 1;
+  score.systems.push_back({.staves = {{.time = {4, 2}, .voices = {{note, BarItem(), note, BarItem()}}}}});
+  LossReport losses;
+  ReportScoreFileLosses(score, losses);
+  EXPECT_EQ(Report(losses),
+            "Seitengestaltung\n2 x Halsrichtung\n2 x Lage über oder unter der Zeile\n"
+            "Klammer einer Stimmengruppe (Solo)\nDarstellung eines Namens (Kl.)\n"
+            "Name eines Instruments (Hammerflügel)\n");
 }
 
 // --- what each element means

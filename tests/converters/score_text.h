@@ -26,6 +26,20 @@ inline std::string DrawingText(const DrawingItem& drawing) {
   return text + "}";
 }
 
+// The clefs of each staff: place, form, line and octave.
+inline std::string ClefText(const ScoreDocument& document) {
+  std::string text;
+  for (const auto& changes : ReadMusic(document).changes) {
+    for (const ScoreChange& change : changes) {
+      const ScoreClef clef = change.item->clef;
+      if (change.item->Is(ObjectKind::Clef))
+        text += Place(change.at) + Format(" %d/%d/%d ", clef.form, clef.line, clef.octave);
+    }
+    text += "\n";
+  }
+  return text;
+}
+
 // Rests that only fill time are left out. spelled: with the notes' names, else with their keys alone.
 inline std::string MusicText(const ScoreDocument& document, bool marks = true) {
   const ScoreMusic music = ReadMusic(document);

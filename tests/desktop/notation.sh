@@ -13,18 +13,6 @@ data=$(realpath "$(dirname "$0")/../data")
 cp "$data/midi/mutopia_satie-gymnopedie-no1.mid" "$HOME/Musik/1-satie.mid"
 cp "$data/musicxml/openscore_Beethoven_Das_Bluemchen_Wunderhold.musicxml" "$HOME/Musik/2-beethoven.musicxml"
 
-# tile NAME: finds the tile that opens a window of that title, and prints the window's number.
-tile() {
-  local y found
-  for y in $(seq 90 20 700); do
-    click 100 "$y"
-    sleep 0.3
-    found=$(shown "$1") && { echo "$found"; return; }
-    xdotool key Escape
-    sleep 0.2
-  done
-  return 1
-}
 # convert TITLE PICTURE: runs, opens the details and from there the notes.
 convert() {
   to_main

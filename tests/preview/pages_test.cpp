@@ -1,6 +1,7 @@
 // Scores as pages: where things stand, and that every page of real files can be drawn.
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cmath>
 #include <filesystem>
 #include <map>
@@ -82,6 +83,44 @@ TEST(Preview, DrawsWhatStandsInTheBar) {
     if (mark.sign != Sign::FilledHead) continue;
     EXPECT_GT(mark.x, before);
     before = mark.x;
+  }
+}
+
+// Left, top, right and bottom of a text.
+std::array<double, 4> BoxOf(const TextMark& text) {
+  const double width = TextWidth(text.text, text.size, text.style);
+  const double left = text.align == TextAlign::Left     ? text.x
+                      : text.align == TextAlign::Centre ? text.x - width / 2
+                                                        : text.x - width;
+  return {left, text.y - 0.8 * text.size, left + width, text.y + 0.2 * text.size};
+}
+
+TEST(Preview, TextsKeepOutOfOneAnothersWayAndOnThePaper) {
+  ScoreItem first = ChordItem(2, {ScoreNote{4, 0, 0}});
+  for (const char* words : {"Andante", "p", "dolce"}) {
+    DrawingItem& drawing = first.drawings.emplace_back(TextDrawing(words));
+    drawing.placement = 1;
+  }
+  ScoreDocument song = Song({ClefItem(kClefG), TimeItem(4, 2), first, RestItem(1, 1), BarItem()});
+  song.systems[0].tempo = 120;
+  song.credits.title =
+      "Ein Lied mit einem Titel, der länger ist als die ganze Zeile, auf der er stehen soll, und noch länger";
+  song.author =
+      "Ein Komponist, der noch mehr Namen hat, als die Hälfte der Zeile fassen kann, und einen Titel";
+  song.credits.lyricist = song.author;
+  const ScorePages pages(std::move(song));
+  Sketch page = pages.Draw(0);
+  // The digits of a time signature touch.
+  std::erase_if(page.texts, [](const TextMark& text) { return text.text.empty() || text.text == "4"; });
+  EXPECT_GE(page.texts.size(), 7U);
+  for (std::size_t i = 0; i < page.texts.size(); ++i) {
+    const auto a = BoxOf(page.texts[i]);
+    EXPECT_TRUE(a[0] >= 0 && a[2] <= pages.Size().width) << page.texts[i].text;
+    for (std::size_t k = 0; k < i; ++k) {
+      const auto b = BoxOf(page.texts[k]);
+      const bool apart = a[2] <= b[0] || b[2] <= a[0] || a[3] <= b[1] || b[3] <= a[1];
+      EXPECT_TRUE(apart) << page.texts[k].text << " / " << page.texts[i].text;
+    }
   }
 }
 
