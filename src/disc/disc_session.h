@@ -49,6 +49,9 @@ class DiscSession {
   void Release(bool eject);
 
  private:
+  // Takes the drive when there is a disc in it. CdDriveFailed: there is none; InUse; SourceFailed.
+  [[nodiscard]] Outcome Take();
+
   Run& run_;
   std::string path_;
   std::optional<DriveClaim> claim_;

@@ -42,7 +42,7 @@ Outcome WriteTray(const RecorderTray& tray) {
 
 Result<DriveClaim> ClaimToChange() {
   if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return Failure(made);
-  auto claim = DriveClaim::Take(VirtualRecorderDirectory());
+  auto claim = DriveClaim::TakeSoon(VirtualRecorderDirectory());
   if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
   return claim;
 }
