@@ -35,22 +35,30 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
   if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }
 
+// While a run waits for a disc the drive belongs to nobody, so that one can be put in.
+Outcome DiscSession::Take() {
+  auto claim = DriveClaim::TakeSoon(path_);
+  if (!claim) return claim.error();
+  auto drive = CdDrive::Open(path_);
+  if (!drive) return drive.error();
+  const Outcome ready = drive->WaitUntilReady(kSettling, [this] { return run_.Cancelled(); });
+  if (Failed(ready)) return ready;
+  claim_ = *std::move(claim);
+  drive_ = *std::move(drive);
+  drive_->PreventRemoval(true);
+  return Outcome::Success;
+}
+
 DiscOutcome DiscSession::Open() {
   run_.StatusText(Text(texts::OpeningRecorder));
   const auto end = std::chrono::steady_clock::now() + kWaitForDisc;
   for (;;) {
-    // While it waits the drive belongs to nobody, so that a disc can be put in.
-    auto claim = DriveClaim::Take(path_);
-    if (claim) {
-      auto drive = CdDrive::Open(path_);
-      if (drive && Succeeded(drive->WaitUntilReady(kSettling, [this] { return run_.Cancelled(); }))) {
-        claim_ = *std::move(claim);
-        drive_ = *std::move(drive);
-        drive_->PreventRemoval(true);
-        run_.StatusText(Text(texts::RecorderOpened));
-        return {};
-      }
-    } else if (claim.error() == Outcome::InUse) {
+    const Outcome taken = Take();
+    if (Succeeded(taken)) {
+      run_.StatusText(Text(texts::RecorderOpened));
+      return {};
+    }
+    if (taken == Outcome::InUse) {
       run_.StatusText(Text(texts::RecorderNotOpened));
       return {code::kDriveBusy, 0};
     }

@@ -51,6 +51,9 @@ class DiscSession {
   void End(const DiscOutcome& outcome, bool eject);
 
  private:
+  // Takes the drive when there is a disc in it. CdDriveFailed: there is none; InUse; SourceFailed.
+  [[nodiscard]] Outcome Take();
+
   Run& run_;
   std::string path_;
   std::optional<DriveClaim> claim_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <thread>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::uint8_t kWriteFailed = 0xFF;
 constexpr std::uint8_t kCloseFailed = 0xFE;
-constexpr auto kWaitForWriter = std::chrono::milliseconds(10);
+constexpr auto kTellAgain = std::chrono::milliseconds(10);
 constexpr std::size_t kPortion = kSectorsPerCommand * kAudioSectorBytes;
 
 bool WriteZeros(SectorPipe& pipe, std::uint64_t bytes, const std::function<void()>& step) {
@@ -183,15 +184,15 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
   SectorPipe pipe;
   SectorWriter writer(pipe, drive_, start);
   std::atomic<std::int32_t> next = start.value;
-  std::atomic<bool> ended = false;
+  std::promise<void> ended;
+  std::future<void> end = ended.get_future();
   std::atomic<bool> hurried = false;
   std::jthread thread([&] {
     hurried = HurryThisThread();
     pipe.WaitForReserve();
     while (writer.Step()) next = writer.Next().value;
     pipe.CloseReading();
-    ended = true;
-    ended.notify_all();
+    ended.set_value();
   });
 
   int number = firstNumber;
@@ -211,10 +212,7 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
   }
   pipe.CloseWriting();
   if (mode_.onTheFly && error == engine::kNone) Say(Text(texts::DiscWasRead));
-  while (!ended) {
-    std::this_thread::sleep_for(kWaitForWriter);
-    tell();
-  }
+  while (end.wait_for(kTellAgain) != std::future_status::ready) tell();
   thread.join();
   hurried_ = hurried;
   tell();

@@ -140,6 +140,27 @@ class NextDiscHost final : public test::RecordingHost {
   std::string directory_;
 };
 
+// Puts a disc in while the run says that it waits for one.
+class WaitingHost final : public test::RecordingHost {
+ public:
+  explicit WaitingHost(std::string directory) : directory_(std::move(directory)) {}
+  void StatusText(std::string_view text) override {
+    if (text.starts_with("Warte auf CD-Rohling") && !directory_.empty()) {
+      EXPECT_THAT(InsertBlankDisc(std::exchange(directory_, {}), 80, false), test::IsOk());
+    }
+    RecordingHost::StatusText(text);
+  }
+
+ private:
+  std::string directory_;
+};
+
+TEST_F(BurnTest, ADiscCanBePutInWhileARunWaitsForIt) {
+  host_ = std::make_shared<WaitingHost>(place_.File("spaet"));
+  EXPECT_THAT(Counts(Execute(BurnerModule(), ThreeFiles())), ElementsAre(3, 0, 3, 1));
+  EXPECT_THAT(host_->status, Contains("Warte auf CD-Rohling noch 2:00... ('Abbrechen' zum Beenden)"));
+}
+
 TEST_F(BurnTest, CopiesAskForTheNextDisc) {
   Blank("eins");
   Order order = ThreeFiles();

@@ -54,6 +54,7 @@ LIBRARY_OF = [
     (re.compile(r"^nlohmann/"), "nlohmann-json"),
     (re.compile(r"^pugi"), "pugixml"),
     (re.compile(r"^(un)?zip\.h$|^ioapi\.h$"), "minizip"),
+    (re.compile(r"^zlib\.h$"), "zlib"),
     (re.compile(r"^lib(av|sw)\w+/"), "FFmpeg"),
     (re.compile(r"^soxr"), "libsoxr"),
     (re.compile(r"^soundtouch/"), "SoundTouch"),

@@ -14,6 +14,8 @@ class DriveClaim {
   // drive: its device file, or the directory that stands for it. InUse: another one has it. SourceFailed: it
   // does not exist or may not be opened.
   [[nodiscard]] static Result<DriveClaim> Take(const std::string& drive);
+  // The same, and waits a moment for one who only looks whether there is a disc.
+  [[nodiscard]] static Result<DriveClaim> TakeSoon(const std::string& drive);
 
  private:
   explicit DriveClaim(FileDescriptor lock) : lock_(std::move(lock)) {}

@@ -22,7 +22,7 @@ std::string TrayFile() {
 
 Result<DriveClaim> ClaimToChange() {
   if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return Failure(made);
-  auto claim = DriveClaim::Take(VirtualRecorderDirectory());
+  auto claim = DriveClaim::TakeSoon(VirtualRecorderDirectory());
   if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
   return claim;
 }

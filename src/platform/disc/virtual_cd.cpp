@@ -22,7 +22,7 @@ std::string DiscFile() {
 
 Result<DriveClaim> ClaimToChange() {
   if (const Outcome made = MakeDirectories(VirtualCdDirectory()); Failed(made)) return Failure(made);
-  auto claim = DriveClaim::Take(VirtualCdDirectory());
+  auto claim = DriveClaim::TakeSoon(VirtualCdDirectory());
   if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
   return claim;
 }
