@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "frame/cd_tracks.h"
 #include "frame/job_store.h"
 #include "platform/disc/volumes.h"
 #include "platform/store/registry.h"
@@ -37,7 +38,7 @@ void SaveAndLoadJobs(benchmark::State& state) {
   std::vector<const Job*> saved;
   for (const Job& job : jobs) saved.push_back(&job);
   const auto directory = std::filesystem::temp_directory_path() / "ts5-job-store-bench";
-  const JobSurroundings surroundings = JobSurroundingsOf(VolumeTable::OfThisMachine(), NoModule);
+  const JobSurroundings surroundings = JobSurroundingsOf(VolumeTable::OfThisMachine(), NoModule, FindAudioCd);
   for (auto _ : state) {
     std::filesystem::remove_all(directory);
     const std::string path = directory / "registry.sqlite";

@@ -173,22 +173,27 @@ BENCHMARK(BM_SearchTrack)
     ->ArgsProduct({{0, 1}, {0, 1}, {3}, {1}})
     ->Unit(benchmark::kMicrosecond);
 
-// Whole files: one with a conductor track of its own, and one whose only track holds everything.
-void BM_SearchFile(benchmark::State& state) {
-  const bool conductor = state.range(0) != 0;
-  const Bytes& track = SourceOf(0).tracks.front();
+Bytes FileOf(const Bytes& track, bool conductor) {
   ByteWriter out;
   AppendHeader(conductor ? 2 : 1, out);
   if (conductor) AppendTrack(Bytes{0x00, 0xFF, 0x2F, 0x00}, out);
   AppendTrack(track, out);
-  MelodyQuery query = RareMelody();
+  return out.Release();
+}
+
+void SearchIn(benchmark::State& state, const Bytes& file, MelodyQuery query) {
   query.options.rhythm = static_cast<RhythmMode>(state.range(1));
   query.options.pitch = static_cast<PitchMode>(state.range(2));
   const HitSink sink = [](const SearchHit&) { return Outcome::Success; };
   for (auto _ : state) {
-    if (Failed(SearchMidiImage(out.View(), "x.mid", query, sink, {}).code)) state.SkipWithError("failed");
+    if (Failed(SearchMidiImage(file, "x.mid", query, sink, {}).code)) state.SkipWithError("failed");
   }
-  SetRate(state, out.Size());
+  SetRate(state, file.size());
+}
+
+// Whole files: one with a conductor track of its own, and one whose only track holds everything.
+void BM_SearchFile(benchmark::State& state) {
+  SearchIn(state, FileOf(SourceOf(0).tracks.front(), state.range(0) != 0), RareMelody());
 }
 BENCHMARK(BM_SearchFile)
     ->ArgNames({"conductor", "rhythm", "pitch"})
@@ -210,17 +215,7 @@ MelodyQuery RareMelodies(std::int64_t count) {
 }
 
 void BM_SearchManyMelodies(benchmark::State& state) {
-  ByteWriter out;
-  AppendHeader(1, out);
-  AppendTrack(SourceOf(0).tracks.front(), out);
-  MelodyQuery query = RareMelodies(state.range(0));
-  query.options.rhythm = static_cast<RhythmMode>(state.range(1));
-  query.options.pitch = static_cast<PitchMode>(state.range(2));
-  const HitSink sink = [](const SearchHit&) { return Outcome::Success; };
-  for (auto _ : state) {
-    if (Failed(SearchMidiImage(out.View(), "x.mid", query, sink, {}).code)) state.SkipWithError("failed");
-  }
-  SetRate(state, out.Size());
+  SearchIn(state, FileOf(SourceOf(0).tracks.front(), false), RareMelodies(state.range(0)));
 }
 BENCHMARK(BM_SearchManyMelodies)
     ->ArgNames({"melodies", "rhythm", "pitch"})
@@ -236,19 +231,15 @@ class Tree {
  public:
   Tree()
       : path_(std::filesystem::temp_directory_path() / ("ts5-search-bench-" + std::to_string(::getpid()))) {
-    const Bytes conductor = {0x00, 0xFF, 0x2F, 0x00};
     for (int i = 0; i < kTreeFiles; ++i) {
       const auto directory = path_ / std::to_string(i % 50);
       std::filesystem::create_directories(directory);
       const Bytes track =
           MusicTrack(static_cast<std::size_t>(10'000 + i * 7919 % 80'000), static_cast<unsigned>(i));
-      ByteWriter out;
-      AppendHeader(2, out);
-      AppendTrack(conductor, out);
-      AppendTrack(track, out);
+      const Bytes bytes = FileOf(track, true);
       std::ofstream file(directory / (std::to_string(i) + ".mid"), std::ios::binary);
-      file << AsText(out.View());
-      size_ += out.Size();
+      file << AsText(bytes);
+      size_ += bytes.size();
     }
   }
   ~Tree() { std::filesystem::remove_all(path_); }

@@ -12,11 +12,13 @@
 #include <QTimer>
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "app/look/appearance.h"
@@ -30,6 +32,8 @@
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
+#include "platform/files/directories.h"
+#include "platform/files/music_directory.h"
 #include "platform/programs/write_signals.h"
 #include "resources/icons.h"
 
@@ -56,6 +60,14 @@ std::optional<int> AnswerOnTerminal(int argc, char** argv) {
   return std::nullopt;
 }
 
+// What has a name alone, as tracks of a CD have, is made in the current directory: not where the program
+// happened to be started, but where its user looks. Paths of the command line are whole by now.
+void GoWhereMusicIs() {
+  const std::string music = ts5::MusicDirectory();
+  std::error_code stays;
+  std::filesystem::current_path(music.empty() ? ts5::HomeDirectory() : music, stays);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -73,12 +85,14 @@ int main(int argc, char** argv) {
   std::vector<std::string> files;
   for (const QString& argument : QApplication::arguments().mid(1))
     files.push_back(FromQt(QFileInfo(argument).absoluteFilePath()));
-  SingleInstance instance(DefaultRegistryPath());
+  const std::string registry = DefaultRegistryPath();
+  SingleInstance instance(registry);
   if (!instance.Claim(files)) return 0;
 
   auto splash = std::make_unique<Splash>(kSplashSteps);
   splash->show();
-  Application application({}, [&](TextId step) { splash->ShowStep(Text(step)); });
+  GoWhereMusicIs();
+  Application application({.registryPath = registry}, [&](TextId step) { splash->ShowStep(Text(step)); });
   const SkinLayout layout = application.GetSettings().skinLayout;
   ApplyAppearance(qt, layout, DesktopIsDark());
   FollowDesktop(qt, layout);

@@ -13,24 +13,24 @@ constexpr std::string_view kLayoutName = "ArtLayout";
 
 // The packed layout is a binary value; a damaged one leaves the job with an empty layout.
 ParameterField LayoutField() {
-  ParameterField field;
-  field.name = kLayoutName;
-  field.load = [](FilterParameters& parameters, const RegistryValues& values) {
-    const auto record = values.Binary(kLayoutName);
-    if (!record) return;
-    if (auto layout = LayoutFromRecord(*record))
-      static_cast<ArtworkerParameters&>(parameters).layout = *layout;
-  };
-  field.save = [](const FilterParameters& parameters, RegistryValues& values) {
-    values.SetBinary(kLayoutName, LayoutRecord(static_cast<const ArtworkerParameters&>(parameters).layout));
-  };
-  field.description = "LAYOUT.awl";
-  field.set = [](FilterParameters& parameters, std::string_view path) {
-    auto layout = LoadLayout(std::string(path));
-    if (layout) static_cast<ArtworkerParameters&>(parameters).layout = *layout;
-    return layout.has_value();
-  };
-  return field;
+  using P = ArtworkerParameters;
+  return MakeField<P>(
+      {.name = std::string(kLayoutName),
+       .description = "LAYOUT.awl",
+       .load =
+           [](P& own, const RegistryValues& values) {
+             const auto record = values.Binary(kLayoutName);
+             if (!record) return;
+             if (auto layout = LayoutFromRecord(*record)) own.layout = *std::move(layout);
+           },
+       .save = [](const P& own,
+                  RegistryValues& values) { values.SetBinary(kLayoutName, LayoutRecord(own.layout)); },
+       .set =
+           [](P& own, std::string_view path) {
+             auto layout = LoadLayout(std::string(path));
+             if (layout) own.layout = *std::move(layout);
+             return layout.has_value();
+           }});
 }
 
 }  // namespace

@@ -61,8 +61,10 @@ void MapBackgrounds(ArtworkLayout& layout, const std::function<std::int32_t(std:
   for (ArtworkElement& element : layout.elements) {
     std::visit(
         [&map]<typename Content>(Content& content) {
-          if constexpr (!std::is_same_v<Content, UnknownContent>)
-            content.fill.background = map(content.fill.background);
+          if constexpr (!std::is_same_v<Content, UnknownContent>) {
+            const bool none = std::is_same_v<Content, Image> && content.fill.background == kNoGround;
+            if (!none) content.fill.background = map(content.fill.background);
+          }
         },
         element.content);
   }

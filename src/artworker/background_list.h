@@ -46,7 +46,7 @@ class BackgroundList {
   std::vector<Background> backgrounds_;
 };
 
-// Every background of the layout by another index.
+// Every background of the layout by another index. An image without one stays without one.
 void MapBackgrounds(ArtworkLayout& layout, const std::function<std::int32_t(std::int32_t)>& map);
 // The index that one has when another one has been removed; of the removed one: the first.
 [[nodiscard]] std::int32_t IndexWithout(std::int32_t index, std::size_t removed);

@@ -14,9 +14,13 @@ constexpr double kFarthest = 10'000'000;  // tenths of a millimetre, so that all
 struct Side {
   double is;
   double usual;
+  bool even;  // all of a disc shrinks alike: what is in its middle stays there
 
   // How much a distance from the edge, and an extent, grow.
-  [[nodiscard]] double OfPlaces() const { return is > 0 ? (2 * is - usual) / is : 1; }
+  [[nodiscard]] double OfPlaces() const {
+    if (even) return OfExtents();
+    return is > 0 ? (2 * is - usual) / is : 1;
+  }
   [[nodiscard]] double OfExtents() const { return is / usual; }
 };
 
@@ -28,8 +32,9 @@ struct Sides {
 Sides SidesOf(const ArtworkObject& object, ArtworkObjectId id) {
   const Size norm = kNormSizes[IndexOf(id)];
   const QSizeF extent = ExtentOf(object, id);
-  const double height = id == ArtworkObjectId::Label ? norm.width : norm.height;
-  return {{extent.width(), static_cast<double>(norm.width)}, {extent.height(), height}};
+  const bool disc = id == ArtworkObjectId::Label;
+  const double height = disc ? norm.width : norm.height;
+  return {{extent.width(), static_cast<double>(norm.width), disc}, {extent.height(), height, disc}};
 }
 
 std::int32_t Stored(double millimetres, double growth) {

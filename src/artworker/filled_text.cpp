@@ -65,7 +65,8 @@ ArtworkLayout FilledLayout(ArtworkLayout layout, const DiscFacts& facts) {
     if (known) {
       Replace(text, "{Titel}", facts.title);
       Replace(text, "{Interpret}", facts.performer);
-      Replace(text, "{Spielzeit}", PlayingTime(TotalOf(facts)));
+      const auto total = TotalOf(facts);
+      Replace(text, "{Spielzeit}", total.count() > 0 ? PlayingTime(total) : std::string());
       Replace(text, kTracks, TrackLines(facts, "  "));
     }
     // Nobody knows how long a title is when its field is drawn.

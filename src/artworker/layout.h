@@ -34,6 +34,11 @@ struct Size {
 
 // Width and height of the formats with a name, upright.
 inline constexpr std::array kPaperSizes = {Size{297, 420}, Size{210, 297}, Size{148, 210}};
+// The sheet as papers are named, whichever way up it is.
+[[nodiscard]] constexpr Size Upright(Size sheet) {
+  return sheet.width > sheet.height ? Size{sheet.height, sheet.width} : sheet;
+}
+
 // The usual sizes of the objects. Of a label the width is the diameter of the disc, the height that of its
 // hole.
 inline constexpr std::array kNormSizes = {Size{117, 40}, Size{150, 118}, Size{242, 120}};
@@ -55,6 +60,7 @@ inline constexpr std::int32_t kMaxBorderGap = 150;      // likewise
 inline constexpr std::int32_t kLeastLineSpacing = 10;   // likewise; 0 in a file without one
 inline constexpr std::int32_t kMaxLineSpacing = 500;    // likewise
 inline constexpr std::int32_t kMaxColour = 0x00FFFFFF;  // white
+inline constexpr std::size_t kMaxElements = 10'000;     // of all objects together
 inline constexpr std::size_t kFaceBytes = 32;           // of a font's face name as it is stored
 inline constexpr std::size_t kFileNameBytes = 260;      // of an image's file name as it is stored
 
@@ -109,6 +115,9 @@ struct Ellipse {
 
   bool operator==(const Ellipse&) const = default;
 };
+
+// The background of an image that has none: what lies below shows through where the picture is transparent.
+inline constexpr std::int32_t kNoGround = 0;
 
 inline constexpr std::int32_t kMirrorHorizontal = 1;
 inline constexpr std::int32_t kMirrorVertical = 2;

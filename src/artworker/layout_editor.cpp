@@ -24,7 +24,10 @@ void LayoutEditor::Click(std::size_t index, bool extend) {
 
 bool LayoutEditor::Apply(const Change& change) {
   ArtworkLayout changed = layout_;
-  change(changed, selection_);
+  Selection selection = selection_;
+  change(changed, selection);
+  if (changed.elements.size() > kMaxElements) return false;
+  selection_ = std::move(selection);
   if (changed == layout_) return false;
   history_.Record(std::exchange(layout_, std::move(changed)));
   return true;

@@ -7,7 +7,8 @@
 //   Section(name)                     what follows stands under that name
 //   Number(key, value, range)         a number of 32 bits
 //   Numbers(key, range, values...)    several of them under one key
-//   Byte(key, value, absent)          a number of 8 bits, with what counts in a file without the key
+//   Byte(key, value, absent)          a number of 8 bits, with what counts in a file without the key; with
+//                                     kUncheckedByte whatever stands there is taken
 //   Flag(key, value, absent)          a truth value, likewise
 //   Text(lengthKey, key, length, text)  a text of that many bytes; of 0 bytes it is not there at all
 //   Name(key, bytes, text, optional)  a text in a field of fixed size
@@ -37,6 +38,7 @@ struct NumberRange {
       std::nullopt;  // what counts in a file without the key; nothing: it must be there
 };
 
+inline constexpr std::uint8_t kUncheckedByte = 255;
 inline constexpr NumberRange kPercent{0, 100};
 inline constexpr NumberRange kIndex{0, std::numeric_limits<std::int32_t>::max()};
 inline constexpr NumberRange kColour{0, kMaxColour};
@@ -68,14 +70,13 @@ void WalkContent(Form& form, Field& field, std::in_place_type_t<TextField>) {
   form.Byte("ElemTextFontCharset", font.charset, 0);
   form.Number("ElemTextFontWeight", font.weight, NumberRange{0, 1000});
   form.Number("ElemTextFontHeight", font.height, NumberRange{-10'000, 10'000});
-  constexpr std::uint8_t kAbsent = 255;
-  form.Byte("ElemTextFontOutPrecision", font.outPrecision, kAbsent);
-  form.Byte("ElemTextFontClipPrecision", font.clipPrecision, kAbsent);
-  form.Byte("ElemTextFontQuality", font.quality, kAbsent);
-  form.Byte("ElemTextFontPitchFamily", font.pitchFamily, kAbsent);
-  form.Byte("ElemTextFontItalic", font.italic, kAbsent);
-  form.Byte("ElemTextFontUnderline", font.underline, kAbsent);
-  form.Byte("ElemTextFontStrikeout", font.strikeOut, kAbsent);
+  form.Byte("ElemTextFontOutPrecision", font.outPrecision, kUncheckedByte);
+  form.Byte("ElemTextFontClipPrecision", font.clipPrecision, kUncheckedByte);
+  form.Byte("ElemTextFontQuality", font.quality, kUncheckedByte);
+  form.Byte("ElemTextFontPitchFamily", font.pitchFamily, kUncheckedByte);
+  form.Byte("ElemTextFontItalic", font.italic, kUncheckedByte);
+  form.Byte("ElemTextFontUnderline", font.underline, kUncheckedByte);
+  form.Byte("ElemTextFontStrikeout", font.strikeOut, kUncheckedByte);
   form.Number("ElemTextBGTransparency", field.fill.transparency, kPercent);
   form.Number("ElemTextBGIndex", field.fill.background, kIndex);
 }

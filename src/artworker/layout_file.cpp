@@ -153,7 +153,7 @@ class ProfileReader : public Reader {
   }
   void Count(std::string_view key, const std::vector<ArtworkElement>& /*elements*/) {
     std::int32_t count = 0;
-    Number(key, count, NumberRange{0, std::numeric_limits<std::int32_t>::max(), 0});
+    Number(key, count, NumberRange{0, kMaxElements, 0});
     ExpectElements(count);
   }
   template <typename... T>
@@ -172,10 +172,21 @@ class ProfileReader : public Reader {
     (take(values), ...);
   }
   void Byte(std::string_view key, std::uint8_t& value, std::uint8_t absent) {
-    value = static_cast<std::uint8_t>(profile_.ReadInteger(section_, key, absent));
+    if (absent == kUncheckedByte) {
+      value = static_cast<std::uint8_t>(profile_.ReadInteger(section_, key, absent));
+    } else {
+      Number(key, value, NumberRange{0, std::numeric_limits<std::uint8_t>::max(), absent});
+    }
   }
+  // One that counts as set is, unless 0 says that it is not.
   void Flag(std::string_view key, bool& value, bool absent) {
-    value = profile_.ReadInteger(section_, key, absent ? 1 : 0) != 0;
+    if (absent) {
+      value = profile_.ReadInteger(section_, key, 1) != 0;
+    } else {
+      std::int32_t number = 0;
+      Number(key, number, NumberRange{.absent = 0});
+      value = number != 0;
+    }
   }
   void Text(std::string_view lengthKey, std::string_view key, std::int32_t& length, std::string& text) {
     Number(lengthKey, length, NumberRange{0, std::numeric_limits<std::int32_t>::max()});
@@ -257,7 +268,7 @@ class RecordReader : public Reader {
   }
   void Count(std::string_view /*key*/, const std::vector<ArtworkElement>& /*elements*/) {
     const std::int32_t count = in_.I32Le();
-    Require(std::cmp_less_equal(count, in_.Remaining() / kLeastElement));
+    Require(std::cmp_less_equal(count, std::min(kMaxElements, in_.Remaining() / kLeastElement)));
     ExpectElements(count);
   }
   template <typename... T>

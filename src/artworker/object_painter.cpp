@@ -1,8 +1,10 @@
 #include "artworker/object_painter.h"
 
 #include <QFontInfo>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPainterPath>
+#include <QSvgRenderer>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -103,7 +105,7 @@ class ElementPainter {
     Border();
   }
   void operator()(const Image& image) const {
-    Ground({.transparency = 100, .background = 0});
+    if (image.fill.background != kNoGround) Ground(image.fill);
     Picture(image);
     Border();
   }
@@ -137,24 +139,43 @@ class ElementPainter {
   void Picture(const Image& image) const {
     const QRectF target = rect_.adjusted(inset_, inset_, -inset_, -inset_);
     if (target.width() <= 0 || target.height() <= 0) return;
+    painter_.save();
+    painter_.setClipPath(shape_, Qt::IntersectClip);
+    if (!DrawLines(image, target)) DrawDots(image, target);
+    painter_.restore();
+  }
+
+  // Around the middle of the target.
+  void Mirror(const Image& image, const QRectF& target) const {
+    painter_.translate(target.center());
+    painter_.scale((image.mirror & kMirrorHorizontal) != 0 ? -1 : 1,
+                   (image.mirror & kMirrorVertical) != 0 ? -1 : 1);
+  }
+  static QRectF Around(const QRectF& target) {
+    return {-target.width() / 2, -target.height() / 2, target.width(), target.height()};
+  }
+
+  // A drawing in a document stays one, unless something is to shine through: its parts would do so one by
+  // one. False when it was not drawn.
+  [[nodiscard]] bool DrawLines(const Image& image, const QRectF& target) const {
+    if (image.fill.transparency != 0 || painter_.paintEngine()->type() != QPaintEngine::Pdf) return false;
+    QSvgRenderer drawing(Pictures::Drawing(image.file));
+    if (!drawing.isValid()) return false;
+    Mirror(image, target);
+    drawing.render(&painter_, Around(target));
+    return true;
+  }
+
+  void DrawDots(const Image& image, const QRectF& target) const {
     double dots = DotsPerMillimetre(painter_);
     if (painting_.picturesDpi > 0) dots = std::min(dots, painting_.picturesDpi / kInch);
     const QSize most = (target.size() * dots).toSize().expandedTo({1, 1});
     const QImage& picture = painting_.draft ? painting_.pictures.Draft(image.file, most)
                                             : painting_.pictures.Scaled(image.file, most);
-    painter_.save();
-    painter_.setClipPath(shape_, Qt::IntersectClip);
-    if (picture.isNull()) {
-      Notice(target);
-    } else {
-      painter_.setOpacity(Opacity(image.fill.transparency));
-      painter_.translate(target.center());
-      painter_.scale((image.mirror & kMirrorHorizontal) != 0 ? -1 : 1,
-                     (image.mirror & kMirrorVertical) != 0 ? -1 : 1);
-      painter_.drawImage(QRectF(-target.width() / 2, -target.height() / 2, target.width(), target.height()),
-                         picture);
-    }
-    painter_.restore();
+    if (picture.isNull()) return Notice(target);
+    painter_.setOpacity(Opacity(image.fill.transparency));
+    Mirror(image, target);
+    painter_.drawImage(Around(target), picture);
   }
 
   void Notice(const QRectF& target) const {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kPdfDpi = 1200;  // of the coordinates; what is drawn stays vectors
 constexpr double kInch = 25.4;
-constexpr double kMaxPictureDots = 20'000;
+constexpr double kMaxPictureDots = 300'000'000;  // in all
 
 }  // namespace
 
@@ -49,6 +49,7 @@ bool PdfDocument::BeginPage(Size sheet, const PrinterFit& fit) {
   QPainter& painter = parts_->painter;
   parts_->writer.setPageLayout(PageOf(sheet));
   if (painter.isActive() ? !parts_->writer.newPage() : !painter.begin(&parts_->writer)) return false;
+  if (Broken()) return false;
   painter.resetTransform();
   painter.scale(kPdfDpi / kInch, kPdfDpi / kInch);
   painter.translate(fit.right / kTenths, fit.down / kTenths);
@@ -60,14 +61,20 @@ QPainter& PdfDocument::Page() {
   return parts_->painter;
 }
 
+bool PdfDocument::Broken() const {
+  return parts_->device.Broken();
+}
+
 Outcome PdfDocument::Finish() {
   const bool ended = parts_->painter.isActive() && parts_->painter.end();
-  return ended && !parts_->device.Broken() ? Outcome::Success : Outcome::WriteFailed;
+  return ended && !Broken() ? Outcome::Success : Outcome::WriteFailed;
 }
 
 QImage PictureOf(const ObjectPainting& painting, ArtworkObjectId id, double dpi) {
   const QSizeF dots = ExtentOf(painting.layout.Object(id), id) * (dpi / kInch);
-  if (!(std::max(dots.width(), dots.height()) <= kMaxPictureDots)) return {};
+  if (!(std::max(dots.width(), dots.height()) <= kMaxPictureSide &&
+        dots.width() * dots.height() <= kMaxPictureDots))
+    return {};
   QImage picture(dots.toSize().expandedTo({1, 1}), QImage::Format_RGB32);
   if (picture.isNull()) return {};
   picture.fill(Qt::white);

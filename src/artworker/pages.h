@@ -27,9 +27,11 @@ class PdfDocument {
   PdfDocument& operator=(const PdfDocument&) = delete;
 
   // Begins a page. What is painted on it is measured in millimetres from the corner of the sheet, and moved
-  // and stretched as the printer needs it. False when it cannot be begun.
+  // and stretched as the printer needs it. False when it cannot be begun, or the one before not be ended.
   [[nodiscard]] bool BeginPage(Size sheet, const PrinterFit& fit);
   [[nodiscard]] QPainter& Page();
+  // What was painted could not be written.
+  [[nodiscard]] bool Broken() const;
   // All is written; the file still has to be committed. WriteFailed.
   [[nodiscard]] Outcome Finish();
 

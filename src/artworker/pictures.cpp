@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <algorithm>
+#include <utility>
 
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
@@ -125,6 +126,12 @@ const QImage& Pictures::Scaled(const std::string& file, QSize most) {
 const QImage& Pictures::Draft(const std::string& file, QSize most) {
   const auto found = std::ranges::find(entries_, file, &Entry::file);
   return found != entries_.end() ? found->image : Scaled(file, most);
+}
+
+QByteArray Pictures::Drawing(const std::string& file) {
+  if (!IsDrawing(file)) return {};
+  Source source = ReadSource(file);
+  return source.format.startsWith("svg") ? std::move(source.bytes) : QByteArray();
 }
 
 bool Pictures::IsDrawing(const std::string& file) {

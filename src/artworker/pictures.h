@@ -1,6 +1,7 @@
 // The pictures of a layout: read once for every size at which they are drawn, and kept as long as they are.
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QSize>
 #include <cstdint>
@@ -26,6 +27,8 @@ class Pictures {
   [[nodiscard]] const QImage& Draft(const std::string& file, QSize most);
   // Width and height in pixels as the file has them; empty when it cannot be shown.
   [[nodiscard]] static QSize SizeOf(const std::string& file);
+  // The bytes of a drawing that can be shown, for a device that keeps its lines; empty for all else.
+  [[nodiscard]] static QByteArray Drawing(const std::string& file);
   // Whether it has no pixels of its own.
   [[nodiscard]] static bool IsDrawing(const std::string& file);
 

@@ -1,5 +1,7 @@
 #include "artworker/print_run.h"
 
+#include <QBuffer>
+#include <QByteArray>
 #include <QGuiApplication>
 #include <algorithm>
 #include <array>
@@ -15,14 +17,15 @@
 #include "artworker/texts.h"
 #include "frame/failure_reason.h"
 #include "frame/run.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
+#include "platform/base/bytes.h"
 #include "platform/base/text.h"
 #include "platform/files/directories.h"
 #include "platform/files/fault.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
-#include "platform/files/staged_device.h"
 
 namespace ts5::artworker {
 namespace {
@@ -54,9 +57,9 @@ std::vector<Background> BackgroundsOf(const ArtworkerParameters& parameters) {
 // One document: where its bytes go until it is whole, and what happens to it then.
 class Printing {
  public:
-  explicit Printing(Run& run)
+  Printing(Run& run, const ArtworkerParameters& parameters)
       : run_(run),
-        parameters_(run.Parameters<ArtworkerParameters>()),
+        parameters_(parameters),
         layout_(FilledLayout(parameters_.layout, parameters_.disc)),
         backgrounds_(BackgroundsOf(parameters_)),
         printer_(PrinterName(run.Devices().output.empty() ? parameters_.printer : run.Devices().output)),
@@ -74,11 +77,11 @@ class Printing {
     item.destination = printer_;
     ForgetFault();
     item.code = printer_ == Text(texts::PdfPrinter) ? IntoFile(plan, item.destination) : OntoPaper(plan);
+    run_.Result().counts[0] = printed_;
     if (item.code == 0) {
-      run_.Result().counts[0] = printed_;
       run_.StatusText(Text(texts::PrintEnded));
     } else {
-      run_.AddStatus({item.code});
+      run_.AddStatus({.code = item.code, .number = item.code == kDrawingFailed ? kDrawingNotCopied : 0});
       if (const auto fault = TakeFault())
         item.reason = FailureReason(Outcome::WriteFailed, {}, item.destination, fault);
     }
@@ -101,11 +104,12 @@ class Printing {
     auto file = StagedFile::Create(target.name);
     if (!file) return Code(file.error());
     if (const std::int32_t code = Draw(plan, *file); code != 0) return code;
-    const auto taken = TakeTarget(*file, std::move(target), naming_,
-                                  [this](const std::string& there) { return MayReplace(there); });
+    const auto taken = PutTarget(run_, *file, std::move(target), naming_,
+                                 [this](const std::string& there) { return MayReplace(there); });
     if (!taken && taken.error() == Outcome::Cancelled) return Code(Outcome::Cancelled);
-    if (!taken) return DocumentNotEnded();
+    if (!taken) return NotEnded(kDocumentNotEnded);
     name = *taken;
+    printed_ = drawn_;
     return 0;
   }
 
@@ -115,15 +119,21 @@ class Printing {
     for (const Sheet& sheet : plan.sheets) {
       if (!TakesPaper(printer_, sheet.size) && !MayUseOtherPaper(sheet.size)) return Code(Outcome::Cancelled);
     }
+    // A document that is sent to a printer has one paper.
+    for (const SheetPlan& document : ByPaper(plan)) {
+      if (const std::int32_t code = Send(document); code != 0) return code;
+      printed_ = drawn_;
+    }
+    return 0;
+  }
+
+  std::int32_t Send(const SheetPlan& plan) {
     auto spool = TemporaryFile::Create(kTemporaryPrefix, {}, ".pdf");
     auto file = spool ? StagedFile::Create(spool->Path()) : Failure(spool.error());
     if (!file) return Code(file.error());
     if (const std::int32_t code = Draw(plan, *file); code != 0) return code;
-    if (Failed(file->Commit())) return DocumentNotEnded();
-    const Size first = plan.sheets.front().size;
-    const bool alike = std::ranges::all_of(plan.sheets, [&](const Sheet& s) { return s.size == first; });
-    if (SendDocument(printer_, spool->Path(), alike ? std::optional(first) : std::nullopt,
-                     [this] { return run_.Cancelled(); }))
+    if (Failed(file->Commit())) return NotEnded(kDocumentNotEnded);
+    if (SendDocument(printer_, spool->Path(), plan.sheets.front().size, [this] { return run_.Cancelled(); }))
       return 0;
     return run_.Cancelled() ? Code(Outcome::Cancelled) : kPrinterFailed;
   }
@@ -136,14 +146,16 @@ class Printing {
     for (std::size_t i = 0; i < plan.sheets.size(); ++i) {
       if (run_.Cancelled()) return Code(Outcome::Cancelled);
       run_.Progress(static_cast<std::uint32_t>(i + 1), static_cast<std::uint32_t>(plan.sheets.size()));
-      if (!document.BeginPage(plan.sheets[i].size, parameters_.fit)) return kDocumentNotBegun;
+      if (!document.BeginPage(plan.sheets[i].size, parameters_.fit))
+        return i == 0 ? kDocumentNotBegun : NotEnded(kPageNotEnded);
       if (run_.Cancelled()) return Code(Outcome::Cancelled);
-      DrawSheet(document.Page(), plan.sheets[i]);
+      if (!DrawSheet(document, plan.sheets[i])) return kDrawingFailed;
     }
-    return Failed(document.Finish()) ? DocumentNotEnded() : 0;
+    return Failed(document.Finish()) ? NotEnded(kDocumentNotEnded) : 0;
   }
 
-  void DrawSheet(QPainter& page, const Sheet& sheet) {
+  bool DrawSheet(PdfDocument& document, const Sheet& sheet) {
+    QPainter& page = document.Page();
     if (sheet.objects.empty()) PaintCalibration(page, sheet.size, printer_, parameters_.fit);
     const PlacedObject* before = nullptr;
     for (const PlacedObject& placed : sheet.objects) {
@@ -155,17 +167,22 @@ class Printing {
                   placed);
       if (Holds(parameters_.printMarks, placed.id)) PaintMarks(page, layout_, placed);
       before = &placed;
+      if (document.Broken()) {
+        run_.StatusText(Format(Text(texts::ObjectNotSent), name));
+        return false;
+      }
       if (!another) continue;
       run_.StatusText(Format(Text(texts::ObjectSent), name));
       run_.StatusText(Format(Text(texts::ObjectEnding), name));
       run_.StatusText(Format(Text(texts::ObjectEnded), name));
-      ++printed_;
+      ++drawn_;
     }
+    return !document.Broken();
   }
 
-  std::int32_t DocumentNotEnded() {
+  std::int32_t NotEnded(std::int32_t code) {
     run_.StatusText(Text(texts::PageNotEnded));
-    return kDocumentNotEnded;
+    return code;
   }
 
   // What the user named, else a name beside the layout's file.
@@ -205,7 +222,8 @@ class Printing {
   std::string printer_;
   TargetNaming naming_;
   Pictures pictures_;
-  std::uint32_t printed_ = 0;
+  std::uint32_t drawn_ = 0;    // objects
+  std::uint32_t printed_ = 0;  // those in documents that came to their end
 };
 
 }  // namespace
@@ -233,27 +251,24 @@ Outcome SavePicture(const ArtworkerParameters& parameters, ArtworkObjectId id, d
   const QImage picture =
       PictureOf({layout, backgrounds, pictures, Holds(parameters.printBorder, id)}, id, dpi);
   if (picture.isNull()) return Outcome::InvalidParameter;
-  auto file = StagedFile::Create(path);
-  if (!file) return file.error();
-  StagedDevice device(*file);
-  if (!picture.save(&device, "PNG") || device.Broken()) return Outcome::WriteFailed;
-  return file->Commit();
+  QByteArray png;
+  QBuffer buffer(&png);
+  if (!picture.save(&buffer, "PNG")) return Outcome::WriteFailed;
+  return WriteFile(path, AsBytes({png.constData(), static_cast<std::size_t>(png.size())}));
 }
 
 FilterModule ArtworkerModule() {
-  FilterModule module;
+  using P = ArtworkerParameters;
+  ModuleOf<P> module;
   module.id = FilterId::Artworker;
-  module.create = [] { return std::make_unique<ArtworkerParameters>(); };
   module.fields = ArtworkerFields();
   module.remarks = kRemarks;
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    const auto* const parameters = dynamic_cast<const ArtworkerParameters*>(&*job.parameters);
-    if (parameters == nullptr || (parameters->printWhat == 0 && !parameters->calibration))
-      return texts::NothingToPrint;
+  module.missing = [](const P& own) -> std::optional<TextId> {
+    if (own.printWhat == 0 && !own.calibration) return texts::NothingToPrint;
     return std::nullopt;
   };
-  module.run = [](Run& run) { Printing(run).Print(); };
-  return module;
+  module.run = [](Run& run, const P& own) { Printing(run, own).Print(); };
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5::artworker

@@ -10,8 +10,9 @@
 
 namespace ts5::artworker {
 
-// Codes of the run, beside those that all share.
+// Codes of the run, beside those that all share. Why drawing failed has a number of its own.
 inline constexpr std::int32_t kDrawingFailed = -800;
+inline constexpr std::int32_t kDrawingNotCopied = 1013;  // into the document
 inline constexpr std::int32_t kPrinterFailed = -801;
 inline constexpr std::int32_t kDocumentNotBegun = -803;
 inline constexpr std::int32_t kPageNotEnded = -804;

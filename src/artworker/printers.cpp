@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
+#include <optional>
 
 #include "artworker/texts.h"
 #include "platform/base/strings.h"
@@ -16,12 +16,6 @@ using namespace std::chrono_literals;
 
 constexpr std::array kPaperNames = {"A3", "A4", "A5"};  // in the order of kPaperSizes
 constexpr std::string_view kAnySize = "Custom.";
-
-// Upright, as papers are named.
-Size Upright(Size sheet) {
-  if (sheet.width > sheet.height) std::swap(sheet.width, sheet.height);
-  return sheet;
-}
 
 std::optional<std::string_view> PaperName(Size sheet) {
   const auto found = std::ranges::find(kPaperSizes, Upright(sheet));
@@ -67,18 +61,16 @@ bool TakesPaper(const std::string& printer, Size sheet) {
   return !listed || listed->status != 0 || ListsPaper(AsText(listed->output), sheet);
 }
 
-bool SendDocument(const std::string& printer, const std::string& path, std::optional<Size> sheet,
+bool SendDocument(const std::string& printer, const std::string& path, Size sheet,
                   const std::function<bool()>& cancelled) {
-  std::vector<std::string> arguments{
-      "-d", printer, "-t", std::string(Text(texts::ArtworkDocument)), "-o", "print-scaling=none"};
-  if (sheet) {
-    const Size upright = Upright(*sheet);
-    const auto name = PaperName(*sheet);
-    arguments.insert(arguments.end(),
-                     {"-o", "media=" + (name ? std::string(*name)
-                                             : Format("Custom.%ix%imm", upright.width, upright.height))});
-  }
-  arguments.insert(arguments.end(), {"--", path});
+  const Size upright = Upright(sheet);
+  const auto name = PaperName(sheet);
+  const std::vector<std::string> arguments{
+      "-d", printer,
+      "-t", std::string(Text(texts::ArtworkDocument)),
+      "-o", "print-scaling=none",
+      "-o", "media=" + (name ? std::string(*name) : Format("Custom.%ix%imm", upright.width, upright.height)),
+      "--", path};
   ProcessRun how;
   how.timeout = 60s;
   how.cancelled = cancelled;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,9 +19,9 @@ namespace ts5::artworker {
 // The same of the printer itself.
 [[nodiscard]] bool TakesPaper(const std::string& printer, Size sheet);
 
-// Sends the document in its own size. sheet: of all its pages, if they have one. False when the printer does
+// Sends the document in its own size. sheet: of all its pages, whichever way up. False when the printer does
 // not take it, or when the sending was cancelled.
-[[nodiscard]] bool SendDocument(const std::string& printer, const std::string& path,
-                                std::optional<Size> sheet, const std::function<bool()>& cancelled);
+[[nodiscard]] bool SendDocument(const std::string& printer, const std::string& path, Size sheet,
+                                const std::function<bool()>& cancelled);
 
 }  // namespace ts5::artworker

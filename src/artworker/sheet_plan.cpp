@@ -99,6 +99,16 @@ SheetPlan PlanSheets(const ArtworkerParameters& parameters) {
   return plan;
 }
 
+std::vector<SheetPlan> ByPaper(const SheetPlan& plan) {
+  std::vector<SheetPlan> plans;
+  for (const Sheet& sheet : plan.sheets) {
+    if (plans.empty() || Upright(plans.back().sheets.back().size) != Upright(sheet.size))
+      plans.emplace_back();
+    plans.back().sheets.push_back(sheet);
+  }
+  return plans;
+}
+
 QRectF RectOf(const ArtworkLayout& layout, const PlacedObject& placed) {
   QRectF rect(placed.corner, ExtentOf(layout.Object(placed.id), placed.id));
   if (placed.frontOnly) rect.setLeft(rect.center().x());

@@ -34,6 +34,9 @@ struct SheetPlan {
 // Of the objects that are chosen to be printed.
 [[nodiscard]] SheetPlan PlanSheets(const ArtworkerParameters& parameters);
 
+// Its sheets in their order, as plans of sheets of one paper each.
+[[nodiscard]] std::vector<SheetPlan> ByPaper(const SheetPlan& plan);
+
 // What is to be seen of the object on its sheet.
 [[nodiscard]] QRectF RectOf(const ArtworkLayout& layout, const PlacedObject& placed);
 

@@ -20,7 +20,7 @@ Attribute Fact(std::string_view name, std::uint64_t value) {
 
 }  // namespace
 
-Result<Attributes> ReadFileInfo(const std::string& path) {
+Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attributes) {
   const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   const MediaProbe probe = ProbeMedia(path);
@@ -32,12 +32,14 @@ Result<Attributes> ReadFileInfo(const std::string& path) {
                   Fact("HasAudio", 1),
                   Fact("HasVideo", 0),
                   Fact("Seekable", 1)};
-  const auto tags = ReadAttributes(path);
-  if (!tags) return info;
-  for (const Attribute& attribute : *tags) {
+  for (const Attribute& attribute : attributes) {
     if (attribute.readOnly && FindAttribute(info, attribute.name) == nullptr) info.push_back(attribute);
   }
   return info;
+}
+
+Result<Attributes> ReadFileInfo(const std::string& path) {
+  return FileInfoWith(path, ReadAttributes(path).value_or(Attributes()));
 }
 
 }  // namespace ts5

@@ -12,5 +12,7 @@ namespace ts5 {
 // "HasVideo", "Seekable", then what the file itself says and does not let change. SourceFailed: the file
 // cannot be opened. WrongFormat: no audio.
 [[nodiscard]] Result<Attributes> ReadFileInfo(const std::string& path);
+// The same of a file whose attributes have been read already.
+[[nodiscard]] Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attributes);
 
 }  // namespace ts5

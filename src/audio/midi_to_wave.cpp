@@ -153,7 +153,7 @@ class Rendering {
 
 class MidiToWaveRun {
  public:
-  explicit MidiToWaveRun(Run& run) : run_(run), parameters_(run.Parameters<MidiToWaveParameters>()) {}
+  MidiToWaveRun(Run& run, const MidiToWaveParameters& parameters) : run_(run), parameters_(parameters) {}
 
   void Execute() {
     if (parameters_.Method() == MidiWaveMethod::SoundCard) {
@@ -162,7 +162,7 @@ class MidiToWaveRun {
     ItemFilter filter;
     filter.independent = parameters_.Method() == MidiWaveMethod::Synthesis;
     AskAboutSilence();
-    filter.prepare = [this](const FilterParameters&, const std::string& source) { return Prepare(source); };
+    filter.prepare = [this](const std::string& source) { return Prepare(source); };
     filter.convert = [this](ItemWork& work) { return ConvertItem(work); };
     RunItems(run_, filter);
     if (parameters_.Normalising() == NormaliseMode::Project) NormaliseProject();
@@ -257,6 +257,7 @@ class MidiToWaveRun {
     const WorkWatch watch{[this] { return run_.Cancelled(); },
                           [this](double fraction) { run_.Progress(1, 1, fraction); }};
     const Outcome outcome = Normalise(files, {}, kWholeProject, files.size(), watch);
+    for (const std::string& file : files) run_.Changed(file);
     if (!Book(outcome)) return;
     if (outcome == Outcome::Cancelled) {
       run_.AddCode(outcome);
@@ -334,7 +335,7 @@ FilterModule MidiToWaveModule() {
   ModuleOf<P> module;
   module.id = FilterId::MidiToWave;
   module.fields = MidiToWaveFields();
-  module.run = [](Run& run, const P&) { MidiToWaveRun(run).Execute(); };
+  module.run = [](Run& run, const P& own) { MidiToWaveRun(run, own).Execute(); };
   module.remarks = AllRemarks();
   module.target = [](const P&, const std::string&) {
     return TargetRule{.extension = "wav", .formatKept = false};

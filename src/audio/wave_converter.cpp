@@ -18,8 +18,7 @@ struct OpenedSource final : PreparedItem {
   std::unique_ptr<PcmSource> pcm;
 };
 
-Result<std::unique_ptr<PreparedItem>> Prepare(const FilterParameters& /*parameters*/,
-                                              const std::string& source) {
+Result<std::unique_ptr<PreparedItem>> Prepare(const std::string& source) {
   auto media = OpenMediaFile(source);
   if (!media || !IsWaveKind(media->kind)) return Failure(Outcome::SourceFailed);
   auto pcm = PcmOf(std::move(*media));
@@ -42,10 +41,9 @@ Outcome ConvertPcm(std::unique_ptr<PcmSource> source, StagedFile& target, const 
   return CopyPcm(**converted, **sink, watch);
 }
 
-Outcome ConvertItem(ItemWork& work) {
-  const auto& parameters = As<WaveConverterParameters>(work.parameters);
+Outcome ConvertItem(const WaveFormat& format, ItemWork& work) {
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  return ConvertPcm(std::move(work.Prepared<OpenedSource>().pcm), work.target, parameters.Target(), watch);
+  return ConvertPcm(std::move(work.Prepared<OpenedSource>().pcm), work.target, format, watch);
 }
 
 }  // namespace
@@ -81,8 +79,11 @@ FilterModule WaveConverterModule() {
       {.id = FilterId::WaveConverter,
        .fields = WaveConverterFields(),
        .run =
-           [](Run& run, const P&) {
-             RunItems(run, {.independent = true, .prepare = Prepare, .convert = ConvertItem});
+           [](Run& run, const P& parameters) {
+             const auto convert = [format = parameters.Target()](ItemWork& work) {
+               return ConvertItem(format, work);
+             };
+             RunItems(run, {.independent = true, .prepare = Prepare, .convert = convert});
            },
        .remarks = WaveConverterRemarks(),
        // The name stays; with the suffix it ends in ".wav", whatever the source was.

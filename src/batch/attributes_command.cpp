@@ -150,7 +150,7 @@ int AttributesCommand(CommandLine line, Console& console) {
     }
     Sort(*attributes);
     if (json) {
-      all.push_back(JsonFile(file, ReadFileInfo(file).value_or(Attributes()), *attributes));
+      all.push_back(JsonFile(file, FileInfoWith(file, *attributes).value_or(Attributes()), *attributes));
       if (failed > 0) all.back()["code"] = Code(Outcome::AttributesNotWritten);
     } else {
       PrintFile(console, file, *attributes);

@@ -62,12 +62,12 @@ std::optional<std::string> TakeTracks(const std::string& text, Job& job) {
 std::optional<std::string> TakeTexts(std::string_view option, const std::string& text,
                                      std::string CdText::Entry::*which, Job& job) {
   const auto parts = Split(text, '|');
-  if (job.filter != FilterId::CdBurner || parts.size() != job.files.Size())
+  auto* const parameters = job.parameters.If<disc::BurnParameters>();
+  if (parameters == nullptr || parts.size() != job.files.Size())
     return Format(Text(texts::BatchTextsCount), option, job.files.Size());
-  auto& parameters = As<disc::BurnParameters>(*job.parameters);
-  parameters.cdText = true;
+  parameters->cdText = true;
   for (std::size_t i = 0; i < parts.size(); ++i)
-    parameters.texts[job.files[i].path].*which = std::string(Trim(parts[i]));
+    parameters->texts[job.files[i].path].*which = std::string(Trim(parts[i]));
   return std::nullopt;
 }
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "batch/texts.h"
-#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "search/melody_store.h"
@@ -49,7 +48,8 @@ void AddMelodyOptions(Arguments& arguments, MelodyOptions& options) {
 
 std::optional<std::string> TakeMelody(const MelodyOptions& options, Registry& registry, Job& job) {
   if (options.numbers.empty() && options.stored.empty() && options.keys.empty()) return std::nullopt;
-  if (!IsSearch(job.filter)) return std::string(Text(texts::BatchMelodyForSearch));
+  auto* const parameters = job.parameters.If<SearchParameters>();
+  if (parameters == nullptr) return std::string(Text(texts::BatchMelodyForSearch));
   std::vector<SearchMelody> melodies;
   std::optional<std::string> fault;
   const auto take = [&](Result<SearchMelody> melody, const std::string& text, const auto& message) {
@@ -70,12 +70,11 @@ std::optional<std::string> TakeMelody(const MelodyOptions& options, Registry& re
          [&] { return Format(Text(texts::BatchMelodyUnknown), name, StoredNames(registry)); });
   }
   if (fault) return fault;
-  auto& parameters = As<SearchParameters>(*job.parameters);
-  parameters.melody = std::move(melodies.front());
-  parameters.more.assign(std::make_move_iterator(melodies.begin() + 1),
-                         std::make_move_iterator(melodies.end()));
+  parameters->melody = std::move(melodies.front());
+  parameters->more.assign(std::make_move_iterator(melodies.begin() + 1),
+                          std::make_move_iterator(melodies.end()));
   // The only one keeps to its own name, as results have always said it.
-  if (parameters.more.empty() && options.stored.empty()) parameters.melody.name.clear();
+  if (parameters->more.empty() && options.stored.empty()) parameters->melody.name.clear();
   return std::nullopt;
 }
 

@@ -36,13 +36,17 @@ void AddPrintOptions(Arguments& arguments, PrintOptions& options) {
   arguments.Option("--dpi", "N", options.dpi, texts::BatchHelpDpi);
 }
 
-std::optional<std::string> TakePrinting(const PrintOptions& options, const Registry& registry, Job& job) {
-  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+std::optional<int> TakePrinting(const PrintOptions& options, const Registry& registry,
+                                std::string_view command, Console& console, Job& job) {
+  auto* const parameters = job.parameters.If<artworker::ArtworkerParameters>();
   if (parameters == nullptr) return std::nullopt;
-  if (!DpiOf(options)) return Format(Text(texts::BatchDpiWrong), *options.dpi);
+  if (!DpiOf(options)) return WrongUsage(console, command, Format(Text(texts::BatchDpiWrong), *options.dpi));
   if (options.layout) {
     auto layout = artworker::LoadLayout(*options.layout);
-    if (!layout) return Format(Text(texts::BatchLayoutInvalid), *options.layout);
+    if (!layout) {
+      PrintError(console, Format(Text(texts::BatchLayoutInvalid), *options.layout));
+      return kExitFailed;
+    }
     NamePicturesFully(*layout, std::string(DirectoryOf(*options.layout)));
     parameters->layout = std::move(*layout);
     parameters->fileName = *options.layout;
@@ -54,7 +58,7 @@ std::optional<std::string> TakePrinting(const PrintOptions& options, const Regis
 }
 
 std::optional<std::string> TakeDisc(const PrintOptions& options, Console& console, Job& job) {
-  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+  auto* const parameters = job.parameters.If<artworker::ArtworkerParameters>();
   if (parameters == nullptr) return std::nullopt;
   const Job* source = &job;
   std::optional<StoredState> store;
@@ -68,7 +72,7 @@ std::optional<std::string> TakeDisc(const PrintOptions& options, Console& consol
 }
 
 void PreparePrinting(const Registry& registry, std::span<const Job* const> jobs, Job& job) {
-  auto* const parameters = dynamic_cast<artworker::ArtworkerParameters*>(job.parameters.Get());
+  auto* const parameters = job.parameters.If<artworker::ArtworkerParameters>();
   if (parameters == nullptr) return;
   TakeGround(*parameters, registry);
   parameters->disc = FactsOfDisc(job, jobs, DiscReading::Thorough);
@@ -76,7 +80,7 @@ void PreparePrinting(const Registry& registry, std::span<const Job* const> jobs,
 }
 
 int WritePictures(const PrintOptions& options, const Job& job, Console& console) {
-  const auto& parameters = dynamic_cast<const artworker::ArtworkerParameters&>(*job.parameters);
+  const auto& parameters = As<artworker::ArtworkerParameters>(*job.parameters);
   const auto dpi = static_cast<double>(DpiOf(options).value_or(kPresetDpi));
   for (const artworker::ArtworkObjectId id : artworker::kObjectIds) {
     if (!artworker::Holds(parameters.printWhat, id)) continue;

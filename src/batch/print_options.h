@@ -23,10 +23,10 @@ struct PrintOptions {
 
 void AddPrintOptions(Arguments& arguments, PrintOptions& options);
 
-// Puts layout and printer into the job of an Artworker run, and what goes with them. The text of what is
-// wrong; nothing when all is well or the job has another filter.
-[[nodiscard]] std::optional<std::string> TakePrinting(const PrintOptions& options, const Registry& registry,
-                                                      Job& job);
+// Puts layout and printer into the job of an Artworker run, and what goes with them. The exit status when
+// something is wrong; nothing when all is well or the job has another filter.
+[[nodiscard]] std::optional<int> TakePrinting(const PrintOptions& options, const Registry& registry,
+                                              std::string_view command, Console& console, Job& job);
 // Then, with the job's files: the disc that they are, or that the options name. Nothing when all is well.
 [[nodiscard]] std::optional<std::string> TakeDisc(const PrintOptions& options, Console& console, Job& job);
 // All of that for a job that is stored.

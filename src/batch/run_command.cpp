@@ -41,6 +41,7 @@ struct Request {
   std::optional<std::string> overwrite;
   std::optional<std::string> list;
   std::optional<std::string> directory;
+  bool subdirectories = false;
   std::optional<std::string> device;
   std::optional<std::string> input;
   std::optional<std::string> part;
@@ -140,8 +141,9 @@ void KeepShare(Job& job, const RunShare& share) {
 
 // The files of a directory that the filter takes, all selected; a search walks the whole tree. False after
 // saying what is wrong.
-bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
+bool TakeDirectory(Console& console, Job& job, const std::string& directory, bool subdirectories) {
   job.sourceDrive = 0;
+  job.subdirectories = subdirectories;
   job.directory.path = directory;
   if (IsSearch(job.filter)) return true;
   std::uint32_t index = 0;
@@ -156,7 +158,7 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory) {
       ++index;
     }
   };
-  const ListingEnd end = ListDirectory(directory, FindAudioCd, {}, take);
+  const ListingEnd end = (subdirectories ? ListTree : ListDirectory)(directory, FindAudioCd, {}, take);
   if (Failed(end.outcome)) {
     PrintError(console, Format(Text(texts::BatchDirectoryUnreadable), directory));
     return false;
@@ -195,6 +197,7 @@ int RunCommand(CommandLine line, Console& console) {
   arguments.Option("--overwrite", "yes|number|ask", request.overwrite, texts::BatchHelpOverwrite);
   arguments.Option("--list", "LISTE.sts", request.list, texts::BatchHelpList);
   arguments.Option("--dir", "VERZ", request.directory, texts::BatchHelpDir);
+  arguments.Flag("--subfolders", request.subdirectories, texts::BatchHelpSubfolders);
   arguments.Option("--part", "N/M", request.part, texts::BatchHelpPart);
   arguments.Option("--device", "NAME", request.device, texts::BatchHelpDevice);
   arguments.Option("--input", "NAME", request.input, texts::BatchHelpInput);
@@ -242,8 +245,7 @@ int RunCommand(CommandLine line, Console& console) {
     return WrongUsage(console, kCommand, *fault);
   if (request.destination) job.destinationName = FromCurrentDirectory(*request.destination);
   if (!request.print.printer) request.print.printer = request.device;
-  if (const auto fault = TakePrinting(request.print, *registry, job))
-    return WrongUsage(console, kCommand, *fault);
+  if (const auto status = TakePrinting(request.print, *registry, kCommand, console, job)) return *status;
   if (module->missing) {
     if (const auto text = module->missing(job)) return WrongUsage(console, kCommand, Text(*text));
   }
@@ -264,7 +266,8 @@ int RunCommand(CommandLine line, Console& console) {
 
   bool complete = true;
   if (request.directory) {
-    if (!TakeDirectory(console, job, *request.directory)) return kExitFailed;
+    if (!TakeDirectory(console, job, *request.directory, request.subdirectories)) return kExitFailed;
+    if (request.subdirectories) rules.structure = *request.directory;
   } else {
     job.sourceDrive = kListModeDrive;
     if (request.list) {

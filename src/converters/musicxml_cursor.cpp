@@ -31,7 +31,11 @@ void PartCursor::GrowStaves(std::size_t count) const {
 }
 
 std::size_t PartCursor::StaffOf(pugi::xml_node element) const {
-  const auto number = WholeNumber(element.child("staff").text().get());
+  return StaffNumbered(element.child("staff").text().get());
+}
+
+std::size_t PartCursor::StaffNumbered(std::string_view text) const {
+  const auto number = WholeNumber(text);
   if (!number || *number < 1) return 0;
   const auto staff = static_cast<std::size_t>(std::min<std::int64_t>(*number, kMostStaves)) - 1;
   GrowStaves(staff + 1);

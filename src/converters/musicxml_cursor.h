@@ -43,7 +43,8 @@ struct PartCursor {
   }
   void Fail(std::size_t staff = 0) const { reading.Fail(bar, Staff(staff)); }
   void GrowStaves(std::size_t count) const;
-  // The staff that an element names, counted from 0.
+  // The staff of a number, or that an element names, counted from 0.
+  [[nodiscard]] std::size_t StaffNumbered(std::string_view text) const;
   [[nodiscard]] std::size_t StaffOf(pugi::xml_node element) const;
   // The staff that an attribute is for; nothing for all of them.
   [[nodiscard]] std::optional<std::size_t> NumberedStaff(pugi::xml_node attribute) const;

@@ -1,13 +1,11 @@
-// What hangs on the chords of one part, sorted into what MusicXML has beside its notes (directions, with a
-// place of their own) and what it has within them (notations). Used inside the writer only.
+// What hangs on the chords of one part and has a place of its own in MusicXML: directions, and the ends of
+// slurs. Used inside the writer only.
 #pragma once
 
 #include <map>
-#include <string>
 #include <vector>
 
-#include "converters/musicxml_writer.h"
-#include "converters/xml_out.h"
+#include "converters/score_losses.h"
 #include "score/score_bars.h"
 
 namespace ts5::musicxml {
@@ -34,27 +32,5 @@ using PartMarks = std::vector<std::vector<VoiceMarks>>;  // staff of the part, v
 
 [[nodiscard]] PartMarks CollectMarks(const ScoreMusic& music, std::size_t firstStaff, std::size_t staves,
                                      LossReport& losses);
-
-void WriteDirection(XmlOut& out, const Direction& direction, std::int64_t offset, unsigned voice,
-                    unsigned staff);
-
-// <notations> of a chord beside ties, slurs and tuplets: signs by group.
-struct NotationSign {
-  std::string name;
-  std::string words;
-  std::int8_t placement = 0;
-};
-struct NotationSigns {
-  std::vector<NotationSign> articulations;
-  std::vector<NotationSign> ornaments;
-  std::vector<NotationSign> technical;
-  std::vector<NotationSign> others;
-
-  [[nodiscard]] bool Empty() const {
-    return articulations.empty() && ornaments.empty() && technical.empty() && others.empty();
-  }
-};
-[[nodiscard]] NotationSigns SignsOf(const ScoreItem& item);
-void WriteSigns(XmlOut& out, const NotationSigns& signs);
 
 }  // namespace ts5::musicxml

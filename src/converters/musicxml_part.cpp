@@ -5,6 +5,7 @@
 #include <cmath>
 #include <map>
 
+#include "converters/musicxml_children.h"
 #include "converters/musicxml_cursor.h"
 #include "converters/musicxml_direction.h"
 #include "converters/musicxml_note.h"
@@ -92,14 +93,14 @@ class PartReader {
   // --- the cursor
 
   // In whole notes.
-  std::optional<Fraction> DurationOf(pugi::xml_node element) {
-    const auto divisions = DivisionsOf(element.child("duration").text().get());
+  std::optional<Fraction> DurationOf(std::string_view text) {
+    const auto divisions = DivisionsOf(text);
     if (!divisions) return std::nullopt;
     return *divisions / (at_.divisions * Fraction(4));
   }
 
   void Move(pugi::xml_node element, bool back) {
-    const auto duration = DurationOf(element);
+    const auto duration = DurationOf(element.child("duration").text().get());
     if (!duration) return at_.Fail();
     if (back && *duration > raw_) {
       // Exporters round; what goes back before the start of the measure goes to its start.
@@ -126,30 +127,31 @@ class PartReader {
   // --- notes
 
   void ReadNote(pugi::xml_node node) {
-    const std::size_t staff = at_.StaffOf(node);
-    const bool grace = static_cast<bool>(node.child("grace"));
-    const pugi::xml_node rest = node.child("rest");
+    const NoteParts note(node);
+    const std::size_t staff = at_.StaffNumbered(note.Text(NotePart::Staff));
+    const bool grace = note.Has(NotePart::Grace);
+    const bool rest = note.Has(NotePart::Rest);
     std::optional<Fraction> duration = Fraction();
-    if (!grace) duration = DurationOf(node);
+    if (!grace) duration = DurationOf(note.Text(NotePart::Duration));
     if (!duration) return at_.Fail(staff);
-    std::string voice = node.child("voice").text().get();
+    std::string voice = note.Text(NotePart::Voice);
     if (voice.empty()) voice = "1";
 
-    const bool chord = node.child("chord") && last_ != SIZE_MAX && !rest;
+    const bool chord = note.Has(NotePart::Chord) && last_ != SIZE_MAX && !rest;
     if (chord && at_.part.groups[last_].staff == staff && at_.part.groups[last_].voice == voice &&
         !at_.part.groups[last_].item.group.isRest)
-      return ReadChordNote(node, staff);
+      return ReadChordNote(note, staff);
     const Fraction start = chord ? chordStart_ : at_.now;
     const std::size_t first = at_.part.groups.size();
-    const Fraction written = AddGroups(node, {start, *duration, staff, std::move(voice)}, grace);
+    const Fraction written = AddGroups(note, {start, *duration, staff, std::move(voice)}, grace);
     if (!chord) {
       chordStart_ = at_.now;
       Advance(*duration, written);
     }
     last_ = first;
     piecesEnd_ = at_.part.groups.size();
-    if (rest) return ReadNotations(at_.reading, at_.part, open_, first, node, at_.Place(staff));
-    ReadChordNote(node, staff);
+    if (rest) return ReadMarks(first, note, staff);
+    ReadChordNote(note, staff);
   }
 
   struct NoteTime {
@@ -160,31 +162,31 @@ class PartReader {
   };
 
   // The group of a note, or several where no single note value is so long. How long they are.
-  Fraction AddGroups(pugi::xml_node node, NoteTime time, bool grace) {
-    const bool isRest = static_cast<bool>(node.child("rest"));
+  Fraction AddGroups(const NoteParts& note, NoteTime time, bool grace) {
+    const bool isRest = note.Has(NotePart::Rest);
     ScoreItem item = isRest ? RestItem(2) : ChordItem(2, {});
-    const bool hidden = std::string_view(node.attribute("print-object").value()) == "no";
+    const bool hidden = std::string_view(note.Note().attribute("print-object").value()) == "no";
     if (hidden) item.group.flags |= kGroupInvisible;
-    if (node.child("cue")) item.group.flags |= kGroupSilent;
+    if (note.Has(NotePart::Cue)) item.group.flags |= kGroupSilent;
     // A hidden rest is no gap, whatever its size.
     if (isRest) item.group.flags &= static_cast<std::uint8_t>(~kGroupSilent);
     Fraction written;
     if (grace) {
-      const bool slashed = std::string_view(node.child("grace").attribute("slash").value()) == "yes";
+      const bool slashed = std::string_view(note[NotePart::Grace].attribute("slash").value()) == "yes";
       item.group.flags |= kGroupZeroDuration | kGroupGrace;
       item.group.graceForm = slashed ? kGraceSlashed : kGracePlain;
-      (void)SetWritten(node, item);
+      (void)SetWritten(note, item);
       AddGroup(std::move(item), time);
       return {};
     }
-    const std::string_view type = node.child("type").text().get();
-    const bool wholeBar = std::string_view(node.child("rest").attribute("measure").value()) == "yes" ||
+    const std::string_view type = note.Text(NotePart::Type);
+    const bool wholeBar = std::string_view(note[NotePart::Rest].attribute("measure").value()) == "yes" ||
                           (isRest && (type.empty() || type == "whole"));
     if (isRest && wholeBar && time.duration == BarLength(at_.time) && time.start.IsZero()) {
       item.group.durationCode = 0;
       item.group.wholeBars = 1;
       written = time.duration;
-    } else if (SetWritten(node, item)) {
+    } else if (SetWritten(note, item)) {
       written = LengthOf(item, at_.time);
     }
     // The rounded duration of a tuplet is that of its note value; any other one counts.
@@ -226,20 +228,20 @@ class PartReader {
   }
 
   // Note value, dots and tuplet as written; false when the note says none.
-  static bool SetWritten(pugi::xml_node node, ScoreItem& item) {
+  static bool SetWritten(const NoteParts& note, ScoreItem& item) {
     constexpr std::size_t kMostDots = 3;
-    const std::string_view type = node.child("type").text().get();
     TupletRatio ratio;
-    if (const pugi::xml_node modified = node.child("time-modification")) {
+    if (const pugi::xml_node modified = note[NotePart::TimeModification]) {
       const auto actual = WholeNumber(modified.child("actual-notes").text().get());
       const auto normal = WholeNumber(modified.child("normal-notes").text().get());
       if (actual && normal && *actual > 0 && *normal > 0 && *actual <= UINT16_MAX && *normal <= UINT16_MAX)
         ratio = {static_cast<std::uint16_t>(*actual), static_cast<std::uint16_t>(*normal)};
     }
-    const auto* const found = std::ranges::find(kTypes, type, &NamedCode::name);
+    const auto* const found =
+        std::ranges::find(kTypes, std::string_view(note.Text(NotePart::Type)), &NamedCode::name);
     if (found == std::end(kTypes)) return false;
     std::size_t dots = 0;
-    for (pugi::xml_node dot = node.child("dot"); dot; dot = dot.next_sibling("dot")) ++dots;
+    note.ForEach(NotePart::Dot, [&dots](pugi::xml_node) { ++dots; });
     item.group.durationCode = found->code;
     item.group.dots = static_cast<std::uint8_t>(std::min(dots, kMostDots));
     SetTuplet(item, ratio);
@@ -247,23 +249,32 @@ class PartReader {
   }
 
   // One note of the chord last_.
-  void ReadChordNote(pugi::xml_node node, std::size_t staff) {
+  void ReadChordNote(const NoteParts& note, std::size_t staff) {
     Group& group = at_.part.groups[last_];
     if (group.item.pitches.size() >= kMaxChordKeys) return at_.Lose(texts::LossVoice, staff);
-    const auto pitch = node.child("unpitched") ? DrumPitch(node, staff) : WrittenPitch(node, staff);
+    const auto pitch =
+        note.Has(NotePart::Unpitched) ? DrumPitch(note, staff) : WrittenPitch(note[NotePart::Pitch], staff);
     if (!pitch) return;
     group.item.pitches.push_back(*pitch);
     group.item.group.notes.emplace_back();
-    group.ties.push_back(TiesOf(node));
-    TakeAccidental(node, group);
-    ReadNotations(at_.reading, at_.part, open_, last_, node, at_.Place(staff));
-    ReadLyrics(at_.reading, at_.part, open_, last_, node, at_.Place(staff));
-    ReadLooks(at_.reading, group, node, at_.Place(staff));
+    TakeTies(note, group);
+    ReadMarks(last_, note, staff);
     ContinuePieces();
   }
 
-  static void TakeAccidental(pugi::xml_node node, Group& group) {
-    const pugi::xml_node accidental = node.child("accidental");
+  // What hangs on a note or rest.
+  void ReadMarks(std::size_t index, const NoteParts& note, std::size_t staff) {
+    if (at_.reading.notesAlone) return;
+    const pugi::xml_node node = note.Note();
+    Group& group = at_.part.groups[index];
+    ReadNotations(at_.reading, at_.part, open_, index, node, at_.Place(staff));
+    if (group.item.group.isRest) return;
+    TakeAccidental(note[NotePart::Accidental], group);
+    ReadLyrics(at_.reading, at_.part, open_, index, node, at_.Place(staff));
+    ReadLooks(at_.reading, group, node, at_.Place(staff));
+  }
+
+  static void TakeAccidental(pugi::xml_node accidental, Group& group) {
     if (!accidental) return;
     const std::uint32_t bit = 1U << (group.item.pitches.size() - 1);
     const auto yes = [accidental](const char* name) {
@@ -276,19 +287,19 @@ class PartReader {
   // The last note of the chord, in all pieces of a length that no single value has: they are tied.
   void ContinuePieces() {
     Group& head = at_.part.groups[last_];
-    const std::uint8_t ties = head.ties.back();
+    const std::uint32_t note = 1U << (head.item.pitches.size() - 1);
+    const bool onward = (head.ties.onward & note) != 0;
     for (std::size_t i = last_ + 1; i < piecesEnd_; ++i) {
       Group& next = at_.part.groups[i];
       next.item.pitches.push_back(head.item.pitches.back());
       next.item.group.notes.push_back(head.item.group.notes.back());
-      next.ties.push_back(
-          static_cast<std::uint8_t>(kTieFromBefore | (i + 1 < piecesEnd_ ? kTieOnward : ties & kTieOnward)));
-      head.ties.back() |= kTieOnward;
+      next.ties.fromBefore |= note;
+      if (onward || i + 1 < piecesEnd_) next.ties.onward |= note;
+      head.ties.onward |= note;
     }
   }
 
-  std::optional<SpelledPitch> WrittenPitch(pugi::xml_node node, std::size_t staff) {
-    const pugi::xml_node pitch = node.child("pitch");
+  std::optional<SpelledPitch> WrittenPitch(pugi::xml_node pitch, std::size_t staff) {
     const auto step = StepOf(Trim(pitch.child("step").text().get()));
     const auto octave = WholeNumber(pitch.child("octave").text().get());
     double alter = 0;
@@ -325,8 +336,8 @@ class PartReader {
   }
 
   // The place of a percussion note, and what sounds there.
-  std::optional<SpelledPitch> DrumPitch(pugi::xml_node node, std::size_t staff) {
-    const pugi::xml_node unpitched = node.child("unpitched");
+  std::optional<SpelledPitch> DrumPitch(const NoteParts& note, std::size_t staff) {
+    const pugi::xml_node unpitched = note[NotePart::Unpitched];
     SpelledPitch shown{6, 0, 4};
     if (unpitched.child("display-step")) {
       const auto step = StepOf(Trim(unpitched.child("display-step").text().get()));
@@ -342,7 +353,7 @@ class PartReader {
       drums.emplace();
       drums->fill(-1);
     }
-    const int sound = InstrumentKey(node.child("instrument").attribute("id").value());
+    const int sound = InstrumentKey(note[NotePart::Instrument].attribute("id").value());
     if (sound < 0) return shown;
     // Two instruments on one line differ by a sharp or a flat.
     for (const int alter : {0, 1, -1, 2, -2}) {
@@ -366,18 +377,17 @@ class PartReader {
     return -1;
   }
 
-  static std::uint8_t TiesOf(pugi::xml_node node) {
-    std::uint8_t ties = 0;
-    const auto take = [&ties](pugi::xml_node tie) {
+  static void TakeTies(const NoteParts& note, Group& group) {
+    const std::uint32_t bit = 1U << (group.item.pitches.size() - 1);
+    const auto take = [&](pugi::xml_node tie) {
       const std::string_view type = tie.attribute("type").value();
-      if (type == "start") ties |= kTieOnward;
-      if (type == "stop") ties |= kTieFromBefore;
+      if (type == "start") group.ties.onward |= bit;
+      if (type == "stop") group.ties.fromBefore |= bit;
     };
-    for (const pugi::xml_node tie : node.children("tie")) take(tie);
-    for (const pugi::xml_node notations : node.children("notations")) {
+    note.ForEach(NotePart::Tie, take);
+    note.ForEach(NotePart::Notations, [&take](pugi::xml_node notations) {
       for (const pugi::xml_node tied : notations.children("tied")) take(tied);
-    }
-    return ties;
+    });
   }
 
   PartCursor at_;

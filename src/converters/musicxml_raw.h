@@ -3,18 +3,22 @@
 #pragma once
 
 #include <array>
-#include <deque>
 #include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <vector>
 
-#include "converters/score_losses.h"
+#include "converters/score_with_losses.h"
 #include "platform/base/work_watch.h"
 #include "score/score_builder.h"
 
 namespace ts5::musicxml {
 
+// Notes of a chord, as bits, that are tied to one before and onward.
+struct TiedNotes {
+  std::uint32_t fromBefore = 0;
+  std::uint32_t onward = 0;
+};
 // A rest or chord in its measure.
 struct Group {
   ScoreItem item;
@@ -22,13 +26,31 @@ struct Group {
   Fraction length;        // 0 of a grace note
   std::size_t staff = 0;  // within the part
   std::string voice;
-  std::vector<std::uint8_t> ties;  // of each note: kTie...
-  std::uint32_t shown = 0;         // bit n: note n has an accidental
-  std::uint32_t bracketed = 0;     // and in brackets
+  TiedNotes ties;
+  std::uint32_t shown = 0;      // bit n: note n has an accidental
+  std::uint32_t bracketed = 0;  // and in brackets
   // Where it has come to lie.
   std::size_t slot = 0;   // voice of the staff
   std::size_t chord = 0;  // its number among the chords of that voice; of a rest that of the next one
   bool placed = false;
+};
+
+// All of a part, in blocks, so that each stays where it is.
+class GroupList {
+ public:
+  [[nodiscard]] std::size_t size() const { return size_; }
+  [[nodiscard]] Group& operator[](std::size_t i) { return blocks_[i / kBlock][i % kBlock]; }
+  [[nodiscard]] const Group& operator[](std::size_t i) const { return blocks_[i / kBlock][i % kBlock]; }
+  Group& emplace_back() {
+    if (size_++ % kBlock == 0) blocks_.emplace_back().reserve(kBlock);
+    return blocks_.back().emplace_back();
+  }
+  void clear() { *this = {}; }
+
+ private:
+  static constexpr std::size_t kBlock = 32;
+  std::vector<std::vector<Group>> blocks_;
+  std::size_t size_ = 0;
 };
 
 // Something at a place in the measure that finds its group later.
@@ -97,7 +119,7 @@ struct Part {
   std::size_t staves = 1;
   std::size_t firstStaff = 0;  // in the document
   std::vector<Measure> measures;
-  std::deque<Group> groups;
+  GroupList groups;
   std::vector<Ending> endings;
   std::vector<Slur> slurs;
   std::vector<MarkEnd> ends;
@@ -119,7 +141,8 @@ struct Score {
 struct Reading {
   Score& score;
   const CancelCheck& cancelled;
-  std::optional<ScoreFault> fault;
+  std::optional<ScoreFault> fault = {};
+  bool notesAlone = false;  // what hangs on notes is passed over
   void Fail(int bar, int staff, Outcome code = Outcome::SourceFailed) {
     if (!fault) fault = ScoreFault{code, bar, staff};
   }

@@ -211,7 +211,7 @@ MeasureNodes CollectMeasures(pugi::xml_node root, Score& score, bool timewise) {
 
 }  // namespace
 
-ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled) {
+ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled, ScoreDetail detail) {
   const auto fail = [](ScoreFault fault) { return tl::unexpected<ScoreFault>(fault); };
   Bytes unpacked;
   if (LooksLikeZip(file)) {
@@ -239,8 +239,10 @@ ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& canc
   }
 
   Score score;
-  ReadCredits(root, score);
-  if (!SurveyElements(root, score.losses, cancelled)) return fail({Outcome::Cancelled});
+  const bool notesAlone = detail == ScoreDetail::Notes;
+  if (!notesAlone) ReadCredits(root, score);
+  if (detail == ScoreDetail::Whole && !SurveyElements(root, score.losses, cancelled))
+    return fail({Outcome::Cancelled});
   ReadPartList(root.child("part-list"), score.parts);
   const MeasureNodes nodes = CollectMeasures(root, score, timewise);
   if (score.parts.size() > kMostParts) return fail({Outcome::SourceFailed});
@@ -251,7 +253,7 @@ ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& canc
     return score.labels.size() * staves > kFreeCells + size / kBytesPerCell;
   };
   if (tooMany(1)) return fail({Outcome::SourceFailed});
-  Reading reading{score, cancelled, {}};
+  Reading reading{score, cancelled, {}, notesAlone};
   std::size_t staves = 0;
   for (std::size_t i = 0; i < score.parts.size() && !reading.fault; ++i) {
     score.parts[i].firstStaff = staves;
@@ -263,7 +265,7 @@ ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& canc
   tree.reset();
   text = std::string();
   unpacked = {};
-  return AssembleScore(std::move(score), cancelled);
+  return AssembleScore(std::move(score), notesAlone, cancelled);
 }
 
 }  // namespace ts5

@@ -5,23 +5,14 @@
 // measures of unequal length), and what is given up is in the losses.
 #pragma once
 
-#include <tl/expected.hpp>
-
-#include "converters/score_losses.h"
+#include "converters/score_with_losses.h"
 #include "platform/base/bytes.h"
 #include "platform/base/work_watch.h"
-#include "score/score_document.h"
 
 namespace ts5 {
 
-struct ScoreWithLosses {
-  ScoreDocument document;
-  LossReport losses;
-};
-template <typename T>
-using ScoreResult = tl::expected<T, ScoreFault>;
-
 // WrongFormat: no MusicXML; SourceFailed: a damaged file, with the place where that is known; Cancelled.
-[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {});
+[[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {},
+                                                        ScoreDetail detail = ScoreDetail::Whole);
 
 }  // namespace ts5

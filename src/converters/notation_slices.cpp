@@ -161,4 +161,15 @@ std::vector<NotationSlice> SliceVoice(const std::vector<ScoreEvent>& events, con
   return slices;
 }
 
+std::uint8_t TiesOf(const NotationSlice& slice, std::size_t note) {
+  const ScoreItem& item = *slice.event->item;
+  if (item.group.isRest) return 0;
+  std::uint8_t ties = static_cast<std::uint8_t>((item.group.tieFromBefore ? kTieFromBefore : 0) |
+                                                (item.group.tieOnward ? kTieOnward : 0));
+  if (note < item.noteTies.size()) ties = item.noteTies[note];
+  if (!slice.first) ties |= kTieFromBefore;
+  if (!slice.last) ties |= kTieOnward;
+  return ties;
+}
+
 }  // namespace ts5

@@ -30,4 +30,7 @@ struct NotationSlice {
 [[nodiscard]] std::vector<NotationSlice> SliceVoice(const std::vector<ScoreEvent>& events,
                                                     const ScoreMusic& music, bool beam);
 
+// The ties of a note of the slice, kTie...: those of its event, and those that divide it.
+[[nodiscard]] std::uint8_t TiesOf(const NotationSlice& slice, std::size_t note);
+
 }  // namespace ts5

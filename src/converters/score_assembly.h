@@ -2,11 +2,12 @@
 #pragma once
 
 #include "converters/musicxml_raw.h"
-#include "converters/musicxml_reader.h"
+#include "converters/score_with_losses.h"
 
 namespace ts5::musicxml {
 
-// Cancelled.
-[[nodiscard]] ScoreResult<ScoreWithLosses> AssembleScore(Score score, const CancelCheck& cancelled);
+// notesAlone: what hangs on notes has not been read. Cancelled.
+[[nodiscard]] ScoreResult<ScoreWithLosses> AssembleScore(Score score, bool notesAlone,
+                                                         const CancelCheck& cancelled);
 
 }  // namespace ts5::musicxml

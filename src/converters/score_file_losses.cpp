@@ -126,9 +126,8 @@ class Reporter {
     } else if (!drawing.offset.IsZero()) {
       Lose(texts::LossMoved, place);
     }
-    if (drawing.kind == static_cast<std::uint8_t>(DrawingKind::Text) &&
-        WordsOf(drawing).find('?') != std::string::npos && drawing.words.find('?') == std::string::npos &&
-        !drawing.words.empty() && !Fits(drawing.words))
+    if (drawing.Is(DrawingKind::Text) && WordsOf(drawing).find('?') != std::string::npos &&
+        drawing.words.find('?') == std::string::npos && !drawing.words.empty() && !Fits(drawing.words))
       Lose(texts::LossCharacters, place, drawing.words);
   }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "converters/musicxml_reader.h"
 #include "converters/musicxml_writer.h"
 #include "converters/mxl_container.h"
 #include "converters/stvx.h"
@@ -37,6 +38,16 @@ constexpr RootElement kRoots[] = {
     {"<stvx", ScoreFormat::StvXml},
 };
 
+// The first of the roots in a text of single bytes.
+std::optional<ScoreFormat> FormatOfRoot(std::string_view text) {
+  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+    const auto* const root = std::ranges::find_if(
+        kRoots, [&](const RootElement& known) { return text.substr(at).starts_with(known.start); });
+    if (root != std::end(kRoots)) return root->format;
+  }
+  return std::nullopt;
+}
+
 ScoreResult<ScoreWithLosses> ReadScoreFile(ByteView file, const CancelCheck& cancelled) {
   auto document = ReadScore(file, cancelled);
   if (document) return ScoreWithLosses{std::move(*document), {}};
@@ -69,16 +80,15 @@ Bytes Copy(std::string_view text) {
 
 std::optional<ScoreFormat> ScoreFormatOf(ByteView file) {
   constexpr std::size_t kLooked = std::size_t{64} << 10;
+  constexpr std::size_t kWidest = 4;  // bytes of a character
   const std::string_view text = AsText(file.first(std::min(file.size(), kLooked)));
   if (text.starts_with("stv3")) return ScoreFormat::Score;
   if (LooksLikeZip(file)) return ScoreFormat::CompressedMusicXml;
+  if (text.substr(0, kWidest).find('\0') == std::string_view::npos) return FormatOfRoot(text);
   // Of wider characters the zero bytes are left out.
   std::string narrow(text);
   std::erase(narrow, '\0');
-  for (const RootElement& root : kRoots) {
-    if (narrow.find(root.start) != std::string::npos) return root.format;
-  }
-  return std::nullopt;
+  return FormatOfRoot(narrow);
 }
 
 std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name) {
@@ -88,12 +98,12 @@ std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name) {
   return found->format;
 }
 
-ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled) {
+ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled, ScoreDetail detail) {
   const auto format = ScoreFormatOf(file);
   if (!format) return tl::unexpected<ScoreFault>(ScoreFault{Outcome::WrongFormat});
   if (*format == ScoreFormat::Score) return ReadScoreFile(file, cancelled);
   if (*format == ScoreFormat::StvXml) return ReadStvXml(file, cancelled);
-  return ReadMusicXml(file, cancelled);
+  return ReadMusicXml(file, cancelled, detail);
 }
 
 Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,
@@ -113,7 +123,7 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
 Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
   const auto format = ScoreFormatOf(file);
   if (!format || *format == ScoreFormat::Score) return file;
-  const auto score = ReadAnyScore(file, cancelled);
+  const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Music);
   if (!score) return Failure(score.error().code);
   return WriteScore(score->document);
 }

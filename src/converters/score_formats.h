@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "converters/musicxml_reader.h"
+#include "converters/score_with_losses.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
@@ -20,7 +20,8 @@ enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusic
 [[nodiscard]] std::optional<ScoreFormat> ScoreFormatOfName(std::string_view name);
 
 // A score of any format. WrongFormat: none; else as its reader says.
-[[nodiscard]] ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled = {});
+[[nodiscard]] ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled = {},
+                                                        ScoreDetail detail = ScoreDetail::Whole);
 // The bytes of a score in a format; what that format cannot hold is added to the report. The document may be
 // changed for it. Cancelled, OutOfMemory; XmlNotWritten for more than the format can count.
 [[nodiscard]] Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/base/outcome.h"
 #include "platform/base/strings.h"
 
 namespace ts5 {
@@ -38,13 +37,6 @@ class LossReport {
   std::vector<ScoreLoss> rows_;
   std::vector<std::string> bars_;
   std::vector<std::string> staves_;
-};
-
-// Why a score could not be read: the code, and where, as indices from 0; -1 unknown.
-struct ScoreFault {
-  Outcome code = Outcome::SourceFailed;
-  int bar = -1;
-  int staff = -1;
 };
 
 }  // namespace ts5

@@ -4,7 +4,8 @@
 
 #include <string>
 
-#include "converters/musicxml_reader.h"
+#include "converters/score_with_losses.h"
+#include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 #include "score/score_document.h"

@@ -46,8 +46,7 @@ ScoreFormat TargetFormat(const std::string& target, ScoreFormat source) {
                                                                        : ScoreFormat::StvXml;
 }
 
-Outcome ConvertItem(ItemWork& work) {
-  const auto& own = As<XmlConverterParameters>(work.parameters);
+Outcome ConvertItem(const XmlConverterParameters& own, ItemWork& work) {
   const CancelCheck cancelled = [&work] { return work.Cancelled(); };
   const auto input = InputFile::Open(work.source);
   if (!input) return Outcome::SourceNotOpened;
@@ -72,10 +71,10 @@ Outcome ConvertItem(ItemWork& work) {
   return work.target.Write(*written);
 }
 
-void RunXmlConverter(Run& run) {
+void RunXmlConverter(Run& run, const XmlConverterParameters& own) {
   ItemFilter filter;
   filter.independent = true;
-  filter.convert = ConvertItem;
+  filter.convert = [&own](ItemWork& work) { return ConvertItem(own, work); };
   RunItems(run, filter);
   AddLossRemarks(run.Result());
 }
@@ -88,7 +87,7 @@ FilterModule XmlConverterModule() {
   FieldTable<XmlConverterParameters> table;
   table.Integer("XMLConvProps", &XmlConverterParameters::objects, INT32_MIN, INT32_MAX);
   module.fields = table.Build();
-  module.run = [](Run& run, const XmlConverterParameters&) { RunXmlConverter(run); };
+  module.run = RunXmlConverter;
   module.remarks = kRemarks;
   module.target = [](const XmlConverterParameters&, const std::string& source) {
     const auto format = ScoreFormatOfName(source);

@@ -92,10 +92,6 @@ constexpr auto kDynamics = std::to_array<XmlDynamic>({
     {"sfzp", "|", false}, {"n", "r", false},
 });
 
-bool IsKind(const DrawingItem& drawing, DrawingKind kind) {
-  return drawing.kind == static_cast<std::uint8_t>(kind);
-}
-
 }  // namespace
 
 const XmlSign* FindSign(std::string_view name, SignGroup group) {
@@ -133,9 +129,9 @@ std::string_view DynamicOfSymbols(std::string_view symbols) {
 }
 
 std::uint32_t MaskBitOf(const DrawingItem& drawing) {
-  if (IsKind(drawing, DrawingKind::Hairpin)) return kMaskHairpins;
-  if (IsKind(drawing, DrawingKind::FourPointCurve)) return kMaskSlurs;
-  if (!IsKind(drawing, DrawingKind::Text)) return 0;
+  if (drawing.Is(DrawingKind::Hairpin)) return kMaskHairpins;
+  if (drawing.Is(DrawingKind::FourPointCurve)) return kMaskSlurs;
+  if (!drawing.Is(DrawingKind::Text)) return 0;
   if (const XmlSign* sign = FindSign(drawing.sign); sign != nullptr) {
     if (sign->group == SignGroup::Articulation) return kMaskArticulations;
     if (sign->group != SignGroup::Direction) return kMaskOrnaments;

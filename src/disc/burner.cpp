@@ -25,9 +25,9 @@ constexpr auto kBetweenTexts = std::chrono::milliseconds(200);
 
 class BurnRun {
  public:
-  explicit BurnRun(Run& run)
+  BurnRun(Run& run, const BurnParameters& parameters)
       : run_(run),
-        parameters_(run.Parameters<BurnParameters>()),
+        parameters_(parameters),
         intermediate_(run, parameters_),
         session_(run, RecorderPath(run)),
         burn_(run, session_, Order(), [this] { return AskForNextDisc(run_, [this] { FillResult({}); }); }) {}
@@ -37,12 +37,7 @@ class BurnRun {
       run_.Result().titles.labels = {texts::CountTracksBurnt, texts::CountTracksNotBurnt, std::nullopt,
                                      std::nullopt};
     const DiscOutcome outcome = Burn();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
-    if (outcome.code == Code(Outcome::Cancelled)) {
-      run_.StatusText(Text(texts::StoppedByUser));
-      run_.Result().cancelled = true;
-    }
-    session_.Release(parameters_.eject);
+    session_.End(outcome, parameters_.eject);
     FillResult(outcome);
   }
 
@@ -96,7 +91,7 @@ class BurnRun {
   bool PrepareItem(std::size_t index) {
     PreparedFile file = intermediate_.Prepare(index);
     const bool stopped = file.outcome.code == Code(Outcome::Cancelled);
-    if (!file.usable && !stopped) run_.AddStatus({file.outcome.code, false, file.outcome.number});
+    if (!file.usable && !stopped) AddOutcome(run_, file.outcome);
     files_.push_back(std::move(file));
     return !stopped;
   }
@@ -238,11 +233,12 @@ class BurnRun {
 }  // namespace
 
 FilterModule BurnerModule() {
-  return MakeModule<BurnParameters>({.id = FilterId::CdBurner,
-                                     .fields = BurnFields(),
-                                     .run = [](Run& run, const BurnParameters&) { BurnRun(run).Execute(); },
-                                     .remarks = code::Remarks(),
-                                     .stop = {.status = texts::Stopping}});
+  return MakeModule<BurnParameters>(
+      {.id = FilterId::CdBurner,
+       .fields = BurnFields(),
+       .run = [](Run& run, const BurnParameters& own) { BurnRun(run, own).Execute(); },
+       .remarks = code::Remarks(),
+       .stop = {.status = texts::Stopping}});
 }
 
 }  // namespace ts5::disc

@@ -52,21 +52,16 @@ class CopyFolder {
 
 class CopyRun {
  public:
-  explicit CopyRun(Run& run)
+  CopyRun(Run& run, const CopyParameters& parameters)
       : run_(run),
-        parameters_(run.Parameters<CopyParameters>()),
+        parameters_(parameters),
         sourcePath_(SourceDrivePath(run)),
         session_(run, RecorderPath(run)),
         oneDrive_(sourcePath_ == session_.Path()) {}
 
   void Execute() {
     const DiscOutcome outcome = Copy();
-    if (!outcome.Good()) run_.AddStatus({outcome.code, false, outcome.number});
-    if (outcome.code == Code(Outcome::Cancelled)) {
-      run_.StatusText(Text(texts::StoppedByUser));
-      run_.Result().cancelled = true;
-    }
-    session_.Release(parameters_.eject);
+    session_.End(outcome, parameters_.eject);
     FillResult(outcome);
   }
 
@@ -194,7 +189,7 @@ class CopyRun {
         run_.StatusText(Text(texts::TrackNotRead));
         ++failed;
         failure = {code::kTrackNotRead, static_cast<std::int32_t>(error)};
-        run_.AddStatus({failure.code, false, failure.number});
+        AddOutcome(run_, failure);
         continue;
       }
       ++tracksRead_;
@@ -347,11 +342,12 @@ class CopyRun {
 }  // namespace
 
 FilterModule CopierModule() {
-  return MakeModule<CopyParameters>({.id = FilterId::CdCopier,
-                                     .fields = CopyFields(),
-                                     .run = [](Run& run, const CopyParameters&) { CopyRun(run).Execute(); },
-                                     .remarks = code::Remarks(),
-                                     .stop = {.status = texts::Stopping}});
+  return MakeModule<CopyParameters>(
+      {.id = FilterId::CdCopier,
+       .fields = CopyFields(),
+       .run = [](Run& run, const CopyParameters& own) { CopyRun(run, own).Execute(); },
+       .remarks = code::Remarks(),
+       .stop = {.status = texts::Stopping}});
 }
 
 }  // namespace ts5::disc

@@ -35,6 +35,7 @@ inline constexpr std::int32_t kNoAudioDisc = -732;
 inline constexpr std::int32_t kDriveBusy = -733;
 inline constexpr std::int32_t kNoNextDisc = -735;
 inline constexpr std::int32_t kTooManyTracks = -736;
+inline constexpr std::int32_t kAnotherDisc = -737;  // from its very beginning
 inline constexpr std::int32_t kWaveInput = -900;
 inline constexpr std::int32_t kWaveInputNotStarted = -901;
 // Not failures: what the user should know.
@@ -42,6 +43,7 @@ inline constexpr std::int32_t kVerified = 730;
 inline constexpr std::int32_t kPausesUnknown = 731;
 inline constexpr std::int32_t kCalibrationRefused = 732;
 inline constexpr std::int32_t kNotHurried = 733;
+inline constexpr std::int32_t kNotCompared = 734;
 
 // Those of discs before those of audio files.
 [[nodiscard]] std::span<const Remark> Remarks();

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "disc/crc32.h"
 #include "platform/base/text.h"
 #include "platform/disc/disc_address.h"
+#include "platform/files/digest.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
@@ -61,7 +61,7 @@ std::string DiscIdentity(const DiscToc& toc) {
   const std::uint32_t first = toc.tracks.empty() ? 0 : toc.tracks.front().start;
   const std::uint32_t length = SecondOf(toc.leadOut) - SecondOf(first);
   const std::uint32_t number = sum % 0xFF << 24 | (length & 0xFFFF) << 8 | (toc.tracks.size() & 0xFF);
-  return Format("%08X-%u-%s", number, toc.leadOut, Crc32Text(crc.Value()));
+  return Format("%08X-%u-%s", number, toc.leadOut, crc.Text());
 }
 
 DiscMemory::DiscMemory(std::string path)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "disc/disc_codes.h"
+#include "disc/engine_reason.h"
 #include "disc/texts.h"
 #include "disc/verify.h"
 #include "platform/base/text.h"
@@ -22,6 +23,16 @@ DiscOutcome OutcomeOf(EngineError error, std::int32_t otherwise) {
   if (error == engine::kNone) return {};
   if (engine::IsUnderrun(error)) return {code::kUnderrun, 0};
   return {otherwise, static_cast<std::int32_t>(error)};
+}
+
+void AddOutcome(Run& run, const DiscOutcome& outcome) {
+  if (outcome.Good()) return;
+  run.AddStatus({outcome.code, false, outcome.number});
+  const bool ofEngine = outcome.code == code::kDiscNotBurnt || outcome.code == code::kTrackNotBurnt ||
+                        outcome.code == code::kNotSimulated || outcome.code == code::kDiscNotClosed ||
+                        outcome.code == code::kTrackNotRead;
+  const auto reason = ofEngine ? ReasonOf(static_cast<EngineError>(outcome.number)) : std::optional<TextId>();
+  if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }
 
 DiscOutcome DiscSession::Open() {
@@ -118,14 +129,21 @@ DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const Projec
                           percent = now;
                           run_.StatusText(Format(Text(texts::Verifying), now, '%'));
                         }};
-  const auto different = CompareDisc(*drive_, layout, tracks, mode, watch);
-  if (!different) return {Code(Outcome::Cancelled), 0};
-  if (!*different) {
-    run_.StatusText(Text(texts::Verified));
-    return {code::kVerified, 0};
+  const DiscComparison compared = CompareDisc(*drive_, layout, tracks, mode, watch);
+  switch (compared.outcome) {
+    case Outcome::Success:
+      run_.StatusText(Text(texts::Verified));
+      return {code::kVerified, 0};
+    case Outcome::Cancelled:
+      return {Code(Outcome::Cancelled), 0};
+    case Outcome::SourceFailed:
+      run_.StatusText(Text(texts::RemarkNotCompared));
+      return {code::kNotCompared, 0};
+    default:
+      run_.StatusText(Format(Text(texts::NotVerified), compared.sector));
+      // From its very beginning on: no sector is worth naming.
+      return {compared.sector > 0 ? code::kNotVerified : code::kAnotherDisc, compared.sector};
   }
-  run_.StatusText(Format(Text(texts::NotVerified), **different));
-  return {code::kNotVerified, **different};
 }
 
 void DiscSession::Release(bool eject) {
@@ -135,6 +153,15 @@ void DiscSession::Release(bool eject) {
   }
   drive_.reset();
   claim_.reset();
+}
+
+void DiscSession::End(const DiscOutcome& outcome, bool eject) {
+  AddOutcome(run_, outcome);
+  if (outcome.code == Code(Outcome::Cancelled)) {
+    run_.StatusText(Text(texts::StoppedByUser));
+    run_.Result().cancelled = true;
+  }
+  Release(eject);
 }
 
 }  // namespace ts5::disc

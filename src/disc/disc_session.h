@@ -42,11 +42,13 @@ class DiscSession {
   [[nodiscard]] CdDrive& Drive() { return *drive_; }
   // An engine for this drive that tells the run how far it is. track counts from 1; of: how many there are.
   [[nodiscard]] Recorder MakeRecorder(const RecordingMode& mode);
-  // Reads the closed disc back. Good, or kNotVerified with the first sector that is another.
+  // Reads the closed disc back. Good, or kNotVerified with the first sector that is another, or kAnotherDisc.
   [[nodiscard]] DiscOutcome Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
                                    const RecordingMode& mode);
   // Lets the drive go, so that its disc can be changed.
   void Release(bool eject);
+  // The end of the run: says how it ended, and lets the drive go.
+  void End(const DiscOutcome& outcome, bool eject);
 
  private:
   Run& run_;
@@ -57,6 +59,9 @@ class DiscSession {
   bool protects_ = false;
   RunProgress shown_ = {};  // the last of a recording, as it stands when nothing is written
 };
+
+// Puts a failure into the run's status list, and in words what an engine's number means.
+void AddOutcome(Run& run, const DiscOutcome& outcome);
 
 // The number of an engine's error for a message of the burner: what it means for the disc.
 [[nodiscard]] DiscOutcome OutcomeOf(EngineError error, std::int32_t otherwise);

@@ -18,29 +18,28 @@ std::string NameKey(std::size_t index) {
 
 // One value for each name; their number stands beside them.
 ParameterField Names() {
-  ParameterField field;
+  using P = GrabParameters;
+  FieldOf<P> field;
   field.name = kNameCount;
   field.description = "0..99";
-  field.load = [](FilterParameters& parameters, const RegistryValues& values) {
+  field.load = [](P& own, const RegistryValues& values) {
     const auto count = ParseInteger(values.Text(std::string(kNameCount)).value_or(""));
     if (!count || *count < 0 || *count > static_cast<std::int64_t>(kMostNames)) return;
-    auto& names = static_cast<GrabParameters&>(parameters).names;
-    names.assign(static_cast<std::size_t>(*count), {});
-    for (std::size_t i = 0; i < names.size(); ++i) names[i] = values.Text(NameKey(i)).value_or("");
+    own.names.assign(static_cast<std::size_t>(*count), {});
+    for (std::size_t i = 0; i < own.names.size(); ++i) own.names[i] = values.Text(NameKey(i)).value_or("");
   };
-  field.save = [](const FilterParameters& parameters, RegistryValues& values) {
-    const auto& names = static_cast<const GrabParameters&>(parameters).names;
-    values.SetText(std::string(kNameCount), std::to_string(names.size()));
-    for (std::size_t i = 0; i < names.size(); ++i) values.SetText(NameKey(i), names[i]);
+  field.save = [](const P& own, RegistryValues& values) {
+    values.SetText(std::string(kNameCount), std::to_string(own.names.size()));
+    for (std::size_t i = 0; i < own.names.size(); ++i) values.SetText(NameKey(i), own.names[i]);
   };
   // As a list on the console: "--set DestFileNum=Eins.wav|Zwei.wav".
-  field.set = [](FilterParameters& parameters, std::string_view text) {
+  field.set = [](P& own, std::string_view text) {
     const auto parts = Split(text, '|');
     if (parts.size() > kMostNames) return false;
-    static_cast<GrabParameters&>(parameters).names.assign(parts.begin(), parts.end());
+    own.names.assign(parts.begin(), parts.end());
     return true;
   };
-  return field;
+  return MakeField(std::move(field));
 }
 
 }  // namespace

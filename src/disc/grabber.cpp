@@ -10,7 +10,6 @@
 #include "audio/encode/texts.h"
 #include "audio/tags/attribute_names.h"
 #include "audio/wave_file.h"
-#include "disc/crc32.h"
 #include "disc/disc_codes.h"
 #include "disc/disc_memory.h"
 #include "disc/grab_parameters.h"
@@ -26,6 +25,7 @@
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/disc/drive_claim.h"
+#include "platform/files/digest.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
 
@@ -91,7 +91,7 @@ struct PieceTarget {
 
 class GrabRun {
  public:
-  explicit GrabRun(Run& run) : run_(run), parameters_(run.Parameters<GrabParameters>()) {}
+  GrabRun(Run& run, const GrabParameters& parameters) : run_(run), parameters_(parameters) {}
 
   void Execute() {
     ItemFilter filter;
@@ -200,8 +200,7 @@ class GrabRun {
     run_.StatusText(
         Format(Text(texts::TrackReadHead), std::to_string(piece.number)) +
         Format(Text(texts::TrackReadTail), piece.number, took / 60'000, took / 1000 % 60, took % 1000));
-    run_.ProtocolLine(
-        Format(Text(texts::GrabProtocol), piece.number, piece.sectors, Crc32Text(crc.Value()), bad));
+    run_.ProtocolLine(Format(Text(texts::GrabProtocol), piece.number, piece.sectors, crc.Text(), bad));
   }
 
   Outcome Compress(const Piece& piece, const std::string& raw, PieceTarget& target) {
@@ -303,8 +302,9 @@ class GrabRun {
     const std::string sheet =
         GrabbedSheet({source_->Catalogue(), source_->Text().disc,
                       hidden == files.end() ? std::string() : hidden->second, std::move(tracks)});
-    const Outcome written = WriteFile(FreeName("CD.cue"), AsBytes(sheet));
-    if (Failed(written)) run_.AddCode(written);
+    const std::string name = FreeName("CD.cue");
+    const Outcome written = WriteFile(name, AsBytes(sheet));
+    Failed(written) ? run_.AddCode(written) : run_.Made(name);
   }
 
   // What lies before the first track and is in no table of contents.
@@ -324,7 +324,7 @@ class GrabRun {
       Outcome grabbed = GrabPiece({kHiddenTrack, Lba{0}, sectors}, target);
       if (Succeeded(grabbed) || target.keep) {
         const Outcome committed = file->Commit();
-        if (Failed(committed)) grabbed = committed;
+        Failed(committed) ? void(grabbed = committed) : run_.Made(path);
       }
       item.code = Code(grabbed);
       if (Failed(grabbed)) run_.AddStatus({item.code, false, target.number});
@@ -360,7 +360,7 @@ FilterModule GrabberModule() {
   ModuleOf<GrabParameters> module;
   module.id = FilterId::CdGrabber;
   module.fields = GrabFields();
-  module.run = [](Run& run, const GrabParameters&) { GrabRun(run).Execute(); };
+  module.run = [](Run& run, const GrabParameters& own) { GrabRun(run, own).Execute(); };
   module.remarks = code::Remarks();
   module.target = [](const GrabParameters& grab, const std::string& source) {
     TargetRule rule = TargetRuleOf(grab, 0);

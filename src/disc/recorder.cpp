@@ -187,7 +187,7 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
   std::atomic<bool> hurried = false;
   std::jthread thread([&] {
     hurried = HurryThisThread();
-    pipe.WaitForFill(kPipeBytes / 2);
+    pipe.WaitForReserve();
     while (writer.Step()) next = writer.Next().value;
     pipe.CloseReading();
     ended = true;

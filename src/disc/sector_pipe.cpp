@@ -3,55 +3,102 @@
 #include <algorithm>
 
 namespace ts5::disc {
+namespace {
 
+constexpr auto kPatience = std::chrono::milliseconds(50);  // of ReadSome, for more than a little
+
+}  // namespace
+
+// What is copied lies in the part of the ring that the other side does not touch meanwhile: only the marks
+// need the lock.
 bool SectorPipe::Write(ByteView bytes) {
-  std::unique_lock lock(mutex_);
   while (!bytes.empty()) {
-    changed_.wait(lock, [this] { return readingClosed_ || count_ < ring_.size(); });
-    if (readingClosed_) return false;
-    const std::size_t at = (first_ + count_) % ring_.size();
-    const std::size_t room = std::min(ring_.size() - count_, ring_.size() - at);
+    std::size_t at = 0;
+    std::size_t room = 0;
+    {
+      std::unique_lock lock(mutex_);
+      const std::size_t enough = count_ == ring_.size() ? Quarter() : 1;
+      room_.wanted = enough;
+      room_.came.wait(lock, [&] { return readingClosed_ || ring_.size() - count_ >= enough; });
+      room_.wanted = 0;
+      if (readingClosed_) return false;
+      at = (first_ + count_) % ring_.size();
+      room = std::min(ring_.size() - count_, ring_.size() - at);
+    }
     const std::size_t part = std::min(room, bytes.size());
     std::copy_n(bytes.begin(), part, ring_.begin() + static_cast<std::ptrdiff_t>(at));
-    count_ += part;
     bytes = bytes.subspan(part);
-    changed_.notify_all();
+    std::unique_lock lock(mutex_);
+    count_ += part;
+    data_.Tell(count_, lock);
   }
   return true;
 }
 
 std::size_t SectorPipe::Read(std::span<std::uint8_t> out) {
-  std::unique_lock lock(mutex_);
   std::size_t done = 0;
   while (done < out.size()) {
-    changed_.wait(lock, [this] { return writingClosed_ || count_ > 0; });
-    if (count_ == 0) break;
-    const std::size_t part = std::min({count_, ring_.size() - first_, out.size() - done});
-    std::copy_n(ring_.begin() + static_cast<std::ptrdiff_t>(first_), part,
-                out.begin() + static_cast<std::ptrdiff_t>(done));
-    first_ = (first_ + part) % ring_.size();
-    count_ -= part;
+    const std::size_t part = Take(out.subspan(done), AwaitData(out.size() - done));
+    if (part == 0) break;
     done += part;
-    changed_.notify_all();
   }
   return done;
 }
 
-void SectorPipe::WaitForFill(std::size_t bytes) {
+std::size_t SectorPipe::ReadSome(std::span<std::uint8_t> out) {
+  std::size_t there = 0;
+  for (bool ended = false; there == 0 && !ended;) {
+    ended = Ended();
+    there = AwaitData(out.size(), kPatience);
+  }
+  return Take(out, there);
+}
+
+void SectorPipe::WaitForReserve() {
+  (void)AwaitData(ring_.size());
+}
+
+// More than half of the ring is never waited for: the writing side rests with more in it.
+std::size_t SectorPipe::AwaitData(std::size_t bytes, std::optional<std::chrono::milliseconds> patience) {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [&] { return writingClosed_ || count_ >= std::min(bytes, ring_.size()); });
+  const std::size_t wanted = count_ >= bytes ? bytes : std::max(bytes, Quarter());
+  const std::size_t enough = std::min(wanted, (ring_.size() + 1) / 2);
+  const auto ready = [&] { return writingClosed_ || count_ >= enough; };
+  data_.wanted = enough;
+  if (patience) {
+    (void)data_.came.wait_for(lock, *patience, ready);
+  } else {
+    data_.came.wait(lock, ready);
+  }
+  data_.wanted = 0;
+  return count_;
 }
 
-void SectorPipe::CloseWriting() {
-  const std::lock_guard lock(mutex_);
-  writingClosed_ = true;
-  changed_.notify_all();
+std::size_t SectorPipe::Take(std::span<std::uint8_t> out, std::size_t there) {
+  const std::size_t wanted = std::min(there, out.size());
+  for (std::size_t done = 0; done < wanted;) {
+    const std::size_t part = std::min(wanted - done, ring_.size() - first_);
+    std::copy_n(ring_.begin() + static_cast<std::ptrdiff_t>(first_), part,
+                out.begin() + static_cast<std::ptrdiff_t>(done));
+    done += part;
+    std::unique_lock lock(mutex_);
+    first_ = (first_ + part) % ring_.size();
+    count_ -= part;
+    room_.Tell(ring_.size() - count_, lock);
+  }
+  return wanted;
 }
 
-void SectorPipe::CloseReading() {
+void SectorPipe::Close(bool& side) {
   const std::lock_guard lock(mutex_);
-  readingClosed_ = true;
-  changed_.notify_all();
+  side = true;
+  data_.came.notify_all();
+  room_.came.notify_all();
+}
+
+bool SectorPipe::Ended() const {
+  const std::lock_guard lock(mutex_);
+  return writingClosed_;
 }
 
 double SectorPipe::Fill() const {

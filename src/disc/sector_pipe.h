@@ -1,10 +1,13 @@
-// The pipe between what reads sound and what writes it to the disc: it holds eight seconds, so that a file
-// system that is busy for a while does not stop the laser.
+// The pipe between what reads sound and what writes it: it holds eight seconds, so that a file system that is
+// busy for a while does not stop the laser. One thread on each side; each wakes the other one only when there
+// is enough of what it waits for.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,21 +25,45 @@ class SectorPipe {
   [[nodiscard]] bool Write(ByteView bytes);
   // Fills out, and waits for as much; less only at the end, 0 behind it.
   [[nodiscard]] std::size_t Read(std::span<std::uint8_t> out);
-  // Waits until so much is there or the end: the laser begins with a reserve.
-  void WaitForFill(std::size_t bytes);
+  // What there is, after a moment in which more may come; 0 at the end only.
+  [[nodiscard]] std::size_t ReadSome(std::span<std::uint8_t> out);
+  // Waits until it is half full or the end: the laser begins with a reserve.
+  void WaitForReserve();
 
-  void CloseWriting();
-  void CloseReading();
+  void CloseWriting() { Close(writingClosed_); }
+  void CloseReading() { Close(readingClosed_); }
   [[nodiscard]] double Fill() const;  // 0 to 1
 
  private:
+  // What one side waits for.
+  struct Awaited {
+    std::condition_variable came;
+    std::size_t wanted = 0;  // bytes; 0: nobody waits
+
+    // Unlocks, so that who wakes does not run into the lock.
+    void Tell(std::size_t there, std::unique_lock<std::mutex>& lock) {
+      const bool enough = wanted > 0 && there >= wanted;
+      lock.unlock();
+      if (enough) came.notify_one();
+    }
+  };
+  // Bytes that are there when enough of them are, at the end, or when the patience is over.
+  [[nodiscard]] std::size_t AwaitData(std::size_t bytes,
+                                      std::optional<std::chrono::milliseconds> patience = {});
+  // Who has to wait waits for so much: it is not woken for a little.
+  [[nodiscard]] std::size_t Quarter() const { return (ring_.size() + 3) / 4; }
+  [[nodiscard]] std::size_t Take(std::span<std::uint8_t> out, std::size_t there);
+  void Close(bool& side);
+  [[nodiscard]] bool Ended() const;
+
   std::vector<std::uint8_t> ring_;
   std::size_t first_ = 0;
   std::size_t count_ = 0;
   bool writingClosed_ = false;
   bool readingClosed_ = false;
   mutable std::mutex mutex_;
-  std::condition_variable changed_;
+  Awaited data_;
+  Awaited room_;
 };
 
 }  // namespace ts5::disc

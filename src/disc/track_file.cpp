@@ -4,12 +4,14 @@
 #include <utility>
 
 #include "audio/silence_trimmer.h"
-#include "disc/crc32.h"
+#include "disc/read_ahead.h"
 #include "disc/texts.h"
 #include "platform/base/text.h"
 
 namespace ts5::disc {
 namespace {
+
+constexpr std::size_t kPortionsTogether = 8;  // that are written at once when the drive is fast
 
 class DriveSound final : public SoundSource {
  public:
@@ -69,16 +71,16 @@ std::uint32_t ReadTrackToFile(SoundSource& sound, const TrackFileOrder& order, W
                               const TrackFileEvents& events) {
   SilenceTrimmer trimmer(kBytesPerFrame, [&](ByteView frames) { return wave.Write(frames); });
   TrackProgress progress(order, events);
-  Bytes buffer(kSectorsPerCommand * kAudioSectorBytes);
+  ReadAhead ahead(sound, order.crc);
+  Bytes buffer(kPortionsTogether * kSectorsPerCommand * kAudioSectorBytes);
   for (std::uint32_t done = 0; done < order.sectors;) {
     if (events.stopped && events.stopped()) return engine::kStopped;
     progress.Tell(done);
-    const auto got = sound.Read(buffer);
-    if (!got || *got == 0) return engine::kSectorsUnreadable;
-    const ByteView data = ByteView(buffer).first(*got);
-    if (order.crc != nullptr) order.crc->Add(data);
+    const std::size_t got = ahead.Read(buffer);
+    if (got == 0) return engine::kSectorsUnreadable;
+    const ByteView data = ByteView(buffer).first(got);
     if (Failed(order.trim ? trimmer.Push(data) : wave.Write(data))) return engine::kFileNotWritten;
-    done += static_cast<std::uint32_t>(*got / kAudioSectorBytes);
+    done += static_cast<std::uint32_t>(got / kAudioSectorBytes);
   }
   progress.Tell(order.sectors);
   if (order.trim && Failed(trimmer.Finish())) return engine::kNotTrimmed;

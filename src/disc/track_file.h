@@ -10,9 +10,11 @@
 #include "disc/sound_source.h"
 #include "disc/track_reader.h"
 
-namespace ts5::disc {
-
+namespace ts5 {
 class Crc32;
+}
+
+namespace ts5::disc {
 
 // Whole sectors only. What no drive reads, the first two seconds, is silence. The reader outlives the source.
 [[nodiscard]] std::unique_ptr<SoundSource> RangeSound(TrackReader& reader, Lba first, std::uint32_t sectors);
@@ -26,7 +28,7 @@ struct TrackFileOrder {
 
 // All may be empty.
 struct TrackFileEvents {
-  std::function<bool()> stopped = {};         // asked before each portion
+  std::function<bool()> stopped = {};         // asked before each portion that is written
   std::function<void(double)> progress = {};  // 0 to 1
   std::function<void(std::string_view)> status = {};
 };

@@ -29,21 +29,17 @@ void SaveTrackTexts(const TrackTexts& texts, RegistryValues& values);
 // The row of a filter's field table. --set takes "0", which forgets them; they have options of their own.
 template <typename P>
 [[nodiscard]] ParameterField TrackTextsField(TrackTexts P::*member) {
-  ParameterField field;
+  FieldOf<P> field;
   field.name = "BurnTextNum";
   field.description = "0";
-  field.load = [member](FilterParameters& p, const RegistryValues& values) {
-    static_cast<P&>(p).*member = LoadTrackTexts(values);
-  };
-  field.save = [member](const FilterParameters& p, RegistryValues& values) {
-    SaveTrackTexts(static_cast<const P&>(p).*member, values);
-  };
-  field.set = [member](FilterParameters& p, std::string_view text) {
+  field.load = [member](P& p, const RegistryValues& values) { p.*member = LoadTrackTexts(values); };
+  field.save = [member](const P& p, RegistryValues& values) { SaveTrackTexts(p.*member, values); };
+  field.set = [member](P& p, std::string_view text) {
     if (Trim(text) != "0") return false;
-    (static_cast<P&>(p).*member).clear();
+    (p.*member).clear();
     return true;
   };
-  return field;
+  return MakeField(std::move(field));
 }
 
 }  // namespace ts5::disc

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 
 #include "disc/recorder.h"
 
@@ -109,11 +110,10 @@ class Comparison {
 
 }  // namespace
 
-std::optional<std::optional<std::int32_t>> CompareDisc(CdDrive& drive, const DiscLayout& layout,
-                                                       std::span<const ProjectTrack> tracks,
-                                                       const RecordingMode& mode, const WorkWatch& watch) {
+DiscComparison CompareDisc(CdDrive& drive, const DiscLayout& layout, std::span<const ProjectTrack> tracks,
+                           const RecordingMode& mode, const WorkWatch& watch) {
   (void)drive.WaitUntilReady(kSettling, watch.cancelled);
-  if (const auto different = CompareCodes(drive, layout)) return different;
+  if (const auto different = CompareCodes(drive, layout)) return {Outcome::NotProven, *different};
   const DiscPlan plan = DiscPlan::AtOnce(tracks, mode);
   Comparison comparison(drive, layout.leadOut);
   Bytes sent(kSectorsPerCommand * kAudioSectorBytes);
@@ -131,7 +131,7 @@ std::optional<std::optional<std::int32_t>> CompareDisc(CdDrive& drive, const Dis
     std::uint64_t left = std::uint64_t{planned.silence} * kAudioSectorBytes + planned.bytes + planned.padding;
     if (!mode.atOnce) left = std::uint64_t{SectorsOf(planned.bytes)} * kAudioSectorBytes;
     while (left > 0) {
-      if (watch.cancelled && watch.cancelled()) return std::nullopt;
+      if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
       const std::size_t begun = carried.size();
       std::ranges::copy(carried, sent.begin());
       carried.clear();
@@ -140,18 +140,19 @@ std::optional<std::optional<std::int32_t>> CompareDisc(CdDrive& drive, const Dis
           at.value < 0 ? static_cast<std::size_t>(-at.value) * kAudioSectorBytes : sent.size();
       const auto part =
           static_cast<std::size_t>(std::min<std::uint64_t>(left, std::min(room, sent.size() - begun)));
-      if (!sound.Read(std::span(sent).subspan(begun, part))) return std::optional(at.value);
+      if (!sound.Read(std::span(sent).subspan(begun, part))) return {Outcome::SourceFailed};
       left -= part;
       const std::size_t filled = begun + part;
       const std::size_t whole = filled - filled % kAudioSectorBytes;
       carried.assign(sent.begin() + static_cast<std::ptrdiff_t>(whole),
                      sent.begin() + static_cast<std::ptrdiff_t>(filled));
-      if (const auto different = comparison.Portion(at, ByteView(sent).first(whole))) return different;
+      if (const auto different = comparison.Portion(at, ByteView(sent).first(whole)))
+        return {Outcome::NotProven, *different};
       at = at + static_cast<std::int32_t>(whole / kAudioSectorBytes);
       if (watch.progress) watch.progress((at.value + kPregapSectors) / total);
     }
   }
-  return std::optional<std::int32_t>();
+  return {};
 }
 
 }  // namespace ts5::disc

@@ -108,10 +108,12 @@ std::optional<AudioCd> FindAudioCd(const std::string& directory) {
   if (!IsCdDrive(directory)) return std::nullopt;
   auto drive = CdDrive::Open(directory);
   const auto toc = drive ? drive->ReadToc() : Failure(Outcome::CdDriveFailed);
-  if (!toc || !toc->IsAudioCd()) return std::nullopt;
-  AudioCd disc{NameOfDrive(directory).value_or(DriveName{}), {}};
+  if (!toc) return std::nullopt;
+  AudioCd disc;
   for (const TocTrack& track : toc->tracks)
-    disc.tracks.push_back({track.number, std::max(1U, track.sectors / kSectorsPerSecond)});
+    if (track.audio) disc.tracks.push_back({track.number, std::max(1U, track.sectors / kSectorsPerSecond)});
+  if (disc.tracks.empty()) return std::nullopt;
+  disc.drive = NameOfDrive(directory).value_or(DriveName{});
   return disc;
 }
 

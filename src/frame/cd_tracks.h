@@ -50,8 +50,8 @@ struct AudioCd {
     int number = 0;
     std::uint32_t seconds = 0;  // playing time
   };
-  DriveName drive;
-  std::vector<Track> tracks;
+  DriveName drive = {};
+  std::vector<Track> tracks = {};  // those with music; data beside them are left out
 };
 // The audio CD that a directory stands for; nothing when it stands for none. Asks the drive, which may take
 // seconds.

@@ -26,6 +26,7 @@ DestinationRules DestinationRulesOf(const Settings& settings) {
 
 DestinationRules DestinationRulesOf(const Settings& settings, const Job& job) {
   DestinationRules rules = DestinationRulesOf(settings);
+  if (job.subdirectories && job.Mode() == SourceMode::Directory) rules.structure = job.directory.path;
   if (job.targetDirectory.empty()) return rules;
   rules.sourceDirectory = false;
   rules.directory = job.targetDirectory;

@@ -32,7 +32,9 @@ enum class NameOrigin : std::uint8_t {
 struct DestinationRules {
   bool sourceDirectory = true;  // write beside the source
   std::string directory = {};   // where to write otherwise; "" writes beside the source as well
-  bool useSuffix = true;        // rename targets of the same format
+  // The directory whose subdirectories are found again in `directory`; "" for none.
+  std::string structure = {};
+  bool useSuffix = true;  // rename targets of the same format
   std::string suffix = "cnv";
   bool noPreset = false;  // single items get no automatic name
   OverwritePolicy overwrite = OverwritePolicy::Replace;

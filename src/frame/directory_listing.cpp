@@ -78,6 +78,12 @@ bool IsDirectoryEntry(const fs::directory_entry& entry) {
   return entry.is_directory(error) && !error;
 }
 
+// One that is there itself, not a link to one.
+bool IsOwnDirectory(const fs::directory_entry& entry) {
+  std::error_code error;
+  return entry.symlink_status(error).type() == fs::file_type::directory && !error;
+}
+
 bool IsTreeDirectory(const fs::directory_entry& entry) {
   const std::string name = entry.path().filename().string();
   return !name.starts_with('.') && IsDirectoryEntry(entry) && IsUsablePath(entry.path().native());
@@ -124,6 +130,37 @@ ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audio
   return end;
 }
 
+ListingEnd ListTree(const std::string& directory, const AudioCdQuery& audioCd, const std::stop_token& stop,
+                    const ItemSink& sink) {
+  ListingEnd end = ListDirectory(directory, audioCd, stop, sink);
+  // Paths from the directory on, the next one last.
+  std::vector<std::string> waiting;
+  const auto wait = [&](const std::string& below) {
+    std::vector<std::string> names;
+    bool opened = false;
+    (void)ForEachEntry(JoinPath(directory, below), opened, [&](const fs::directory_entry& entry) {
+      if (IsOwnDirectory(entry) && IsTreeDirectory(entry)) names.push_back(entry.path().filename().string());
+      return !stop.stop_requested();
+    });
+    std::ranges::sort(names, [](const auto& a, const auto& b) { return LessIgnoringCase{}(b, a); });
+    for (const std::string& name : names) waiting.push_back(JoinPath(below, name));
+  };
+  if (Succeeded(end.outcome)) wait({});
+  while (!waiting.empty() && !stop.stop_requested()) {
+    const std::string below = std::move(waiting.back());
+    waiting.pop_back();
+    const ListingEnd one =
+        ListDirectory(JoinPath(directory, below), {}, stop, [&](std::vector<DirectoryItem> items) {
+          for (DirectoryItem& item : items) item.name = JoinPath(below, item.name);
+          sink(std::move(items));
+        });
+    end.refused += one.refused;
+    wait(below);
+  }
+  if (stop.stop_requested()) end.outcome = Outcome::Cancelled;
+  return end;
+}
+
 // Shared with the worker, which may outlive the lister when the disc does not answer.
 struct DirectoryLister::Job {
   std::stop_source stop;
@@ -143,7 +180,7 @@ DirectoryLister::~DirectoryLister() {
   Cancel();
 }
 
-bool DirectoryLister::Start(const std::string& directory, ItemSink sink,
+bool DirectoryLister::Start(const std::string& directory, bool subdirectories, ItemSink sink,
                             std::function<void(ListingEnd)> end) {
   if (Running()) return false;
   job_ = std::make_shared<Job>();
@@ -156,8 +193,9 @@ bool DirectoryLister::Start(const std::string& directory, ItemSink sink,
     });
   };
   const auto task =
-      DetachedTask::Start([this, job = job_, directory, audioCd = audioCd_, deliver, end = std::move(end)] {
-        const ListingEnd result = ListDirectory(directory, audioCd, job->stop.get_token(), deliver);
+      DetachedTask::Start([this, job = job_, directory, list = subdirectories ? &ListTree : &ListDirectory,
+                           audioCd = audioCd_, deliver, end = std::move(end)] {
+        const ListingEnd result = list(directory, audioCd, job->stop.get_token(), deliver);
         job->Send([this, job, end, result] {
           if (job->stop.stop_requested()) return;
           job_.reset();

@@ -17,7 +17,7 @@
 namespace ts5 {
 
 struct DirectoryItem {
-  std::string name;  // "Lied.mid", or "Track 01" on an audio CD
+  std::string name;  // "Lied.mid", "Chor/Alt.mid" below the directory, or "Track 01" on an audio CD
   FileTypeId type = FileTypeId::Unsupported;
   bool cdTrack = false;
   std::uint32_t seconds = 0;  // playing time of a track
@@ -41,6 +41,10 @@ using ItemSink = std::function<void(std::vector<DirectoryItem> batch)>;
 // delivered.
 [[nodiscard]] ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,
                                        const std::stop_token& stop, const ItemSink& sink);
+// The same with all directories below, each behind the one that holds it, in order of their names. Hidden
+// ones and links to directories are left out, so that it ends; one that cannot be read has no files.
+[[nodiscard]] ListingEnd ListTree(const std::string& directory, const AudioCdQuery& audioCd,
+                                  const std::stop_token& stop, const ItemSink& sink);
 
 // The file patterns of the view, "*.asf" first.
 [[nodiscard]] std::vector<std::string> ListedPatterns();
@@ -57,7 +61,8 @@ class DirectoryLister {
   DirectoryLister& operator=(const DirectoryLister&) = delete;
 
   // False while another listing runs: the request is ignored.
-  bool Start(const std::string& directory, ItemSink sink, std::function<void(ListingEnd)> end);
+  bool Start(const std::string& directory, bool subdirectories, ItemSink sink,
+             std::function<void(ListingEnd)> end);
   [[nodiscard]] bool Running() const { return job_ != nullptr; }
   // Ends the listing without waiting for a disc that does not answer.
   void Cancel();

@@ -44,8 +44,8 @@ constexpr ErrorText kErrors[] = {
 
 struct Content {
   std::string_view magic;
-  std::string_view behind;     // at byte 8; "" for anything
-  std::string_view extension;  // of a file that says so by its name; "" for none of ours
+  std::string_view behind;      // at byte 8; "" for anything
+  std::string_view extensions;  // of files that say so by their names, with blanks between
   TextId text;
 };
 
@@ -65,9 +65,9 @@ constexpr Content kContents[] = {
     {"ID3", "", "mp3", ContentMp3},
     {"MAC ", "", "ape", ContentApe},
     {"\x30\x26\xB2\x75", "", "wma", ContentWindowsMedia},
-    {"<?xml", "", "xml", ContentXml},
+    {"<?xml", "", "xml musicxml stvx", ContentXml},
     {"%PDF", "", "", ContentPdf},
-    {"PK\x03\x04", "", "", ContentZip},
+    {"PK\x03\x04", "", "mxl", ContentZip},
     {"\x89PNG", "", "", ContentPicture},
     {"\xFF\xD8\xFF", "", "", ContentPicture},
 };
@@ -111,7 +111,9 @@ std::string SourceHolds(const std::string& source) {
   });
   if (row != std::end(kContents)) {
     // What the name says already is no news.
-    if (EqualsIgnoringCase(row->extension, ExtensionOf(source))) return {};
+    const auto own = Split(row->extensions, ' ');
+    const std::string extension = ToLower(ExtensionOf(source));
+    if (std::ranges::find(own, std::string_view(extension)) != own.end()) return {};
     return Format(Text(ReasonContent), source, Text(row->text));
   }
   if (IsText(bytes)) return Format(Text(ReasonContent), source, Text(ContentText));

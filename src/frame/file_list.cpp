@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/base/text.h"
+#include "platform/files/paths.h"
 
 namespace ts5 {
 namespace {
@@ -117,6 +118,27 @@ void FreeFileList::Select(std::vector<std::size_t> indices) {
 void FreeFileList::SelectAll() {
   selection_.resize(entries_.size());
   std::iota(selection_.begin(), selection_.end(), std::size_t{0});
+}
+
+bool FreeFileList::Reorder(const std::vector<std::size_t>& order) {
+  constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+  if (order.size() != entries_.size()) return false;
+  std::vector<std::size_t> newIndex(order.size(), kNowhere);
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (order[i] >= newIndex.size() || newIndex[order[i]] != kNowhere) return false;
+    newIndex[order[i]] = i;
+  }
+  std::vector<FileListEntry> entries(entries_.size());
+  for (std::size_t i = 0; i < order.size(); ++i) entries[i] = std::move(entries_[order[i]]);
+  entries_ = std::move(entries);
+  for (std::size_t& index : selection_) index = newIndex[index];
+  std::ranges::sort(selection_);
+  if (focus_ < newIndex.size()) focus_ = newIndex[focus_];
+  return true;
+}
+
+std::string DirectorySelection::NameOf(std::string_view file) const {
+  return PathBelow(path, file).value_or(std::string(FileNameOf(file)));
 }
 
 }  // namespace ts5

@@ -65,6 +65,9 @@ class FreeFileList {
   // Wrong and repeated indices are left out.
   void Select(std::vector<std::size_t> indices);
   void SelectAll();
+  // Puts the entries in another order: place i gets what was at order[i]. Selection and focus go along. False
+  // when it is no order of all entries.
+  bool Reorder(const std::vector<std::size_t>& order);
   // The entry with the focus; Size() when there is none.
   [[nodiscard]] std::size_t Focus() const { return focus_ < entries_.size() ? focus_ : entries_.size(); }
   void SetFocus(std::size_t index) { focus_ = index; }
@@ -82,10 +85,12 @@ class FreeFileList {
 
 // The source in directory mode: the directory, and the selected files of it by name and by place in the view.
 struct DirectorySelection {
-  std::string path;
-  std::vector<std::string> names;
-  std::vector<std::uint32_t> indices;
+  std::string path = {};
+  std::vector<std::string> names = {};
+  std::vector<std::uint32_t> indices = {};
 
+  // A file of the directory as it is named here: with the directories below, where there are any.
+  [[nodiscard]] std::string NameOf(std::string_view file) const;
   void Deselect() {
     names.clear();
     indices.clear();

@@ -28,9 +28,9 @@ std::span<const ColumnTitle> ListColumns(FilterId filter) {
   return std::span(kListColumns).first(Has(filter, kTimedList) ? 4 : 2);
 }
 
-std::span<const ColumnTitle> DirectoryColumns(bool audioCd) {
+std::span<const ColumnTitle> DirectoryColumns(bool audioCd, bool subdirectories) {
   if (audioCd) return kAudioCdColumns;
-  return std::span(kListColumns).first(1);
+  return std::span(kListColumns).first(subdirectories ? 2 : 1);
 }
 
 std::string ColumnText(const FileListEntry& entry, FileColumn column) {
@@ -43,6 +43,8 @@ std::string ColumnText(const FileListEntry& entry, FileColumn column) {
       return TimeText(entry.duration);
     case FileColumn::Pause:
       return std::to_string(entry.pause);
+    default:
+      break;
   }
   return {};
 }

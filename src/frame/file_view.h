@@ -16,16 +16,30 @@
 
 namespace ts5 {
 
-enum class FileColumn : std::uint8_t { Name, Directory, Time, Pause };
+// Those from Length on show facts of the file: frame/file_columns.
+enum class FileColumn : std::uint8_t {
+  Name,
+  Directory,
+  Time,
+  Pause,
+  Length,
+  Size,
+  Date,
+  Key,
+  Metre,
+  Tempo,
+  Voices,
+};
 
 struct ColumnTitle {
   FileColumn column;
   TextId title;
 };
-// The free file list shows name and directory, for the burner time and pause as well; a directory shows names
-// alone, an audio CD tracks and times.
+// The columns that are always there. The free file list shows name and directory, for the burner time and
+// pause as well; a directory shows names, and with its subdirectories where they lie; an audio CD tracks and
+// times.
 [[nodiscard]] std::span<const ColumnTitle> ListColumns(FilterId filter);
-[[nodiscard]] std::span<const ColumnTitle> DirectoryColumns(bool audioCd);
+[[nodiscard]] std::span<const ColumnTitle> DirectoryColumns(bool audioCd, bool subdirectories = false);
 [[nodiscard]] std::string ColumnText(const FileListEntry& entry, FileColumn column);
 [[nodiscard]] std::string TimeText(std::uint32_t seconds);  // 185 -> "3:05"
 

@@ -51,7 +51,7 @@ constexpr auto kFilters = std::to_array<FilterDescriptor>({
         FilterGroup::Convert, texts::NeedsMidi},
     {ScoreSearch, "ScoreSearch", texts::FilterNameScoreSearch, texts::FilterDescriptionScoreSearch, Dialog, "MIDIFINDPARAMS",
         kScoresOfEngine, kScoresOfEngine, kScoresOfEngine, DestinationKinds::FileOrScreen, kPanelFile | kPanelScreen, 0xFF0000, 0x400000,
-        kSearches | kMakesFiles, RunWords::Run, texts::FileFilterText, kSearchTitles, texts::ExamplesScoreSearch,
+        kSearches | kSearchesScores | kMakesFiles, RunWords::Run, texts::FileFilterText, kSearchTitles, texts::ExamplesScoreSearch,
         FilterGroup::Search, texts::NeedsScore},
     {MidiSearch, "MidiSearch", texts::FilterNameMidiSearch, texts::FilterDescriptionMidiSearch, Dialog, "MIDIFINDPARAMS",
         kMidi, kMidi, kMidi, DestinationKinds::FileOrScreen, kPanelFile | kPanelScreen, 0x00FF00, 0x004000,

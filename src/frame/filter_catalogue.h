@@ -44,6 +44,7 @@ enum FilterTraits : std::uint32_t {
   kWritesDisc = 0x080,      // nothing else may come between while it runs
   kTimedList = 0x100,       // the free list holds the titles of a disc, with times and pauses
   kNeedsNoSources = 0x200,  // can always run
+  kSearchesScores = 0x400,  // what it looks into has staves and note values instead of tracks and ticks
 };
 
 // What Run and Stop are called.

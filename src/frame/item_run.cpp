@@ -16,6 +16,7 @@
 #include "frame/ordered_pool.h"
 #include "frame/run.h"
 #include "frame/run_journal.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -182,13 +183,12 @@ class ItemRun {
     }
     ForgetFault();
     item.code = Guarded([&] {
-      const FilterParameters& parameters = *run_.GetJob().parameters;
       if (filter_.prepare) {
-        auto prepared = filter_.prepare(parameters, item.source);
+        auto prepared = filter_.prepare(item.source);
         if (!prepared) return prepared.error();
         item.prepared = *std::move(prepared);
       }
-      return filter_.check ? filter_.check(parameters, item.source) : Outcome::Success;
+      return filter_.check ? filter_.check(item.source) : Outcome::Success;
     });
     item.suitable = Succeeded(item.code);
     if (item.suitable) item.code = Outcome::Success;
@@ -213,11 +213,11 @@ class ItemRun {
   Outcome ConvertInto(Item& item) {
     const PlannedTarget& target = targets_[item.index];
     if (Failed(target.code)) return target.code;
+    if (!run_.Destination().structure.empty()) (void)MakeDirectories(std::string(DirectoryOf(target.name)));
     auto staged = StagedFile::Create(target.name);
     if (!staged) return staged.error();
     item.target = std::move(*staged);
     ItemWork work{.run = run_,
-                  .parameters = *run_.GetJob().parameters,
                   .source = item.source,
                   .target = *item.target,
                   .abandoned = abandoned_,
@@ -272,7 +272,7 @@ class ItemRun {
     ItemRecord record = item.before != nullptr ? *item.before : RecordOf(item, item.name);
     const bool cancelled = record.item.code == Code(Outcome::Cancelled);
     if (journal_ && item.before == nullptr && !cancelled) journal_->Book(record);
-    const Status status{record.item.code, record.item.extended, record.number, record.item.remark};
+    const RunStatus status{record.item.code, record.item.extended, record.number, record.item.remark};
     run_.Result().items.push_back(std::move(record.item));
     if (cancelled) return EndCancelled();
     if (status.code != Code(Outcome::Success)) run_.AddStatus(status);
@@ -342,8 +342,8 @@ class ItemRun {
   bool PutInPlace(Item& item) {
     if (!item.target) return item.code != Outcome::Cancelled;
     ForgetFault();
-    auto taken = TakeTarget(*item.target, targets_[item.index], naming_,
-                            [this](const std::string& target) { return MayReplace(target); });
+    auto taken = PutTarget(run_, *item.target, targets_[item.index], naming_,
+                           [this](const std::string& target) { return MayReplace(target); });
     if (taken) {
       item.name = *std::move(taken);
     } else {

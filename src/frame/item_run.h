@@ -36,8 +36,7 @@ struct PreparedItem {
 
 // One conversion at work. May run on any thread beside others of its kind when the filter is independent.
 struct ItemWork {
-  Run& run;  // Cancelled() and the parameters; questions only when the filter is not independent
-  const FilterParameters& parameters;
+  Run& run;  // Cancelled(); questions only when the filter is not independent
   const std::string& source;
   StagedFile& target;
   const std::atomic<bool>& abandoned;    // the run ends before this item has its turn
@@ -46,7 +45,7 @@ struct ItemWork {
 
   const std::string& targetName;  // as it stands now: its number may change, its extension does not
 
-  // May be filled in: see Status and RunItem.
+  // May be filled in: see RunStatus and RunItem.
   bool extended = false;
   std::int32_t number = 0;
   std::string line = {};
@@ -71,10 +70,9 @@ struct ItemFilter {
   // Items have nothing to do with each other and convert() is safe on several threads at once.
   bool independent = false;
   // Looks at the source before it is converted; empty: no check.
-  std::function<Outcome(const FilterParameters&, const std::string& source)> check = {};
+  std::function<Outcome(const std::string& source)> check = {};
   // The same for a filter whose check reads what the conversion needs.
-  std::function<Result<std::unique_ptr<PreparedItem>>(const FilterParameters&, const std::string& source)>
-      prepare = {};
+  std::function<Result<std::unique_ptr<PreparedItem>>(const std::string& source)> prepare = {};
   // Success or a positive code of the filter's own; on a failure the target is dropped. A success that wrote
   // nothing and does not say `unchanged` is a failure of the target. Cancelled ends the run.
   std::function<Outcome(ItemWork&)> convert;

@@ -46,6 +46,15 @@ class ParametersValue {
   [[nodiscard]] const FilterParameters* Get() const { return pointer_.get(); }
   FilterParameters& operator*() { return *pointer_; }
   const FilterParameters& operator*() const { return *pointer_; }
+  // Those of the filter that P belongs to; nullptr when they are another's or there are none.
+  template <typename P>
+  [[nodiscard]] P* If() {
+    return dynamic_cast<P*>(pointer_.get());
+  }
+  template <typename P>
+  [[nodiscard]] const P* If() const {
+    return dynamic_cast<const P*>(pointer_.get());
+  }
 
  private:
   std::unique_ptr<FilterParameters> pointer_;
@@ -92,6 +101,8 @@ struct Job {
 
   std::int32_t sourceDrive = 0;  // 0 is c:; kListModeDrive: the free file list
   DirectorySelection directory;
+  bool subdirectories =
+      false;  // files below the directory are shown as well; their names hold where they lie
   FreeFileList files;
   bool fileWindowMaximised = false;  // list mode only
   SizingRectangle sizing;

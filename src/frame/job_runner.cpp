@@ -98,6 +98,7 @@ bool JobRunner::Start(Job& job, RunRequest request, std::shared_ptr<RunHost> hos
                                             .share = request.share,
                                             .journals = std::move(request.journals),
                                             .goesOn = std::move(request.goesOn),
+                                            .undo = std::move(request.undo),
                                             .practices = std::move(request.practices)},
                                    *module, worker->state, std::move(host));
   state.cancelRequest = kNoCancel;

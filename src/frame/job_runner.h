@@ -26,6 +26,7 @@ struct RunRequest {
   RunShare share = {};
   std::string journals = {};                     // where runs keep their journals; "" for none
   std::shared_ptr<RunJournal> goesOn = {};       // the interrupted run that this one goes on with
+  std::shared_ptr<RunUndo> undo = {};            // notes what the run makes and replaces; may be empty
   std::shared_ptr<PracticeBook> practices = {};  // how files were practised; nullptr: titles play plainly
   std::function<void()> begin =
       {};  // called when nothing keeps the run from starting any more, before it does

@@ -27,10 +27,11 @@ constexpr std::string_view kSourceListFile = "SourceListFile ";
 constexpr std::size_t kShortestFallback = 4;  // characters of a directory that a vanished one falls back to
 
 // Every other value of a job's key belongs to a filter.
-constexpr std::array<std::string_view, 19> kOwnValues = {"Title",
+constexpr std::array<std::string_view, 20> kOwnValues = {"Title",
                                                          "Description",
                                                          "SourcePath",
                                                          "SourceDrive",
+                                                         "SourceSubDirs",
                                                          "SourceFileNum",
                                                          "SourceFileSels",
                                                          "SourceFileSelNum",
@@ -190,6 +191,7 @@ void LoadFiles(Job& job, const RegistryValues& values, const JobSurroundings& ar
   for (const std::string_view name : NumberedTexts(values, kSourceFile, "SourceFileNum")) {
     job.directory.names.emplace_back(name);
   }
+  job.subdirectories = IsOne(values, "SourceSubDirs");
   job.directory.indices = StoredNumbers<std::uint32_t>(values, "SourceFileSelNum", "SourceFileSels");
 
   for (const std::string_view text : NumberedTexts(values, kSourceListFile, "SourceFilelistNum")) {
@@ -342,6 +344,7 @@ RegistryValues ValuesOfJob(const Job& job, const ModuleFinder& modules) {
   values.SetText("Description", job.description);
   values.SetText("SourcePath", job.directory.path);
   values.SetInteger("SourceDrive", job.sourceDrive);
+  if (job.subdirectories) values.SetText("SourceSubDirs", "1");
   values.SetText("SourceMediumFileWinMax", job.fileWindowMaximised ? "1" : "0");
   const SizingRectangle& sizing = job.sizing;
   values.SetText("SizingRect", Joined(std::array{sizing.left, sizing.top, sizing.right, sizing.bottom}));

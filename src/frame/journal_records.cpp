@@ -58,6 +58,7 @@ RegistryValues SurroundingsOf(const RunPlan& plan) {
   values.SetInteger("Begun", plan.begun);
   values.SetInteger("SourceDirectory", rules.sourceDirectory ? 1 : 0);
   values.SetText("Directory", rules.directory);
+  values.SetText("Structure", rules.structure);
   values.SetInteger("UseSuffix", rules.useSuffix ? 1 : 0);
   values.SetText("Suffix", rules.suffix);
   values.SetInteger("NoPreset", rules.noPreset ? 1 : 0);
@@ -81,6 +82,7 @@ void TakeSurroundings(const RegistryValues& values, RunPlan& plan) {
   plan.begun = number("Begun");
   plan.destination = {.sourceDirectory = number("SourceDirectory") != 0,
                       .directory = text("Directory"),
+                      .structure = text("Structure"),
                       .useSuffix = number("UseSuffix") != 0,
                       .suffix = text("Suffix"),
                       .noPreset = number("NoPreset") != 0,

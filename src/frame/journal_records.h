@@ -37,7 +37,7 @@ struct RunPlan {
 struct ItemRecord {
   std::size_t index = 0;
   RunItem item = {};
-  std::int32_t number = 0;  // of its Status
+  std::int32_t number = 0;  // of its RunStatus
   std::optional<FileMark> staged = {};
 };
 

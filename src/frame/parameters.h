@@ -69,6 +69,28 @@ struct ParameterField {
   std::function<bool(FilterParameters&, std::string_view)> set;
 };
 
+// A row whose functions get the parameters as what they are.
+template <typename P>
+struct FieldOf {
+  std::string name;
+  std::string description;
+  std::function<void(P&, const RegistryValues&)> load;
+  std::function<void(const P&, RegistryValues&)> save;
+  std::function<bool(P&, std::string_view)> set;
+};
+template <typename P>
+[[nodiscard]] ParameterField MakeField(FieldOf<P> of) {
+  return {
+      std::move(of.name), std::move(of.description),
+      [load = std::move(of.load)](FilterParameters& p, const RegistryValues& values) {
+        load(As<P>(p), values);
+      },
+      [save = std::move(of.save)](const FilterParameters& p, RegistryValues& values) {
+        save(As<P>(p), values);
+      },
+      [set = std::move(of.set)](FilterParameters& p, std::string_view text) { return set(As<P>(p), text); }};
+}
+
 template <typename P>
 class FieldTable {
  public:
@@ -160,17 +182,12 @@ class FieldTable {
   // One stored text, written and read by functions of the filter.
   template <typename Get, typename Set>
   FieldTable& Single(std::string name, std::string description, Get get, Set set) {
-    ParameterField field;
-    field.load = [name, set](FilterParameters& p, const RegistryValues& values) {
-      if (const auto text = values.Text(name)) (void)set(As<P>(p), *text);
-    };
-    field.save = [name, get](const FilterParameters& p, RegistryValues& values) {
-      values.SetText(name, get(As<P>(p)));
-    };
-    field.set = [set](FilterParameters& p, std::string_view text) { return set(As<P>(p), text); };
-    field.name = std::move(name);
-    field.description = std::move(description);
-    return Row(std::move(field));
+    return Row(MakeField<P>(
+        {name, std::move(description),
+         [name, set](P& p, const RegistryValues& values) {
+           if (const auto text = values.Text(name)) (void)set(p, *text);
+         },
+         [name, get](const P& p, RegistryValues& values) { values.SetText(name, get(p)); }, set}));
   }
 
   // A row of any other shape: binary values, several values under one name, values that are not always there.

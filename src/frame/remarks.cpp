@@ -40,7 +40,7 @@ constexpr Remark kConversionRemarks[] = {
     {0x800000, RemarkTimeBaseChanged, 3, RemarkSegmentsNotMoved},
 };
 
-std::string LineOf(const Remark& remark, const Status& status) {
+std::string LineOf(const Remark& remark, const RunStatus& status) {
   const std::string_view format = Text(remark.text);
   const std::int32_t number = status.number != 0 ? status.number : status.code;
   std::string line =
@@ -55,7 +55,7 @@ std::span<const Remark> ConversionRemarks() {
   return kConversionRemarks;
 }
 
-std::vector<std::string> RemarkLines(std::span<const Remark> table, const Status& status) {
+std::vector<std::string> RemarkLines(std::span<const Remark> table, const RunStatus& status) {
   if (!status.line.empty()) return {status.line};
   const auto whole = std::ranges::find_if(table, [&](const Remark& remark) {
     const bool other = remark.code == kEveryOtherFailure && status.code < 0;

@@ -13,14 +13,14 @@
 namespace ts5 {
 
 // One kind of outcome of a run.
-struct Status {
+struct RunStatus {
   std::int32_t code = 0;
   bool extended = false;  // the remark's appended text applies
   // Fills a %i of the remark; the first one of a kind stays. 0: the code does.
   std::int32_t number = 0;
   std::string line = {};  // what is said of this outcome instead of the table's remark; "" that one
 
-  [[nodiscard]] bool SameKind(const Status& other) const {
+  [[nodiscard]] bool SameKind(const RunStatus& other) const {
     return code == other.code && extended == other.extended && line == other.line;
   }
 };
@@ -41,6 +41,6 @@ struct Remark {
 [[nodiscard]] std::span<const Remark> ConversionRemarks();
 
 // The lines for one outcome; none when the table does not know it.
-[[nodiscard]] std::vector<std::string> RemarkLines(std::span<const Remark> table, const Status& status);
+[[nodiscard]] std::vector<std::string> RemarkLines(std::span<const Remark> table, const RunStatus& status);
 
 }  // namespace ts5

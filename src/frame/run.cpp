@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/filter_catalogue.h"
+#include "frame/run_undo.h"
 
 namespace ts5 {
 namespace {
@@ -24,6 +25,18 @@ Run::Run(RunSetup setup, const FilterModule& module, std::shared_ptr<JobRun> sta
 
 const FilterParameters& ParametersOf(const Run& run) {
   return *run.GetJob().parameters;
+}
+
+Outcome Run::KeepReplaced(const std::string& target) {
+  return setup_.undo ? setup_.undo->Keep(target, [this] { return Cancelled(); }) : Outcome::Success;
+}
+
+void Run::Made(const std::string& target) {
+  if (setup_.undo) setup_.undo->Made(target);
+}
+
+void Run::Changed(const std::string& target) {
+  if (setup_.undo) setup_.undo->Changed(target);
 }
 
 bool Run::Sleep(std::chrono::milliseconds duration) const {
@@ -141,15 +154,15 @@ bool Run::ConfirmStop(std::string_view question) {
   return true;
 }
 
-void Run::AddStatus(const Status& status) {
+void Run::AddStatus(const RunStatus& status) {
   const bool known =
-      std::ranges::any_of(statusList_, [&](const Status& entry) { return entry.SameKind(status); });
+      std::ranges::any_of(statusList_, [&](const RunStatus& entry) { return entry.SameKind(status); });
   if (!known) statusList_.push_back(status);
 }
 
 std::vector<std::string> Run::Remarks() const {
   std::vector<std::string> lines;
-  for (const Status& status : statusList_) {
+  for (const RunStatus& status : statusList_) {
     for (std::string& line : RemarkLines(module_->remarks, status)) {
       // Different outcomes may have one text.
       if (std::ranges::find(lines, line) == lines.end()) lines.push_back(std::move(line));
@@ -162,9 +175,9 @@ std::string Run::RemarkOf(const RunItem& item) const {
   std::string remark;
   if (item.code == 0) return remark;
   // The number of a message is that of the first outcome of its kind.
-  Status status{item.code, item.extended, item.code};
+  RunStatus status{item.code, item.extended, item.code};
   const auto known =
-      std::ranges::find_if(statusList_, [&](const Status& one) { return one.SameKind(status); });
+      std::ranges::find_if(statusList_, [&](const RunStatus& one) { return one.SameKind(status); });
   if (known != statusList_.end() && known->number != 0) status.number = known->number;
   for (const std::string& line : RemarkLines(module_->remarks, status)) {
     remark += (remark.empty() ? "" : " ") + line;
@@ -179,7 +192,7 @@ void Run::Finish() {
   for (RunItem& item : result_.items) {
     if (item.remark.empty()) item.remark = RemarkOf(item);
   }
-  for (const Status& status : statusList_) result_.cancelled |= status.code == Code(Outcome::Cancelled);
+  for (const RunStatus& status : statusList_) result_.cancelled |= status.code == Code(Outcome::Cancelled);
   state_->currentItem = 0;
   state_->state = RunState::Idle;
   host_->StateChanged(RunState::Idle);

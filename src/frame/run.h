@@ -26,6 +26,7 @@ namespace ts5 {
 
 class PracticeBook;
 class RunJournal;
+class RunUndo;
 
 // Progress events closer together than this are left out.
 inline constexpr std::chrono::milliseconds kProgressInterval{50};
@@ -58,6 +59,7 @@ struct RunSetup {
       {};  // of what the run itself finds, as a search of a tree; the items of the job are its own
   std::string journals = {};                     // where runs keep their journals; "" for none
   std::shared_ptr<RunJournal> goesOn = {};       // the interrupted run that this one goes on with
+  std::shared_ptr<RunUndo> undo = {};            // notes what the run makes and replaces; may be empty
   std::shared_ptr<PracticeBook> practices = {};  // how files were practised; nullptr: titles play plainly
 };
 
@@ -79,11 +81,10 @@ class Run {
   [[nodiscard]] const std::shared_ptr<RunJournal>& GoesOn() const { return setup_.goesOn; }
   [[nodiscard]] const std::shared_ptr<PracticeBook>& Practices() const { return setup_.practices; }
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
-  // The parameters; P must be the type that the module creates.
-  template <typename P>
-  [[nodiscard]] const P& Parameters() const {
-    return As<P>(*setup_.job.parameters);
-  }
+  // For the undoing of the run: a file is about to be replaced, was made, was changed once more.
+  [[nodiscard]] Outcome KeepReplaced(const std::string& target);
+  void Made(const std::string& target);
+  void Changed(const std::string& target);
 
   [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }
   [[nodiscard]] std::string Source(std::size_t index) const { return ItemSource(setup_.job, index); }
@@ -117,7 +118,7 @@ class Run {
   [[nodiscard]] bool ConfirmStop(std::string_view question);
 
   // Adds an outcome to the status list unless its kind is there already.
-  void AddStatus(const Status& status);
+  void AddStatus(const RunStatus& status);
   void AddCode(Outcome outcome, std::int32_t number = 0) { AddStatus({Code(outcome), false, number}); }
 
   // The remark lines of the status list, by the filter's table.
@@ -138,7 +139,7 @@ class Run {
   const FilterModule* module_;
   std::shared_ptr<JobRun> state_;
   std::shared_ptr<RunHost> host_;
-  std::vector<Status> statusList_;
+  std::vector<RunStatus> statusList_;
   RunResult result_;
 
   std::mutex hostMutex_;  // guards the host and what follows

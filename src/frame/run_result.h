@@ -33,7 +33,7 @@ struct RunItem {
   std::string source = {};
   std::string destination = {};  // "" when none was settled or written
   std::int32_t code = 0;
-  bool extended = false;  // as in Status
+  bool extended = false;  // as in RunStatus
   // What the system said, and of which file: one plain German line beside the remark of the code; "" when
   // there is nothing to add.
   std::string reason = {};

@@ -133,6 +133,8 @@ const std::vector<SettingRow>& Rows() {
       FreeText("FileSearchDirs", &Settings::fileSearchDirectories),
       Rectangle("MainWindowPos", &Settings::mainWindowPosition),
       Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
+      FreeText("FileListColumns", &Settings::fileColumns),
+      FreeText("FileListSorting", &Settings::fileSorting),
       Number("ListeningVolume", &Settings::listeningVolume, -10'000, 0),
       Flag("ShowAllFilters", &Settings::showAllFilters),
       Number("Job Saving", &Settings::jobSaving, 0, 2),

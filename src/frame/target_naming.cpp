@@ -45,8 +45,12 @@ std::string TargetName::Numbered(std::uint32_t number) const {
 
 std::string TargetDirectory(const DestinationRules& rules, const std::string& source,
                             const DestinationFiles& files) {
-  std::string directory =
-      !rules.sourceDirectory && !rules.directory.empty() ? rules.directory : std::string(DirectoryOf(source));
+  const bool elsewhere = !rules.sourceDirectory && !rules.directory.empty();
+  std::string directory = elsewhere ? rules.directory : std::string(DirectoryOf(source));
+  if (elsewhere && !rules.structure.empty()) {
+    const std::string below = PathBelow(rules.structure, DirectoryOf(source)).value_or("");
+    if (!below.empty()) directory = JoinPath(directory, below);
+  }
   if (files.onCdRom(directory)) directory.clear();
   return directory;
 }
@@ -251,7 +255,8 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, De
 }
 
 Result<std::string> TakeTarget(StagedFile& file, PlannedTarget target, TargetNaming& naming,
-                               const std::function<bool(const std::string& name)>& mayReplace) {
+                               const std::function<bool(const std::string& name)>& mayReplace,
+                               const std::function<Outcome(const std::string& name)>& replacing) {
   while (target.taking != Taking::Replace) {
     const auto created = file.CommitNew(target.name);
     if (!created) return Failure(created.error());
@@ -263,6 +268,8 @@ Result<std::string> TakeTarget(StagedFile& file, PlannedTarget target, TargetNam
       target.taking = Taking::Replace;
     }
   }
+  if (const Outcome kept = replacing ? replacing(target.name) : Outcome::Success; Failed(kept))
+    return Failure(kept);
   if (const Outcome done = file.CommitAs(target.name); Failed(done)) return Failure(done);
   return target.name;
 }

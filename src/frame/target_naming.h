@@ -139,8 +139,11 @@ struct TargetOffer {
                                                       DestinationRules& rules, const DestinationFiles& files);
 
 // Puts a staged file in its place and gives the name that it got. mayReplace is asked about what stands
-// there, if the target says so. TargetFailed, WriteFailed; Cancelled: it may not.
-[[nodiscard]] Result<std::string> TakeTarget(StagedFile& file, PlannedTarget target, TargetNaming& naming,
-                                             const std::function<bool(const std::string& name)>& mayReplace);
+// there, if the target says so; replacing is told before it is replaced, and its failure ends all.
+// TargetFailed, WriteFailed; Cancelled: it may not.
+[[nodiscard]] Result<std::string> TakeTarget(
+    StagedFile& file, PlannedTarget target, TargetNaming& naming,
+    const std::function<bool(const std::string& name)>& mayReplace,
+    const std::function<Outcome(const std::string& name)>& replacing = {});
 
 }  // namespace ts5

@@ -47,9 +47,6 @@ struct ConvertedMidi {
 // extension, format kept.
 [[nodiscard]] TargetRule ConverterTarget(const ConverterParameters& parameters, const std::string& source);
 
-// The conversion of all items of a run, on all cores.
-void RunMidiConverter(Run& run);
-
 [[nodiscard]] FilterModule MidiConverterModule();
 
 }  // namespace ts5

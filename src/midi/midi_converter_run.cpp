@@ -13,9 +13,8 @@ namespace ts5 {
 
 namespace {
 
-Outcome ConvertItem(ItemWork& work) {
+Outcome ConvertItem(const ConverterParameters& parameters, ItemWork& work) {
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  const auto& parameters = As<ConverterParameters>(work.parameters);
   const auto& item = work.Prepared<MidiItem>();
   const auto converted = ConvertMidi(item.file, item.kind, parameters, TodayUtc(), watch);
   if (!converted) return converted.error();
@@ -25,22 +24,23 @@ Outcome ConvertItem(ItemWork& work) {
   return static_cast<Outcome>(converted->flags);
 }
 
-}  // namespace
-
-void RunMidiConverter(Run& run) {
+// All items, on all cores.
+void RunMidiConverter(Run& run, const ConverterParameters& parameters) {
   ItemFilter filter;
   filter.independent = true;
-  filter.prepare = [](const FilterParameters&, const std::string& source) { return OpenMidiItem(source); };
-  filter.convert = ConvertItem;
+  filter.prepare = [](const std::string& source) { return OpenMidiItem(source); };
+  filter.convert = [&parameters](ItemWork& work) { return ConvertItem(parameters, work); };
   RunItems(run, filter);
 }
+
+}  // namespace
 
 FilterModule MidiConverterModule() {
   using P = ConverterParameters;
   ModuleOf<P> module;
   module.id = FilterId::MidiConverter;
   module.fields = ConverterFields();
-  module.run = [](Run& run, const P&) { RunMidiConverter(run); };
+  module.run = RunMidiConverter;
   module.target = ConverterTarget;
   module.stop.status = texts::Stopping;
   module.missing = [](const P& parameters) -> std::optional<TextId> {

@@ -13,6 +13,8 @@
 #include "disc/disc_memory.h"
 #include "disc/track_texts.h"
 #include "frame/cd_tracks.h"
+#include "frame/filter_catalogue.h"
+#include "modules/measured_times.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
@@ -79,11 +81,15 @@ class Reader {
     if (text.performer.empty()) text.performer = std::move(own.performer);
     source.track.title = std::move(text.title);
     source.track.performer = std::move(text.performer);
-    std::uint64_t seconds = entry.duration;
-    if (seconds == 0 && reading_ == DiscReading::Thorough)
-      seconds = (PlayingTimeOf(entry) + kUnitsPerSecond / 2) / kUnitsPerSecond;
+    const std::uint64_t seconds =
+        entry.duration != 0 ? entry.duration : (TimeOf(entry) + kUnitsPerSecond / 2) / kUnitsPerSecond;
     source.track.time = std::chrono::seconds(seconds);
     return source;
+  }
+
+  [[nodiscard]] std::uint64_t TimeOf(const FileListEntry& entry) const {
+    if (!entry.cdTrack) return MeasuredTime(entry);
+    return reading_ == DiscReading::Thorough ? PlayingTimeOf(entry) : 0;
   }
 
   static CdText::Entry OfFile(const std::string& path, std::string& album) {
@@ -133,14 +139,13 @@ class Reader {
 }  // namespace
 
 DiscFacts FactsOfSources(const Job& job, DiscReading reading) {
-  return Reader(dynamic_cast<const disc::BurnParameters*>(job.parameters.Get()), reading)
-      .Read(SourcesOf(job));
+  return Reader(job.parameters.If<disc::BurnParameters>(), reading).Read(SourcesOf(job));
 }
 
 DiscFacts FactsOfDisc(const Job& job, std::span<const Job* const> jobs, DiscReading reading) {
   const Job* burner = nullptr;
   for (const Job* const other : jobs) {
-    if (other->filter != FilterId::CdBurner || other->files.Empty()) continue;
+    if (!Has(other->filter, kTimedList) || other->files.Empty()) continue;
     if (burner == nullptr || other->title == job.title) burner = other;
   }
   return FactsOfSources(burner != nullptr ? *burner : job, reading);

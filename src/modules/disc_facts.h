@@ -10,7 +10,7 @@
 
 namespace ts5 {
 
-// A window that is shown anew asks no drive, which may be at work, and measures no file.
+// A window that is shown anew asks no drive, which may be at work. Files are measured once.
 enum class DiscReading : std::uint8_t { AtHand, Thorough };
 
 // Of the first tracks that a disc has room for, from the list of a job or what is chosen in its directory:

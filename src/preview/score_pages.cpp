@@ -57,6 +57,15 @@ struct ScorePages::Inside {
   void Break(const CancelCheck& cancelled);
   void Fill(const CancelCheck& cancelled);
   [[nodiscard]] System Build(std::size_t row) const;
+  // The staves of a part in a system that is drawn at y.
+  struct PartPlace {
+    const ScorePart& part;
+    std::size_t first = 0;
+    std::size_t last = 0;
+    double top = 0;
+    double bottom = 0;
+  };
+  [[nodiscard]] std::vector<PartPlace> PlacesOfParts(const System& system, double y) const;
   [[nodiscard]] bool BreaksBefore(std::size_t bar, std::size_t first) const;
   void DrawSystem(Sketch& page, const System& system, double y, bool named) const;
   void DrawBarLines(Sketch& page, const System& system, double y) const;
@@ -188,21 +197,31 @@ void ScorePages::Inside::Fill(const CancelCheck& cancelled) {
   }
 }
 
+std::vector<ScorePages::Inside::PartPlace> ScorePages::Inside::PlacesOfParts(const System& system,
+                                                                             double y) const {
+  std::vector<PartPlace> places;
+  std::size_t first = 0;
+  for (const ScorePart& part : engraving.parts) {
+    const std::size_t last = std::min(first + part.staves, system.tops.size());
+    if (first >= last) break;
+    places.push_back({part, first, last, y + system.tops[first], y + system.tops[last - 1] + kStaffHeight});
+    first = last;
+  }
+  return places;
+}
+
 void ScorePages::Inside::DrawBarLines(Sketch& page, const System& system, double y) const {
   const double left = system.places.left;
   const double top = y + system.tops.front();
   const double bottom = y + system.tops.back() + kStaffHeight;
   if (system.tops.size() > 1) page.lines.push_back({left, top, left, bottom, kBarWidth});
   // Lines go through the staves of a part.
-  std::size_t staff = 0;
-  for (const ScorePart& part : engraving.parts) {
-    const std::size_t last = std::min(staff + part.staves, system.tops.size());
-    if (staff >= last) break;
-    const double from = y + system.tops[staff];
-    const double to = y + system.tops[last - 1] + kStaffHeight;
-    const auto line = [&](double x, double width) { page.lines.push_back({x, from, x, to, width}); };
+  for (const PartPlace& part : PlacesOfParts(system, y)) {
+    const auto line = [&](double x, double width) {
+      page.lines.push_back({x, part.top, x, part.bottom, width});
+    };
     const auto dots = [&](double x) {
-      for (std::size_t s = staff; s < last; ++s) {
+      for (std::size_t s = part.first; s < part.last; ++s) {
         for (const double between : {1.5, 2.5})
           page.signs.push_back({Sign::Dot, x, y + system.tops[s] + between});
       }
@@ -227,28 +246,22 @@ void ScorePages::Inside::DrawBarLines(Sketch& page, const System& system, double
         line(x, kBarWidth);
       } else if (own.lineStyle != "none") {
         const bool dashed = own.lineStyle == "dashed" || own.lineStyle == "dotted";
-        page.lines.push_back({x, from, x, to, kBarWidth, dashed});
+        page.lines.push_back({x, part.top, x, part.bottom, kBarWidth, dashed});
       }
     }
-    staff = last;
   }
 }
 
 void ScorePages::Inside::DrawParts(Sketch& page, const System& system, double y, bool named) const {
   const double left = system.places.left;
-  std::size_t staff = 0;
-  for (const ScorePart& part : engraving.parts) {
-    const std::size_t last = std::min(staff + part.staves, system.tops.size());
-    if (staff >= last) break;
-    const double from = y + system.tops[staff];
-    const double to = y + system.tops[last - 1] + kStaffHeight;
-    if (last - staff > 1) page.signs.push_back({Sign::Brace, left - 0.4, from, 1, to - from});
-    std::string name = named ? part.name : part.abbreviation;
+  for (const PartPlace& part : PlacesOfParts(system, y)) {
+    if (part.last - part.first > 1)
+      page.signs.push_back({Sign::Brace, left - 0.4, part.top, 1, part.bottom - part.top});
+    std::string name = named ? part.part.name : part.part.abbreviation;
     std::ranges::replace(name, '\n', ' ');
     if (!name.empty())
-      page.texts.push_back(
-          {left - 2, (from + to) / 2 + 0.6, name, kNameSize, TextStyle::Plain, TextAlign::Right});
-    staff = last;
+      page.texts.push_back({left - 2, (part.top + part.bottom) / 2 + 0.6, name, kNameSize, TextStyle::Plain,
+                            TextAlign::Right});
   }
 }
 

@@ -1,34 +1,36 @@
 #include "preview/sketch.h"
 
+#include <utility>
+
 #include "platform/base/text.h"
 
 namespace ts5::preview {
 
+namespace {
+
+template <typename Mark>
+void AddMoved(std::vector<Mark>& to, const std::vector<Mark>& marks, double dx, double dy) {
+  for (Mark mark : marks) {
+    if constexpr (requires { mark.x1; }) {
+      mark.x1 += dx;
+      mark.x2 += dx;
+      mark.y1 += dy;
+      mark.y2 += dy;
+    } else {
+      mark.x += dx;
+      mark.y += dy;
+    }
+    to.push_back(std::move(mark));
+  }
+}
+
+}  // namespace
+
 void Sketch::Add(const Sketch& other, double dx, double dy) {
-  for (SignMark mark : other.signs) {
-    mark.x += dx;
-    mark.y += dy;
-    signs.push_back(mark);
-  }
-  for (LineMark mark : other.lines) {
-    mark.x1 += dx;
-    mark.x2 += dx;
-    mark.y1 += dy;
-    mark.y2 += dy;
-    lines.push_back(mark);
-  }
-  for (CurveMark mark : other.curves) {
-    mark.x1 += dx;
-    mark.x2 += dx;
-    mark.y1 += dy;
-    mark.y2 += dy;
-    curves.push_back(mark);
-  }
-  for (TextMark mark : other.texts) {
-    mark.x += dx;
-    mark.y += dy;
-    texts.push_back(std::move(mark));
-  }
+  AddMoved(signs, other.signs, dx, dy);
+  AddMoved(lines, other.lines, dx, dy);
+  AddMoved(curves, other.curves, dx, dy);
+  AddMoved(texts, other.texts, dx, dy);
 }
 
 double TextWidth(const std::string& text, double size) {

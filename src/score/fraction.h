@@ -41,6 +41,8 @@ class Fraction {
   std::strong_ordering operator<=>(const Fraction& other) const;
 
  private:
+  struct Maker;  // of numbers wider than these
+
   std::int64_t numerator_ = 0;
   std::int64_t denominator_ = 1;
 };

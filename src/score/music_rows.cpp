@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
+#include <utility>
 
 #include "platform/base/text.h"
-#include "score/score_bars.h"
+#include "score/music_summary.h"
 #include "score/score_parts.h"
 #include "score/texts.h"
 
@@ -16,24 +16,6 @@ constexpr int kFirstSound = 32'000;  // text of the first General MIDI program
 
 std::string OrMissing(const std::string& text) {
   return text.empty() ? std::string(Text(texts::ScoreTextMissing)) : text;
-}
-
-// Without repeats, at the written tempos; 120 quarters a minute where none is.
-double SecondsOf(const ScoreMusic& music) {
-  constexpr double kUsual = 120;
-  double seconds = 0;
-  double quarters = kUsual;
-  Fraction at;
-  const auto until = [&](Fraction place) {
-    seconds += (place - at).Value() * 4 * 60 / quarters;
-    at = place;
-  };
-  for (const ScoreTempo& tempo : music.tempos) {
-    until(tempo.at);
-    quarters = tempo.quarters;
-  }
-  until(music.length);
-  return seconds;
 }
 
 std::string PartList(const ScoreDocument& document) {
@@ -51,52 +33,36 @@ std::string PartList(const ScoreDocument& document) {
   return list;
 }
 
-// The different texts in the order in which they come.
-class Listing {
- public:
-  void Add(const std::string& text) {
-    if (known_.insert(text).second) list_ += (list_.empty() ? "" : ", ") + text;
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string list;
+  for (const std::string& text : texts) list += (list.empty() ? "" : ", ") + text;
+  return list;
+}
+
+// In whole quarters a minute; several that are written alike are one.
+std::string TempoList(const std::vector<double>& tempos) {
+  std::vector<std::string> texts;
+  for (const double tempo : tempos) {
+    std::string text = std::to_string(std::lround(tempo));
+    if (std::ranges::find(texts, text) == texts.end()) texts.push_back(std::move(text));
   }
-  [[nodiscard]] const std::string& Get() const { return list_; }
-
- private:
-  std::set<std::string> known_;
-  std::string list_;
-};
-
-// From seven flats to seven sharps.
-std::string KeyText(int sharps) {
-  std::string_view names = Text(texts::MusicKeyNames);
-  for (int key = -7; key < std::min(sharps, 7); ++key) names.remove_prefix(names.find('|') + 1);
-  return std::string(names.substr(0, names.find('|')));
+  return Joined(texts);
 }
 
 }  // namespace
 
 std::vector<PropertyRow> MusicRows(const ScoreDocument& document) {
-  const ScoreMusic music = ReadMusic(document);
-  Listing keys;
-  Listing times;
-  Listing tempos;
-  for (std::size_t staff = 0; staff < music.changes.size(); ++staff) {
-    if (document.staves[staff].usesNoteMap) continue;
-    for (const ScoreChange& change : music.changes[staff]) {
-      if (change.item->Is(ObjectKind::Key)) keys.Add(KeyText(change.item->key));
-    }
-  }
-  for (const ScoreBar& bar : music.bars)
-    times.Add(Format("%d/%d", bar.time.numerator, 1 << std::clamp<int>(bar.time.power, 0, 12)));
-  for (const ScoreTempo& tempo : music.tempos) tempos.Add(std::to_string(std::lround(tempo.quarters)));
-  const auto seconds = static_cast<std::int64_t>(std::llround(SecondsOf(music)));
+  const MusicSummary music = SummariseMusic(document);
+  const auto seconds = static_cast<std::int64_t>(std::llround(music.seconds));
   std::vector<PropertyRow> rows;
   const auto add = [&rows](TextId label, std::string value) {
     rows.push_back({std::string(Text(label)), std::move(value)});
   };
   add(texts::MusicParts, PartList(document));
-  add(texts::MusicBars, std::to_string(music.bars.size()));
-  add(texts::MusicKeys, keys.Get().empty() ? KeyText(0) : keys.Get());
-  add(texts::MusicTimes, OrMissing(times.Get()));
-  add(texts::MusicTempos, OrMissing(tempos.Get()));
+  add(texts::MusicBars, std::to_string(music.bars));
+  add(texts::MusicKeys, Joined(music.keys));
+  add(texts::MusicTimes, OrMissing(Joined(music.metres)));
+  add(texts::MusicTempos, OrMissing(TempoList(music.tempos)));
   add(texts::MusicLength, Format(Text(texts::MusicMinutes), seconds / 60, seconds % 60));
   return rows;
 }

@@ -1,7 +1,6 @@
 #include "score/score_bars.h"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <optional>
 
@@ -58,8 +57,8 @@ struct DrawingAt {
 
 class MusicReader {
  public:
-  MusicReader(const ScoreDocument& document, const CancelCheck& cancelled)
-      : document_(document), cancelled_(cancelled) {
+  MusicReader(const ScoreDocument& document, bool eventsAlone, const CancelCheck& cancelled)
+      : document_(document), eventsAlone_(eventsAlone), cancelled_(cancelled) {
     const std::size_t staves = document.staves.size();
     music_.voices.resize(staves);
     music_.changes.resize(staves);
@@ -75,6 +74,7 @@ class MusicReader {
       ReadSystem(document_.systems[i]);
     }
     music_.length = start_;
+    if (eventsAlone_) return std::move(music_);
     MakeBars();
     PlaceEvents();
     for (const DrawingAt& drawing : drawings_) ApplyDrawing(drawing);
@@ -140,7 +140,7 @@ class MusicReader {
         Show(layout, item, at);
         break;
       case ObjectKind::BarLine:
-        TakeLine(item, at);
+        if (!eventsAlone_) TakeLine(item, at);
         break;
       case ObjectKind::Rest:
       case ObjectKind::Chord:
@@ -163,7 +163,7 @@ class MusicReader {
     event.system = system_;
     event.object = static_cast<std::uint32_t>(walker.next);
     if (item.group.isRest && item.group.wholeBars > 1) longRests_ = true;
-    CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
+    if (!eventsAlone_) CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
     walker.elapsed += event.length;
     events.push_back(event);
   }
@@ -203,7 +203,10 @@ class MusicReader {
   }
 
   void TakeLine(const ScoreItem& item, Fraction at) {
-    LineAt& line = lines_[at];
+    // The voices come to the same bar lines one after another.
+    const bool follows = line_ != lines_.end() && std::next(line_) != lines_.end();
+    line_ = follows && std::next(line_)->first == at ? std::next(line_) : lines_.try_emplace(at).first;
+    LineAt& line = line_->second;
     line.type = Stronger(line.type, item.barLine);
     if (line.style.empty()) line.style = item.style;
     line.times = std::max(line.times, item.times);
@@ -305,7 +308,7 @@ class MusicReader {
   void ApplyDrawing(const DrawingAt& place) {
     if (music_.bars.empty()) return;
     const std::uint32_t bar = music_.voices[place.staff][place.voice][place.event].bar;
-    if (place.drawing->kind == static_cast<std::uint8_t>(DrawingKind::Volta)) return AddEnding(place, bar);
+    if (place.drawing->Is(DrawingKind::Volta)) return AddEnding(place, bar);
     if (const double quarters = TempoOf(*place.drawing); quarters > 0)
       drawnTempos_.push_back({place.at + place.drawing->offset, quarters});
     const JumpMark mark = JumpOf(*place.drawing);
@@ -354,7 +357,7 @@ class MusicReader {
 
   [[nodiscard]] bool BeginsEnding(const ScoreBar& bar) const {
     return std::ranges::any_of(drawings_, [&](const DrawingAt& other) {
-      return other.drawing->kind == static_cast<std::uint8_t>(DrawingKind::Volta) && other.at >= bar.start &&
+      return other.drawing->Is(DrawingKind::Volta) && other.at >= bar.start &&
              other.at < bar.start + bar.length;
     });
   }
@@ -376,6 +379,7 @@ class MusicReader {
   }
 
   const ScoreDocument& document_;
+  bool eventsAlone_;
   const CancelCheck& cancelled_;
   ScoreMusic music_;
   std::vector<ScoreClef> clefs_;        // of each staff
@@ -384,6 +388,7 @@ class MusicReader {
   std::vector<TimeAt> times_;
   std::vector<SystemAt> systems_;
   std::map<Fraction, LineAt> lines_;
+  std::map<Fraction, LineAt>::iterator line_ = lines_.end();  // the last one met
   std::vector<DrawingAt> drawings_;
   std::vector<ScoreTempo> drawnTempos_;
   Fraction start_;  // of the system
@@ -407,7 +412,11 @@ std::size_t SpanEnd(const std::vector<ScoreEvent>& events, std::size_t event, st
 }
 
 ScoreMusic ReadMusic(const ScoreDocument& document, const CancelCheck& cancelled) {
-  return MusicReader(document, cancelled).Read();
+  return MusicReader(document, false, cancelled).Read();
+}
+
+ScoreMusic ReadEvents(const ScoreDocument& document, const CancelCheck& cancelled) {
+  return MusicReader(document, true, cancelled).Read();
 }
 
 std::vector<std::uint8_t> SoundingKeys(const ScoreEvent& event, const StaffLayout& staff) {
@@ -419,49 +428,6 @@ std::vector<std::uint8_t> SoundingKeys(const ScoreEvent& event, const StaffLayou
     keys.push_back(staff.usesNoteMap ? staff.noteMap[key] & 127 : key);
   }
   return keys;
-}
-
-JumpMark JumpOf(const DrawingItem& drawing) {
-  struct Sign {
-    std::string_view name;
-    std::uint8_t jump;
-  };
-  constexpr Sign kSigns[] = {{"segno", kJumpSegno}, {"coda", kJumpCoda},     {"tocoda", kJumpToCoda},
-                             {"fine", kJumpFine},   {"dacapo", kJumpDaCapo}, {"dalsegno", kJumpDalSegno}};
-  const bool plain = drawing.sign.empty() || drawing.sign == "words";
-  const auto* const sign = std::ranges::find(kSigns, drawing.sign, &Sign::name);
-  if (!plain && sign == std::end(kSigns)) return {};
-  const JumpWords said =
-      ReadJumpWords(drawing.words.empty() ? AsText(drawing.text) : Windows1252FromUtf8(drawing.words));
-  const std::uint8_t jumps = plain ? said.words : sign->jump;
-  const bool back = (jumps & (kJumpDaCapo | kJumpDalSegno)) != 0;
-  return {jumps, back && said.toFine, back && said.toCoda};
-}
-
-double TempoOf(const DrawingItem& drawing) {
-  struct Unit {
-    std::string_view name;
-    double quarters;
-  };
-  constexpr Unit kUnits[] = {{"breve", 8},    {"whole", 4},   {"half", 2},     {"quarter", 1},
-                             {"eighth", 0.5}, {"16th", 0.25}, {"32nd", 0.125}, {"long", 16}};
-  if (drawing.sign != "tempo") return 0;
-  std::string_view text = drawing.words;
-  double unit = 1;
-  if (const std::size_t equal = text.find('='); equal != std::string_view::npos) {
-    std::string_view name = text.substr(0, equal);
-    double dots = 1;
-    for (; name.ends_with('.'); name.remove_suffix(1)) dots /= 2;
-    const auto* const found = std::ranges::find(kUnits, name, &Unit::name);
-    if (found == std::end(kUnits)) return 0;
-    unit = found->quarters * (2 - dots);
-    text.remove_prefix(equal + 1);
-  }
-  double perMinute = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), perMinute);
-  const double quarters = error == std::errc() ? perMinute * unit : 0;
-  constexpr double kMostQuarters = 10'000;
-  return quarters > 0 && quarters <= kMostQuarters ? quarters : 0;
 }
 
 std::uint32_t BarAt(const ScoreMusic& music, Fraction place) {

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "platform/base/work_watch.h"
+#include "score/drawing_words.h"
 #include "score/score_document.h"
 
 namespace ts5 {
@@ -86,6 +87,8 @@ struct ScoreMusic {
 
 // A cancelled reading gives what it has got.
 [[nodiscard]] ScoreMusic ReadMusic(const ScoreDocument& document, const CancelCheck& cancelled = {});
+// The voices alone, without bars and what is drawn: all of an event but its bar.
+[[nodiscard]] ScoreMusic ReadEvents(const ScoreDocument& document, const CancelCheck& cancelled = {});
 
 // The event to which something on a chord reaches that spans so many chords, or the last chord there is.
 [[nodiscard]] std::size_t SpanEnd(const std::vector<ScoreEvent>& events, std::size_t event,
@@ -93,18 +96,6 @@ struct ScoreMusic {
 
 // The MIDI keys at which a chord sounds: transposed, through the note map of a drum staff, within 0..127.
 [[nodiscard]] std::vector<std::uint8_t> SoundingKeys(const ScoreEvent& event, const StaffLayout& staff);
-
-// What a drawing says of the way through the score, by its sign or by its text ("D.C. al Fine").
-struct JumpMark {
-  std::uint8_t jumps = 0;  // kJump...
-  bool toFine = false;
-  bool toCoda = false;
-};
-[[nodiscard]] JumpMark JumpOf(const DrawingItem& drawing);
-
-// The tempo that a drawing sets (sign "tempo"), 0 none. words: quarters a minute ("96"), or a note value, its
-// dots and how many a minute ("half.=60").
-[[nodiscard]] double TempoOf(const DrawingItem& drawing);
 
 // The bar in which a place lies: the last one that begins there or before; 0 in a score without bars.
 [[nodiscard]] std::uint32_t BarAt(const ScoreMusic& music, Fraction place);

@@ -158,7 +158,8 @@ void AppendBars(ScoreDocument& document, std::vector<BarColumn> bars, unsigned b
 
 std::vector<MovedNotes> PlaceNotes(ScoreDocument& document, const CancelCheck& cancelled) {
   std::vector<MovedNotes> moved;
-  const ScoreMusic music = ReadMusic(document, cancelled);
+  std::vector<Fraction> places;  // of what has been moved
+  const ScoreMusic music = ReadEvents(document, cancelled);
   std::size_t seen = 0;
   for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
     for (std::size_t voice = 0; voice < music.voices[staff].size(); ++voice) {
@@ -167,19 +168,23 @@ std::vector<MovedNotes> PlaceNotes(ScoreDocument& document, const CancelCheck& c
         if (++seen % kChordsBetween == 0 && cancelled && cancelled()) return moved;
         ScoreItem& item = ItemOf(document, staff, voice, event);
         std::uint32_t count = 0;
-        std::vector<ScoreNote> notes;
+        item.group.notes.resize(item.pitches.size());
         for (std::size_t i = 0; i < item.pitches.size(); ++i) {
           PlacedNote placed = NoteOf(item.pitches[i], event.clef, event.key);
-          if (i < item.group.notes.size()) placed.note.value = item.group.notes[i].value;
-          notes.push_back(placed.note);
+          placed.note.value = item.group.notes[i].value;
+          item.group.notes[i] = placed.note;
           if (!placed.exact) ++count;
         }
-        item.group.notes = std::move(notes);
         item.pitches = {};
-        if (count > 0) moved.push_back({event.bar, staff, count});
+        if (count == 0) continue;
+        moved.push_back({0, staff, count});
+        places.push_back(event.start);
       }
     }
   }
+  if (moved.empty()) return moved;
+  const ScoreMusic bars = ReadMusic(document, cancelled);
+  for (std::size_t i = 0; i < moved.size(); ++i) moved[i].bar = BarAt(bars, places[i]);
   return moved;
 }
 

@@ -63,8 +63,7 @@ DrawnMarks MarksOf(const ScoreItem& item) {
 }
 
 bool IsBeyondScoreFile(const DrawingItem& drawing) {
-  return drawing.kind == static_cast<std::uint8_t>(DrawingKind::Text) && drawing.text.empty() &&
-         !drawing.sign.empty();
+  return drawing.Is(DrawingKind::Text) && drawing.text.empty() && !drawing.sign.empty();
 }
 
 DrawingItem TextDrawing(std::string_view symbols) {
@@ -112,7 +111,7 @@ DrawingItem CurveDrawing(std::uint16_t span) {
 }
 
 std::string WordsOf(const DrawingItem& drawing) {
-  if (drawing.kind != static_cast<std::uint8_t>(DrawingKind::Text) || drawing.text.empty()) return {};
+  if (!drawing.Is(DrawingKind::Text) || drawing.text.empty()) return {};
   std::string_view text = AsText(drawing.text);
   text = text.substr(0, text.find('\0'));
   if (IsSymbol(text)) return {};
@@ -240,6 +239,7 @@ void SetTuplet(ScoreItem& item, TupletRatio ratio) {
 Fraction NotatedLength(std::uint8_t durationCode, std::uint8_t dots) {
   const Fraction base =
       durationCode == kBreve ? Fraction(2) : PowerLength(std::min<int>(durationCode, kShortestCode));
+  if (dots == 0) return base;
   const std::int64_t parts = std::int64_t{1} << std::min<int>(dots, 3);
   return base * Fraction(2 * parts - 1, parts);
 }

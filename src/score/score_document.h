@@ -49,6 +49,7 @@ struct DrawingItem {
   std::int8_t placement = 0;  // (+) 1 above, -1 below the staff
   Fraction extent = {};       // (+) how long it lasts, where the span does not say it exactly
 
+  [[nodiscard]] bool Is(DrawingKind k) const { return kind == static_cast<std::uint8_t>(k); }
   bool operator==(const DrawingItem&) const = default;
 };
 // symbols: in the symbol font, for example "f" or "pq"; see score_drawings.h.

@@ -52,8 +52,7 @@ Result<Bytes> ByEngine(const OpenScore& score, const ScoreParameters& parameters
   return ScoreToMidi(score, parameters.playback, options, watch);
 }
 
-Outcome ConvertItem(ItemWork& work) {
-  const auto& own = As<ScoreToMidiParameters>(work.parameters);
+Outcome ConvertItem(const ScoreToMidiParameters& own, ItemWork& work) {
   work.run.StatusText(Format(Text(texts::ScoreReading), FileNameOf(work.source)));
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   auto& item = work.Prepared<PreparedScore>();
@@ -94,22 +93,26 @@ std::vector<ParameterField> ScoreToMidiFields() {
   return table.Build();
 }
 
-void RunScoreToMidi(Run& run) {
+namespace {
+
+void RunScoreToMidi(Run& run, const ScoreToMidiParameters& own) {
   ItemFilter filter;
   filter.independent = true;
-  filter.prepare = [&run](const FilterParameters& parameters, const std::string& source) {
-    return OpenItem(As<ScoreToMidiParameters>(parameters), source, [&run] { return run.Cancelled(); });
+  filter.prepare = [&run, &own](const std::string& source) {
+    return OpenItem(own, source, [&run] { return run.Cancelled(); });
   };
-  filter.convert = ConvertItem;
+  filter.convert = [&own](ItemWork& work) { return ConvertItem(own, work); };
   RunItems(run, filter);
 }
+
+}  // namespace
 
 FilterModule ScoreToMidiModule() {
   using P = ScoreToMidiParameters;
   ModuleOf<P> module;
   module.id = FilterId::ScoreToMidi;
   module.fields = ScoreToMidiFields();
-  module.run = [](Run& run, const P&) { RunScoreToMidi(run); };
+  module.run = RunScoreToMidi;
   module.remarks = ScoreRemarks();
   module.target = [](const P&, const std::string&) { return TargetRule{std::string(kMidiExtension), false}; };
   module.stop.status = texts::Stopping;

@@ -32,7 +32,6 @@ struct ScoreToMidiParameters : ScoreParameters, ClonableParameters<ScoreToMidiPa
 // What the score filters say of their outcomes.
 [[nodiscard]] std::span<const Remark> ScoreRemarks();
 
-void RunScoreToMidi(Run& run);
 [[nodiscard]] FilterModule ScoreToMidiModule();
 
 }  // namespace ts5

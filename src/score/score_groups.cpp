@@ -179,8 +179,8 @@ NoteGroup DecodeGroup(const ScoreGroup& group, std::uint32_t ticksPerQuarter, Sc
   decoded.flags = group.flags;
   decoded.articulation = group.articulation;
   decoded.marks = group.marks;
-  decoded.noteCount = static_cast<std::uint8_t>(group.notes.size());
-  for (std::size_t i = 0; i < group.notes.size(); ++i) decoded.keys[i] = NoteKey(group.notes[i], clef, key);
+  decoded.noteCount = static_cast<std::uint8_t>(std::min(group.notes.size(), kMaxChordKeys));
+  for (std::size_t i = 0; i < decoded.noteCount; ++i) decoded.keys[i] = NoteKey(group.notes[i], clef, key);
   return decoded;
 }
 

@@ -67,10 +67,8 @@ class ScoreTitle final : public PlayedTitle {
 
 class ScoreDevice final : public PlayerDevice {
  public:
-  ScoreDevice(Run& run, std::unique_ptr<MidiLevel> output)
-      : run_(run),
-        output_(std::move(output)),
-        stage_(std::make_shared<ScoreStage>(run.Parameters<ScorePlayerParameters>())) {
+  ScoreDevice(Run& run, const ScorePlayerParameters& parameters, std::unique_ptr<MidiLevel> output)
+      : run_(run), output_(std::move(output)), stage_(std::make_shared<ScoreStage>(parameters)) {
     run_.Player().SetStage(stage_);
   }
 
@@ -109,10 +107,10 @@ class ScoreDevice final : public PlayerDevice {
   bool begun_ = false;
 };
 
-Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run) {
+Result<std::unique_ptr<PlayerDevice>> OpenDevice(Run& run, const ScorePlayerParameters& parameters) {
   auto output = OpenPlayerOutput(run);
   if (!output) return Failure(Outcome::MidiDeviceFailed);
-  return std::make_unique<ScoreDevice>(run, *std::move(output));
+  return std::make_unique<ScoreDevice>(run, parameters, *std::move(output));
 }
 
 }  // namespace
@@ -125,7 +123,8 @@ FilterModule ScorePlayerModule() {
   return MakeModule<P>(
       {.id = FilterId::ScorePlayer,
        .fields = table.Build(),
-       .run = [](Run& run, const P& parameters) { RunPlayer(run, parameters, OpenDevice); },
+       .run = [](Run& run,
+                 const P& own) { RunPlayer(run, own, [&own](Run& r) { return OpenDevice(r, own); }); },
        .remarks = ScoreRemarks(),
        .midiDevice = [](const P&, const Job& job) { return std::optional(PlayerDeviceIndex(job)); }});
 }

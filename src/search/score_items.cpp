@@ -1,5 +1,6 @@
 #include "search/score_items.h"
 
+#include <algorithm>
 #include <queue>
 #include <tuple>
 
@@ -43,41 +44,71 @@ struct Walker {
 };
 using Walkers = std::priority_queue<Walker, std::vector<Walker>, std::greater<>>;
 
-class ItemBuilder {
- public:
-  ItemBuilder(ByteView file, const ScoreFileInfo& info, const CancelCheck& cancelled)
-      : file_(file),
-        info_(info),
-        cancelled_(cancelled),
-        states_(info.staves.size()),
-        lines_(info.staves.size()) {}
+// The voices of a system in the bytes of a file.
+struct FileVoices {
+  ByteView file;
 
-  Result<std::vector<ScoreLine>> Build() {
-    ScoreSource in(file_, info_.bodyOffset, &cancelled_);
-    for (std::uint32_t i = 0; i < info_.systems; ++i) {
-      const ScoreSystem system = ReadSystem(in, info_.staves.size());
-      if (!in.Ok()) return Failure(in.Stopped() ? Outcome::Cancelled : Outcome::DamagedScore);
-      system_ = ClampTo<std::int32_t>(i);
-      if (const Outcome outcome = WalkSystem(system); Failed(outcome)) return Failure(outcome);
+  // The object at which a walker stands; it moves on.
+  ScoreObject Take(Walker& walker) const {
+    ScoreSource in(file, walker.position);
+    ScoreObject object = ReadObject(in);
+    walker.position = in.Position();
+    return object;
+  }
+};
+
+// The voices of a system of a document, with what a walk needs of a system.
+struct DocumentVoices {
+  ScoreSystem system;
+  std::vector<std::array<const VoiceItems*, kMaxVoices>> voices;  // of its staves
+
+  explicit DocumentVoices(const SystemItems& items) {
+    for (const StaffItems& staff : items.staves) {
+      const auto known = std::ranges::find(system.staves, std::size_t{staff.layout}, &SystemStaff::layout);
+      const auto index = static_cast<std::size_t>(known - system.staves.begin());
+      if (known == system.staves.end()) {
+        system.staves.push_back({staff.layout, staff.time, 0, {}});
+        voices.emplace_back();
+      }
+      SystemStaff& place = system.staves[index];
+      const std::size_t count = std::min<std::size_t>(staff.voices.size(), kMaxVoices);
+      place.voices = std::max(place.voices, count);
+      for (std::size_t v = 0; v < count; ++v) {
+        place.places[v] = {0, ClampTo<std::uint32_t>(staff.voices[v].size())};
+        voices[index][v] = &staff.voices[v];
+      }
     }
-    return std::move(lines_);
   }
 
- private:
-  bool Cancelled() const { return cancelled_ && cancelled_(); }
+  const ScoreItem& Take(const Walker& walker) const {
+    return (*voices[walker.staff][walker.voice])[walker.object];
+  }
+};
 
-  Outcome WalkSystem(const ScoreSystem& system) {
+class ItemBuilder {
+ public:
+  ItemBuilder(const std::vector<StaffLayout>& staves, std::int32_t systemSpacing,
+              const CancelCheck& cancelled)
+      : staves_(staves),
+        systemSpacing_(systemSpacing),
+        cancelled_(cancelled),
+        states_(staves.size()),
+        lines_(staves.size()) {}
+
+  // The next system of the score.
+  template <typename Voices>
+  Outcome WalkSystem(const ScoreSystem& system, const Voices& voices) {
     Walkers walkers;
     std::vector<std::int32_t> positions;
     if (!system.staves.empty()) TakeTime(system.staves[0].time);
     for (std::size_t i = 0; i < system.staves.size(); ++i) {
       const SystemStaff& staff = system.staves[i];
       positions.push_back(ClampTo<std::int32_t>(vertical_));
-      vertical_ += info_.staves[staff.layout].spacing;
+      vertical_ += staves_[staff.layout].spacing;
       for (std::size_t voice = 0; voice < staff.voices; ++voice)
         walkers.push({0, i, voice, staff.places[voice].position, 0, staff.places[voice].objects});
     }
-    vertical_ += info_.systemSpacing;
+    vertical_ += systemSpacing_;
     std::int64_t longest = 0;
 
     while (!walkers.empty()) {
@@ -86,17 +117,22 @@ class ItemBuilder {
       longest = std::max(longest, walker.elapsed);
       if (walker.object == walker.objects) continue;
       if (++walked_ % kCancelEvery == 0 && Cancelled()) return Outcome::Cancelled;
-      Advance(walker, system.staves[walker.staff].layout, positions[walker.staff]);
+      Advance(voices.Take(walker), walker, system.staves[walker.staff].layout, positions[walker.staff]);
       walkers.push(walker);
     }
     start_ += longest;
+    ++system_;
     return Outcome::Success;
   }
 
-  // One object further.
-  void Advance(Walker& walker, std::size_t layout, std::int32_t verticalPosition) {
-    ScoreSource in(file_, walker.position);
-    const ScoreObject object = ReadObject(in);
+  [[nodiscard]] std::vector<ScoreLine> Lines() { return std::move(lines_); }
+
+ private:
+  bool Cancelled() const { return cancelled_ && cancelled_(); }
+
+  // One object further: of a file or of a document.
+  template <typename Object>
+  void Advance(const Object& object, Walker& walker, std::size_t layout, std::int32_t verticalPosition) {
     LineState& line = states_[layout];
     VoiceState& voice = line.voices[walker.voice];
     switch (static_cast<ObjectKind>(object.kind)) {
@@ -120,14 +156,13 @@ class ItemBuilder {
         item.object = ClampTo<std::int32_t>(walker.object);
         item.verticalPosition = verticalPosition;
         item.onset = start_ + walker.elapsed;
-        AddGroup(group, info_.staves[layout].transpose, item, voice, lines_[layout][walker.voice]);
+        AddGroup(group, staves_[layout].transpose, item, voice, lines_[layout][walker.voice]);
         walker.elapsed += group.duration;
         break;
       }
       default:
         break;
     }
-    walker.position = in.Position();
     ++walker.object;
   }
 
@@ -179,8 +214,8 @@ class ItemBuilder {
     bar_ = beat_ * time.numerator;
   }
 
-  ByteView file_;
-  const ScoreFileInfo& info_;
+  const std::vector<StaffLayout>& staves_;
+  std::int32_t systemSpacing_;
   const CancelCheck& cancelled_;
   std::vector<LineState> states_;
   std::vector<ScoreLine> lines_;
@@ -197,7 +232,25 @@ class ItemBuilder {
 
 Result<std::vector<ScoreLine>> ReadScoreItems(ByteView file, const ScoreFileInfo& info,
                                               const CancelCheck& cancelled) {
-  return ItemBuilder(file, info, cancelled).Build();
+  ItemBuilder builder(info.staves, info.systemSpacing, cancelled);
+  ScoreSource in(file, info.bodyOffset, &cancelled);
+  for (std::uint32_t i = 0; i < info.systems; ++i) {
+    const ScoreSystem system = ReadSystem(in, info.staves.size());
+    if (!in.Ok()) return Failure(in.Stopped() ? Outcome::Cancelled : Outcome::DamagedScore);
+    if (const Outcome outcome = builder.WalkSystem(system, FileVoices{file}); Failed(outcome))
+      return Failure(outcome);
+  }
+  return builder.Lines();
+}
+
+Result<std::vector<ScoreLine>> ReadScoreItems(const ScoreDocument& document, const CancelCheck& cancelled) {
+  ItemBuilder builder(document.staves, document.systemSpacing, cancelled);
+  for (const SystemItems& items : document.systems) {
+    const DocumentVoices voices(items);
+    if (const Outcome outcome = builder.WalkSystem(voices.system, voices); Failed(outcome))
+      return Failure(outcome);
+  }
+  return builder.Lines();
 }
 
 }  // namespace ts5

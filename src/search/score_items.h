@@ -13,6 +13,7 @@
 
 #include "platform/base/outcome.h"
 #include "score/playback_parameters.h"
+#include "score/score_document.h"
 #include "score/score_info.h"
 #include "search/melody_query.h"
 
@@ -41,6 +42,9 @@ using ScoreLine = std::array<std::vector<ScoreSearchItem>, kMaxVoices>;
 
 // The lines by staff layout. DamagedScore, Cancelled.
 [[nodiscard]] Result<std::vector<ScoreLine>> ReadScoreItems(ByteView file, const ScoreFileInfo& info,
+                                                            const CancelCheck& cancelled = {});
+// Of a document, as of the file that it is written to. Cancelled.
+[[nodiscard]] Result<std::vector<ScoreLine>> ReadScoreItems(const ScoreDocument& document,
                                                             const CancelCheck& cancelled = {});
 
 }  // namespace ts5

@@ -92,7 +92,7 @@ class VoiceMatcher {
   float factor_ = 1.0F;
 };
 
-SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileInfo& info,
+SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const std::vector<StaffLayout>& staves,
                           const std::string& path, const MelodyQuery& query, const HitSink& sink,
                           const CancelCheck& cancelled) {
   std::vector<std::vector<Element>> melodies;
@@ -115,7 +115,7 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
   const std::size_t count =
       query.options.firstTrackOnly ? std::min<std::size_t>(lines.size(), 1) : lines.size();
   for (std::size_t line = 0; line < count; ++line) {
-    if (info.staves[line].usesNoteMap && !query.options.drumTrack) continue;
+    if (staves[line].usesNoteMap && !query.options.drumTrack) continue;
     hit.track = static_cast<std::int32_t>(line);
     for (std::size_t voice = 0; voice < kMaxVoices; ++voice) {
       hit.voice = static_cast<std::int32_t>(voice);
@@ -130,17 +130,34 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const ScoreFileIn
   return outcome;
 }
 
-}  // namespace
-
-SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
-                               const HitSink& sink, const CancelCheck& cancelled) {
+SearchOutcome SearchBinaryScore(ByteView file, const std::string& path, const MelodyQuery& query,
+                                const HitSink& sink, const CancelCheck& cancelled) {
   const auto info = ReadScoreInfo(file, cancelled);
   if (!info && info.error() == Outcome::Cancelled) return {Outcome::Cancelled, 0};
   if (!info) return {info.error() == Outcome::WrongFormat ? Outcome::WrongFormat : Outcome::SourceFailed, 0};
   if (!info->IsCurrent()) return {Outcome::WrongFormat, 0};
   const auto lines = ReadScoreItems(file, *info, cancelled);
   if (!lines) return {lines.error() == Outcome::DamagedScore ? Outcome::SourceFailed : lines.error(), 0};
-  return SearchLines(*lines, *info, path, query, sink, cancelled);
+  return SearchLines(*lines, info->staves, path, query, sink, cancelled);
+}
+
+// What a reader says of a file, as the search counts it.
+Outcome OfReader(Outcome code) {
+  return code == Outcome::ReadFailed || code == Outcome::DamagedScore ? Outcome::SourceFailed : code;
+}
+
+}  // namespace
+
+SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
+                               const HitSink& sink, const CancelCheck& cancelled) {
+  const auto format = ScoreFormatOf(file);
+  if (!format || *format == ScoreFormat::Score) return SearchBinaryScore(file, path, query, sink, cancelled);
+  const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Notes);
+  if (!score) return {OfReader(score.error().code), 0};
+  const ScoreDocument& document = score->document;
+  const auto lines = ReadScoreItems(document, cancelled);
+  if (!lines) return {lines.error(), 0};
+  return SearchLines(*lines, document.staves, path, query, sink, cancelled);
 }
 
 SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query, const HitSink& sink,
@@ -148,16 +165,16 @@ SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query,
   const auto file = InputFile::Open(path);
   if (!file) return {Outcome::SourceFailed, 0};
   // A large file of another kind is not read for nothing.
-  Bytes beginning(kBeginning);
-  const auto read = file->ReadAt(0, beginning);
-  if (!read) return {Outcome::SourceFailed, 0};
-  beginning.resize(*read);
-  if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
-  auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
-  if (bytes) bytes = ScoreImageOf(std::move(*bytes), cancelled);
-  if (bytes) return SearchScoreImage(*bytes, path, query, sink, cancelled);
-  const bool damaged = bytes.error() == Outcome::ReadFailed || bytes.error() == Outcome::DamagedScore;
-  return {damaged ? Outcome::SourceFailed : bytes.error(), 0};
+  if (file->Size() > kBeginning) {
+    Bytes beginning(kBeginning);
+    const auto read = file->ReadAt(0, beginning);
+    if (!read) return {Outcome::SourceFailed, 0};
+    beginning.resize(*read);
+    if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
+  }
+  const auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
+  if (!bytes) return {OfReader(bytes.error()), 0};
+  return SearchScoreImage(*bytes, path, query, sink, cancelled);
 }
 
 }  // namespace ts5

@@ -12,9 +12,9 @@
 
 namespace ts5 {
 
-// The bytes of a whole score. WrongFormat: no score, or one of an older format; SourceFailed: a damaged one,
-// without any hit sent. Else what the sink or the cancel check ended it with. Rests at the ends of the melody
-// do not count; a melody without notes finds nothing.
+// The bytes of a whole score of any format. WrongFormat: no score, or one of an older format; SourceFailed: a
+// damaged one, without any hit sent. Else what the sink or the cancel check ended it with. Rests at the ends
+// of the melody do not count; a melody without notes finds nothing.
 [[nodiscard]] SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
                                              const HitSink& sink, const CancelCheck& cancelled);
 

@@ -22,50 +22,50 @@ constexpr std::array<std::int32_t, 3> kRhythms = {0, 1, 2};
 constexpr std::array<std::int32_t, 4> kFourLevels = {0, 1, 2, 3};
 
 ParameterField CountRow() {
-  ParameterField field;
+  FieldOf<SearchParameters> field;
   field.name = "MelodyLen";
   field.description = "-";  // follows the melody
-  field.load = [](FilterParameters&, const RegistryValues&) {};
-  field.save = [](const FilterParameters& p, RegistryValues& values) {
-    SearchMelody melody = As<SearchParameters>(p).melody;
+  field.load = [](SearchParameters&, const RegistryValues&) {};
+  field.save = [](const SearchParameters& p, RegistryValues& values) {
+    SearchMelody melody = p.melody;
     TrimMelodyRests(melody);
     values.SetInteger("MelodyLen", static_cast<std::int64_t>(melody.elements.size()));
   };
-  field.set = [](FilterParameters&, std::string_view) { return false; };
-  return field;
+  field.set = [](SearchParameters&, std::string_view) { return false; };
+  return MakeField(std::move(field));
 }
 
 ParameterField MelodyRow() {
-  ParameterField field;
+  FieldOf<SearchParameters> field;
   field.name = "Melody";
   field.description = "60:240,r:120,...";
-  field.load = [](FilterParameters& p, const RegistryValues& values) {
+  field.load = [](SearchParameters& p, const RegistryValues& values) {
     const auto count = values.Integer("MelodyLen");
     const auto data = values.Binary("Melody");
     if (!count || !data || *count < 0 || std::cmp_greater(*count, data->size() / 4)) return;
     auto elements = MelodyFromStored(data->first(static_cast<std::size_t>(*count) * 4));
     if (!elements) return;
-    SearchMelody& melody = As<SearchParameters>(p).melody;
+    SearchMelody& melody = p.melody;
     melody.elements = std::move(*elements);
     melody.cursor = 0;
   };
-  field.save = [](const FilterParameters& p, RegistryValues& values) {
-    SearchMelody melody = As<SearchParameters>(p).melody;
+  field.save = [](const SearchParameters& p, RegistryValues& values) {
+    SearchMelody melody = p.melody;
     TrimMelodyRests(melody);
     values.SetBinary("Melody", StoredMelody(melody.elements));
   };
-  field.set = [](FilterParameters& p, std::string_view text) {
+  field.set = [](SearchParameters& p, std::string_view text) {
     auto melody = MelodyFromNumbers(text);
     if (!melody) return false;
-    ReplaceMelody(As<SearchParameters>(p).melody, std::move(melody->elements), {});
+    ReplaceMelody(p.melody, std::move(melody->elements), {});
     return true;
   };
-  return field;
+  return MakeField(std::move(field));
 }
 
 }  // namespace
 
-std::vector<ParameterField> SearchFields(FilterId filter) {
+std::vector<ParameterField> SearchFields(SearchKind kind) {
   using P = SearchParameters;
   const auto option = [](auto SearchOptions::*member) {
     return [member](auto& p) -> auto& {
@@ -84,7 +84,7 @@ std::vector<ParameterField> SearchFields(FilterId filter) {
       .Flag("Point", note(&SearchMelody::dotted))
       .Choice("NoteLen", kNoteValues, note(&SearchMelody::noteValue))
       .Choice("Rhythm", kRhythms, option(&SearchOptions::rhythm));
-  if (filter == FilterId::MidiSearch)
+  if (kind == SearchKind::Midi)
     table.Choice("Tick Tolerance", kFourLevels, option(&SearchOptions::tolerance));
   table.Choice("Notes", kFourLevels, option(&SearchOptions::pitch))
       .Integer("MIDIOut", &P::device, kMidiMapper, kNoMidiOutput)

@@ -4,11 +4,11 @@
 #include <optional>
 #include <vector>
 
-#include "frame/filter_id.h"
 #include "frame/parameters.h"
 #include "platform/sound/midi_out.h"
 #include "search/search_melody.h"
 #include "search/search_options.h"
+#include "search/search_record.h"
 
 namespace ts5 {
 
@@ -26,7 +26,7 @@ struct SearchParameters : ClonableParameters<SearchParameters> {
 };
 
 // The field table; only the MIDI search has a tolerance. "--set Melody" takes the text of MelodyFromNumbers.
-[[nodiscard]] std::vector<ParameterField> SearchFields(FilterId filter);
+[[nodiscard]] std::vector<ParameterField> SearchFields(SearchKind kind);
 
 // Whether there is a note to look for.
 [[nodiscard]] bool HasMelody(const SearchParameters& parameters);

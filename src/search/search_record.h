@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "frame/filter_id.h"
+#include "frame/filter_catalogue.h"
 #include "platform/base/clock.h"
 #include "search/search_melody.h"
 
 namespace ts5 {
 
 enum class SearchKind : std::uint8_t { Midi, Score };
-[[nodiscard]] constexpr SearchKind SearchKindOf(FilterId filter) {
-  return filter == FilterId::ScoreSearch ? SearchKind::Score : SearchKind::Midi;
+[[nodiscard]] inline SearchKind SearchKindOf(FilterId filter) {
+  return Has(filter, kSearchesScores) ? SearchKind::Score : SearchKind::Midi;
 }
 
 enum class SearchEnd : std::uint8_t { Cancelled, Finished, Failed };

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "frame/failure_reason.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/casts.h"
@@ -41,14 +42,15 @@ bool EndsRun(Outcome code) {
 
 class SearchRun {
  public:
-  SearchRun(Run& run, const FileSearch& search, unsigned threads)
+  SearchRun(Run& run, const SearchParameters& parameters, const FileSearch& search, unsigned threads)
       : run_(run),
+        parameters_(parameters),
         search_(search),
         threads_(threads),
         naming_(run.GetJob(), run.Destination(), run.Files()) {}
 
   void Execute() {
-    record_ = RecordAtStart(run_.Module().id, run_.Parameters<SearchParameters>());
+    record_ = RecordAtStart(SearchKindOf(run_.GetJob().filter), parameters_);
     last_ = OpenTarget();
     if (Succeeded(last_)) {
       SearchFiles();
@@ -207,7 +209,7 @@ class SearchRun {
   Outcome PutInPlace(StagedFile& file) {
     if (target_.taking == Taking::Replace && IdentityOf(target_.name) != old_)
       target_.taking = Taking::Number;
-    const auto taken = TakeTarget(file, target_, naming_, {});
+    const auto taken = PutTarget(run_, file, target_, naming_, {});
     if (!taken) return taken.error();
     for (RunItem& item : run_.Result().items) item.destination = *taken;
     return Outcome::Success;
@@ -225,6 +227,7 @@ class SearchRun {
   }
 
   Run& run_;
+  const SearchParameters& parameters_;
   const FileSearch& search_;
   unsigned threads_;
   SearchRecord record_;
@@ -239,10 +242,11 @@ using SearchFunction = SearchOutcome (*)(const std::string& path, const MelodyQu
                                          const HitSink& sink, const CancelCheck& cancelled);
 
 FilterModule SearchModule(FilterId filter, SearchFunction search) {
+  const SearchKind kind = SearchKindOf(filter);
   ModuleOf<SearchParameters> module;
   module.id = filter;
-  if (filter != FilterId::MidiSearch) module.defaults.options.tolerance = Tolerance::None;
-  module.fields = SearchFields(filter);
+  if (kind == SearchKind::Score) module.defaults.options.tolerance = Tolerance::None;
+  module.fields = SearchFields(kind);
   module.remarks = kRemarks;
   module.missing = [](const SearchParameters& parameters) -> std::optional<TextId> {
     if (HasMelody(parameters)) return std::nullopt;
@@ -251,23 +255,25 @@ FilterModule SearchModule(FilterId filter, SearchFunction search) {
   module.run = [search](Run& run, const SearchParameters& parameters) {
     MelodyQuery query = {parameters.melody.elements, parameters.options, {}};
     for (const SearchMelody& melody : parameters.more) query.more.push_back(melody.elements);
-    RunMelodySearch(run, [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
+    const auto one = [&](const std::string& path, const HitSink& sink, const CancelCheck& cancelled) {
       return search(path, query, sink, cancelled);
-    });
+    };
+    RunMelodySearch(run, parameters, one);
   };
   return MakeModule(std::move(module));
 }
 
 }  // namespace
 
-void RunMelodySearch(Run& run, const FileSearch& search, unsigned threads) {
+void RunMelodySearch(Run& run, const SearchParameters& parameters, const FileSearch& search,
+                     unsigned threads) {
   if (threads == 0) threads = std::clamp(std::thread::hardware_concurrency(), 1U, kMostThreads);
-  SearchRun(run, search, threads).Execute();
+  SearchRun(run, parameters, search, threads).Execute();
 }
 
-SearchRecord RecordAtStart(FilterId filter, const SearchParameters& parameters) {
+SearchRecord RecordAtStart(SearchKind kind, const SearchParameters& parameters) {
   SearchRecord record;
-  record.kind = SearchKindOf(filter);
+  record.kind = kind;
   record.melodyName = parameters.melody.name;
   for (const SearchMelody& melody : parameters.more) record.melodyName += ", " + melody.name;
   record.notes = static_cast<std::size_t>(

@@ -162,6 +162,17 @@ TEST(Edits, PasteKeepsPlacesToEachOtherAndTakesTheObject) {
   EXPECT_EQ(layout.elements[2].object, ArtworkObjectId::Booklet);
 }
 
+TEST(Edits, ALayoutTakesNoMoreElementsThanCanBeRead) {
+  LayoutEditor editor(LayoutOf(std::vector<Box>(kMaxElements, Box{0, 0, 10, 10})), 3);
+  const auto more = [](ArtworkLayout& layout, Selection& selection) { Append(layout, selection, {}); };
+  editor.Select({7});
+  EXPECT_FALSE(editor.Apply(more));
+  EXPECT_EQ(editor.Layout().elements.size(), kMaxElements);
+  EXPECT_THAT(editor.Selected(), ElementsAre(7));
+  EXPECT_FALSE(editor.CanUndo());
+  EXPECT_TRUE(LayoutFromRecord(LayoutRecord(editor.Layout())));
+}
+
 TEST(Edits, DrawsFromCornerToCornerAndEllipsesFromTheirCentre) {
   EXPECT_EQ(DrawnBox({50, 50}, {20, 90}, false, false), QRectF(20, 50, 30, 40));
   EXPECT_EQ(DrawnBox({50, 50}, {20, 90}, false, true), QRectF(20, 50, 30, 30));
@@ -307,7 +318,7 @@ TEST(Templates, EveryShippedLayoutIsWhole) {
   const std::vector<Template> templates = LoadTemplates(TemplateDirectory());
   ASSERT_GE(templates.size(), 8U);
   PrepareDrawing();
-  std::vector<Background> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
+  std::vector<Background> stored = {{0x123456, 0, 0, "Eigener"}};
   BackgroundList list({.load = [&] { return stored; },
                        .save =
                            [&](const std::vector<Background>& all) {
@@ -320,6 +331,7 @@ TEST(Templates, EveryShippedLayoutIsWhole) {
     for (const ArtworkElement& element : adopted->elements) {
       const auto* const image = std::get_if<Image>(&element.content);
       EXPECT_TRUE(image == nullptr || !Pictures::SizeOf(image->file).isEmpty()) << row.name;
+      EXPECT_TRUE(image == nullptr || image->fill.background == kNoGround) << row.name;
     }
     EXPECT_TRUE(LayoutFromRecord(LayoutRecord(*adopted))) << row.name;
   }

@@ -165,6 +165,20 @@ TEST_F(Painter, PicturesAreMirroredAndMissingOnesAreNamed) {
   EXPECT_NEAR(ink(file, kMirrorHorizontal).center().x(), 895, 8);
   EXPECT_TRUE(QRect(0, 0, 1000, 500).contains(ink(directory.File("fehlt.png"), 0)));
 
+  // Through a picture what lies below is seen, unless it has a background of its own.
+  QImage clear(2, 2, QImage::Format_ARGB32);
+  clear.fill(Qt::transparent);
+  const std::string glass = directory.File("glas.png");
+  ASSERT_TRUE(clear.save(QString::fromStdString(glass)));
+  const auto seen = [&](std::int32_t background) {
+    layout_.elements = {
+        {ArtworkObjectId::Inlay, Filled({0, 1}), false, 0, 0, 0, false, {0, 0, 1000, 500}},
+        {ArtworkObjectId::Inlay, Image{{0, background}, 0, glass}, false, 0, 0, 0, false, {0, 0, 1000, 500}}};
+    return Drawn(ArtworkObjectId::Inlay).pixelColor(990, 5);
+  };
+  EXPECT_GT(seen(kNoGround).blue(), 245) << "the end of what runs across below it";
+  EXPECT_GT(seen(2).red(), 240) << "the start of its own, which runs down";
+
   // A drawing that names another file is none to be shown.
   const auto drawing = [&](const std::string& body) {
     const std::string path = directory.File("z.svg");
@@ -186,11 +200,43 @@ TEST_F(Painter, PicturesAreMirroredAndMissingOnesAreNamed) {
   EXPECT_EQ(drawing(inside(picture.readAll())), QSize(9, 9));
 }
 
+TEST_F(Painter, ADrawingStaysOneInADocument) {
+  const test::TemporaryDirectory directory;
+  const std::string file = directory.File("z.svg");
+  std::ofstream(file) << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><circle r='4'/></svg>";
+  const auto keepsLines = [&](std::int32_t transparency) {
+    layout_.elements = {
+        {ArtworkObjectId::Inlay, Image{{transparency, 0}, 0, file}, false, 0, 0, 0, false, {0, 0, 900, 900}}};
+    const std::string path = directory.File("z.pdf");
+    auto staged = StagedFile::Create(path);
+    EXPECT_TRUE(staged);
+    PdfDocument document(*staged, "z");
+    EXPECT_TRUE(document.BeginPage({210, 297}, {}));
+    PaintObject(document.Page(), {layout_, backgrounds_, pictures_, false, kPicturesDpi},
+                ArtworkObjectId::Inlay);
+    EXPECT_EQ(document.Finish(), Outcome::Success);
+    EXPECT_EQ(staged->Commit(), Outcome::Success);
+    return test::Content(path).find("/Subtype /Image") == std::string::npos;
+  };
+  EXPECT_TRUE(keepsLines(0));
+  EXPECT_FALSE(keepsLines(40)) << "what is below shines through all of it alike";
+}
+
 TEST_F(Painter, ObjectsOfOtherSizesScaleTheirElements) {
   ArtworkElement element{ArtworkObjectId::Label, Ellipse{}, false, 0, 0, 0, false, {0, 0, 1170, 1170}};
   ArtworkObject& label = layout_.Object(ArtworkObjectId::Label);
   label.size = {80, 20};
   EXPECT_EQ(PlaceOf(element, label), QRectF(0, 0, 80, 80));
+  element.box = {485, 234, 685, 351};
+  EXPECT_NEAR(PlaceOf(element, label).center().x(), 40, 1e-9)
+      << "what is in the middle of a disc stays there";
+  EXPECT_NEAR(PlaceOf(element, label).top(), 16, 1e-9);
+  // Of the others a distance from the edge grows by its part of what the side has more.
+  element.object = ArtworkObjectId::Inlay;
+  ArtworkObject& inlay = layout_.Object(ArtworkObjectId::Inlay);
+  inlay.size = {160, 118};
+  element.box = {480, 100, 630, 200};
+  EXPECT_EQ(PlaceOf(element, inlay), QRectF(48 + 10 / (160 / 48.0), 10, 16, 10));
   EXPECT_EQ(PageOf({297, 210}).orientation(), QPageLayout::Landscape);  // the sides count
 }
 

@@ -76,11 +76,11 @@ def section(name, rows):
     return "[%s]\r\n" % name + "".join("%s=%s\r\n" % row for row in rows)
 
 
-def layout(path, elements, wide=(260, 297)):
+def layout(path, elements, wide=(260, 297), label=(117, 40)):
     text = section("sd4 Layout File", [("======", "=" * 46), ("Stop!!", "x"), ("Papierformat", 3),
                                        ("ElementNum", len(elements))])
     paper = (210, 297)
-    for name, size, sheet in (("Label", (117, 40), paper), ("Inlay", (150, 118), paper), ("Booklet", (242, 120), wide)):
+    for name, size, sheet in (("Label", label, paper), ("Inlay", (150, 118), paper), ("Booklet", (242, 120), wide)):
         text += section(name, [("Papersize", "%i %i" % sheet), ("Portrait", 1), ("Position", "%i 148" % (sheet[0] // 2)),
                                ("Size", "%i %i" % size)])
     for i, rows in enumerate(elements):
@@ -192,6 +192,30 @@ def sheets(bench):
     check("cut mark of the front", page.line(middle - 65, gap - 4, middle - 55, gap - 4), 4.5)
 
 
+def marks(bench):
+    layout(bench.file("l.awl"), [])
+    label, inlay = bench.pages("--set", "ArtPrintWhat=3", "--set", "ArtPrintMarks=3")
+    check("cut mark of the inlay: left", inlay.line(25, 85, 35, 85), 5)
+    check("cut mark of the inlay: right", inlay.line(185, 85, 175, 85), 5)
+    check("cut mark of the inlay: bottom", inlay.line(26, 200, 26, 212), 7)
+    check("fold mark of the inlay: left", inlay.line(33, 87.2, 40, 87.2), 3.3)
+    check("fold mark of the inlay: right", inlay.line(177, 87.2, 170, 87.2), 3.3)
+    check("mark above the disc", label.line(100, 86, 110, 86), 5)
+    check("mark in the hole: down", label.line(100, 147, 110, 147), 5)
+    check("mark in the hole: across", label.line(104, 140, 104, 155), 8)
+
+
+def small_disc(bench):
+    words = "H" * 20
+    layout(bench.file("l.awl"), [text(LABEL, (285, 150, 885, 200), words, 2)], label=(80, 20))
+    (page,) = bench.pages("--set", "ArtPrintWhat=1", "--set", "ArtPrintBorder=1")
+    check("disc of 80 mm: left edge", page.line(50, 148, 75, 148), 15)
+    (page,) = bench.pages("--set", "ArtPrintWhat=1")
+    ink = page.ink(75, 148 - 40 + 9, 135, 148 - 40 + 15)
+    check("disc of 80 mm: text in its middle", ink and (ink[0] + ink[2]) / 2, 105)
+    check("disc of 80 mm: width of the text", ink and ink[2] - ink[0], 60 * 80 / 117, 60 * 0.02)
+
+
 def fitted(bench):
     layout(bench.file("l.awl"), [])
     bench.run("layout", "fit", "PDF-Datei", "--offset", "2.5,-1.5", "--scale", "101,99")
@@ -204,6 +228,9 @@ def fitted(bench):
     check("calibration page: line down", page.line(12, 30, 25, 30), 8)
     check("calibration page: line across", page.line(45, 12, 45, 25), 8)
     check("calibration page: end of the line across", page.line(130, 18.8, 118, 18.8), 10)
+    check("calibration page: end of the line down", page.line(18.8, 130, 18.8, 118), 10)
+    check("calibration page: five centimetres from the left", page.line(48, 9, 52, 9), 2)
+    check("calibration page: ten centimetres from the top", page.line(9, 98, 9, 102), 2)
 
 
 if len(sys.argv) != 2:
@@ -212,7 +239,7 @@ if shutil.which("pdftoppm") is None:
     sys.exit(77)
 with tempfile.TemporaryDirectory() as directory:
     bench = Bench(os.path.abspath(sys.argv[1]), directory)
-    for part in (lines_to_cut_and_fold, texts_and_colours, sheets, fitted):
+    for part in (lines_to_cut_and_fold, texts_and_colours, sheets, marks, small_disc, fitted):
         part(bench)
 print("%i faults" % faults)
 sys.exit(faults != 0)

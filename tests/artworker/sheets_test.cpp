@@ -75,6 +75,21 @@ TEST(Sheets, LabelsLieEvenlyOrInTheirDistanceAndBeginAtTheFirstFreePlace) {
   EXPECT_THAT(middles(), ElementsAre(QPointF(150, 70), QPointF(60, 190.5)));
 }
 
+TEST(Sheets, OneDocumentForEachPaperWhicheverWayUp) {
+  ArtworkerParameters parameters;
+  const auto sheets = [&] {
+    std::vector<std::size_t> counts;
+    for (const SheetPlan& document : ByPaper(PlanSheets(parameters)))
+      counts.push_back(document.sheets.size());
+    return counts;
+  };
+  EXPECT_THAT(sheets(), ElementsAre(3)) << "the booklet's A4 lies across";
+  parameters.layout.Object(Id::Inlay).sheet = {148, 210};
+  EXPECT_THAT(sheets(), ElementsAre(1, 1, 1));
+  parameters.printWhat = 5;
+  EXPECT_THAT(sheets(), ElementsAre(2));
+}
+
 TEST(Sheets, MarksStandBesideTheirObject) {
   constexpr double kDots = 10;  // to a millimetre
   const ArtworkLayout layout = NewLayout();

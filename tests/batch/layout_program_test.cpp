@@ -83,6 +83,58 @@ TEST_F(LayoutProgram, OnlyThePageToMeasureTheFitIsPrintedToo) {
   EXPECT_EQ(json::parse(Run({"layout", "fit", "Laser", "--json"}).out), fit);
 }
 
+TEST_F(LayoutProgram, ADocumentThatCannotBeWrittenLeavesTheOldOne) {
+  folder_.Write("cd.pdf", "alt");
+  for (const rlim_t limit : {rlim_t{1}, rlim_t{6000}}) {
+    Program full({"run", "Artworker", "--layout", "cd.awl", "--json", "--overwrite", "yes"}, folder_.Path(),
+                 folder_.File("r.sqlite"), limit);
+    const ProgramEnd end = full.Wait();
+    EXPECT_EQ(end.status, 1) << end.err;
+    EXPECT_LT(json::parse(end.out)["items"][0]["code"], 0);
+    EXPECT_EQ(Content(folder_.File("cd.pdf")), "alt");
+    EXPECT_EQ(Listing(folder_.Path()), "cd.awl cd.pdf r.sqlite");
+  }
+  folder_.Write("kaputt.awl", "[sd4 Layout File]\r\nStop!!=x\r\n");
+  EXPECT_EQ(Print({"--layout", "kaputt.awl"}).status, 1);
+  EXPECT_EQ(Content(folder_.File("cd.pdf")), "alt");
+}
+
+TEST_F(LayoutProgram, APrinterGetsADocumentForEachPaperAndMayVanish) {
+  const auto script = [&](const std::string& name, const std::string& body) {
+    folder_.Write(name, "#!/bin/sh\n" + body);
+    std::filesystem::permissions(folder_.File(name), std::filesystem::perms::owner_all);
+  };
+  script("lpstat", "echo Laser\n");
+  script("lpoptions", "echo 'PageSize/Media Size: *A4 A5'\n");
+  script("lp", "printf '%s\\n' \"$*\" >> '" + folder_.File("lp.txt") + "'\n");
+  const auto print = [&] {
+    Program program({"run", "Artworker", "--layout", "cd.awl", "--json", "--printer", "Laser"},
+                    folder_.Path(), folder_.File("r.sqlite"), 0,
+                    {{"PATH", folder_.Path() + ":/bin:/usr/bin"}});
+    return program.Wait();
+  };
+  EXPECT_EQ(print().status, 0);
+  EXPECT_THAT(Content(folder_.File("lp.txt")),
+              testing::AllOf(HasSubstr("-d Laser"), HasSubstr("print-scaling=none"), HasSubstr("media=A4")));
+  auto layout = artworker::LoadLayout(folder_.File("cd.awl"));
+  ASSERT_TRUE(layout);
+  layout->Object(artworker::ArtworkObjectId::Inlay).sheet = {148, 210};
+  ASSERT_EQ(artworker::SaveLayout(*layout, folder_.File("cd.awl")), Outcome::Success);
+  folder_.Write("lp.txt", "");
+  EXPECT_EQ(print().status, 0);
+  const std::string sent = Content(folder_.File("lp.txt"));
+  EXPECT_EQ(std::ranges::count(sent, '\n'), 3) << sent;
+  EXPECT_THAT(sent, HasSubstr("media=A5"));
+  script("lp", "case \"$*\" in *media=A5*) exit 1;; esac\n");
+  const json half = json::parse(print().out);
+  EXPECT_EQ(half["items"][0]["code"], -801);
+  EXPECT_EQ(half["lines"][0]["count"], 1) << "what was taken before has been printed";
+  script("lp", "exit 1\n");
+  EXPECT_EQ(json::parse(print().out)["items"][0]["code"], -801);
+  script("lpoptions", "echo 'PageSize/Media Size: *Letter'\n");
+  EXPECT_EQ(json::parse(print().out)["items"][0]["code"], -5) << "nobody says that other paper will do";
+}
+
 TEST_F(LayoutProgram, FieldsAreFilledFromTheFilesThatAreGiven) {
   const auto picture = [&](const std::vector<std::string>& files) {
     std::vector<std::string> line{"--png", ".", "--set", "ArtPrintWhat=2"};
@@ -128,6 +180,8 @@ TEST(DiscFacts, ComeFromTheBurnerOfTheSameTitleElseFromTheSourcesThemselves) {
   ASSERT_EQ(alone.tracks.size(), 2U);
   EXPECT_EQ(alone.tracks[1].title, "Morgenlied");
   EXPECT_EQ(alone.performer, "Chor") << "what all tracks say goes for the disc";
+  own.files.Append({.path = test::DataPath("audio/ogg_vorbis_mono_11025.ogg")});
+  EXPECT_EQ(FactsOfDisc(own, {}, DiscReading::AtHand).tracks.back().time.count(), 1) << "measured";
   own.files.Clear();
   EXPECT_FALSE(FactsOfDisc(own, {}, DiscReading::AtHand).Known());
 }

@@ -207,6 +207,23 @@ TEST(MusicXmlReader, KnowsWhatElementsMean) {
   }
 }
 
+TEST(MusicXmlWriter, GivesAnArpeggioToEachNoteAndOtherSignsToOne) {
+  const std::string chord = "<notations><arpeggiate/><fermata/></notations>";
+  const auto score =
+      ReadMusicXml(BytesOf(Partwise(Measure(Note("C", 4, chord) + Note("E", 4, "", "<chord/>")))));
+  ASSERT_TRUE(score);
+  LossReport losses;
+  const std::string xml = WriteMusicXml(score->document, losses).value_or("");
+  const auto count = [&xml](std::string_view what) {
+    std::size_t found = 0;
+    for (std::size_t at = xml.find(what); at != std::string::npos; at = xml.find(what, at + 1)) ++found;
+    return found;
+  };
+  EXPECT_EQ(count("<note>"), 2U);
+  EXPECT_EQ(count("<arpeggiate"), 2U);
+  EXPECT_EQ(count("<fermata"), 1U);
+}
+
 TEST(MusicXmlReader, KnowsBarsRepeatsAndJumps) {
   const auto bar = [](std::string_view number, std::string_view content) {
     return Format("<measure number='%s'>%s</measure>", number, content);

@@ -121,6 +121,8 @@ keys Escape
 [ "$(head -c 4 "$HOME/Musik/Gymnopédie Nr. 1.rdl")" = RDL3 ] || fail "the player changed the sequencer file"
 
 # --- a sound server that hangs keeps nobody from leaving
+closed '^Playback-Parameter' || fail "the window of the MIDI player stays"
+to_main
 keys ctrl+Return
 within 10 sounds || fail "the MIDI file does not sound again"
 kill -STOP "$sound"

@@ -35,6 +35,20 @@ recorder_menu() {
 status() { "$console" cd list --json | python3 -c "
 import json, sys
 print(next((d['disc'] or {}).get('status', '') for d in json.load(sys.stdin)['drives'] if d['name'] == '$recorder'))"; }
+# change_to TITLE: the tile that opens those parameters. The change of the filter costs the list of the project, and is
+# asked about.
+change_to() {
+  local y
+  for y in $(seq 90 20 700); do
+    click 100 "$y"
+    sleep 0.5
+    keys alt+j
+    sleep 0.7
+    ! shown "$1" >/dev/null || return 0
+    xdotool key Escape
+  done
+  return 1
+}
 # burn NAME: the run, up to its results.
 burn() {
   to_main
@@ -131,20 +145,7 @@ closed '^Eigenschaften von Track' || fail "the track information stays"
 to_main
 click 620 135
 all_files
-# The change of the filter costs the list of the project, and is asked about.
-grabber=
-for y in $(seq 170 20 290); do
-  click 100 "$y"
-  sleep 0.5
-  keys alt+j
-  sleep 0.7
-  if shown '^CD-Grabber-Parameter' >/dev/null; then
-    grabber=1
-    break
-  fi
-  xdotool key Escape
-done
-[ -n "$grabber" ] || fail "no tile opens the grabber"
+change_to '^CD-Grabber-Parameter' || fail "no tile opens the grabber"
 keys alt+o
 picture 18-grabber
 keys alt+g
@@ -173,8 +174,8 @@ click 500 78
 sleep 0.5
 keys End Up Return
 sleep 2
-click 620 135
-tile '^CD-Kopierer-Parameter' >/dev/null || fail "no tile opens the copier"
+# A disc is copied whole: no track is marked.
+change_to '^CD-Kopierer-Parameter' || fail "no tile opens the copier"
 picture 21-copier
 keys Return
 closed '^CD-Kopierer-Parameter' || fail "the copier's parameters were not taken"

@@ -7,9 +7,12 @@ program=$(realpath "$program")
 console=$(dirname "$program")/ts5-batch
 [ -x "$console" ] || console=$(dirname "$program")/../batch/ts5-batch
 work=$(mktemp -d)
-display=:$((90 + RANDOM % 9))
-Xvfb "$display" -screen 0 1280x860x24 >/dev/null 2>&1 &
+# The server takes a display that is free, and says which.
+mkfifo "$work/display"
+Xvfb -displayfd 3 -screen 0 1280x860x24 3>"$work/display" >/dev/null 2>&1 &
 server=$!
+read -r display <"$work/display"
+display=:$display
 sound=
 app=
 cleanup() {

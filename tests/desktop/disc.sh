@@ -42,8 +42,7 @@ picture 3-tracks
 click 620 135
 keys shift+End
 picture 4-selected
-click 100 95
-player=$(window '^Playback-Parameter') || fail "no tile opens the audio player"
+player=$(tile '^Playback-Parameter') || fail "no tile opens the audio player"
 to_main
 keys ctrl+Return
 within 10 sounds || fail "nothing sounds"
@@ -65,7 +64,7 @@ closed '^Playback-Parameter' || fail "the window of the player stays"
 
 # --- tracks are dragged into the free list
 to_main
-drag_selection 135 312
+drag_selection 135 293
 xdotool mouseup 1
 sleep 1
 keys F10

@@ -26,7 +26,7 @@ for i in range(count):
         open(f"{work}/wave/{name}.wav", "wb").write(b"kein Wave")
         continue
     shutil.copy(random.choice(songs), f"{work}/midi/{name}.mid")
-    data = random.randbytes(2 * random.randrange(2000, 60000))
+    data = random.randbytes(2 * random.randrange(2000, 300000))
     head = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + len(data), b"WAVE", b"fmt ", 16, 1, 1, 44100, 88200, 2, 16,
                        b"data", len(data))
     open(f"{work}/wave/{name}.wav", "wb").write(head + data)

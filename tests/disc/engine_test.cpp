@@ -4,14 +4,15 @@
 #include <deque>
 #include <thread>
 
-#include "disc/crc32.h"
 #include "disc/disc_memory.h"
 #include "disc/disc_plan.h"
 #include "disc/pause_search.h"
+#include "disc/read_ahead.h"
 #include "disc/recorder.h"
 #include "disc/track_reader.h"
 #include "disc/track_texts.h"
 #include "platform/disc/cue_data.h"
+#include "platform/files/digest.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -89,7 +90,7 @@ TEST(Crc32, IsTheUsualOne) {
   Crc32 crc;
   crc.Add(AsBytes("12345"));
   crc.Add(AsBytes("6789"));
-  EXPECT_EQ(Crc32Text(crc.Value()), "CBF43926");
+  EXPECT_EQ(crc.Text(), "CBF43926");
 }
 
 // --- what is known of tracks and discs
@@ -142,23 +143,61 @@ TEST(DiscMemory, KnowsADiscByItsTableOfContents) {
 }
 
 TEST(SectorPipe, KeepsOrderAndEndsFromBothSides) {
-  SectorPipe pipe(1000);
   Bytes sent(5000);
   for (std::size_t i = 0; i < sent.size(); ++i) sent[i] = static_cast<std::uint8_t>(i * 7);
-  Bytes got;
-  {
-    std::jthread reader([&] {
-      Bytes part(333);
-      for (std::size_t count = pipe.Read(part); count > 0; count = pipe.Read(part))
-        got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
-    });
-    EXPECT_TRUE(pipe.Write(sent));
-    pipe.CloseWriting();
+  // What is read at once is more than the pipe holds, or less.
+  for (const std::size_t capacity : {1U, 10U, 333U, 1000U}) {
+    for (const auto read : {&SectorPipe::Read, &SectorPipe::ReadSome}) {
+      SectorPipe pipe(capacity);
+      Bytes got;
+      std::jthread reader([&] {
+        Bytes part(333);
+        for (std::size_t count = (pipe.*read)(part); count > 0; count = (pipe.*read)(part))
+          got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
+      });
+      EXPECT_TRUE(pipe.Write(sent));
+      pipe.CloseWriting();
+      reader.join();
+      EXPECT_EQ(got, sent) << capacity;
+    }
   }
-  EXPECT_EQ(got, sent);
   SectorPipe broken(10);
   broken.CloseReading();
   EXPECT_FALSE(broken.Write(sent));
+}
+
+// A source that fails after so many bytes.
+class FailingSound final : public SoundSource {
+ public:
+  explicit FailingSound(std::size_t bytes) : sound_(Bytes(bytes, 3)) {}
+  Result<std::size_t> Read(std::span<std::uint8_t> out) override {
+    auto got = sound_.Read(out);
+    return *got == 0 ? Failure(Outcome::ReadFailed) : got;
+  }
+
+ private:
+  BytesSound sound_;
+};
+
+TEST(ReadAhead, GivesAllUpToTheFailureAndLetsGoBeforeTheEnd) {
+  constexpr std::size_t kSound = 900 * kAudioSectorBytes;  // more than the pipe holds
+  FailingSound sound(kSound);
+  Crc32 crc;
+  Bytes got;
+  {
+    ReadAhead ahead(sound, &crc);
+    Bytes part(100 * kAudioSectorBytes);
+    for (std::size_t count = ahead.Read(part); count > 0; count = ahead.Read(part))
+      got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
+  }
+  EXPECT_EQ(got, Bytes(kSound, 3));
+  Crc32 whole;
+  whole.Add(got);
+  EXPECT_EQ(crc.Value(), whole.Value());
+
+  BytesSound left(Bytes(2 * kSound));
+  Bytes one(kAudioSectorBytes);
+  EXPECT_EQ(ReadAhead(left, nullptr).Read(one), one.size());
 }
 
 // --- steps without threads

@@ -5,6 +5,7 @@
 #include "disc/copier.h"
 #include "disc/disc_codes.h"
 #include "disc/grabber.h"
+#include "disc/verify.h"
 #include "disc_support.h"
 #include "frame/texts.h"
 #include "platform/disc/disc_image.h"
@@ -174,7 +175,10 @@ TEST_P(BurnFaults, HaveACodeAndSpoilNoMoreThanTheyMust) {
         {std::string(text.substr(0, text.find('='))), std::string(text.substr(text.find('=') + 1))}};
   const RunResult result = Execute(BurnerModule(), order);
   EXPECT_EQ(result.items[0].code, fault.code);
-  EXPECT_FALSE(result.remarks.empty());
+  ASSERT_FALSE(result.remarks.empty());
+  // Beside a number stands what it means.
+  if (fault.code == code::kDiscNotBurnt || fault.code == code::kTrackNotBurnt)
+    EXPECT_EQ(result.remarks.size(), 2) << testing::PrintToString(result.remarks);
   EXPECT_EQ(StatusName(RecordedDisc::Load(disc)->status), StatusName(fault.status));
 }
 
@@ -206,6 +210,23 @@ INSTANTIATE_TEST_SUITE_P(
         FaultCase{"BufferFull", R"([{"op":"2A","skip":2,"times":3,"sense":"02/04/08"}])", "", 0,
                   Status::Finalized}),
     [](const testing::TestParamInfo<FaultCase>& param) { return param.param.name; });
+
+TEST_F(BurnTest, ADiscIsComparedWithWhatIsStillThere) {
+  const std::string directory = Blank("disc");
+  (void)Execute(BurnerModule(), ThreeFiles());
+  const RecordedDisc disc = *RecordedDisc::Load(directory);
+  auto drive = CdDrive::Open(VirtualRecorderDirectory());
+  ProjectTrack track;
+  track.bytes = disc.layout.tracks.front().sectors * kAudioSectorBytes;
+  track.open = [] { return Failure(Outcome::SourceFailed); };
+  const std::vector<ProjectTrack> gone(disc.layout.tracks.size(), track);
+  EXPECT_EQ(CompareDisc(*drive, disc.layout, gone, {}, {}).outcome, Outcome::SourceFailed);
+  DiscLayout other = disc.layout;
+  other.tracks.back().isrc = "DEAAA0000001";
+  const DiscComparison compared = CompareDisc(*drive, other, gone, {}, {});
+  EXPECT_EQ(compared.outcome, Outcome::NotProven);
+  EXPECT_EQ(compared.sector, other.tracks.back().start.value);
+}
 
 TEST_F(BurnTest, ADiscThatIsTooSmallIsSaidToBe) {
   Blank("disc", 74);

@@ -115,6 +115,30 @@ TEST(EncodeTest, OddLengthsComeBackExactly) {
   }
 }
 
+// Everything that the configuration of an engine offers makes a file that is proven.
+TEST(EncodeTest, EveryRateOfTheEngines) {
+  const TemporaryDirectory place;
+  const std::string source = WriteMusic(place, "in.wav", PcmFormat(44100, 16, 2), 5000);
+  const std::string target = place.File("out.mp3");
+  for (const Mp3Engine engine : {Mp3Engine::Lame, Mp3Engine::Blade}) {
+    for (const std::uint32_t rate : {48000U, 44100U, 32000U}) {
+      for (const std::uint32_t bitRate :
+           {32U, 40U, 48U, 56U, 64U, 80U, 96U, 112U, 128U, 144U, 160U, 192U, 224U, 256U, 320U}) {
+        for (const std::uint32_t flags : {0U, 1U, 2U, 3U}) {
+          SCOPED_TRACE(std::to_string(rate) + " " + std::to_string(bitRate) + " " + std::to_string(flags));
+          const EncodeSettings settings = Engine(engine, {{"EncoderVbr", 0},
+                                                          {"EncoderSampleRate", rate},
+                                                          {"EncoderMode", flags & 1U ? 3 : 0},
+                                                          {"EncoderCrc", flags >> 1},
+                                                          {"EncoderBitrate", bitRate}});
+          ASSERT_THAT(Encode(source, target, settings), IsOk());
+          ASSERT_THAT(ProveEncoding(source, target, settings), IsOk());
+        }
+      }
+    }
+  }
+}
+
 // Depths, rates and channels that the encoders do not take as they are.
 TEST(EncodeTest, EverySourceBecomesWhatTheEncoderTakes) {
   const TemporaryDirectory place;

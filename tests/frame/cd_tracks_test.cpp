@@ -73,6 +73,16 @@ TEST_F(VirtualDriveTracks, ADiscIsADirectoryOfTracks) {
   data_.Write("d.bin", std::string(4096, 'x'));
   ASSERT_THAT(InsertVirtualDisc(cue), test::IsOk());
   EXPECT_FALSE(FindAudioCd(VirtualCdDirectory())) << "a data disc";
+
+  data_.Write("spiel.bin", std::string(900 * 2352, 'x'));
+  const std::string mixed = data_.Write("spiel.cue",
+                                        "FILE spiel.bin BINARY\nTRACK 01 MODE1/2352\nINDEX 01 00:00:00\n"
+                                        "TRACK 02 AUDIO\nINDEX 01 00:04:00\n");
+  ASSERT_THAT(InsertVirtualDisc(mixed), test::IsOk());
+  const auto game = FindAudioCd(VirtualCdDirectory());
+  ASSERT_TRUE(game);
+  ASSERT_EQ(game->tracks.size(), 1);
+  EXPECT_EQ(game->tracks.front().number, 2);
 }
 
 TEST_F(VirtualDriveTracks, TracksOfAListAreThereWithTheirDisc) {

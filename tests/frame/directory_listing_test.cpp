@@ -13,9 +13,9 @@
 #include <optional>
 #include <thread>
 
-#include "platform/programs/event_loop.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
+#include "support/test_loop.h"
 
 namespace ts5 {
 namespace {
@@ -126,7 +126,28 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
   EXPECT_LT(seconds, 2.0);
 }
 
-constexpr std::chrono::seconds kPatience{30};
+TEST(DirectoryListing, ATreeComesDirectoryByDirectory) {
+  const test::TemporaryDirectory directory;
+  for (const char* name : {"z.mid", "Chor/b.mid", "Chor/Alt/a.mid", "Band/x.wav", "Band/x.mid",
+                           "Leer/notes.txt", ".versteckt/h.mid"})
+    directory.Write(name, "x");
+  std::filesystem::create_directory_symlink(directory.Path(), directory.File("Chor/rund"));
+  std::vector<std::string> names;
+  const auto sink = [&](std::vector<DirectoryItem> items) {
+    for (const DirectoryItem& item : items) names.push_back(item.name);
+  };
+  EXPECT_THAT(ListTree(directory.Path(), {}, {}, sink).outcome, test::IsOk());
+  EXPECT_THAT(names, ElementsAre("z.mid", "Band/x.wav", "Band/x.mid", "Chor/b.mid", "Chor/Alt/a.mid"));
+  names.clear();
+  std::stop_source stop;
+  const ListingEnd end =
+      ListTree(directory.Path(), {}, stop.get_token(), [&](std::vector<DirectoryItem> items) {
+        sink(std::move(items));
+        stop.request_stop();
+      });
+  EXPECT_EQ(end.outcome, Outcome::Cancelled);
+  EXPECT_THAT(names, ElementsAre("z.mid"));
+}
 
 DirectoryLister::Post PostTo(EventLoop& loop) {
   return [&loop](std::function<void()> event) { loop.Post(std::move(event)); };
@@ -135,7 +156,7 @@ DirectoryLister::Post PostTo(EventLoop& loop) {
 TEST(DirectoryLister, RunsOneListingAtATime) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  StandardEventLoop loop;
+  test::TestLoop loop;
   DirectoryLister lister(PostTo(loop));
   std::vector<std::string> names;
   int ends = 0;
@@ -147,12 +168,12 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
     EXPECT_FALSE(lister.Running());
     ++ends;
   };
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_FALSE(lister.Start(directory.Path(), sink, end)) << "ignored while the first one runs";
-  EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }, kPatience));
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
+  EXPECT_FALSE(lister.Start(directory.Path(), false, sink, end)) << "ignored while the first one runs";
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 1; }));
   EXPECT_THAT(names, ElementsAre("a.mid"));
-  EXPECT_TRUE(lister.Start(directory.Path(), sink, end));
-  EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }, kPatience));
+  EXPECT_TRUE(lister.Start(directory.Path(), false, sink, end));
+  EXPECT_TRUE(loop.RunUntil([&] { return ends == 2; }));
 }
 
 // A disc that does not answer holds up neither Cancel nor the next listing, and what it says later is
@@ -160,7 +181,7 @@ TEST(DirectoryLister, RunsOneListingAtATime) {
 TEST(DirectoryLister, CancelDoesNotWait) {
   const test::TemporaryDirectory directory;
   directory.Write("a.mid", "x");
-  StandardEventLoop loop;
+  test::TestLoop loop;
   const auto hold = std::make_shared<std::mutex>();  // the thread that is let go still uses it
   std::unique_lock held(*hold);
   std::atomic<int> answered = 0;
@@ -173,21 +194,21 @@ TEST(DirectoryLister, CancelDoesNotWait) {
                                         });
   const auto never = [](auto) { FAIL() << "a cancelled listing has reported"; };
   bool ended = false;
-  ASSERT_TRUE(lister->Start("/slow", never, never));
+  ASSERT_TRUE(lister->Start("/slow", false, never, never));
   lister->Cancel();
   EXPECT_FALSE(lister->Running());
   ASSERT_TRUE(lister->Start(
-      directory.Path(), [](auto) {}, [&](ListingEnd) { ended = true; }));
-  EXPECT_TRUE(loop.RunUntil([&] { return ended; }, kPatience));
+      directory.Path(), false, [](auto) {}, [&](ListingEnd) { ended = true; }));
+  EXPECT_TRUE(loop.RunUntil([&] { return ended; }));
 
-  ASSERT_TRUE(lister->Start(directory.Path(), never, never));
+  ASSERT_TRUE(lister->Start(directory.Path(), false, never, never));
   lister.reset();
   held.unlock();
   while (answered == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
   bool marker = false;
   loop.Post([&] { marker = true; });
-  EXPECT_TRUE(loop.RunUntil([&] { return marker; }, kPatience));
+  EXPECT_TRUE(loop.RunUntil([&] { return marker; }));
 }
 
 TEST(DirectoryTree, ShowsWhatCanBeExpanded) {

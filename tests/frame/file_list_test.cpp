@@ -133,5 +133,27 @@ TEST(FreeFileList, TotalAndSelectionSurviveAnyOrderOfOperations) {
   EXPECT_THAT(list.Selection(), IsEmpty());
 }
 
+TEST(FreeFileList, TakesAnotherOrder) {
+  FreeFileList list;
+  for (const char* path : {"/a", "/b", "/c"}) list.Append({.path = path});
+  list.Select({0, 1});
+  list.SetFocus(1);
+  for (const std::vector<std::size_t>& wrong :
+       std::vector<std::vector<std::size_t>>{{0, 1}, {0, 0, 1}, {0, 1, 3}, {0, 1, 2, 3}})
+    EXPECT_FALSE(list.Reorder(wrong));
+  EXPECT_TRUE(list.Reorder({2, 0, 1}));
+  EXPECT_EQ(list[0].path + list[1].path + list[2].path, "/c/a/b");
+  EXPECT_EQ(list.Selection(), (std::vector<std::size_t>{1, 2}));
+  EXPECT_EQ(list.Focus(), 2U);
+}
+
+TEST(DirectorySelection, NamesFilesFromTheDirectoryOn) {
+  const DirectorySelection selection{.path = "/m"};
+  EXPECT_EQ(selection.NameOf("/m/a.mid"), "a.mid");
+  EXPECT_EQ(selection.NameOf("/m/Chor/a.mid"), "Chor/a.mid");
+  EXPECT_EQ(selection.NameOf("/musik/a.mid"), "a.mid");
+  EXPECT_EQ((DirectorySelection{.path = "/"}).NameOf("/a/b.mid"), "a/b.mid");
+}
+
 }  // namespace
 }  // namespace ts5

@@ -26,44 +26,6 @@ TEST(FilterCatalogue, NamesFitTheirFieldsAndDiffer) {
   EXPECT_THAT(names, SizeIs(kFilterCount));
 }
 
-// One number over everything that a slip in the table would change.
-TEST(FilterCatalogue, RowsCarryTheirValues) {
-  const struct {
-    FilterId id;
-    std::size_t single, several, wholeList;
-    std::uint32_t kinds, panels, colour1, colour2;
-  } kRows[] = {
-      {FilterId::ScoreToMidi, 5, 5, 0, 1, 0x01, 0x00FF00, 0x800000},
-      {FilterId::MidiToScore, 3, 3, 0, 1, 0x01, 0xFF0000, 0x008000},
-      {FilterId::ScoreSearch, 5, 5, 5, 2, 0x05, 0xFF0000, 0x400000},
-      {FilterId::MidiSearch, 3, 3, 3, 2, 0x05, 0x00FF00, 0x004000},
-      {FilterId::MidiPlayer, 3, 3, 0, 1, 0x08, 0x00FF00, 0x004000},
-      {FilterId::MidiConverter, 3, 3, 0, 1, 0x01, 0x00FF00, 0x004000},
-      {FilterId::MidiToWave, 3, 3, 0, 1, 0x01, 0x0000FF, 0x008000},
-      {FilterId::AudioPlayer, 13, 13, 1, 1, 0x10, 0x0000FF, 0x000040},
-      {FilterId::WaveConverter, 2, 2, 0, 1, 0x01, 0x0000FF, 0x000040},
-      {FilterId::AudioCompressor, 2, 2, 0, 1, 0x01, 0xFF00FF, 0x000080},
-      {FilterId::AudioDecompressor, 11, 11, 0, 1, 0x01, 0x0000FF, 0xC800C8},
-      {FilterId::CdBurner, 0, 0, 11, 1, 0x20, 0x00FFFF, 0x004040},
-      {FilterId::CdGrabber, 1, 1, 1, 1, 0x01, 0xFFFF00, 0x404000},
-      {FilterId::CdCopier, 0, 0, 0, 1, 0x20, 0xC8C800, 0x202000},
-      {FilterId::ScorePlayer, 5, 5, 0, 1, 0x08, 0xC80000, 0x200000},
-      {FilterId::Artworker, 0, 0, 0, 1, 0x40, 0xFFFFFF, 0x000000},
-      {FilterId::XmlConverter, 4, 4, 0, 1, 0x01, 0x77A4FF, 0x0042CC},
-  };
-  for (const auto& row : kRows) {
-    const FilterDescriptor& filter = Descriptor(row.id);
-    EXPECT_EQ(filter.id, row.id);
-    EXPECT_THAT(filter.single, SizeIs(row.single)) << filter.identifier;
-    EXPECT_THAT(filter.several, SizeIs(row.several)) << filter.identifier;
-    EXPECT_THAT(filter.wholeList, SizeIs(row.wholeList)) << filter.identifier;
-    EXPECT_EQ(static_cast<std::uint32_t>(filter.destinations), row.kinds) << filter.identifier;
-    EXPECT_EQ(filter.panels, row.panels) << filter.identifier;
-    EXPECT_EQ(filter.colour1, row.colour1) << filter.identifier;
-    EXPECT_EQ(filter.colour2, row.colour2) << filter.identifier;
-  }
-}
-
 TEST(FilterCatalogue, FindsFiltersByAnyOfTheirNames) {
   EXPECT_EQ(FindFilter("midiconverter"), FilterId::MidiConverter);
   EXPECT_EQ(FindFilter("MIDI-KONVERTER"), FilterId::MidiConverter);

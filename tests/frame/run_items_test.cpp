@@ -188,9 +188,9 @@ TEST(RunItems, AnExceptionSpoilsItsOwnItemOnly) {
       if (source.ends_with(name)) throw std::bad_alloc();
     };
     FilterModule module = Module({.check =
-                                      [&](const FilterParameters& parameters, const std::string& source) {
+                                      [&](const std::string& source) {
                                         throws(source, "c.mid");
-                                        return test::CheckCopy(parameters, source);
+                                        return test::CheckCopy(source);
                                       },
                                   .convert =
                                       [&](ItemWork& work) {
@@ -253,8 +253,7 @@ TEST(RunItems, WhatTheCheckReadIsConverted) {
   };
   const TemporaryDirectory place;
   const FilterModule module = Module(
-      {.prepare = [](const FilterParameters&,
-                     const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
+      {.prepare = [](const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
          auto text = test::ReadText(source);
          if (!text) return Failure(text.error());
          auto item = std::make_unique<Text>();
@@ -364,6 +363,9 @@ TEST(FailureReason, TellsContentsApart) {
             "Der Inhalt von \"a.mid\" gehört zu keiner bekannten Art von Dateien.");
   EXPECT_EQ(reason("a.mid", "RIFF....WAVEfmt "), "Dem Inhalt nach ist \"a.mid\" eine Wave-Datei.");
   EXPECT_EQ(reason("a.stv", "MThd"), "Dem Inhalt nach ist \"a.stv\" eine Midi-Datei.");
+  // What the name says already is no news.
+  EXPECT_EQ(reason("a.MusicXML", "<?xml version='1.0'?>"), "");
+  EXPECT_EQ(reason("a.mxl", "PK\x03\x04"), "");
   EXPECT_EQ(reason("a.MID", "MThd"), "") << "as its name says";
   EXPECT_EQ(reason("a.mid", "", Outcome::Cancelled), "");
   EXPECT_EQ(reason("a.mid", "", Outcome::Success), "");
@@ -610,6 +612,25 @@ TEST(Run, ProgressIsOrderedThinnedOutAndComplete) {
   EXPECT_EQ(WholeOf(host->progress.back()), 1);
   EXPECT_TRUE(std::ranges::is_sorted(host->progress, {}, &RunProgress::item));
   EXPECT_EQ(host->results.size(), 1U);
+}
+
+TEST(RunItems, SubdirectoriesAreFoundAgainInTheTarget) {
+  const test::TemporaryDirectory place;
+  const FilterModule module = CopyModule();
+  Job job = ListJob({}, module);
+  job.sourceDrive = 0;
+  job.subdirectories = true;
+  job.directory = {.path = place.File("in"), .names = {"a.txt", "Chor/Alt/a.txt"}};
+  for (const std::string& name : job.directory.names) place.Write("in/" + name, "ok");
+  place.Write("in/Leer/b.txt", "wrong format");
+  job.directory.names.emplace_back("Leer/b.txt");
+  std::filesystem::create_directory(place.File("out"));
+  job.targetDirectory = place.File("out");
+  const RunResult result = RunJob(job, module, DestinationRulesOf(Settings{}, job));
+  EXPECT_EQ(result.counts[0], 2U);
+  EXPECT_EQ(test::Content(place.File("out/a.out")), "ok copied");
+  EXPECT_EQ(test::Content(place.File("out/Chor/Alt/a.out")), "ok copied");
+  EXPECT_FALSE(std::filesystem::exists(place.File("out/Leer"))) << "nothing came of what is there";
 }
 
 }  // namespace

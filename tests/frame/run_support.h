@@ -37,7 +37,7 @@ inline Result<std::string> ReadText(const std::string& path) {
   return std::string(AsText(*bytes));
 }
 
-inline Outcome CheckCopy(const FilterParameters&, const std::string& source) {
+inline Outcome CheckCopy(const std::string& source) {
   const auto text = ReadText(source);
   if (!text) return text.error();
   return text->starts_with("wrong format") ? Outcome::WrongFormat : Outcome::Success;

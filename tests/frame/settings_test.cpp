@@ -101,6 +101,8 @@ TEST(SettingsStore, EverySettingSurvivesTheRegistry) {
                     .fileSearchDirectories = "/a;/b",
                     .mainWindowPosition = WindowRectangle{10, 20, 1200, 900},
                     .mainWindowMaximised = false,
+                    .fileColumns = "Date Length",
+                    .fileSorting = "-Date",
                     .jobSaving = JobSaving::Ask,
                     .oldSearchResults = OldSearchResults::Extend,
                     .searchWholePath = true,
@@ -169,20 +171,6 @@ TEST(SettingsStore, ForgetsAMixerLineThatBearsAnotherName) {
   unnamed.recordMixerPosition = 5;
   CheckRecordMixer(unnamed, lines);
   EXPECT_EQ(unnamed.recordMixerPosition, 5) << "without a name there is nothing to compare";
-}
-
-TEST(SettingsForm, EnablesWhatCanBeChosen) {
-  const auto enabling = [](bool noDefault, bool sourceDirectory, bool useSuffix) {
-    SettingsForm form;
-    form.noTargetDefault = noDefault;
-    form.sourceDirectoryAsTarget = sourceDirectory;
-    form.useSuffix = useSuffix;
-    const ConversionPageEnabling e = EnablingOf(form);
-    return std::vector{e.directoryChoice, e.directory, e.suffixChoice, e.suffix};
-  };
-  EXPECT_THAT(enabling(false, true, true), ElementsAre(true, false, true, true));
-  EXPECT_THAT(enabling(false, false, false), ElementsAre(true, true, true, false));
-  EXPECT_THAT(enabling(true, false, true), ElementsAre(false, false, false, false));
 }
 
 class SettingsFormCheck : public testing::Test {

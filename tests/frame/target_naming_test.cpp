@@ -101,6 +101,12 @@ TEST(TargetNaming, NoTargetIsASourceOrAnotherTarget) {
   };
   const Case cases[] = {
       {"free", {"/m/a.stv"}, mid, replace, Files({"/m/a.stv"}), {"R /m/a.mid"}},
+      {"the same subdirectories",
+       {"/m/a.stv", "/m/Chor/Alt/a.stv", "/musik/a.stv"},
+       mid,
+       {.sourceDirectory = false, .directory = "/there", .structure = "/m"},
+       Files({}),
+       {"R /there/a.mid", "R /there/Chor/Alt/a.mid", "N! /there/a001.mid"}},
       {"there, replacing", {"/m/a.stv"}, mid, replace, Files({"/m/a.mid"}), {"R /m/a.mid"}},
       {"there, numbering", {"/m/a.stv"}, mid, number, Files({"/m/a.mid", "/m/a001.mid"}), {"N /m/a002.mid"}},
       {"free, numbering", {"/m/a.stv"}, mid, number, Files({"/m/a001.mid"}), {"N /m/a.mid"}},

@@ -177,9 +177,6 @@ TEST(DiscImage, SectorsOfManySizesLieInOneFile) {
   auto disc = DiscImage::Open(sheet);
   ASSERT_THAT(disc, IsOk());
   EXPECT_THAT(Starts(*disc), ElementsAre(0, 3, 5, 6, 8));
-  EXPECT_FALSE(disc->IsAudio(Lba{2}));
-  EXPECT_TRUE(disc->IsAudio(Lba{3}));
-  EXPECT_FALSE(disc->IsAudio(Lba{8}));
   EXPECT_EQ(AsText(ReadSectors(*disc, 3, 5)), audio + tail.substr(0, 2352) + audio);
   Bytes bytes(2 * kAudioSectorBytes);
   EXPECT_THAT(disc->ReadAudio(Lba{2}, bytes), FailsWith(Outcome::InvalidParameter)) << "data";

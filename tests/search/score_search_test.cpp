@@ -3,12 +3,16 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <random>
 
+#include "converters/score_formats.h"
+#include "platform/files/files.h"
 #include "score/score_log.h"
 #include "score_reference.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
+#include "search/score_items.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -245,6 +249,31 @@ TEST(ScoreSearchTest, DamageMakesAScoreUnsuitable) {
   EXPECT_EQ(code(directory.Write("alt.stv", "\x89\xE2\xB3\x74" + std::string(400, '\0'))),
             Outcome::WrongFormat);
   EXPECT_EQ(code(directory.Write("gut.stv", AsText(file))), Outcome::Success);
+}
+
+// A score of another format is searched as the score file that is made of it.
+TEST(ScoreSearchTest, ADocumentHasTheItemsOfItsFile) {
+  std::size_t items = 0;
+  const auto check = [&](const std::string& path, ScoreDetail detail) {
+    SCOPED_TRACE(path);
+    const auto file = ReadFile(path);
+    ASSERT_TRUE(file);
+    const auto image = ScoreImageOf(*file);
+    const auto score = ReadAnyScore(*file, {}, detail);
+    ASSERT_TRUE(image && score);
+    const auto info = ReadScoreInfo(*image);
+    ASSERT_TRUE(info);
+    const auto lines = ReadScoreItems(score->document);
+    ASSERT_TRUE(lines);
+    EXPECT_EQ(*lines, ReadScoreItems(*image, *info).value());
+    for (const ScoreLine& line : *lines) items += line[0].size();
+  };
+  for (const auto& entry : std::filesystem::directory_iterator(DataPath("musicxml")))
+    check(entry.path().string(), ScoreDetail::Notes);
+  for (const auto& entry : std::filesystem::directory_iterator(DataPath("../../demo"))) {
+    if (entry.path().extension() == ".stv") check(entry.path().string(), ScoreDetail::Whole);
+  }
+  EXPECT_GT(items, 1500U);
 }
 
 TEST(ScoreSearchTest, RestsAtTheEndsOfAMelodyDoNotCount) {

@@ -7,6 +7,7 @@
 #include <random>
 #include <thread>
 
+#include "frame/run_support.h"
 #include "search/directory_walk.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
@@ -24,13 +25,9 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-// Records what a run says; answers its questions with one answer.
-class Host : public RunHost {
+// Keeps the hits; answers questions with one answer.
+class Host : public test::RecordingHost {
  public:
-  void Progress(const RunProgress&) override {}
-  void TaskText(std::string_view) override {}
-  void StatusText(std::string_view text) override { status.emplace_back(text); }
-  void ProtocolLine(std::string_view) override {}
   Outcome Hit(const SearchHit& hit) override {
     hits.push_back(hit);
     if (onHit) onHit();
@@ -40,16 +37,11 @@ class Host : public RunHost {
     questions.push_back(question->Text().text);
     question->Reply(answer);
   }
-  void Notice(std::string_view, MessageIcon) override {}
-  void StateChanged(RunState) override {}
-  void Finished(const RunResult&) override {}
 
   Answer answer = Answer::Yes;
   std::size_t full = 0;  // the hit that finds no memory any more
   std::function<void()> onHit;
   std::vector<SearchHit> hits;
-  std::vector<std::string> status;
-  std::vector<std::string> questions;
 };
 
 constexpr std::string_view kTune = "60:240,62:240,64:240";
@@ -80,12 +72,12 @@ class SearchRunTest : public testing::Test {
   RunResult Search(unsigned threads = 1) {
     host_->hits.clear();
     ts5::Run run({.job = job_, .settings = settings_, .destination = rules_}, module_, state_, host_);
-    const FileSearch search = [this](const std::string& path, const HitSink& sink,
-                                     const CancelCheck& cancelled) {
-      const auto& parameters = static_cast<const SearchParameters&>(*job_.parameters);
+    const auto& parameters = As<SearchParameters>(*job_.parameters);
+    const FileSearch search = [&parameters](const std::string& path, const HitSink& sink,
+                                            const CancelCheck& cancelled) {
       return SearchMidiFile(path, {parameters.melody.elements, parameters.options}, sink, cancelled);
     };
-    RunMelodySearch(run, search, threads);
+    RunMelodySearch(run, parameters, search, threads);
     return run.Result();
   }
   void AddFile(std::string_view name, std::string_view content) {

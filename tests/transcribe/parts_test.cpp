@@ -85,6 +85,9 @@ TEST(Spelling, FollowsTheKeyAndItsNeighbours) {
   EXPECT_EQ(Letters(5, {59, 61, 63, 64, 66, 68, 70, 71}), "BC#D#EF#G#A#B");
   EXPECT_EQ(Letters(0, {69, 71, 72, 74, 76, 77, 80, 81, 76, 72, 69}), "ABCDEFG#AECA");
   EXPECT_EQ(Letters(1, {67, 71, 74, 73, 74, 69, 73, 76, 74}), "GBDC#DAC#ED");
+  // A note struck again and again does not outvote the others; no double flat where a plain note will do.
+  EXPECT_EQ(Letters(0, {69, 65, 65, 65, 65, 64, 68, 71, 69}), "AFFFFEG#BA");
+  EXPECT_EQ(Letters(-3, {71, 73, 69, 66, 69, 68, 65, 68}), "CbDbAGbAAbFAb");
 }
 
 TEST(Spelling, FindsTheKeyOfAScale) {

@@ -109,7 +109,8 @@ std::vector<WindowSample> ArtworkerWindowSamples() {
              Image image;
              image.file = TemplateDirectory() + "/konzert_label.svg";
              const auto keep = [](const QImage&) { return Result<std::string>(std::string()); };
-             return std::make_unique<ImageDialog>(SampleElement(image), std::string(), keep, host, nullptr);
+             return std::make_unique<ImageDialog>(SampleElement(image), TheGround().backgrounds,
+                                                  std::string(), keep, host, nullptr);
            }},
           {"artworker-hintergrund",
            [](DialogHost& host) {

@@ -216,6 +216,60 @@ TEST_F(ArtworkerWindowTest, DrawsATextAndRefusesTurnedLines) {
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(2));
 }
 
+TEST_F(ArtworkerWindowTest, AFixedGroundIsDrawnOn) {
+  parameters_.layout.elements[0].fixed = true;
+  parameters_.layout.elements[0].box = {0, 0, 1170, 1170};
+  Open();
+  Do(C::NewEllipse);
+  QTest::mouseClick(&Canvas(), Qt::LeftButton, {}, At(20, 90));
+  EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0)) << "a click chooses it";
+  InNext<EllipseDialog>([](EllipseDialog& dialog) { Press(dialog, "okButton"); });
+  Drag(At(50, 90), At(60, 95));
+  ASSERT_EQ(parameters_.layout.elements.size(), 3U);
+  EXPECT_NEAR(BoxAt(2).left, 400, 3) << "from its middle";
+  EXPECT_EQ(BoxAt(0), (Box{0, 0, 1170, 1170}));
+}
+
+TEST_F(ArtworkerWindowTest, KeysAloneMakeElementsChooseSeveralAndZoom) {
+  Open();
+  Do(C::NewEllipse);
+  InNext<EllipseDialog>([](EllipseDialog& dialog) { Press(dialog, "okButton"); });
+  Key(Qt::Key_Space);
+  ASSERT_EQ(parameters_.layout.elements.size(), 3U);
+  EXPECT_NEAR(BoxAt(2).left + BoxAt(2).right, 1170, 20) << "in the middle";
+  Key(Qt::Key_PageUp);
+  Key(Qt::Key_PageUp, Qt::ShiftModifier);
+  EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0, 1));
+  Do(C::ZoomIn);
+  Key(Qt::Key_Space);
+  EXPECT_NEAR(Canvas().Zoom(), 1.1, 1e-9);
+  EXPECT_EQ(parameters_.layout.elements.size(), 3U);
+}
+
+TEST_F(ArtworkerWindowTest, AnImageMayHaveABackgroundOrNone) {
+  backgrounds_.push_back({1, 2, 1, "Zwei"});
+  parameters_.layout.elements[0].content = Image{};
+  Open();
+  Key(Qt::Key_PageUp);
+  InNext<ImageDialog>([](ImageDialog& dialog) {
+    auto& box = Child<QComboBox>(dialog, "backgroundBox");
+    EXPECT_EQ(box.currentText(), "ohne");
+    EXPECT_FALSE(Child<QPushButton>(dialog, "deleteButton").isEnabled()) << "there is nothing to delete";
+    box.setCurrentIndex(1);
+    EXPECT_TRUE(Child<QPushButton>(dialog, "deleteButton").isEnabled());
+    {
+      NextMessage message;
+      Press(dialog, "okButton");
+      EXPECT_EQ(message.Text(), "Geben Sie bitte einen gültigen Dateinamen der Abbildung ein.");
+    }
+    Child<QLineEdit>(dialog, "fileEdit").setText("/a.png");
+    Press(dialog, "okButton");
+  });
+  Do(C::Edit);
+  EXPECT_EQ(parameters_.layout.elements[0].content,
+            (decltype(ArtworkElement::content)(Image{{0, 1}, 0, "/a.png"})));
+}
+
 TEST_F(ArtworkerWindowTest, TheClipboardTakesElementsTextsAndPictures) {
   Open();
   Key(Qt::Key_A, Qt::ControlModifier);
@@ -249,6 +303,7 @@ TEST_F(ArtworkerWindowTest, DeletingAsksAndABackgroundThatGoesIsReplacedEverywhe
   }
   EXPECT_EQ(parameters_.layout.elements.size(), 2U);
   InNext<EllipseDialog>([](EllipseDialog& dialog) {
+    EXPECT_TRUE(Child<QPushButton>(dialog, "deleteButton").isEnabled());
     Child<QComboBox>(dialog, "backgroundBox").setCurrentIndex(1);
     Press(dialog, "deleteButton");
     Press(dialog, "cancelButton");
@@ -326,6 +381,11 @@ TEST_F(ArtworkerWindowTest, EveryElementAndItsTextCanBeReadOut) {
   EXPECT_TRUE(canvas->child(0)->state().selected);
   EXPECT_FALSE(text->state().selected);
   EXPECT_FALSE(text->rect().isEmpty());
+  ASSERT_NE(text->actionInterface(), nullptr);
+  text->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1));
+  EXPECT_EQ(canvas->focusChild(), text);
+  EXPECT_EQ(canvas->childAt(text->rect().center().x(), text->rect().center().y()), text);
 }
 
 }  // namespace

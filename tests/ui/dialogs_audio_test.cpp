@@ -87,11 +87,12 @@ TEST(WaveConvertDialogTest, RefusesNoChoiceAndTheFormatOfASingleSource) {
 TEST(WaveConvertDialogTest, AJobWithoutAudioIsTold) {
   RecordingHost host;
   const test::TemporaryDirectory place;
+  WaveConverterParameters parameters;
   Job job;
   job.sourceDrive = kListModeDrive;
   job.files.Append({.path = place.Write("a.wav", "kein Audio")});
   NextMessage message;
-  EXPECT_FALSE(EditWaveConverterParameters(job, host, nullptr));
+  EXPECT_FALSE(EditWaveConverter(parameters, job, host, nullptr));
   EXPECT_EQ(message.Text(), "Die Konvertierung konnte nicht initialisiert werden.");
 }
 

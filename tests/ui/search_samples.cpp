@@ -66,10 +66,10 @@ Ground& TheGround() {
   return *ground;
 }
 
-std::unique_ptr<QWidget> SearchPage(DialogHost& host, FilterId filter, int page, const char* keys) {
+std::unique_ptr<QWidget> SearchPage(DialogHost& host, SearchKind kind, int page, const char* keys) {
   SearchParameters parameters;
   parameters.melody = Melody(keys);
-  auto dialog = std::make_unique<SearchDialog>(filter, parameters, TheGround().store,
+  auto dialog = std::make_unique<SearchDialog>(kind, parameters, TheGround().store,
                                                std::vector<std::string>{"Stavora-Synthesizer"},
                                                Ground::Opener(), host, nullptr);
   dialog->findChild<QTabWidget*>()->setCurrentIndex(page);
@@ -85,13 +85,12 @@ Printed DrawHits(QPagedPaintDevice& device, const PrintJob& job) {
 std::vector<WindowSample> SearchWindowSamples() {
   return {
       {"MIDIFINDPARAMS-melodie",
-       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 0, kTreble); }},
-      {"MIDIFINDPARAMS-bass",
-       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 0, kBass); }},
+       [](DialogHost& host) { return SearchPage(host, SearchKind::Midi, 0, kTreble); }},
+      {"MIDIFINDPARAMS-bass", [](DialogHost& host) { return SearchPage(host, SearchKind::Midi, 0, kBass); }},
       {"MIDIFINDPARAMS-optionen",
-       [](DialogHost& host) { return SearchPage(host, FilterId::MidiSearch, 1, "cde"); }},
+       [](DialogHost& host) { return SearchPage(host, SearchKind::Midi, 1, "cde"); }},
       {"MIDIFINDPARAMS-partitur",
-       [](DialogHost& host) { return SearchPage(host, FilterId::ScoreSearch, 1, "cde"); }},
+       [](DialogHost& host) { return SearchPage(host, SearchKind::Score, 1, "cde"); }},
       {"SAVEMELODY",
        [](DialogHost& host) {
          return std::make_unique<SaveMelodyDialog>(TheGround().store, Melody("cde"), host, nullptr);

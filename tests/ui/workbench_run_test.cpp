@@ -111,6 +111,37 @@ TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
   EXPECT_EQ(ActiveJob().targetDirectory, directory_.File("Ziel"));
 }
 
+TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
+  const test::Home data;
+  Start();
+  ToListMode();
+  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  directory_.Write("b.cnv.mid", "von früher");
+  Select({0, 1});
+  ChooseConverter();
+  EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled());
+  for (const bool atOnce : {true, false}) {
+    script_.Expect([&](QDialog& dialog) {
+      auto* const undo = dialog.findChild<QPushButton*>("undoButton");
+      ASSERT_TRUE(undo != nullptr && undo->isVisible());
+      atOnce ? undo->click() : dialog.accept();
+    });
+    if (atOnce) script_.ExpectBox(QMessageBox::Ok);
+    W().Actions().Trigger(CommandId::Run);
+    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+    if (!atOnce) {
+      EXPECT_THAT(test::Content(directory_.File("b.cnv.mid")), testing::StartsWith("MThd"));
+      script_.ExpectBox(QMessageBox::Ok);
+      W().Actions().Trigger(CommandId::UndoRun);
+      ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
+    }
+    EXPECT_EQ(script_.LastText(), "2 Dateien liegen jetzt im Papierkorb.\n1 ersetzte Datei ist wieder da.");
+    EXPECT_EQ(test::Content(directory_.File("b.cnv.mid")), "von früher");
+    EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("a.cnv.mid")));
+    EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled()) << "it has been undone";
+  }
+}
+
 TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
   const FilterModule* const module = FindModule(FilterId::MidiConverter);
   RunPlan plan;
@@ -208,15 +239,15 @@ TEST_F(RunStory, AWindowOfAJobGoesWithTheFilterThatItBelongsTo) {
     job.parameters = FindModule(filter)->create();
   };
   choose(FilterId::Artworker);
-  W().Windows().Open(job, make);
-  W().Windows().Open(job, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
   EXPECT_EQ(made, 1);
   EXPECT_EQ(found, &job);
   const QPointer<QWidget> first = W().Windows().Find(job);
   ASSERT_TRUE(first != nullptr && first->isVisible());
 
   choose(FilterId::AudioPlayer);
-  W().Windows().Open(job, make);
+  W().Windows().Open(job, JobWindows::Use::Always, make);
   EXPECT_EQ(made, 2);
   const QPointer<QWidget> second = W().Windows().Find(job);
   EXPECT_TRUE(WaitFor([&] { return first == nullptr; }));
@@ -265,6 +296,11 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   EXPECT_TRUE(W().Target().StopButton()->isEnabled());
   EXPECT_FALSE(W().Target().RunButton()->isEnabled());
   EXPECT_TRUE(WaitFor([&] { return W().Panels().Current().FilesBar()->value() == 1; }));
+  Job& job = ActiveJob();
+  W().Windows().Open(job, JobWindows::Use::WhileIdle,
+                     [this](const JobFinder&) { return new QWidget(&W(), Qt::Window); });
+  const QPointer<QWidget> window = W().Windows().Find(job);
+  EXPECT_TRUE(WaitFor([&] { return !window->isEnabled(); })) << "what it edits is being worked on";
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Escape);
@@ -272,6 +308,7 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
+  EXPECT_TRUE(WaitFor([&] { return window->isEnabled(); }));
   EXPECT_EQ(W().statusBar()->currentMessage(), "") << "no hint of a control that the focus only passed";
 }
 

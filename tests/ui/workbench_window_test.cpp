@@ -151,11 +151,15 @@ TEST_F(WindowStory, AKeyGoesFromAreaToAreaInBothDirections) {
     return area;
   };
   std::vector<std::size_t> visited;
+  std::vector<const QWidget*> entered;
   for (std::size_t i = 0; i < areas.size(); ++i) {
     Press(Qt::Key_F6);
     visited.push_back(here());
+    entered.push_back(W().focusWidget());
   }
   EXPECT_THAT(visited, testing::ElementsAre(1, 2, 3, 0));
+  EXPECT_EQ(entered.front(), W().Filters().TileOf(FilterId::MidiConverter)) << "the current one";
+  EXPECT_EQ(entered.back(), W().JobButtons().JobButton(0)) << "that of the job on show";
   Press(Qt::Key_F6, Qt::ShiftModifier);
   EXPECT_EQ(here(), 3U);
 }

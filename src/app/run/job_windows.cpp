@@ -18,16 +18,16 @@ Job* FindJob(Jobs& jobs, JobId id, FilterId filter) {
 
 JobWindows::JobWindows(Jobs& jobs) : jobs_(jobs) {
   watch_.setInterval(kWatchInterval);
-  QObject::connect(&watch_, &QTimer::timeout, &watch_, [this] { CloseOrphans(); });
+  QObject::connect(&watch_, &QTimer::timeout, &watch_, [this] { Watch(); });
 }
 
-void JobWindows::Open(const Job& job, const std::function<QWidget*(const JobFinder& find)>& make) {
+void JobWindows::Open(const Job& job, Use use, const std::function<QWidget*(const JobFinder& find)>& make) {
   const JobId id = job.Id();
   Window& window = windows_[id];
   if (window.widget != nullptr && window.filter != job.filter) window.widget->close();
   if (window.widget == nullptr || window.filter != job.filter) {
     const FilterId filter = job.filter;
-    window = {filter, make([this, id, filter] { return FindJob(jobs_, id, filter); })};
+    window = {filter, make([this, id, filter] { return FindJob(jobs_, id, filter); }), use};
     if (window.widget == nullptr) return;
     window.widget->setAttribute(Qt::WA_DeleteOnClose);
     watch_.start();
@@ -43,10 +43,13 @@ QWidget* JobWindows::Find(const Job& job) const {
                                                                        : nullptr;
 }
 
-void JobWindows::CloseOrphans() {
+void JobWindows::Watch() {
   std::erase_if(windows_, [this](auto& entry) {
     auto& [id, window] = entry;
-    if (window.widget != nullptr && FindJob(jobs_, id, window.filter) == nullptr) window.widget->close();
+    const Job* const job = FindJob(jobs_, id, window.filter);
+    if (window.widget != nullptr && job == nullptr) window.widget->close();
+    if (window.widget != nullptr && job != nullptr && window.use == Use::WhileIdle)
+      window.widget->setEnabled(job->MayChange());
     return window.widget == nullptr;
   });
   if (windows_.empty()) watch_.stop();

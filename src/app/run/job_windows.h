@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
+#include <cstdint>
 #include <functional>
 #include <map>
 
@@ -23,8 +24,9 @@ class JobWindows {
   explicit JobWindows(Jobs& jobs);
 
   // Brings the window of the job to the front. When there is none for its filter, make gives it; a null
-  // pointer is no window.
-  void Open(const Job& job, const std::function<QWidget*(const JobFinder& find)>& make);
+  // pointer is no window. One that is of use while the job is idle cannot be used while it runs.
+  enum class Use : std::uint8_t { Always, WhileIdle };
+  void Open(const Job& job, Use use, const std::function<QWidget*(const JobFinder& find)>& make);
   // nullptr when none is open.
   [[nodiscard]] QWidget* Find(const Job& job) const;
 
@@ -32,8 +34,9 @@ class JobWindows {
   struct Window {
     FilterId filter = FilterId::None;
     QPointer<QWidget> widget;
+    Use use = Use::Always;
   };
-  void CloseOrphans();
+  void Watch();
 
   Jobs& jobs_;
   std::map<JobId, Window> windows_;

@@ -27,7 +27,7 @@ constexpr std::array kNames = {texts::ArtworkLabel, texts::ArtworkInlay, texts::
 constexpr std::array kInOrder = {ArtworkObjectId::Booklet, ArtworkObjectId::Label, ArtworkObjectId::Inlay};
 
 const artworker::ArtworkerParameters* ParametersOf(const Job& job) {
-  const auto* const parameters = dynamic_cast<const artworker::ArtworkerParameters*>(job.parameters.Get());
+  const auto* const parameters = job.parameters.If<artworker::ArtworkerParameters>();
   return parameters != nullptr && !parameters->layout.elements.empty() ? parameters : nullptr;
 }
 

@@ -23,20 +23,19 @@ void PlaybackCommands::Refresh() {
 }
 
 void PlaybackCommands::Open(const Job& job) {
-  windows_.Open(job, [&](const JobFinder& find) -> QWidget* {
-    auto* open = new PlaybackWindow(
-        {.filter = job.filter,
-         .title = job.title,
-         .run = job.run.Shared(),
-         .options = [find]() -> PlayerOptions* {
-           Job* const found = find();
-           return found != nullptr ? dynamic_cast<PlayerOptions*>(found->parameters.Get()) : nullptr;
-         },
-         .play = [this, id = job.Id()] { Act(id, CommandId::Run); },
-         .stop = [this, id = job.Id()] { Act(id, CommandId::Stop); }},
-        desk_, desk_.Window());
-    if (dynamic_cast<const ScorePlayerParameters*>(job.parameters.Get()) != nullptr)
-      AddScorePlayback(*open, find);
+  windows_.Open(job, JobWindows::Use::Always, [&](const JobFinder& find) -> QWidget* {
+    auto* open =
+        new PlaybackWindow({.filter = job.filter,
+                            .title = job.title,
+                            .run = job.run.Shared(),
+                            .options = [find]() -> PlayerOptions* {
+                              Job* const found = find();
+                              return found != nullptr ? found->parameters.If<PlayerOptions>() : nullptr;
+                            },
+                            .play = [this, id = job.Id()] { Act(id, CommandId::Run); },
+                            .stop = [this, id = job.Id()] { Act(id, CommandId::Stop); }},
+                           desk_, desk_.Window());
+    if (job.parameters.If<ScorePlayerParameters>() != nullptr) AddScorePlayback(*open, find);
     return open;
   });
 }
@@ -49,8 +48,7 @@ void PlaybackCommands::AddScorePlayback(PlaybackWindow& window, const JobFinder&
   new ScorePlayback(window,
                     {.parameters = [find]() -> ScorePlayerParameters* {
                        Job* const job = find();
-                       return job != nullptr ? dynamic_cast<ScorePlayerParameters*>(job->parameters.Get())
-                                             : nullptr;
+                       return job != nullptr ? job->parameters.If<ScorePlayerParameters>() : nullptr;
                      },
                      .source =
                          [find] {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <utility>
 
 #include "app/run/question_dialog.h"
@@ -46,12 +47,20 @@ RunCommands::RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Appli
   });
   desk_.Actions().On(CommandId::Run, [this] { Start(); });
   desk_.Actions().On(CommandId::Stop, [this] { Stop(); });
+  desk_.Actions().On(CommandId::UndoRun, [this] { Undo(active_->Id()); });
+  connect(&active_, &ActiveJob::Changed, this,
+          [this] { desk_.Actions().SetEnabled(CommandId::UndoRun, MayUndo(active_->Id())); });
+  worker_.Start([]() -> BackgroundWorker::Done {
+    ClearAbandonedUndo(UndoDirectory());
+    return {};
+  });
 }
 
 void RunCommands::Close() {
   for (const auto& [id, going] : going_) going.host->Close();
   going_.clear();
   clock_.stop();
+  *stopUndoing_ = true;
 }
 
 Job* RunCommands::Find(JobId id) const {
@@ -84,7 +93,7 @@ RunRequest RunCommands::Request(Job& job, const Job& work, NameOrigin origin) {
   if (IsSearch(work.filter) && work.destinationIsScreen) {
     request.begin = [this, &job, &work, policy = settings.oldSearchResults] {
       const auto& parameters = As<SearchParameters>(*work.parameters);
-      panels_.Of(job).BeginSearch(RecordAtStart(work.filter, parameters), policy, [this] {
+      panels_.Of(job).BeginSearch(RecordAtStart(SearchKindOf(work.filter), parameters), policy, [this] {
         return desk_.Confirm(Text(texts::AskClearResults), MessageIcon::Question, Answer::Yes);
       });
     };
@@ -104,12 +113,20 @@ void RunCommands::Launch(Job& job, Job& work, RunRequest request) {
   const JobId id = job.Id();
   const auto host =
       std::make_shared<DesktopRunHost>(this, [this, id](RunNews news) { Take(id, std::move(news)); });
+  if (undoing_.contains(id)) return emit Refused();
+  std::uint64_t kept = 0;
+  for (const auto& [other, undo] : undo_) kept += other == id ? 0 : undo->Kept();
+  const auto undo = std::make_shared<RunUndo>(UndoDirectory(), kMostKept - std::min(kept, kMostKept));
+  request.undo = undo;
   panels_.Of(job).Reset();
   if (!application_.Runner().Start(work, std::move(request), host, desk_)) {
     emit Refused();
     return;
   }
   going_[id] = {host, std::make_shared<const Job>(work)};
+  // Until now the run before could be undone; what only plays leaves it so.
+  std::erase_if(undo_, [this](const auto& one) { return Find(one.first) == nullptr; });
+  if (!IsPlayer(work.filter)) undo_[id] = undo;
   clock_.start();
   if (&work == &job) active_.SetDestinationName(job.destinationName);
   active_.ChangeRun();
@@ -134,6 +151,30 @@ void RunCommands::GoOn(const std::shared_ptr<RunJournal>& run) {
 
 void RunCommands::Stop() {
   if (const auto status = application_.Runner().Stop(*active_)) panels_.Current().SetStatus(QtText(*status));
+}
+
+bool RunCommands::MayUndo(JobId id) const {
+  const Job* const job = Find(id);
+  const auto undo = undo_.find(id);
+  return job != nullptr && job->MayChange() && undo != undo_.end() && !undoing_.contains(id) &&
+         undo->second->Any();
+}
+
+void RunCommands::Undo(JobId id) {
+  if (!MayUndo(id)) return;
+  undoing_.insert(id);
+  desk_.ShowPrompt(QtText(texts::Undoing));
+  active_.Refresh();
+  worker_.Start([this, id, undo = undo_.at(id), stop = stopUndoing_]() -> BackgroundWorker::Done {
+    const std::string text = UndoText(undo->Undo([stop] { return stop->load(); }));
+    return [this, id, text] {
+      undoing_.erase(id);
+      desk_.ShowPrompt({});
+      if (active_->Id() == id && active_->Mode() == SourceMode::Directory) emit DirectoryChanged();
+      active_.ChangeFiles();
+      desk_.TellLater(text, MessageIcon::Information);
+    };
+  });
 }
 
 // --- what the runs report
@@ -175,8 +216,10 @@ void RunCommands::Finish(JobId id, RunResult result) {
       emit ProtocolLine({});
       active_.ChangeFiles();
       const std::string& directory = job->directory.path;
-      const bool beside = std::ranges::any_of(
-          result.items, [&](const RunItem& item) { return DirectoryOf(item.destination) == directory; });
+      const bool beside = std::ranges::any_of(result.items, [&](const RunItem& item) {
+        return DirectoryOf(item.destination) == directory ||
+               (job->subdirectories && PathBelow(directory, item.destination));
+      });
       if (job->Mode() == SourceMode::Directory && beside) emit DirectoryChanged();
     }
     emit Progressed();
@@ -193,6 +236,9 @@ ResultsDialog* RunCommands::MakeResultsDialog(RunResult result, JobId id,
   const bool mayRepeat = work != nullptr && !Has(work->filter, kWritesDisc);
   auto* dialog = new ResultsDialog(std::move(result), mayRepeat, desk_, desk_.Window());
   dialog->OfferNotation([](const std::string& path) { return preview::IsScoreName(path); });
+  if (MayUndo(id)) dialog->OfferUndo(undo_.at(id)->NotKept());
+  connect(
+      dialog, &ResultsDialog::UndoWanted, this, [this, id] { Undo(id); }, Qt::QueuedConnection);
   connect(dialog, &ResultsDialog::NotationWanted, this,
           [this](const std::string& path) { preview::ShowNotation(path, 0, desk_, desk_.Window()); });
   connect(dialog, &ResultsDialog::FileChosen, this, [this, id](const std::string& path) {

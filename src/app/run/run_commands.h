@@ -4,18 +4,22 @@
 
 #include <QObject>
 #include <QTimer>
+#include <atomic>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "app/run/desktop_run_host.h"
 #include "app/run/run_panels.h"
 #include "app/shell/active_job.h"
+#include "app/shell/background_worker.h"
 #include "app/shell/desk.h"
 #include "frame/destination.h"
 #include "frame/job.h"
 #include "frame/job_runner.h"
+#include "frame/run_undo.h"
 
 namespace ts5 {
 
@@ -55,6 +59,9 @@ class RunCommands : public QObject {
   // Once more with only these sources.
   void Repeat(JobId id, const Job& work, const std::vector<std::string>& sources);
   void Stop();
+  // Takes back what the last run of a job did, away from the window's thread, and says what came of it.
+  void Undo(JobId id);
+  [[nodiscard]] bool MayUndo(JobId id) const;
   void Take(JobId id, RunNews news);
   void ShowNews(Job& job, RunNews& news);
   void Finish(JobId id, RunResult result);
@@ -73,6 +80,10 @@ class RunCommands : public QObject {
     std::shared_ptr<const Job> work;
   };
   std::map<JobId, Going> going_;
+  std::map<JobId, std::shared_ptr<RunUndo>> undo_;  // of the last run of each job
+  std::set<JobId> undoing_;
+  std::shared_ptr<std::atomic<bool>> stopUndoing_ = std::make_shared<std::atomic<bool>>(false);
+  BackgroundWorker worker_;
   QTimer clock_;  // shows the time that goes by
 };
 

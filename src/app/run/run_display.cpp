@@ -47,8 +47,9 @@ void RunDisplay::Show() {
                   .stop = mayStop});
   source_.Enable({.drives = idle,
                   .tree = idle,
-                  .files = idle && (source_.Model().Size() > 0 || job.Mode() == SourceMode::List ||
-                                    SourceIsVirtualDrive(job))});
+                  .files = idle && (source_.Model().Total() > 0 || job.Mode() == SourceMode::List ||
+                                    SourceIsVirtualDrive(job)),
+                  .subdirectories = idle && !source_.Model().ShowsAudioCd()});
   actions_.SetEnabled(CommandId::Run, mayRun);
   actions_.SetEnabled(CommandId::Stop, mayStop);
   MoveFocus(idle);

@@ -6,11 +6,13 @@
 namespace ts5 {
 namespace {
 
-// The first control of an area that Tab would stop at; nullptr when there is none.
+// The control that an area is entered at: the one it names, else the first one that Tab would stop at;
+// nullptr when there is none.
 QWidget* FirstControl(QWidget& area) {
   const auto stops = [](const QWidget& widget) {
     return widget.isVisible() && widget.isEnabled() && (widget.focusPolicy() & Qt::TabFocus) != 0;
   };
+  if (QWidget* const named = area.focusProxy(); named != nullptr && stops(*named)) return named;
   if (stops(area)) return &area;
   for (QWidget* widget = area.nextInFocusChain(); widget != &area; widget = widget->nextInFocusChain()) {
     if (area.isAncestorOf(widget) && stops(*widget)) return widget;

@@ -34,12 +34,17 @@ constexpr std::array kCommands{
     Command{C::Quit, File, true, T::MenuQuit, "Ctrl+W", "", "hauptfenster.htm", kAlways},
 
     Command{C::MaximiseList, View, false, T::MenuMaximiseList, "F5", "", "quellmedium.htm", kAlways},
+    Command{C::FilterList, View, true, T::MenuFilterList, "Ctrl+F", "", "quellmedium.htm", kAlways},
+    Command{C::ListColumns, View, false, T::MenuListColumns, "", "", "quellmedium.htm", kAlways},
+    Command{C::TakeOrder, View, false, T::MenuTakeOrder, "", "", "quellmedium.htm", kAlways},
     Command{C::SwitchListMode, View, false, T::MenuSwitchListMode, "F10", "", "quellmedium.htm", kAlways},
     Command{C::SearchResults, View, true, T::MenuSearchResults, "", "", "Befehle-Aktion-Suchergebnisse.htm",
             FilterId::MidiSearch},
 
     Command{C::Run, Action, false, T::MenuRun, "Ctrl+Return Ctrl+Enter", "Space", "zielmedium.htm", kAlways},
     Command{C::Stop, Action, false, T::MenuStop, "Ctrl+End", "", "zielmedium.htm", kAlways},
+    Command{C::UndoRun, Action, false, T::MenuUndoRun, "", "", "Befehle-aktion-ausführen-ergebnisse.htm",
+            kAlways},
     Command{C::PlayerRestart, Action, false, T::CommandPlayerRestart, "", "Backspace", "playback.htm",
             FilterId::MidiPlayer},
     Command{C::PlayerPrevious, Action, false, T::CommandPlayerPrevious, "", "PgUp", "playback.htm",

@@ -60,6 +60,10 @@ enum class CommandId : std::uint16_t {
   ShowNotation = 40183,
   SelectAllFiles = 40184,
   ListenFile = 40190,
+  FilterList = 40195,
+  ListColumns = 40196,
+  TakeOrder = 40197,
+  UndoRun = 40198,
 };
 
 // Commands with a running number: job buttons, filter tiles and the collapse buttons of the tiles.

@@ -190,6 +190,7 @@ void FilterPanel::UpdateTabStop() {
   for (std::size_t i = 0; i < kFilterCount; ++i) {
     rows_[i].tile->setFocusPolicy(i == stop ? Qt::StrongFocus : Qt::ClickFocus);
   }
+  setFocusProxy(stop < kFilterCount ? rows_[stop].tile : nullptr);
 }
 
 bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {

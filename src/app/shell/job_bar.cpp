@@ -114,6 +114,7 @@ void JobBar::Show(const std::vector<Button>& jobs, int active, bool switchable, 
     buttons_[i]->setFocusPolicy(isActive ? Qt::StrongFocus : Qt::ClickFocus);
   }
   newJob_->setEnabled(newJobAllowed);
+  setFocusProxy(active >= 0 && active < JobCount() ? JobButton(active) : nullptr);
   if (active >= 0 && active < JobCount()) scroll_->ensureWidgetVisible(JobButton(active), 24, 0);
 }
 

@@ -30,7 +30,6 @@ class JobBar : public QWidget {
   }
   [[nodiscard]] int JobCount() const { return static_cast<int>(buttons_.size()); }
   [[nodiscard]] QToolButton* NewJobButton() const { return newJob_; }
-  [[nodiscard]] QToolButton* MenuButton() const { return menuButton_; }
   // The menu of the bar; the owner fills it.
   [[nodiscard]] QMenu* Menu() const { return menu_; }
 

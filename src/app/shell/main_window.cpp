@@ -13,19 +13,23 @@
 #include "app/shell/parameter_windows.h"
 #include "app/shell/session_end.h"
 #include "app/texts.h"
+#include "artworker/ui/element_clipboard.h"
 #include "frame/file_drop.h"
 #include "frame/file_types.h"
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
+#include "platform/files/directories.h"
+#include "platform/files/paths.h"
 #include "resources/icons.h"
 
 namespace ts5 {
 namespace {
 
 constexpr QSize kSmallestWindow{900, 620};
-constexpr int kMessageTime = 10'000;  // milliseconds of a message in the status bar
-constexpr int kRetry = 300;           // milliseconds until a window is looked at again that a dialog holds
+constexpr const char* kFactsFile = "dateiangaben";  // what is remembered of files, in the program's directory
+constexpr int kMessageTime = 10'000;                // milliseconds of a message in the status bar
+constexpr int kRetry = 300;  // milliseconds until a window is looked at again that a dialog holds
 
 // What can be done with the files under the mouse, in the order of the menu.
 constexpr std::array kFileCommands{CommandId::ListenFile,     CommandId::Properties, CommandId::ShowNotation,
@@ -58,10 +62,12 @@ MainWindow::MainWindow(Application& application)
   MakeCommands();
   Connect();
   ConnectRuns();
+  artworker::ForgetElements();  // what an earlier session left there
 }
 
 MainWindow::~MainWindow() {
   if (!ended_) runs_->Close();
+  artworker::ForgetElements();
 }
 
 // --- building
@@ -143,6 +149,8 @@ void MainWindow::MakeCommands() {
   targetFolder_ = std::make_unique<TargetFolder>(*desk_, *active_, *target_, application_);
   sources_ = std::make_unique<SourceCommands>(*desk_, *active_, *source_, application_.Volumes());
   lists_ = std::make_unique<ListCommands>(*desk_, *active_, *source_, *sources_, application_);
+  arrangement_ = std::make_unique<ListArrangement>(*desk_, *active_, *source_, *sources_, settings,
+                                                   JoinPath(ProgramDirectory(), kFactsFile));
   discs_ = std::make_unique<DiscCommands>(*desk_, *active_, *source_, *sources_, application_);
   for (QWidget* view : std::initializer_list<QWidget*>{source_->Tree(), source_->Files()}) {
     discs_->OfferDrive(*view);

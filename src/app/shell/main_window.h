@@ -29,6 +29,7 @@
 #include "app/shell/store_watch.h"
 #include "app/shell/window_places.h"
 #include "app/source/disc_commands.h"
+#include "app/source/list_arrangement.h"
 #include "app/source/list_commands.h"
 #include "app/source/source_area.h"
 #include "app/source/source_commands.h"
@@ -115,6 +116,7 @@ class MainWindow : public QMainWindow {
   std::unique_ptr<TargetFolder> targetFolder_;
   std::unique_ptr<SourceCommands> sources_;
   std::unique_ptr<ListCommands> lists_;
+  std::unique_ptr<ListArrangement> arrangement_;
   std::unique_ptr<DiscCommands> discs_;
   std::unique_ptr<ListenCommands> listening_;
   std::unique_ptr<SoundWatch> sound_;

@@ -7,6 +7,7 @@
 #include "app/run/job_windows.h"
 #include "app/shell/active_job.h"
 #include "app/shell/desk.h"
+#include "app/shell/window_links.h"
 #include "frame/filter_id.h"
 #include "frame/job.h"
 #include "frame/ui/dialog_host.h"
@@ -16,13 +17,6 @@ class QWidget;
 namespace ts5 {
 
 class Application;
-
-// What a window that stays open may ask of the main window.
-struct WindowLinks {
-  std::function<void()> run;              // its job
-  std::function<void()> edited;           // the job's parameters are others now
-  std::function<void()> showDestination;  // the job's device is another one now
-};
 
 struct ParameterDialog {
   FilterId filter;

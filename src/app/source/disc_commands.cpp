@@ -85,7 +85,7 @@ void DiscCommands::Refresh() {
   const std::string drive = CurrentDrive();
   show(recorder_, drive == VirtualRecorderDirectory());
   const Job& job = *active_;
-  desk_.Actions().SetEnabled(CommandId::TrackPause, job.filter == FilterId::CdBurner && job.MayChange() &&
+  desk_.Actions().SetEnabled(CommandId::TrackPause, Has(job.filter, kTimedList) && job.MayChange() &&
                                                         job.Mode() == SourceMode::List && !job.files.Empty());
   project_.Refresh(drive);
 }
@@ -155,13 +155,13 @@ void DiscCommands::Erase() {
 void DiscCommands::ChoosePause() {
   active_.Settle();
   Job& job = *active_;
-  if (job.filter != FilterId::CdBurner || !job.MayChange() || job.files.Empty()) return;
-  auto& parameters = static_cast<disc::BurnParameters&>(*job.parameters);
+  auto* const parameters = job.parameters.If<disc::BurnParameters>();
+  if (parameters == nullptr || !job.MayChange() || job.files.Empty()) return;
   const std::size_t focus = std::min(job.files.Focus(), job.files.Size() - 1);
-  disc::TrackPauseDialog dialog(job.files[focus].pause, static_cast<disc::PauseScope>(parameters.pauseScope),
+  disc::TrackPauseDialog dialog(job.files[focus].pause, static_cast<disc::PauseScope>(parameters->pauseScope),
                                 desk_, desk_.Window());
   if (dialog.exec() != QDialog::Accepted) return;
-  parameters.pauseScope = static_cast<std::int32_t>(dialog.Scope());
+  parameters->pauseScope = static_cast<std::int32_t>(dialog.Scope());
   const auto& selected = job.files.Selection();
   const auto concerned = [&](std::size_t index) {
     switch (dialog.Scope()) {

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QUrl>
 #include <algorithm>
@@ -21,6 +22,10 @@
 
 namespace ts5 {
 namespace {
+
+constexpr int kSortSignWidth = 12;   // in the title of the column by which the list is sorted
+constexpr int kColumnMargin = 12;    // beside the text of a column
+constexpr int kNarrowestName = 160;  // of a column with names
 
 // Tracks of an audio CD on the way to the list, which are no files: their entries, one per line.
 constexpr const char* kTrackType = "application/x-stavora-cd-tracks";
@@ -96,6 +101,13 @@ FileView::FileView(QWidget* parent) : QTreeView(parent), emptyText_(texts::Empty
   setDragDropMode(DragDrop);
   setDropIndicatorShown(false);
   setTextElideMode(Qt::ElideMiddle);
+  header()->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(header(), &QWidget::customContextMenuRequested, this,
+          [this](const QPoint& at) { emit TitleMenuWanted(header()->mapToGlobal(at)); });
+  connect(header(), &QHeaderView::sectionClicked, this, [this](int section) {
+    if (const auto column = model_->ColumnAt(section)) emit TitleClicked(*column);
+  });
+  connect(verticalScrollBar(), &QAbstractSlider::valueChanged, this, &FileView::SightChanged);
   setItemDelegate(new LabelDelegate(this, [this](bool editing) { emit LabelEditingChanged(editing); }));
 }
 
@@ -103,6 +115,8 @@ void FileView::SetFileModel(FileViewModel* model) {
   model_ = model;
   setModel(model);
   connect(model, &QAbstractItemModel::modelReset, this, &FileView::LayColumns);
+  connect(model, &QAbstractItemModel::modelReset, this, &FileView::SightChanged);
+  connect(model, &QAbstractItemModel::rowsInserted, this, &FileView::SightChanged);
   connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
     if (!selecting_) emit SelectedByUser();
   });
@@ -112,12 +126,87 @@ void FileView::SetFileModel(FileViewModel* model) {
   LayColumns();
 }
 
+// Columns of facts are as wide as most of their texts: looking at all of them would take too long.
 void FileView::LayColumns() {
-  header()->setStretchLastSection(false);
-  for (int i = 0; i < header()->count(); ++i) {
-    const bool wide = i < 2 || model_->TextColumn(i);
-    header()->setSectionResizeMode(i, wide ? QHeaderView::Stretch : QHeaderView::ResizeToContents);
+  QHeaderView& titles = *header();
+  titles.setStretchLastSection(false);
+  std::vector<std::optional<FileColumn>> columns;
+  for (int i = 0; i < titles.count(); ++i) columns.push_back(model_->ColumnAt(i));
+  // Those that are there already stay as wide as they are.
+  const bool same = columns == std::exchange(laid_, columns);
+  for (int i = 0; i < titles.count() && !same; ++i) {
+    const auto column = model_->ColumnAt(i);
+    const FactColumn* const fact = column ? FindFactColumn(*column) : nullptr;
+    const bool wide = !column || *column == FileColumn::Name || *column == FileColumn::Directory;
+    titles.setSectionResizeMode(
+        i, fact != nullptr || wide ? QHeaderView::Interactive : QHeaderView::ResizeToContents);
+    if (fact == nullptr) continue;
+    const QFontMetrics metrics = fontMetrics();
+    const int text = metrics.horizontalAdvance(ToQt(fact->sample));
+    titles.resizeSection(
+        i, std::max(text, metrics.horizontalAdvance(QtText(fact->title)) + kSortSignWidth) + kColumnMargin);
   }
+  titles.setSectionsClickable(model_->MayArrange());
+  ShowSorting(model_->Order());
+  GiveNamesTheRest();
+}
+
+// Names, directories and the texts of tracks share what the other columns leave. Where that is too little the
+// view scrolls.
+void FileView::GiveNamesTheRest() {
+  if (model_ == nullptr) return;
+  QHeaderView& titles = *header();
+  int left = viewport()->width();
+  std::vector<int> wide;
+  for (int i = 0; i < titles.count(); ++i) {
+    const auto column = model_->ColumnAt(i);
+    if (!column || *column == FileColumn::Name || *column == FileColumn::Directory) {
+      wide.push_back(i);
+    } else {
+      left -= titles.sectionSize(i);
+    }
+  }
+  for (std::size_t i = 0; i < wide.size(); ++i) {
+    const int share = left / static_cast<int>(wide.size() - i);
+    const int width = std::max(share, kNarrowestName);
+    titles.resizeSection(wide[i], width);
+    left -= width;
+  }
+}
+
+void FileView::resizeEvent(QResizeEvent* event) {
+  QTreeView::resizeEvent(event);
+  GiveNamesTheRest();
+  emit SightChanged();
+}
+
+void FileView::ShowSorting(const ListOrder& order) {
+  QHeaderView& titles = *header();
+  int sorted = -1;
+  for (int i = 0; i < titles.count() && order.column && model_->MayArrange(); ++i) {
+    if (model_->ColumnAt(i) == order.column) sorted = i;
+  }
+  titles.setSortIndicatorShown(sorted >= 0);
+  titles.setSortIndicator(sorted, order.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+std::pair<std::size_t, std::size_t> FileView::RowsInSight() const {
+  const QModelIndex first = indexAt(QPoint(0, 0));
+  if (!first.isValid()) return {0, 0};
+  const QModelIndex last = indexAt(QPoint(0, viewport()->height() - 1));
+  return {static_cast<std::size_t>(first.row()),
+          last.isValid() ? static_cast<std::size_t>(last.row()) + 1 : model_->Size()};
+}
+
+void FileView::Rearrange(const std::function<void()>& change) {
+  const std::vector<std::size_t> selected = model_->EntriesOf(SelectedRows());
+  const std::size_t focus = model_->EntryOf(FocusRow());
+  const int place = verticalScrollBar()->value();
+  const bool inSight = currentIndex().isValid() && viewport()->rect().intersects(visualRect(currentIndex()));
+  change();
+  const std::vector<std::size_t> focused = model_->RowsOf({focus});
+  SelectRows(model_->RowsOf(selected), focused.empty() ? model_->Size() : focused.front());
+  if (!inSight || focused.empty()) verticalScrollBar()->setValue(place);
 }
 
 std::vector<std::size_t> FileView::SelectedRows() const {
@@ -125,7 +214,7 @@ std::vector<std::size_t> FileView::SelectedRows() const {
   for (const QItemSelectionRange& range : selectionModel()->selection()) {
     for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(static_cast<std::size_t>(row));
   }
-  std::ranges::sort(rows);
+  if (!std::ranges::is_sorted(rows)) std::ranges::sort(rows);
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   return rows;
 }
@@ -240,7 +329,9 @@ void FileView::paintEvent(QPaintEvent* event) {
   if (model_ == nullptr || model_->Size() > 0) return;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
-  const QString text = QtText(model_->ShowsList() ? texts::EmptyFreeList : emptyText_);
+  const QString text = QtText(model_->Total() > 0   ? texts::NoFileFits
+                              : model_->ShowsList() ? texts::EmptyFreeList
+                                                    : emptyText_);
   painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
                    Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }

@@ -3,7 +3,10 @@
 #pragma once
 
 #include <QTreeView>
+#include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/source/file_view_model.h"
@@ -28,6 +31,12 @@ class FileView : public QTreeView {
 
   // Ascending.
   [[nodiscard]] std::vector<std::size_t> SelectedRows() const;
+  // The rows that are in sight, from the first to behind the last one.
+  [[nodiscard]] std::pair<std::size_t, std::size_t> RowsInSight() const;
+  // Rearranges the model: what is selected and still shown stays selected, and the view where it is.
+  void Rearrange(const std::function<void()>& change);
+  // The sign in the header of what the list is sorted by.
+  void ShowSorting(const ListOrder& order);
   // Selects exactly these rows and gives one the focus; nothing is reported as the user's selection.
   void SelectRows(const std::vector<std::size_t>& rows, std::size_t focus);
   [[nodiscard]] std::size_t FocusRow() const;  // the number of rows when there is none
@@ -37,6 +46,11 @@ class FileView : public QTreeView {
  signals:
   void SelectedByUser();
   void LabelEditingChanged(bool editing);
+  // The title of a column was clicked, or the menu of the titles is wanted.
+  void TitleClicked(FileColumn column);
+  void TitleMenuWanted(const QPoint& globalPosition);
+  // Other rows are in sight.
+  void SightChanged();
   void FilesDropped(const std::vector<std::string>& paths);
   void DragChanged(bool dragging);
 
@@ -48,13 +62,16 @@ class FileView : public QTreeView {
   void dropEvent(QDropEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   [[nodiscard]] QMimeData* SelectedFiles() const;
   void LayColumns();
+  void GiveNamesTheRest();
 
   FileViewModel* model_ = nullptr;
   TextId emptyText_;
+  std::vector<std::optional<FileColumn>> laid_;  // columns
   bool selecting_ = false;
 };
 

@@ -107,8 +107,10 @@ void ListCommands::Refresh() {
   actions.SetEnabled(CommandId::ClearList, idle && list && !job.files.Empty());
   actions.SetEnabled(CommandId::ClearListSilently, idle && list);
   actions.SetEnabled(CommandId::Delete, idle && selected && !active_.IsAudioCd());
-  actions.SetEnabled(CommandId::MoveUp, idle && list && focused && focus > 0);
-  actions.SetEnabled(CommandId::MoveDown, idle && list && focused && focus + 1 < rows);
+  // Where the list is seen in another order, there is no place beside.
+  const bool moves = idle && list && focused && area_.Model().ShowsOwnOrder();
+  actions.SetEnabled(CommandId::MoveUp, moves && focus > 0);
+  actions.SetEnabled(CommandId::MoveDown, moves && focus + 1 < rows);
   actions.SetEnabled(CommandId::Rename, idle && focused && !area_.Model().At(focus).cdTrack);
   actions.SetEnabled(CommandId::Properties, focused);
   actions.SetEnabled(CommandId::ShowNotation, focused && preview::IsScoreName(area_.Model().At(focus).path));
@@ -131,6 +133,7 @@ void ListCommands::Drop(const std::vector<std::string>& paths) {
   area_.SetFreeListCount(job.files.Size());
   if (job.Mode() == SourceMode::List) {
     if (result.added > 0) {
+      area_.ClearFilter();
       source_.Reload();
       area_.Files()->scrollToBottom();
     }
@@ -278,14 +281,14 @@ void ListCommands::TakeLabel(std::size_t row, const QString& label) {
       !AskYesNo(desk_.Window(), texts::AskRenameUnsupported, DefaultButton::No)) {
     return;
   }
-  const Outcome outcome = job.Mode() == SourceMode::List ? RenameEntry(job.files, row, plan.newPath)
-                                                         : RenameFile(path, plan.newPath);
+  const Outcome outcome = job.Mode() == SourceMode::List
+                              ? RenameEntry(job.files, model.EntryOf(row), plan.newPath)
+                              : RenameFile(path, plan.newPath);
   if (Failed(outcome)) {
     ShowWarning(desk_.Window(), texts::RenameFailed);
     return;
   }
-  if (job.Mode() == SourceMode::Directory)
-    job.directory.names.assign(1, std::string(FileNameOf(plan.newPath)));
+  if (job.Mode() == SourceMode::Directory) job.directory.names.assign(1, job.directory.NameOf(plan.newPath));
   source_.Reload();
   active_.ChangeFiles();
 }

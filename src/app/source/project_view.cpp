@@ -18,8 +18,7 @@ namespace {
 constexpr std::size_t kMostCharacters = 159;
 
 const disc::BurnParameters* ProjectOf(const Job& job) {
-  const bool project = job.filter == FilterId::CdBurner && job.Mode() == SourceMode::List && job.parameters;
-  return project ? &As<disc::BurnParameters>(*job.parameters) : nullptr;
+  return job.Mode() == SourceMode::List ? job.parameters.If<disc::BurnParameters>() : nullptr;
 }
 
 }  // namespace
@@ -113,13 +112,13 @@ void ProjectView::ReadTexts(const Job& job) {
 
 void ProjectView::TakeText(std::size_t row, FileViewModel::TrackText which, const QString& text) {
   Job& job = *active_;
-  if (ProjectOf(job) == nullptr || !job.MayChange() || row >= job.files.Size()) return;
+  if (ProjectOf(job) == nullptr || !job.MayChange() || row >= area_.Model().Size()) return;
   auto& texts = As<disc::BurnParameters>(*job.parameters).texts;
   std::erase_if(texts, [&](const auto& one) {
     return std::ranges::find(job.files.Entries(), one.first, &FileListEntry::path) ==
            job.files.Entries().end();
   });
-  const std::string& source = job.files[row].path;
+  const std::string& source = area_.Model().At(row).path;
   CdText::Entry& entry = texts[source];
   std::string entered = FromQt(text.simplified().left(static_cast<int>(kMostCharacters)));
   // What the source says anyway is not kept.

@@ -13,6 +13,13 @@
 
 namespace ts5 {
 
+namespace {
+
+constexpr int kFilterWidth = 200;  // of the field that narrows the list down
+constexpr int kNarrowest = 50;     // of what is beside the drive
+
+}  // namespace
+
 FreeListStrip::FreeListStrip(QWidget* parent) : QLabel(parent) {
   setObjectName("freeListStrip");
   setAcceptDrops(true);
@@ -53,9 +60,12 @@ SourceArea::SourceArea(QWidget* parent)
     : QWidget(parent),
       drives_(new DriveSelector(this)),
       driveLabel_(new QLabel(QtText(texts::SourceAreaName), this)),
+      subdirectories_(new QCheckBox(QtText(texts::WithSubdirectories), this)),
+      filter_(new QLineEdit(this)),
       count_(new QLabel(this)),
       splitter_(new QSplitter(Qt::Horizontal, this)),
-      tree_(new QTreeView(splitter_)),
+      left_(new QWidget(splitter_)),
+      tree_(new QTreeView(left_)),
       files_(nullptr),
       note_(nullptr),
       strip_(nullptr),
@@ -75,6 +85,14 @@ SourceArea::SourceArea(QWidget* parent)
   tree_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   tree_->header()->setStretchLastSection(false);
 
+  auto* left = new QVBoxLayout(left_);
+  left->setContentsMargins(0, 0, 0, 0);
+  left->setSpacing(4);
+  left->addWidget(tree_, 1);
+  subdirectories_->setObjectName("withSubdirectories");
+  subdirectories_->setToolTip(QtText(texts::WithSubdirectoriesTip));
+  left->addWidget(subdirectories_);
+
   auto* right = new QWidget(splitter_);
   auto* column = new QVBoxLayout(right);
   column->setContentsMargins(0, 0, 0, 0);
@@ -88,7 +106,7 @@ SourceArea::SourceArea(QWidget* parent)
   fill_->hide();
   column->addWidget(strip_);
   column->addWidget(fill_);
-  splitter_->addWidget(tree_);
+  splitter_->addWidget(left_);
   splitter_->addWidget(right);
   splitter_->setStretchFactor(0, 0);
   splitter_->setStretchFactor(1, 1);
@@ -99,6 +117,15 @@ SourceArea::SourceArea(QWidget* parent)
   top->addWidget(driveLabel_);
   top->addWidget(drives_);
   top->addStretch(1);
+  filter_->setObjectName("listFilter");
+  filter_->setAccessibleName(QtText(texts::ListFilterName));
+  filter_->setPlaceholderText(QtText(texts::ListFilterName));
+  filter_->setToolTip(QtText(texts::ListFilterTip));
+  filter_->setClearButtonEnabled(true);
+  filter_->setMinimumWidth(kNarrowest);
+  filter_->setMaximumWidth(kFilterWidth);
+  top->addWidget(filter_, 1);
+  count_->setMinimumWidth(kNarrowest);  // its tooltip says it all
   count_->setObjectName("fileCount");
   top->addWidget(count_);
   auto* layout = new QVBoxLayout(this);
@@ -107,6 +134,11 @@ SourceArea::SourceArea(QWidget* parent)
   layout->addLayout(top);
   layout->addWidget(splitter_, 1);
 
+  setTabOrder(drives_, filter_);
+  setTabOrder(filter_, tree_);
+  setTabOrder(tree_, subdirectories_);
+  setTabOrder(subdirectories_, files_);
+  connect(subdirectories_, &QCheckBox::clicked, this, &SourceArea::SubdirectoriesChosen);
   connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
   connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);
   connect(&treeModel_, &DirectoryTreeModel::Vanishing, this, &SourceArea::LeaveVanishing);
@@ -149,14 +181,18 @@ void SourceArea::ShowList(const FreeFileList& list, FilterId filter) {
   drives_->SetCurrent(kListModeDrive);
   files_->setAccessibleName(QtText(texts::FreeListName));
   model_.ShowList(list, filter);
+  ClearFilter();
   UpdateVisibility();
 }
 
-void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path) {
+void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path,
+                               bool subdirectories) {
   listMode_ = false;
+  subdirectories_->setChecked(subdirectories);
   drives_->SetCurrent(drive);
   files_->setAccessibleName(QtText(texts::FileViewName));
-  model_.ShowDirectory({});
+  model_.ShowDirectory({}, path, subdirectories);
+  ClearFilter();
   shownDirectory_ = path;
   if (treeModel_.RootPath() != root) {
     revealing_ = true;
@@ -167,25 +203,43 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
   UpdateVisibility();
 }
 
-void SourceArea::ClearFiles() {
-  if (!listMode_) model_.ShowDirectory({});
+void SourceArea::ClearFiles(const std::string& directory, bool subdirectories) {
+  if (!listMode_) model_.ShowDirectory({}, directory, subdirectories);
 }
 
 void SourceArea::Enable(const Enabling& enabling) {
   drives_->setEnabled(enabling.drives);
   tree_->setEnabled(enabling.tree);
   files_->setEnabled(enabling.files);
+  filter_->setEnabled(enabling.files);
+  subdirectories_->setEnabled(enabling.subdirectories);
 }
 
-void SourceArea::SetSelected(std::size_t selected) {
-  const std::size_t files = model_.Size();
+void SourceArea::ClearFilter() {
+  filter_->clear();
+  ListOrder order = model_.Order();
+  order.filter.clear();
+  if (order != model_.Order()) model_.Arrange(order);
+}
+
+void SourceArea::ShowCount() {
+  const std::vector<std::size_t> rows = files_->SelectedRows();
+  const std::size_t files = model_.Total();
   std::string text;
-  if (selected > 0) {
-    text = Format(Text(texts::FilesMarked), selected, files);
+  if (!rows.empty()) {
+    text = Format(Text(texts::FilesMarked), rows.size(), files);
+    const FileViewModel::Sum sum = model_.LengthOf(rows);
+    if (sum.length.count() > 0) text += ", " + SumText(sum.length);
+    if (!sum.whole) text += " …";
+  } else if (model_.Size() < files) {
+    text =
+        Format(Text(listMode_ ? texts::FilesFilteredAllCount : texts::FilesFiltered), model_.Size(), files);
   } else if (files > 0) {
     text = files == 1 ? std::string(Text(texts::OneFileShown)) : Format(Text(texts::FilesShown), files);
   }
   count_->setText(ToQt(text));
+  count_->setToolTip(ToQt(text));
+  filter_->setVisible(model_.MayArrange() && (files > 0 || !filter_->text().isEmpty()));
 }
 
 void SourceArea::SetMaximised(bool maximised) {
@@ -194,7 +248,7 @@ void SourceArea::SetMaximised(bool maximised) {
 }
 
 void SourceArea::UpdateVisibility() {
-  tree_->setVisible(!listMode_ && !maximised_);
+  left_->setVisible(!listMode_ && !maximised_);
   strip_->setVisible(!listMode_ && !maximised_);
 }
 

@@ -3,7 +3,9 @@
 // list, so that files can be dragged over.
 #pragma once
 
+#include <QCheckBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSplitter>
 #include <QTreeView>
 #include <QWidget>
@@ -47,20 +49,23 @@ class SourceArea : public QWidget {
   // Shows the free file list; the tree goes.
   void ShowList(const FreeFileList& list, FilterId filter);
   // Shows a directory of a drive, without its files; they come with AddFiles.
-  void ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path);
-  void ClearFiles();
+  void ShowDirectory(std::int32_t drive, const std::string& root, const std::string& path,
+                     bool subdirectories);
+  // Before the files of a directory come.
+  void ClearFiles(const std::string& directory, bool subdirectories);
   void AddFiles(const std::vector<FileListEntry>& files) { model_.Append(files); }
   // The free file list that is shown has changed.
   void ListChanged() { model_.Changed(); }
   void SetFreeListCount(std::size_t files) { strip_->SetCount(files); }
 
-  // How many of the files that are shown are selected.
-  void SetSelected(std::size_t selected);
+  // How many files there are, how many of them are selected, and how long these are.
+  void ShowCount();
 
   struct Enabling {
     bool drives = true;
     bool tree = true;
     bool files = true;
+    bool subdirectories = true;
   };
   void Enable(const Enabling& enabling);
   // Only the file view, over the whole area.
@@ -70,6 +75,10 @@ class SourceArea : public QWidget {
   [[nodiscard]] QTreeView* Tree() const { return tree_; }
   [[nodiscard]] DirectoryTreeModel& TreeModel() { return treeModel_; }
   [[nodiscard]] FileView* Files() const { return files_; }
+  // Narrows the list down.
+  [[nodiscard]] QLineEdit* Filter() const { return filter_; }
+  // Shows all of it again.
+  void ClearFilter();
   // Directly under the list of files.
   void AddBelowList(QWidget* widget);
   // Over the file view, while there are no files.
@@ -87,6 +96,7 @@ class SourceArea : public QWidget {
 
  signals:
   void DirectoryChosen(const std::string& path);
+  void SubdirectoriesChosen(bool subdirectories);
 
  private:
   void TakeTreeIndex(const QModelIndex& index);
@@ -95,8 +105,11 @@ class SourceArea : public QWidget {
 
   DriveSelector* drives_;
   QLabel* driveLabel_;
+  QCheckBox* subdirectories_;
+  QLineEdit* filter_;
   QLabel* count_;  // of files
   QSplitter* splitter_;
+  QWidget* left_;  // tree, and what belongs to it
   QTreeView* tree_;
   DirectoryTreeModel treeModel_;
   FileViewModel model_;

@@ -16,6 +16,7 @@
 #include "platform/disc/virtual_cd.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
+#include "platform/files/music_directory.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
@@ -39,6 +40,11 @@ SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, 
           [this](std::int32_t drive) { this->TakeDrive(drive); });
   connect(&area_, &SourceArea::DirectoryChosen, this,
           [this](const std::string& path) { TakeDirectory(path); });
+  connect(&area_, &SourceArea::SubdirectoriesChosen, this, [this](bool subdirectories) {
+    if (!active_->MayChange()) return;
+    active_->subdirectories = subdirectories;
+    Read();
+  });
   connect(area_.Note(), &EmptyNote::MusicWanted, this, &SourceCommands::ChooseMusic);
   connect(area_.Note(), &EmptyNote::ExamplesWanted, this, &SourceCommands::ShowExamples);
   selectionTimer_.setSingleShot(true);
@@ -47,7 +53,7 @@ SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, 
   connect(area_.Files(), &FileView::SelectedByUser, &selectionTimer_, qOverload<>(&QTimer::start));
 
   connect(&reader_, &SourceReader::Begun, this, [this] {
-    area_.ClearFiles();
+    area_.ClearFiles(active_->directory.path, active_->subdirectories);
     active_.SetAudioCd(false);
     area_.Note()->ShowFor(EmptyNote::Place::None);
     desk_.ShowPrompt(QtText(texts::ReadingDirectory));
@@ -79,7 +85,7 @@ void SourceCommands::Show() {
   }
   const Volume* volume = volumes_.Find(job.sourceDrive);
   const std::string root = volume != nullptr && !volume->path.empty() ? volume->path : job.directory.path;
-  area_.ShowDirectory(job.sourceDrive, root, job.directory.path);
+  area_.ShowDirectory(job.sourceDrive, root, job.directory.path, job.subdirectories);
   Read();
 }
 
@@ -91,8 +97,7 @@ void SourceCommands::Refresh() {
                      idle && (job.Mode() == SourceMode::Directory || !job.directory.path.empty()));
   actions.SetEnabled(CommandId::TakeDrive, idle);
   actions.SetEnabled(CommandId::SelectAllFiles, idle && area_.Model().Size() > 0);
-  area_.SetSelected(job.Mode() == SourceMode::List ? job.files.Selection().size()
-                                                   : job.directory.names.size());
+  area_.ShowCount();
   area_.SetFreeListCount(job.files.Size());
   area_.Files()->SetEmptyText(SourceIsVirtualDrive(job) ? texts::DiscMissing : texts::EmptyFileView);
   ShowNote();
@@ -105,7 +110,7 @@ void SourceCommands::ShowNote() {
   EmptyNote::Place place = EmptyNote::Place::None;
   if (job.Mode() == SourceMode::List) {
     if (job.files.Empty()) place = EmptyNote::Place::List;
-  } else if (!disc && !reader_.Reading() && area_.Model().Size() == 0) {
+  } else if (!disc && !reader_.Reading() && area_.Model().Total() == 0) {
     place = EmptyNote::Place::Directory;
   }
   area_.Note()->ShowFor(job.MayChange() ? place : EmptyNote::Place::None);
@@ -134,7 +139,7 @@ void SourceCommands::ShowFolder(const std::string& path) {
 }
 
 void SourceCommands::Read() {
-  reader_.Read(active_->directory.path);
+  reader_.Read(active_->directory.path, active_->subdirectories);
 }
 
 void SourceCommands::Reload() {
@@ -151,6 +156,8 @@ void SourceCommands::Reload() {
 void SourceCommands::TakeDone(Outcome outcome) {
   desk_.ShowPrompt({});
   if (GoesBack(outcome)) return;
+  FileViewModel& model = area_.Model();
+  if (!model.Order().IsOwn()) model.Arrange(model.Order());
   const std::string& directory = active_->directory.path;
   if (Failed(outcome)) desk_.ShowHint(ToQt(Format(Text(texts::DirectoryNotRead), directory)));
   active_.SetAudioCd(area_.ShowsAudioCd(directory));
@@ -163,16 +170,17 @@ void SourceCommands::TakeDone(Outcome outcome) {
 void SourceCommands::SelectStored() {
   const Job& job = *active_;
   FileView& view = *area_.Files();
+  const FileViewModel& model = area_.Model();
   if (job.Mode() == SourceMode::List) {
-    view.SelectRows(job.files.Selection(), job.files.Focus());
+    const std::vector<std::size_t> focus = model.RowsOf({job.files.Focus()});
+    view.SelectRows(model.RowsOf(job.files.Selection()), focus.empty() ? model.Size() : focus.front());
     return;
   }
   std::vector<std::string> names = job.directory.names;
   std::ranges::sort(names);
   std::vector<std::size_t> rows;
-  const FileViewModel& model = area_.Model();
   for (std::size_t row = 0; row < model.Size() && !names.empty(); ++row) {
-    if (std::ranges::binary_search(names, FileNameOf(model.At(row).path), std::less<>())) rows.push_back(row);
+    if (std::ranges::binary_search(names, job.directory.NameOf(model.At(row).path))) rows.push_back(row);
   }
   view.SelectRows(rows, rows.empty() ? 0 : rows.front());
 }
@@ -180,6 +188,7 @@ void SourceCommands::SelectStored() {
 void SourceCommands::ShowFile(const std::string& path) {
   Job& job = *active_;
   if (!job.MayChange()) return;
+  area_.ClearFilter();
   if (job.Mode() == SourceMode::List) {
     for (std::size_t i = 0; i < job.files.Size(); ++i) {
       if (job.files[i].path != path) continue;
@@ -191,9 +200,15 @@ void SourceCommands::ShowFile(const std::string& path) {
     }
   }
   const std::string directory(DirectoryOf(path));
-  const bool sameDirectory = job.Mode() == SourceMode::Directory && directory == job.directory.path;
-  if (!sameDirectory) job.sourceDrive = volumes_.DriveOfPath(path);
-  job.directory = {directory, {std::string(FileNameOf(path))}, {}};
+  const bool below = job.subdirectories && PathBelow(job.directory.path, path);
+  const bool sameDirectory =
+      job.Mode() == SourceMode::Directory && (below || directory == job.directory.path);
+  if (!sameDirectory) {
+    job.sourceDrive = volumes_.DriveOfPath(path);
+    job.directory.path = directory;
+  }
+  job.directory.Deselect();
+  job.directory.names.push_back(job.directory.NameOf(path));
   sameDirectory ? Read() : Show();
 }
 
@@ -209,17 +224,20 @@ void SourceCommands::TakeSelection() {
 bool SourceCommands::StoreSelection() {
   Job& job = *active_;
   const FileView& view = *area_.Files();
+  const FileViewModel& model = area_.Model();
   const std::vector<std::size_t> rows = view.SelectedRows();
   if (job.Mode() == SourceMode::List) {
-    const bool changed = rows != job.files.Selection();
-    job.files.Select(rows);
-    job.files.SetFocus(view.FocusRow());
+    std::vector<std::size_t> entries = model.EntriesOf(rows);
+    if (!std::ranges::is_sorted(entries)) std::ranges::sort(entries);
+    const bool changed = entries != job.files.Selection();
+    job.files.Select(std::move(entries));
+    job.files.SetFocus(model.EntryOf(view.FocusRow()));
     return changed;
   }
+  // In the order that is seen, as the run takes them.
   DirectorySelection selection{job.directory.path, {}, {}};
-  const FileViewModel& model = area_.Model();
   for (const std::size_t row : rows) {
-    selection.names.emplace_back(FileNameOf(model.At(row).path));
+    selection.names.push_back(job.directory.NameOf(model.At(row).path));
     selection.indices.push_back(static_cast<std::uint32_t>(row));
   }
   if (selection == job.directory) return false;
@@ -279,6 +297,7 @@ bool SourceCommands::GoesBack(Outcome read) {
 void SourceCommands::TakeDirectory(const std::string& path) {
   Job& job = *active_;
   if (job.Mode() == SourceMode::List || !job.MayChange()) return;
+  area_.ClearFilter();
   job.directory = {path, {}, {}};
   // The name in the field belongs to a file of the old directory.
   active_.ChangeFiles();

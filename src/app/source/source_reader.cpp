@@ -11,6 +11,8 @@ namespace {
 // A directory that is being written to changes many times; it is read again once it has been quiet for so
 // long.
 constexpr int kQuietMilliseconds = 600;
+// Directories whose changes are noticed; a system has not very many watches.
+constexpr std::size_t kMostWatched = 500;
 
 }  // namespace
 
@@ -33,25 +35,33 @@ void SourceReader::Stop() {
   if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
 }
 
-void SourceReader::Read(const std::string& directory) {
+void SourceReader::Read(const std::string& directory, bool subdirectories) {
   Stop();
   directory_ = directory;
+  holding_.clear();
   emit Begun();
   const auto sink = [this](std::vector<DirectoryItem> batch) {
     std::vector<FileListEntry> files;
     files.reserve(batch.size());
     for (DirectoryItem& item : batch) {
+      if (const std::string_view below = DirectoryOf(item.name);
+          !item.cdTrack && !below.empty() && holding_.size() < kMostWatched)
+        holding_.insert(JoinPath(directory_, below));
       files.push_back({item.cdTrack ? std::move(item.entry) : JoinPath(directory_, item.name), item.cdTrack,
                        item.seconds, 0});
     }
     emit Found(files);
   };
-  (void)lister_.Start(directory, sink, [this](ListingEnd end) { Finish(end); });
+  (void)lister_.Start(directory, subdirectories, sink, [this](ListingEnd end) { Finish(end); });
 }
 
 void SourceReader::Finish(ListingEnd end) {
   // Only a directory that has answered is watched: watching one that hangs would hang as well.
-  if (Succeeded(end.outcome) && IsDirectory(directory_)) watcher_.addPath(ToQt(directory_));
+  if (Succeeded(end.outcome) && IsDirectory(directory_)) {
+    QStringList watched{ToQt(directory_)};
+    for (const std::string& directory : holding_) watched.append(ToQt(directory));
+    watcher_.addPaths(watched);
+  }
   emit Done(end.outcome);
 }
 

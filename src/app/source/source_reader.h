@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ class SourceReader : public QObject {
   explicit SourceReader(QObject* parent = nullptr);
 
   // Reads the directory; an earlier reading is given up. The files come with Found, then Done.
-  void Read(const std::string& directory);
+  void Read(const std::string& directory, bool subdirectories);
   void Stop();
   [[nodiscard]] bool Reading() const { return lister_.Running(); }
 
@@ -38,6 +39,7 @@ class SourceReader : public QObject {
   QFileSystemWatcher watcher_;
   QTimer changed_;
   std::string directory_;
+  std::set<std::string> holding_;  // directories below it with files
 };
 
 }  // namespace ts5

@@ -74,8 +74,6 @@ ArtworkerWindow::ArtworkerWindow(Subject subject, DialogHost& host, QWidget* par
     Refresh();
     if (Canvas() != nullptr) Canvas()->setFocus();
   });
-  static const bool cleared = (ForgetElements(), true);  // what an earlier session left there
-  Q_UNUSED(cleared);
   connect(QApplication::clipboard(), &QClipboard::dataChanged, this, [this] { UpdateActions(); });
   for (QPushButton* button : findChildren<QPushButton*>()) button->setAutoDefault(false);  // Enter edits
   RestorePlace();
@@ -201,6 +199,9 @@ void ArtworkerWindow::changeEvent(QEvent* event) {
     scene_.facts = subject_.facts();
     Refresh();
   }
+  // A run that locked the window gives back where the keys go.
+  if (event->type() == QEvent::EnabledChange && isEnabled() && actions_ != nullptr && Canvas() != nullptr)
+    Canvas()->setFocus();
   HostedDialog::changeEvent(event);
 }
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::array kObjectNames = {texts::ArtworkLabel, texts::ArtworkInlay, texts::ArtworkBooklet};
 
 // The element at a row of the canvas.
-class AccessibleElement : public QAccessibleInterface {
+class AccessibleElement : public QAccessibleInterface, public QAccessibleActionInterface {
  public:
   AccessibleElement(LayoutCanvas* canvas, int row) : canvas_(canvas), row_(row) {}
 
@@ -33,6 +33,14 @@ class AccessibleElement : public QAccessibleInterface {
   [[nodiscard]] int indexOfChild(const QAccessibleInterface*) const override { return -1; }
   [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
   void setText(QAccessible::Text, const QString&) override {}
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+  }
+  [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
+  [[nodiscard]] QStringList keyBindingsForAction(const QString&) const override { return {}; }
+  void doAction(const QString& action) override {
+    if (const auto index = Index(); index && action == pressAction()) canvas_->Choose(*index, false);
+  }
 
   [[nodiscard]] QString text(QAccessible::Text what) const override {
     const auto index = Index();
@@ -65,7 +73,10 @@ class AccessibleElement : public QAccessibleInterface {
       state.invalid = true;
       return state;
     }
-    state.selected = canvas_->GetScene().editor.IsSelected(*index);
+    const LayoutEditor& editor = canvas_->GetScene().editor;
+    state.selected = editor.IsSelected(*index);
+    state.focusable = true;
+    state.focused = state.selected && editor.Selected().back() == *index && canvas_->hasFocus();
     return state;
   }
 
@@ -101,6 +112,13 @@ class AccessibleCanvas : public QAccessibleWidget {
     rows_[row] = QAccessible::registerAccessibleInterface(made);
     return made;
   }
+  // The uppermost at a place of the screen, and the one that the keys work on.
+  [[nodiscard]] QAccessibleInterface* childAt(int x, int y) const override {
+    return Find([x, y](const QAccessibleInterface& element) { return element.rect().contains(x, y); });
+  }
+  [[nodiscard]] QAccessibleInterface* focusChild() const override {
+    return Find([](const QAccessibleInterface& element) { return element.state().focused; });
+  }
   [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
     const auto* const element = dynamic_cast<const AccessibleElement*>(child);
     return element != nullptr ? element->Row() : -1;
@@ -112,6 +130,14 @@ class AccessibleCanvas : public QAccessibleWidget {
   }
 
  private:
+  template <typename Predicate>
+  QAccessibleInterface* Find(Predicate is) const {
+    for (int row = childCount(); row-- > 0;) {
+      if (QAccessibleInterface* const element = child(row); is(*element)) return element;
+    }
+    return nullptr;
+  }
+
   LayoutCanvas* canvas_;
   mutable std::map<int, QAccessible::Id> rows_;
 };

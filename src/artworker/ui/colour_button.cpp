@@ -32,7 +32,7 @@ void ColourButton::SetColour(std::uint32_t colour) {
   painter.drawRect(swatch.rect().adjusted(0, 0, -1, -1));
   painter.end();
   setIcon(swatch);
-  setText(ColourOf(colour).name());
+  setText(' ' + ColourOf(colour).name());
 }
 
 void ColourButton::Choose() {

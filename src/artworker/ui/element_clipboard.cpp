@@ -53,6 +53,10 @@ bool CopyElements(std::span<const ArtworkElement> elements) {
   return CanPaste();
 }
 
+bool ClipboardOpens() {
+  return Content() != nullptr;
+}
+
 bool CanPaste() {
   const QMimeData* const content = Content();
   return content != nullptr && (content->hasFormat(kElementFormat) || content->hasImage() ||

@@ -15,12 +15,13 @@
 namespace ts5::artworker {
 
 // The name of the own format. Its data is the packed record of a layout with the copied elements.
-inline constexpr const char* kElementFormat = "application/x-Artworker_ObjectElement";
+inline constexpr const char* kElementFormat = "Artworker_ObjectElement";
 
 [[nodiscard]] bool CopyElements(std::span<const ArtworkElement> elements);
-// Whether there is anything that can be pasted.
+// Whether the clipboard can be read at all, and whether there is anything that can be pasted.
+[[nodiscard]] bool ClipboardOpens();
 [[nodiscard]] bool CanPaste();
-// What an earlier session left there goes.
+// Elements on the clipboard are those of one session: they go at its beginning and at its end.
 void ForgetElements();
 
 // Keeps a picture without a file and gives its path.

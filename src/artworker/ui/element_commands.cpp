@@ -89,8 +89,10 @@ void ElementCommands::AskDelete(bool all) {
   Selection gone =
       all ? ElementsOf(ground_.scene.editor.Layout(), page->Canvas().Id()) : ground_.scene.editor.Selected();
   if (gone.empty()) return;
-  if (!AskYesNo(ground_.window, all || gone.size() > 1 ? texts::AskDeleteElements : texts::AskDeleteElement))
-    return;
+  const TextId question = all               ? texts::AskDeleteElements
+                          : gone.size() > 1 ? texts::AskDeleteSelected
+                                            : texts::AskDeleteElement;
+  if (!AskYesNo(ground_.window, question)) return;
   Change([&gone](ArtworkLayout& layout, Selection& selection) {
     Delete(layout, gone);
     selection.clear();
@@ -132,7 +134,8 @@ std::optional<ArtworkElement> ElementCommands::EditedElement(const ArtworkElemen
     return run(EllipseDialog(element, ground_.scene.backgrounds, ground_.host, ground_.window));
   if (!std::holds_alternative<Image>(element.content)) return std::nullopt;
   const auto keep = [this](const QImage& picture) { return Keep(picture); };
-  return run(ImageDialog(element, ground_.folder, keep, ground_.host, ground_.window));
+  return run(
+      ImageDialog(element, ground_.scene.backgrounds, ground_.folder, keep, ground_.host, ground_.window));
 }
 
 void ElementCommands::ResizeToPicture() {
@@ -164,6 +167,7 @@ void ElementCommands::Copy() {
 void ElementCommands::Paste() {
   CanvasPage* const page = ground_.page();
   if (page == nullptr) return;
+  if (!ClipboardOpens()) return ShowWarning(ground_.window, texts::ClipboardNotOpened);
   const auto elements = PasteElements([this](const QImage& picture) { return Keep(picture); });
   if (!elements) return ShowWarning(ground_.window, texts::ElementNotPasted);
   const QPointF corner = page->VisibleCorner();

@@ -49,12 +49,19 @@ void BorderBox::TabBefore(std::initializer_list<QWidget*> widgets) {
   }
 }
 
-FillBox::FillBox(const Fill& fill, BackgroundList& backgrounds, DialogHost& host, QWidget* parent)
-    : QGroupBox(parent), backgrounds_(backgrounds), host_(host), ui_(std::make_unique<Ui::ARTFILL>()) {
+FillBox::FillBox(const Fill& fill, First first, BackgroundList& backgrounds, DialogHost& host,
+                 QWidget* parent)
+    : QGroupBox(parent),
+      first_(first),
+      backgrounds_(backgrounds),
+      host_(host),
+      ui_(std::make_unique<Ui::ARTFILL>()) {
   ui_->setupUi(this);
   setTitle(QtText(texts::FillTitle));
+  setFocusProxy(ui_->transparencyBox);
   ui_->transparencyBox->setValue(fill.transparency);
   ui_->backgroundBox->setIconSize(kBackgroundSwatch);
+  connect(ui_->backgroundBox, &QComboBox::currentIndexChanged, this, [this] { OfferDelete(); });
   Refill(fill.background);
   connect(ui_->newButton, &QAbstractButton::clicked, this, [this] { AddNew(); });
   connect(ui_->deleteButton, &QAbstractButton::clicked, this, [this] { DeleteChosen(); });
@@ -71,8 +78,17 @@ void FillBox::Refill(int chosen) {
   ui_->backgroundBox->clear();
   for (const Background& background : backgrounds_.All())
     ui_->backgroundBox->addItem(BackgroundIcon(background), ToQt(background.name));
+  if (first_ == First::None) {
+    ui_->backgroundBox->setItemIcon(kNoGround, {});
+    ui_->backgroundBox->setItemText(kNoGround, QtText(texts::NoGround));
+  }
   ui_->backgroundBox->setCurrentIndex(chosen < ui_->backgroundBox->count() ? chosen : 0);
-  ui_->deleteButton->setEnabled(ui_->backgroundBox->count() > 1);
+  OfferDelete();
+}
+
+void FillBox::OfferDelete() {
+  const bool none = first_ == First::None && ui_->backgroundBox->currentIndex() == kNoGround;
+  ui_->deleteButton->setEnabled(ui_->backgroundBox->count() > 1 && !none);
 }
 
 void FillBox::AddNew() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QGroupBox>
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 
@@ -36,17 +37,22 @@ class FillBox : public QGroupBox {
   Q_OBJECT
 
  public:
+  // What stands for the first background: itself, or that there is none, as images have it.
+  enum class First : std::uint8_t { Itself, None };
   // The list and the host outlive the box.
-  FillBox(const Fill& fill, BackgroundList& backgrounds, DialogHost& host, QWidget* parent = nullptr);
+  FillBox(const Fill& fill, First first, BackgroundList& backgrounds, DialogHost& host,
+          QWidget* parent = nullptr);
   ~FillBox() override;
 
   [[nodiscard]] Fill Chosen() const;
 
  private:
   void Refill(int chosen);
+  void OfferDelete();
   void AddNew();
   void DeleteChosen();
 
+  First first_;
   BackgroundList& backgrounds_;
   DialogHost& host_;
   std::unique_ptr<Ui::ARTFILL> ui_;

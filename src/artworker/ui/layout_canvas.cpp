@@ -4,21 +4,21 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
 #include "artworker/object_painter.h"
 #include "artworker/texts.h"
+#include "artworker/ui/canvas_marks.h"
 
 namespace ts5::artworker {
 namespace {
 
 constexpr double kInch = 25.4;
-constexpr double kHandle = 7;        // pixels, the side of a handle
 constexpr double kSnapReach = 6;     // pixels
 constexpr int kLeastDrawn = 6;       // pixels; what is smaller both ways is no element
 constexpr double kKeyStep = 10;      // pixels
+constexpr double kTextHeight = 10;   // millimetres of a text field that is made with the keys
 constexpr double kZoomSlack = 1e-6;  // tenths added up are not exact
 constexpr int kMostPicture = 6000;   // pixels; a larger object is drawn each time
 
@@ -142,8 +142,12 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   }
   painter.restore();
   painter.setRenderHint(QPainter::Antialiasing);
-  PaintFolds(painter);
-  PaintSelection(painter, layout);
+  PaintEdges(painter);
+  for (const std::size_t index : scene_.editor.Selected()) {
+    const ArtworkElement& element = layout.elements[index];
+    const QRectF rect = PixelsOf(element, layout.Object(id_), Scale()).translated(kMargin, kMargin);
+    PaintSelected(painter, rect, element.fixed, palette());
+  }
   if (drag_) PaintDrag(painter);
   if (hasFocus()) {
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
@@ -152,74 +156,23 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   }
 }
 
-// Where the object is cut and folded, whether it is printed with lines or not.
-void LayoutCanvas::PaintFolds(QPainter& painter) const {
+// Whether they are printed with lines or not.
+void LayoutCanvas::PaintEdges(QPainter& painter) const {
   const QRectF object = ObjectRect();
-  painter.setBrush(Qt::NoBrush);
   if (id_ == ArtworkObjectId::Label) {
-    // What lies beside the disc and in its hole is not printed.
     const double hole = scene_.editor.Layout().Object(id_).size.height / 2.0 * Scale();
-    QPainterPath beside;
-    beside.setFillRule(Qt::OddEvenFill);
-    beside.addRect(object.adjusted(-1, -1, 1, 1));
-    beside.addEllipse(object);
-    painter.fillPath(beside, palette().color(QPalette::Mid));
-    QPainterPath inside;
-    inside.addEllipse(object.center(), hole, hole);
-    painter.fillPath(inside, palette().color(QPalette::Mid));
-    painter.setPen(QPen(palette().color(QPalette::Dark), 1));
-    painter.drawEllipse(object);
-    painter.drawEllipse(object.center(), hole, hole);
-    return;
+    return PaintDiscEdges(painter, object, hole, palette());
   }
-  painter.setPen(QPen(palette().color(QPalette::Dark), 1));
-  painter.drawRect(object);
-  painter.setPen(QPen(QColor(128, 128, 128, 140), 1, Qt::DashLine));
-  for (const double fold : Ground().folds) {
-    const double x = object.left() + fold * Scale();
-    painter.drawLine(QPointF(x, object.top()), QPointF(x, object.bottom()));
-  }
-}
-
-void LayoutCanvas::PaintSelection(QPainter& painter, const ArtworkLayout& layout) const {
-  const QColor accent = palette().color(QPalette::Highlight);
-  for (const std::size_t index : scene_.editor.Selected()) {
-    const QRectF rect =
-        PixelsOf(layout.elements[index], layout.Object(id_), Scale()).translated(kMargin, kMargin);
-    // Seen on every ground.
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(Qt::white, 3));
-    painter.drawRect(rect);
-    painter.setPen(QPen(accent, 1.5, layout.elements[index].fixed ? Qt::DashLine : Qt::SolidLine));
-    painter.drawRect(rect);
-    painter.setPen(QPen(accent, 1));
-    painter.setBrush(Qt::white);
-    const QPointF c = rect.center();
-    for (const QPointF& at :
-         {rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight(), QPointF(c.x(), rect.top()),
-          QPointF(c.x(), rect.bottom()), QPointF(rect.left(), c.y()), QPointF(rect.right(), c.y())})
-      painter.drawRect(QRectF(at.x() - kHandle / 2, at.y() - kHandle / 2, kHandle, kHandle));
-  }
+  std::vector<double> folds = Ground().folds;
+  for (double& fold : folds) fold *= Scale();
+  PaintPaperEdges(painter, object, folds, palette());
 }
 
 void LayoutCanvas::PaintDrag(QPainter& painter) const {
-  painter.setBrush(Qt::NoBrush);
-  if (drag_->kind == Drag::Kind::Elements) {
-    painter.setPen(QPen(QColor(0xC6, 0x41, 0x3A), 1));
-    for (const Guide& guide : drag_->guides)
-      painter.drawLine(guide.from + QPointF(kMargin, kMargin), guide.to + QPointF(kMargin, kMargin));
-    return;
-  }
-  const QRectF rect = DrawnRect(*drag_).translated(kMargin, kMargin);
-  for (const auto& [colour, style] :
-       {std::pair(Qt::white, Qt::SolidLine), std::pair(Qt::black, Qt::DotLine)}) {
-    painter.setPen(QPen(colour, 1, style));
-    if (drag_->kind == Drag::Kind::Draw && scene_.tool == Tool::Ellipse) {
-      painter.drawEllipse(rect);
-    } else {
-      painter.drawRect(rect);
-    }
-  }
+  const QPointF corner(kMargin, kMargin);
+  if (drag_->kind == Drag::Kind::Elements) return PaintGuides(painter, drag_->guides, corner);
+  const bool ellipse = drag_->kind == Drag::Kind::Draw && scene_.tool == Tool::Ellipse;
+  PaintOutline(painter, DrawnRect(*drag_).translated(corner), ellipse);
 }
 
 // --- the mouse
@@ -251,8 +204,7 @@ void LayoutCanvas::mousePressEvent(QMouseEvent* event) {
 void LayoutCanvas::PressDesign(QMouseEvent& event) {
   const QPointF point = OnObject(event.position());
   Drag drag{.start = point, .now = point, .modifiers = event.modifiers()};
-  const auto hit = HitAt(scene_.editor.Layout(), id_, scene_.editor.Selected(), point, Scale());
-  if (hit) {
+  if (const auto hit = HeldAt(point)) {
     const bool extend = (event.modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
     // A click on one of several selected ones takes them all along.
     if (extend || !scene_.editor.IsSelected(hit->element)) scene_.editor.Click(hit->element, extend);
@@ -269,6 +221,14 @@ void LayoutCanvas::PressDesign(QMouseEvent& event) {
     return;
   }
   drag_ = drag;
+}
+
+std::optional<Hit> LayoutCanvas::HeldAt(QPointF point) const {
+  const ArtworkLayout& layout = scene_.editor.Layout();
+  const auto hit = HitAt(layout, id_, scene_.editor.Selected(), point, Scale());
+  const bool ground =
+      hit && hit->zone.Moves() && layout.elements[hit->element].fixed && DrawsNew(scene_.tool);
+  return ground ? std::nullopt : hit;
 }
 
 void LayoutCanvas::mouseMoveEvent(QMouseEvent* event) {
@@ -346,8 +306,12 @@ void LayoutCanvas::EndDrag() {
       break;
     case Drag::Kind::Draw: {
       const QRectF rect = DrawnRect(drag);
-      if (rect.width() >= kLeastDrawn || rect.height() >= kLeastDrawn)
+      const auto ground = HitAt(scene_.editor.Layout(), id_, {}, drag.start, Scale());
+      if (rect.width() >= kLeastDrawn || rect.height() >= kLeastDrawn) {
         emit Drawn(QRectF(rect.topLeft() / Scale(), rect.size() / Scale()));
+      } else if (ground) {
+        Choose(ground->element, false);
+      }
       break;
     }
   }
@@ -382,8 +346,7 @@ void LayoutCanvas::contextMenuEvent(QContextMenuEvent* event) {
 
 void LayoutCanvas::ShowCursor(QPointF point) {
   if (scene_.tool == Tool::ZoomIn || scene_.tool == Tool::ZoomOut) return setCursor(Qt::PointingHandCursor);
-  const auto hit = HitAt(scene_.editor.Layout(), id_, scene_.editor.Selected(), OnObject(point), Scale());
-  if (hit) return setCursor(CursorOf(hit->zone));
+  if (const auto hit = HeldAt(OnObject(point))) return setCursor(CursorOf(hit->zone));
   setCursor(DrawsNew(scene_.tool) ? Qt::CrossCursor : Qt::ArrowCursor);
 }
 
@@ -427,13 +390,29 @@ void LayoutCanvas::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown) {
     const auto next =
         NeighbourOf(scene_.editor.Layout(), id_, scene_.editor.Selected(), event->key() == Qt::Key_PageUp);
-    if (!next) return;
-    scene_.editor.Click(*next, false);
-    update();
-    TellSelection();
-    return emit SelectionChanged();
+    if (next) Choose(*next, (event->modifiers() & Qt::ShiftModifier) != 0);
+    return;
   }
+  if (event->key() == Qt::Key_Space) return UseToolInTheMiddle();
   if (!MoveByKey(*event)) QWidget::keyPressEvent(event);
+}
+
+void LayoutCanvas::UseToolInTheMiddle() {
+  const QRectF seen = ObjectRect().intersected(visibleRegion().boundingRect());
+  if (scene_.tool == Tool::ZoomIn || scene_.tool == Tool::ZoomOut)
+    return ClickZoom(seen.center(), scene_.tool == Tool::ZoomIn);
+  if (!DrawsNew(scene_.tool) || seen.isEmpty()) return;
+  QRectF place(QPointF(), seen.size() / (2 * Scale()));
+  if (scene_.tool == Tool::Text) place.setHeight(std::min(place.height(), kTextHeight));
+  place.moveCenter(MillimetresAt(seen.center()));
+  emit Drawn(place);
+}
+
+void LayoutCanvas::Choose(std::size_t element, bool extend) {
+  scene_.editor.Click(element, extend);
+  update();
+  TellSelection();
+  emit SelectionChanged();
 }
 
 void LayoutCanvas::TellSelection() {

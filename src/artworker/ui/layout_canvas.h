@@ -35,6 +35,8 @@ class LayoutCanvas : public QWidget {
   // An element in pixels of the canvas.
   [[nodiscard]] QRectF RectOf(std::size_t element) const;
   [[nodiscard]] const Scene& GetScene() const { return scene_; }
+  // Selects as a click does it; extend: in and out of what is selected.
+  void Choose(std::size_t element, bool extend);
 
   [[nodiscard]] QSize sizeHint() const override;
 
@@ -79,6 +81,11 @@ class LayoutCanvas : public QWidget {
   void ZoomAt(double zoom, QPointF point);
   void ClickZoom(QPointF point, bool in);
   void PressDesign(QMouseEvent& event);
+  // What the mouse takes hold of at a point of the object. A tool for a new element draws on what is fixed:
+  // a ground that fills the object leaves it no other spot.
+  [[nodiscard]] std::optional<Hit> HeldAt(QPointF point) const;
+  // What a click in the middle of what can be seen would do, for those who have no mouse.
+  void UseToolInTheMiddle();
   void DragElements(Drag& drag);
   [[nodiscard]] SnapGround Ground() const;
   [[nodiscard]] QRectF DrawnRect(const Drag& drag) const;  // pixels on the object
@@ -88,8 +95,7 @@ class LayoutCanvas : public QWidget {
   bool MoveByKey(const QKeyEvent& event);
   void Change(const LayoutEditor::Change& change);
   void PaintObjectNow(QPainter& painter, const ArtworkLayout& layout, bool draft);
-  void PaintFolds(QPainter& painter) const;
-  void PaintSelection(QPainter& painter, const ArtworkLayout& layout) const;
+  void PaintEdges(QPainter& painter) const;
   void PaintDrag(QPainter& painter) const;
 
   Scene& scene_;

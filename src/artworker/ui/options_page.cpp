@@ -59,6 +59,8 @@ void OptionsPage::FillKeys() {
   add(QtText(texts::KeySize), QtText(texts::KeySizeNames));
   add(QtText(texts::KeyNext), QtText(texts::KeyNextName));
   add(QtText(texts::KeyPrevious), QtText(texts::KeyPreviousName));
+  add(QtText(texts::KeyAdd), QtText(texts::KeyAddNames));
+  add(QtText(texts::KeyTool), QtText(texts::KeyToolName));
   view.header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
 }
 

@@ -33,12 +33,14 @@ EllipseDialog::EllipseDialog(ArtworkElement element, BackgroundList& backgrounds
   ui_->setupUi(this);
   setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
-  fill_ = new FillBox(std::get<Ellipse>(element_.content).fill, backgrounds, host, this);
+  fill_ =
+      new FillBox(std::get<Ellipse>(element_.content).fill, FillBox::First::Itself, backgrounds, host, this);
   border_ = new BorderBox(element_, false, this);
   ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);
   border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
   ui_->fixedCheck->setChecked(element_.fixed);
+  fill_->setFocus();
 }
 
 EllipseDialog::~EllipseDialog() = default;
@@ -55,8 +57,8 @@ ArtworkElement EllipseDialog::Element() const {
   return element;
 }
 
-ImageDialog::ImageDialog(ArtworkElement element, std::string folder, Keeper keep, DialogHost& host,
-                         QWidget* parent)
+ImageDialog::ImageDialog(ArtworkElement element, BackgroundList& backgrounds, std::string folder, Keeper keep,
+                         DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::ImagePrompt), parent),
       element_(std::move(element)),
       folder_(std::move(folder)),
@@ -65,14 +67,15 @@ ImageDialog::ImageDialog(ArtworkElement element, std::string folder, Keeper keep
   ui_->setupUi(this);
   setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
+  const auto& image = std::get<Image>(element_.content);
+  fill_ = new FillBox(image.fill, FillBox::First::None, backgrounds, host, this);
   border_ = new BorderBox(element_, true, this);
+  ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);
   border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
-  const auto& image = std::get<Image>(element_.content);
   ui_->fileEdit->setText(ToQt(image.file));
   ui_->fileRadio->setChecked(true);
   ui_->clipboardRadio->setEnabled(!QApplication::clipboard()->image().isNull());
-  ui_->transparencyBox->setValue(image.fill.transparency);
   ui_->mirrorXCheck->setChecked((image.mirror & kMirrorHorizontal) != 0);
   ui_->mirrorYCheck->setChecked((image.mirror & kMirrorVertical) != 0);
   ui_->fixedCheck->setChecked(element_.fixed);
@@ -94,7 +97,7 @@ ArtworkElement ImageDialog::Element() const {
   ArtworkElement element = element_;
   auto& image = std::get<Image>(element.content);
   image.file = FromQt(ui_->fileEdit->text());
-  image.fill.transparency = ui_->transparencyBox->value();
+  image.fill = fill_->Chosen();
   image.mirror = (ui_->mirrorXCheck->isChecked() ? kMirrorHorizontal : 0) |
                  (ui_->mirrorYCheck->isChecked() ? kMirrorVertical : 0);
   border_->Take(element);

@@ -44,8 +44,9 @@ class ImageDialog : public HostedDialog {
  public:
   // Keeps a picture of the clipboard and gives its path.
   using Keeper = std::function<Result<std::string>(const QImage&)>;
-  // element: an image. folder: where a file is looked for first.
-  ImageDialog(ArtworkElement element, std::string folder, Keeper keep, DialogHost& host, QWidget* parent);
+  // element: an image. folder: where a file is looked for first. The list outlives the dialog.
+  ImageDialog(ArtworkElement element, BackgroundList& backgrounds, std::string folder, Keeper keep,
+              DialogHost& host, QWidget* parent);
   ~ImageDialog() override;
 
   [[nodiscard]] ArtworkElement Element() const;
@@ -62,6 +63,7 @@ class ImageDialog : public HostedDialog {
   std::string folder_;
   Keeper keep_;
   std::unique_ptr<Ui::ARTIMAGE> ui_;
+  FillBox* fill_ = nullptr;
   BorderBox* border_ = nullptr;
 };
 

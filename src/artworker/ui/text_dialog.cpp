@@ -48,7 +48,8 @@ TextDialog::TextDialog(ArtworkElement element, BackgroundList& backgrounds, Dial
   ui_->setupUi(this);
   setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
-  fill_ = new FillBox(std::get<TextField>(element_.content).fill, backgrounds, host, this);
+  fill_ = new FillBox(std::get<TextField>(element_.content).fill, FillBox::First::Itself, backgrounds, host,
+                      this);
   border_ = new BorderBox(element_, true, this);
   ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);

@@ -44,10 +44,6 @@ std::span<const Remark> AllRemarks() {
   return remarks;
 }
 
-const EncodeSettings& SettingsIn(const FilterParameters& parameters) {
-  return static_cast<const AudioCompressorParameters&>(parameters).encode;
-}
-
 WorkWatch PartOf(ItemWork& work, double from, double to) {
   return {[&work] { return work.Cancelled(); },
           [&work, from, to](double fraction) { work.progress(from + (to - from) * fraction); }};
@@ -96,7 +92,7 @@ ChosenSet ChosenIn(const EncoderInterfaces& interfaces, const EncodeSettings& se
 
 class CompressorRun {
  public:
-  explicit CompressorRun(Run& run) : run_(run), parameters_(run.Parameters<AudioCompressorParameters>()) {
+  CompressorRun(Run& run, const AudioCompressorParameters& parameters) : run_(run), parameters_(parameters) {
     if (parameters_.encode.Method() == EncodeMethod::CommandLine)
       interfaces_ = LoadInterfaces(InterfacesPath());
   }
@@ -105,9 +101,8 @@ class CompressorRun {
     if (parameters_.replayGain && !MeasureAll()) return;
     ItemFilter filter;
     filter.independent = true;
-    filter.prepare = [](const FilterParameters& parameters,
-                        const std::string& path) -> Result<std::unique_ptr<PreparedItem>> {
-      auto source = EncodingSource::Open(path, SettingsIn(parameters));
+    filter.prepare = [this](const std::string& path) -> Result<std::unique_ptr<PreparedItem>> {
+      auto source = EncodingSource::Open(path, parameters_.encode);
       if (!source) return Failure(source.error());
       return std::make_unique<OpenedItem>(*std::move(source));
     };
@@ -174,6 +169,22 @@ class CompressorRun {
   std::map<std::string, TrackGain> gains_;  // by their sources
 };
 
+// What the settings lack to encode by them.
+std::optional<TextId> MissingOf(const EncodeSettings& settings) {
+  if (settings.Method() == EncodeMethod::CommandLine) {
+    const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
+    const ChosenSet chosen = ChosenIn(interfaces, settings);
+    if (chosen.interface == nullptr || !chosen.interface->Available()) return texts::CompressInterfaceGone;
+    return std::nullopt;
+  }
+  if (EncoderOf(settings) == nullptr) return texts::EncodeNoEncoder;
+  const CodecEntry* const codec = CodecOf(settings);
+  if (codec != nullptr && !codec->formats.empty() &&
+      std::cmp_greater_equal(settings.format, codec->formats.size()))
+    return texts::EncodeNoFormat;
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::vector<ParameterField> AudioCompressorFields() {
@@ -194,36 +205,21 @@ std::string ExtensionFor(const EncodeSettings& settings) {
 }
 
 FilterModule AudioCompressorModule() {
-  FilterModule module;
+  using P = AudioCompressorParameters;
+  ModuleOf<P> module;
   module.id = FilterId::AudioCompressor;
-  module.create = [] { return std::make_unique<AudioCompressorParameters>(); };
   module.fields = AudioCompressorFields();
-  module.run = [](Run& run) { CompressorRun(run).Execute(); };
+  module.run = [](Run& run, const P& own) { CompressorRun(run, own).Execute(); };
   module.remarks = AllRemarks();
-  module.target = [](const FilterParameters& parameters, const std::string& source) {
-    const auto& own = As<AudioCompressorParameters>(parameters);
+  module.target = [](const P& own, const std::string& source) {
     TargetRule rule{.extension = ExtensionFor(own.encode)};
     rule.name = FileNameFor(own.namePattern, source, own.attributes, rule.extension);
     if (rule.extension == "wma") rule.fileTypes = texts::FileFilterWma;
     return rule;
   };
-  module.missing = [](const Job& job) -> std::optional<TextId> {
-    const EncodeSettings& settings = SettingsIn(*job.parameters);
-    if (settings.Method() == EncodeMethod::CommandLine) {
-      const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
-      const ChosenSet chosen = ChosenIn(interfaces, settings);
-      if (chosen.interface == nullptr || !chosen.interface->Available()) return texts::CompressInterfaceGone;
-      return std::nullopt;
-    }
-    if (EncoderOf(settings) == nullptr) return texts::EncodeNoEncoder;
-    const CodecEntry* const codec = CodecOf(settings);
-    if (codec != nullptr && !codec->formats.empty() &&
-        std::cmp_greater_equal(settings.format, codec->formats.size()))
-      return texts::EncodeNoFormat;
-    return std::nullopt;
-  };
+  module.missing = [](const P& own) { return MissingOf(own.encode); };
   module.stop.status = texts::Stopping;
-  return module;
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5

@@ -170,38 +170,37 @@ std::vector<ParameterField> DecompressorFields() {
   return table.Build();
 }
 
+void RunDecompressor(Run& run, const AudioDecompressorParameters& parameters) {
+  const DecodeOptions options = run.ItemCount() == 1 ? parameters.decode : DecodeOptions();
+  ItemFilter filter;
+  filter.independent = true;
+  filter.prepare = [](const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
+    auto media = OpenCompressed(source);
+    if (!media) return Failure(media.error());
+    return std::make_unique<OpenedItem>(*std::move(media));
+  };
+  filter.convert = [options](ItemWork& work) {
+    return Decompress(std::move(work.Prepared<OpenedItem>().media), work.source, work.target, options,
+                      {[&work] { return work.Cancelled(); }, work.progress});
+  };
+  RunItems(run, filter);
+}
+
 }  // namespace
 
 FilterModule AudioDecompressorModule() {
-  FilterModule module;
+  using P = AudioDecompressorParameters;
+  ModuleOf<P> module;
   module.id = FilterId::AudioDecompressor;
-  module.create = [] { return std::make_unique<AudioDecompressorParameters>(); };
   module.fields = DecompressorFields();
-  module.run = [](Run& run) {
-    const auto& parameters = run.Parameters<AudioDecompressorParameters>();
-    const DecodeOptions options = run.ItemCount() == 1 ? parameters.decode : DecodeOptions();
-    ItemFilter filter;
-    filter.independent = true;
-    filter.prepare = [](const FilterParameters&,
-                        const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
-      auto media = OpenCompressed(source);
-      if (!media) return Failure(media.error());
-      return std::make_unique<OpenedItem>(*std::move(media));
-    };
-    filter.convert = [options](ItemWork& work) {
-      return Decompress(std::move(work.Prepared<OpenedItem>().media), work.source, work.target, options,
-                        {[&work] { return work.Cancelled(); }, work.progress});
-    };
-    RunItems(run, filter);
-  };
+  module.run = RunDecompressor;
   module.remarks = kRemarks;
-  module.target = [](const FilterParameters& parameters, const std::string& source) {
-    const auto& pattern = As<AudioDecompressorParameters>(parameters).namePattern;
+  module.target = [](const P& own, const std::string& source) {
     return TargetRule{
-        .extension = "wav", .formatKept = false, .name = FileNameFor(pattern, source, {}, "wav")};
+        .extension = "wav", .formatKept = false, .name = FileNameFor(own.namePattern, source, {}, "wav")};
   };
   module.stop.status = Stopping;
-  return module;
+  return MakeModule(std::move(module));
 }
 
 }  // namespace ts5

@@ -17,10 +17,8 @@ struct SettingsAccess {
 };
 template <typename P>
 [[nodiscard]] SettingsAccess AccessTo(EncodeSettings P::*member) {
-  return {[member](FilterParameters& p) -> EncodeSettings& { return static_cast<P&>(p).*member; },
-          [member](const FilterParameters& p) -> const EncodeSettings& {
-            return static_cast<const P&>(p).*member;
-          }};
+  return {[member](FilterParameters& p) -> EncodeSettings& { return As<P>(p).*member; },
+          [member](const FilterParameters& p) -> const EncodeSettings& { return As<P>(p).*member; }};
 }
 
 // The rows of a field table for these settings. prefix: "" or "Grab", before every name.

@@ -21,18 +21,14 @@ void SaveAttributes(const Attributes& attributes, RegistryValues& values);
 // each.
 template <typename P>
 [[nodiscard]] ParameterField AttributesField(Attributes P::*member) {
-  ParameterField field;
+  FieldOf<P> field;
   field.name = "FileAttribute";
-  field.load = [member](FilterParameters& p, const RegistryValues& values) {
-    static_cast<P&>(p).*member = LoadAttributes(values);
-  };
-  field.save = [member](const FilterParameters& p, RegistryValues& values) {
-    SaveAttributes(static_cast<const P&>(p).*member, values);
-  };
-  field.set = [member](FilterParameters& p, std::string_view text) {
+  field.load = [member](P& p, const RegistryValues& values) { p.*member = LoadAttributes(values); };
+  field.save = [member](const P& p, RegistryValues& values) { SaveAttributes(p.*member, values); };
+  field.set = [member](P& p, std::string_view text) {
     auto attribute = ParseAttribute(text);
     if (!attribute) return false;
-    Attributes& all = static_cast<P&>(p).*member;
+    Attributes& all = p.*member;
     if (Attribute* const there = FindAttribute(all, attribute->name)) {
       *there = *std::move(attribute);
     } else {
@@ -41,7 +37,7 @@ template <typename P>
     return true;
   };
   field.description = "NAME=WERT";
-  return field;
+  return MakeField(std::move(field));
 }
 
 }  // namespace ts5

@@ -42,22 +42,22 @@ struct NameWord {
 // The row of a filter's field table that keeps a pattern; one with a fault is not taken.
 template <typename P>
 [[nodiscard]] ParameterField NamePatternField(std::string P::*member) {
-  ParameterField field;
+  FieldOf<P> field;
   field.name = "NamePattern";
   field.description = "z. B. \"%track% - %title%\"";
-  field.load = [member](FilterParameters& p, const RegistryValues& values) {
+  field.load = [member](P& p, const RegistryValues& values) {
     if (auto text = values.Text("NamePattern"); text && !NamePatternFault(*text))
-      As<P>(p).*member = *std::move(text);
+      p.*member = *std::move(text);
   };
-  field.save = [member](const FilterParameters& p, RegistryValues& values) {
-    if (const std::string& text = As<P>(p).*member; !text.empty()) values.SetText("NamePattern", text);
+  field.save = [member](const P& p, RegistryValues& values) {
+    if (const std::string& text = p.*member; !text.empty()) values.SetText("NamePattern", text);
   };
-  field.set = [member](FilterParameters& p, std::string_view text) {
+  field.set = [member](P& p, std::string_view text) {
     if (NamePatternFault(text)) return false;
-    As<P>(p).*member = text;
+    p.*member = text;
     return true;
   };
-  return field;
+  return MakeField(std::move(field));
 }
 
 }  // namespace ts5

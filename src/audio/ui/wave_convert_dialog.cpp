@@ -71,18 +71,17 @@ void WaveConvertDialog::Commit() {
   accept();
 }
 
-bool EditWaveConverterParameters(Job& job, DialogHost& host, QWidget* owner) {
-  const auto* parameters = dynamic_cast<const WaveConverterParameters*>(job.parameters.Get());
+bool EditWaveConverter(WaveConverterParameters& parameters, const Job& job, DialogHost& host,
+                       QWidget* owner) {
   const std::string first = ItemSource(job, 0);
   const MediaProbe source = first.empty() ? MediaProbe() : ProbeMedia(first);
   if (!first.empty() && !IsWaveKind(source.kind)) {
     ShowWarning(owner, texts::AudioNotInitialised);
     return false;
   }
-  WaveConvertDialog dialog(parameters != nullptr ? *parameters : WaveConverterParameters(), source,
-                           ItemCount(job) == 1, host, owner);
+  WaveConvertDialog dialog(parameters, source, ItemCount(job) == 1, host, owner);
   if (dialog.exec() != QDialog::Accepted) return false;
-  job.parameters = dialog.Parameters().Clone();
+  parameters = dialog.Parameters();
   return true;
 }
 

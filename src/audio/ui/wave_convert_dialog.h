@@ -44,8 +44,8 @@ class WaveConvertDialog : public HostedDialog {
   std::unique_ptr<Ui::WAVECONVERTPARAMS> ui_;
 };
 
-// Edits the parameters of a job whose filter is the wave converter. False: left with "Abbrechen", or the
-// first file is none that can be converted, which is said.
-bool EditWaveConverterParameters(Job& job, DialogHost& host, QWidget* owner);
+// Edits the parameters of a job with these files. False: left with "Abbrechen", or the first file is none
+// that can be converted, which is said.
+bool EditWaveConverter(WaveConverterParameters& parameters, const Job& job, DialogHost& host, QWidget* owner);
 
 }  // namespace ts5

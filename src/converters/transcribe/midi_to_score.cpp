@@ -89,8 +89,7 @@ std::vector<ItemLoss> LossesOf(const Transcription& made) {
   return losses;
 }
 
-Outcome ConvertItem(ItemWork& work) {
-  const auto& parameters = As<P>(work.parameters);
+Outcome ConvertItem(const P& parameters, ItemWork& work) {
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   auto made = TranscribeMidi(work.Prepared<MidiItem>().file, OptionsOf(parameters), watch);
   if (!made) return made.error();
@@ -105,13 +104,11 @@ Outcome ConvertItem(ItemWork& work) {
   return work.target.Write(*written);
 }
 
-void RunMidiToScore(Run& run) {
+void RunMidiToScore(Run& run, const P& parameters) {
   ItemFilter filter;
   filter.independent = true;
-  filter.prepare = [](const FilterParameters&, const std::string& source) {
-    return OpenMidiItem(source, kMostBytes);
-  };
-  filter.convert = ConvertItem;
+  filter.prepare = [](const std::string& source) { return OpenMidiItem(source, kMostBytes); };
+  filter.convert = [&parameters](ItemWork& work) { return ConvertItem(parameters, work); };
   RunItems(run, filter);
   AddLossRemarks(run.Result());
 }
@@ -133,7 +130,7 @@ FilterModule MidiToScoreModule() {
   ModuleOf<P> module;
   module.id = FilterId::MidiToScore;
   module.fields = Fields();
-  module.run = [](Run& run, const P&) { RunMidiToScore(run); };
+  module.run = RunMidiToScore;
   module.target = [](const P&, const std::string&) {
     return TargetRule{.extension = std::string(kScoreExtension), .fileTypes = texts::FileFilterToScore};
   };

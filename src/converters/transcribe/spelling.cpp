@@ -53,6 +53,11 @@ Tonic TonicOf(int sharps) {
   return {((sharps * 7) % 12 + 12) % 12, ((sharps * 4) % 7 + 7) % 7};
 }
 
+// What a note counts: struck again and again it says no more than once.
+int Weight(std::span<const NoteToSpell> notes, std::size_t i) {
+  return i > 0 && notes[i - 1].key == notes[i].key ? 0 : 1;
+}
+
 SpelledPitch WithLetter(int key, int letter) {
   // The octave in which the alteration is least.
   SpelledPitch best;
@@ -93,8 +98,9 @@ std::vector<SpelledPitch> Spell(std::span<const NoteToSpell> notes) {
   std::array<int, 12> around{};
   std::size_t end = 0;
   for (std::size_t i = 0; i < notes.size(); ++i) {
-    for (; end < std::min(i + kBehind, notes.size()); ++end) ++around[notes[end].key % 12U];
-    if (i > kBefore) --around[notes[i - kBefore - 1].key % 12U];
+    for (; end < std::min(i + kBehind, notes.size()); ++end)
+      around[notes[end].key % 12U] += Weight(notes, end);
+    if (i > kBefore) around[notes[i - kBefore - 1].key % 12U] -= Weight(notes, i - kBefore - 1);
     const Tonic reference = TonicOf(notes[i].sharps);
     std::array<double, 7> strength{};
     for (int tonic = 0; tonic < 12; ++tonic) {
@@ -110,6 +116,11 @@ std::vector<SpelledPitch> Spell(std::span<const NoteToSpell> notes) {
       const int degree = (letter - reference.letter + 7) % 7;
       if ((reference.pitchClass + kScale[static_cast<std::size_t>(degree)]) % 12 == notes[i].key % 12)
         strength[static_cast<std::size_t>(letter)] += 12;
+    }
+    // Double sharps and flats are rare.
+    for (int letter = 0; letter < 7; ++letter) {
+      if (std::abs(WithLetter(notes[i].key, letter).alter) > 1)
+        strength[static_cast<std::size_t>(letter)] /= 2;
     }
     const auto letter = static_cast<int>(std::ranges::max_element(strength) - strength.begin());
     SpelledPitch pitch = WithLetter(notes[i].key, letter);

@@ -3,7 +3,8 @@
 // Keys: the share of time of each pitch class is compared with what major and minor keys have (C. Krumhansl,
 // "Cognitive Foundations of Musical Pitch", 1990, with the profiles of D. Temperley). Spelling: each note
 // gets the letter that most of its neighbours, taken as tonics, would give it (D. Meredith, "The ps13 Pitch
-// Spelling Algorithm", 2006, first stage), with the key signature as the point of reference.
+// Spelling Algorithm", 2006, first stage), with the key signature as the point of reference; a note that is
+// struck again and again counts once.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,7 @@
 #include "converters/ui/xml_properties_dialog.h"
 
 #include "converters/texts.h"
+#include "frame/ui/property_list.h"
 #include "frame/ui/qt_text.h"
 #include "ui_XMLPROPS.h"
 
@@ -11,15 +12,7 @@ XmlPropertiesDialog::XmlPropertiesDialog(const ScoreProperties& properties, Dial
   ui_->setupUi(this);
   ConnectButtons();
   setWindowTitle(ToQt(properties.title));
-  connect(ui_->propertyList, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
-    ui_->valueEdit->setPlainText(item == nullptr ? QString() : item->data(Qt::UserRole).toString());
-  });
-  for (const PropertyRow& row : properties.rows) {
-    auto* const item = new QListWidgetItem(ToQt(row.label), ui_->propertyList);
-    item->setData(Qt::UserRole, ToQt(row.value));
-  }
-  ui_->propertyList->setCurrentRow(0);
-  ui_->propertyList->setFocus();
+  ShowProperties(properties.rows, ui_->propertyList, ui_->valueEdit);
 }
 
 XmlPropertiesDialog::~XmlPropertiesDialog() = default;

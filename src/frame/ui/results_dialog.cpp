@@ -67,6 +67,11 @@ ResultsDialog::ResultsDialog(RunResult result, bool mayRepeat, DialogHost& host,
     ui_->items->setColumnWidth(static_cast<int>(i), kColumnWidths.at(i));
   ui_->detailsButton->setVisible(!result_.items.empty());
   ui_->notationButton->hide();
+  ui_->undoButton->hide();
+  connect(ui_->undoButton, &QPushButton::clicked, this, [this] {
+    accept();
+    emit UndoWanted();
+  });
   ui_->repeatButton->setVisible(mayRepeat);
   ui_->repeatButton->setEnabled(!FailedSources(result_).empty());
   connect(ui_->detailsButton, &QPushButton::toggled, this, &ResultsDialog::ShowDetails);
@@ -90,6 +95,13 @@ ResultsDialog::~ResultsDialog() = default;
 void ResultsDialog::ShowQuestion(const QString& question) {
   ui_->questionLabel->setText(question);
   ui_->questionLabel->show();
+}
+
+void ResultsDialog::OfferUndo(std::size_t notKept) {
+  ui_->undoButton->show();
+  if (notKept == 0) return;
+  ui_->remarks->appendPlainText(ToQt(notKept == 1 ? std::string(Text(texts::UndoOneLost))
+                                                  : Format(Text(texts::UndoManyLost), notKept)));
 }
 
 void ResultsDialog::OfferNotation(std::function<bool(const std::string&)> fits) {

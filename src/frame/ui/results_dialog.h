@@ -32,6 +32,9 @@ class ResultsDialog : public HostedDialog {
   // Offers a look at the notes of files that fit, beside the other details.
   void OfferNotation(std::function<bool(const std::string&)> fits);
 
+  // The run can be undone, but for so many files that it has replaced.
+  void OfferUndo(std::size_t notKept);
+
   [[nodiscard]] QString HelpTopic() const override;
 
  signals:
@@ -39,6 +42,8 @@ class ResultsDialog : public HostedDialog {
   void FileChosen(const std::string& path);
   // The user wants to see the notes of this file.
   void NotationWanted(const std::string& path);
+  // The user wants the run undone; the dialog has closed.
+  void UndoWanted();
   // The user wants these done again; the dialog has closed.
   void Repeat(const std::vector<std::string>& sources);
 

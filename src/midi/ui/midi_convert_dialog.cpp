@@ -113,12 +113,4 @@ void MidiConvertDialog::Commit() {
   accept();
 }
 
-bool EditMidiConverterParameters(Job& job, DialogHost& host, QWidget* owner) {
-  auto& parameters = As<ConverterParameters>(*job.parameters);
-  MidiConvertDialog dialog(parameters, ItemSource(job, 0), host, owner);
-  if (dialog.exec() != QDialog::Accepted) return false;
-  parameters = dialog.Parameters();
-  return true;
-}
-
 }  // namespace ts5

@@ -46,8 +46,4 @@ class MidiConvertDialog : public HostedDialog {
   std::unique_ptr<Ui::MIDICONVERT> ui_;
 };
 
-// Edits the parameters of a job whose filter is the MIDI converter, looking at its first item. False: the
-// dialog was left with "Abbrechen", and the job is as it was.
-bool EditMidiConverterParameters(Job& job, DialogHost& host, QWidget* owner);
-
 }  // namespace ts5

@@ -3,9 +3,6 @@
 
 #include <chrono>
 #include <compare>
-#include <string>
-
-#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -20,13 +17,9 @@ struct CivilTime {
   auto operator<=>(const CivilTime&) const = default;
 };
 
-[[nodiscard]] CivilTime UtcTime(std::chrono::system_clock::time_point moment);
 [[nodiscard]] CivilTime LocalTime(std::chrono::system_clock::time_point moment);
 [[nodiscard]] inline CivilTime LocalNow() {
   return LocalTime(std::chrono::system_clock::now());
 }
-
-// When the file was last changed; SourceFailed when there is none.
-[[nodiscard]] Result<std::chrono::system_clock::time_point> ModificationTime(const std::string& path);
 
 }  // namespace ts5

@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <charconv>
+#include <cstring>
 #include <limits>
 
 #include "platform/base/casts.h"
@@ -178,9 +179,21 @@ std::u16string Utf16FromUtf8(std::string_view text) {
 }
 
 bool IsUtf8(std::string_view text) {
-  bool valid = true;
-  ForEachCharacter(text, [&](const Decoded& decoded) { valid = valid && decoded.valid; });
-  return valid;
+  while (!text.empty()) {
+    // Most texts are ASCII nearly throughout, of which many bytes are looked at together.
+    std::array<std::uint64_t, 4> together{};
+    if (text.size() >= sizeof(together)) {
+      std::memcpy(together.data(), text.data(), sizeof(together));
+      if (((together[0] | together[1] | together[2] | together[3]) & 0x8080808080808080U) == 0) {
+        text.remove_prefix(sizeof(together));
+        continue;
+      }
+    }
+    const Decoded decoded = DecodeUtf8(text);
+    if (!decoded.valid) return false;
+    text.remove_prefix(decoded.length);
+  }
+  return true;
 }
 
 std::size_t CharacterCount(std::string_view text) {
@@ -200,11 +213,6 @@ std::string ToLower(std::string_view text) {
 }
 std::string ToUpper(std::string_view text) {
   return MapCharacters(text, Upper);
-}
-
-std::string LowerAfterFirst(std::string_view text) {
-  const std::string_view first = FirstCharacters(text, 1);
-  return std::string(first) + ToLower(text.substr(first.size()));
 }
 
 std::weak_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {

@@ -32,8 +32,6 @@ namespace ts5 {
 // Case mapping of all letters of Windows-1252 (Latin, with umlauts and accents); others stay.
 [[nodiscard]] std::string ToLower(std::string_view text);
 [[nodiscard]] std::string ToUpper(std::string_view text);
-// The text with every character after the first in lower case.
-[[nodiscard]] std::string LowerAfterFirst(std::string_view text);
 
 // Order and equality without regard to case, as ToLower maps it.
 [[nodiscard]] std::weak_ordering CompareIgnoringCase(std::string_view a, std::string_view b);

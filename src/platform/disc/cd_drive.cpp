@@ -26,6 +26,7 @@ constexpr int kReadAttempts = 3;
 constexpr int kBusyPolls = 20;
 constexpr std::size_t kRoom = 256;  // for short replies
 constexpr std::size_t kTextRoom = 4 + 8 * 256 * kCdTextPackBytes;
+constexpr std::array<std::uint8_t, kC2Bytes> kNoErrors{};
 constexpr DrivePace kNoMechanics{1ms, 0ms, 0ms};
 
 void Sleep(std::chrono::milliseconds time) {
@@ -156,7 +157,7 @@ Outcome CdDrive::ReadAudioChecked(Lba address, std::span<std::uint8_t> out, std:
     const auto sector = ByteView(both).subspan(i * kStride, kStride);
     std::ranges::copy(sector.first(kAudioSectorBytes),
                       out.begin() + static_cast<std::ptrdiff_t>(i * kAudioSectorBytes));
-    sound[i] = std::ranges::none_of(sector.last(kC2Bytes), [](std::uint8_t bits) { return bits != 0; });
+    sound[i] = std::ranges::equal(sector.last(kC2Bytes), kNoErrors);
   }
   return Outcome::Success;
 }

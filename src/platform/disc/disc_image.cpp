@@ -247,12 +247,6 @@ Result<DiscImage> DiscImage::Open(const std::string& cuePath) {
   return disc;
 }
 
-bool DiscImage::IsAudio(Lba address) const {
-  const auto sector = static_cast<std::uint32_t>(address.value) + origin_;
-  const auto extent = std::ranges::upper_bound(extents_, sector, {}, &Extent::start);
-  return address < layout_.leadOut && extent != extents_.begin() && std::prev(extent)->audio;
-}
-
 Outcome DiscImage::ReadAudio(Lba address, std::span<std::uint8_t> out) {
   std::uint32_t sector = static_cast<std::uint32_t>(address.value) + origin_;
   auto extent = std::ranges::upper_bound(extents_, sector, {}, &Extent::start);

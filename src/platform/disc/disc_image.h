@@ -28,8 +28,6 @@ class DiscImage {
   ~DiscImage();
 
   [[nodiscard]] const DiscLayout& Layout() const { return layout_; }
-  // The type of a sector; false behind the end too.
-  [[nodiscard]] bool IsAudio(Lba address) const;
   // Whole audio sectors from that one on. InvalidParameter: not all of them are on the disc and audio.
   // ReadFailed: a file has become shorter or cannot be read.
   [[nodiscard]] Outcome ReadAudio(Lba address, std::span<std::uint8_t> out);

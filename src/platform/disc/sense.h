@@ -12,12 +12,10 @@ namespace sense {
 inline constexpr std::uint8_t kNotReady = 0x02;
 inline constexpr std::uint8_t kMediumError = 0x03;
 inline constexpr std::uint8_t kHardwareError = 0x04;
-inline constexpr std::uint8_t kIllegalRequest = 0x05;
 inline constexpr std::uint8_t kUnitAttention = 0x06;
 inline constexpr std::uint8_t kNoMedium = 0x3A;  // additional sense code
 
 inline constexpr SenseData kBecomingReady{0x02, 0x04, 0x01};
-inline constexpr SenseData kOperationInProgress{0x02, 0x04, 0x07};
 inline constexpr SenseData kLongWriteInProgress{0x02, 0x04, 0x08};
 inline constexpr SenseData kMediumNotPresent{0x02, 0x3A, 0x00};
 inline constexpr SenseData kTrayOpen{0x02, 0x3A, 0x02};

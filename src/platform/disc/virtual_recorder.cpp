@@ -1,21 +1,15 @@
 #include "platform/disc/virtual_recorder.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <span>
 #include <utility>
 
-#include "platform/base/descriptor.h"
 #include "platform/base/text.h"
 #include "platform/disc/cue_data.h"
-#include "platform/disc/drive_claim.h"
 #include "platform/disc/recorder_buffer.h"
 #include "platform/disc/recorder_pages.h"
+#include "platform/disc/sector_file.h"
 #include "platform/disc/virtual_drive.h"
 #include "platform/files/files.h"
 #include "platform/files/input_file.h"
@@ -26,67 +20,9 @@ namespace {
 
 using Status = RecordedDisc::Status;
 
-constexpr std::string_view kTrayOut = "out";
 constexpr std::int32_t kRunOut = 2;  // sectors behind a track that is written alone
 constexpr SenseData kEndOfDisc{0x05, 0x63, 0x00};
 constexpr SenseData kNoFormat{0x05, 0x30, 0x05};  // cannot be written: incompatible format
-
-std::string TrayFile() {
-  return JoinPath(VirtualRecorderDirectory(), "disc");
-}
-
-Outcome WriteTray(const RecorderTray& tray) {
-  return WriteFile(TrayFile(), AsBytes(tray.disc + "\n" + (tray.open ? std::string(kTrayOut) + "\n" : "")));
-}
-
-Result<DriveClaim> ClaimToChange() {
-  if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return Failure(made);
-  auto claim = DriveClaim::Take(VirtualRecorderDirectory());
-  if (!claim && claim.error() != Outcome::InUse) return Failure(Outcome::TargetFailed);
-  return claim;
-}
-
-// When the tray last changed; two changes never have the same mark, as each makes a new file.
-struct TrayMark {
-  ino_t file = 0;
-  std::int64_t nanoseconds = 0;
-  bool operator==(const TrayMark&) const = default;
-};
-TrayMark MarkOfTray() {
-  struct stat status {};
-  if (::stat(TrayFile().c_str(), &status) != 0) return {};
-  return {status.st_ino, std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
-}
-
-// The sectors of a disc, written one behind the other.
-class SectorFile {
- public:
-  Outcome Open(const std::string& path, bool fresh) {
-    file_ =
-        FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | (fresh ? O_TRUNC : 0), 0666));
-    return file_ ? Outcome::Success : Outcome::TargetFailed;
-  }
-  Outcome Write(Lba address, ByteView data) {
-    auto offset =
-        (std::int64_t{address.value} + kPregapSectors) * static_cast<std::int64_t>(kAudioSectorBytes);
-    while (!data.empty()) {
-      const ssize_t written = ::pwrite(file_.Get(), data.data(), data.size(), offset);
-      if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) return Outcome::WriteFailed;
-      data = data.subspan(static_cast<std::size_t>(written));
-      offset += written;
-    }
-    return Outcome::Success;
-  }
-  Outcome Flush() {
-    return !file_ || ::fdatasync(file_.Get()) == 0 ? Outcome::Success : Outcome::WriteFailed;
-  }
-  void Close() { file_ = FileDescriptor(); }
-  explicit operator bool() const { return static_cast<bool>(file_); }
-
- private:
-  FileDescriptor file_;
-};
 
 class VirtualRecorder final : public VirtualDrive {
  public:
@@ -194,7 +130,7 @@ class VirtualRecorder final : public VirtualDrive {
     RecorderTray tray = ReadRecorderTray();
     if (tray.open != load) return Good();
     tray.open = !load;
-    if (Failed(WriteTray(tray))) return Refused({sense::kHardwareError, 0x53, 0x00});
+    if (Failed(WriteRecorderTray(tray))) return Refused({sense::kHardwareError, 0x53, 0x00});
     Reload();
     return Good();
   }
@@ -472,39 +408,10 @@ class VirtualRecorder final : public VirtualDrive {
   Clock::time_point busyUntil_ = {};
 };
 
-Outcome PutIn(const std::string& directory) {
-  if (const auto disc = RecordedDisc::Load(directory); !disc) return disc.error();
-  std::error_code error;
-  const std::string path = std::filesystem::absolute(directory, error).lexically_normal().string();
-  if (error) return Outcome::SourceFailed;
-  if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return made;
-  return WriteTray({.disc = path, .open = false});
-}
-
 }  // namespace
 
 DriveName VirtualRecorderName() {
   return {"STAVORA", "VIRTUELLER BRENNER"};
-}
-
-RecorderTray ReadRecorderTray() {
-  constexpr std::size_t kMost = 4096;
-  const auto text = ReadFileStart(TrayFile(), kMost);
-  if (!text) return {};
-  const auto lines = Split(AsText(*text), '\n');
-  return {std::string(lines[0]), lines.size() > 1 && lines[1] == kTrayOut};
-}
-
-Outcome InsertBlankDisc(const std::string& directory, int minutes, bool rewritable) {
-  const auto claim = ClaimToChange();
-  if (!claim) return claim.error();
-  if (const Outcome made = RecordedDisc::MakeBlank(directory, minutes, rewritable); Failed(made)) return made;
-  return PutIn(directory);
-}
-
-Outcome InsertRecordedDisc(const std::string& directory) {
-  const auto claim = ClaimToChange();
-  return claim ? PutIn(directory) : claim.error();
 }
 
 RecorderTime RecorderTimeOfEnvironment() {

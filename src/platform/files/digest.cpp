@@ -1,7 +1,11 @@
 #include "platform/files/digest.h"
 
+#include <zlib.h>
+
 #include <QByteArray>
 #include <QCryptographicHash>
+
+#include "platform/base/text.h"
 
 namespace ts5 {
 
@@ -9,6 +13,14 @@ std::string Sha256Hex(ByteView bytes) {
   QCryptographicHash hash(QCryptographicHash::Sha256);
   hash.addData(QByteArray::fromRawData(AsText(bytes).data(), static_cast<qsizetype>(bytes.size())));
   return hash.result().toHex().toStdString();
+}
+
+void Crc32::Add(ByteView bytes) {
+  value_ = static_cast<std::uint32_t>(::crc32_z(value_, bytes.data(), bytes.size()));
+}
+
+std::string Crc32::Text() const {
+  return Format("%08X", value_);
 }
 
 }  // namespace ts5

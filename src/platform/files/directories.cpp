@@ -3,9 +3,6 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#include <QFile>
-#include <QStandardPaths>
-#include <QString>
 #include <cstdlib>
 #include <filesystem>
 
@@ -47,17 +44,6 @@ std::string InstalledDirectory() {
   const std::string prefix(DirectoryOf(DirectoryOf(program)));
   const std::string installed = JoinPath(JoinPath(prefix, "share"), kProgram);
   return !error && IsDirectory(installed) ? installed : TS5_SOURCE_RESOURCES;
-}
-
-std::string MusicDirectory() {
-  const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
-  const std::string home = HomeDirectory();
-  // A desktop that has not been set up names an English directory, whatever its language.
-  for (const std::string& path :
-       {NormalisedPath(QFile::encodeName(music).toStdString()), JoinPath(home, "Musik")}) {
-    if (IsDirectory(path) && path != home) return path;
-  }
-  return {};
 }
 
 std::string DemoDirectory() {

@@ -15,8 +15,6 @@ namespace ts5 {
 // What the program only reads: PREFIX/share/stavora-ts5 beside PREFIX/bin of the running program, and the
 // resources of the source tree for a program that is not installed.
 [[nodiscard]] std::string InstalledDirectory();
-// Where the desktop keeps music (~/Musik); "" when there is no such directory, or it is the home directory.
-[[nodiscard]] std::string MusicDirectory();
 // The demo files that were installed, or those of the source tree; "" when there are none.
 [[nodiscard]] std::string DemoDirectory();
 

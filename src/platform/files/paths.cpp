@@ -78,6 +78,18 @@ std::string JoinPath(std::string_view directory, std::string_view name) {
   return result += name;
 }
 
+std::optional<std::string> PathBelow(std::string_view directory, std::string_view path) {
+  if (directory.empty() || !path.starts_with(directory)) return std::nullopt;
+  path.remove_prefix(directory.size());
+  if (path.empty()) return std::string();
+  if (IsSeparator(path.front())) {
+    path.remove_prefix(1);
+  } else if (!IsSeparator(directory.back())) {
+    return std::nullopt;
+  }
+  return std::string(path);
+}
+
 bool IsAbsolutePath(std::string_view path) {
   const std::size_t root = RootLength(path);
   return root > 0 && IsSeparator(path[root - 1]);

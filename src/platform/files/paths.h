@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,9 @@ inline constexpr std::size_t kMaxPathCharacters = 259;
 [[nodiscard]] std::string WithExtension(std::string_view path, std::string_view extension);
 // One separator between the two; an empty directory gives the name alone; an absolute name replaces all.
 [[nodiscard]] std::string JoinPath(std::string_view directory, std::string_view name);
+// What JoinPath(directory, ...) makes the path of: "/a" and "/a/b/c.mid" -> "b/c.mid", "/a" and "/a" -> "".
+// Nothing when it does not lie below.
+[[nodiscard]] std::optional<std::string> PathBelow(std::string_view directory, std::string_view path);
 [[nodiscard]] bool IsAbsolutePath(std::string_view path);
 // Separators doubled or at the end are taken off, "." and ".." are resolved as texts.
 [[nodiscard]] std::string NormalisedPath(std::string_view path);

@@ -46,11 +46,16 @@ Outcome WriteAll(int descriptor, std::uint64_t offset, ByteView bytes) {
   return Outcome::Success;
 }
 
+struct Place {
+  std::string path;                     // behind all links
+  std::optional<struct stat> existing;  // what stands there
+};
+
 // Where a symbolic link leads in the end, also when nothing is there yet.
-std::optional<std::string> FollowLinks(std::string path) {
+std::optional<Place> FollowLinks(std::string path) {
   for (int links = 0; links < kMaxLinks; ++links) {
     const auto status = StatusOf(path, false);
-    if (!status || !S_ISLNK(status->st_mode)) return path;
+    if (!status || !S_ISLNK(status->st_mode)) return Place{std::move(path), status};
     std::error_code error;
     const std::string destination = std::filesystem::read_symlink(path, error).string();
     if (error) return std::nullopt;
@@ -59,26 +64,20 @@ std::optional<std::string> FollowLinks(std::string path) {
   return std::nullopt;
 }
 
-struct Place {
-  std::string path;                     // behind all links
-  std::optional<struct stat> existing;  // what stands there
-};
-
 // The place a target name stands for, refused when it may not be written over.
 Result<Place> PlaceOf(const std::string& target) {
   if (!Reachable(target) || target.back() == '/') return Failure(Outcome::TargetFailed);
-  const auto path = FollowLinks(target);
-  if (!path) return Failure(NoteWriteFault(Outcome::TargetFailed, ELOOP, target));
-  Place place{*path, StatusOf(*path, false)};
-  if (place.existing) {
-    const mode_t mode = place.existing->st_mode;
+  auto place = FollowLinks(target);
+  if (!place) return Failure(NoteWriteFault(Outcome::TargetFailed, ELOOP, target));
+  if (place->existing) {
+    const mode_t mode = place->existing->st_mode;
     if (!S_ISREG(mode))
-      return Failure(NoteWriteFault(Outcome::TargetFailed, S_ISDIR(mode) ? EISDIR : 0, *path));
-    if ((mode & S_IWUSR) == 0) return Failure(NoteWriteFault(Outcome::TargetFailed, EACCES, *path));
-    if (::access(path->c_str(), W_OK) != 0)
-      return Failure(NoteWriteFault(Outcome::TargetFailed, errno, *path));
+      return Failure(NoteWriteFault(Outcome::TargetFailed, S_ISDIR(mode) ? EISDIR : 0, place->path));
+    if ((mode & S_IWUSR) == 0) return Failure(NoteWriteFault(Outcome::TargetFailed, EACCES, place->path));
+    if (::access(place->path.c_str(), W_OK) != 0)
+      return Failure(NoteWriteFault(Outcome::TargetFailed, errno, place->path));
   }
-  return place;
+  return *std::move(place);
 }
 
 void TakeOver(int descriptor, const struct stat& existing) {

@@ -1,5 +1,5 @@
 // The one place where FFmpeg is included, for the media reader and writer: its structures as owners that free
-// themselves. No other file includes this one.
+// themselves. Nothing outside this folder includes it.
 #pragma once
 
 #include <memory>

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <optional>
 #include <utility>
 
 #include "platform/files/paths.h"
+#include "platform/media/certain_demuxer.h"
 #include "platform/media/ffmpeg.h"
+#include "platform/media/ffmpeg_format.h"
+#include "platform/media/ffmpeg_stream.h"
 #include "platform/media/mp3_length.h"
 
 namespace ts5 {
@@ -27,210 +29,6 @@ constexpr int kMostRate = 1 << 20;
 constexpr double kPrerollSeconds = 0.5;
 // No MPEG audio has fewer; a file that claims to last longer lies.
 constexpr double kLeastMpegByteRate = 1000;
-
-// The file as the demuxer sees it.
-struct FileStream {
-  InputFile file;
-  std::uint64_t position = 0;
-  bool failed = false;  // an I/O error, or the file ended before its size
-
-  static int Read(void* self, std::uint8_t* out, int size) {
-    auto& stream = *static_cast<FileStream*>(self);
-    const auto got = stream.file.ReadAt(stream.position, {out, static_cast<std::size_t>(size)});
-    if (!got) {
-      stream.failed = true;
-      return AVERROR(EIO);
-    }
-    if (*got == 0) {
-      stream.failed = stream.failed || stream.position < stream.file.Size();
-      return AVERROR_EOF;
-    }
-    stream.position += *got;
-    return static_cast<int>(*got);
-  }
-
-  static std::int64_t Seek(void* self, std::int64_t offset, int whence) {
-    auto& stream = *static_cast<FileStream*>(self);
-    const auto size = static_cast<std::int64_t>(stream.file.Size());
-    switch (whence & ~AVSEEK_FORCE) {
-      case AVSEEK_SIZE:
-        return size;
-      case SEEK_SET:
-        break;
-      case SEEK_CUR:
-        offset += static_cast<std::int64_t>(stream.position);
-        break;
-      case SEEK_END:
-        offset += size;
-        break;
-      default:
-        return AVERROR(EINVAL);
-    }
-    if (offset < 0) return AVERROR(EINVAL);
-    stream.position = static_cast<std::uint64_t>(offset);
-    return offset;
-  }
-};
-
-struct NamedContainer {
-  const char* name;
-  MediaContainer container;
-};
-constexpr NamedContainer kContainers[] = {
-    {"wav", MediaContainer::Wave}, {"w64", MediaContainer::Wave},         {"aiff", MediaContainer::Aiff},
-    {"mp3", MediaContainer::Mpeg}, {"mpeg", MediaContainer::Mpeg},        {"mpegts", MediaContainer::Mpeg},
-    {"ape", MediaContainer::Ape},  {"asf", MediaContainer::WindowsMedia},
-};
-
-MediaContainer ContainerNamed(const char* name) {
-  for (const NamedContainer& row : kContainers) {
-    if (std::strcmp(row.name, name) == 0) return row.container;
-  }
-  return MediaContainer::Other;
-}
-
-MediaCodec CodecOf(AVCodecID id) {
-  switch (id) {
-    case AV_CODEC_ID_MP1:
-      return MediaCodec::MpegLayer1;
-    case AV_CODEC_ID_MP2:
-      return MediaCodec::MpegLayer2;
-    case AV_CODEC_ID_MP3:
-      return MediaCodec::MpegLayer3;
-    case AV_CODEC_ID_WMAV1:
-    case AV_CODEC_ID_WMAV2:
-    case AV_CODEC_ID_WMAPRO:
-    case AV_CODEC_ID_WMALOSSLESS:
-    case AV_CODEC_ID_WMAVOICE:
-      return MediaCodec::WindowsMedia;
-    case AV_CODEC_ID_APE:
-      return MediaCodec::Ape;
-    case AV_CODEC_ID_FLAC:
-      return MediaCodec::Flac;
-    case AV_CODEC_ID_OPUS:
-      return MediaCodec::Opus;
-    case AV_CODEC_ID_AAC:
-      return MediaCodec::Aac;
-    case AV_CODEC_ID_ALAC:
-      return MediaCodec::Alac;
-    default:
-      return MediaCodec::Other;
-  }
-}
-
-// Containers without a tag of their own get the one that the codec has in wave files.
-std::uint16_t TagOf(const AVCodecParameters& codec) {
-  switch (codec.codec_id) {
-    case AV_CODEC_ID_MP1:
-    case AV_CODEC_ID_MP2:
-      return kTagMpeg;
-    case AV_CODEC_ID_MP3:
-      return kTagMpegLayer3;
-    case AV_CODEC_ID_PCM_F32BE:
-    case AV_CODEC_ID_PCM_F32LE:
-    case AV_CODEC_ID_PCM_F64BE:
-    case AV_CODEC_ID_PCM_F64LE:
-      return kTagFloat;
-    case AV_CODEC_ID_PCM_S8:
-    case AV_CODEC_ID_PCM_U8:
-    case AV_CODEC_ID_PCM_S16BE:
-    case AV_CODEC_ID_PCM_S16LE:
-    case AV_CODEC_ID_PCM_S24BE:
-    case AV_CODEC_ID_PCM_S24LE:
-    case AV_CODEC_ID_PCM_S32BE:
-    case AV_CODEC_ID_PCM_S32LE:
-      return kTagPcm;
-    default:
-      return static_cast<std::uint16_t>(codec.codec_tag);
-  }
-}
-
-WaveFormat FormatOf(const AVCodecParameters& codec) {
-  WaveFormat format;
-  format.tag = TagOf(codec);
-  format.channels = static_cast<std::uint16_t>(codec.ch_layout.nb_channels);
-  format.sampleRate = static_cast<std::uint32_t>(codec.sample_rate);
-  const int bits = av_get_bits_per_sample(codec.codec_id);
-  format.bitsPerSample = static_cast<std::uint16_t>(bits != 0 ? bits : codec.bits_per_coded_sample);
-  if (format.tag == kTagPcm || format.tag == kTagFloat)
-    return PcmFormat(format.sampleRate, format.bitsPerSample, format.channels, format.tag);
-  format.blockAlign = static_cast<std::uint16_t>(std::clamp(codec.block_align, 1, 0xFFFF));
-  format.bytesPerSecond = static_cast<std::uint32_t>(std::clamp<std::int64_t>(
-      codec.bit_rate > 0 ? codec.bit_rate / 8 : std::int64_t{format.sampleRate} * format.channels * 2, 1,
-      INT32_MAX));
-  return format;
-}
-
-std::uint32_t MaskOf(const AVChannelLayout& layout) {
-  if (layout.order == AV_CHANNEL_ORDER_NATIVE) return static_cast<std::uint32_t>(layout.u.mask);
-  return UsualChannelMask(static_cast<std::uint32_t>(layout.nb_channels));
-}
-
-std::uint32_t BitsOf(const AVCodecContext& codec) {
-  switch (av_get_packed_sample_fmt(codec.sample_fmt)) {
-    case AV_SAMPLE_FMT_U8:
-      return 8;
-    case AV_SAMPLE_FMT_S16:
-      return 16;
-    case AV_SAMPLE_FMT_S32:
-      return codec.bits_per_raw_sample > 0 ? static_cast<std::uint32_t>(codec.bits_per_raw_sample) : 32;
-    default:
-      return 0;
-  }
-}
-
-template <typename T>
-double Scaled(T sample) {
-  if constexpr (std::is_same_v<T, std::uint8_t>) {
-    return (sample - 128) / 128.0;
-  } else if constexpr (std::is_integral_v<T>) {
-    return static_cast<double>(sample) / (static_cast<double>(std::numeric_limits<T>::max()) + 1);
-  } else {
-    constexpr double kMost = std::numeric_limits<float>::max();
-    return std::isfinite(sample) ? std::clamp<double>(sample, -kMost, kMost) : 0;
-  }
-}
-
-// Frames first..first+count of a decoded block, from memory that need not be aligned for T.
-template <typename T>
-void CopyAs(const AVFrame& frame, bool planar, std::size_t first, std::size_t count, std::size_t channels,
-            double* out) {
-  for (std::size_t channel = 0; channel < channels; ++channel) {
-    const std::uint8_t* in = planar ? frame.extended_data[channel] : frame.extended_data[0];
-    const std::size_t step = planar ? 1 : channels;
-    std::size_t index = planar ? first : first * channels + channel;
-    for (std::size_t i = 0; i < count; ++i, index += step) {
-      T sample;
-      std::memcpy(&sample, in + index * sizeof(T), sizeof(T));
-      out[i * channels + channel] = Scaled(sample);
-    }
-  }
-}
-
-bool CopyFrames(const AVFrame& frame, std::size_t first, std::size_t count, std::size_t channels,
-                double* out) {
-  const auto format = static_cast<AVSampleFormat>(frame.format);
-  const bool planar = av_sample_fmt_is_planar(format) != 0;
-  switch (av_get_packed_sample_fmt(format)) {
-    case AV_SAMPLE_FMT_U8:
-      CopyAs<std::uint8_t>(frame, planar, first, count, channels, out);
-      return true;
-    case AV_SAMPLE_FMT_S16:
-      CopyAs<std::int16_t>(frame, planar, first, count, channels, out);
-      return true;
-    case AV_SAMPLE_FMT_S32:
-      CopyAs<std::int32_t>(frame, planar, first, count, channels, out);
-      return true;
-    case AV_SAMPLE_FMT_FLT:
-      CopyAs<float>(frame, planar, first, count, channels, out);
-      return true;
-    case AV_SAMPLE_FMT_DBL:
-      CopyAs<double>(frame, planar, first, count, channels, out);
-      return true;
-    default:
-      return false;
-  }
-}
 
 class LibraryReader final : public MediaReader {
  public:
@@ -266,7 +64,8 @@ class LibraryReader final : public MediaReader {
         continue;
       }
       const std::size_t count = std::min(wanted - filled, available_ - offset_);
-      if (!CopyFrames(*frame_, offset_, count, shape_.channels, out.data() + filled * shape_.channels))
+      if (!ffmpeg::CopyFrames(*frame_, offset_, count, shape_.channels,
+                              out.data() + filled * shape_.channels))
         return Failure(Outcome::SourceFailed);
       offset_ += count;
       filled += count;
@@ -318,8 +117,8 @@ class LibraryReader final : public MediaReader {
   Outcome OpenContainer(const std::string& path) {
     auto* const buffer = static_cast<std::uint8_t*>(av_malloc(ffmpeg::kBufferSize));
     if (buffer == nullptr) return Outcome::OutOfMemory;
-    io_.reset(avio_alloc_context(buffer, ffmpeg::kBufferSize, 0, &stream_, FileStream::Read, nullptr,
-                                 FileStream::Seek));
+    io_.reset(avio_alloc_context(buffer, ffmpeg::kBufferSize, 0, &stream_, ffmpeg::FileStream::Read, nullptr,
+                                 ffmpeg::FileStream::Seek));
     if (!io_) {
       av_free(buffer);
       return Outcome::OutOfMemory;
@@ -332,7 +131,8 @@ class LibraryReader final : public MediaReader {
     context->codec_whitelist = av_strdup(kDecoders);
     // The name helps to tell the kind; nothing is opened by it.
     const std::string name(FileNameOf(path));
-    if (avformat_open_input(&context, name.c_str(), nullptr, nullptr) < 0) {  // which frees the context
+    if (avformat_open_input(&context, name.c_str(), ffmpeg::CertainDemuxer(stream_.file), nullptr) <
+        0) {  // which frees the context
       return stream_.failed ? Outcome::ReadFailed : Outcome::WrongFormat;
     }
     container_.reset(context);
@@ -374,11 +174,11 @@ class LibraryReader final : public MediaReader {
   void Describe() {
     shape_.sampleRate = static_cast<std::uint32_t>(codec_->sample_rate);
     shape_.channels = static_cast<std::uint32_t>(codec_->ch_layout.nb_channels);
-    shape_.channelMask = MaskOf(codec_->ch_layout);
-    shape_.bits = BitsOf(*codec_);
-    info_.container = ContainerNamed(container_->iformat->name);
-    info_.codec = CodecOf(track_->codecpar->codec_id);
-    info_.format = FormatOf(*track_->codecpar);
+    shape_.channelMask = ffmpeg::MaskOf(codec_->ch_layout);
+    shape_.bits = ffmpeg::BitsOf(*codec_);
+    info_.container = ffmpeg::ContainerNamed(container_->iformat->name);
+    info_.codec = ffmpeg::CodecOf(track_->codecpar->codec_id);
+    info_.format = ffmpeg::FormatOf(*track_->codecpar);
     if (track_->duration != AV_NOPTS_VALUE && track_->duration > 0) {
       info_.seconds = static_cast<double>(track_->duration) * av_q2d(track_->time_base);
     } else if (container_->duration != AV_NOPTS_VALUE && container_->duration > 0) {
@@ -482,7 +282,7 @@ class LibraryReader final : public MediaReader {
     if (missing < available_) skipUntil_.reset();
   }
 
-  FileStream stream_;
+  ffmpeg::FileStream stream_;
   ffmpeg::Io io_;
   ffmpeg::Input container_;
   ffmpeg::Codec codec_;

@@ -19,7 +19,8 @@ constexpr std::size_t kPlaces = 100;
 constexpr std::size_t kEncoderName = 9;
 constexpr std::size_t kBeforeDelay = 12;  // behind the name: revision, low pass, gains, flags, bit rate
 
-// Where an ID3v2 tag at the start ends.
+}  // namespace
+
 std::uint64_t BehindId3(const InputFile& file) {
   Bytes header(kId3Header);
   const auto got = file.ReadAt(0, header);
@@ -28,8 +29,6 @@ std::uint64_t BehindId3(const InputFile& file) {
   for (std::size_t i = 6; i < kId3Header; ++i) size = size << 7 | (header[i] & 0x7FU);
   return kId3Header + size;
 }
-
-}  // namespace
 
 std::optional<TaggedMp3> ReadTaggedMp3(const InputFile& file, std::uint32_t framesPerBlock) {
   Bytes start(kLookedAt);

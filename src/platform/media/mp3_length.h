@@ -15,6 +15,8 @@ struct TaggedMp3 {
   std::uint32_t delay = 0;    // samples before the music
   std::uint32_t padding = 0;  // behind it
 };
+// Where the ID3v2 tag at the start of a file ends; 0 for none.
+[[nodiscard]] std::uint64_t BehindId3(const InputFile& file);
 // framesPerBlock: 1152 of MPEG-1, 576 of MPEG-2. Nothing when the file does not say it.
 [[nodiscard]] std::optional<TaggedMp3> ReadTaggedMp3(const InputFile& file, std::uint32_t framesPerBlock);
 

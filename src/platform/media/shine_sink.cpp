@@ -144,11 +144,20 @@ class ShineSink final : public PcmSink {
     return PutFrames();
   }
 
+  // The frame that begins here. Where all are equally long, the library rounds their size down and marks each
+  // as one byte longer than that, which makes it the size that it should have without the mark.
+  std::optional<Mp3Header> FrameAt(std::size_t place) {
+    const auto header = ParseMp3Header(ByteView(waiting_).subspan(place));
+    if (!header || header->samples / 8 * header->bitRate * 1000 % header->sampleRate != 0) return header;
+    waiting_[place + 2] &= static_cast<std::uint8_t>(~2U);
+    return ParseMp3Header(ByteView(waiting_).subspan(place));
+  }
+
   // Whole frames, each with its private bit; before the first of them a place for the frame with the length.
   Outcome PutFrames() {
     std::size_t done = 0;
     while (frames_ < mostFrames_) {
-      const auto header = ParseMp3Header(ByteView(waiting_).subspan(done));
+      const auto header = FrameAt(done);
       if (!header || waiting_.size() - done < header->size) break;
       if (privateBit_) waiting_[done + 2] |= 1;
       ByteView frame = ByteView(waiting_).subspan(done, header->size);

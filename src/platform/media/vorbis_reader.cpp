@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/media/resampler.h"
+#include "platform/media/vorbis_music.h"
 
 namespace ts5 {
 namespace {
@@ -135,6 +136,31 @@ class VorbisReader final : public MediaReader {
   std::optional<std::uint64_t> Frames() const override { return frames_; }
 
   Result<std::size_t> Read(std::span<double> out) override {
+    if (straight_ && !music_) {
+      music_ =
+          OpenVorbisMusic(stream_.file, static_cast<int>(ov_serialnumber(&decoder_, 0)), shape_.channels);
+      straight_ = music_ != nullptr;
+    }
+    return straight_ ? music_->Read(out) : ReadLinks(out);
+  }
+
+  Outcome Seek(std::uint64_t frame) override {
+    music_.reset();
+    straight_ = frame == 0 && ov_streams(&decoder_) == 1;
+    return SeekInLinks(frame);
+  }
+
+ private:
+  static constexpr std::size_t kMostRead = 8192;
+
+  // One of the streams of a chained file.
+  struct Link {
+    std::uint32_t rate = 0;
+    std::uint64_t frames = 0;
+    std::uint64_t converted = 0;  // frames in the shape of the first one
+  };
+
+  Result<std::size_t> ReadLinks(std::span<double> out) {
     const std::size_t channels = shape_.channels;
     const std::size_t wanted = out.size() / channels;
     std::size_t filled = 0;
@@ -173,7 +199,7 @@ class VorbisReader final : public MediaReader {
     return filled;
   }
 
-  Outcome Seek(std::uint64_t frame) override {
+  Outcome SeekInLinks(std::uint64_t frame) {
     std::uint64_t left = std::min(frame, frames_.value_or(0));
     ogg_int64_t before = 0;
     ready_.clear();
@@ -193,16 +219,6 @@ class VorbisReader final : public MediaReader {
     return ov_pcm_seek(&decoder_, before) == 0 ? Outcome::Success : Outcome::SourceFailed;
   }
 
- private:
-  static constexpr std::size_t kMostRead = 8192;
-
-  // One of the streams of a chained file.
-  struct Link {
-    std::uint32_t rate = 0;
-    std::uint64_t frames = 0;
-    std::uint64_t converted = 0;  // frames in the shape of the first one
-  };
-
   void CountFrames() {
     std::uint64_t all = 0;
     for (int i = 0; i < ov_streams(&decoder_); ++i) {
@@ -215,6 +231,7 @@ class VorbisReader final : public MediaReader {
       links_.push_back(link);
     }
     frames_ = all;
+    straight_ = ov_streams(&decoder_) == 1;
   }
 
   std::size_t TakeReady(std::span<double> out) {
@@ -287,6 +304,8 @@ class VorbisReader final : public MediaReader {
   MediaInfo info_;
   PcmShape shape_;
   std::optional<std::uint64_t> frames_;
+  bool straight_ = false;               // one stream, read from its start
+  std::unique_ptr<VorbisMusic> music_;  // by which it is read then
   std::vector<Link> links_;
   int link_ = -1;  // that is read
   std::size_t linkChannels_ = 0;

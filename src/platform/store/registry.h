@@ -23,17 +23,14 @@
 #include <vector>
 
 #include "platform/base/outcome.h"
+#include "platform/store/registry_key.h"
 #include "platform/store/registry_values.h"
 
 namespace ts5 {
 
-struct RegistryRow;
+class RegistryDatabase;
 
-inline constexpr std::string_view kLocalMachine = "HKEY_LOCAL_MACHINE";
-inline constexpr std::string_view kCurrentUser = "HKEY_CURRENT_USER";
 inline constexpr const char* kRegistryInMemory = ":memory:";
-inline constexpr std::size_t kMaxKeyPart = 255;   // characters of one part of a key
-inline constexpr std::size_t kMaxKeyDepth = 512;  // parts, the root included
 
 // $STAVORA_REGISTRY, else registry.sqlite in the configuration directory.
 [[nodiscard]] std::string DefaultRegistryPath();
@@ -42,10 +39,6 @@ enum class RegistryAccess : std::uint8_t {
   ReadOnly,  // for commands that look: no file is made, mended or renamed
   ReadWrite,
 };
-
-// The key with the full name of its root and single separators; nothing when it has no known root, or a part
-// that is too long, too deep or no text.
-[[nodiscard]] std::optional<std::string> NormalisedKey(std::string_view key);
 
 // What to tell the user when the file cannot be opened or saved.
 [[nodiscard]] std::string RegistryFailureText(Outcome outcome, const std::string& path);
@@ -92,10 +85,8 @@ class Registry {
   [[nodiscard]] Outcome Transaction(const std::function<Outcome()>& changes);
 
  private:
-  class Database;
-  explicit Registry(std::unique_ptr<Database> database);
-  static Result<std::string> Mend(const std::string& path, const std::vector<RegistryRow>& rows);
-  std::unique_ptr<Database> database_;
+  explicit Registry(std::unique_ptr<RegistryDatabase> database);
+  std::unique_ptr<RegistryDatabase> database_;
 };
 
 }  // namespace ts5

@@ -22,7 +22,6 @@ class PageView : public QScrollArea {
   void ShowPage(std::size_t page);
   [[nodiscard]] std::size_t Page() const { return page_; }
   void SetFit(Fit fit);
-  [[nodiscard]] Fit GetFit() const { return fit_; }
   // Relative to now.
   void Zoom(double factor);
   // Pixels of a staff space.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/ui/property_list.h"
 #include "frame/ui/qt_text.h"
 #include "score/texts.h"
 #include "ui_STVPROPS.h"
@@ -19,15 +20,7 @@ ScorePropertiesDialog::ScorePropertiesDialog(const ScoreProperties& properties, 
   constexpr int kTitleButtons = 200;
   constexpr int kWidest = 900;
   setMinimumWidth(std::min(fontMetrics().horizontalAdvance(windowTitle()) + kTitleButtons, kWidest));
-  connect(ui_->propertyList, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
-    ui_->valueEdit->setPlainText(item == nullptr ? QString() : item->data(Qt::UserRole).toString());
-  });
-  for (const PropertyRow& row : properties.rows) {
-    auto* const item = new QListWidgetItem(ToQt(row.label), ui_->propertyList);
-    item->setData(Qt::UserRole, ToQt(row.value));
-  }
-  ui_->propertyList->setCurrentRow(0);
-  ui_->propertyList->setFocus();
+  ShowProperties(properties.rows, ui_->propertyList, ui_->valueEdit);
 }
 
 ScorePropertiesDialog::~ScorePropertiesDialog() = default;

@@ -26,11 +26,11 @@ constexpr int kPrograms = 128;
 
 }  // namespace
 
-SearchDialog::SearchDialog(FilterId filter, SearchParameters parameters, MelodyStore& store,
+SearchDialog::SearchDialog(SearchKind kind, SearchParameters parameters, MelodyStore& store,
                            std::vector<std::string> devices, MidiOpener opener, DialogHost& host,
                            QWidget* parent, KeyboardPorts keyboards)
     : HostedDialog(host, QtText(texts::SearchDialogPrompt), parent),
-      filter_(filter),
+      kind_(kind),
       parameters_(std::move(parameters)),
       store_(store),
       sound_(std::move(devices), opener, nullptr),
@@ -81,6 +81,7 @@ void SearchDialog::AddMelodyRow(KeyboardPorts keyboards) {
   box->setObjectName(QStringLiteral("keyboardBox"));
   auto* const label = new QLabel(QtText(texts::NoteKeyboard), this);
   label->setBuddy(box);
+  label->setContentsMargins(0, 0, 2, 0);  // some styles draw the letter of a key wider than they measure it
   row->addWidget(label);
   row->addWidget(box);
   ui_->melodyLayout->addLayout(row);
@@ -100,7 +101,7 @@ void SearchDialog::SearchWidely() {
 }
 
 void SearchDialog::FillOptions() {
-  if (filter_ == FilterId::ScoreSearch) {
+  if (kind_ == SearchKind::Score) {
     ui_->firstTrackCheck->setText(QtText(texts::FirstStaffOnly));
     ui_->drumTrackCheck->setText(QtText(texts::DrumStaffToo));
     ui_->toleranceLabel->hide();

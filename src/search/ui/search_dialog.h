@@ -26,7 +26,7 @@ class SearchDialog : public HostedDialog {
  public:
   // filter: ScoreSearch or MidiSearch. The store and the host outlive the dialog. The opener may be called on
   // another thread.
-  SearchDialog(FilterId filter, SearchParameters parameters, MelodyStore& store,
+  SearchDialog(SearchKind kind, SearchParameters parameters, MelodyStore& store,
                std::vector<std::string> devices, MidiOpener opener, DialogHost& host, QWidget* parent,
                KeyboardPorts keyboards = SystemKeyboards());
   ~SearchDialog() override;
@@ -54,7 +54,7 @@ class SearchDialog : public HostedDialog {
   [[nodiscard]] MelodyVoice Voice() const;
   [[nodiscard]] std::string DeviceName() const;  // of the chosen output; "" for the mapper
 
-  FilterId filter_;
+  SearchKind kind_;
   SearchParameters parameters_;
   MelodyStore& store_;
   MelodySound sound_;

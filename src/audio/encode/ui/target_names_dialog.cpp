@@ -1,5 +1,6 @@
 #include "audio/encode/ui/target_names_dialog.h"
 
+#include <QHeaderView>
 #include <QMenu>
 #include <utility>
 
@@ -41,6 +42,7 @@ TargetNamesDialog::TargetNamesDialog(const std::string& pattern, NamePreview pre
     });
   }
   ui_->wordButton->setMenu(words);
+  ui_->nameList->header()->setSectionResizeMode(QHeaderView::Stretch);
   pause_.setSingleShot(true);
   pause_.setInterval(kPause);
   connect(&pause_, &QTimer::timeout, this, [this] { ShowNames(); });
@@ -71,7 +73,6 @@ void TargetNamesDialog::ShowNames() {
   }
   if (ui_->nameList->topLevelItemCount() == 0)
     (new QTreeWidgetItem(ui_->nameList, {QtText(texts::NamesNone)}))->setFlags(Qt::NoItemFlags);
-  ui_->nameList->setColumnWidth(0, ui_->nameList->viewport()->width() / 2);
 }
 
 void TargetNamesDialog::Commit() {

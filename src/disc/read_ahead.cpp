@@ -1,0 +1,22 @@
+#include "disc/read_ahead.h"
+
+#include "platform/disc/cd_drive.h"
+#include "platform/files/digest.h"
+
+namespace ts5::disc {
+
+ReadAhead::ReadAhead(SoundSource& sound, Crc32* crc)
+    : thread_([this, &sound, crc, portion = Bytes(kSectorsPerCommand * kAudioSectorBytes)]() mutable {
+        for (auto got = sound.Read(portion); got && *got > 0; got = sound.Read(portion)) {
+          const ByteView data = ByteView(portion).first(*got);
+          if (crc != nullptr) crc->Add(data);
+          if (!pipe_.Write(data)) break;
+        }
+        pipe_.CloseWriting();
+      }) {}
+
+ReadAhead::~ReadAhead() {
+  pipe_.CloseReading();
+}
+
+}  // namespace ts5::disc

@@ -1,0 +1,42 @@
+// The columns of a list that show facts of its files, as one table: titles, texts, what they sort by, and the
+// names under which the settings keep which of them are shown.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frame/file_facts.h"
+#include "frame/file_view.h"
+
+namespace ts5 {
+
+struct FactColumn {
+  FileColumn column;
+  TextId title;
+  std::string_view name;    // in the settings
+  std::string_view sample;  // as wide as most of its texts
+  bool number = false;      // stands at the right
+  std::string (*text)(const FileFacts& facts);
+  // What it is sorted by; nothing where the file has no such fact. Columns without a number sort by text.
+  std::optional<double> (*value)(const FileFacts& facts);
+};
+
+[[nodiscard]] std::span<const FactColumn> FactColumns();
+// nullptr for a column that is always there.
+[[nodiscard]] const FactColumn* FindFactColumn(FileColumn column);
+
+// "1:02:03", "3:05": hours, minutes and seconds, rounded down.
+[[nodiscard]] std::string LengthText(std::chrono::milliseconds length);
+// The same for a sum: "4 h 12 min", "12 min", "25 s".
+[[nodiscard]] std::string SumText(std::chrono::milliseconds length);
+
+// Which columns are shown: names with blanks between, "-" for none; unknown ones are passed over.
+using ShownColumns = std::set<FileColumn>;
+[[nodiscard]] ShownColumns ColumnsFrom(std::string_view names);
+[[nodiscard]] std::string NamesOf(const ShownColumns& columns);
+
+}  // namespace ts5

@@ -1,0 +1,103 @@
+// Lets a run be undone: what it made goes into the wastebasket, and what it replaced comes back.
+//
+//   auto undo = std::make_shared<RunUndo>(directory, most);
+//   undo->Keep(target);                // before it is replaced
+//   ... the new file gets its place ...
+//   undo->Made(target);
+//   const UndoReport report = undo->Undo();
+//
+// Replaced files are kept, as a second name of the same file where the file system knows such, else as a
+// copy, in a folder of the run's own, which goes with the object: so there is a way back until the next run
+// of the job. A file that was changed after the run is not touched. Whatever was done is not done twice. One
+// thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/base/descriptor.h"
+#include "platform/base/outcome.h"
+#include "platform/base/work_watch.h"
+#include "platform/files/file_mark.h"
+
+namespace ts5 {
+
+// How many bytes of replaced files are kept at most, of all runs together.
+inline constexpr std::uint64_t kMostKept = std::uint64_t{2} << 30;
+
+struct UndoReport {
+  std::size_t removed = 0;   // into the wastebasket
+  std::size_t restored = 0;  // replaced files that are there again
+  // Files that stay as they are, or did not come back to their places.
+  std::vector<std::string> changed = {};    // since the run
+  std::vector<std::string> notKept = {};    // what they replaced was too much to be kept
+  std::vector<std::string> failed = {};     // cannot be moved
+  std::vector<std::string> elsewhere = {};  // replaced files that got another name
+};
+
+class RunUndo {
+ public:
+  // directory: where the folder comes into being when something is to be kept.
+  RunUndo(std::string directory, std::uint64_t most) : directory_(std::move(directory)), most_(most) {}
+  ~RunUndo();
+  RunUndo(const RunUndo&) = delete;
+  RunUndo& operator=(const RunUndo&) = delete;
+
+  // What stands there is about to be replaced. Cancelled: while it was copied; it is not to be replaced then.
+  // Where it cannot be kept it is replaced all the same, and the report will say so.
+  [[nodiscard]] Outcome Keep(const std::string& target, const CancelCheck& cancelled = {});
+  // The run has made this file.
+  void Made(const std::string& target);
+  // It has changed one that it had made.
+  void Changed(const std::string& target);
+
+  // There is something to undo.
+  [[nodiscard]] bool Any() const;
+  [[nodiscard]] std::uint64_t Kept() const { return kept_; }  // bytes
+  // Replaced files that could not be kept.
+  [[nodiscard]] std::size_t NotKept() const;
+  // A cancelled one can be gone on with.
+  [[nodiscard]] UndoReport Undo(const CancelCheck& cancelled = {});
+
+ private:
+  struct Item {
+    std::string path;  // behind all links
+    FileMark made;
+    std::string kept = {};  // the file that was replaced; "" none
+    bool copied = false;
+    bool notKept = false;
+    bool removed = false;  // what was made has gone
+    bool done = false;
+  };
+
+  [[nodiscard]] bool OpenFolder();
+  [[nodiscard]] Outcome KeepAs(const std::string& path, const std::string& kept, std::uint64_t size,
+                               const CancelCheck& cancelled);
+  void DropPending();
+  void UndoItem(Item& item, UndoReport& report);
+  void BringBack(Item& item, UndoReport& report);
+
+  std::string directory_;
+  std::uint64_t most_;
+  std::string folder_;
+  FileDescriptor lock_;  // for as long as the folder is this run's
+  std::uint64_t kept_ = 0;
+  std::size_t number_ = 0;
+  std::optional<Item> pending_;  // kept for a target that has not its place yet
+  std::uint64_t pendingSize_ = 0;
+  std::vector<Item> items_;
+  std::map<std::string, std::size_t, std::less<>> places_;  // of paths in items_
+};
+
+// Where the runs of the program keep what they replace.
+[[nodiscard]] std::string UndoDirectory();
+// Removes what killed programs left there.
+void ClearAbandonedUndo(const std::string& directory);
+
+// What was done, and what not and why, in German.
+[[nodiscard]] std::string UndoText(const UndoReport& report);
+
+}  // namespace ts5

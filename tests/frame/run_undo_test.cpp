@@ -1,0 +1,203 @@
+// A run that is undone leaves everything as it was, or says what it leaves.
+#include "frame/run_undo.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+
+#include "platform/files/disk_calls.h"
+#include "run_support.h"
+#include "support/home.h"
+#include "support/matchers.h"
+#include "support/test_data.h"
+
+namespace ts5 {
+namespace {
+
+using test::Content;
+using test::CopyModule;
+using test::Listing;
+using test::RunJob;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+// Another file system: no second names there.
+struct NoLinks : DiskCalls {
+  int Link(const std::string&, const std::string&) override {
+    errno = EXDEV;
+    return -1;
+  }
+};
+// And no room either.
+struct NoRoom : NoLinks {
+  ssize_t Write(int, ByteView, std::uint64_t) override {
+    errno = ENOSPC;
+    return -1;
+  }
+};
+
+class Undoing : public testing::Test {
+ protected:
+  // Converts a.txt and b.txt, of which b.out is there already.
+  RunResult Go(std::uint64_t most = kMostKept) {
+    const FilterModule module = CopyModule(FilterId::MidiConverter, 2);
+    const Job job = test::ListJob({place_.Write("m/a.txt", "ok a"), place_.Write("m/b.txt", "ok b")}, module);
+    undo_ = std::make_unique<RunUndo>(place_.File("kept"), most);
+    RunSetup setup;
+    setup.undo = std::shared_ptr<RunUndo>(undo_.get(), [](RunUndo*) {});
+    return RunJob(job, module, {.useSuffix = false}, std::make_shared<test::RecordingHost>(),
+                  std::move(setup));
+  }
+  void WriteOld() const {
+    place_.Write("m/b.out", "old b");
+    std::filesystem::permissions(place_.File("m/b.out"), std::filesystem::perms(0640));
+  }
+  [[nodiscard]] std::string Old() const {
+    struct stat status {};
+    if (::stat(place_.File("m/b.out").c_str(), &status) != 0) return "none";
+    return Content(place_.File("m/b.out")) + " " + std::to_string(status.st_mode & 0777);
+  }
+
+  const test::Home home_;
+  const test::TemporaryDirectory place_;
+  std::unique_ptr<RunUndo> undo_;
+};
+
+TEST_F(Undoing, BringsBackWhatWasReplaced) {
+  for (const bool links : {true, false}) {
+    SCOPED_TRACE(links);
+    WriteOld();
+    const std::string before = Old();
+    NoLinks noLinks;
+    const auto other = links ? nullptr : std::make_unique<OtherDiskCalls>(noLinks);
+    EXPECT_EQ(Go().counts[0], 2U);
+    EXPECT_EQ(Content(place_.File("m/b.out")), "ok b copied");
+    EXPECT_EQ(undo_->Kept(), 5U);
+    ASSERT_TRUE(undo_->Any());
+    const UndoReport report = undo_->Undo();
+    EXPECT_EQ(report.removed, 2U);
+    EXPECT_EQ(report.restored, 1U);
+    EXPECT_EQ(Listing(place_.File("m")), "a.txt b.out b.txt");
+    EXPECT_EQ(Old(), before);
+    EXPECT_EQ(UndoText(report), "2 Dateien liegen jetzt im Papierkorb.\n1 ersetzte Datei ist wieder da.");
+    // Once more there is nothing to do.
+    EXPECT_FALSE(undo_->Any());
+    EXPECT_EQ(UndoText(undo_->Undo()), "Es gab nichts zurückzunehmen.");
+    EXPECT_EQ(Old(), before);
+    undo_.reset();
+    EXPECT_EQ(Listing(place_.File("kept")), "");
+  }
+  EXPECT_EQ(std::ranges::count(Listing(home_.File("Trash/files")), ' '), 3) << "nothing is lost";
+}
+
+TEST_F(Undoing, LeavesWhatWasChangedSince) {
+  WriteOld();
+  (void)Go();
+  place_.Write("m/b.out", "edited");
+  std::filesystem::remove(place_.File("m/a.out"));
+  place_.Write("m/a.out", "of another program");
+  const UndoReport report = undo_->Undo();
+  EXPECT_THAT(report.changed, ElementsAre(place_.File("m/b.out"), place_.File("m/a.out")));
+  EXPECT_EQ(Content(place_.File("m/b.out")), "edited");
+  EXPECT_EQ(Content(place_.File("m/a.out")), "of another program");
+  EXPECT_EQ(report.removed, 0U);
+}
+
+TEST_F(Undoing, WhatIsGoneIsNotMissed) {
+  WriteOld();
+  (void)Go();
+  std::filesystem::remove(place_.File("m/a.out"));
+  std::filesystem::remove(place_.File("m/b.out"));
+  const UndoReport report = undo_->Undo();
+  EXPECT_EQ(report.removed, 0U);
+  EXPECT_EQ(report.restored, 1U);
+  EXPECT_EQ(Content(place_.File("m/b.out")), "old b");
+}
+
+TEST_F(Undoing, SaysWhatCouldNotBeKept) {
+  NoRoom noRoom;
+  for (const bool full : {true, false}) {
+    SCOPED_TRACE(full);
+    WriteOld();
+    undo_ = std::make_unique<RunUndo>(place_.File("kept"), full ? kMostKept : 4);
+    {
+      const auto other = full ? std::make_unique<OtherDiskCalls>(noRoom) : nullptr;
+      EXPECT_THAT(undo_->Keep(place_.File("m/b.out")), test::IsOk()) << "it is replaced all the same";
+    }
+    EXPECT_EQ(undo_->Kept(), 0U);
+    place_.Write("m/b.out", "new");
+    undo_->Made(place_.File("m/b.out"));
+    EXPECT_EQ(undo_->NotKept(), 1U);
+    const UndoReport report = undo_->Undo();
+    EXPECT_THAT(report.notKept, ElementsAre(place_.File("m/b.out")));
+    EXPECT_EQ(Content(place_.File("m/b.out")), "new") << "nothing would be in its place";
+  }
+}
+
+TEST_F(Undoing, AFullDiskTakesNothingAway) {
+  WriteOld();
+  {
+    NoLinks noLinks;
+    const OtherDiskCalls other(noLinks);
+    (void)Go();
+  }
+  {
+    NoRoom noRoom;
+    const OtherDiskCalls other(noRoom);
+    const UndoReport report = undo_->Undo();
+    EXPECT_THAT(report.failed, ElementsAre(place_.File("m/b.out")));
+    EXPECT_EQ(Content(place_.File("m/b.out")), "ok b copied");
+  }
+  EXPECT_EQ(undo_->Undo().restored, 1U) << "once there is room";
+  EXPECT_EQ(Content(place_.File("m/b.out")), "old b");
+}
+
+TEST_F(Undoing, WithoutAWastebasketAllStays) {
+  WriteOld();
+  (void)Go();
+  std::filesystem::remove_all(home_.File("Trash"));
+  home_.Write("Trash", "no directory");
+  EXPECT_THAT(undo_->Undo().failed, SizeIs(2));
+  EXPECT_EQ(Content(place_.File("m/b.out")), "ok b copied");
+  std::filesystem::remove(home_.File("Trash"));
+  EXPECT_EQ(undo_->Undo().removed, 2U);
+  EXPECT_EQ(Content(place_.File("m/b.out")), "old b");
+}
+
+TEST_F(Undoing, ATargetThatIsALinkStaysOne) {
+  place_.Write("elsewhere/real.out", "old b");
+  std::filesystem::create_directories(place_.File("m"));
+  std::filesystem::create_symlink(place_.File("elsewhere/real.out"), place_.File("m/b.out"));
+  (void)Go();
+  EXPECT_EQ(Content(place_.File("elsewhere/real.out")), "ok b copied");
+  EXPECT_EQ(undo_->Undo().restored, 1U);
+  EXPECT_TRUE(std::filesystem::is_symlink(place_.File("m/b.out")));
+  EXPECT_EQ(Content(place_.File("elsewhere/real.out")), "old b");
+}
+
+TEST_F(Undoing, AStopWhileCopyingReplacesNothing) {
+  WriteOld();
+  RunUndo undo(place_.File("kept"), kMostKept);
+  NoLinks noLinks;
+  const OtherDiskCalls other(noLinks);
+  EXPECT_EQ(undo.Keep(place_.File("m/b.out"), [] { return true; }), Outcome::Cancelled);
+  EXPECT_EQ(undo.Kept(), 0U);
+}
+
+TEST_F(Undoing, FoldersOfKilledProgramsAreCleared) {
+  WriteOld();
+  (void)Go();
+  place_.Write("kept/1-0/1", "of a killed program");
+  ClearAbandonedUndo(place_.File("kept"));
+  EXPECT_THAT(Listing(place_.File("kept")), testing::Not(testing::HasSubstr("1-0 ")))
+      << Listing(place_.File("kept"));
+  EXPECT_FALSE(std::filesystem::exists(place_.File("kept/1-0")));
+  EXPECT_EQ(undo_->Undo().restored, 1U) << "those of living ones stay";
+}
+
+}  // namespace
+}  // namespace ts5
