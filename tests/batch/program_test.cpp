@@ -265,6 +265,15 @@ TEST_F(ProgramTest, ADirectoryAndAFileListAreSources) {
             kExitSuccess)
       << Err();
   EXPECT_EQ(NewFiles(), "A.cnv.MID b.cnv.mid");
+  fs::create_directories(folder_.File("lieder/Chor/Alt"));
+  fs::rename(folder_.File("lieder/b.mid"), folder_.File("lieder/Chor/Alt/b.mid"));
+  EXPECT_EQ(Run({"run", "MidiConverter", "--dir", folder_.File("lieder"), "--subfolders", "--dest-dir",
+                 folder_.File("baum")}),
+            kExitSuccess)
+      << Err();
+  EXPECT_EQ(Listing(folder_.File("baum")), "A.cnv.MID Chor");
+  EXPECT_EQ(Listing(folder_.File("baum/Chor/Alt")), "b.cnv.mid") << "the same subdirectories";
+  fs::rename(folder_.File("lieder/Chor/Alt/b.mid"), folder_.File("lieder/b.mid"));
 
   const std::string list =
       folder_.Write("Liste.sts", "[sts5 Filelist]\r\nFiles=2\r\n1=" + folder_.File("lieder/b.mid") +

@@ -151,26 +151,28 @@ void FileView::LayColumns() {
   GiveNamesTheRest();
 }
 
-// Names, directories and the texts of tracks share what the other columns leave. Where that is too little the
-// view scrolls.
+// Names, directories and the texts of tracks share what the other columns leave, names the larger part. Where
+// that is too little the view scrolls.
 void FileView::GiveNamesTheRest() {
   if (model_ == nullptr) return;
   QHeaderView& titles = *header();
   int left = viewport()->width();
-  std::vector<int> wide;
+  std::vector<std::pair<int, int>> wide;  // section, weight
+  int weights = 0;
   for (int i = 0; i < titles.count(); ++i) {
     const auto column = model_->ColumnAt(i);
     if (!column || *column == FileColumn::Name || *column == FileColumn::Directory) {
-      wide.push_back(i);
+      wide.emplace_back(i, i == 0 ? 3 : 2);
+      weights += wide.back().second;
     } else {
       left -= titles.sectionSize(i);
     }
   }
-  for (std::size_t i = 0; i < wide.size(); ++i) {
-    const int share = left / static_cast<int>(wide.size() - i);
-    const int width = std::max(share, kNarrowestName);
-    titles.resizeSection(wide[i], width);
+  for (const auto& [section, weight] : wide) {
+    const int width = std::max(left * weight / weights, kNarrowestName * weight / 3);
+    titles.resizeSection(section, width);
     left -= width;
+    weights -= weight;
   }
 }
 

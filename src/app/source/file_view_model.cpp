@@ -162,8 +162,8 @@ std::optional<FileColumn> FileViewModel::ColumnAt(int column) const {
 
 bool FileViewModel::IsUnread(std::size_t row, bool music) const {
   const std::size_t entry = EntryOf(row);
-  if (entry >= known_.size() || At(row).cdTrack) return false;
-  return music ? !known_[entry].read : !known_[entry].dated;
+  if (entry >= known_.size() || (music ? known_[entry].read : known_[entry].dated)) return false;
+  return !At(row).cdTrack;
 }
 
 SharedFacts FileViewModel::FactsAt(std::size_t row) const {
