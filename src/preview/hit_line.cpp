@@ -35,7 +35,8 @@ std::optional<std::size_t> BarOfHit(const ScoreMusic& music, const SearchHit& hi
 
 }  // namespace
 
-MusicLine DrawBars(const Engraving& engraving, std::size_t staff, std::size_t first, std::size_t last) {
+MusicLine DrawBars(const Engraving& engraving, std::size_t staff, std::size_t first, std::size_t last,
+                   bool headed) {
   SystemPlaces places;
   places.first = first;
   places.last = last;
@@ -47,7 +48,7 @@ MusicLine DrawBars(const Engraving& engraving, std::size_t staff, std::size_t fi
   }
   places.bars.push_back(x);
   places.right = x;
-  StaffSketch drawn = SketchStaff(engraving, places, staff, true);
+  StaffSketch drawn = SketchStaff(engraving, places, staff, headed);
   MusicLine line;
   line.sketch = std::move(drawn.sketch);
   for (std::size_t i = 1; i < places.bars.size(); ++i) {
@@ -82,7 +83,8 @@ Result<MusicLine> HitLines::Draw(const SearchHit& hit, std::size_t notes, const 
     Engrave(std::move(written->score), engraving, cancelled);
     if (cancelled && cancelled()) return Failure(Outcome::Cancelled);
     if (engraving.slices.empty() || engraving.bars.empty()) return Failure(Outcome::DamagedMidi);
-    return DrawBars(engraving, 0, 0, std::min(kBarsOfHit, engraving.bars.size()));
+    // Number and tempo are not those of the place.
+    return DrawBars(engraving, 0, 0, std::min(kBarsOfHit, engraving.bars.size()), false);
   }
   if (!kept) {
     auto score = ReadAnyScore(file, cancelled);
@@ -98,7 +100,7 @@ Result<MusicLine> HitLines::Draw(const SearchHit& hit, std::size_t notes, const 
   // The last bar has its neighbour before it.
   const std::size_t first = score_->bars.size() - *bar<kBarsOfHit&& * bar> 0 ? *bar - 1 : *bar;
   return DrawBars(*score_, static_cast<std::size_t>(hit.track), first,
-                  std::min(first + kBarsOfHit, score_->bars.size()));
+                  std::min(first + kBarsOfHit, score_->bars.size()), true);
 }
 
 }  // namespace ts5::preview

@@ -43,8 +43,9 @@ class HitLines {
   std::unique_ptr<Engraving> score_;
 };
 
-// Bars of one staff, each as wide as it is by itself.
+// Bars of one staff, each as wide as it is by itself; with what stands over the top staff of a system: bar
+// number, tempo, endings.
 [[nodiscard]] MusicLine DrawBars(const Engraving& engraving, std::size_t staff, std::size_t first,
-                                 std::size_t last);
+                                 std::size_t last, bool headed);
 
 }  // namespace ts5::preview

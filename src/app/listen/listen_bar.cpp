@@ -91,7 +91,11 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
     emit VolumeChanged(decibels <= kSoftest ? kLowestVolume : decibels * 100);
   });
   connect(practise_, &QAbstractButton::toggled, practice_, &QWidget::setVisible);
-  connect(&listener_, &Listener::Changed, this, &ListenBar::ShowTitle);
+  connect(&listener_, &Listener::Asked, this, &ListenBar::ShowTitle);
+  connect(&listener_, &Listener::Changed, this, [this] {
+    listener_.Busy() ? timer_.start() : timer_.stop();
+    Refresh();
+  });
   connect(&listener_, &Listener::Refused, this, &ListenBar::ShowRefusal);
   timer_.setInterval(kRefreshMilliseconds);
   connect(&timer_, &QTimer::timeout, this, &ListenBar::Refresh);
@@ -126,19 +130,12 @@ void ListenBar::StopOrGo() {
 }
 
 void ListenBar::ShowTitle() {
-  if (!listener_.Title()) return;
-  if (listener_.Busy()) {
-    refused_ = false;
-    name_ = ToQt(FileNameOf(listener_.Title()->path));
-    title_->setWordWrap(false);
-    title_->setToolTip(ToQt(listener_.Title()->path));
-    for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->show();
-    show();
-    timer_.start();
-  } else {
-    timer_.stop();
-  }
-  Refresh();
+  refused_ = false;
+  name_ = ToQt(FileNameOf(listener_.Title()->path));
+  title_->setWordWrap(false);
+  title_->setToolTip(ToQt(listener_.Title()->path));
+  for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->show();
+  show();
 }
 
 // In place of the position, as there is none.

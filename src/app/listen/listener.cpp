@@ -53,6 +53,7 @@ PlayerControl* Listener::Control() const {
 void Listener::Play(const FileListEntry& entry, const Settings& settings) {
   title_ = entry;
   settings_ = settings;
+  emit Asked();
   if (going_) {
     again_ = true;
     (void)runner_.Stop(*going_->job);

@@ -43,7 +43,8 @@ class Listener : public QObject {
   [[nodiscard]] PlayerControl* Control() const;
 
  signals:
-  void Changed();  // what is asked for, or whether it plays
+  void Asked();    // for another title
+  void Changed();  // whether it plays
   // It does not sound, or no longer: why, and what to do.
   void Refused(const QString& why);
 

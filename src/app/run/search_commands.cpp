@@ -28,14 +28,14 @@ namespace ts5 {
 namespace {
 
 constexpr int kBrowsedMilliseconds = 180;
-constexpr double kPrintedSpace = 1e6;  // as large as the list has room for
+constexpr double kPrintedSpaces = 11;  // of a usual line of notes, over the height of its place
 
 // The bars beside each hit of a printed list.
 HitPainter PrintedMusic() {
   return [lines = std::make_shared<preview::HitLines>()](QPainter& painter, const QRectF& place,
                                                          const SearchHit& hit, std::size_t notes) {
     if (const auto line = lines->Draw(hit, notes))
-      preview::PaintLine(painter, place, *line, kPrintedSpace, Qt::black);
+      preview::PaintLine(painter, place, *line, place.height() / kPrintedSpaces, Qt::black);
   };
 }
 
