@@ -159,7 +159,9 @@ class ElementPainter {
   // one. False when it was not drawn.
   [[nodiscard]] bool DrawLines(const Image& image, const QRectF& target) const {
     if (image.fill.transparency != 0 || painter_.paintEngine()->type() != QPaintEngine::Pdf) return false;
-    QSvgRenderer drawing(Pictures::Drawing(image.file));
+    const QByteArray bytes = Pictures::Drawing(image.file);
+    if (bytes.isEmpty()) return false;
+    QSvgRenderer drawing(bytes);
     if (!drawing.isValid()) return false;
     Mirror(image, target);
     drawing.render(&painter_, Around(target));
