@@ -198,8 +198,9 @@ TEST_P(BurnFaults, HaveACodeAndSpoilNoMoreThanTheyMust) {
   EXPECT_EQ(result.items[0].code, fault.code);
   ASSERT_FALSE(result.remarks.empty());
   // Beside a number stands what it means.
-  if (fault.code == code::kDiscNotBurnt || fault.code == code::kTrackNotBurnt)
-    EXPECT_EQ(result.remarks.size(), 2) << testing::PrintToString(result.remarks);
+  if (fault.code == code::kDiscNotBurnt || fault.code == code::kTrackNotBurnt) {
+    EXPECT_EQ(result.remarks.size(), 2U) << testing::PrintToString(result.remarks);
+  }
   EXPECT_EQ(StatusName(RecordedDisc::Load(disc)->status), StatusName(fault.status));
 }
 

@@ -289,6 +289,21 @@ TEST_F(RunStory, TheLayoutOfAnArtworkerJobIsSeenBesideItsDestination) {
   EXPECT_TRUE(preview.isHidden());
 }
 
+TEST_F(RunStory, WhatEditsAJobWaitsForItsRun) {
+  const auto gate = std::make_shared<GatedRun>();
+  StartGated(gate);
+  Job& job = ActiveJob();
+  W().Windows().Open(job, JobWindows::Use::WhileIdle,
+                     [this](const JobFinder&) { return new QWidget(&W(), Qt::Window); });
+  const QPointer<QWidget> window = W().Windows().Find(job);
+  EXPECT_TRUE(WaitFor([&] { return !window->isEnabled(); }));
+  std::string results;
+  ExpectResults(&results);
+  W().Target().StopButton()->click();
+  ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
+  EXPECT_TRUE(WaitFor([&] { return window->isEnabled(); }));
+}
+
 TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   const auto gate = std::make_shared<GatedRun>();
   StartGated(gate);
@@ -296,11 +311,6 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   EXPECT_TRUE(W().Target().StopButton()->isEnabled());
   EXPECT_FALSE(W().Target().RunButton()->isEnabled());
   EXPECT_TRUE(WaitFor([&] { return W().Panels().Current().FilesBar()->value() == 1; }));
-  Job& job = ActiveJob();
-  W().Windows().Open(job, JobWindows::Use::WhileIdle,
-                     [this](const JobFinder&) { return new QWidget(&W(), Qt::Window); });
-  const QPointer<QWidget> window = W().Windows().Find(job);
-  EXPECT_TRUE(WaitFor([&] { return !window->isEnabled(); })) << "what it edits is being worked on";
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Escape);
@@ -308,7 +318,6 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_THAT(results, HasSubstr("Der Vorgang wurde durch den Anwender abgebrochen."));
   EXPECT_TRUE(W().Source().Files()->isEnabled());
-  EXPECT_TRUE(WaitFor([&] { return window->isEnabled(); }));
   EXPECT_EQ(W().statusBar()->currentMessage(), "") << "no hint of a control that the focus only passed";
 }
 

@@ -47,7 +47,7 @@ PlaybackWindow::PlaybackWindow(Subject subject, DialogHost& host, QWidget* paren
   setWindowTitle(ToQt(Format(Text(texts::PlaybackCaption), subject_.title)));
   ui_->positionLayout->addWidget(position_);
   ui_->meterLayout->addWidget(meter_);
-  AddExtras(practice_);
+  ui_->practiceLayout->addWidget(practice_, 1);
 
   if (const PlayerOptions* options = subject_.options()) {
     ui_->pauseBox->setValue(options->interval);
