@@ -18,6 +18,7 @@
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
 #include "platform/files/wastebasket.h"
+#include "platform/programs/remove_tree.h"
 
 namespace ts5 {
 namespace {
@@ -94,8 +95,7 @@ RunUndo::~RunUndo() {
     const std::string named = JoinPath(folder_, FileNameOf(item.path));
     (void)MoveToTrash(Succeeded(RenameFile(item.kept, named)) ? named : item.kept);
   }
-  std::error_code error;
-  fs::remove_all(folder_, error);
+  RemoveTreeInBackground(folder_);
 }
 
 bool RunUndo::OpenFolder() {

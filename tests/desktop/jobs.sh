@@ -9,7 +9,7 @@ program=$1
 pictures=${2:-}
 . "$(dirname "$0")/common.sh"
 dropped=${TS5_TROUBLE_FILES:-100000}
-converted=3000
+converted=12000
 
 # set_job NUMBER NAME VALUE
 set_job() { "$console" registry set "Jobs\\Job $1" "$2" "$3"; }
