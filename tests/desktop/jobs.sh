@@ -79,10 +79,12 @@ within 120 done_in Chor1 "$converted" || fail "the first job did not come to its
 within 120 done_in Chor2 "$converted" || fail "the second job did not come to its end"
 window '^Ergebnisse der Midi-Konvertierung' >/dev/null || fail "no results"
 picture 4-results
-keys Return
-sleep 0.7
+while within 3 shown '^Ergebnisse der Midi-Konvertierung' >/dev/null; do
+  back_to '^Ergebnisse der Midi-Konvertierung'
+  keys Return
+  sleep 1
+done
 picture 5-results
-keys Return
 end_program
 ! half_written || fail "something half-written"
 

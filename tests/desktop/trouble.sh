@@ -52,6 +52,13 @@ cp "$demo"/*.mid "$HOME/Musik/Chor"
 "$console" registry set 'Jobs\Job 0000' SourcePath "$HOME/Musik/Chor"
 "$console" registry set 'Jobs\Job 0000' SourceDrive 0
 start_program
+# What was closed in the middle is offered to go on; it is thrown away here.
+picture 5-offer
+xdotool windowfocus "$(xdotool search --onlyvisible --name . | grep -v "^$main\$" | tail -1)"
+sleep 0.3
+keys alt+v
+sleep 0.5
+to_main
 click 620 135
 rm -rf "$HOME/Musik/Chor"
 sleep 2
