@@ -8,7 +8,7 @@ namespace {
 constexpr std::size_t kChordsBetween = 1024;  // two looks at the stop
 
 bool HasTies(const Part& part) {
-  for (std::size_t i = 0; i < part.groups.size(); ++i) {
+  for (std::size_t i = 0; i < part.groups.Size(); ++i) {
     if ((part.groups[i].ties.fromBefore | part.groups[i].ties.onward) != 0) return true;
   }
   return false;
@@ -19,8 +19,8 @@ class Ties {
   Ties(const PartToPlace& place, const PartVoices& voices)
       : place_(place),
         voices_(voices),
-        found_(place.part.groups.size()),
-        next_(place.part.groups.size(), SIZE_MAX) {
+        found_(place.part.groups.Size()),
+        next_(place.part.groups.Size(), SIZE_MAX) {
     for (std::size_t staff = 0; staff < place.part.staves; ++staff) {
       for (std::size_t slot = 0; slot < kMaxVoices; ++slot) {
         const auto& chords = voices.Chords(staff, slot);

@@ -18,7 +18,7 @@ bool PartVoices::VoiceBefore::operator()(const std::string& a, const std::string
 void PartVoices::NameVoices() {
   names_.resize(place_.part.staves);
   const Group* before = nullptr;
-  for (std::size_t i = 0; i < place_.part.groups.size(); ++i) {
+  for (std::size_t i = 0; i < place_.part.groups.Size(); ++i) {
     const Group& group = place_.part.groups[i];
     if (before == nullptr || before->staff != group.staff || before->voice != group.voice)
       names_[group.staff].try_emplace(group.voice);

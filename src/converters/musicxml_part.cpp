@@ -52,7 +52,7 @@ class PartReader {
  private:
   void ReadMeasure(pugi::xml_node node) {
     at_.part.measures.emplace_back();
-    at_.Now().first = at_.part.groups.size();
+    at_.Now().first = at_.part.groups.Size();
     at_.now = {};
     raw_ = {};
     moved_.clear();
@@ -63,12 +63,12 @@ class PartReader {
       if (at_.reading.fault) return;
       ReadChild(child);
       if (at_.now > Fraction(kLongestMeasure)) return at_.Fail();
-      if (at_.part.groups.size() - at_.Now().first > kMostGroups || at_.Now().marks.size() > kMostMarks ||
+      if (at_.part.groups.Size() - at_.Now().first > kMostGroups || at_.Now().marks.size() > kMostMarks ||
           at_.Now().signs.size() > kMostMarks * kMostStaves)
         return at_.Fail();
       at_.Now().length = std::max(at_.Now().length, at_.now);
     }
-    at_.Now().groups = at_.part.groups.size() - at_.Now().first;
+    at_.Now().groups = at_.part.groups.Size() - at_.Now().first;
     ++at_.bar;
   }
 
@@ -142,14 +142,14 @@ class PartReader {
         !at_.part.groups[last_].item.group.isRest)
       return ReadChordNote(note, staff);
     const Fraction start = chord ? chordStart_ : at_.now;
-    const std::size_t first = at_.part.groups.size();
+    const std::size_t first = at_.part.groups.Size();
     const Fraction written = AddGroups(note, {start, *duration, staff, std::move(voice)}, grace);
     if (!chord) {
       chordStart_ = at_.now;
       Advance(*duration, written);
     }
     last_ = first;
-    piecesEnd_ = at_.part.groups.size();
+    piecesEnd_ = at_.part.groups.Size();
     if (rest) return ReadMarks(first, note, staff);
     ReadChordNote(note, staff);
   }
@@ -219,7 +219,7 @@ class PartReader {
 
   void AddGroup(ScoreItem&& item, const NoteTime& time, Fraction length) {
     at_.begun[time.staff] = true;
-    Group& group = at_.part.groups.emplace_back();
+    Group& group = at_.part.groups.Append();
     group.start = time.start;
     group.length = length;
     group.staff = time.staff;

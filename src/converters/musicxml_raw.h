@@ -38,14 +38,14 @@ struct Group {
 // All of a part, in blocks, so that each stays where it is.
 class GroupList {
  public:
-  [[nodiscard]] std::size_t size() const { return size_; }
+  [[nodiscard]] std::size_t Size() const { return size_; }
   [[nodiscard]] Group& operator[](std::size_t i) { return blocks_[i / kBlock][i % kBlock]; }
   [[nodiscard]] const Group& operator[](std::size_t i) const { return blocks_[i / kBlock][i % kBlock]; }
-  Group& emplace_back() {
+  Group& Append() {
     if (size_++ % kBlock == 0) blocks_.emplace_back().reserve(kBlock);
     return blocks_.back().emplace_back();
   }
-  void clear() { *this = {}; }
+  void Clear() { *this = {}; }
 
  private:
   static constexpr std::size_t kBlock = 32;

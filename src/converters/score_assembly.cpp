@@ -127,7 +127,7 @@ bool AddPart(const PartToPlace& place, bool endings, bool hasBeams, std::vector<
   Part& part = place.part;
   part.measures.resize(bars.size());
   for (Measure& measure : part.measures) {
-    if (measure.first == 0 && measure.groups == 0) measure.first = part.groups.size();
+    if (measure.first == 0 && measure.groups == 0) measure.first = part.groups.Size();
   }
   PartVoices voices(place);
   if (!voices.Allot(cancelled)) return false;
@@ -138,7 +138,7 @@ bool AddPart(const PartToPlace& place, bool endings, bool hasBeams, std::vector<
     if (m % kBarsBetween == 0 && cancelled && cancelled()) return false;
     FillBar(place, voices, m, hasBeams, bars[m]);
   }
-  part.groups.clear();
+  part.groups.Clear();
   return true;
 }
 

@@ -58,7 +58,7 @@ constexpr std::array<std::array<Scheme, 2>, 3> kSchemes{{
 constexpr std::array<const char*, 3> kSheets{"windows", "ts4", "ts5"};
 
 std::size_t SkinIndex(SkinLayout layout) {
-  return static_cast<std::size_t>(static_cast<int>(layout) + 1);
+  return static_cast<std::size_t>(layout) + 1;
 }
 
 const Scheme& SchemeOf(SkinLayout layout, bool dark) {
