@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kSortSignWidth = 12;   // in the title of the column by which the list is sorted
 constexpr int kColumnMargin = 12;    // beside the text of a column
-constexpr int kNarrowestName = 160;  // of a column with names
+constexpr int kNarrowestName = 240;  // of a column with names
 
 // Tracks of an audio CD on the way to the list, which are no files: their entries, one per line.
 constexpr const char* kTrackType = "application/x-stavora-cd-tracks";
