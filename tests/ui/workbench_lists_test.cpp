@@ -499,7 +499,7 @@ TEST_F(ArrangedList, TheFreeListKeepsItsOrderUntilTheUserSaysSo) {
   EXPECT_THAT(list(), testing::ElementsAre("a.mid", "Lied 10.mid", "x.wav"));
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{0});
   EXPECT_FALSE(W().Actions().Action(CommandId::TakeOrder)->isEnabled());
-  Filter("x");
+  Filter("x.wav");
   Select({0});
   script_.ExpectBox(QMessageBox::Yes);
   W().Actions().Trigger(CommandId::Delete);

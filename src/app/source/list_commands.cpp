@@ -219,25 +219,26 @@ void ListCommands::Delete() {
   const std::vector<std::size_t> rows = view.SelectedRows();
   if (rows.empty()) return;
   const FileListEntry& first = area_.Model().At(rows.front());
+  // What is asked about is what goes: while the question stands, the list may be arranged anew.
+  const std::vector<std::size_t> entries = job.files.Selection();
+  std::vector<std::string> paths;
+  for (const std::size_t row : rows) {
+    const FileListEntry& entry = area_.Model().At(row);
+    if (!entry.cdTrack) paths.push_back(entry.path);
+  }
   const std::string name(first.cdTrack ? std::string_view(first.path) : FileNameOf(first.path));
   if (!AskYesNo(desk_.Window(), ToQt(DeleteQuestion(job.Mode() == SourceMode::List, rows.size(), name))))
     return;
-  job.Mode() == SourceMode::List ? RemoveEntries() : DeleteFiles();
+  job.Mode() == SourceMode::List ? RemoveEntries(entries) : DeleteFiles(std::move(paths));
 }
 
-void ListCommands::RemoveEntries() {
-  Job& job = *active_;
-  job.files.Remove(job.files.Selection());
+void ListCommands::RemoveEntries(const std::vector<std::size_t>& entries) {
+  active_->files.Remove(entries);
   source_.Reload();
   active_.ChangeFiles();
 }
 
-void ListCommands::DeleteFiles() {
-  std::vector<std::string> paths;
-  for (const std::size_t row : area_.Files()->SelectedRows()) {
-    const FileListEntry& entry = area_.Model().At(row);
-    if (!entry.cdTrack) paths.push_back(entry.path);
-  }
+void ListCommands::DeleteFiles(std::vector<std::string> paths) {
   worker_.Start([this, paths = std::move(paths)]() -> BackgroundWorker::Done {
     std::vector<std::string> failed;
     for (const std::string& path : paths) {

@@ -35,8 +35,8 @@ class ListCommands : public QObject {
   void SaveAs();
   void Clear(bool ask);
   void Delete();
-  void RemoveEntries();
-  void DeleteFiles();
+  void RemoveEntries(const std::vector<std::size_t>& entries);
+  void DeleteFiles(std::vector<std::string> paths);
   void Move(bool up);
   void Rename();
   void TakeLabel(std::size_t row, const QString& label);
