@@ -262,11 +262,13 @@ class Import {
     } else {
       return Complain(texts::RegFileBadLine, number);
     }
-    if (!name.rest.starts_with('=') || whole.find('\0') != std::string::npos)
-      return Complain(texts::RegFileBadLine, number);
+    if (!name.rest.starts_with('=')) return Complain(texts::RegFileBadLine, number);
     std::string_view data = Trim(name.rest.substr(1));
     if (whole.size() == line.size() && data.starts_with('"') && !TakeQuoted(data))
       data = WithTheLinesOfItsText(line.substr(static_cast<std::size_t>(data.data() - whole.data())));
+    // A NUL ends a text wherever it goes from here.
+    if (whole.find('\0') != std::string::npos || data.find('\0') != std::string_view::npos)
+      return Complain(texts::RegFileBadLine, number);
     if (data.starts_with('-') && IsEndOfLine(Trim(data.substr(1)))) {
       values_.Erase(name.text);
     } else if (auto value = ParseData(data, wide_)) {
