@@ -160,6 +160,7 @@ TextPlan PlanText(const TextField& field, const QRectF& rect, double inset) {
   const bool several = lines.size() > 1;
   const double scale =
       field.fixedFont ? FixedScale(field.font) : FittingScale(field, space, longest, lineHeight, several);
+  if (qFuzzyIsNull(scale)) return plan;  // no room between the lines: nothing that could be seen
   const QSizeF room = space / scale;
   const Placement placement = PlacementOf(field);
 

@@ -72,6 +72,7 @@ TextPlan PlanTracks(const TextField& field, const QRectF& rect, double inset) {
     constexpr double kWorth = 1.02;
     if (scale > best.scale * kWorth) best = {columns, lines, scale};
   }
+  if (qFuzzyIsNull(best.scale)) return plan;  // no room between the lines: nothing that could be seen
 
   const QSizeF room = inner.size() / best.scale;
   const double columns = static_cast<double>(best.columns);
