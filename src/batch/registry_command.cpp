@@ -34,11 +34,28 @@ std::string ValueLine(std::string_view name, const RegistryValue& value) {
   return std::string(name) + " = " + (text ? "\"" + value.data + "\"" : "hex: " + ValueText(value));
 }
 
-// The key of a command line; nothing after saying that it is none.
-std::optional<std::string> KeyOrComplain(Console& console, std::string_view text) {
-  auto key = KeyOf(text);
-  if (!key) PrintError(console, Format(Text(texts::BatchKeyWrong), text));
-  return key;
+// Does something with a key of the registry, after saying what is wrong with it. needed: it has to be there.
+template <typename Action>
+int WithKey(Console& console, std::string_view text, RegistryAccess access, bool needed,
+            const Action& action) {
+  const auto key = KeyOf(text);
+  if (!key) {
+    PrintError(console, Format(Text(texts::BatchKeyWrong), text));
+    return kExitUsage;
+  }
+  auto registry = OpenRegistry(console, access);
+  if (!registry) return kExitFailed;
+  const auto exists = registry->Exists(*key);
+  if (!exists) return StoreFailed(console, exists.error());
+  if (needed && !*exists) {
+    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
+    return kExitFailed;
+  }
+  return action(*registry, *key);
+}
+
+int StatusOf(Console& console, Outcome outcome) {
+  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
 }
 
 // Prints a key, and all below it when recursive.
@@ -67,19 +84,10 @@ int ListCommand(CommandLine line, Console& console) {
   arguments.Flag("--recursive", recursive, texts::BatchHelpRecursive);
   arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto key = KeyOrComplain(console, keyText.value_or(""));
-  if (!key) return kExitUsage;
-  const auto registry = OpenRegistry(console);
-  if (!registry) return kExitFailed;
-
-  const auto exists = registry->Exists(*key);
-  if (!exists) return StoreFailed(console, exists.error());
-  if (!*exists && keyText) {
-    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
-    return kExitFailed;
-  }
-  const Outcome outcome = PrintKey(console, *registry, *key, recursive);
-  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+  return WithKey(console, keyText.value_or(""), RegistryAccess::ReadOnly, keyText.has_value(),
+                 [&](const Registry& registry, const std::string& key) -> int {
+                   return StatusOf(console, PrintKey(console, registry, key, recursive));
+                 });
 }
 
 int GetCommand(CommandLine line, Console& console) {
@@ -89,20 +97,18 @@ int GetCommand(CommandLine line, Console& console) {
   arguments.Required("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   arguments.Required("NAME", name, texts::BatchHelpValueName);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto key = KeyOrComplain(console, keyText);
-  if (!key) return kExitUsage;
-  const auto registry = OpenRegistry(console);
-  if (!registry) return kExitFailed;
-
-  const auto values = registry->Read(*key);
-  if (!values) return StoreFailed(console, values.error());
-  const RegistryValue* value = values->Find(name);
-  if (value == nullptr) {
-    PrintError(console, Format(Text(texts::BatchValueMissing), name, *key));
-    return kExitFailed;
-  }
-  console.out << ValueText(*value) << '\n';
-  return kExitSuccess;
+  return WithKey(console, keyText, RegistryAccess::ReadOnly, false,
+                 [&](const Registry& registry, const std::string& key) -> int {
+                   const auto values = registry.Read(key);
+                   if (!values) return StoreFailed(console, values.error());
+                   const RegistryValue* const value = values->Find(name);
+                   if (value != nullptr) {
+                     console.out << ValueText(*value) << '\n';
+                     return kExitSuccess;
+                   }
+                   PrintError(console, Format(Text(texts::BatchValueMissing), name, key));
+                   return kExitFailed;
+                 });
 }
 
 int SetCommand(CommandLine line, Console& console) {
@@ -116,18 +122,16 @@ int SetCommand(CommandLine line, Console& console) {
   arguments.Required("NAME", name, texts::BatchHelpValueName);
   arguments.Required("WERT", valueText, texts::BatchHelpValue);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto key = KeyOrComplain(console, keyText);
-  if (!key) return kExitUsage;
   RegistryValue value{RegistryValue::Kind::Text, valueText};
   if (binary) {
     const auto bytes = ParseHexBytes(valueText);
     if (!bytes) return WrongUsage(console, "registry set", Format(Text(texts::BatchHexWrong), valueText));
     value = {RegistryValue::Kind::Binary, *bytes};
   }
-  auto registry = OpenRegistry(console, RegistryAccess::ReadWrite);
-  if (!registry) return kExitFailed;
-  const Outcome outcome = registry->SetValue(*key, name, std::move(value));
-  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+  return WithKey(console, keyText, RegistryAccess::ReadWrite, false,
+                 [&](Registry& registry, const std::string& key) -> int {
+                   return StatusOf(console, registry.SetValue(key, name, value));
+                 });
 }
 
 int DeleteCommand(CommandLine line, Console& console) {
@@ -138,24 +142,16 @@ int DeleteCommand(CommandLine line, Console& console) {
   arguments.Required("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   arguments.Optional("NAME", name, texts::BatchHelpValueName);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto key = KeyOrComplain(console, keyText);
-  if (!key) return kExitUsage;
-  auto registry = OpenRegistry(console, RegistryAccess::ReadWrite);
-  if (!registry) return kExitFailed;
-
-  const auto values = registry->Read(*key);
-  if (!values) return StoreFailed(console, values.error());
-  if (name && values->Find(*name) == nullptr) {
-    PrintError(console, Format(Text(texts::BatchValueMissing), *name, *key));
-    return kExitFailed;
-  }
-  const auto exists = registry->Exists(*key);
-  if (exists && !*exists) {
-    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
-    return kExitFailed;
-  }
-  const Outcome outcome = name ? registry->DeleteValue(*key, *name) : registry->DeleteKey(*key);
-  return Succeeded(outcome) ? kExitSuccess : StoreFailed(console, outcome);
+  return WithKey(console, keyText, RegistryAccess::ReadWrite, !name,
+                 [&](Registry& registry, const std::string& key) -> int {
+                   if (!name) return StatusOf(console, registry.DeleteKey(key));
+                   const auto values = registry.Read(key);
+                   if (!values) return StoreFailed(console, values.error());
+                   if (values->Find(*name) != nullptr)
+                     return StatusOf(console, registry.DeleteValue(key, *name));
+                   PrintError(console, Format(Text(texts::BatchValueMissing), *name, key));
+                   return kExitFailed;
+                 });
 }
 
 int ImportCommand(CommandLine line, Console& console) {
@@ -197,23 +193,14 @@ int ExportCommand(CommandLine line, Console& console) {
   arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
   arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto key = KeyOrComplain(console, keyText.value_or(""));
-  if (!key) return kExitUsage;
-  const auto registry = OpenRegistry(console);
-  if (!registry) return kExitFailed;
-
-  const auto exists = registry->Exists(*key);
-  if (exists && !*exists) {
-    PrintError(console, Format(Text(texts::BatchKeyMissing), *key));
-    return kExitFailed;
-  }
-  const auto text = ExportRegText(*registry, *key);
-  if (!text) return StoreFailed(console, text.error());
-  if (Failed(WriteFile(path, *text))) {
-    PrintError(console, Format(Text(texts::BatchFileUnwritable), path));
-    return kExitFailed;
-  }
-  return kExitSuccess;
+  return WithKey(console, keyText.value_or(""), RegistryAccess::ReadOnly, true,
+                 [&](const Registry& registry, const std::string& key) -> int {
+                   const auto text = ExportRegText(registry, key);
+                   if (!text) return StoreFailed(console, text.error());
+                   if (Succeeded(WriteFile(path, *text))) return kExitSuccess;
+                   PrintError(console, Format(Text(texts::BatchFileUnwritable), path));
+                   return kExitFailed;
+                 });
 }
 
 constexpr std::array kCommands{

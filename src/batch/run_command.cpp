@@ -1,7 +1,5 @@
 // "ts5-batch run": a filter over files, with parameters from the command line.
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "batch/arguments.h"
 #include "batch/command_line.h"
@@ -25,7 +23,7 @@
 #include "platform/base/text.h"
 #include "platform/disc/volumes.h"
 #include "platform/files/files.h"
-#include "platform/files/paths.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -85,16 +83,10 @@ std::string ParameterHelp(const std::string& filter) {
   return help;
 }
 
-// A path of a command line counts from the current directory. Results name it in full, as they are read in
-// other directories, too. CD tracks stay as they are.
-std::string FromCurrentDirectory(const std::string& path) {
-  if (path.empty() || EntryFromPath(path).cdTrack) return path;
-  std::error_code error;
-  const std::filesystem::path full = std::filesystem::absolute(path, error);
-  if (error) return path;
-  // What ".." leads to is the file system's to say, which may have a link there.
-  const bool plain = std::ranges::find(full, std::filesystem::path("..")) == full.end();
-  return plain ? full.lexically_normal().string() : full.string();
+// A source of a command line: a track of a CD, or a file in full, as results are read in other directories,
+// too.
+std::string SourceOf(const std::string& word) {
+  return IsCdTrackText(word) && !FileExists(word) ? word : FullPath(word);
 }
 
 // What cannot be right whatever the files hold; nothing when all is well.
@@ -234,16 +226,16 @@ int RunCommand(CommandLine line, Console& console) {
   if (request.directory && !IsDirectory(*request.directory))
     request.directory = CdDirectoryOf(*request.directory).value_or(*request.directory);
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
-  for (auto* const path :
-       {&request.destination, &request.destinationDirectory, &request.directory, &request.print.layout}) {
-    if (*path) *path = FromCurrentDirectory(**path);
+  for (auto* const path : {&request.destination, &request.destinationDirectory, &request.directory,
+                           &request.list, &request.print.layout}) {
+    if (*path) *path = FullPath(**path);
   }
 
   auto registry = OpenRegistry(console);
   if (!registry) return kExitFailed;
   if (const auto fault = TakeMelody(request.melody, *registry, job))
     return WrongUsage(console, kCommand, *fault);
-  if (request.destination) job.destinationName = FromCurrentDirectory(*request.destination);
+  if (request.destination) job.destinationName = *request.destination;
   if (!request.print.printer) request.print.printer = request.device;
   if (const auto status = TakePrinting(request.print, *registry, kCommand, console, job)) return *status;
   if (module->missing) {
@@ -275,7 +267,7 @@ int RunCommand(CommandLine line, Console& console) {
       if (!taken) return kExitFailed;
       complete = *taken;
     }
-    for (const std::string& file : request.files) job.files.Append({.path = FromCurrentDirectory(file)});
+    for (const std::string& file : request.files) job.files.Append({.path = SourceOf(file)});
     job.files.SelectAll();
   }
   if (const auto fault = TakeDisc(request.print, console, job)) return WrongUsage(console, kCommand, *fault);

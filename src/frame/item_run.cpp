@@ -24,6 +24,7 @@
 #include "platform/files/fault.h"
 #include "platform/files/flush_group.h"
 #include "platform/files/paths.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5 {
 namespace {
@@ -142,7 +143,8 @@ class ItemRun {
     std::set<std::string, std::less<>> directories;
     for (const PlannedTarget& target : targets_) {
       if (Failed(target.code)) continue;
-      const std::string_view directory = DirectoryOf(target.name);
+      const std::string place = BehindLinks(target.name).value_or(target.name);
+      const std::string_view directory = DirectoryOf(place);
       if (!directories.contains(directory)) directories.emplace(directory);
     }
     for (const std::string& directory : directories) (void)ClearAbandonedFiles(directory);
@@ -167,7 +169,8 @@ class ItemRun {
   // The user's word on what stands where the target of an item goes; false when it has to stay.
   [[nodiscard]] bool AsksFirst(std::size_t index) const {
     const PlannedTarget& target = targets_[index];
-    return target.taking == Taking::Ask && Succeeded(target.code) && run_.Files().exists(target.name);
+    return target.taking == Taking::Ask && Succeeded(target.code) && run_.Files().exists(target.name) &&
+           !run_.Files().isDirectory(target.name);  // which no answer would replace
   }
   [[nodiscard]] bool Permit(std::size_t index) {
     if (!MayReplace(targets_[index].name)) return false;
@@ -261,9 +264,10 @@ class ItemRun {
   // The item as the result has it; name: of its target.
   [[nodiscard]] static ItemRecord RecordOf(const Item& item, std::string name) {
     RunItem done{item.source, std::move(name), Code(item.code), item.extended, item.reason};
-    done.remark = item.line;
     done.unchanged = item.unchanged;
     if (Succeeded(item.code)) done.losses = item.losses;
+    // What a target lacks says nothing of one that did not come about.
+    if (Succeeded(item.code) || !item.losses) done.remark = item.line;
     return {.index = item.index, .item = std::move(done), .number = item.number};
   }
 

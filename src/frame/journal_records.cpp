@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "frame/job_store.h"
-#include "platform/base/casts.h"
+#include "frame/record_bytes.h"
 #include "platform/store/registry_blob.h"
 #include "platform/store/registry_salvage.h"
 
@@ -14,16 +14,8 @@ namespace {
 constexpr std::string_view kMagic = "TS5 run journal 1";
 constexpr std::size_t kRecordHead = 12;
 
-void Put(ByteWriter& out, std::string_view text) {
-  out.U32Le(ClampTo<std::uint32_t>(text.size()));
-  out.Append(text);
-}
 void Put(ByteWriter& out, const RegistryValues& values) {
   Put(out, AsText(PackValues(values)));
-}
-std::string TakeText(ByteReader& in) {
-  const std::uint32_t size = in.U32Le();
-  return std::string(AsText(in.Take(size)));
 }
 RegistryValues TakeValues(ByteReader& in) {
   const std::uint32_t size = in.U32Le();
@@ -161,12 +153,7 @@ ItemRecord TakeItem(ByteView content, const RunPlan& plan) {
     }
   }
   if ((flags & kStaged) != 0) {
-    FileMark mark;
-    mark.identity.device = in.U64Le();
-    mark.identity.file = in.U64Le();
-    mark.size = in.U64Le();
-    mark.written = static_cast<std::int64_t>(in.U64Le());
-    record.staged = mark;
+    record.staged = TakeMark(in);
   }
   return record;
 }
@@ -211,12 +198,7 @@ Bytes RecordOf(const ItemRecord& record) {
       Put(out, loss.line);
     }
   }
-  if (record.staged) {
-    out.U64Le(record.staged->identity.device);
-    out.U64Le(record.staged->identity.file);
-    out.U64Le(record.staged->size);
-    out.U64Le(static_cast<std::uint64_t>(record.staged->written));
-  }
+  if (record.staged) Put(out, *record.staged);
   return Sealed(out.View());
 }
 

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -27,7 +29,11 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
-std::string BehindLinks(const std::string& path) {
+constexpr std::string_view kNotes = "notes";
+constexpr std::uint64_t kMostNotes = std::uint64_t{256} << 20;
+
+// Behind all links.
+std::string RealPath(const std::string& path) {
   std::error_code error;
   const fs::path real = fs::weakly_canonical(path, error);
   return error ? path : real.native();
@@ -88,14 +94,26 @@ Outcome CopyTo(const std::string& from, const std::string& to, const CancelCheck
 // --- while the run goes on
 
 RunUndo::~RunUndo() {
-  if (folder_.empty()) return;
-  // What could not be brought back is the user's all the same.
-  for (const Item& item : items_) {
-    if (!item.removed || item.kept.empty()) continue;
-    const std::string named = JoinPath(folder_, FileNameOf(item.path));
-    (void)MoveToTrash(Succeeded(RenameFile(item.kept, named)) ? named : item.kept);
-  }
+  if (folder_.empty() || cut_ || !RescueKept()) return;
+  (void)RemoveFile(JoinPath(folder_, kNotes));  // first: what has none is only cleared
   RemoveTreeInBackground(folder_);
+}
+
+// What could not be brought back is the user's all the same. False when something has to stay where it is.
+bool RunUndo::RescueKept() const {
+  bool all = true;
+  for (const UndoItem& item : items_) {
+    if (!(item.removed || uncertain_) || item.kept.empty() || !FileExists(item.kept)) continue;
+    const std::string named = JoinPath(folder_, FileNameOf(item.path));
+    const bool second = Disk().Link(item.kept, named) == 0;
+    if (Failed(MoveToTrash(second ? named : item.kept))) {
+      all = false;
+      if (second) (void)Disk().Unlink(named);
+    } else if (second) {
+      (void)Disk().Unlink(item.kept);
+    }
+  }
+  return all;
 }
 
 bool RunUndo::OpenFolder() {
@@ -109,7 +127,8 @@ bool RunUndo::OpenFolder() {
       return false;
     }
     lock_ = OpenDirectory(folder);
-    if (!lock_ || !Lock(lock_)) return false;
+    // Another program may take it for abandoned before it is locked.
+    if (!lock_ || !Lock(lock_) || !IsDirectory(folder)) continue;
     folder_ = folder;
     return true;
   }
@@ -136,13 +155,13 @@ Outcome RunUndo::KeepAs(const std::string& path, const std::string& kept, std::u
 
 Outcome RunUndo::Keep(const std::string& target, const CancelCheck& cancelled) {
   DropPending();
-  const std::string path = BehindLinks(target);
+  const std::string path = RealPath(target);
   const auto mark = MarkOf(path);
   if (!mark) return Outcome::Success;
   // What the run has made itself is no file of the user's.
   if (const auto made = places_.find(path); made != places_.end() && items_[made->second].made == *mark)
     return Outcome::Success;
-  pending_ = Item{.path = path, .made = {}};
+  pending_ = UndoItem{.path = path, .made = {}};
   pendingSize_ = mark->size;
   const Outcome kept = KeepAs(path, std::to_string(++number_), mark->size, cancelled);
   if (Succeeded(kept)) {
@@ -157,7 +176,7 @@ Outcome RunUndo::Keep(const std::string& target, const CancelCheck& cancelled) {
 }
 
 void RunUndo::Made(const std::string& target) {
-  const std::string path = BehindLinks(target);
+  const std::string path = RealPath(target);
   const auto mark = MarkOf(path);
   if (!mark) return DropPending();
   const auto [place, isNew] = places_.try_emplace(path, items_.size());
@@ -165,7 +184,7 @@ void RunUndo::Made(const std::string& target) {
     items_[place->second].made = *mark;
     return DropPending();
   }
-  Item item{.path = path, .made = *mark};
+  UndoItem item{.path = path, .made = *mark};
   if (pending_ && pending_->path == path) {
     item = *std::exchange(pending_, std::nullopt);
     item.made = *mark;
@@ -175,7 +194,7 @@ void RunUndo::Made(const std::string& target) {
 }
 
 void RunUndo::Changed(const std::string& target) {
-  const std::string path = BehindLinks(target);
+  const std::string path = RealPath(target);
   const auto place = places_.find(path);
   const auto mark = MarkOf(path);
   if (place != places_.end() && mark) items_[place->second].made = *mark;
@@ -184,24 +203,42 @@ void RunUndo::Changed(const std::string& target) {
 // --- back
 
 bool RunUndo::Any() const {
-  return std::ranges::any_of(items_, [](const Item& item) { return !item.done; });
+  return std::ranges::any_of(items_, [](const UndoItem& item) { return !item.done; });
 }
 
 std::size_t RunUndo::NotKept() const {
-  return static_cast<std::size_t>(std::ranges::count(items_, true, &Item::notKept));
+  return static_cast<std::size_t>(std::ranges::count(items_, true, &UndoItem::notKept));
+}
+
+// So that nothing is lost when the undo is cut: what is kept is known from now on.
+bool RunUndo::NoteDown() const {
+  return folder_.empty() || uncertain_ || Succeeded(WriteFile(JoinPath(folder_, kNotes), NotesOf(items_)));
 }
 
 UndoReport RunUndo::Undo(const CancelCheck& cancelled) {
   DropPending();
   UndoReport report;
+  if (!Any()) return report;
+  const bool noted = NoteDown();
+  cut_ = noted;
   for (auto item = items_.rbegin(); item != items_.rend(); ++item) {
-    if (cancelled && cancelled()) break;
-    if (!item->done) UndoItem(*item, report);
+    if (cancelled && cancelled()) return report;
+    if (item->done) continue;
+    if (noted || item->kept.empty()) {
+      TakeBack(*item, report);
+    } else {
+      report.failed.push_back(item->path);
+    }
   }
+  cut_ = false;
   return report;
 }
 
-void RunUndo::UndoItem(Item& item, UndoReport& report) {
+void RunUndo::TakeBack(UndoItem& item, UndoReport& report) {
+  if (uncertain_ && !item.kept.empty() && !FileExists(item.kept)) {  // it was brought back before
+    item.done = true;
+    return;
+  }
   const auto now = item.removed ? std::nullopt : MarkOf(item.path);
   if (now && *now != item.made) {
     report.changed.push_back(item.path);
@@ -246,7 +283,7 @@ void RunUndo::UndoItem(Item& item, UndoReport& report) {
 
 // To its place; where something else stands there by now, to the next free number beside it, else into the
 // wastebasket: it is the user's.
-void RunUndo::BringBack(Item& item, UndoReport& report) {
+void RunUndo::BringBack(UndoItem& item, UndoReport& report) {
   constexpr std::uint32_t kMaxNumber = 999;
   if (Succeeded(RenameFile(item.kept, item.path))) {
     item.kept.clear();
@@ -270,17 +307,46 @@ std::string UndoDirectory() {
   return JoinPath(ProgramDirectory(), "ersetzt");
 }
 
-void ClearAbandonedUndo(const std::string& directory) {
+RunUndo::RunUndo(std::string folder, FileDescriptor lock, std::vector<UndoItem> items)
+    : most_(0),
+      folder_(std::move(folder)),
+      lock_(std::move(lock)),
+      items_(std::move(items)),
+      uncertain_(true) {}
+
+UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled) {
   std::error_code error;
   std::vector<std::string> abandoned;
   for (auto entry = fs::directory_iterator(directory, error); !error && entry != fs::directory_iterator();
        entry.increment(error)) {
     abandoned.push_back(entry->path().native());
   }
+  UndoReport report;
   for (const std::string& folder : abandoned) {
-    const FileDescriptor lock = OpenDirectory(folder);
-    if (lock && Lock(lock)) fs::remove_all(folder, error);
+    FileDescriptor lock = OpenDirectory(folder);
+    if (!lock || !Lock(lock)) continue;
+    const std::string notes = JoinPath(folder, kNotes);
+    if (!FileExists(notes)) {
+      fs::remove_all(folder, error);
+      continue;
+    }
+    const auto content = ReadFile(notes, kMostNotes);
+    auto items = content ? ReadNotes(*content, folder) : std::nullopt;
+    if (items) report.Add(RunUndo(folder, std::move(lock), *std::move(items)).Undo(cancelled));
   }
+  return report;
+}
+
+bool UndoReport::Empty() const {
+  return removed == 0 && restored == 0 && changed.empty() && notKept.empty() && failed.empty() &&
+         elsewhere.empty();
+}
+
+void UndoReport::Add(UndoReport other) {
+  removed += other.removed;
+  restored += other.restored;
+  for (auto list : {&UndoReport::changed, &UndoReport::notKept, &UndoReport::failed, &UndoReport::elsewhere})
+    std::ranges::move(other.*list, std::back_inserter(this->*list));
 }
 
 std::string UndoText(const UndoReport& report) {
@@ -301,7 +367,7 @@ std::string UndoText(const UndoReport& report) {
   list(report.changed, texts::UndoOneChanged, texts::UndoManyChanged);
   list(report.notKept, texts::UndoOneNotKept, texts::UndoManyNotKept);
   list(report.failed, texts::UndoOneFailed, texts::UndoManyFailed);
-  return text.empty() ? std::string(Text(texts::UndoNothing)) : text;
+  return report.Empty() ? std::string(Text(texts::UndoNothing)) : text;
 }
 
 }  // namespace ts5

@@ -8,8 +8,9 @@
 //
 // Replaced files are kept, as a second name of the same file where the file system knows such, else as a
 // copy, in a folder of the run's own, which goes with the object: so there is a way back until the next run
-// of the job. A file that was changed after the run is not touched. Whatever was done is not done twice. One
-// thread at a time.
+// of the job. A file that was changed after the run is not touched. Whatever was done is not done twice. An
+// undo that is cut, by the end of the program or by its death, is finished at the next start: its folder
+// stays, with notes of what it had set out to do. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +19,10 @@
 #include <string>
 #include <vector>
 
+#include "frame/undo_notes.h"
 #include "platform/base/descriptor.h"
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
-#include "platform/files/file_mark.h"
 
 namespace ts5 {
 
@@ -36,6 +37,9 @@ struct UndoReport {
   std::vector<std::string> notKept = {};    // what they replaced was too much to be kept
   std::vector<std::string> failed = {};     // cannot be moved
   std::vector<std::string> elsewhere = {};  // replaced files that got another name
+
+  [[nodiscard]] bool Empty() const;
+  void Add(UndoReport other);
 };
 
 class RunUndo {
@@ -59,26 +63,22 @@ class RunUndo {
   [[nodiscard]] std::uint64_t Kept() const { return kept_; }  // bytes
   // Replaced files that could not be kept.
   [[nodiscard]] std::size_t NotKept() const;
-  // A cancelled one can be gone on with.
+  // A cancelled one can be gone on with, here or after the next start.
   [[nodiscard]] UndoReport Undo(const CancelCheck& cancelled = {});
 
  private:
-  struct Item {
-    std::string path;  // behind all links
-    FileMark made;
-    std::string kept = {};  // the file that was replaced; "" none
-    bool copied = false;
-    bool notKept = false;
-    bool removed = false;  // what was made has gone
-    bool done = false;
-  };
+  // One that was cut; folder is locked.
+  RunUndo(std::string folder, FileDescriptor lock, std::vector<UndoItem> items);
+  friend UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled);
 
   [[nodiscard]] bool OpenFolder();
   [[nodiscard]] Outcome KeepAs(const std::string& path, const std::string& kept, std::uint64_t size,
                                const CancelCheck& cancelled);
   void DropPending();
-  void UndoItem(Item& item, UndoReport& report);
-  void BringBack(Item& item, UndoReport& report);
+  [[nodiscard]] bool NoteDown() const;
+  void TakeBack(UndoItem& item, UndoReport& report);
+  void BringBack(UndoItem& item, UndoReport& report);
+  [[nodiscard]] bool RescueKept() const;
 
   std::string directory_;
   std::uint64_t most_;
@@ -86,16 +86,18 @@ class RunUndo {
   FileDescriptor lock_;  // for as long as the folder is this run's
   std::uint64_t kept_ = 0;
   std::size_t number_ = 0;
-  std::optional<Item> pending_;  // kept for a target that has not its place yet
+  std::optional<UndoItem> pending_;  // kept for a target that has not its place yet
   std::uint64_t pendingSize_ = 0;
-  std::vector<Item> items_;
+  std::vector<UndoItem> items_;
   std::map<std::string, std::size_t, std::less<>> places_;  // of paths in items_
+  bool cut_ = false;                                        // an undo has begun and not come to its end
+  bool uncertain_ = false;                                  // how far it came is not known
 };
 
 // Where the runs of the program keep what they replace.
 [[nodiscard]] std::string UndoDirectory();
-// Removes what killed programs left there.
-void ClearAbandonedUndo(const std::string& directory);
+// Finishes what killed programs had begun to undo there, and removes what else they left.
+UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled = {});
 
 // What was done, and what not and why, in German.
 [[nodiscard]] std::string UndoText(const UndoReport& report);

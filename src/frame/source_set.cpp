@@ -7,16 +7,36 @@
 #include "platform/files/paths.h"
 
 namespace ts5 {
+namespace {
+
+// The last name of a path, as media compare it that know no case.
+std::string NameKey(std::string_view path) {
+  const std::string_view name = FileNameOf(path);
+  return ToLower(name.substr(0, name.find_last_not_of(". ") + 1));
+}
+
+}  // namespace
+
+std::string PathKeys::OfDirectory(const std::string& directory) {
+  if (const auto known = directories_.find(directory); known != directories_.end()) return known->second;
+  const std::string name = directory.empty() ? "." : directory;
+  const std::string_view above = DirectoryOf(name);
+  const bool step = FileNameOf(name) == "." || FileNameOf(name) == "..";
+  const std::string plain = step ? NormalisedPath(name) : name;
+  std::string key = name;
+  if (const std::optional<FileIdentity> identity = files_->identity(name)) {
+    key = Format("%u:%u", identity->device, identity->file);
+  } else if (plain != name) {
+    key = OfDirectory(plain);
+  } else if (!step && above != name) {
+    key = OfDirectory(std::string(above)) + "/" + NameKey(name);
+  }
+  directories_.emplace(directory, key);
+  return key;
+}
 
 std::string PathKeys::Of(const std::string& path) {
-  std::string directory(DirectoryOf(path));
-  const auto [known, added] = directories_.try_emplace(std::move(directory));
-  if (added) {
-    const std::optional<FileIdentity> identity = files_->identity(known->first.empty() ? "." : known->first);
-    known->second =
-        identity ? Format("%u:%u", identity->device, identity->file) : ToLower(NormalisedPath(known->first));
-  }
-  return known->second + "/" + ToLower(FileNameOf(path));
+  return OfDirectory(std::string(DirectoryOf(path))) + "/" + NameKey(path);
 }
 
 void SourceSet::Collect() {

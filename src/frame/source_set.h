@@ -11,14 +11,17 @@
 
 namespace ts5 {
 
-// Texts that are equal when two paths lead to the same entry of the same directory. A directory is looked at
-// once.
+// Texts that are equal when two paths lead to the same entry of the same directory, also to one that is still
+// to be made. Blanks and dots at the end of a name count for nothing, as on the media that drop them. A
+// directory is looked at once.
 class PathKeys {
  public:
   explicit PathKeys(const DestinationFiles& files) : files_(&files) {}
   [[nodiscard]] std::string Of(const std::string& path);
 
  private:
+  [[nodiscard]] std::string OfDirectory(const std::string& directory);
+
   const DestinationFiles* files_;
   std::unordered_map<std::string, std::string> directories_;
 };

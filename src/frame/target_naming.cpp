@@ -7,6 +7,7 @@
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5 {
 namespace {
@@ -15,6 +16,15 @@ constexpr std::uint32_t kMaxNumber = 99999;
 
 bool NothingSelected(const Job& job) {
   return job.Mode() == SourceMode::List ? job.files.Selection().empty() : job.directory.names.empty();
+}
+
+bool IsTree(const Job& job) {
+  return ItemCount(job) == 0 && job.Mode() == SourceMode::Directory;
+}
+
+// The source that a target named for all of them lies beside.
+std::string FirstSource(const Job& job) {
+  return IsTree(job) ? JoinPath(job.directory.path, "*") : ItemSource(job, 0);
 }
 
 Taking TakingOf(OverwritePolicy policy) {
@@ -73,7 +83,15 @@ TargetNaming::TargetNaming(const Job& job, DestinationRules rules, const Destina
     : job_(&job), rules_(std::move(rules)), files_(&files), sources_(job, files), keys_(files) {}
 
 bool TargetNaming::IsTaken(const std::string& path) {
-  return sources_.Contains(path) || (!taken_.empty() && taken_.contains(keys_.Of(path)));
+  return sources_.Contains(path) || IsMade(path);
+}
+
+bool TargetNaming::IsMade(const std::string& path) {
+  return !taken_.empty() && taken_.contains(keys_.Of(BehindLinks(path).value_or(path)));
+}
+
+void TargetNaming::Take(const std::string& path) {
+  taken_.insert(keys_.Of(BehindLinks(path).value_or(path)));
 }
 
 std::optional<std::string> TargetNaming::NextNumber(const TargetName& family) {
@@ -86,6 +104,7 @@ std::optional<std::string> TargetNaming::NextNumber(const TargetName& family) {
 }
 
 PlannedTarget TargetNaming::Plan(TargetName family, Numbering numbering, Taking taking, bool evades) {
+  if (const std::string name = family.Plain(); !IsAbsolutePath(name)) family = TargetName::Of(FullPath(name));
   PlannedTarget target{
       .name = family.Plain(), .family = std::move(family), .taking = taking, .evades = evades};
   const bool number = evades || numbering == Numbering::Always ||
@@ -97,7 +116,7 @@ PlannedTarget TargetNaming::Plan(TargetName family, Numbering numbering, Taking 
     target.name = std::move(name).value_or("");
   }
   if (!IsUsablePath(target.name)) target.code = Outcome::TargetFailed;
-  if (Succeeded(target.code)) taken_.insert(keys_.Of(target.name));
+  if (Succeeded(target.code)) Take(target.name);
   return target;
 }
 
@@ -106,7 +125,7 @@ PlannedTarget TargetNaming::Automatic(const TargetRule& rule, const std::string&
   const std::string plain = family.Plain();
   const bool inPlace = rule.formatKept && !rules_.useSuffix && rules_.overwrite == OverwritePolicy::Replace &&
                        sources_.IsOnly(plain, source);
-  const bool evades = inPlace ? taken_.contains(keys_.Of(plain)) : IsTaken(plain);
+  const bool evades = inPlace ? IsMade(plain) : IsTaken(plain);
   Taking taking = TakingOf(rules_.overwrite);
   if (taking == Taking::Number && family.tail.empty()) taking = Taking::Ask;  // used as it is
   const Numbering numbering = taking == Taking::Number ? Numbering::WhenThere : Numbering::Never;
@@ -125,8 +144,8 @@ PlannedTarget TargetNaming::Chosen(const std::string& name) {
 
 PlannedTarget TargetNaming::ResultFile() {
   const std::size_t items = ItemCount(*job_);
-  const bool tree = items == 0 && job_->Mode() == SourceMode::Directory;
-  const std::string first = tree ? JoinPath(job_->directory.path, "*") : ItemSource(*job_, 0);
+  const bool tree = IsTree(*job_);
+  const std::string first = FirstSource(*job_);
   const std::string directory = TargetDirectory(rules_, first, *files_);
   const Taking taking = TakingOf(rules_.overwrite);
   Numbering numbering = taking == Taking::Number ? Numbering::WhenThere : Numbering::Never;
@@ -142,14 +161,14 @@ PlannedTarget TargetNaming::ResultFile() {
 }
 
 void TargetNaming::Reserve(const PlannedTarget& target) {
-  if (Succeeded(target.code) && !target.name.empty()) taken_.insert(keys_.Of(target.name));
+  if (Succeeded(target.code) && !target.name.empty()) Take(target.name);
 }
 
 bool TargetNaming::Renumber(PlannedTarget& target) {
   auto name = NextNumber(target.family);
   if (!name || !IsUsablePath(*name)) return false;
   target.name = *std::move(name);
-  taken_.insert(keys_.Of(target.name));
+  Take(target.name);
   return true;
 }
 
@@ -206,24 +225,26 @@ TargetOffer OfferTarget(const Job& job, const FilterModule* module, const Destin
     const std::string source = ItemSource(job, 0);
     offer.name = naming.Automatic(module->target(*job.parameters, source), source).name;
   }
+  // Where there is no directory to write to, the field shows the name alone.
+  if (TargetDirectory(rules, FirstSource(job), files).empty()) offer.name = FileNameOf(*offer.name);
   return offer;
 }
 
 namespace {
 
-// A name of the field with its directory, or what is wrong with it.
+// A name of the field with its directory, from that of the targets on, or what is wrong with it.
 std::optional<TextId> CompleteName(std::string& name, const DestinationRules& rules,
                                    const std::string& source, const DestinationFiles& files) {
   name = Trim(name);
   if (name.empty()) return texts::NoTargetName;
-  const std::string directory(DirectoryOf(name));
-  if (!directory.empty()) {
-    if (rules.sourceDirectory || files.isDirectory(directory)) return std::nullopt;
+  if (IsAbsolutePath(name)) {
+    if (rules.sourceDirectory || files.isDirectory(std::string(DirectoryOf(name)))) return std::nullopt;
     return texts::InvalidTargetDirectory;
   }
-  if (!rules.sourceDirectory && !files.isDirectory(rules.directory)) return texts::InvalidTargetDirectory;
-  name = JoinPath(rules.sourceDirectory ? TargetDirectory(rules, source, files) : rules.directory, name);
-  return std::nullopt;
+  const std::string base = rules.sourceDirectory ? TargetDirectory(rules, source, files) : rules.directory;
+  name = JoinPath(base, name);
+  if (rules.sourceDirectory || files.isDirectory(std::string(DirectoryOf(name)))) return std::nullopt;
+  return texts::InvalidTargetDirectory;
 }
 
 bool DirectoryIsMissing(const DestinationRules& rules, const DestinationFiles& files) {
@@ -243,6 +264,7 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, De
     if (const auto message = CompleteName(name, rules, ItemSource(job, 0), files)) return message;
     const bool offered = offer.name && (name == *offer.name || job.destinationName == rules.offered);
     if (rules.origin == NameOrigin::Command || !offered) {
+      name = FullPath(name);
       if (SourceSet(job, files).Contains(name)) return texts::TargetIsSource;
       job.destinationName = std::move(name);
       return std::nullopt;

@@ -4,14 +4,16 @@
 // An automatic name is made of the source's name. It gets a number ("song001.mid")
 //   - when the settings number and there is something of that name,
 //   - when it reaches a source of the run, whether done or still to come. Only the settings' own case
-//   replaces a
-//     source: the format is kept, the suffix is off, replacing is allowed, and no other item has that source;
-//   - when an earlier item of the run has it.
+//   replaces
+//     a source: the format is kept, the suffix is off, replacing is allowed, and no other item has that
+//     source;
+//   - when it reaches what an earlier item of the run makes.
 // Numbers are free when they are named; they are taken by creating the file (TakeTarget), so that two runs
 // never write to one name.
 //
-// Names are native paths. All but TakeTarget only looks, through DestinationFiles, so that the file system
-// can be given by hand.
+// Names are native paths, and whole ones: they mean the same in every directory. All but TakeTarget only
+// looks, through DestinationFiles, so that the file system can be given by hand; where links lead that have
+// no end yet the disk itself says.
 #pragma once
 
 #include <cstdint>
@@ -84,13 +86,15 @@ class TargetNaming {
   PlannedTarget Plan(TargetName family, Numbering numbering, Taking taking, bool evades);
   [[nodiscard]] std::optional<std::string> NextNumber(const TargetName& family);
   [[nodiscard]] bool IsTaken(const std::string& path);
+  [[nodiscard]] bool IsMade(const std::string& path);
+  void Take(const std::string& path);
 
   const Job* job_;
   DestinationRules rules_;
   const DestinationFiles* files_;
   SourceSet sources_;
   PathKeys keys_;
-  std::unordered_set<std::string> taken_;                       // by earlier items
+  std::unordered_set<std::string> taken_;                       // by earlier items, behind all links
   std::unordered_map<std::string, std::uint32_t> lastNumbers_;  // of each family
 };
 

@@ -7,11 +7,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <limits>
+#include <span>
 #include <thread>
 
 #include "platform/files/disk_calls.h"
 #include "run_support.h"
+#include "support/child.h"
 #include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -40,6 +44,34 @@ struct NoRoom : NoLinks {
     errno = ENOSPC;
     return -1;
   }
+};
+
+// Kills the program before one of the calls of the disk.
+struct Killer : DiskCalls {
+  Killer(bool links, int calls) : links(links), left(calls) {}
+  void Count() {
+    if (left-- == 0) (void)::raise(SIGKILL);
+  }
+  int Create(const std::string& path, mode_t mode) override { return Count(), DiskCalls::Create(path, mode); }
+  ssize_t Write(int file, ByteView bytes, std::uint64_t at) override {
+    return Count(), DiskCalls::Write(file, bytes, at);
+  }
+  int Flush(int file) override { return Count(), DiskCalls::Flush(file); }
+  int Rename(const std::string& from, const std::string& to) override {
+    return Count(), DiskCalls::Rename(from, to);
+  }
+  int RenameKeeping(const std::string& from, const std::string& to) override {
+    return Count(), DiskCalls::RenameKeeping(from, to);
+  }
+  int Link(const std::string& from, const std::string& to) override {
+    Count();
+    errno = EXDEV;
+    return links ? DiskCalls::Link(from, to) : -1;
+  }
+  int Unlink(const std::string& path) override { return Count(), DiskCalls::Unlink(path); }
+
+  bool links;
+  int left;
 };
 
 class Undoing : public testing::Test {
@@ -202,11 +234,105 @@ TEST_F(Undoing, FoldersOfKilledProgramsAreCleared) {
   WriteOld();
   (void)Go();
   place_.Write("kept/1-0/1", "of a killed program");
-  ClearAbandonedUndo(place_.File("kept"));
+  EXPECT_TRUE(FinishAbandonedUndo(place_.File("kept")).Empty());
   EXPECT_THAT(Listing(place_.File("kept")), testing::Not(testing::HasSubstr("1-0 ")))
       << Listing(place_.File("kept"));
   EXPECT_FALSE(std::filesystem::exists(place_.File("kept/1-0")));
   EXPECT_EQ(undo_->Undo().restored, 1U) << "those of living ones stay";
+}
+
+// Whenever the program dies while it undoes a run, the next start brings back what was replaced. Where
+// somebody has taken its place meanwhile, it lies in the wastebasket.
+TEST_F(Undoing, OneThatWasCutIsFinished) {
+  const auto inTrash = [this](const std::string& content) {
+    return std::ranges::any_of(std::filesystem::directory_iterator(home_.File("Trash/files")),
+                               [&](const auto& file) { return Content(file.path().string()) == content; });
+  };
+  for (const bool links : {true, false}) {
+    int cuts = 0;
+    int early = 0;
+    int taken = 0;
+    for (int calls = 0, status = -1; status != 0; ++calls) {
+      SCOPED_TRACE(std::to_string(calls) + (links ? " links" : " copies"));
+      std::filesystem::remove(place_.File("m/a.out"));
+      std::filesystem::remove_all(home_.File("Trash/files"));
+      WriteOld();
+      const std::string before = Old();
+      status = test::InChild([&] {
+        Killer killer(links, std::numeric_limits<int>::max());
+        const OtherDiskCalls other(killer);
+        (void)Go();
+        killer.left = calls;
+        return undo_->Undo().restored == 1;
+      });
+      if (status != 0) ++cuts;
+      const bool moved = !std::filesystem::exists(place_.File("m/b.out"));
+      if (moved && ++taken % 2 == 0) {
+        place_.Write("m/b.out", "of another program");
+        (void)FinishAbandonedUndo(place_.File("kept"));
+        EXPECT_EQ(Content(place_.File("m/b.out")), "of another program");
+        EXPECT_TRUE(inTrash("old b"));
+      } else {
+        (void)FinishAbandonedUndo(place_.File("kept"));
+        const bool begun = Old() == before;
+        if (!begun) ++early;
+        EXPECT_EQ(std::filesystem::exists(place_.File("m/a.out")), !begun);
+        EXPECT_EQ(Content(place_.File("m/b.out")), begun ? "old b" : "ok b copied");
+      }
+      EXPECT_TRUE(BecomesEmpty(place_.File("kept")));
+    }
+    EXPECT_GT(taken, 0);
+    EXPECT_LT(early, cuts) << "nothing is moved before the notes are written";
+  }
+}
+
+TEST_F(Undoing, TheEndOfTheProgramIsNoEndOfAnUndo) {
+  WriteOld();
+  (void)Go();
+  int asked = 0;
+  EXPECT_EQ(undo_->Undo([&] { return asked++ > 0; }).removed, 1U);
+  undo_.reset();
+  const UndoReport rest = FinishAbandonedUndo(place_.File("kept"));
+  EXPECT_EQ(rest.removed, 1U);
+  EXPECT_EQ(Listing(place_.File("m")), "a.txt b.out b.txt");
+  EXPECT_EQ(Content(place_.File("m/b.out")), "old b");
+  EXPECT_TRUE(BecomesEmpty(place_.File("kept")));
+}
+
+// What could neither be brought back nor put into the wastebasket is kept for another try.
+TEST_F(Undoing, WithoutAnyPlaceItStays) {
+  struct NoWayBack : DiskCalls {
+    int RenameKeeping(const std::string&, const std::string&) override {
+      errno = EACCES;
+      return -1;
+    }
+  } noWayBack;
+  WriteOld();
+  (void)Go();
+  {
+    const OtherDiskCalls other(noWayBack);
+    EXPECT_THAT(undo_->Undo().failed, ElementsAre(place_.File("m/b.out")));
+  }
+  std::filesystem::remove_all(home_.File("Trash"));
+  home_.Write("Trash", "no directory");
+  undo_.reset();
+  std::filesystem::remove(home_.File("Trash"));
+  EXPECT_EQ(FinishAbandonedUndo(place_.File("kept")).restored, 1U);
+  EXPECT_EQ(Content(place_.File("m/b.out")), "old b");
+}
+
+TEST_F(Undoing, NotesFromOutsideMoveNothing) {
+  const std::string kept = place_.Write("kept/1-0/1", "the user's");
+  UndoItem item{.path = place_.File("m/x"), .made = {}, .kept = kept};
+  const Bytes notes = NotesOf(std::span(&item, 1));
+  ASSERT_TRUE(ReadNotes(notes, place_.File("kept/1-0")));
+  for (std::size_t size = 0; size < notes.size(); ++size)
+    EXPECT_FALSE(ReadNotes(ByteView(notes).first(size), "/f")) << size;
+  item.path = "x";
+  EXPECT_FALSE(ReadNotes(NotesOf(std::span(&item, 1)), "/f"));
+  place_.Write("kept/1-0/notes", "nonsense");
+  EXPECT_TRUE(FinishAbandonedUndo(place_.File("kept")).Empty());
+  EXPECT_EQ(Content(kept), "the user's") << "nobody knows whose it is";
 }
 
 }  // namespace

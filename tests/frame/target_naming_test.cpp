@@ -143,6 +143,12 @@ TEST(TargetNaming, NoTargetIsASourceOrAnotherTarget) {
        replace,
        Files({"/m/x.mid"}),
        {"N! /m/x001.rmi", "N! /m/../m/x002.rmi"}},
+      {"names that differ only by blanks and dots at their ends",
+       {"/m/x.mid", "/m/x.rmi. "},
+       {"rmi"},
+       replace,
+       Files({"/m/x.mid"}),
+       {"N! /m/x001.rmi", "R /m/x.rmi.rmi"}},
       {"a link to a source",
        {"/m/x.mid", "/m/y.rmi"},
        {"out"},
@@ -189,6 +195,47 @@ TEST(TargetNaming, NoTargetIsASourceOrAnotherTarget) {
        {"R /m/" + std::string(250, 'x') + ".longsuffix.mid"}},
   };
   for (const Case& c : cases) EXPECT_EQ(Targets(c.sources, c.rule, c.rules, c.files), c.targets) << c.what;
+}
+
+// Targets that are one file in the end, whatever leads there, are no targets of two items.
+TEST(TargetNaming, WhatLeadsToOneFileIsOneTarget) {
+  namespace fs = std::filesystem;
+  const TemporaryDirectory place;
+  const FilterModule module = CopyModule();
+  const DestinationFiles files = SystemDestinationFiles();
+  fs::create_directories(place.File("there"));
+  fs::create_directory_symlink(place.File("there"), place.File("here"));
+  for (const char* const end : {"", "real.out"}) {  // a link that has no end yet leads somewhere all the same
+    SCOPED_TRACE(end);
+    if (*end != 0) place.Write(std::string("there/") + end, "old");
+    fs::remove(place.File("there/a.out"));
+    fs::create_symlink("real.out", place.File("there/a.out"));
+    fs::remove(place.File("there/b.out"));
+    fs::create_symlink(place.File("here/a.out"), place.File("there/b.out"));
+    const std::vector<std::string> sources{
+        place.Write("there/a.mid", "ok"),     place.Write("there/b.mid", "ok"),
+        place.Write("there/real.mid", "ok"),  place.File("here/Real.mid"),
+        place.File("here/../here/new/c.mid"), place.File("there/new/c.mid")};
+    const Job job = ListJob(sources, module);
+    TargetNaming naming(job, {}, files);
+    std::vector<std::string> names;
+    for (const std::string& source : sources) names.push_back(naming.Automatic({"out"}, source).name);
+    EXPECT_THAT(names, ElementsAre(place.File("there/a.out"), place.File("there/b001.out"),
+                                   place.File("there/real001.out"), place.File("here/Real002.out"),
+                                   place.File("here/../here/new/c.out"), place.File("there/new/c001.out")));
+  }
+}
+
+// What a run notes of its targets holds in every directory.
+TEST(TargetNaming, NamesAreWhole) {
+  const FilterModule module = CopyModule();
+  const std::string here = std::filesystem::current_path().string();
+  const DestinationFiles files = Files({});
+  const Job disc = ListJob({"/media/cd/Track 1"}, module);
+  TargetNaming naming(disc, {}, files);
+  EXPECT_EQ(naming.Automatic({"wav"}, "/media/cd/Track 1").name, here + "/Track 1.wav");
+  EXPECT_EQ(naming.Chosen("own.wav").name, here + "/own.wav");
+  EXPECT_EQ(OfferTarget(disc, &module, {}, files).name, "Track 1.out") << "the field shows the name alone";
 }
 
 TEST(TargetNaming, ComesToAnEnd) {
@@ -279,6 +326,11 @@ TEST(TargetNaming, DestinationsAsARunBegins) {
            Case{" \t", elsewhere, false, " \t", false, texts::NoTargetName},
            Case{"b.mid", elsewhere, false, "/there/b.mid", false, std::nullopt},
            Case{"b.mid", nowhere, false, "b.mid", false, texts::InvalidTargetDirectory},
+           // What begins in no directory begins in that of the targets.
+           Case{"sub/b.mid", beside, false, "/music/sub/b.mid", false, std::nullopt},
+           Case{"sub/b.mid", elsewhere, false, "sub/b.mid", false, texts::InvalidTargetDirectory},
+           Case{"./a.mid/.", beside, false, "./a.mid/.", false, texts::TargetIsSource},
+           Case{"/music/a.mid/", beside, false, "/music/a.mid/", false, texts::TargetIsSource},
            Case{"/music/b.mid", elsewhere, false, "/music/b.mid", false, std::nullopt},
            Case{"/gone/b.mid", elsewhere, false, "/gone/b.mid", false, texts::InvalidTargetDirectory},
            Case{"b.mid", beside, false, "/music/b.mid", false, std::nullopt},

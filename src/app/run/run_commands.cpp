@@ -50,9 +50,14 @@ RunCommands::RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Appli
   desk_.Actions().On(CommandId::UndoRun, [this] { Undo(active_->Id()); });
   connect(&active_, &ActiveJob::Changed, this,
           [this] { desk_.Actions().SetEnabled(CommandId::UndoRun, MayUndo(active_->Id())); });
-  worker_.Start([]() -> BackgroundWorker::Done {
-    ClearAbandonedUndo(UndoDirectory());
-    return {};
+  worker_.Start([this, stop = stopUndoing_]() -> BackgroundWorker::Done {
+    const UndoReport report = FinishAbandonedUndo(UndoDirectory(), [stop] { return stop->load(); });
+    if (report.Empty()) return {};
+    return [this, text = std::string(Text(texts::UndoFinished)) + "\n\n" + UndoText(report)] {
+      if (active_->Mode() == SourceMode::Directory) emit DirectoryChanged();
+      active_.ChangeFiles();
+      desk_.TellLater(text, MessageIcon::Information);
+    };
   });
 }
 

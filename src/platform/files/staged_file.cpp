@@ -15,11 +15,11 @@
 #include "platform/files/file_steps.h"
 #include "platform/files/files.h"
 #include "platform/files/flush_group.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5 {
 namespace {
 
-constexpr int kMaxLinks = 40;  // as many as the kernel follows
 // A staged file is ".sTS5-", the process number of its owner and four random digits.
 constexpr std::string_view kStagedPrefix = ".sTS5-";
 constexpr std::size_t kOwnerDigits = 8;
@@ -47,37 +47,26 @@ Outcome WriteAll(int descriptor, std::uint64_t offset, ByteView bytes) {
 }
 
 struct Place {
-  std::string path;                     // behind all links
-  std::optional<struct stat> existing;  // what stands there
+  std::string path;                          // behind all links
+  std::optional<struct stat> existing = {};  // what stands there
 };
-
-// Where a symbolic link leads in the end, also when nothing is there yet.
-std::optional<Place> FollowLinks(std::string path) {
-  for (int links = 0; links < kMaxLinks; ++links) {
-    const auto status = StatusOf(path, false);
-    if (!status || !S_ISLNK(status->st_mode)) return Place{std::move(path), status};
-    std::error_code error;
-    const std::string destination = std::filesystem::read_symlink(path, error).string();
-    if (error) return std::nullopt;
-    path = destination.starts_with('/') ? destination : NativeDirectory(path) + "/" + destination;
-  }
-  return std::nullopt;
-}
 
 // The place a target name stands for, refused when it may not be written over.
 Result<Place> PlaceOf(const std::string& target) {
   if (!Reachable(target) || target.back() == '/') return Failure(Outcome::TargetFailed);
-  auto place = FollowLinks(target);
-  if (!place) return Failure(NoteWriteFault(Outcome::TargetFailed, ELOOP, target));
-  if (place->existing) {
-    const mode_t mode = place->existing->st_mode;
+  auto path = BehindLinks(target);
+  if (!path) return Failure(NoteWriteFault(Outcome::TargetFailed, ELOOP, target));
+  Place place{*std::move(path)};
+  place.existing = StatusOf(place.path, false);
+  if (place.existing) {
+    const mode_t mode = place.existing->st_mode;
     if (!S_ISREG(mode))
-      return Failure(NoteWriteFault(Outcome::TargetFailed, S_ISDIR(mode) ? EISDIR : 0, place->path));
-    if ((mode & S_IWUSR) == 0) return Failure(NoteWriteFault(Outcome::TargetFailed, EACCES, place->path));
-    if (::access(place->path.c_str(), W_OK) != 0)
-      return Failure(NoteWriteFault(Outcome::TargetFailed, errno, place->path));
+      return Failure(NoteWriteFault(Outcome::TargetFailed, S_ISDIR(mode) ? EISDIR : 0, place.path));
+    if ((mode & S_IWUSR) == 0) return Failure(NoteWriteFault(Outcome::TargetFailed, EACCES, place.path));
+    if (::access(place.path.c_str(), W_OK) != 0)
+      return Failure(NoteWriteFault(Outcome::TargetFailed, errno, place.path));
   }
-  return *std::move(place);
+  return place;
 }
 
 void TakeOver(int descriptor, const struct stat& existing) {

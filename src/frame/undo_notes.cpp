@@ -1,0 +1,53 @@
+#include "frame/undo_notes.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "frame/record_bytes.h"
+#include "platform/files/paths.h"
+
+namespace ts5 {
+namespace {
+
+constexpr std::string_view kMagic = "TS5 undo 1";
+constexpr std::uint8_t kCopied = 1;
+constexpr std::uint8_t kNotKept = 2;
+
+}  // namespace
+
+Bytes NotesOf(std::span<const UndoItem> items) {
+  ByteWriter out;
+  out.Append(kMagic);
+  out.U32Le(ClampTo<std::uint32_t>(std::ranges::count(items, false, &UndoItem::done)));
+  for (const UndoItem& item : items) {
+    if (item.done) continue;
+    out.U8(static_cast<std::uint8_t>((item.copied ? kCopied : 0) | (item.notKept ? kNotKept : 0)));
+    Put(out, item.path);
+    Put(out, FileNameOf(item.kept));
+    Put(out, item.made);
+  }
+  return out.Release();
+}
+
+std::optional<std::vector<UndoItem>> ReadNotes(ByteView notes, const std::string& folder) {
+  ByteReader in(notes);
+  if (AsText(in.Take(kMagic.size())) != kMagic) return std::nullopt;
+  std::vector<UndoItem> items;
+  for (std::uint32_t count = in.U32Le(); count > 0 && in.Ok(); --count) {
+    const std::uint8_t flags = in.U8();
+    UndoItem item{.path = TakeText(in), .made = {}, .kept = TakeText(in)};
+    item.made = TakeMark(in);
+    item.copied = (flags & kCopied) != 0;
+    item.notKept = (flags & kNotKept) != 0;
+    const bool elsewhere =
+        !IsAbsolutePath(item.path) || item.kept != FileNameOf(item.kept) || item.kept.starts_with('.');
+    if (elsewhere) return std::nullopt;
+    if (!item.kept.empty()) item.kept = JoinPath(folder, item.kept);
+    items.push_back(std::move(item));
+  }
+  if (!in.Ok() || !in.AtEnd()) return std::nullopt;
+  return items;
+}
+
+}  // namespace ts5
