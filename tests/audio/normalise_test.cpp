@@ -2,7 +2,6 @@
 #include "audio/normalise.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -2,7 +2,6 @@
 #include "audio/wave_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <ctime>
-
 #include "platform/base/text.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -204,8 +202,9 @@ TEST_F(FileListFile, TracksAreThereWhenTheirDriveSaysSo) {
   EXPECT_EQ(loaded->missing, 1U);
 }
 
-// 100,000 entries in reasonable time, also when every one of them is spelled in another case.
-TEST_F(FileListFile, LongListsTakeLinearTime) {
+// Also when every one of them is spelled in another case; a search of the directory for each would take
+// hours.
+TEST_F(FileListFile, LongListsAreLoadedWhole) {
   const std::string file = File("Musik/Lied.mid");
   FreeFileList list;
   for (int i = 0; i < 50'000; ++i) {
@@ -213,14 +212,10 @@ TEST_F(FileListFile, LongListsTakeLinearTime) {
     list.Append(EntryFromPath("C:\\MUSIK\\LIED.MID"));
   }
   const std::string path = directory_.File("list.sts");
-  const std::clock_t start = std::clock();  // of the processor: other work on the machine does not count
   ASSERT_THAT(SaveFileList(path, list, false), test::IsOk());
   const auto loaded = Load(path);
-  const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
   ASSERT_THAT(loaded, test::IsOk());
   EXPECT_EQ(loaded->entries.size(), 100'000U);
-  EXPECT_LT(seconds, 10.0);
-  RecordProperty("seconds", std::to_string(seconds));
 }
 
 }  // namespace

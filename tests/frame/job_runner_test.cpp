@@ -189,16 +189,14 @@ TEST_F(JobRunnerTest, StopRuleSetsItsOwnRequest) {
   std::atomic<std::int32_t> seen = 0;
   Module(FilterId::MidiToWave).run = [&seen](ts5::Run& run) {
     run.SetState(RunState::Stopped);
-    EXPECT_FALSE(run.Sleep(20s));
+    EXPECT_FALSE(run.Sleep(1h)) << "a stop wakes it";
     seen = run.CancelRequest();
   };
   Job job = BlockingJob(FilterId::MidiToWave, "a");
   ASSERT_TRUE(runner_.Start(job, {}, std::make_shared<RecordingHost>(), dialogs_));
   while (job.State() != RunState::Stopped) std::this_thread::sleep_for(1ms);
-  const auto stopped = std::chrono::steady_clock::now();
   (void)runner_.Stop(job);
   runner_.Wait(job);
-  EXPECT_LT(std::chrono::steady_clock::now() - stopped, 200ms);
   EXPECT_EQ(seen, kStopWhileWaiting);
 }
 

@@ -512,16 +512,12 @@ TEST(RunItems, StopEndsTheRunAndLeavesNothingHalf) {
                  place.Write("d.mid", "ok"), place.Write("e.mid", "ok")},
                 module);
     const auto host = std::make_shared<RecordingHost>();
-    std::chrono::steady_clock::time_point stopped;
     std::thread stopper([&] {
       while (job.run->currentItem < 2) std::this_thread::sleep_for(1ms);
-      stopped = std::chrono::steady_clock::now();
       job.run->cancelRequest = kUserStop;
     });
     const RunResult result = RunJob(job, module, {}, host);
-    const auto took = std::chrono::steady_clock::now() - stopped;
     stopper.join();
-    EXPECT_LT(took, 200ms);
     EXPECT_THAT(Codes(result), ElementsAre(0, 0, -5));
     EXPECT_EQ(result.counts[0], 2U);
     EXPECT_EQ(result.counts[1], 3U);
