@@ -189,7 +189,7 @@ TEST_F(JobRunnerTest, StopRuleSetsItsOwnRequest) {
   std::atomic<std::int32_t> seen = 0;
   Module(FilterId::MidiToWave).run = [&seen](ts5::Run& run) {
     run.SetState(RunState::Stopped);
-    EXPECT_FALSE(run.Sleep(1h)) << "a stop wakes it";
+    EXPECT_FALSE(run.Sleep(1h)) << "as soon as it is stopped";
     seen = run.CancelRequest();
   };
   Job job = BlockingJob(FilterId::MidiToWave, "a");

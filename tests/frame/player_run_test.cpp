@@ -2,6 +2,7 @@
 #include "frame/player_run.h"
 
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <chrono>
 
@@ -96,7 +97,7 @@ TEST_F(PlayerRunTest, ADeviceThatGoesEndsTheRunAndIsNamed) {
   EXPECT_THAT(result.remarks, ElementsAre(kGone, kSomeFailed));
 
   PlayerOptions options;
-  options.interval = kLongestPause;  // it is not kept
+  options.interval = kLongestPause;  // nor is the pause kept: it takes an hour
   result = Play({"still", "gut", "gut"}, options);
   EXPECT_THAT(Counts(result), ElementsAre(1, 1, 1));
   EXPECT_THAT(host_->notices, ElementsAre(kGone, kSomeFailed));
