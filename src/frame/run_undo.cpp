@@ -275,7 +275,7 @@ void ClearAbandonedUndo(const std::string& directory) {
   }
   for (const std::string& folder : abandoned) {
     const FileDescriptor lock = OpenDirectory(folder);
-    if (lock && Lock(lock)) RemoveTree(folder);
+    if (lock && Lock(lock)) fs::remove_all(folder, error);
   }
 }
 
