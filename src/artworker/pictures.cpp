@@ -72,22 +72,34 @@ Source ReadSource(const std::string& name) {
   return source;
 }
 
+// Of no source it has no size and reads nothing.
+struct OpenPicture {
+  explicit OpenPicture(Source from) : source(std::move(from)), buffer(&source.bytes) {
+    buffer.open(QIODevice::ReadOnly);
+    reader.setDevice(&buffer);
+    reader.setFormat(source.format);
+    reader.setAutoTransform(true);
+  }
+  // Its own mark says that it lies on its side; its size is told as it lies.
+  [[nodiscard]] bool Turned() const {
+    return reader.transformation() & QImageIOHandler::TransformationRotate90;
+  }
+
+  Source source;
+  QBuffer buffer;
+  QImageReader reader;
+};
+
 QImage Read(const std::string& name, QSize most) {
-  Source source = ReadSource(name);
-  if (source.bytes.isEmpty()) return {};
-  QBuffer buffer(&source.bytes);
-  buffer.open(QIODevice::ReadOnly);
-  QImageReader reader(&buffer, source.format);
-  reader.setAutoTransform(true);
+  OpenPicture picture(ReadSource(name));
+  QImageReader& reader = picture.reader;
   const QSize size = reader.size();
   if (size.width() > kMaxPictureSide || size.height() > kMaxPictureSide) return {};
   QImageReader::setAllocationLimit(kMaxPictureMegabytes);
   // A picture turned by its own mark is measured before it is turned; drawings are made at the size that is
   // wanted.
-  if (size.isValid() && !most.isEmpty() &&
-      !(reader.transformation() & QImageIOHandler::TransformationRotate90)) {
-    const bool drawing = source.format.startsWith("svg");
-    if (drawing) {
+  if (size.isValid() && !most.isEmpty() && !picture.Turned()) {
+    if (reader.format().startsWith("svg")) {
       reader.setScaledSize(most);
     } else if (size.width() > most.width() || size.height() > most.height()) {
       reader.setScaledSize({std::min(size.width(), most.width()), std::min(size.height(), most.height())});
@@ -139,14 +151,9 @@ bool Pictures::IsDrawing(const std::string& file) {
 }
 
 QSize Pictures::SizeOf(const std::string& file) {
-  Source source = ReadSource(file);
-  if (source.bytes.isEmpty()) return {};
-  QBuffer buffer(&source.bytes);
-  buffer.open(QIODevice::ReadOnly);
-  QImageReader reader(&buffer, source.format);
-  reader.setAutoTransform(true);
-  const QSize size = reader.size();
-  return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
+  OpenPicture picture(ReadSource(file));
+  const QSize size = picture.reader.size();
+  return picture.Turned() ? size.transposed() : size;
 }
 
 }  // namespace ts5::artworker

@@ -1,5 +1,7 @@
 #include "audio/audio_remarks.h"
 
+#include <iterator>
+
 #include "audio/texts.h"
 #include "frame/texts.h"
 #include "platform/base/outcome.h"
@@ -50,8 +52,10 @@ constexpr Remark kWaveConverter[] = {
 
 }  // namespace
 
-std::span<const Remark> AudioRemarks() {
-  return kAudio;
+std::vector<Remark> BeforeAudioRemarks(std::span<const Remark> own) {
+  std::vector<Remark> all(own.begin(), own.end());
+  all.insert(all.end(), std::begin(kAudio), std::end(kAudio));
+  return all;
 }
 
 std::span<const Remark> WaveConverterRemarks() {

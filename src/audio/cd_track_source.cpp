@@ -5,8 +5,7 @@
 #include <vector>
 
 #include "audio/sample_codec.h"
-#include "platform/disc/cd_drive.h"
-#include "platform/disc/drive_claim.h"
+#include "platform/disc/claimed_drive.h"
 
 namespace ts5 {
 namespace {
@@ -15,8 +14,7 @@ constexpr std::size_t kChannels = 2;
 
 class CdTrackSource final : public PcmSource {
  public:
-  CdTrackSource(DriveClaim claim, CdDrive drive, const TocTrack& track)
-      : claim_(std::move(claim)), drive_(std::move(drive)), track_(track) {}
+  CdTrackSource(ClaimedDrive held, const TocTrack& track) : held_(std::move(held)), track_(track) {}
 
   const PcmShape& Shape() const override { return shape_; }
   std::optional<std::uint64_t> Frames() const override {
@@ -53,13 +51,13 @@ class CdTrackSource final : public PcmSource {
     if (sector >= first_ && sector - first_ < held) return Outcome::Success;
     sectors_.resize(std::min(kSectorsPerCommand, track_.sectors - sector) * kAudioSectorBytes);
     first_ = sector;
-    const Outcome read = drive_.ReadAudio(Lba{static_cast<std::int32_t>(track_.start + sector)}, sectors_);
+    const Outcome read =
+        held_.drive.ReadAudio(Lba{static_cast<std::int32_t>(track_.start + sector)}, sectors_);
     if (Failed(read)) sectors_.clear();
     return read;
   }
 
-  DriveClaim claim_;
-  CdDrive drive_;
+  ClaimedDrive held_;
   TocTrack track_;
   PcmShape shape_{44'100, kChannels, 0x3, 16};
   std::uint64_t next_ = 0;             // frame of the track
@@ -70,15 +68,13 @@ class CdTrackSource final : public PcmSource {
 }  // namespace
 
 Result<std::unique_ptr<PcmSource>> OpenCdTrack(const CdTrackPlace& place, const CancelCheck& cancelled) {
-  auto claim = DriveClaim::Take(place.drive.path);
-  if (!claim) return Failure(claim.error() == Outcome::InUse ? Outcome::InUse : Outcome::CdDriveFailed);
-  auto drive = CdDrive::Open(place.drive.path);
-  if (!drive) return Failure(Outcome::CdDriveFailed);
-  const auto toc = drive->ReadToc(cancelled);
+  auto opened = ClaimedDrive::Open(place.drive.path);
+  if (!opened) return Failure(opened.error() == Outcome::InUse ? Outcome::InUse : Outcome::CdDriveFailed);
+  const auto toc = opened->drive.ReadToc(cancelled);
   if (!toc) return Failure(toc.error());
   const TocTrack* const track = toc->Find(place.number);
   if (track == nullptr || !track->audio) return Failure(Outcome::CdDriveFailed);
-  return std::make_unique<CdTrackSource>(*std::move(claim), *std::move(drive), *track);
+  return std::make_unique<CdTrackSource>(*std::move(opened), *track);
 }
 
 }  // namespace ts5

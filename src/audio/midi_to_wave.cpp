@@ -49,11 +49,7 @@ constexpr Remark kOwnRemarks[] = {
 };
 
 std::span<const Remark> AllRemarks() {
-  static const std::vector<Remark> remarks = [] {
-    std::vector<Remark> all(std::begin(kOwnRemarks), std::end(kOwnRemarks));
-    all.insert(all.end(), AudioRemarks().begin(), AudioRemarks().end());
-    return all;
-  }();
+  static const std::vector<Remark> remarks = BeforeAudioRemarks(kOwnRemarks);
   return remarks;
 }
 

@@ -20,6 +20,7 @@
 #include "platform/base/text.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
+#include "platform/files/remove_tree.h"
 
 namespace ts5::disc {
 namespace {
@@ -35,8 +36,7 @@ class CopyFolder {
     if (::mkdtemp(path.data()) != nullptr) path_ = path;
   }
   ~CopyFolder() {
-    std::error_code error;
-    if (!keep_ && !path_.empty()) std::filesystem::remove_all(path_, error);
+    if (!keep_ && !path_.empty()) RemoveTree(path_);
   }
   CopyFolder(const CopyFolder&) = delete;
   CopyFolder& operator=(const CopyFolder&) = delete;
@@ -120,29 +120,26 @@ class CopyRun {
 
   DiscOutcome OpenSource() {
     run_.StatusText(Text(texts::OpeningSource));
-    auto claim = DriveClaim::Take(sourcePath_);
-    auto drive = claim ? CdDrive::Open(sourcePath_) : Failure(claim.error());
-    if (!drive ||
-        Failed(drive->WaitUntilReady(std::chrono::seconds(12), [this] { return run_.Cancelled(); }))) {
+    auto opened = ClaimedDrive::Open(sourcePath_);
+    if (!opened ||
+        Failed(opened->drive.WaitUntilReady(std::chrono::seconds(12), [this] { return run_.Cancelled(); }))) {
       run_.StatusText(Text(texts::SourceNotOpened));
       if (run_.Cancelled()) return {Code(Outcome::Cancelled), 0};
-      return {!claim && claim.error() == Outcome::InUse ? code::kDriveBusy : code::kDriveNotOpened, 0};
+      return {!opened && opened.error() == Outcome::InUse ? code::kDriveBusy : code::kDriveNotOpened, 0};
     }
-    claim_ = *std::move(claim);
-    drive_ = *std::move(drive);
+    drive_ = *std::move(opened);
     run_.StatusText(Text(texts::SourceOpened));
     return {};
   }
 
   void CloseSource(bool eject) {
-    if (eject && drive_) (void)drive_->Eject();
+    if (eject && drive_) (void)drive_->drive.Eject();
     drive_.reset();
-    claim_.reset();
   }
 
   DiscOutcome ReadSource() {
     run_.StatusText(Text(texts::ReadingSourceDisc));
-    const auto toc = drive_->ReadToc([this] { return run_.Cancelled(); });
+    const auto toc = drive_->drive.ReadToc([this] { return run_.Cancelled(); });
     if (!toc) {
       run_.StatusText(Text(texts::SourceDiscNotRead));
       return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kDiscUnknown)};
@@ -150,8 +147,8 @@ class CopyRun {
     run_.StatusText(Text(texts::SourceDiscRead));
     if (toc->tracks.empty()) return {code::kNoTracks, 0};
     if (!toc->IsAudioCd()) return {code::kNoAudioDisc, 0};
-    (void)drive_->SetSpeed(0);
-    source_.emplace(*drive_, *toc);
+    (void)drive_->drive.SetSpeed(0);
+    source_.emplace(drive_->drive, *toc);
     return parameters_.noPauses ? DiscOutcome{} : FindPauses();
   }
 
@@ -326,8 +323,7 @@ class CopyRun {
   Run& run_;
   const CopyParameters& parameters_;
   std::string sourcePath_;
-  std::optional<DriveClaim> claim_;
-  std::optional<CdDrive> drive_;
+  std::optional<ClaimedDrive> drive_;
   std::optional<CopySource> source_;
   std::optional<CopyFolder> folder_;
   DiscSession session_;

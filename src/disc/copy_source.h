@@ -9,7 +9,6 @@
 #include "disc/disc_plan.h"
 #include "disc/track_reader.h"
 #include "platform/disc/cd_drive.h"
-#include "platform/disc/drive_claim.h"
 
 namespace ts5::disc {
 

@@ -51,11 +51,7 @@ constexpr Remark kOwn[] = {
 }  // namespace
 
 std::span<const Remark> Remarks() {
-  static const std::vector<Remark> all = [] {
-    std::vector<Remark> remarks(std::begin(kOwn), std::end(kOwn));
-    remarks.insert(remarks.end(), AudioRemarks().begin(), AudioRemarks().end());
-    return remarks;
-  }();
+  static const std::vector<Remark> all = BeforeAudioRemarks(kOwn);
   return all;
 }
 

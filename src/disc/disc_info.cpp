@@ -6,7 +6,7 @@
 #include "disc/pause_search.h"
 #include "disc/texts.h"
 #include "platform/base/text.h"
-#include "platform/disc/drive_claim.h"
+#include "platform/disc/claimed_drive.h"
 
 namespace ts5::disc {
 namespace {
@@ -110,12 +110,10 @@ DiscReport ReadDiscReport(CdDrive& drive, bool pauses) {
 }
 
 EraseOutcome EraseDisc(const std::string& drive, BlankType type) {
-  const auto claim = DriveClaim::Take(drive);
-  if (!claim) return claim.error() == Outcome::InUse ? EraseOutcome::Busy : EraseOutcome::NotOpened;
-  auto opened = CdDrive::Open(drive);
-  if (!opened) return EraseOutcome::NotOpened;
-  if (opened->State() == MediaState::UnitAttention) (void)opened->State();
-  return Succeeded(opened->Blank(type)) ? EraseOutcome::Erased : EraseOutcome::Failed;
+  auto opened = ClaimedDrive::Open(drive);
+  if (!opened) return opened.error() == Outcome::InUse ? EraseOutcome::Busy : EraseOutcome::NotOpened;
+  if (opened->drive.State() == MediaState::UnitAttention) (void)opened->drive.State();
+  return Succeeded(opened->drive.Blank(type)) ? EraseOutcome::Erased : EraseOutcome::Failed;
 }
 
 TextId EraseText(EraseOutcome outcome) {

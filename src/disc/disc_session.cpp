@@ -37,15 +37,12 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
 
 // While a run waits for a disc the drive belongs to nobody, so that one can be put in.
 Outcome DiscSession::Take() {
-  auto claim = DriveClaim::TakeSoon(path_);
-  if (!claim) return claim.error();
-  auto drive = CdDrive::Open(path_);
-  if (!drive) return drive.error();
-  const Outcome ready = drive->WaitUntilReady(kSettling, [this] { return run_.Cancelled(); });
+  auto opened = ClaimedDrive::OpenSoon(path_);
+  if (!opened) return opened.error();
+  const Outcome ready = opened->drive.WaitUntilReady(kSettling, [this] { return run_.Cancelled(); });
   if (Failed(ready)) return ready;
-  claim_ = *std::move(claim);
-  drive_ = *std::move(drive);
-  drive_->PreventRemoval(true);
+  held_ = *std::move(opened);
+  Drive().PreventRemoval(true);
   return Outcome::Success;
 }
 
@@ -74,24 +71,24 @@ DiscOutcome DiscSession::Open() {
 
 DiscOutcome DiscSession::CheckBlank() {
   run_.StatusText(Text(texts::ReadingBlank));
-  const auto info = drive_->ReadDiscInformation();
+  const auto info = Drive().ReadDiscInformation();
   if (!info) {
     // A drive without recordable media knows no such command.
-    const bool unknown = drive_->LastSense() == sense::kUnknownCommand;
+    const bool unknown = Drive().LastSense() == sense::kUnknownCommand;
     run_.StatusText(Text(texts::BlankNotRead));
     if (unknown) return {code::kNotWritable, 0};
     return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kDiscUnknown)};
   }
   if (info->status == DiscStatus::Other) return {code::kNotWritable, 0};
   if (info->status != DiscStatus::Blank) return {code::kDiscNotBlank, 0};
-  const auto next = drive_->ReadTrackInformation(kInvisibleTrack);
+  const auto next = Drive().ReadTrackInformation(kInvisibleTrack);
   if (!next || !next->nextWritable) {
     run_.StatusText(Text(texts::BlankNotRead));
     return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kNoWritable)};
   }
   // The lead-out's place is exact; drives round what they call free.
   free_ = info->leadOut ? static_cast<std::uint32_t>(std::max(info->leadOut->value, 0)) : next->freeSectors;
-  const auto capabilities = drive_->ReadCapabilities();
+  const auto capabilities = Drive().ReadCapabilities();
   protects_ = capabilities && capabilities->underrunProtection;
   run_.StatusText(Text(texts::BlankRead));
   return {};
@@ -99,8 +96,8 @@ DiscOutcome DiscSession::CheckBlank() {
 
 void DiscSession::Initialise(std::int32_t speed) {
   run_.StatusText(Text(texts::InitialisingDrive));
-  const bool fast = Succeeded(drive_->SetSpeed(static_cast<std::uint32_t>(speed)));
-  const bool calibrated = Succeeded(drive_->SendOpc());
+  const bool fast = Succeeded(Drive().SetSpeed(static_cast<std::uint32_t>(speed)));
+  const bool calibrated = Succeeded(Drive().SendOpc());
   if (!fast || !calibrated) run_.AddStatus({code::kCalibrationRefused, false, 0});
   run_.StatusText(Text(texts::DriveInitialised));
 }
@@ -125,7 +122,7 @@ Recorder DiscSession::MakeRecorder(const RecordingMode& mode) {
     run_.StatusText(ProgressText(progress, mode));
   };
   events.ended = [this] { run_.Progress(shown_); };
-  return {*drive_, mode, std::move(events)};
+  return {Drive(), mode, std::move(events)};
 }
 
 DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
@@ -137,7 +134,7 @@ DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const Projec
                           percent = now;
                           run_.StatusText(Format(Text(texts::Verifying), now, '%'));
                         }};
-  const DiscComparison compared = CompareDisc(*drive_, layout, tracks, mode, watch);
+  const DiscComparison compared = CompareDisc(Drive(), layout, tracks, mode, watch);
   switch (compared.outcome) {
     case Outcome::Success:
       run_.StatusText(Text(texts::Verified));
@@ -155,12 +152,11 @@ DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const Projec
 }
 
 void DiscSession::Release(bool eject) {
-  if (drive_) {
-    drive_->PreventRemoval(false);
-    if (eject) (void)drive_->Eject();
+  if (held_) {
+    Drive().PreventRemoval(false);
+    if (eject) (void)Drive().Eject();
   }
-  drive_.reset();
-  claim_.reset();
+  held_.reset();
 }
 
 void DiscSession::End(const DiscOutcome& outcome, bool eject) {

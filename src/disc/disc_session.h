@@ -10,8 +10,7 @@
 #include "disc/disc_plan.h"
 #include "disc/recorder.h"
 #include "frame/run.h"
-#include "platform/disc/cd_drive.h"
-#include "platform/disc/drive_claim.h"
+#include "platform/disc/claimed_drive.h"
 
 namespace ts5::disc {
 
@@ -39,7 +38,7 @@ class DiscSession {
   [[nodiscard]] bool ProtectsFromUnderruns() const { return protects_; }
 
   [[nodiscard]] const std::string& Path() const { return path_; }
-  [[nodiscard]] CdDrive& Drive() { return *drive_; }
+  [[nodiscard]] CdDrive& Drive() { return held_->drive; }
   // An engine for this drive that tells the run how far it is. track counts from 1; of: how many there are.
   [[nodiscard]] Recorder MakeRecorder(const RecordingMode& mode);
   // Reads the closed disc back. Good, or kNotVerified with the first sector that is another, or kAnotherDisc.
@@ -56,8 +55,7 @@ class DiscSession {
 
   Run& run_;
   std::string path_;
-  std::optional<DriveClaim> claim_;
-  std::optional<CdDrive> drive_;
+  std::optional<ClaimedDrive> held_;
   std::uint32_t free_ = 0;
   bool protects_ = false;
   RunProgress shown_ = {};  // the last of a recording, as it stands when nothing is written

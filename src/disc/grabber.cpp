@@ -24,7 +24,7 @@
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
-#include "platform/disc/drive_claim.h"
+#include "platform/disc/claimed_drive.h"
 #include "platform/files/digest.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
@@ -36,14 +36,13 @@ constexpr std::string_view kCatalogueAttribute = "WM/CatalogNumber";
 
 // A drive with its disc, held for the run.
 struct OpenSource {
-  DriveClaim claim;
-  CdDrive drive;
+  ClaimedDrive held;
+  CdDrive& drive = held.drive;
   DiscToc toc;
   TrackReader reader;
 
-  OpenSource(DriveClaim held, CdDrive opened, DiscToc contents, std::int32_t offset)
-      : claim(std::move(held)),
-        drive(std::move(opened)),
+  OpenSource(ClaimedDrive opened, DiscToc contents, std::int32_t offset)
+      : held(std::move(opened)),
         toc(std::move(contents)),
         reader(drive, Lba{static_cast<std::int32_t>(toc.leadOut)}, offset) {}
 
@@ -115,20 +114,18 @@ class GrabRun {
     if (source_ && path_ == place.drive.path) return source_.get();
     source_.reset();
     run_.StatusText(Text(texts::OpeningSource));
-    auto claim = DriveClaim::Take(place.drive.path);
-    auto drive = claim ? CdDrive::Open(place.drive.path) : Failure(claim.error());
-    auto toc = drive ? drive->ReadToc([this] { return run_.Cancelled(); }) : Failure(drive.error());
+    auto opened = ClaimedDrive::Open(place.drive.path);
+    auto toc = opened ? opened->drive.ReadToc([this] { return run_.Cancelled(); }) : Failure(opened.error());
     if (!toc) {
       run_.StatusText(Text(texts::SourceNotOpened));
-      failure = toc.error() == Outcome::Cancelled           ? Outcome::Cancelled
-                : !claim && claim.error() == Outcome::InUse ? static_cast<Outcome>(code::kDriveBusy)
-                                                            : static_cast<Outcome>(code::kDriveNotOpened);
+      failure = toc.error() == Outcome::Cancelled ? Outcome::Cancelled
+                : toc.error() == Outcome::InUse   ? static_cast<Outcome>(code::kDriveBusy)
+                                                  : static_cast<Outcome>(code::kDriveNotOpened);
       return nullptr;
     }
-    (void)drive->SetSpeed(kGrabSpeeds.at(static_cast<std::size_t>(parameters_.speed)));
+    (void)opened->drive.SetSpeed(kGrabSpeeds.at(static_cast<std::size_t>(parameters_.speed)));
     path_ = place.drive.path;
-    source_ = std::make_unique<OpenSource>(*std::move(claim), *std::move(drive), *std::move(toc),
-                                           parameters_.offset);
+    source_ = std::make_unique<OpenSource>(*std::move(opened), *std::move(toc), parameters_.offset);
     run_.StatusText(Text(texts::SourceOpened));
     return source_.get();
   }

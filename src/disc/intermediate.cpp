@@ -17,7 +17,7 @@
 #include "frame/cd_tracks.h"
 #include "frame/file_types.h"
 #include "platform/base/text.h"
-#include "platform/disc/drive_claim.h"
+#include "platform/disc/claimed_drive.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
 
@@ -169,15 +169,14 @@ DiscOutcome Intermediate::ReadTrack(const std::string& source, const std::string
   };
   const auto place = FindCdTrack(source);
   if (!place) return failed(engine::kSectorsUnreadable);
-  const auto claim = DriveClaim::Take(place->drive.path);
-  auto drive = claim ? CdDrive::Open(place->drive.path) : Failure(claim.error());
+  auto opened = ClaimedDrive::Open(place->drive.path);
   const auto toc =
-      drive ? drive->ReadToc([this] { return run_.Cancelled(); }) : Failure(Outcome::CdDriveFailed);
+      opened ? opened->drive.ReadToc([this] { return run_.Cancelled(); }) : Failure(opened.error());
   const TocTrack* const track = toc ? toc->Find(place->number) : nullptr;
   if (track == nullptr || !track->audio) return failed(engine::kSectorsUnreadable);
   auto wave = WaveFile::Create(target, AudioCdFormat(), std::uint64_t{track->sectors} * kAudioSectorBytes);
   if (!wave) return failed(engine::kNotCreated);
-  TrackReader reader(*drive, Lba{static_cast<std::int32_t>(toc->leadOut)});
+  TrackReader reader(opened->drive, Lba{static_cast<std::int32_t>(toc->leadOut)});
   const auto sound = RangeSound(reader, Lba{static_cast<std::int32_t>(track->start)}, track->sectors);
   const std::uint32_t error = ReadTrackToFile(*sound, {place->number, track->sectors}, *std::move(wave),
                                               {[this] { return ConfirmStop(); }, Watch(index).progress,

@@ -1,4 +1,4 @@
-// The catalogue of the seventeen filters: what each is called, what it does and takes, which panels the main
+// The catalogue of the filters: what each is called, what it does and takes, which panels the main
 // window shows for it, how its results are called, and how its tile looks. All that differs from filter to
 // filter is a column here or a field of its FilterModule; nothing below modules/ asks for a single filter.
 #pragma once
@@ -99,7 +99,7 @@ struct FilterDescriptor {
 
 // In FilterId order.
 [[nodiscard]] std::span<const FilterDescriptor, kFilterCount> FilterCatalogue();
-// id must be one of the seventeen.
+// id must be a filter.
 [[nodiscard]] const FilterDescriptor& Descriptor(FilterId id);
 // By identifier without regard to case, by display name, or by number; None when nothing fits.
 [[nodiscard]] FilterId FindFilter(std::string_view text);

@@ -1,4 +1,4 @@
-// The seventeen filters by their fixed numbers, as jobs store them.
+// The filters by their fixed numbers, as jobs store them.
 #pragma once
 
 #include <cstddef>

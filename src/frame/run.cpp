@@ -1,13 +1,12 @@
 #include "frame/run.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 #include "frame/filter_catalogue.h"
 #include "frame/run_undo.h"
+#include "platform/files/file_mark.h"
 
 namespace ts5 {
 namespace {
@@ -99,9 +98,8 @@ void Run::MeasureSources() {
   std::vector<std::uint64_t> sizes;
   sizes.reserve(ItemCount());
   for (std::size_t i = 0; i < ItemCount() && !Cancelled(); ++i) {
-    std::error_code none;
-    const std::uintmax_t size = std::filesystem::file_size(Source(i), none);
-    sizes.push_back(none ? 0 : size);
+    const auto mark = MarkOf(Source(i));
+    sizes.push_back(mark ? mark->size : 0);
   }
   time_.SetSizes(sizes);
 }

@@ -127,15 +127,11 @@ void RunJournal::Book(const ItemRecord& record) {
 // A journal that lacks something would have things done twice: without it they are done by the user's choice.
 bool RunJournal::Append(ByteView bytes) {
   if (!file_) return false;
-  while (!bytes.empty()) {
-    const ssize_t put = Disk().Write(file_.Get(), bytes, size_);
-    if (put <= 0) {
-      Remove();
-      return false;
-    }
-    bytes = bytes.subspan(static_cast<std::size_t>(put));
-    size_ += static_cast<std::uint64_t>(put);
+  if (Failed(WriteAll(file_.Get(), size_, bytes))) {
+    Remove();
+    return false;
   }
+  size_ += bytes.size();
   return true;
 }
 

@@ -19,8 +19,8 @@
 #include "platform/files/disk_calls.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
+#include "platform/files/remove_tree.h"
 #include "platform/files/wastebasket.h"
-#include "platform/programs/remove_tree.h"
 
 namespace ts5 {
 namespace {
@@ -77,13 +77,9 @@ Outcome CopyTo(const std::string& from, const std::string& to, const CancelCheck
   if (!target) return Outcome::TargetFailed;
   std::uint64_t size = 0;
   const Outcome copied = CopyPieces(from, cancelled, [&](ByteView bytes) {
-    while (!bytes.empty()) {
-      const ssize_t put = Disk().Write(target.Get(), bytes, size);
-      if (put <= 0) return Outcome::WriteFailed;
-      bytes = bytes.subspan(static_cast<std::size_t>(put));
-      size += static_cast<std::uint64_t>(put);
-    }
-    return Outcome::Success;
+    const Outcome written = WriteAll(target.Get(), size, bytes);
+    size += bytes.size();
+    return written;
   });
   Failed(copied) ? (void)Disk().Unlink(to) : TakeOverAttributes(from, to);
   return copied;

@@ -307,9 +307,6 @@ std::size_t ScorePages::Count() const {
 PageSize ScorePages::Size() const {
   return inside_->size;
 }
-double ScorePages::SpaceMillimetres() const {
-  return inside_->space;
-}
 
 Sketch ScorePages::Draw(std::size_t index) const {
   const Inside& in = *inside_;

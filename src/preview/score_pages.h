@@ -31,7 +31,6 @@ class ScorePages {
 
   [[nodiscard]] std::size_t Count() const;
   [[nodiscard]] PageSize Size() const;
-  [[nodiscard]] double SpaceMillimetres() const;
   [[nodiscard]] Sketch Draw(std::size_t page) const;
   // The page with a bar, by its index in the score.
   [[nodiscard]] std::size_t PageOf(std::size_t bar) const;

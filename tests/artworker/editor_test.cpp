@@ -1,6 +1,5 @@
 // Editing a layout without windows: history, places, selection, moves, guides, backgrounds, filled texts.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QFontMetricsF>
 #include <QImage>

@@ -1,7 +1,6 @@
 #include "artworker/layout_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>

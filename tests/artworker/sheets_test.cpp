@@ -1,6 +1,5 @@
 // What comes on which sheet, where marks stand, and how a printer is fitted.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QImage>
 #include <QPainter>

@@ -1,7 +1,6 @@
 // Monkey's Audio files: what the decoder gives back of them is what went in, to the bit; and what a file says
 // about itself is true.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>

@@ -1,7 +1,6 @@
 // Audio attributes: as a job keeps them, as each format holds them, and that writing them changes nothing
 // else.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "audio/ape/ape_sink.h"

@@ -2,7 +2,6 @@
 #include "audio/audio_player.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <thread>

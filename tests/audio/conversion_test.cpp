@@ -1,7 +1,6 @@
 // Samples in and out of their bytes, mixing, resampling, and whole conversions: exact where nothing is lost,
 // measured where something is.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>

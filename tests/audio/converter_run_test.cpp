@@ -1,6 +1,5 @@
 // The wave converter as a filter of the frame: whole runs over files.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "audio/wave_converter.h"
 #include "audio/wave_file.h"

@@ -2,7 +2,6 @@
 #include "audio/loudness.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>

@@ -1,6 +1,5 @@
 // Real files of every kind: what they are, how long, and what is decoded of them, to the sample.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -81,7 +80,11 @@ constexpr FileCase kFiles[] = {
     {"wma_v2_stereo_tags.wma", MediaKind::WindowsMedia, 0x161, 44100, 2, 43008, 0.5045},
 };
 
-TEST(MediaTest, RealFilesAreKnownAndDecodedToTheSample) {
+struct MediaTest : testing::Test {
+  const TemporaryDirectory place;
+};
+
+TEST_F(MediaTest, RealFilesAreKnownAndDecodedToTheSample) {
   for (const FileCase& row : kFiles) {
     SCOPED_TRACE(row.name);
     const std::string path = DataPath(std::string("audio/") + row.name);
@@ -102,7 +105,7 @@ TEST(MediaTest, RealFilesAreKnownAndDecodedToTheSample) {
   }
 }
 
-TEST(MediaTest, PropertiesNameTheCodecAndItsBitRate) {
+TEST_F(MediaTest, PropertiesNameTheCodecAndItsBitRate) {
   const std::pair<const char*, const char*> files[] = {{"ogg_vorbis_q3_tags.ogg", "Vorbis"},
                                                        {"wma_v2_stereo_tags.wma", "Windows Media Audio"},
                                                        {"alac_mono_16.m4a", "Apple Lossless"},
@@ -120,7 +123,7 @@ TEST(MediaTest, PropertiesNameTheCodecAndItsBitRate) {
   }
 }
 
-TEST(MediaTest, SeekingComesOutAtTheFrame) {
+TEST_F(MediaTest, SeekingComesOutAtTheFrame) {
   for (const char* name :
        {"mpeg1_layer3_vbr_xing_id3v2.mp3", "mpeg1_layer2_stereo_44100.mp2", "wav_adpcm_ms_stereo_22050.wav",
         "aiff_pcm24_stereo_48000.aiff", "ogg_vorbis_q3_tags.ogg", "mpeg1_layer3_cbr128.mp3"}) {
@@ -141,8 +144,7 @@ TEST(MediaTest, SeekingComesOutAtTheFrame) {
 }
 
 // Two decoders share a Vorbis file: one reads on from its start, the other from what was sought.
-TEST(MediaTest, VorbisIsTheSameFromItsStartAndFromWhereItWasSought) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, VorbisIsTheSameFromItsStartAndFromWhereItWasSought) {
   const std::string path = place.File("a.ogg");
   for (const std::uint32_t channels : {1U, 2U, 6U}) {
     for (const std::size_t frames : {1U, 127U, 128U, 1000U, 50001U}) {
@@ -177,8 +179,7 @@ TEST(MediaTest, VorbisIsTheSameFromItsStartAndFromWhereItWasSought) {
   }
 }
 
-TEST(MediaTest, JunkAroundAnMp3DoesNotLengthenIt) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, JunkAroundAnMp3DoesNotLengthenIt) {
   const std::string good = Content(DataPath("audio/mpeg1_layer3_cbr128.mp3"));
   const std::string junk(3000, 'x');
   const std::string path = place.Write("a.mp3", junk + good + junk);
@@ -189,8 +190,7 @@ TEST(MediaTest, JunkAroundAnMp3DoesNotLengthenIt) {
 }
 
 // Lengths and times come from what there is, not from what a header claims.
-TEST(MediaTest, HeadersThatLieDoNotLengthenAFile) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, HeadersThatLieDoNotLengthenAFile) {
   for (const std::uint32_t claimed : {0U, 4097U, 0xFFFFFFFFU}) {
     WaveFormat format = PcmFormat(8000, 16, 2);
     format.bytesPerSecond = claimed;
@@ -214,7 +214,7 @@ TEST(MediaTest, HeadersThatLieDoNotLengthenAFile) {
   EXPECT_FALSE(probe.frames);
 }
 
-TEST(MediaTest, LevelsNextToZeroHaveNoSign) {
+TEST_F(MediaTest, LevelsNextToZeroHaveNoSign) {
   const auto rows = LoudnessRows({.integrated = -0.04, .truePeak = -0.06});
   EXPECT_EQ(rows.at(0).value, "0,0 LUFS");
   EXPECT_EQ(rows.at(1).value, "-0,1 dBTP");
@@ -222,8 +222,7 @@ TEST(MediaTest, LevelsNextToZeroHaveNoSign) {
 
 // Every kind cut off and damaged: an outcome, or fewer samples, but never a crash, and never more than the
 // bytes can hold.
-TEST(MediaTest, DamagedFilesEndSomewhere) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, DamagedFilesEndSomewhere) {
   for (const FileCase& row : kFiles) {
     SCOPED_TRACE(row.name);
     const std::string good = Content(DataPath(std::string("audio/") + row.name));
@@ -246,8 +245,7 @@ TEST(MediaTest, DamagedFilesEndSomewhere) {
   }
 }
 
-TEST(MediaTest, WhatIsNoAudioIsOfNoKind) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, WhatIsNoAudioIsOfNoKind) {
   // A list of other files must not make the decoder open them.
   const std::string list =
       place.Write("list.wav", "ffconcat version 1.0\nfile " + DataPath("audio/wav_bext.wav") + "\n");
@@ -300,8 +298,7 @@ TEST(MediaWriterTest, EncodersWriteWhatReadersKnow) {
               FailsWith(Outcome::FormatRefused));
 }
 
-TEST(MediaTest, AWaveFileOfAnUnknownCodingIsOneAllTheSame) {
-  const TemporaryDirectory place;
+TEST_F(MediaTest, AWaveFileOfAnUnknownCodingIsOneAllTheSame) {
   const WaveFormat format = PcmFormat(8000, 16, 1, 0x4321);
   const std::string path = place.Write("a.wav", AsText(Wave(format, Bytes(16000))));
   const MediaProbe probe = ProbeMedia(path);
@@ -368,13 +365,12 @@ TEST(MediaEngineTest, TellsPositionsAndTheEndOnce) {
   EXPECT_EQ(run.engine.GetState(), MediaEngine::State::None);
 }
 
-TEST(MediaEngineTest, AStopIsQuickAndSilencesTheEvents) {
+TEST(MediaEngineTest, AStopLeavesTheRestAndSilencesTheEvents) {
   EngineRun run(std::chrono::milliseconds(5), 2'000'000);
   ASSERT_THAT(run.engine.Start(run.Events()), IsOk());
   std::this_thread::sleep_for(std::chrono::milliseconds(120));
-  const auto begun = std::chrono::steady_clock::now();
   run.engine.Stop();
-  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(200));
+  EXPECT_LT(run.sink->samples, 2'000'000U);
   EXPECT_EQ(run.engine.GetState(), MediaEngine::State::Built);
   run.loop.RunPending();
   EXPECT_TRUE(run.outcomes.empty());

@@ -2,7 +2,6 @@
 #include "audio/midi_to_wave.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>

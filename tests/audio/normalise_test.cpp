@@ -2,7 +2,6 @@
 #include "audio/normalise.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -59,8 +58,11 @@ TEST(ScanPeakTest, TakesMagnitudesPerChannel) {
   EXPECT_THAT(ScanPeak(*deep), FailsWith(Outcome::WrongFormat));
 }
 
-TEST(NormaliseTest, EachFileByItself) {
+struct NormaliseTest : testing::Test {
   const TemporaryDirectory place;
+};
+
+TEST_F(NormaliseTest, EachFileByItself) {
   const std::string source = place.Write("a.wav", AsText(Wave16({16384, -8192, 3, -3}, 2)));
   const std::string target = place.File("b.wav");
   const Bytes before = *ReadFile(source);
@@ -81,8 +83,7 @@ TEST(NormaliseTest, EachFileByItself) {
   EXPECT_EQ(DataOf(place.File("d.wav")), Samples16({32767, -16384, 6, -6}));
 }
 
-TEST(NormaliseTest, EightBitsCountFrom128) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, EightBitsCountFrom128) {
   const std::string name = place.Write("a.wav", AsText(Wave8({128, 138, 78, 129})));  // peak 50: gain 2.56
   ASSERT_THAT(Normalise({{name}}, {}, 0, 1), IsOk());
   EXPECT_THAT(DataOf(name), ElementsAre(128, 154, 0, 131));
@@ -91,8 +92,7 @@ TEST(NormaliseTest, EightBitsCountFrom128) {
   EXPECT_THAT(DataOf(loud), ElementsAre(255, 0));
 }
 
-TEST(NormaliseTest, LeavesAloneWhatNeedsNothing) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, LeavesAloneWhatNeedsNothing) {
   struct Row {
     const char* name;
     Bytes file;
@@ -123,8 +123,7 @@ TEST(NormaliseTest, LeavesAloneWhatNeedsNothing) {
 }
 
 // A header whose block size and byte rate have nothing to do with its samples: they are not torn apart.
-TEST(NormaliseTest, TakesWholeSamplesWhateverTheHeaderSaysOfBlocks) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, TakesWholeSamplesWhateverTheHeaderSaysOfBlocks) {
   std::vector<std::int16_t> samples(20'000);
   for (std::size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<std::int16_t>(i % 16385);
   std::vector<std::int16_t> louder(samples);
@@ -149,7 +148,7 @@ TEST(NormaliseTest, TakesWholeSamplesWhateverTheHeaderSaysOfBlocks) {
 }
 
 // The file is cut while it is scanned, and while it is written louder.
-TEST(NormaliseTest, AFileThatIsCutOnTheWayIsAReadError) {
+TEST_F(NormaliseTest, AFileThatIsCutOnTheWayIsAReadError) {
   for (const int moment : {1, 4}) {
     const TemporaryDirectory place;
     const std::string source = place.Write(
@@ -165,8 +164,7 @@ TEST(NormaliseTest, AFileThatIsCutOnTheWayIsAReadError) {
   }
 }
 
-TEST(NormaliseTest, AProjectGetsTheGainOfItsLoudestFile) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, AProjectGetsTheGainOfItsLoudestFile) {
   const std::vector<std::string> sources{place.Write("a.wav", AsText(Wave16({8192, -100}))), "",
                                          place.Write("b.wav", AsText(Wave8({192, 120}))),  // 50 %: gain 2
                                          place.Write("c.wav", AsText(Wave16({1, 2, 3})))};
@@ -179,8 +177,7 @@ TEST(NormaliseTest, AProjectGetsTheGainOfItsLoudestFile) {
   EXPECT_EQ(DataOf(sources[3]), Samples16({2, 4, 6}));
 }
 
-TEST(NormaliseTest, AProjectWithinATenthOfFullScaleIsLeftAlone) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, AProjectWithinATenthOfFullScaleIsLeftAlone) {
   struct Row {
     std::int16_t peak;
     Outcome outcome;
@@ -193,8 +190,7 @@ TEST(NormaliseTest, AProjectWithinATenthOfFullScaleIsLeftAlone) {
   }
 }
 
-TEST(NormaliseTest, FailuresAndStopsLeaveEverythingAsItWas) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, FailuresAndStopsLeaveEverythingAsItWas) {
   const Bytes quiet = Wave16({1000, -2000, 3000});
   const std::string source = place.Write("a.wav", AsText(quiet));
   const std::string deep = place.Write("d.wav", AsText(Wave(PcmFormat(44100, 24, 1), Bytes(6, 1))));
@@ -218,8 +214,7 @@ TEST(NormaliseTest, FailuresAndStopsLeaveEverythingAsItWas) {
   EXPECT_EQ(Listing(place.Path()), "a.wav d.wav");
 }
 
-TEST(NormaliseTest, ProgressRisesToTheEnd) {
-  const TemporaryDirectory place;
+TEST_F(NormaliseTest, ProgressRisesToTheEnd) {
   std::vector<std::string> names;
   for (const char* name : {"a.wav", "b.wav"}) names.push_back(place.Write(name, AsText(Wave16({1000, 2}))));
   std::vector<double> seen;

@@ -1,7 +1,6 @@
 // Wave and AIFF files that our own readers take or refuse: of either byte order, damaged, cut, with broken
 // headers.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "audio/media_file.h"
 #include "audio/media_probe.h"

@@ -2,7 +2,6 @@
 #include "support/sound_server.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <chrono>

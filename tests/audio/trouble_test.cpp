@@ -1,7 +1,6 @@
 // What goes wrong on the way: files that change, devices that vanish, stops at every stage; and sources of
 // every odd shape through every conversion.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 #include "audio/wave_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 
@@ -32,8 +31,11 @@ Bytes FromHex(std::string_view text) {
   return bytes;
 }
 
-TEST(WaveFileTest, WritesTheHeaderToTheByte) {
+struct WaveFileTest : testing::Test {
   const TemporaryDirectory place;
+};
+
+TEST_F(WaveFileTest, WritesTheHeaderToTheByte) {
   const std::string name = place.File("a.wav");
   auto wave = WaveFile::Create(name, PcmFormat(11025, 8, 1));
   ASSERT_THAT(wave, IsOk());
@@ -46,8 +48,7 @@ TEST(WaveFileTest, WritesTheHeaderToTheByte) {
                                           "01020300")));
 }
 
-TEST(WaveFileTest, WritesTheExtraBytesOfOtherFormats) {
-  const TemporaryDirectory place;
+TEST_F(WaveFileTest, WritesTheExtraBytesOfOtherFormats) {
   WaveFormat format = PcmFormat(8000, 4, 1, 0x11);
   format.extra = {0xF9, 0x01};
   auto wave = WaveFile::Create(place.File("a.wav"), format);
@@ -61,8 +62,7 @@ TEST(WaveFileTest, WritesTheExtraBytesOfOtherFormats) {
   EXPECT_EQ(again->Format(), format);
 }
 
-TEST(WaveFileTest, AbandonedFilesLeaveNothing) {
-  const TemporaryDirectory place;
+TEST_F(WaveFileTest, AbandonedFilesLeaveNothing) {
   const std::string name = place.Write("a.wav", "alt");
   {
     auto wave = WaveFile::Create(name, AudioCdFormat());
@@ -163,7 +163,7 @@ TEST(WaveLayoutTest, SurvivesEveryDamage) {
   }
 }
 
-TEST(WaveFileTest, ReadsInPortionsAndAgain) {
+TEST_F(WaveFileTest, ReadsInPortionsAndAgain) {
   auto wave = WaveFile::Read(InputFile::FromBytes(Wave16({1, 2, 3})));
   ASSERT_THAT(wave, IsOk());
   Bytes buffer(4);
@@ -178,8 +178,7 @@ TEST(WaveFileTest, ReadsInPortionsAndAgain) {
   EXPECT_THAT(wave->Write(kFour), FailsWith(Outcome::WriteFailed));
 }
 
-TEST(WaveFileTest, EditsSamplesInPlaceAndShowsThemWhenClosed) {
-  const TemporaryDirectory place;
+TEST_F(WaveFileTest, EditsSamplesInPlaceAndShowsThemWhenClosed) {
   const std::string name = place.Write("a.wav", AsText(Wave16({1, 2, 3})));
   {
     auto wave = WaveFile::Edit(name);
@@ -206,8 +205,7 @@ TEST(WaveFileTest, EditsSamplesInPlaceAndShowsThemWhenClosed) {
   EXPECT_EQ(Listing(place.Path()), "a.wav b.wav");
 }
 
-TEST(WaveFileTest, NoticesAFileThatShrinks) {
-  const TemporaryDirectory place;
+TEST_F(WaveFileTest, NoticesAFileThatShrinks) {
   const std::string name = place.Write("a.wav", AsText(Wave16({1, 2, 3, 4})));
   auto wave = WaveFile::Open(name);
   ASSERT_THAT(wave, IsOk());

@@ -1,7 +1,6 @@
 #include "batch/arguments.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "batch/captured_console.h"
 #include "batch/texts.h"

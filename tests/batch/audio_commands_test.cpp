@@ -1,6 +1,5 @@
 // "attributes" and "interfaces" from end to end.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <nlohmann/json.hpp>

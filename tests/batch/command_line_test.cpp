@@ -1,7 +1,6 @@
 #include "batch/command_line.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace ts5::batch {
 namespace {

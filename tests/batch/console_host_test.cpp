@@ -1,7 +1,6 @@
 #include "batch/console_host.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,5 @@
 // Discs through the program itself: processes that are killed while a disc is written.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <filesystem>

@@ -1,7 +1,6 @@
 // Layouts through the program: PDF files that are there already, fields that are filled, printers that are
 // fitted.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,5 @@
 // The program from end to end, on real files.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <filesystem>

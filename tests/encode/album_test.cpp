@@ -1,6 +1,5 @@
 // Whole runs: names made of attributes, ReplayGain, what sources say, and files of all shapes there and back.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "audio/encode/compressor.h"
 #include "audio/encode/decompressor.h"

@@ -3,7 +3,6 @@
 #include "audio/encode/encode.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>

@@ -44,8 +44,11 @@ Listed List(const std::string& directory, const AudioCdQuery& audioCd = {},
   return listed;
 }
 
-TEST(DirectoryListing, ListsTypeByTypeAndEachByName) {
+struct DirectoryListingTest : testing::Test {
   const test::TemporaryDirectory directory;
+};
+
+TEST_F(DirectoryListingTest, ListsTypeByTypeAndEachByName) {
   for (const char* name :
        {"b.ape", "Zug.MID", "alt.mid", "Ärger.mid", "b.rmi", "x.ASF", "y.wav", "z.stv", ".mid", "a.stvx",
         "notes.txt", "readme", "b.mid.bak", "sub.mid/c.mid", "old.mpga"}) {
@@ -61,7 +64,7 @@ TEST(DirectoryListing, ListsTypeByTypeAndEachByName) {
   EXPECT_EQ(listed.items[5].type, FileTypeId::Midi);
 }
 
-TEST(DirectoryListing, ListsTheTracksOfAnAudioCd) {
+TEST_F(DirectoryListingTest, ListsTheTracksOfAnAudioCd) {
   const Listed listed = List("/dev/sr0", [](const std::string& directory) {
     EXPECT_EQ(directory, "/dev/sr0");
     return AudioCd{{"PLEXTOR", "PX-1"}, {{1, 185}, {12, 60}}};
@@ -72,8 +75,7 @@ TEST(DirectoryListing, ListsTheTracksOfAnAudioCd) {
                   DirectoryItem{"Track 12", FileTypeId::CdTrack, true, 60, "PLEXTOR PX-1\\Track 12"}));
 }
 
-TEST(DirectoryListing, SaysWhatCannotBeListed) {
-  const test::TemporaryDirectory directory;
+TEST_F(DirectoryListingTest, SaysWhatCannotBeListed) {
   EXPECT_THAT(List(directory.File("missing")).end.outcome, test::FailsWith(Outcome::SourceFailed));
   EXPECT_THAT(List(directory.Write("a.mid", "x")).end.outcome, test::FailsWith(Outcome::SourceFailed));
   EXPECT_THAT(List(directory.Path(), [](const auto&) { return std::nullopt; }).Names(), ElementsAre("a.mid"));
@@ -99,8 +101,7 @@ TEST(DirectoryListing, SaysWhatCannotBeListed) {
   }
 }
 
-TEST(DirectoryListing, StopsWhenAsked) {
-  const test::TemporaryDirectory directory;
+TEST_F(DirectoryListingTest, StopsWhenAsked) {
   directory.Write("a.mid", "x");
   std::stop_source stop;
   stop.request_stop();
@@ -109,8 +110,7 @@ TEST(DirectoryListing, StopsWhenAsked) {
   EXPECT_THAT(listed.items, IsEmpty());
 }
 
-TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
-  const test::TemporaryDirectory directory;
+TEST_F(DirectoryListingTest, LargeDirectoriesComeInBatches) {
   constexpr int kFiles = 20000;
   const std::string first = directory.Write("00000.mid", "");
   for (int i = 1; i < kFiles; ++i) {
@@ -122,8 +122,7 @@ TEST(DirectoryListing, LargeDirectoriesComeInBatches) {
   EXPECT_TRUE(std::ranges::is_sorted(listed.items, {}, &DirectoryItem::name));
 }
 
-TEST(DirectoryListing, ATreeComesDirectoryByDirectory) {
-  const test::TemporaryDirectory directory;
+TEST_F(DirectoryListingTest, ATreeComesDirectoryByDirectory) {
   for (const char* name : {"z.mid", "Chor/b.mid", "Chor/Alt/a.mid", "Band/x.wav", "Band/x.mid",
                            "Leer/notes.txt", ".versteckt/h.mid"})
     directory.Write(name, "x");

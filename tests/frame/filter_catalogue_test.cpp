@@ -31,8 +31,8 @@ TEST(FilterCatalogue, FindsFiltersByAnyOfTheirNames) {
   EXPECT_EQ(FindFilter("MIDI-KONVERTER"), FilterId::MidiConverter);
   EXPECT_EQ(FindFilter("0"), FilterId::ScoreToMidi);
   EXPECT_EQ(FindFilter("16"), FilterId::XmlConverter);
-  for (const char* wrong : {"", "17", "-1", "5x", "Midi"})
-    EXPECT_EQ(FindFilter(wrong), FilterId::None) << wrong;
+  EXPECT_EQ(FindFilter(std::to_string(kFilterCount)), FilterId::None);
+  for (const char* wrong : {"", "-1", "5x", "Midi"}) EXPECT_EQ(FindFilter(wrong), FilterId::None) << wrong;
 }
 
 TEST(FilterCatalogue, SaveTypesAreThoseOfTheFilterUnlessItsTargetHasOthers) {

@@ -18,6 +18,7 @@
 namespace ts5 {
 namespace {
 
+using namespace std::string_literals;
 using test::CopyModule;
 using test::CopyParameters;
 using test::FailsWith;
@@ -195,9 +196,8 @@ TEST(JobStore, FlagsAndWindows) {
   EXPECT_FALSE(Loaded({{"SourceMediumFileWinMax", "1"}}).fileWindowMaximised) << "list mode only";
   EXPECT_EQ(Loaded({{"Filterstatus", "1 2 3"}}).filterStatus, NewFilterStatus());
   EXPECT_EQ(Loaded({{"SizingRect", "1 2 3"}}).sizing, SizingRectangle{});
-  for (const char* const filter : {"17", "-2", "x", "5000000000"}) {
+  for (const std::string& filter : {std::to_string(kFilterCount), "-2"s, "x"s, "5000000000"s})
     EXPECT_EQ(Loaded({{"Filter", filter}}).filter, FilterId::None);
-  }
 }
 
 TEST(JobStore, OnlyTheCurrentFiltersValuesAreWritten) {

@@ -33,9 +33,12 @@ std::vector<std::int32_t> Codes(const RunResult& result) {
   return codes;
 }
 
-TEST(RunItems, CountsAndNamesEachKindOfFailureOnce) {
+struct RunItemsTest : testing::Test {
   const TemporaryDirectory place;
   const FilterModule module = CopyModule();
+};
+
+TEST_F(RunItemsTest, CountsAndNamesEachKindOfFailureOnce) {
   const std::string tooLong = place.File(std::string(300, 'x') + ".mid");
   const Job job =
       ListJob({place.Write("a.mid", "ok"), place.Write("b.mid", "wrong format"), place.File("missing.mid"),
@@ -64,14 +67,12 @@ TEST(RunItems, CountsAndNamesEachKindOfFailureOnce) {
   EXPECT_EQ(test::Content(place.File("a.out")), "ok copied");
 }
 
-TEST(RunItems, NothingToSayIsKeine) {
-  const TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, NothingToSayIsKeine) {
   EXPECT_EQ(RemarksText(RunJob(ListJob({place.Write("a.mid", "ok")}, module), module)), "keine");
   EXPECT_EQ(RunJob(ListJob({}, module), module).counts[1], 0U);
 }
 
-TEST(RunItems, RemarksStayBelowTheirLimit) {
+TEST_F(RunItemsTest, RemarksStayBelowTheirLimit) {
   RunResult result;
   for (int i = 0; i < 300; ++i) result.remarks.push_back("Zeile " + std::to_string(i) + std::string(90, 'x'));
   const std::string text = RemarksText(result);
@@ -82,9 +83,7 @@ TEST(RunItems, RemarksStayBelowTheirLimit) {
   EXPECT_EQ(RemarksText(result), std::string(9999, 'a'));
 }
 
-TEST(RunItems, UnusableTargetsAreCountedAndTheRunGoesOn) {
-  const TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, UnusableTargetsAreCountedAndTheRunGoesOn) {
   place.Write("b.out/inside", "");
   const Job job = ListJob({place.Write("b.mid", "ok"), place.Write("c.mid", "ok")}, module);
   EXPECT_THAT(Codes(RunJob(job, module)), ElementsAre(-200, 0));
@@ -95,7 +94,7 @@ TEST(RunItems, UnusableTargetsAreCountedAndTheRunGoesOn) {
 }
 
 // Whatever the settings, the source is there afterwards or was replaced because the user said so.
-TEST(RunItems, SourceThatIsItsOwnTarget) {
+TEST_F(RunItemsTest, SourceThatIsItsOwnTarget) {
   struct Case {
     bool kept;
     bool suffix;
@@ -131,9 +130,7 @@ TEST(RunItems, SourceThatIsItsOwnTarget) {
   }
 }
 
-TEST(RunItems, LinkedSourceIsNeverLost) {
-  const TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, LinkedSourceIsNeverLost) {
   place.Write("song.mid", "ok");
   std::filesystem::create_symlink(place.File("song.mid"), place.File("song.out"));
   std::filesystem::create_directory_symlink(place.Path(), place.File("alias"));
@@ -148,7 +145,7 @@ TEST(RunItems, LinkedSourceIsNeverLost) {
   EXPECT_EQ(test::Content(place.File("song.mid")), "ok");
 }
 
-TEST(RunItems, ChosenNameIsAskedAboutWhenItExists) {
+TEST_F(RunItemsTest, ChosenNameIsAskedAboutWhenItExists) {
   for (const auto& [answer, content, code] :
        {std::tuple(Answer::Yes, "ok copied", 0), std::tuple(Answer::No, "old", -5)}) {
     const TemporaryDirectory place;
@@ -181,7 +178,7 @@ FilterModule Module(const ItemFilter& filter, unsigned workers) {
   return module;
 }
 
-TEST(RunItems, AnExceptionSpoilsItsOwnItemOnly) {
+TEST_F(RunItemsTest, AnExceptionSpoilsItsOwnItemOnly) {
   for (const unsigned workers : {1U, 3U}) {
     const TemporaryDirectory place;
     const auto throws = [](const std::string& source, std::string_view name) {
@@ -211,8 +208,7 @@ TEST(RunItems, AnExceptionSpoilsItsOwnItemOnly) {
   }
 }
 
-TEST(RunItems, SuccessIsAFileOrSaysThatNothingChanged) {
-  const TemporaryDirectory place;
+TEST_F(RunItemsTest, SuccessIsAFileOrSaysThatNothingChanged) {
   const FilterModule module = Module({.convert =
                                           [](ItemWork& work) {
                                             if (work.source.ends_with("path.mid"))
@@ -231,8 +227,7 @@ TEST(RunItems, SuccessIsAFileOrSaysThatNothingChanged) {
   EXPECT_EQ(test::Listing(place.Path()), "nothing.mid path.mid path.out same.mid");
 }
 
-TEST(RunItems, AFailureMayKeepItsTarget) {
-  const TemporaryDirectory place;
+TEST_F(RunItemsTest, AFailureMayKeepItsTarget) {
   const FilterModule module = Module({.convert =
                                           [](ItemWork& work) {
                                             work.keepTarget = work.source.ends_with("kept.mid");
@@ -247,11 +242,10 @@ TEST(RunItems, AFailureMayKeepItsTarget) {
   EXPECT_EQ(test::Listing(place.Path()), "kept.mid kept.out lost.mid");
 }
 
-TEST(RunItems, WhatTheCheckReadIsConverted) {
+TEST_F(RunItemsTest, WhatTheCheckReadIsConverted) {
   struct Text : PreparedItem {
     std::string text;
   };
-  const TemporaryDirectory place;
   const FilterModule module = Module(
       {.prepare = [](const std::string& source) -> Result<std::unique_ptr<PreparedItem>> {
          auto text = test::ReadText(source);
@@ -316,7 +310,7 @@ TEST(OrderedPool, WhateverThrowsEndsItAndComesOut) {
 
 // --- reasons
 
-TEST(RunItems, FailuresSayWhatTheSystemSaid) {
+TEST_F(RunItemsTest, FailuresSayWhatTheSystemSaid) {
   for (const unsigned workers : {1U, 3U}) {
     const TemporaryDirectory place;
     const FilterModule module = CopyModule(FilterId::MidiConverter, workers);
@@ -399,7 +393,7 @@ std::map<std::string, std::string> AllFiles(const std::string& directory) {
   return files;
 }
 
-TEST(RunItems, ParallelGivesWhatOneAfterTheOtherGives) {
+TEST_F(RunItemsTest, ParallelGivesWhatOneAfterTheOtherGives) {
   std::mt19937 random(20261124);
   const auto pick = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
   const char* const contents[] = {"ok", "ok", "slow", "slow", "wrong format", "read error", "flags", "throw"};
@@ -476,8 +470,7 @@ TEST(RunItems, ParallelGivesWhatOneAfterTheOtherGives) {
   EXPECT_GT(elsewhere, 50);
 }
 
-TEST(RunItems, IndependentItemsReallyOverlap) {
-  const TemporaryDirectory place;
+TEST_F(RunItemsTest, IndependentItemsReallyOverlap) {
   FilterModule module = CopyModule(FilterId::MidiConverter, 4);
   std::atomic<int> inside = 0;
   module.run = [&inside](ts5::Run& run) {
@@ -503,7 +496,7 @@ TEST(RunItems, IndependentItemsReallyOverlap) {
 
 // --- stops and questions
 
-TEST(RunItems, StopEndsTheRunAndLeavesNothingHalf) {
+TEST_F(RunItemsTest, StopEndsTheRunAndLeavesNothingHalf) {
   for (const unsigned workers : {1U, 3U}) {
     const TemporaryDirectory place;
     const FilterModule module = CopyModule(FilterId::MidiConverter, workers);
@@ -529,9 +522,7 @@ TEST(RunItems, StopEndsTheRunAndLeavesNothingHalf) {
   }
 }
 
-TEST(RunItems, StopEndsAnOpenQuestion) {
-  const TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, StopEndsAnOpenQuestion) {
   const Job job = ListJob({place.Write("a.mid", "ok")}, module);
   place.Write("a.out", "old");
   const auto host = std::make_shared<RecordingHost>();
@@ -550,8 +541,7 @@ TEST(RunItems, StopEndsAnOpenQuestion) {
   EXPECT_EQ(test::Content(place.File("a.out")), "old");
 }
 
-TEST(RunItems, RefusalAbandonsWhatIsAlreadyAtWork) {
-  const TemporaryDirectory place;
+TEST_F(RunItemsTest, RefusalAbandonsWhatIsAlreadyAtWork) {
   const FilterModule module = CopyModule(FilterId::MidiConverter, 3);
   const Job job = ListJob(
       {place.Write("a.mid", "ok"), place.Write("b.mid", "block"), place.Write("c.mid", "ok")}, module);
@@ -562,9 +552,7 @@ TEST(RunItems, RefusalAbandonsWhatIsAlreadyAtWork) {
   EXPECT_EQ(test::Listing(place.Path()), "a.mid a.out b.mid c.mid");
 }
 
-TEST(RunItems, QuestionWhoseWindowGoesAwayIsCancelled) {
-  const TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, QuestionWhoseWindowGoesAwayIsCancelled) {
   const Job job = ListJob({place.Write("a.mid", "ok")}, module);
   place.Write("a.out", "old");
   const auto host = std::make_shared<RecordingHost>();
@@ -610,9 +598,7 @@ TEST(Run, ProgressIsOrderedThinnedOutAndComplete) {
   EXPECT_EQ(host->results.size(), 1U);
 }
 
-TEST(RunItems, SubdirectoriesAreFoundAgainInTheTarget) {
-  const test::TemporaryDirectory place;
-  const FilterModule module = CopyModule();
+TEST_F(RunItemsTest, SubdirectoriesAreFoundAgainInTheTarget) {
   Job job = ListJob({}, module);
   job.sourceDrive = 0;
   job.subdirectories = true;

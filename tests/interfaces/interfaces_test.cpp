@@ -1,6 +1,5 @@
 // Encoders of the command line: their definitions file, their arguments, and running them, the bad ones most.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
 

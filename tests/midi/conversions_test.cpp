@@ -1,6 +1,5 @@
 // Format and time base by hand-made bytes.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>

@@ -1,6 +1,5 @@
 // The converter as a filter of the frame: whole runs over files.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "frame/run_support.h"
 #include "midi/midi_converter.h"

@@ -1,7 +1,6 @@
 // Files that were cut, patched or made to hurt: every road through the room ends with a result or a code that
 // belongs to it, in time and in memory that has to do with the file.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <set>
 #include <string>

@@ -1,6 +1,5 @@
 // Practising with MIDI files: what a device gets, and when.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <vector>

@@ -1,6 +1,5 @@
 // Real files against what two other readers found in them, and through every option set of the converter.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>

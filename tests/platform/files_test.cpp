@@ -50,8 +50,11 @@ TEST(Files, ReadWhole) {
   }
 }
 
-TEST(StagedFile, ComesIntoBeingWholeOrNotAtAll) {
+struct StagedFileTest : testing::Test {
   const TemporaryDirectory directory;
+};
+
+TEST_F(StagedFileTest, ComesIntoBeingWholeOrNotAtAll) {
   const std::string target = directory.Write("a.mid", "old");
   {
     auto file = StagedFile::Create(target);
@@ -74,8 +77,7 @@ TEST(StagedFile, ComesIntoBeingWholeOrNotAtAll) {
   EXPECT_THAT(moved.Write(AsBytes("x")), FailsWith(Outcome::WriteFailed)) << "it is committed";
 }
 
-TEST(StagedFile, AFailedWriteIsNeverCommitted) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, AFailedWriteIsNeverCommitted) {
   const std::string target = directory.Write("a", "old");
   auto file = StagedFile::Create(target);
   ASSERT_THAT(file, IsOk());
@@ -85,8 +87,7 @@ TEST(StagedFile, AFailedWriteIsNeverCommitted) {
   EXPECT_EQ(Content(target), "old");
 }
 
-TEST(StagedFile, KeepsPermissionsAndLinks) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, KeepsPermissionsAndLinks) {
   const std::string target = directory.Write("sub/a", "old");
   fs::permissions(target, fs::perms(0640));
   fs::create_symlink("sub/a", directory.File("link"));
@@ -109,8 +110,7 @@ TEST(StagedFile, KeepsPermissionsAndLinks) {
   EXPECT_EQ(ModeOf(directory.File("fresh")), 0640U);
 }
 
-TEST(StagedFile, RefusesWhatIsNoFileOfTheUser) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, RefusesWhatIsNoFileOfTheUser) {
   const std::string file = directory.Write("file", "x");
   const std::string guarded = directory.Write("guarded", "x");
   fs::permissions(guarded, fs::perms(0444));
@@ -123,8 +123,7 @@ TEST(StagedFile, RefusesWhatIsNoFileOfTheUser) {
   EXPECT_EQ(Listing(directory.Path()), "file guarded");
 }
 
-TEST(StagedFile, CommitAsSettlesTheNameLate) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, CommitAsSettlesTheNameLate) {
   auto file = StagedFile::Create(directory.File("a"));
   ASSERT_THAT(file, IsOk());
   EXPECT_THAT(file->Write(AsBytes("x")), IsOk());
@@ -136,8 +135,7 @@ TEST(StagedFile, CommitAsSettlesTheNameLate) {
   EXPECT_THAT(late->Commit(), FailsWith(Outcome::TargetFailed));
 }
 
-TEST(StagedFile, CommitNewReplacesNothing) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, CommitNewReplacesNothing) {
   directory.Write("file", "old");
   fs::create_symlink(directory.File("nowhere"), directory.File("link"));
   fs::create_directory(directory.File("dir"));
@@ -153,7 +151,7 @@ TEST(StagedFile, CommitNewReplacesNothing) {
 }
 
 // A library or an encoder gets the path; some write into the file, others put one of their own there.
-TEST(StagedFile, WhatOthersWriteThroughThePathIsCommitted) {
+TEST_F(StagedFileTest, WhatOthersWriteThroughThePathIsCommitted) {
   for (const bool replaces : {false, true}) {
     const TemporaryDirectory directory;
     auto file = StagedFile::Create(directory.File("a"));
@@ -165,14 +163,12 @@ TEST(StagedFile, WhatOthersWriteThroughThePathIsCommitted) {
     EXPECT_THAT(file->Commit(), IsOk());
     EXPECT_EQ(Content(directory.File("a")), "written");
   }
-  const TemporaryDirectory directory;
   auto gone = StagedFile::Create(directory.File("a"));
   fs::remove(gone->TemporaryPath());
   EXPECT_THAT(gone->Commit(), FailsWith(Outcome::WriteFailed));
 }
 
-TEST(StagedFile, WhatAKilledProgramLeftIsCleared) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, WhatAKilledProgramLeftIsCleared) {
   directory.Write(".sTS5-0123", "too short");
   directory.Write(".sTS5-0123456789xy", "no number");
   const pid_t child = ::fork();
@@ -193,8 +189,7 @@ TEST(StagedFile, WhatAKilledProgramLeftIsCleared) {
   EXPECT_EQ(ClearAbandonedFiles(directory.File("none")), 0U);
 }
 
-TEST(StagedFile, AFullDiskLeavesTheTargetAsItWas) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, AFullDiskLeavesTheTargetAsItWas) {
   const std::string target = directory.Write("a", "old");
   const Bytes big(1 << 20, 'x');
   EXPECT_EQ(InChild([&] {
@@ -207,8 +202,7 @@ TEST(StagedFile, AFullDiskLeavesTheTargetAsItWas) {
   EXPECT_EQ(Listing(directory.Path()), "a");
 }
 
-TEST(StagedFile, AFullFileSystemLeavesTheTargetAsItWas) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, AFullFileSystemLeavesTheTargetAsItWas) {
   const std::string place = directory.File("small");
   fs::create_directory(place);
   if (::mount("tmpfs", place.c_str(), "tmpfs", 0, "size=64k,nr_inodes=5") != 0) GTEST_SKIP() << "needs mount";
@@ -237,8 +231,7 @@ TEST(StagedFile, AFullFileSystemLeavesTheTargetAsItWas) {
   ::umount(place.c_str());
 }
 
-TEST(StagedFile, WithoutPermissionNothingIsTouched) {
-  const TemporaryDirectory directory;
+TEST_F(StagedFileTest, WithoutPermissionNothingIsTouched) {
   const std::string target = directory.Write("closed/a", "old");
   const std::string foreign = directory.Write("open/b", "old");
   fs::permissions(directory.File("closed"), fs::perms(0755));

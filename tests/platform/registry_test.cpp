@@ -44,7 +44,11 @@ RegistryValues Some(std::string_view title) {
   return values;
 }
 
-TEST(Registry, KeysAreFoundWithoutRegardToCaseAndKeepTheirSpelling) {
+struct RegistryTest : testing::Test {
+  const TemporaryDirectory directory;
+};
+
+TEST_F(RegistryTest, KeysAreFoundWithoutRegardToCaseAndKeepTheirSpelling) {
   Registry registry = InMemory();
   ASSERT_THAT(registry.Write("HKLM\\Software\\Qlw\\Übung", Some("a")), IsOk());
   EXPECT_EQ(*registry.Read("\\hkey_local_machine\\SOFTWARE\\\\qlw\\ÜBUNG\\"), Some("a"));
@@ -57,7 +61,7 @@ TEST(Registry, KeysAreFoundWithoutRegardToCaseAndKeepTheirSpelling) {
   EXPECT_EQ(*registry.Read("hkcu\\software"), RegistryValues{});
 }
 
-TEST(Registry, RootsHaveValuesLikeAnyKey) {
+TEST_F(RegistryTest, RootsHaveValuesLikeAnyKey) {
   Registry registry = InMemory();
   EXPECT_THAT(registry.Write("HKCU", Some("a")), IsOk());
   EXPECT_THAT(registry.Write("HKCU\\b", {}), IsOk());
@@ -65,7 +69,7 @@ TEST(Registry, RootsHaveValuesLikeAnyKey) {
   EXPECT_EQ(*registry.Subkeys("HKCU"), Names{"b"});
 }
 
-TEST(Registry, RefusesWhatIsNoKey) {
+TEST_F(RegistryTest, RefusesWhatIsNoKey) {
   Registry registry = InMemory();
   const std::string deep = [] {
     std::string key = "HKLM";
@@ -82,7 +86,7 @@ TEST(Registry, RefusesWhatIsNoKey) {
   }
 }
 
-TEST(Registry, DeletesTreesAndSingleValues) {
+TEST_F(RegistryTest, DeletesTreesAndSingleValues) {
   Registry registry = InMemory();
   for (const char* name :
        {"Job 0001", "Job 0001\\Liste\\x", "Job 00010", "Job 0001]", "Job 0001 b", "job 0002"}) {
@@ -104,8 +108,7 @@ TEST(Registry, DeletesTreesAndSingleValues) {
   EXPECT_EQ(*registry.Subkeys("HKLM"), Names{});
 }
 
-TEST(Registry, ATransactionIsAllOrNothing) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, ATransactionIsAllOrNothing) {
   const std::string path = directory.File("neu/verzeichnis/registry.sqlite");
   {
     auto registry = Registry::Open(path);
@@ -147,8 +150,7 @@ Outcome SaveGeneration(Registry& registry, int generation) {
   });
 }
 
-TEST(Registry, AKillAtAnyMomentLeavesTheStateBeforeOrAfter) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, AKillAtAnyMomentLeavesTheStateBeforeOrAfter) {
   const std::string path = directory.File("registry.sqlite");
   std::int64_t last = 0;
   for (int round = 0; round < 12; ++round) {
@@ -182,8 +184,7 @@ TEST(Registry, AKillAtAnyMomentLeavesTheStateBeforeOrAfter) {
   }
 }
 
-TEST(Registry, WhatIsNoRegistryIsRefusedAndStaysAsItIs) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, WhatIsNoRegistryIsRefusedAndStaysAsItIs) {
   const std::string path = directory.File("registry.sqlite");
   {
     sqlite3* other = nullptr;
@@ -204,8 +205,7 @@ TEST(Registry, WhatIsNoRegistryIsRefusedAndStaysAsItIs) {
   EXPECT_EQ(Registry::Open(path)->Notice(), "");
 }
 
-TEST(Registry, AtItsOwnPlaceWhatIsNoRegistryMakesRoom) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, AtItsOwnPlaceWhatIsNoRegistryMakesRoom) {
   EXPECT_EQ(test::InChild([&] {
               ::setenv("XDG_CONFIG_HOME", directory.Path().c_str(), 1);
               ::unsetenv("STAVORA_REGISTRY");
@@ -246,8 +246,7 @@ std::map<std::string, RegistryValues> AllJobs(const Registry& registry) {
   return all;
 }
 
-TEST(Registry, OneFlippedBitCostsAtMostOneKey) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, OneFlippedBitCostsAtMostOneKey) {
   const std::string path = directory.File("registry.sqlite");
   const std::string good = StoredGeneration(path);
   const auto before = AllJobs(*Registry::Open(path));
@@ -278,8 +277,7 @@ TEST(Registry, OneFlippedBitCostsAtMostOneKey) {
   EXPECT_EQ(Listing(directory.Path()), "registry.sqlite");
 }
 
-TEST(Registry, ADamagedFileIsMendedAndKept) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, ADamagedFileIsMendedAndKept) {
   const std::string path = directory.File("registry.sqlite");
   const std::string good = StoredGeneration(path);
   const auto before = AllJobs(*Registry::Open(path));
@@ -313,8 +311,7 @@ TEST(Registry, ADamagedFileIsMendedAndKept) {
   }
 }
 
-TEST(Registry, ALookMakesNothing) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, ALookMakesNothing) {
   const std::string path = directory.File("neu/registry.sqlite");
   auto missing = Registry::Open(path, RegistryAccess::ReadOnly);
   ASSERT_THAT(missing, IsOk());
@@ -326,7 +323,7 @@ TEST(Registry, ALookMakesNothing) {
   EXPECT_EQ(*registry->Read(kKey), Some("a"));
 }
 
-TEST(Registry, TakesAllOfAnother) {
+TEST_F(RegistryTest, TakesAllOfAnother) {
   Registry registry = InMemory();
   Registry other = InMemory();
   ASSERT_THAT(registry.Write(kKey, Some("hier")), IsOk());
@@ -341,8 +338,7 @@ TEST(Registry, TakesAllOfAnother) {
   EXPECT_EQ(*registry.Read("HKCU\\Neu"), Some("neu"));
 }
 
-TEST(Registry, ALockedFileFailsAfterABoundedWaitAndLosesNothing) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, ALockedFileFailsAfterABoundedWaitAndLosesNothing) {
   const std::string path = directory.File("registry.sqlite");
   auto registry = Registry::Open(path, RegistryAccess::ReadWrite, 50ms);
   ASSERT_THAT(registry, IsOk());
@@ -365,8 +361,7 @@ TEST(Registry, ALockedFileFailsAfterABoundedWaitAndLosesNothing) {
   EXPECT_THAT(registry->Write(kKey, Some("nachher")), IsOk());
 }
 
-TEST(Registry, PlacesThatCannotHoldOne) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, PlacesThatCannotHoldOne) {
   directory.Write("file", "x");
   for (const std::string& path : {directory.File("file/registry.sqlite"), directory.Path(), std::string(),
                                   std::string("/dev/null/registry.sqlite")}) {
@@ -374,8 +369,7 @@ TEST(Registry, PlacesThatCannotHoldOne) {
   }
 }
 
-TEST(Registry, AFullDiskKeepsTheStateBefore) {
-  const TemporaryDirectory directory;
+TEST_F(RegistryTest, AFullDiskKeepsTheStateBefore) {
   const std::string path = directory.File("registry.sqlite");
   ASSERT_THAT(Registry::Open(path)->Write(kKey, Some("vorher")), IsOk());
   EXPECT_EQ(test::InChild([&] {

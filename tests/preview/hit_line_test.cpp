@@ -2,7 +2,6 @@
 #include "preview/hit_line.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 

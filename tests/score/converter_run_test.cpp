@@ -1,6 +1,5 @@
 // The score-to-MIDI converter as a filter of the frame: whole runs over files.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <csignal>

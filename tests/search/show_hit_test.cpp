@@ -77,10 +77,8 @@ TEST_F(SiblingLinkTest, SilentAndDeadReceivers) {
   const std::vector<SiblingMessage> message = {{1, {1}}};
   {
     const auto silent = SiblingReceiver::Listen("Stavora");
-    const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(SendToSibling("Stavora", message, std::chrono::milliseconds(50)),
                 FailsWith(Outcome::WriteFailed));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
   }
   EXPECT_EQ(test::Listing(directory_.Path()), "");
   (void)directory_.Write("Stavora.sibling", "");  // what a killed program leaves

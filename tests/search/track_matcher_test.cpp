@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <random>
 #include <utility>
 
@@ -378,7 +377,8 @@ TEST(TrackMatcherTest, TheSinkAndTheUserEndTheSearch) {
   EXPECT_EQ(SearchMidiTrack(track, 0, stopped).code, Outcome::Cancelled);
 }
 
-// Dense chords and long silent stretches would make a look ahead from every note quadratic.
+// Dense chords and long silent stretches would make a look ahead from every note quadratic: an hour for
+// these.
 TEST(TrackMatcherTest, HostileTracksTakeLinearTime) {
   TrackBuilder chords;
   for (int i = 0; i < 1'000'000; ++i) chords.Note(0, 60);
@@ -388,9 +388,7 @@ TEST(TrackMatcherTest, HostileTracksTakeLinearTime) {
   for (const Bytes& track : {chords.End(), silence.End()}) {
     for (const RhythmMode rhythm : {RhythmMode::Exact, RhythmMode::Any}) {
       std::vector<PreparedNote> melody(500, PreparedNote{60, 240});
-      const auto start = std::chrono::steady_clock::now();
       EXPECT_EQ(Find(track, {melody, Options(rhythm, PitchMode::Relative)}).code, Outcome::Success);
-      EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
     }
   }
 }

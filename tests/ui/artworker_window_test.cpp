@@ -2,7 +2,6 @@
 #include "artworker/ui/artworker_window.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QCheckBox>

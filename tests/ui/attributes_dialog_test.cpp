@@ -4,12 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QDateTimeEdit>
-#include <QLineEdit>
-#include <QTabWidget>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "audio/audio_properties.h"
 #include "audio/tags/tag_file.h"

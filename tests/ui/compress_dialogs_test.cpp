@@ -1,14 +1,7 @@
 // The windows of the audio compressor: what they offer, what they refuse, and what they give back.
 #include <gtest/gtest.h>
 
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QSlider>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "audio/encode/encoder.h"
 #include "audio/encode/ui/ape_dialog.h"

@@ -1,12 +1,7 @@
 // The dialogs of the audio room, driven as a user would.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QLabel>
-#include <QListWidget>
-#include <QRadioButton>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/normalise_box.h"

@@ -2,13 +2,7 @@
 // boxes, and one sample of every dialog.
 #pragma once
 
-#include <QApplication>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QString>
-#include <QStringList>
-#include <QTimer>
+#include <QtWidgets>
 #include <functional>
 #include <memory>
 #include <vector>

@@ -1,17 +1,8 @@
 // The dialogs, driven as a user would: what is live when, what is refused and why, what OK and Cancel give
 // back.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QRadioButton>
-#include <QTabWidget>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "dialogs_support.h"
 #include "frame/filter_catalogue.h"

@@ -3,14 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QFormLayout>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QProgressBar>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QTabWidget>
 #include <QTest>
 
 #include "dialogs_support.h"

@@ -1,17 +1,6 @@
 // The assistant for encoders of the command line, the manager and the editor, driven as a user would.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFile>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QStackedWidget>
-#include <QTabWidget>
-#include <QTreeWidget>
 
 #include "audio/interfaces/ui/interface_assistant.h"
 #include "audio/interfaces/ui/interface_editor.h"

@@ -1,14 +1,5 @@
 // The windows of the MIDI-to-wave conversion: formats, devices, and the help with the recording sum.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QRadioButton>
-#include <QTimer>
 
 #include "audio/midi_recording.h"
 #include "audio/ui/midi_to_wave_dialog.h"

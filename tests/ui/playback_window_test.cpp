@@ -2,13 +2,7 @@
 #include "frame/ui/playback_window.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QCheckBox>
-#include <QScreen>
-#include <QSlider>
-#include <QSpinBox>
 #include <QTest>
 
 #include "dialogs_support.h"

@@ -2,11 +2,7 @@
 #include "preview/ui/preview_window.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QAbstractItemView>
-#include <QApplication>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 

@@ -1,20 +1,8 @@
 // The windows of the score room: what the user does on their pages reaches the parameters and the score that
 // plays.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QFileDialog>
-#include <QListWidget>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QRadioButton>
-#include <QSlider>
-#include <QSpinBox>
-#include <QTabWidget>
 #include <QTest>
-#include <QTreeWidget>
 
 #include "converters/transcribe/ui/midi_to_score_dialog.h"
 #include "dialogs_support.h"

@@ -1,25 +1,9 @@
 // The dialogs of the melody search: the note editor with all its keys and buttons, the options and what binds
 // them, stored melodies, the viewer and printing.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <QAbstractScrollArea>
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QFileDialog>
-#include <QHeaderView>
-#include <QLineEdit>
-#include <QPointer>
 #include <QPrintPreviewWidget>
-#include <QRadioButton>
-#include <QSlider>
-#include <QSpinBox>
-#include <QTabWidget>
 #include <QTest>
-#include <QToolButton>
-#include <QTreeView>
 #include <atomic>
 
 #include "dialogs_support.h"

@@ -2,18 +2,6 @@
 // printed, written to a file and shown in another program.
 #include <gmock/gmock.h>
 
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QContextMenuEvent>
-#include <QFileDialog>
-#include <QHelpEvent>
-#include <QLineEdit>
-#include <QMenu>
-#include <QRadioButton>
-#include <QTabWidget>
-#include <QToolButton>
-#include <QToolTip>
 #include <atomic>
 #include <thread>
 

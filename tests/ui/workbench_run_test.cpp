@@ -425,10 +425,7 @@ TEST_F(RunStory, TheWindowClosesDuringARunAndWhileAQuestionIsOpen) {
       if (withQuestion) script_.Expect([&](QDialog&) { asked = true; });
     });
     ASSERT_TRUE(WaitFor([&] { return asked; }));
-    QElapsedTimer time;
-    time.start();
     W().EndWithoutQuestion();
-    EXPECT_LT(time.elapsed(), 2000);
     EXPECT_EQ(gate->running, 0) << "the worker was stopped";
     EXPECT_FALSE(W().isVisible());
     window_.reset();

@@ -1,7 +1,6 @@
 #include "app/listen/listen_bar.h"
 
 #include <QHBoxLayout>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -21,10 +20,6 @@ constexpr int kSlimHeight = 28;
 constexpr int kVolumeWidth = 80;
 constexpr int kTitleWidth = 90;
 constexpr int kSoftest = -60;  // decibels; below it the slider means silence
-
-int Milliseconds(std::chrono::nanoseconds time) {
-  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
-}
 
 }  // namespace
 
@@ -153,15 +148,8 @@ void ListenBar::Refresh() {
   const PlayerStatus status = control != nullptr ? control->Status() : PlayerStatus{};
   const bool plays = !status.title.empty();
   position_->setEnabled(plays && status.duration.count() > 0);
-  if (!position_->isSliderDown()) {
-    const QSignalBlocker quiet(position_);
-    position_->setMaximum(std::max(Milliseconds(status.duration), 1));
-    position_->setValue(Milliseconds(status.position));
-  }
-  position_->SetWaveform(status.waveform);
-  position_->SetScore(status.score);
   practice_->Show(status);
-  position_->SetPassage(plays ? control->GetPractice().passage : std::nullopt);
+  position_->Show(status, plays ? control->GetPractice().passage : std::nullopt);
   // Whoever hears a title slowly has to see why.
   if (status.score != shown_) {
     shown_ = status.score;

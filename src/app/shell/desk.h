@@ -25,8 +25,8 @@ class Desk : public QObject, public DialogHost, public JobDialogs {
   ~Desk() override;
 
   [[nodiscard]] CommandActions& Actions() { return *actions_; }
-  // What owns the dialogs.
-  [[nodiscard]] QMainWindow* Window() const { return window_; }
+  // The parent for dialogs, and nothing more: commands ask the window for nothing.
+  [[nodiscard]] QWidget* Window() const { return window_; }
   // Dialogs that come of themselves.
   [[nodiscard]] DialogQueue& Queue() { return queue_; }
 

@@ -1,13 +1,11 @@
 #include "audio/encode/compressor.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -24,6 +22,7 @@
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
+#include "platform/files/file_mark.h"
 #include "platform/files/paths.h"
 
 namespace ts5 {
@@ -36,11 +35,7 @@ constexpr Remark kOwnRemarks[] = {
 };
 
 std::span<const Remark> AllRemarks() {
-  static const std::vector<Remark> remarks = [] {
-    std::vector<Remark> all(std::begin(kOwnRemarks), std::end(kOwnRemarks));
-    all.insert(all.end(), AudioRemarks().begin(), AudioRemarks().end());
-    return all;
-  }();
+  static const std::vector<Remark> remarks = BeforeAudioRemarks(kOwnRemarks);
   return remarks;
 }
 
@@ -50,9 +45,8 @@ WorkWatch PartOf(ItemWork& work, double from, double to) {
 }
 
 std::uint64_t SizeOf(const std::string& path) {
-  std::error_code none;
-  const std::uintmax_t size = std::filesystem::file_size(path, none);
-  return none ? 0 : size;
+  const auto mark = MarkOf(path);
+  return mark ? mark->size : 0;
 }
 
 // The source as its check has opened it.

@@ -2,11 +2,11 @@
 
 #include <chrono>
 #include <cmath>
-#include <filesystem>
 
 #include "audio/interfaces/command_line.h"
 #include "platform/files/input_file.h"
 #include "platform/files/paths.h"
+#include "platform/files/remove_tree.h"
 #include "platform/programs/process.h"
 
 namespace ts5 {
@@ -39,8 +39,7 @@ std::optional<int> WaitFor(Process& process, double duration, const WorkWatch& w
 Result<bool> TakeOver(const std::string& made, StagedFile& target) {
   if (IsDirectory(made)) {
     // An encoder that makes a directory of the name leaves no rubbish either.
-    std::error_code ignored;
-    std::filesystem::remove_all(made, ignored);
+    RemoveTree(made);
     return false;
   }
   const auto file = InputFile::Open(made);

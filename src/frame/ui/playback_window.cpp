@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
-#include <QSignalBlocker>
 
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
@@ -28,10 +27,6 @@ struct StepButton {
   std::string_view icon;
   PlayerStep step;
 };
-
-int Milliseconds(std::chrono::nanoseconds time) {
-  return static_cast<int>(std::chrono::duration_cast<milliseconds>(time).count());
-}
 
 }  // namespace
 
@@ -139,15 +134,8 @@ void PlaybackWindow::Refresh() {
   if (Has(subject_.filter, kPlaysSamples)) meter_->Advance(subject_.run->player.Levels());
   const RunState state = subject_.run->state;
   const PlayerStatus status = subject_.run->player.Status();
-  if (!position_->isSliderDown()) {
-    const QSignalBlocker quiet(position_);
-    position_->setMaximum(std::max(Milliseconds(status.duration), 1));
-    position_->setValue(Milliseconds(status.position));
-  }
-  position_->SetWaveform(status.waveform);
-  position_->SetScore(status.score);
   practice_->Show(status);
-  position_->SetPassage(status.title.empty() ? std::nullopt : subject_.run->player.GetPractice().passage);
+  position_->Show(status, status.title.empty() ? std::nullopt : subject_.run->player.GetPractice().passage);
   const bool active = !MayChangeJob(state);
   ui_->playButton->setText(QtText(active && !status.paused ? texts::RunButtonPause : texts::RunButtonPlay));
   for (QAbstractButton* button :

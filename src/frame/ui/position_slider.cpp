@@ -2,8 +2,10 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QSignalBlocker>
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "frame/playback_form.h"
 #include "frame/texts.h"
@@ -22,6 +24,10 @@ constexpr std::array kStepKeys{
 
 constexpr double kLeastBarWidth = 4;  // pixels
 constexpr float kSoftest = 0.001F;    // what is below all the time looks like silence
+
+int Milliseconds(std::chrono::nanoseconds time) {
+  return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+}
 
 }  // namespace
 
@@ -45,7 +51,14 @@ void PositionSlider::SetScore(std::shared_ptr<const PlayerScore> score) {
   update();
 }
 
-void PositionSlider::SetPassage(const std::optional<PracticePassage>& passage) {
+void PositionSlider::Show(const PlayerStatus& status, const std::optional<PracticePassage>& passage) {
+  if (!isSliderDown()) {
+    const QSignalBlocker quiet(this);
+    setMaximum(std::max(Milliseconds(status.duration), 1));
+    setValue(Milliseconds(status.position));
+  }
+  SetWaveform(status.waveform);
+  SetScore(status.score);
   if (passage == passage_) return;
   passage_ = passage;
   update();

@@ -16,11 +16,8 @@ class PositionSlider : public QSlider {
 
  public:
   explicit PositionSlider(QWidget* parent = nullptr);
-  void SetWaveform(std::shared_ptr<const Waveform> waveform);
-  // Music made of notes has bars in place of an outline.
-  void SetScore(std::shared_ptr<const PlayerScore> score);
-  // What is played over and over.
-  void SetPassage(const std::optional<PracticePassage>& passage);
+  // What plays and where; the handle stays with whoever holds it. passage: what is played over and over.
+  void Show(const PlayerStatus& status, const std::optional<PracticePassage>& passage);
 
  signals:
   void Stepped(int milliseconds);
@@ -31,6 +28,9 @@ class PositionSlider : public QSlider {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  void SetWaveform(std::shared_ptr<const Waveform> waveform);
+  // Music made of notes has bars in place of an outline.
+  void SetScore(std::shared_ptr<const PlayerScore> score);
   void DrawOutline();
   void DrawBars(QPainter& painter) const;
   [[nodiscard]] double PlaceOf(std::chrono::nanoseconds time) const;  // pixels

@@ -1,8 +1,5 @@
 #include "platform/base/strings.h"
 
-#include <algorithm>
-#include <vector>
-
 namespace ts5 {
 
 // A switch, because it takes a table of any length and the compiler refuses a number that stands twice.
@@ -20,19 +17,6 @@ std::optional<std::string_view> TextByNumber(int number) {
 
 std::string_view Text(TextId id) {
   return TextByNumber(static_cast<int>(id)).value_or(std::string_view{});
-}
-
-std::span<const TextRow> AllTexts() {
-  static const std::vector<TextRow> rows = [] {
-    std::vector<TextRow> all{
-#define TEXT(name, number, text) TextRow{TextId{number}, text},
-#include "resources/strings/all.def"
-#undef TEXT
-    };
-    std::ranges::sort(all, {}, &TextRow::id);
-    return all;
-  }();
-  return rows;
 }
 
 }  // namespace ts5

@@ -11,7 +11,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string_view>
 
 namespace ts5 {
@@ -23,12 +22,5 @@ enum class TextId : std::uint16_t {};
 [[nodiscard]] std::string_view Text(TextId id);
 // The text with that number, for commands whose hint has their number.
 [[nodiscard]] std::optional<std::string_view> TextByNumber(int number);
-
-struct TextRow {
-  TextId id;
-  std::string_view text;
-};
-// The whole table in order of number, for the tests.
-[[nodiscard]] std::span<const TextRow> AllTexts();
 
 }  // namespace ts5

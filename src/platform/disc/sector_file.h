@@ -23,14 +23,8 @@ class SectorFile {
     return file_ ? Outcome::Success : Outcome::TargetFailed;
   }
   Outcome Write(Lba address, ByteView data) {
-    auto offset = static_cast<std::uint64_t>(address.value + kPregapSectors) * kAudioSectorBytes;
-    while (!data.empty()) {
-      const ssize_t written = Disk().Write(file_.Get(), data, offset);
-      if (written <= 0) return Outcome::WriteFailed;
-      data = data.subspan(static_cast<std::size_t>(written));
-      offset += static_cast<std::uint64_t>(written);
-    }
-    return Outcome::Success;
+    const auto sector = static_cast<std::uint64_t>(address.value + kPregapSectors);
+    return WriteAll(file_.Get(), sector * kAudioSectorBytes, data);
   }
   Outcome Flush() {
     return !file_ || ::fdatasync(file_.Get()) == 0 ? Outcome::Success : Outcome::WriteFailed;

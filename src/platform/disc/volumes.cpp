@@ -82,22 +82,13 @@ bool HoldsPath(std::string_view directory, std::string_view path) {
   return directory.back() == '/' || path.size() == directory.size() || path[directory.size()] == '/';
 }
 
-}  // namespace
-
+// kNoDrive when it is none of c to z, in either case.
 int DriveOfLetter(char letter) {
   if (letter >= 'C' && letter <= 'Z') return letter - 'C';
   return letter >= 'c' && letter <= 'z' ? letter - 'c' : kNoDrive;
 }
 
-int DriveOfText(std::string_view text) {
-  text = Trim(text);
-  if (text.size() >= 4 && text.ends_with(":)") && text[text.size() - 4] == '(') {
-    return DriveOfLetter(text[text.size() - 3]);
-  }
-  const bool letter =
-      text.size() >= 2 && text[1] == ':' && (text.size() == 2 || text[2] == '\\' || text[2] == '/');
-  return letter ? DriveOfLetter(text[0]) : kNoDrive;
-}
+}  // namespace
 
 VolumeTable VolumeTable::Of(std::string_view home, std::string_view mountInfo,
                             const std::vector<std::string>& opticalDevices) {

@@ -24,10 +24,6 @@ inline constexpr int kMaxDrives = 24;  // c: to z:
 [[nodiscard]] constexpr char LetterOfDrive(int index) {
   return static_cast<char>('c' + index);
 }
-// Of a letter in either case; kNoDrive when it is none of c to z.
-[[nodiscard]] int DriveOfLetter(char letter);
-// Of a text such as "Persönlicher Ordner (c:)", "c:" or "C:\Musik"; kNoDrive when it names no drive.
-[[nodiscard]] int DriveOfText(std::string_view text);
 
 struct Volume {
   enum class Kind : unsigned char { Home, Root, Medium, Optical };

@@ -103,6 +103,16 @@ DiskCalls& Disk() {
   return current != nullptr ? *current : TheSystem();
 }
 
+Outcome WriteAll(int file, std::uint64_t offset, ByteView bytes) {
+  while (!bytes.empty()) {
+    const ssize_t put = Disk().Write(file, bytes, offset);
+    if (put <= 0) return Outcome::WriteFailed;
+    bytes = bytes.subspan(static_cast<std::size_t>(put));
+    offset += static_cast<std::uint64_t>(put);
+  }
+  return Outcome::Success;
+}
+
 OtherDiskCalls::OtherDiskCalls(DiskCalls& calls) {
   Current() = &calls;
 }

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "platform/base/bytes.h"
+#include "platform/base/outcome.h"
 
 namespace ts5 {
 
@@ -45,6 +46,9 @@ class DiskCalls {
 
 // The calls of this process: the system's, unless there are others in their place.
 [[nodiscard]] DiskCalls& Disk();
+
+// All of the bytes into an open file, from an offset on. WriteFailed: errno says why.
+[[nodiscard]] Outcome WriteAll(int file, std::uint64_t offset, ByteView bytes);
 
 // Puts others in their place for as long as it lives. For tests; no file may be at work when it begins or
 // ends.

@@ -25,6 +25,17 @@ bool SameInode(const struct stat& a, const struct stat& b) {
   return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+Result<FileDescriptor> OpenRegular(const std::string& path, struct stat& status) {
+  if (!Reachable(path)) return Failure(Outcome::SourceFailed);
+  FileDescriptor descriptor(
+      Retry([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK); }));
+  if (!descriptor || ::fstat(descriptor.Get(), &status) != 0)
+    return Failure(NoteReadFault(Outcome::SourceFailed, errno, path));
+  if (!S_ISREG(status.st_mode))
+    return Failure(NoteReadFault(Outcome::SourceFailed, S_ISDIR(status.st_mode) ? EISDIR : 0, path));
+  return descriptor;
+}
+
 std::string NativeDirectory(const std::string& path) {
   const std::size_t slash = path.rfind('/');
   if (slash == std::string::npos) return ".";

@@ -19,6 +19,9 @@ namespace ts5 {
 [[nodiscard]] bool Reachable(const std::string& path);
 [[nodiscard]] std::optional<struct stat> StatusOf(const std::string& path, bool followLinks);
 [[nodiscard]] bool SameInode(const struct stat& a, const struct stat& b);
+// A regular file for reading, opened without waiting for the other end of a pipe or a device. SourceFailed;
+// the fault is noted.
+[[nodiscard]] Result<FileDescriptor> OpenRegular(const std::string& path, struct stat& status);
 // The directory of a native path. Only '/' separates here: a '\' may be part of a name.
 [[nodiscard]] std::string NativeDirectory(const std::string& path);
 // WriteFailed of a full disk, else TargetFailed; the fault is noted.

@@ -26,18 +26,6 @@ std::string RandomName(std::string_view prefix, std::string_view extension) {
   return std::string(prefix) + Format("%012x", RandomBits() >> 16) + std::string(extension);
 }
 
-// A regular file, opened without waiting for the other end of a pipe or a device.
-Result<FileDescriptor> OpenRegular(const std::string& path, struct stat& status) {
-  if (!Reachable(path)) return Failure(Outcome::SourceFailed);
-  FileDescriptor descriptor(
-      Retry([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK); }));
-  if (!descriptor || ::fstat(descriptor.Get(), &status) != 0)
-    return Failure(NoteReadFault(Outcome::SourceFailed, errno, path));
-  if (!S_ISREG(status.st_mode))
-    return Failure(NoteReadFault(Outcome::SourceFailed, S_ISDIR(status.st_mode) ? EISDIR : 0, path));
-  return descriptor;
-}
-
 // Reads up to capacity bytes; fewer only at the end of the file.
 Result<std::size_t> ReadUpTo(int descriptor, std::uint8_t* out, std::size_t capacity) {
   std::size_t filled = 0;

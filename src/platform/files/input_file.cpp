@@ -1,14 +1,12 @@
 #include "platform/files/input_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <new>
 #include <utility>
 
-#include "platform/files/fault.h"
+#include "platform/files/file_steps.h"
 
 namespace ts5 {
 namespace {
@@ -18,15 +16,11 @@ constexpr std::uint64_t kReadStep = std::uint64_t{4} << 20;
 }  // namespace
 
 Result<InputFile> InputFile::Open(const std::string& path) {
-  if (path.empty() || path.find('\0') != std::string::npos) return Failure(Outcome::SourceFailed);
-  InputFile file;
-  // Without waiting for the other end of a pipe or for a device.
-  file.descriptor_ = FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   struct stat status {};
-  if (!file.descriptor_ || ::fstat(file.descriptor_.Get(), &status) != 0)
-    return Failure(NoteReadFault(Outcome::SourceFailed, errno, path));
-  if (!S_ISREG(status.st_mode))
-    return Failure(NoteReadFault(Outcome::SourceFailed, S_ISDIR(status.st_mode) ? EISDIR : 0, path));
+  auto descriptor = OpenRegular(path, status);
+  if (!descriptor) return Failure(descriptor.error());
+  InputFile file;
+  file.descriptor_ = *std::move(descriptor);
   file.size_ = static_cast<std::uint64_t>(status.st_size);
   return file;
 }
@@ -47,9 +41,10 @@ Result<std::size_t> InputFile::ReadAt(std::uint64_t offset, std::span<std::uint8
   }
   std::size_t filled = 0;
   while (filled < out.size()) {
-    const ssize_t got = ::pread(descriptor_.Get(), out.data() + filled, out.size() - filled,
-                                static_cast<off_t>(offset + filled));
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = Retry([&] {
+      return ::pread(descriptor_.Get(), out.data() + filled, out.size() - filled,
+                     static_cast<off_t>(offset + filled));
+    });
     if (got < 0) return Failure(Outcome::ReadFailed);
     if (got == 0) break;
     filled += static_cast<std::size_t>(got);

@@ -36,16 +36,6 @@ bool Claim(int descriptor) {
   return ::fstat(descriptor, &status) == 0 && status.st_nlink > 0;
 }
 
-Outcome WriteAll(int descriptor, std::uint64_t offset, ByteView bytes) {
-  while (!bytes.empty()) {
-    const ssize_t put = Disk().Write(descriptor, bytes, offset);
-    if (put <= 0) return Outcome::WriteFailed;
-    bytes = bytes.subspan(static_cast<std::size_t>(put));
-    offset += static_cast<std::uint64_t>(put);
-  }
-  return Outcome::Success;
-}
-
 struct Place {
   std::string path;                          // behind all links
   std::optional<struct stat> existing = {};  // what stands there

@@ -239,13 +239,4 @@ bool Profile::Erase(std::string_view section, std::string_view key) {
   return true;
 }
 
-bool Profile::EraseSection(std::string_view section) {
-  const Section* const target = FindSection(section);
-  if (target == nullptr) return false;
-  sections_.erase(sections_.begin() + (target - sections_.data()));
-  index_.clear();
-  for (std::size_t i = 1; i < sections_.size(); ++i) index_.try_emplace(sections_[i].name, i);
-  return true;
-}
-
 }  // namespace ts5

@@ -65,7 +65,6 @@ class Profile {
   void Write(std::string_view section, std::string_view key, std::string_view value);
   void WriteInteger(std::string_view section, std::string_view key, std::int64_t value);
   bool Erase(std::string_view section, std::string_view key);  // false when there is none
-  bool EraseSection(std::string_view section);
 
  private:
   struct Section {

@@ -1,4 +1,4 @@
-#include "platform/programs/remove_tree.h"
+#include "platform/files/remove_tree.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,10 +36,14 @@ bool StartAlone(const std::string& directory) {
 
 }  // namespace
 
+void RemoveTree(const std::string& path) {
+  std::error_code stays;
+  std::filesystem::remove_all(path, stays);
+}
+
 void RemoveTreeInBackground(const std::string& directory) {
   if (::access(kProgram, X_OK) == 0 && StartAlone(directory)) return;
-  std::error_code stays;
-  std::filesystem::remove_all(directory, stays);
+  RemoveTree(directory);
 }
 
 }  // namespace ts5

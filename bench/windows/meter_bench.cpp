@@ -8,9 +8,9 @@
 #include <thread>
 
 #include "app/look/appearance.h"
-#include "dialogs_support.h"
 #include "frame/ui/playback_window.h"
 #include "resources/icons.h"
+#include "ui/dialogs_support.h"
 
 namespace {
 
