@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "batch/console.h"
 #include "batch/texts.h"
 #include "platform/base/strings.h"
 #include "platform/base/text.h"
@@ -45,17 +46,17 @@ std::optional<std::string> ApplySettings(std::span<const ParameterField> fields,
                                          std::span<const std::string> settings) {
   for (const std::string& text : settings) {
     const auto setting = ParseSetting(text);
-    if (!setting) return Format(Text(texts::BatchSettingShape), text);
+    if (!setting) return Format(Text(texts::BatchSettingShape), Shortened(text));
     const auto field = std::ranges::find_if(
         fields, [&](const ParameterField& row) { return EqualsIgnoringCase(row.name, setting->name); });
     if (field == fields.end()) {
       std::string names;
       for (const ParameterField& row : fields) names += (names.empty() ? "" : ", ") + row.name;
       if (names.empty()) return std::string(Text(texts::BatchNoParameters));
-      return Format(Text(texts::BatchParameterUnknown), setting->name, names);
+      return Format(Text(texts::BatchParameterUnknown), Shortened(setting->name), names);
     }
     if (!field->set(parameters, setting->value)) {
-      return Format(Text(texts::BatchValueWrong), setting->value, field->name, field->description);
+      return Format(Text(texts::BatchValueWrong), Shortened(setting->value), field->name, field->description);
     }
   }
   return std::nullopt;

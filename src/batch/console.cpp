@@ -33,6 +33,12 @@ std::string Printable(std::string_view text, bool lineEnds) {
   return printable;
 }
 
+std::string Shortened(std::string_view word) {
+  constexpr std::size_t kMost = 80;
+  const std::string_view shown = FirstCharacters(word, kMost);
+  return std::string(shown) + (shown.size() < word.size() ? "..." : "");
+}
+
 std::string Padded(std::string_view text, std::size_t characters) {
   std::string padded(text);
   const std::size_t count = CharacterCount(text);

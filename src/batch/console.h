@@ -41,6 +41,9 @@ void PrintError(Console& console, std::string_view message);
 // when they are wanted.
 [[nodiscard]] std::string Printable(std::string_view text, bool lineEnds = false);
 
+// A word of the command line as a message repeats it: at most 80 characters of it, then "...".
+[[nodiscard]] std::string Shortened(std::string_view word);
+
 // Text filled up with blanks to so many characters, whatever its bytes.
 [[nodiscard]] std::string Padded(std::string_view text, std::size_t characters);
 

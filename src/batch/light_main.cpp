@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "batch/commands.h"
+#include "batch/show_attributes.h"
 #include "batch/stored_jobs.h"
 #include "batch/terminal.h"
 #include "batch/texts.h"
@@ -39,7 +40,17 @@ int JobsCommandWithoutDrives(CommandLine line, Console& console) {
   return ListJobs(line, console, JobSurroundingsOf(VolumeTable::OfThisMachine(), noModules, askDrive));
 }
 
+// What a file is, only the decoders know.
+int AttributesCommandWithoutMedia(CommandLine line, Console& console) {
+  if (std::ranges::find(line, "--json") != line.end()) BecomeFull();
+  CatchInterrupts();
+  return ShowAttributes(line, console, [](const std::string&, const Attributes&) -> Result<Attributes> {
+    return Failure(Outcome::WrongFormat);
+  });
+}
+
 constexpr std::array kLight{
+    Command{"attributes", texts::BatchAttributesSummary, AttributesCommandWithoutMedia},
     Command{"filters", texts::BatchFiltersSummary, FiltersCommand},
     Command{"jobs", texts::BatchJobsSummary, JobsCommandWithoutDrives},
     Command{"type", texts::BatchTypeSummary, TypeCommand},

@@ -120,7 +120,9 @@ class BurnRun {
     if (const DiscOutcome allowed = CheckFailedFiles(); !allowed.Good()) return allowed;
     if (tracks_.empty()) return {code::kFilesNotPrepared, 0};
     if (ProjectSectors(tracks_, burn_.Mode(false)) > session_.FreeSectors()) return {code::kDiscTooSmall, 0};
-    return burn_.RecordDiscs(tracks_);
+    const DiscOutcome recorded = burn_.RecordDiscs(tracks_);
+    burn_.HintAtPauses(tracks_);
+    return recorded;
   }
 
   void AddTracks() {

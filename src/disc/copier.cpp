@@ -255,9 +255,11 @@ class CopyRun {
     if (burn_->CueSheetRefused()) {
       const Answer answer = run_.Ask({.text = std::string(Text(texts::AskCueSheet)), .preset = Answer::No});
       if (answer != Answer::Yes) {
-        run_.AddStatus({outcome.code, false, outcome.number});
+        burn_->HintAtPauses(tracks_);
+        AddOutcome(run_, outcome);
         return {Code(Outcome::Cancelled), 0};
       }
+      run_.AddStatus({code::kPausesDropped, false, 0});
       // The sectors stay those of the source; only the marks of the pauses go.
       std::uint64_t moved = 0;
       for (std::size_t i = 1; i < tracks_.size(); ++i) moved += tracks_[i].pause;

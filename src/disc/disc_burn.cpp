@@ -50,6 +50,12 @@ void DiscBurn::SayHurry(const Recorder& recorder) {
     run_.AddStatus({code::kNotHurried, false, 0});
 }
 
+void DiscBurn::HintAtPauses(std::span<const ProjectTrack> tracks) const {
+  const bool shortPause =
+      std::ranges::any_of(tracks, [](const ProjectTrack& track) { return track.pause == kSectorsPerSecond; });
+  if (cueSheetRefused_ && shortPause) run_.AddStatus({code::kPauses, false, 0});
+}
+
 RecordingMode DiscBurn::Mode(bool testWrite) const {
   RecordingMode mode = order_.mode;
   mode.testWrite = testWrite;
@@ -108,9 +114,6 @@ DiscOutcome DiscBurn::RecordCopy(std::vector<ProjectTrack>& tracks, std::int32_t
   SayHurry(recorder);
   if (error != engine::kNone) {
     Say(order_.failed, copy);
-    const bool shortPause = std::ranges::any_of(
-        tracks, [](const ProjectTrack& track) { return track.pause == kSectorsPerSecond; });
-    if (cueSheetRefused_ && shortPause) run_.AddStatus({code::kPauses, false, 0});
     return OutcomeOf(error, code::kDiscNotBurnt);
   }
   Say(order_.done, copy);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,8 @@ class DiscBurn {
   void SetText(CdText text) { order_.mode.text = std::move(text); }
   // Whether the drive refused the cue sheet the last time.
   [[nodiscard]] bool CueSheetRefused() const { return cueSheetRefused_; }
+  // Then a remark where pauses of these tracks may be why.
+  void HintAtPauses(std::span<const ProjectTrack> tracks) const;
   [[nodiscard]] RecordingMode Mode(bool testWrite) const;
 
  private:

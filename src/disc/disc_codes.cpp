@@ -43,6 +43,7 @@ constexpr Remark kOwn[] = {
     {kVerified, RemarkVerified},
     {kNotCompared, RemarkNotCompared},
     {kPausesUnknown, RemarkPausesUnknown},
+    {kPausesDropped, RemarkPausesDropped},
     {Code(Outcome::NotProven), EncodeNotProven},
     {kCalibrationRefused, CalibrationRefused},
     {kNotHurried, NotHurried},

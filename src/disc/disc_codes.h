@@ -44,6 +44,7 @@ inline constexpr std::int32_t kPausesUnknown = 731;
 inline constexpr std::int32_t kCalibrationRefused = 732;
 inline constexpr std::int32_t kNotHurried = 733;
 inline constexpr std::int32_t kNotCompared = 734;
+inline constexpr std::int32_t kPausesDropped = 735;
 
 // Those of discs before those of audio files.
 [[nodiscard]] std::span<const Remark> Remarks();

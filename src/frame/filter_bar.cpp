@@ -128,8 +128,10 @@ FilterRefusal Refusal(TextId reason, TextId remedy) {
 // ".mid, .rmi, .rdl"
 std::string Kinds(const FilterDescriptor& filter) {
   std::string kinds;
-  for (const std::string_view extension : filter.single)
+  for (const std::string_view extension : filter.single) {
+    if (extension.empty()) continue;  // a CD track
     kinds += (kinds.empty() ? "." : ", .") + std::string(extension);
+  }
   return kinds;
 }
 
@@ -176,7 +178,11 @@ FilterBar RefreshFilterBar(const FilterBarInput& input) {
       SetBit(word, kStatusNotApplicable, !applicable);
       SetBit(word, kStatusDisabled, !usable);
     }
-    if (!tile.shown) continue;
+    if (!tile.shown) {
+      // A current filter without a tile is spoken of all the same.
+      if (current) tile.refusal = RefusalOf(descriptor.id, input.source, input.devices);
+      continue;
+    }
 
     tile.position = position++;
     tile.marksAll = input.showAll && !usable && input.source.selection.Count() == 0 &&

@@ -102,7 +102,7 @@ struct FilterTile {
   bool toggleEnabled = false;
   bool marksAll =
       false;  // it does not fit, but would with all files of the list selected, and may be chosen so
-  std::optional<FilterRefusal> refusal = {};  // of one that is shown and cannot be chosen
+  std::optional<FilterRefusal> refusal = {};  // of one that cannot be chosen and is shown, or current
 };
 
 struct FilterBar {

@@ -49,6 +49,27 @@ TEST_F(AudioCommandsTest, AttributesAreSetAndShown) {
   EXPECT_TRUE(Json()["files"][0]["attributes"].empty());
   for (const char* wrong : {"Title", "=x", "Duration=5", "WM/Track=drei"})
     EXPECT_EQ(Run({"attributes", song, "--set", wrong}), kExitUsage) << wrong;
+  // What is refused is not repeated in full.
+  const std::string endless = "Duration=" + std::string(65536, '9');
+  EXPECT_EQ(Run({"attributes", song, "--set", endless}), kExitUsage);
+  EXPECT_LT(captured_->err.str().size(), 500U);
+  EXPECT_EQ(Run({"run", "AudioCompressor", song, "--attribute", endless}), kExitUsage);
+  EXPECT_LT(captured_->err.str().size(), 500U);
+  EXPECT_THAT(captured_->err.str(), HasSubstr("\"Duration=99"));
+}
+
+// The program as it is started shows and changes attributes without the decoders, with the same words.
+TEST_F(AudioCommandsTest, TheLightProgramTellsTheSame) {
+  const std::string song = folder_.Write("a.mp3", Content(DataPath("audio/mpeg1_layer3_cbr128.mp3")));
+  for (const std::vector<std::string>& line :
+       {std::vector<std::string>{"attributes", song, "--set", "Title=Größe"},
+        {"attributes", song, folder_.File("none.mp3")},
+        {"attributes", "--json", song}}) {
+    const ProgramEnd end = Program(line, folder_.Path(), folder_.File("registry")).Wait();
+    EXPECT_EQ(Run(line), end.status) << line.back();
+    EXPECT_EQ(captured_->out.str(), end.out);
+    EXPECT_EQ(captured_->err.str(), end.err);
+  }
 }
 
 // A disk that is full in the middle: the file is as it was, and nothing lies beside it.

@@ -383,13 +383,19 @@ TEST_F(CopyTest, ARefusedCueSheetIsTriedOnceMoreWithoutPauses) {
   const std::string disc = Blank("disc");
   Faults(R"([{"op":"5D","times":1,"sense":"05/26/00"}])");
   host_ = std::make_shared<test::RecordingHost>(std::deque<Answer>{Answer::Yes});
-  EXPECT_THAT(Counts(Execute(CopierModule(), {})), ElementsAre(3, 3, 0, 1));
+  const RunResult again = Execute(CopierModule(), {});
+  EXPECT_THAT(Counts(again), ElementsAre(3, 3, 0, 1));
+  // What went wrong at first is history; what became of the pauses is not.
+  EXPECT_THAT(again.remarks,
+              ElementsAre(HasSubstr("wurden auf 0 gesetzt"), HasSubstr("alle Sektoren stimmen")));
   EXPECT_EQ(RecordedDisc::Load(disc)->layout.tracks[1].pause, std::nullopt);
   EXPECT_EQ(test::Content(disc + "/disc.bin"), Silence(150) + source_);
 
   Blank("zwei");
   host_ = std::make_shared<test::RecordingHost>(std::deque<Answer>{Answer::No});
-  EXPECT_TRUE(Execute(CopierModule(), {}).cancelled);
+  const RunResult stopped = Execute(CopierModule(), {});
+  EXPECT_TRUE(stopped.cancelled);
+  EXPECT_THAT(stopped.remarks, Contains(HasSubstr("keine Pausenlänge von 1 Sekunde")));
 }
 
 // Burn, copy on the fly, grab: what the sheet beside the grabbed files says is the disc that was burnt.

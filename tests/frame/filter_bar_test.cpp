@@ -209,6 +209,16 @@ TEST(FilterBar, AllCanBeShownAndSayWhyTheyDoNotFit) {
   EXPECT_EQ(refusal(bare, AudioPlayer), "kein Klanggerät gefunden");
   EXPECT_EQ(refusal(bare, CdBurner), "kein CD-Brenner gefunden");
 
+  // A current filter that has no tile says it, too: a CD is not burnt from its own drive.
+  const FilterBar tracks = RefreshFilterBar({.source = DirectoryContext({"/cd", {"Track 01"}, {0}}, true),
+                                             .devices = kAllDevices,
+                                             .filter = CdBurner});
+  const FilterTile& burner = tracks.tiles[static_cast<std::size_t>(CdBurner)];
+  EXPECT_FALSE(burner.shown);
+  EXPECT_EQ(burner.refusal->remedy,
+            "Sammeln Sie die Titel in der freien Dateiliste; markiert sein darf dort nichts.");
+  EXPECT_FALSE(tracks.tiles[static_cast<std::size_t>(MidiPlayer)].refusal);
+
   // Of a list in which nothing is selected, filters can be chosen that take all of it.
   const FreeFileList list = ListOf({"/m/a.mid", "/m/b.rmi"});
   const FilterBar whole = bar(ListContext(list), kAllDevices, WholeListContext(list));

@@ -338,10 +338,13 @@ TEST(FilterPanelTest, TheCurrentFilterNeverVanishes) {
   panel.TileOf(FilterId::WaveConverter)->click();  // only asks
   EXPECT_FALSE(checked(FilterId::WaveConverter));
 
-  tiles.at(static_cast<std::size_t>(FilterId::MidiPlayer)).shown = false;
+  FilterPanel::Tile& player = tiles.at(static_cast<std::size_t>(FilterId::MidiPlayer));
+  player.shown = false;
+  player.reason = "braucht Musik";
+  player.help = "Markieren Sie welche.";
   panel.Show(tiles, FilterId::MidiPlayer, false, false);
   EXPECT_TRUE(note->isVisible());
-  EXPECT_THAT(FromQt(note->text()), HasSubstr(".mid"));
+  EXPECT_EQ(FromQt(note->text()), "Aktueller Filter: Midi-Player (braucht Musik). Markieren Sie welche.");
   panel.Show(tiles, FilterId::WaveConverter, false, false);
   EXPECT_FALSE(note->isVisible());
   EXPECT_TRUE(checked(FilterId::WaveConverter));

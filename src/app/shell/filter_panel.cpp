@@ -141,6 +141,7 @@ QToolButton* FilterPanel::ToggleOf(FilterId filter) const {
 
 void FilterPanel::Show(std::span<const Tile> tiles, FilterId current, bool fixed, bool all) {
   if (const bool inGroups = all && !fixed; inGroups != inGroups_) Arrange(inGroups);
+  bool missing = false;
   for (const Tile& shown : tiles) {
     Row& row = rows_.at(Index(shown.filter));
     const bool hadFocus = row.tile->hasFocus() || row.toggle->hasFocus();
@@ -156,27 +157,17 @@ void FilterPanel::Show(std::span<const Tile> tiles, FilterId current, bool fixed
     row.toggle->setAccessibleName(label);
     if (!shown.shown && hadFocus) fix_->setFocus();
     row.line->setVisible(shown.shown);
+    if (shown.filter != current || shown.shown) continue;
+    missing = true;
+    note_->setText(ToQt(Format(Text(texts::CurrentFilterNote), FromQt(row.tile->text()), FromQt(shown.reason),
+                               FromQt(shown.help))));
   }
+  note_->setVisible(missing);
   current_ = current;
   all_->setChecked(all);
   fix_->setChecked(fixed);
   fix_->setIcon(Icon(fixed ? "fixed" : "fix"));
   UpdateTabStop();
-  ShowNote();
-}
-
-void FilterPanel::ShowNote() {
-  const bool missing = IsFilter(current_) && rows_[Index(current_)].line->isHidden();
-  note_->setVisible(missing);
-  if (!missing) return;
-  std::string kinds;
-  for (const std::string_view extension : Descriptor(current_).single) {
-    if (extension.empty()) continue;  // a CD track
-    kinds += (kinds.empty() ? "." : ", .") + std::string(extension);
-  }
-  const std::string name = FromQt(rows_[Index(current_)].tile->text());
-  note_->setText(ToQt(kinds.empty() ? Format(Text(texts::FilterNeedsDisc), name)
-                                    : Format(Text(texts::FilterNeedsFiles), name, kinds)));
 }
 
 // The bar is one stop of the Tab key: the current tile, or the first one that can be pressed.

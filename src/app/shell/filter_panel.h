@@ -1,7 +1,7 @@
 // The filter bar at the left: one tile per offered filter, each with a small button that collapses or expands
 // it, the control that fixes the current filter, and the switch that shows all filters, in groups. It shows
 // what it is given and reports what the user wants. While the current filter has no tile, as it does not fit
-// the sources, a note on top names it and says what it takes.
+// the sources, a note on top names it and says what it needs.
 //
 // Keys: Up and Down move between the tiles, Right and Left between a tile and its small button, Enter and the
 // space bar press, '+' and '-' expand and collapse.
@@ -68,7 +68,6 @@ class FilterPanel : public QWidget {
   bool HandleKey(std::size_t row, bool onToggle, int key);
   void FocusRow(std::size_t from, int step, bool onToggle);
   void UpdateTabStop();
-  void ShowNote();
 
   std::array<Row, kFilterCount> rows_{};
   std::array<std::size_t, kFilterCount> order_{};  // of the rows, from the top

@@ -1,0 +1,163 @@
+#include "batch/show_attributes.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "audio/tags/attribute_names.h"
+#include "audio/tags/attribute_store.h"
+#include "audio/tags/tag_file.h"
+#include "audio/texts.h"
+#include "batch/arguments.h"
+#include "batch/json_text.h"
+#include "batch/store.h"
+#include "batch/texts.h"
+#include "frame/settings_store.h"
+#include "midi/texts.h"
+#include "platform/base/text.h"
+#include "platform/files/paths.h"
+
+namespace ts5::batch {
+namespace {
+
+struct Request {
+  AttributeChanges changes;
+  unsigned id3Version = 3;
+};
+
+// What is wrong with the options; nothing when they make a request.
+std::optional<std::string> ReadRequest(const std::vector<std::string>& settings,
+                                       std::vector<std::string> removals,
+                                       const std::optional<std::string>& id3, Request& request) {
+  for (const std::string& setting : settings) {
+    auto attribute = ParseAttribute(setting);
+    if (!attribute) return Format(Text(texts::BatchAttributeWrong), Shortened(setting));
+    if (attribute->HasValue()) {
+      request.changes.set.push_back(*std::move(attribute));
+    } else {
+      removals.push_back(attribute->name);
+    }
+  }
+  request.changes.remove = std::move(removals);
+  if (id3) {
+    if (*id3 != "3" && *id3 != "4")
+      return Format(Text(texts::BatchValueWrong), Shortened(*id3), "--id3", "3|4");
+    request.id3Version = *id3 == "4" ? 4 : 3;
+  }
+  return std::nullopt;
+}
+
+// A value with the type that JSON has for it.
+Json JsonValue(const Attribute& attribute) {
+  if (IsBinary(attribute.type)) return DisplayValue(attribute);
+  if (attribute.type == AttributeType::Bool) return attribute.value == "1";
+  if (attribute.type == AttributeType::String) return attribute.value;
+  std::uint64_t number = 0;
+  (void)std::from_chars(attribute.value.data(), attribute.value.data() + attribute.value.size(), number);
+  return number;
+}
+
+Json JsonFile(const std::string& file, const Attributes& info, const Attributes& attributes) {
+  Json row{{"file", file}, {"code", 0}, {"properties", Json::object()}, {"attributes", Json::array()}};
+  for (const Attribute& property : info) row["properties"][property.name] = JsonValue(property);
+  for (const Attribute& attribute : attributes) {
+    if (attribute.readOnly) continue;
+    row["attributes"].push_back({{"name", attribute.name},
+                                 {"type", static_cast<int>(attribute.type)},
+                                 {"value", JsonValue(attribute)}});
+  }
+  return row;
+}
+
+void PrintFile(Console& console, const std::string& file, const Attributes& attributes) {
+  console.out << file << '\n';
+  std::size_t width = 0;
+  for (const Attribute& attribute : attributes) width = std::max(width, CharacterCount(attribute.name));
+  for (const Attribute& attribute : attributes) {
+    std::string label = attribute.name + ":";
+    const std::string value = DisplayValue(attribute);
+    for (const std::string_view line : Split(Trim(value), '\n')) {
+      console.out << "  " << Padded(label, width + 2) << Trim(line) << '\n';
+      label.clear();
+    }
+  }
+}
+
+// Known names in their order, others behind them.
+void Sort(Attributes& attributes) {
+  const auto place = [](const Attribute& attribute) {
+    const AttributeName* const known = FindAttributeName(attribute.name);
+    return known == nullptr ? AttributeNames().size()
+                            : static_cast<std::size_t>(known - AttributeNames().data());
+  };
+  std::ranges::stable_sort(attributes, {}, place);
+}
+
+std::string FailureText(const std::string& file, Outcome outcome) {
+  const TextId text = outcome == Outcome::SourceFailed  ? texts::BatchFileNotOpened
+                      : outcome == Outcome::WrongFormat ? texts::PropertyUnknownFormat
+                                                        : texts::AudioAttributesNotWritten;
+  return Format(Text(texts::BatchItemFailed), file, Text(text));
+}
+
+Result<Attributes> ChangeAndRead(const std::string& file, const Request& request, std::size_t& failed) {
+  if (!IsUsablePath(file)) return Failure(Outcome::SourceFailed);
+  if (!request.changes.Empty()) {
+    const auto changed = ChangeAttributes(file, request.changes, request.id3Version);
+    if (!changed) return Failure(changed.error());
+    failed = *changed;
+  }
+  return ReadAttributes(file);
+}
+
+}  // namespace
+
+int ShowAttributes(CommandLine line, Console& console, FileInfoReader info) {
+  bool json = false;
+  std::vector<std::string> files;
+  std::vector<std::string> settings;
+  std::vector<std::string> removals;
+  std::optional<std::string> id3;
+  Arguments arguments("attributes", texts::BatchAttributesSummary, texts::BatchAttributesExamples);
+  arguments.Flag("--json", json, texts::BatchHelpJson);
+  arguments.Repeated("--set", "NAME=WERT", settings, texts::BatchHelpAttributesSet);
+  arguments.Repeated("--remove", "NAME", removals, texts::BatchHelpAttributesRemove);
+  arguments.Option("--id3", "3|4", id3, texts::BatchHelpAttributesId3);
+  arguments.Rest("DATEI", files, texts::BatchHelpInfoFiles, 1);
+  if (const auto status = arguments.Read(line, console)) return *status;
+  Request request;
+  if (const auto wrong = ReadRequest(settings, std::move(removals), id3, request))
+    return WrongUsage(console, "attributes", *wrong);
+  if (!id3 && !request.changes.Empty()) {
+    const auto registry = OpenRegistry(console);
+    if (!registry) return kExitFailed;
+    const Settings chosen = LoadSettings(*registry, DefaultSettingsGround());
+    request.id3Version = static_cast<unsigned>(chosen.id3Version);
+  }
+
+  int status = kExitSuccess;
+  Json all = Json::array();
+  for (const std::string& file : files) {
+    if (console.Interrupted()) return kExitCancelled;
+    std::size_t failed = 0;
+    auto attributes = ChangeAndRead(file, request, failed);
+    if (failed > 0) PrintError(console, file + ": " + Format(Text(texts::AttributesNotSaved), failed));
+    if (!attributes) PrintError(console, FailureText(file, attributes.error()));
+    if (failed > 0 || !attributes) status = kExitFailed;
+    if (!attributes) {
+      if (json) all.push_back({{"file", file}, {"code", Code(attributes.error())}});
+      continue;
+    }
+    Sort(*attributes);
+    if (json) {
+      all.push_back(JsonFile(file, info(file, *attributes).value_or(Attributes()), *attributes));
+      if (failed > 0) all.back()["code"] = Code(Outcome::AttributesNotWritten);
+    } else {
+      PrintFile(console, file, *attributes);
+    }
+  }
+  if (json) console.out << JsonText({{"files", all}});
+  return status;
+}
+
+}  // namespace ts5::batch
