@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "platform/base/clock.h"
 #include "platform/base/text.h"
@@ -80,6 +81,26 @@ constexpr std::array kColumns{
                [](const FileFacts& f) { return std::optional(static_cast<double>(f.written)); }},
 };
 
+constexpr std::array kNamedColumns{std::pair{FileColumn::Name, std::string_view("Name")},
+                                   std::pair{FileColumn::Directory, std::string_view("Directory")}};
+
+// In the settings; "" for a column that they do not know.
+std::string_view NameOf(FileColumn column) {
+  for (const auto& [named, name] : kNamedColumns) {
+    if (named == column) return name;
+  }
+  const FactColumn* const fact = FindFactColumn(column);
+  return fact == nullptr ? std::string_view() : fact->name;
+}
+
+std::optional<FileColumn> ColumnNamed(std::string_view name) {
+  for (const auto& [column, own] : kNamedColumns) {
+    if (own == name) return column;
+  }
+  const auto* const fact = std::ranges::find(kColumns, name, &FactColumn::name);
+  return fact == kColumns.end() ? std::nullopt : std::optional(fact->column);
+}
+
 }  // namespace
 
 std::span<const FactColumn> FactColumns() {
@@ -110,7 +131,7 @@ ShownColumns ColumnsFrom(std::string_view names) {
   const auto parts = Split(names, ' ');
   ShownColumns columns;
   for (const FactColumn& column : kColumns) {
-    if (std::ranges::find(parts, column.name) != parts.end()) columns.insert(column.column);
+    if (names.empty() || std::ranges::find(parts, column.name) != parts.end()) columns.insert(column.column);
   }
   return columns;
 }
@@ -122,6 +143,30 @@ std::string NamesOf(const ShownColumns& columns) {
     if (columns.contains(column.column)) names += (names.empty() ? "" : " ") + std::string(column.name);
   }
   return names;
+}
+
+ColumnWidths WidthsFrom(std::string_view text) {
+  constexpr std::int64_t kWidest = 10'000;
+  ColumnWidths widths;
+  for (const std::string_view part : Split(text, ' ')) {
+    const std::size_t sign = part.find('=');
+    if (sign == std::string_view::npos) continue;
+    const auto column = ColumnNamed(part.substr(0, sign));
+    const auto width = ParseInteger(part.substr(sign + 1));
+    if (column && width && *width > 0 && *width <= kWidest) widths[*column] = static_cast<int>(*width);
+  }
+  return widths;
+}
+
+std::string TextOf(const ColumnWidths& widths) {
+  std::string text;
+  for (const auto& [column, width] : widths)
+    text += Format("%s%s=%i", text.empty() ? "" : " ", NameOf(column), width);
+  return text;
+}
+
+bool KeepsWidth(FileColumn column) {
+  return !NameOf(column).empty();
 }
 
 }  // namespace ts5

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <map>
 #include <optional>
 #include <set>
 #include <span>
@@ -34,9 +35,16 @@ struct FactColumn {
 // The same for a sum: "4 h 12 min", "12 min", "25 s".
 [[nodiscard]] std::string SumText(std::chrono::milliseconds length);
 
-// Which columns are shown: names with blanks between, "-" for none; unknown ones are passed over.
+// Which columns are shown: names with blanks between, "" for all, "-" for none; unknown ones are passed over.
 using ShownColumns = std::set<FileColumn>;
 [[nodiscard]] ShownColumns ColumnsFrom(std::string_view names);
 [[nodiscard]] std::string NamesOf(const ShownColumns& columns);
+
+// How wide the user made columns, in pixels: "Name=300 Length=80". What is none of them is passed over.
+using ColumnWidths = std::map<FileColumn, int>;
+[[nodiscard]] ColumnWidths WidthsFrom(std::string_view text);
+[[nodiscard]] std::string TextOf(const ColumnWidths& widths);
+// Whether a column has a width of the user's; others are as wide as their texts.
+[[nodiscard]] bool KeepsWidth(FileColumn column);
 
 }  // namespace ts5

@@ -76,6 +76,14 @@ inline QStringList UnreachableControls(QWidget& window) {
   return unreachable;
 }
 
+// The width of a line with the letter of a key: it is drawn in three parts, without the kerning between them.
+inline int DrawnWidth(const QString& text, const QFontMetrics& metrics) {
+  const auto key = text.indexOf(QLatin1Char('&'));
+  if (key < 0 || key + 1 >= text.size()) return metrics.horizontalAdvance(text);
+  return metrics.horizontalAdvance(text.left(key)) + metrics.horizontalAdvance(text.mid(key + 1, 1)) +
+         metrics.horizontalAdvance(text.mid(key + 2));
+}
+
 // The visible labels, buttons and group titles of a shown window whose text does not fit.
 inline QStringList ClippedTexts(QWidget& window) {
   QStringList clipped;
@@ -88,6 +96,8 @@ inline QStringList ClippedTexts(QWidget& window) {
       const QSize need = label->sizeHint();
       fits = label->wordWrap() ? label->heightForWidth(label->width()) <= label->height()
                                : need.width() <= label->width() && need.height() <= label->height();
+      if (label->buddy() != nullptr && !label->wordWrap())
+        fits = fits && DrawnWidth(text, label->fontMetrics()) <= label->contentsRect().width();
     } else if (const auto* button = qobject_cast<QAbstractButton*>(widget)) {
       text = button->text();
       const QSize need = button->minimumSizeHint();

@@ -71,6 +71,10 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   layout->addWidget(title_, 2);
   layout->addWidget(position_, 3);
   layout->addWidget(time_);
+  auto* const loudness = new QLabel(this);  // its slider has the name
+  loudness->setPixmap(Icon("wavdevicon").pixmap(16));
+  loudness->setToolTip(QtText(texts::ListenVolume));
+  layout->addWidget(loudness);
   layout->addWidget(volume_);
   layout->addWidget(practise_);
 

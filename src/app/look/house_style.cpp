@@ -31,7 +31,9 @@ HouseStyle::HouseStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
 int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                           QStyleHintReturn* answer) const {
-  if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
+  // The list of a combo box drops below it: laid over it, it does not reckon with the frame of the style
+  // sheet and cuts its last line.
+  if (hint == SH_DialogButtonBox_ButtonsHaveIcons || hint == SH_ComboBox_Popup) return 0;
   return QProxyStyle::styleHint(hint, option, widget, answer);
 }
 

@@ -55,6 +55,7 @@ constexpr auto kRows = std::to_array<Row>({
     {"Directory:", "Verzeichnis:"},
     {"Drive", "Laufwerk"},
     {"File", "Datei"},
+    {"File &name:", "Datei&name:"},
     {"File Folder", "Verzeichnis"},
     {"Files of type:", "Dateityp:"},
     {"Find Directory", "Verzeichnis suchen"},

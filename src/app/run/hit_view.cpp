@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QToolTip>
 #include <algorithm>
 #include <chrono>
@@ -89,6 +90,15 @@ void HitView::contextMenuEvent(QContextMenuEvent* event) {
 void HitView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
   QTreeView::selectionChanged(selected, deselected);
   emit SelectionChanged();
+}
+
+void HitView::paintEvent(QPaintEvent* event) {
+  QTreeView::paintEvent(event);
+  if (model_.rowCount() > 0) return;
+  QPainter painter(viewport());
+  painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
+  painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, QtText(texts::NoHitsYet));
 }
 
 bool HitView::viewportEvent(QEvent* event) {

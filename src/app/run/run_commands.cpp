@@ -36,8 +36,9 @@ std::string OutputOf(const Job& job, const DeviceLists& devices) {
 
 }  // namespace
 
-RunCommands::RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Application& application)
-    : desk_(desk), active_(active), panels_(panels), application_(application) {
+RunCommands::RunCommands(Desk& desk, ActiveJob& active, const SourceArea& source, RunPanels& panels,
+                         Application& application)
+    : desk_(desk), active_(active), source_(source), panels_(panels), application_(application) {
   clock_.setInterval(kClockInterval);
   connect(&clock_, &QTimer::timeout, this, [this] {
     for (const auto& [id, going] : going_) {
@@ -81,7 +82,19 @@ void RunCommands::Start() {
   // A second Run while a title plays pauses, or goes on.
   if (IsPlayer(job.filter) && !job.MayChange()) return job.run->player.TogglePause();
   active_.CommitDestination();
-  Begin(job, job, NameOrigin::Field);
+  std::optional<Job> narrowed = Narrowed(job);
+  if (narrowed && ItemCount(*narrowed) == 0)
+    return desk_.Tell(Text(texts::NothingShown), MessageIcon::Information);
+  Begin(job, narrowed ? *narrowed : job, NameOrigin::Field);
+}
+
+std::optional<Job> RunCommands::Narrowed(const Job& job) const {
+  if (!IsSearch(job.filter) || ItemCount(job) > 0) return std::nullopt;
+  const auto shown = source_.NarrowedFiles();
+  if (!shown) return std::nullopt;
+  Job only = WithOnly(job, *shown);
+  only.run = JobRunHandle(job.run.Shared());
+  return only;
 }
 
 RunRequest RunCommands::Request(Job& job, const Job& work, NameOrigin origin) {

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@
 #include "app/shell/active_job.h"
 #include "app/shell/background_worker.h"
 #include "app/shell/desk.h"
+#include "app/source/source_area.h"
 #include "frame/destination.h"
 #include "frame/job.h"
 #include "frame/job_runner.h"
@@ -30,7 +32,8 @@ class RunCommands : public QObject {
   Q_OBJECT
 
  public:
-  RunCommands(Desk& desk, ActiveJob& active, RunPanels& panels, Application& application);
+  RunCommands(Desk& desk, ActiveJob& active, const SourceArea& source, RunPanels& panels,
+              Application& application);
 
   // The window goes: no run is listened to any more, open questions are answered with Cancelled.
   void Close();
@@ -52,6 +55,8 @@ class RunCommands : public QObject {
 
  private:
   void Start();
+  // The job with only the files that are shown, where it would search a directory that is narrowed down.
+  [[nodiscard]] std::optional<Job> Narrowed(const Job& job) const;
   // Runs what work says as the run of the job, which may be work itself.
   void Begin(Job& job, Job& work, NameOrigin origin);
   void Launch(Job& job, Job& work, RunRequest request);
@@ -72,6 +77,7 @@ class RunCommands : public QObject {
 
   Desk& desk_;
   ActiveJob& active_;
+  const SourceArea& source_;
   RunPanels& panels_;
   Application& application_;
   // A run that has not ended, and what it was told to do.

@@ -132,6 +132,7 @@ void RunPanel::SetTask(const QString& text) {
 void RunPanel::SetStatus(const QString& text) {
   status_->setText(text);
   status_->setToolTip(text);
+  status_->setVisible(!text.isEmpty());
 }
 
 void RunPanel::SetProgress(const RunProgress& progress) {
@@ -160,8 +161,8 @@ void RunPanel::ShowTime() {
   if (progress_)
     text = ToQt(
         TimeText(progress_->elapsed + std::chrono::milliseconds(sinceProgress_.elapsed()), RemainingNow()));
-  if (text == time_->text()) return;
-  time_->setText(text);
+  time_->setVisible(!text.isEmpty());
+  if (text != time_->text()) time_->setText(text);
 }
 
 QString RunPanel::BriefProgress() const {

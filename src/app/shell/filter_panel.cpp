@@ -197,7 +197,8 @@ bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
       return true;
     if (kind == QEvent::FocusIn) scroll_->ensureWidgetVisible(rows_[i].line, 0, 4);
     if (kind == QEvent::Enter || kind == QEvent::FocusIn) {
-      emit Hint(onToggle ? rows_[i].toggle->toolTip() : rows_[i].tile->accessibleDescription());
+      emit Hint(onToggle ? rows_[i].toggle->toolTip()
+                         : rows_[i].tile->accessibleDescription().replace('\n', QStringLiteral(" – ")));
     }
     if (leaves) emit Hint({});
     break;

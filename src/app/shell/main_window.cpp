@@ -163,7 +163,7 @@ void MainWindow::MakeCommands() {
       application_, [this] { return application_.Runner().AnyRunning() || listening_->Sound().Busy(); });
   jobs_ = std::make_unique<JobCommands>(*desk_, *active_, application_.GetJobs(), *jobBar_, *panels_);
   filterCommands_ = std::make_unique<FilterCommands>(*active_, *filters_);
-  runs_ = std::make_unique<RunCommands>(*desk_, *active_, *panels_, application_);
+  runs_ = std::make_unique<RunCommands>(*desk_, *active_, *source_, *panels_, application_);
   interrupted_ = std::make_unique<InterruptedRuns>(*desk_);
   runDisplay_ = std::make_unique<RunDisplay>(*active_, *source_, *target_, *panels_, Actions());
   searches_ = std::make_unique<SearchCommands>(*desk_, *active_, *panels_, application_);

@@ -1,5 +1,7 @@
 #include "app/shell/window_places.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
@@ -20,6 +22,8 @@ void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, bo
   const int tree = stored ? place.right - place.left : kTreeWidth;
   splitters.filterBar->setSizes({left, std::max(window.width() - left, 1)});
   splitters.tree->setSizes({tree, std::max(window.width() - left - tree, 1)});
+  // What was shown or hidden just now counts.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
   const int needed = splitters.source->widget(1)->sizeHint().height();
   const int below = listsHits ? std::max(needed, static_cast<int>(window.height() * kShareOfHits)) : needed;
   const int source = stored ? place.bottom : std::max(window.height() - below, 1);

@@ -1,7 +1,6 @@
 #include "app/source/disc_commands.h"
 
 #include <QDesktopServices>
-#include <QFileDialog>
 #include <QUrl>
 #include <algorithm>
 #include <array>
@@ -16,6 +15,7 @@
 #include "disc/ui/disc_dialogs.h"
 #include "frame/cd_tracks.h"
 #include "frame/filter_catalogue.h"
+#include "frame/ui/file_dialogs.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
 #include "platform/disc/cd_drive.h"
@@ -182,25 +182,20 @@ void DiscCommands::ChoosePause() {
 }
 
 void DiscCommands::InsertBlank(int minutes, bool rewritable) {
-  const QString parent =
-      QFileDialog::getExistingDirectory(desk_.Window(), QtText(texts::BlankCaption), ToQt(HomeDirectory()),
-                                        QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-  if (parent.isEmpty()) return;
+  std::string parent = HomeDirectory();
+  if (!AskDirectory(QtText(texts::BlankCaption), parent, desk_.Window())) return;
   // Each disc has a directory of its own.
   std::string directory;
   for (int number = 1; directory.empty() || FileExists(directory); ++number)
-    directory = JoinPath(parent.toStdString(), Format(Text(texts::BlankFolderName), number));
+    directory = JoinPath(parent, Format(Text(texts::BlankFolderName), number));
   const Outcome outcome = InsertBlankDisc(directory, minutes, rewritable);
   TellOutcome(outcome, directory);
   if (Succeeded(outcome)) desk_.Tell(Format(Text(texts::BlankInserted), directory), MessageIcon::Information);
 }
 
 void DiscCommands::LoadRecorder() {
-  const QString directory = QFileDialog::getExistingDirectory(
-      desk_.Window(), QtText(texts::LoadCaption), ToQt(std::string(DirectoryOf(ReadRecorderTray().disc))),
-      QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-  if (directory.isEmpty()) return;
-  const std::string path = directory.toStdString();
+  std::string path(DirectoryOf(ReadRecorderTray().disc));
+  if (!AskDirectory(QtText(texts::LoadCaption), path, desk_.Window())) return;
   TellOutcome(InsertRecordedDisc(path), path);
 }
 

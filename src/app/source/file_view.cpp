@@ -23,10 +23,6 @@
 namespace ts5 {
 namespace {
 
-constexpr int kSortSignWidth = 12;   // in the title of the column by which the list is sorted
-constexpr int kColumnMargin = 12;    // beside the text of a column
-constexpr int kNarrowestName = 240;  // of a column with names
-
 // Tracks of an audio CD on the way to the list, which are no files: their entries, one per line.
 constexpr const char* kTrackType = "application/x-stavora-cd-tracks";
 
@@ -114,6 +110,7 @@ FileView::FileView(QWidget* parent) : QTreeView(parent), emptyText_(texts::Empty
 void FileView::SetFileModel(FileViewModel* model) {
   model_ = model;
   setModel(model);
+  columns_ = new ColumnLayout(*this, *model);
   connect(model, &QAbstractItemModel::modelReset, this, &FileView::LayColumns);
   connect(model, &QAbstractItemModel::modelReset, this, &FileView::SightChanged);
   connect(model, &QAbstractItemModel::rowsInserted, this, &FileView::SightChanged);
@@ -126,59 +123,14 @@ void FileView::SetFileModel(FileViewModel* model) {
   LayColumns();
 }
 
-// Columns of facts are as wide as most of their texts: looking at all of them would take too long.
 void FileView::LayColumns() {
-  QHeaderView& titles = *header();
-  titles.setStretchLastSection(false);
-  std::vector<std::optional<FileColumn>> columns;
-  for (int i = 0; i < titles.count(); ++i) columns.push_back(model_->ColumnAt(i));
-  // Those that are there already stay as wide as they are.
-  const bool same = columns == std::exchange(laid_, columns);
-  for (int i = 0; i < titles.count() && !same; ++i) {
-    const auto column = model_->ColumnAt(i);
-    const FactColumn* const fact = column ? FindFactColumn(*column) : nullptr;
-    const bool wide = !column || *column == FileColumn::Name || *column == FileColumn::Directory;
-    titles.setSectionResizeMode(
-        i, fact != nullptr || wide ? QHeaderView::Interactive : QHeaderView::ResizeToContents);
-    if (fact == nullptr) continue;
-    const QFontMetrics metrics = fontMetrics();
-    const int text = metrics.horizontalAdvance(ToQt(fact->sample));
-    titles.resizeSection(
-        i, std::max(text, metrics.horizontalAdvance(QtText(fact->title)) + kSortSignWidth) + kColumnMargin);
-  }
-  titles.setSectionsClickable(model_->MayArrange());
+  columns_->Lay();
   ShowSorting(model_->Order());
-  GiveNamesTheRest();
-}
-
-// Names, directories and the texts of tracks share what the other columns leave, names the larger part. Where
-// that is too little the view scrolls.
-void FileView::GiveNamesTheRest() {
-  if (model_ == nullptr) return;
-  QHeaderView& titles = *header();
-  int left = viewport()->width();
-  std::vector<std::pair<int, int>> wide;  // section, weight
-  int weights = 0;
-  for (int i = 0; i < titles.count(); ++i) {
-    const auto column = model_->ColumnAt(i);
-    if (!column || *column == FileColumn::Name || *column == FileColumn::Directory) {
-      wide.emplace_back(i, i == 0 ? 3 : 2);
-      weights += wide.back().second;
-    } else {
-      left -= titles.sectionSize(i);
-    }
-  }
-  for (const auto& [section, weight] : wide) {
-    const int width = std::max(left * weight / weights, kNarrowestName * weight / 3);
-    titles.resizeSection(section, width);
-    left -= width;
-    weights -= weight;
-  }
 }
 
 void FileView::resizeEvent(QResizeEvent* event) {
   QTreeView::resizeEvent(event);
-  GiveNamesTheRest();
+  if (columns_ != nullptr) columns_->Fit();
   emit SightChanged();
 }
 

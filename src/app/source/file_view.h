@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/source/column_layout.h"
 #include "app/source/file_view_model.h"
 
 namespace ts5 {
@@ -31,6 +32,7 @@ class FileView : public QTreeView {
 
   // Ascending.
   [[nodiscard]] std::vector<std::size_t> SelectedRows() const;
+  [[nodiscard]] ColumnLayout& Columns() { return *columns_; }
   // The rows that are in sight, from the first to behind the last one.
   [[nodiscard]] std::pair<std::size_t, std::size_t> RowsInSight() const;
   // Rearranges the model: what is selected and still shown stays selected, and the view where it is.
@@ -67,11 +69,10 @@ class FileView : public QTreeView {
  private:
   [[nodiscard]] QMimeData* SelectedFiles() const;
   void LayColumns();
-  void GiveNamesTheRest();
 
   FileViewModel* model_ = nullptr;
   TextId emptyText_;
-  std::vector<std::optional<FileColumn>> laid_;  // columns
+  ColumnLayout* columns_ = nullptr;
   bool selecting_ = false;
 };
 

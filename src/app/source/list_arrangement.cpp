@@ -42,7 +42,10 @@ ListArrangement::ListArrangement(Desk& desk, ActiveJob& active, SourceArea& area
   sortTimer_.setInterval(kSortRest);
   model_.SetColumns(ColumnsFrom(settings_.fileColumns));
   model_.Arrange(SortingFrom(settings_.fileSorting));
+  view_.Columns().Choose(WidthsFrom(settings_.fileColumnWidths), settings_.fileColumns.empty());
 
+  connect(&view_.Columns(), &ColumnLayout::WidthsChanged, this,
+          [this](const ColumnWidths& widths) { settings_.fileColumnWidths = TextOf(widths); });
   connect(&view_, &FileView::TitleClicked, this, &ListArrangement::SortBy);
   connect(&view_, &FileView::TitleMenuWanted, this, &ListArrangement::ShowMenu);
   connect(&reading_, &FactsReading::Read, this, [this] {
@@ -141,14 +144,19 @@ bool ListArrangement::eventFilter(QObject* watched, QEvent* event) {
 // --- columns
 
 void ListArrangement::ShowColumn(FileColumn column, bool shown) {
-  ShownColumns columns = model_.Columns();
+  ShownColumns columns = view_.Columns().Shown();
   if (shown) {
     columns.insert(column);
   } else {
     columns.erase(column);
   }
   settings_.fileColumns = NamesOf(columns);
-  view_.Rearrange([&] { model_.SetColumns(columns); });
+  TakeColumns();
+}
+
+void ListArrangement::TakeColumns() {
+  view_.Columns().Choose(WidthsFrom(settings_.fileColumnWidths), settings_.fileColumns.empty());
+  view_.Rearrange([this] { model_.SetColumns(ColumnsFrom(settings_.fileColumns)); });
   reading_.Wake();
 }
 
@@ -156,13 +164,21 @@ void ListArrangement::ShowMenu(const QPoint& place) {
   if (!model_.MayArrange()) return;
   QMenu menu(view_.window());
   menu.setObjectName("columnMenu");
+  const ShownColumns shown = view_.Columns().Shown();
   for (const FactColumn& column : FactColumns()) {
     QAction* const action = menu.addAction(QtText(column.title));
     action->setCheckable(true);
-    action->setChecked(model_.Columns().contains(column.column));
+    action->setChecked(shown.contains(column.column));
     connect(action, &QAction::toggled, this,
-            [this, shown = column.column](bool checked) { ShowColumn(shown, checked); });
+            [this, one = column.column](bool checked) { ShowColumn(one, checked); });
   }
+  QAction* const usual = menu.addAction(QtText(texts::UsualColumns));
+  usual->setEnabled(!settings_.fileColumns.empty() || !settings_.fileColumnWidths.empty());
+  connect(usual, &QAction::triggered, this, [this] {
+    settings_.fileColumns.clear();
+    settings_.fileColumnWidths.clear();
+    TakeColumns();
+  });
   menu.addSeparator();
   QAction* const own = menu.addAction(QtText(texts::OwnOrder));
   own->setEnabled(model_.Order().column.has_value());

@@ -34,6 +34,7 @@ class ListArrangement : public QObject {
   void TakeFilter();
   void SortAgain();
   void ShowColumn(FileColumn column, bool shown);
+  void TakeColumns();  // as the settings say
   void ShowMenu(const QPoint& place);
   void TakeOrder();
 

@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QFileDialog>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
@@ -26,6 +25,7 @@
 #include "frame/ui/qt_text.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
+#include "platform/files/music_directory.h"
 #include "platform/files/paths.h"
 #include "platform/files/wastebasket.h"
 #include "preview/ui/preview_window.h"
@@ -71,11 +71,14 @@ ListCommands::ListCommands(Desk& desk, ActiveJob& active, SourceArea& area, Sour
 
   connect(area_.Strip(), &FreeListStrip::FilesDropped, this, [this](const auto& paths) { Drop(paths); });
   connect(area_.Note(), &EmptyNote::FilesWanted, this, [this] {
-    const QStringList chosen = QFileDialog::getOpenFileNames(
-        desk_.Window(), QtText(texts::ChooseFilesCaption), ToQt(HomeDirectory()));
-    std::vector<std::string> paths;
-    for (const QString& path : chosen) paths.push_back(FromQt(path));
-    if (!paths.empty()) Drop(paths);
+    const std::string music = MusicDirectory();
+    const std::vector<std::string> chosen =
+        AskFilesToOpen({.title = QtText(texts::ChooseFilesCaption),
+                        .start = music.empty() ? HomeDirectory() : music,
+                        .filter = Text(texts::MusicFileFilter),
+                        .helpTopic = QStringLiteral("freiedateiliste.htm")},
+                       desk_, desk_.Window());
+    if (!chosen.empty()) Drop(chosen);
   });
   connect(area_.Files(), &FileView::FilesDropped, this, [this](const auto& paths) {
     if (active_->Mode() == SourceMode::List) {

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -28,6 +29,8 @@ FreeListStrip::FreeListStrip(QWidget* parent) : QLabel(parent) {
   setTextFormat(Qt::PlainText);
   setMinimumHeight(30);
   setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  setCursor(Qt::PointingHandCursor);
+  setToolTip(QtText(texts::FreeListStripTip));
   SetCount(0);
 }
 
@@ -42,6 +45,9 @@ void FreeListStrip::Mark(bool marked) {
   style()->polish(this);
 }
 
+void FreeListStrip::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && rect().contains(event->pos())) emit Clicked();
+}
 void FreeListStrip::dragEnterEvent(QDragEnterEvent* event) {
   if (!HoldsFiles(*event->mimeData())) return;
   event->acceptProposedAction();
@@ -220,6 +226,13 @@ void SourceArea::ClearFilter() {
   ListOrder order = model_.Order();
   order.filter.clear();
   if (order != model_.Order()) model_.Arrange(order);
+}
+
+std::optional<std::vector<std::string>> SourceArea::NarrowedFiles() const {
+  if (listMode_ || model_.Order().filter.empty()) return std::nullopt;
+  std::vector<std::string> files;
+  for (std::size_t row = 0; row < model_.Size(); ++row) files.push_back(model_.At(row).path);
+  return files;
 }
 
 void SourceArea::ShowCount() {

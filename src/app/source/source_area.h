@@ -9,6 +9,7 @@
 #include <QSplitter>
 #include <QTreeView>
 #include <QWidget>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@
 
 namespace ts5 {
 
-// The strip that stands for the free file list; files may be dropped on it.
+// The strip that stands for the free file list; files may be dropped on it, and a click shows the list.
 class FreeListStrip : public QLabel {
   Q_OBJECT
 
@@ -30,8 +31,10 @@ class FreeListStrip : public QLabel {
 
  signals:
   void FilesDropped(const std::vector<std::string>& paths);
+  void Clicked();
 
  protected:
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -79,6 +82,8 @@ class SourceArea : public QWidget {
   [[nodiscard]] QLineEdit* Filter() const { return filter_; }
   // Shows all of it again.
   void ClearFilter();
+  // The files that are shown of a directory that is narrowed down; nothing when all are.
+  [[nodiscard]] std::optional<std::vector<std::string>> NarrowedFiles() const;
   // Directly under the list of files.
   void AddBelowList(QWidget* widget);
   // Over the file view, while there are no files.

@@ -1,6 +1,5 @@
 #include "app/source/source_commands.h"
 
-#include <QFileDialog>
 #include <algorithm>
 #include <functional>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "frame/file_types.h"
 #include "frame/file_view.h"
 #include "frame/texts.h"
+#include "frame/ui/file_dialogs.h"
 #include "frame/ui/qt_text.h"
 #include "platform/disc/virtual_cd.h"
 #include "platform/files/directories.h"
@@ -45,6 +45,8 @@ SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, 
     active_->subdirectories = subdirectories;
     Read();
   });
+  connect(area_.Strip(), &FreeListStrip::Clicked, this,
+          [&actions] { actions.Trigger(CommandId::SwitchListMode); });
   connect(area_.Note(), &EmptyNote::MusicWanted, this, &SourceCommands::ChooseMusic);
   connect(area_.Note(), &EmptyNote::ExamplesWanted, this, &SourceCommands::ShowExamples);
   selectionTimer_.setSingleShot(true);
@@ -117,10 +119,9 @@ void SourceCommands::ShowNote() {
 }
 
 void SourceCommands::ChooseMusic() {
-  const std::string music = MusicDirectory();
-  const QString chosen = QFileDialog::getExistingDirectory(desk_.Window(), QtText(texts::ChooseMusicCaption),
-                                                           ToQt(music.empty() ? HomeDirectory() : music));
-  if (!chosen.isEmpty()) ShowFolder(FromQt(chosen));
+  std::string folder = MusicDirectory();
+  if (folder.empty()) folder = HomeDirectory();
+  if (AskDirectory(QtText(texts::ChooseMusicCaption), folder, desk_.Window())) ShowFolder(folder);
 }
 
 void SourceCommands::ShowExamples() {

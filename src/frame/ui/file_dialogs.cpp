@@ -5,9 +5,12 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStringList>
+#include <QTreeView>
+#include <utility>
 
 #include "frame/filter_catalogue.h"
 #include "frame/texts.h"
@@ -16,7 +19,7 @@
 namespace ts5 {
 namespace {
 
-enum class Kind { Open, Save, SaveUnasked, Directory };
+enum class Kind { Open, OpenSeveral, Save, SaveUnasked, Directory };
 
 // Paths are byte strings; a name that is not UTF-8 goes through the toolkit's own decoding unharmed.
 QString PathText(const std::string& path) {
@@ -70,15 +73,27 @@ void FollowTypes(QFileDialog& dialog, std::string_view filter) {
   QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
 }
 
-std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost* host, QWidget* parent) {
+// Names get the room that is there, instead of dates and sizes that are cut.
+void ShowWhole(QFileDialog& dialog) {
+  constexpr QSize kUsual(760, 480);
+  dialog.resize(kUsual);
+  auto* const list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+  if (list == nullptr) return;
+  list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+}
+
+// Empty when the dialog was left.
+std::vector<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost* host, QWidget* parent) {
   QFileDialog dialog(parent, question.title);
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setObjectName(QStringLiteral("fileDialog"));
   dialog.setAcceptMode(kind == Kind::Save || kind == Kind::SaveUnasked ? QFileDialog::AcceptSave
                                                                        : QFileDialog::AcceptOpen);
-  dialog.setFileMode(kind == Kind::Directory ? QFileDialog::Directory
-                     : kind == Kind::Open    ? QFileDialog::ExistingFile
-                                             : QFileDialog::AnyFile);
+  dialog.setFileMode(kind == Kind::Directory     ? QFileDialog::Directory
+                     : kind == Kind::Open        ? QFileDialog::ExistingFile
+                     : kind == Kind::OpenSeveral ? QFileDialog::ExistingFiles
+                                                 : QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::ShowDirsOnly, kind == Kind::Directory);
   dialog.setOption(QFileDialog::DontConfirmOverwrite, kind == Kind::SaveUnasked);
   if (kind != Kind::Directory) dialog.setNameFilters(DialogFilters(question.filter));
@@ -87,13 +102,15 @@ std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHo
   dialog.setLabelText(QFileDialog::FileName,
                       QtText(kind == Kind::Directory ? texts::DialogDirectory : texts::DialogFileName));
   dialog.setLabelText(QFileDialog::FileType, QtText(texts::DialogFileType));
+  const bool saves = kind == Kind::Save || kind == Kind::SaveUnasked;
   dialog.setLabelText(QFileDialog::Accept, QtText(kind == Kind::Directory ? texts::DialogChoose
-                                                  : kind == Kind::Open    ? texts::DialogOpen
-                                                                          : texts::DialogSave));
+                                                  : saves                 ? texts::DialogSave
+                                                                          : texts::DialogOpen));
   dialog.setLabelText(QFileDialog::Reject, QtText(texts::ButtonCancel));
+  ShowWhole(dialog);
   StartAt(dialog, question.start, kind);
 
-  if (kind == Kind::Save || kind == Kind::SaveUnasked) FollowTypes(dialog, question.filter);
+  if (saves) FollowTypes(dialog, question.filter);
   if (auto* box = dialog.findChild<QDialogButtonBox*>(); box != nullptr && host != nullptr) {
     if (!question.helpTopic.isEmpty()) {
       const auto* help = box->addButton(QtText(texts::ButtonHelp), QDialogButtonBox::HelpRole);
@@ -101,8 +118,16 @@ std::optional<std::string> Ask(const FileQuestion& question, Kind kind, DialogHo
                        [host, topic = question.helpTopic] { host->OpenHelp(topic); });
     }
   }
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  return PathBytes(dialog.selectedFiles().constFirst());
+  std::vector<std::string> chosen;
+  if (dialog.exec() != QDialog::Accepted) return chosen;
+  for (const QString& path : dialog.selectedFiles()) chosen.push_back(PathBytes(path));
+  return chosen;
+}
+
+std::optional<std::string> AskForOne(const FileQuestion& question, Kind kind, DialogHost* host,
+                                     QWidget* parent) {
+  std::vector<std::string> chosen = Ask(question, kind, host, parent);
+  return chosen.empty() ? std::nullopt : std::optional(std::move(chosen.front()));
 }
 
 }  // namespace
@@ -125,20 +150,24 @@ QStringList DialogFilters(std::string_view filter) {
 }
 
 std::optional<std::string> AskFileToOpen(const FileQuestion& question, DialogHost& host, QWidget* parent) {
-  return Ask(question, Kind::Open, &host, parent);
+  return AskForOne(question, Kind::Open, &host, parent);
+}
+
+std::vector<std::string> AskFilesToOpen(const FileQuestion& question, DialogHost& host, QWidget* parent) {
+  return Ask(question, Kind::OpenSeveral, &host, parent);
 }
 
 std::optional<std::string> AskFileToSave(const FileQuestion& question, DialogHost& host, QWidget* parent) {
-  return Ask(question, Kind::Save, &host, parent);
+  return AskForOne(question, Kind::Save, &host, parent);
 }
 
 std::optional<std::string> AskDestination(const FileQuestion& question, DialogHost& host, QWidget* parent) {
-  return Ask(question, Kind::SaveUnasked, &host, parent);
+  return AskForOne(question, Kind::SaveUnasked, &host, parent);
 }
 
 std::optional<std::string> AskDirectory(const QString& title, std::string& folder, QWidget* parent) {
-  auto chosen =
-      Ask({.title = title, .start = folder, .filter = {}, .helpTopic = {}}, Kind::Directory, nullptr, parent);
+  auto chosen = AskForOne({.title = title, .start = folder, .filter = {}, .helpTopic = {}}, Kind::Directory,
+                          nullptr, parent);
   if (chosen) folder = *chosen;
   return chosen;
 }

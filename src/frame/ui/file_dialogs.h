@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "frame/ui/dialog_host.h"
 
@@ -24,6 +25,9 @@ struct FileQuestion {
 // asked about first; a name without extension gets that of the chosen file type when there is only one.
 [[nodiscard]] std::optional<std::string> AskFileToOpen(const FileQuestion& question, DialogHost& host,
                                                        QWidget* parent);
+// Several files; none when the dialog was left.
+[[nodiscard]] std::vector<std::string> AskFilesToOpen(const FileQuestion& question, DialogHost& host,
+                                                      QWidget* parent);
 [[nodiscard]] std::optional<std::string> AskFileToSave(const FileQuestion& question, DialogHost& host,
                                                        QWidget* parent);
 

@@ -1,6 +1,7 @@
 #include "frame/ui/message_box.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 #include <QMessageBox>
 
 #include "frame/texts.h"
@@ -15,9 +16,19 @@ void LabelButtons(QMessageBox& box) {
   if (QAbstractButton* no = box.button(QMessageBox::No)) no->setText(QtText(texts::ButtonNo));
 }
 
+// Lines that the text has itself are not broken again: the toolkit gives a text 500 dots at most.
+void WidenForLines(QMessageBox& box) {
+  constexpr int kWidest = 660;
+  auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+  if (label == nullptr) return;
+  const int lines = label->fontMetrics().size(0, box.text()).width();
+  if (lines <= kWidest) label->setMinimumWidth(lines);
+}
+
 void Show(QWidget* owner, QMessageBox::Icon icon, const QString& text) {
   QMessageBox box(icon, QtText(texts::ApplicationTitle), text, QMessageBox::Ok, owner);
   box.setTextFormat(Qt::PlainText);
+  WidenForLines(box);
   box.exec();
 }
 
@@ -41,6 +52,7 @@ bool AskYesNo(QWidget* owner, const QString& text, DefaultButton preset) {
                   QMessageBox::Yes | QMessageBox::No, owner);
   box.setTextFormat(Qt::PlainText);
   LabelButtons(box);
+  WidenForLines(box);
   box.setDefaultButton(preset == DefaultButton::Yes ? QMessageBox::Yes : QMessageBox::No);
   box.setEscapeButton(QMessageBox::No);
   return box.exec() == QMessageBox::Yes;

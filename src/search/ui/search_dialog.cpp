@@ -81,7 +81,6 @@ void SearchDialog::AddMelodyRow(KeyboardPorts keyboards) {
   box->setObjectName(QStringLiteral("keyboardBox"));
   auto* const label = new QLabel(QtText(texts::NoteKeyboard), this);
   label->setBuddy(box);
-  label->setContentsMargins(0, 0, 2, 0);  // some styles draw the letter of a key wider than they measure it
   row->addWidget(label);
   row->addWidget(box);
   ui_->melodyLayout->addLayout(row);
