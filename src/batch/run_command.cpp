@@ -16,6 +16,7 @@
 #include "frame/cd_tracks.h"
 #include "frame/directory_listing.h"
 #include "frame/file_list_file.h"
+#include "frame/file_types.h"
 #include "frame/filter_bar.h"
 #include "frame/filter_catalogue.h"
 #include "frame/run_journal.h"
@@ -86,15 +87,20 @@ std::string ParameterHelp(const std::string& filter) {
 }
 
 // A path of a command line counts from the current directory. Results name it in full, as they are read in
-// other directories, too. CD tracks stay as they are.
+// other directories, too.
 std::string FromCurrentDirectory(const std::string& path) {
-  if (path.empty() || EntryFromPath(path).cdTrack) return path;
+  if (path.empty()) return path;
   std::error_code error;
   const std::filesystem::path full = std::filesystem::absolute(path, error);
   if (error) return path;
   // What ".." leads to is the file system's to say, which may have a link there.
   const bool plain = std::ranges::find(full, std::filesystem::path("..")) == full.end();
   return plain ? full.lexically_normal().string() : full.string();
+}
+
+// CD tracks, which names without a '.' are, stay as they are, unless there is a file of that name.
+std::string SourcePath(const std::string& name) {
+  return IsCdTrackText(name) && !FileExists(name) ? name : FromCurrentDirectory(name);
 }
 
 // What cannot be right whatever the files hold; nothing when all is well.
@@ -243,7 +249,7 @@ int RunCommand(CommandLine line, Console& console) {
   if (!registry) return kExitFailed;
   if (const auto fault = TakeMelody(request.melody, *registry, job))
     return WrongUsage(console, kCommand, *fault);
-  if (request.destination) job.destinationName = FromCurrentDirectory(*request.destination);
+  if (request.destination) job.destinationName = *request.destination;
   if (!request.print.printer) request.print.printer = request.device;
   if (const auto status = TakePrinting(request.print, *registry, kCommand, console, job)) return *status;
   if (module->missing) {
@@ -275,7 +281,7 @@ int RunCommand(CommandLine line, Console& console) {
       if (!taken) return kExitFailed;
       complete = *taken;
     }
-    for (const std::string& file : request.files) job.files.Append({.path = FromCurrentDirectory(file)});
+    for (const std::string& file : request.files) job.files.Append({.path = SourcePath(file)});
     job.files.SelectAll();
   }
   if (const auto fault = TakeDisc(request.print, console, job)) return WrongUsage(console, kCommand, *fault);
