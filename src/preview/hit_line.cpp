@@ -1,7 +1,6 @@
 #include "preview/hit_line.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "converters/score_formats.h"
@@ -20,7 +19,8 @@ namespace {
 constexpr double kBarLine = 0.16;
 constexpr double kRoom = 0.6;  // around what is drawn
 
-// The bar in which the hit begins.
+}  // namespace
+
 std::optional<std::size_t> BarOfHit(const ScoreMusic& music, const SearchHit& hit) {
   if (hit.track < 0 || std::cmp_greater_equal(hit.track, music.voices.size())) return std::nullopt;
   const auto& voices = music.voices[static_cast<std::size_t>(hit.track)];
@@ -32,8 +32,6 @@ std::optional<std::size_t> BarOfHit(const ScoreMusic& music, const SearchHit& hi
   if (found == events.end()) return std::nullopt;
   return found->bar;
 }
-
-}  // namespace
 
 MusicLine DrawBars(const Engraving& engraving, std::size_t staff, std::size_t first, std::size_t last,
                    bool headed) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "frame/search_hit.h"
@@ -42,6 +43,10 @@ class HitLines {
   std::string path_;
   std::unique_ptr<Engraving> score_;
 };
+
+// The bar in which a hit begins, by its index; nothing where the score does not have the hit any more. Hits
+// themselves count bars from the first full one.
+[[nodiscard]] std::optional<std::size_t> BarOfHit(const ScoreMusic& music, const SearchHit& hit);
 
 // Bars of one staff, each as wide as it is by itself; with what stands over the top staff of a system: bar
 // number, tempo, endings.

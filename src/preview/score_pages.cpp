@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "preview/engraving.h"
+#include "preview/hit_line.h"
 #include "preview/staff_sketch.h"
 
 namespace ts5::preview {
@@ -350,6 +351,10 @@ std::size_t ScorePages::PageOf(std::size_t bar) const {
     if (in.rows[in.pages[page].last - 1].last > bar) return page;
   }
   return in.pages.empty() ? 0 : in.pages.size() - 1;
+}
+
+std::size_t ScorePages::PageOf(const SearchHit& hit) const {
+  return PageOf(BarOfHit(inside_->engraving.music, hit).value_or(0));
 }
 
 std::pair<std::string, std::string> ScorePages::Bars(std::size_t page) const {

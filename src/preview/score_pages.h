@@ -10,6 +10,7 @@
 #include <memory>
 #include <vector>
 
+#include "frame/search_hit.h"
 #include "platform/base/work_watch.h"
 #include "preview/sketch.h"
 #include "score/score_document.h"
@@ -34,6 +35,8 @@ class ScorePages {
   [[nodiscard]] Sketch Draw(std::size_t page) const;
   // The page with a bar, by its index in the score.
   [[nodiscard]] std::size_t PageOf(std::size_t bar) const;
+  // The page on which a hit of the search begins; the first one where the score does not have it any more.
+  [[nodiscard]] std::size_t PageOf(const SearchHit& hit) const;
   // Printed numbers of the first and last bar of a page.
   [[nodiscard]] std::pair<std::string, std::string> Bars(std::size_t page) const;
 

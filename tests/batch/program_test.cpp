@@ -12,6 +12,7 @@
 #include "batch/run_program.h"
 #include "frame/filter_catalogue.h"
 #include "modules/filter_modules.h"
+#include "search/hit_texts.h"
 #include "support/home.h"
 #include "support/test_data.h"
 
@@ -216,6 +217,26 @@ TEST_F(ProgramTest, ASearchResultReplacesResultFilesOnly) {
   EXPECT_THAT(Content(lyrics), HasSubstr("sts5="));
   EXPECT_EQ(Run(line), kExitSuccess) << "now it is a result file";
   EXPECT_EQ(Listing(folder_.File("lieder")), "lied.mid lied.txt");
+}
+
+TEST_F(ProgramTest, RelativeNamesAreToldInFull) {
+  const std::string song = folder_.File("lieder/lied.mid");
+  fs::copy_file(DataPath("midi/jazzsoft_test-c-major-scale.mid"), song);
+  const auto run = [&](std::vector<std::string> line) {
+    const ProgramEnd end = RunChild(line);
+    EXPECT_EQ(end.status, kExitSuccess) << end.err;
+    return end.out;
+  };
+  // Names without a dot, as those of CD tracks are.
+  run({"run", "MidiSearch", "--keys", "cde", "--dir", "lieder", "--dest", "fund"});
+  EXPECT_THAT(Content(folder_.File("fund")), HasSubstr("\r\n" + ShortenedPath(song) + " "));
+  const auto json =
+      nlohmann::json::parse(run({"run", "MidiConverter", "--json", "--dir", "lieder", "--dest-dir", "neu"}));
+  EXPECT_EQ(json["items"][0]["source"], song);
+  EXPECT_EQ(json["items"][0]["destination"], folder_.File("neu/lied.cnv.mid"));
+  fs::copy_file(song, folder_.File("lied"));
+  EXPECT_THAT(run({"run", "MidiSearch", "--keys", "cde", "--json", "lied"}),
+              HasSubstr("\"file\": \"" + folder_.File("lied") + "\""));
 }
 
 TEST_F(ProgramTest, FourProgramsAtOnceNumberWithoutLoss) {

@@ -5,6 +5,10 @@
 
 #include <algorithm>
 
+#include "converters/score_formats.h"
+#include "preview/score_pages.h"
+#include "score/score_log.h"
+#include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/midi_search.h"
 #include "search/score_search.h"
@@ -50,6 +54,61 @@ TEST(HitLine, OfAScoreShowsTheBarsOfTheStaffInWhichItLies) {
     const auto line = lines.Draw(hit, 5);
     ASSERT_THAT(line, IsOk());
     EXPECT_GE(Heads(*line), 6) << "staff " << hit.track << " bar " << hit.bar;
+  }
+}
+
+// In the lower of two staves a melody that begins with every bar; with an upbeat of a quarter note.
+constexpr int kSystems = 50;
+constexpr int kBarsOfSystem = 4;
+ScoreDocument TuneInEveryBar(bool upbeat) {
+  ScoreDocument score;
+  score.staves = {{.name = "Flöte"}, {.name = "Geige"}};
+  const ScoreItem c = ChordItem(2, {ScoreNote{kMiddleC, 0, 0}});
+  const ScoreItem d = ChordItem(2, {ScoreNote{kD, 0, 0}});
+  for (int system = 0; system < kSystems; ++system) {
+    VoiceItems upper{ClefItem(kClefG), TimeItem(3, 2)};
+    VoiceItems lower = upper;
+    if (upbeat && system == 0) {
+      for (VoiceItems* voice : {&upper, &lower}) voice->insert(voice->end(), {c, BarItem()});
+    }
+    for (int bar = 0; bar < kBarsOfSystem; ++bar) {
+      upper.insert(upper.end(), {WholeBarRest(), BarItem()});
+      lower.insert(lower.end(), {d, d, c, BarItem()});
+    }
+    score.systems.push_back({.staves = {{.layout = 0, .time = {3, 2}, .voices = {std::move(upper)}},
+                                        {.layout = 1, .time = {3, 2}, .voices = {std::move(lower)}}}});
+  }
+  return score;
+}
+
+TEST(HitLine, TheBarOfAHitIsThePrintedOneWithAndWithoutAnUpbeat) {
+  TemporaryDirectory folder;
+  for (const bool upbeat : {false, true}) {
+    for (const auto& [format, name] : {std::pair(ScoreFormat::Score, "a.stv"),
+                                       {ScoreFormat::StvXml, "a.stvx"},
+                                       {ScoreFormat::MusicXml, "a.xml"}}) {
+      SCOPED_TRACE(testing::Message() << name << (upbeat ? " with an upbeat" : ""));
+      ScoreDocument score = TuneInEveryBar(upbeat);
+      LossReport losses;
+      const auto written = WriteAnyScore(score, format, losses);
+      ASSERT_THAT(written, IsOk());
+      const auto hits = Search(folder.Write(name, AsText(*written)), "62:240,62:240,60:240", SearchScoreFile);
+      auto read = ReadAnyScore(*written);
+      ASSERT_TRUE(read);
+      const ScoreMusic music = ReadMusic(read->document);
+      const ScorePages pages(read->document);
+      EXPECT_GT(pages.Count(), 1U);
+      ASSERT_EQ(hits.size(), std::size_t{kSystems * kBarsOfSystem});
+      for (std::size_t i = 0; i < hits.size(); ++i) {
+        const auto bar = BarOfHit(music, hits[i]);
+        ASSERT_TRUE(bar);
+        EXPECT_EQ(music.bars[*bar].number, std::to_string(i + 1));
+        EXPECT_EQ(HitColumns(SearchKind::Score, hits[i], false)[2], std::to_string(i + 1));
+        const auto [first, last] = pages.Bars(pages.PageOf(hits[i]));
+        EXPECT_LE(std::stoul(first), i + 1);
+        EXPECT_GE(std::stoul(last), i + 1);
+      }
+    }
   }
 }
 

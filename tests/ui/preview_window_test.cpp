@@ -9,6 +9,8 @@
 #include "dialogs_support.h"
 #include "frame/ui/results_dialog.h"
 #include "preview/ui/page_view.h"
+#include "search/melody_text.h"
+#include "search/score_search.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -18,9 +20,9 @@ using preview::PageView;
 using preview::PreviewWindow;
 
 // Shows a file and waits until it is there.
-void OpenAndWait(PreviewWindow& window, const std::string& path, std::size_t bar = 0) {
+void OpenAndWait(PreviewWindow& window, const std::string& path, const std::optional<SearchHit>& hit = {}) {
   QSignalSpy ready(&window, &PreviewWindow::Ready);
-  window.Open(path, bar);
+  window.Open(path, hit);
   ASSERT_TRUE(ready.count() > 0 || ready.wait(30'000));
 }
 
@@ -54,8 +56,16 @@ TEST(PreviewWindowTest, TurnsPagesAndChangesTheSize) {
   ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
   QTest::keyClick(&view, Qt::Key_F1);
   EXPECT_EQ(host.topics, QStringList("notenbild.htm"));
-  // A place in the music leads to its page.
-  OpenAndWait(window, path, SIZE_MAX);
+  // A hit of the search leads to its page.
+  SearchHit last;
+  const MelodyQuery anyNote{MelodyFromNumbers("60:240")->elements,
+                            {.rhythm = RhythmMode::Any, .pitch = PitchMode::Ignore}};
+  const auto keep = [&last](const SearchHit& hit) {
+    last = hit;
+    return Outcome::Success;
+  };
+  ASSERT_GT(SearchScoreFile(path, anyNote, keep, {}).hits, 0U);
+  OpenAndWait(window, path, last);
   EXPECT_EQ(view.Page(), count - 1);
 }
 

@@ -258,7 +258,7 @@ ResultsDialog* RunCommands::MakeResultsDialog(RunResult result, JobId id,
   connect(
       dialog, &ResultsDialog::UndoWanted, this, [this, id] { Undo(id); }, Qt::QueuedConnection);
   connect(dialog, &ResultsDialog::NotationWanted, this,
-          [this](const std::string& path) { preview::ShowNotation(path, 0, desk_, desk_.Window()); });
+          [this](const std::string& path) { preview::ShowNotation(path, desk_, desk_.Window()); });
   connect(dialog, &ResultsDialog::FileChosen, this, [this, id](const std::string& path) {
     const Job* const job = Find(id);
     if (job != nullptr && job->MayChange() && active_.Activate(id)) emit FileChosen(path);

@@ -169,11 +169,9 @@ void SearchCommands::ShowMenu(const QPoint& position) {
   show->setToolTip(QtText(texts::ShowHitTitle));
   show->setStatusTip(QtText(texts::HintShowSearchResult));
   if (const auto row = Row(); row && !midi) {
-    const SearchHit hit = Panel().Results().Hit(*row);
-    // Bars are counted from 1, an upbeat is 0.
-    const auto bar = static_cast<std::size_t>(std::max<std::int32_t>(hit.bar - 1, 0));
-    menu.addAction(QtText(texts::PreviewShow), this,
-                   [this, hit, bar] { preview::ShowNotation(hit.file, bar, desk_, desk_.Window()); });
+    menu.addAction(QtText(texts::PreviewShow), this, [this, hit = Panel().Results().Hit(*row)] {
+      preview::ShowNotation(hit, desk_, desk_.Window());
+    });
   }
   for (const CommandId command : {CommandId::PlayHit, CommandId::CopyHits}) actions.AddTo(menu, command);
   menu.addSeparator();

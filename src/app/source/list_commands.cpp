@@ -333,7 +333,7 @@ void ListCommands::ShowProperties() {
 void ListCommands::ShowNotation() {
   const FileViewModel& model = area_.Model();
   const std::size_t row = area_.Files()->FocusRow();
-  if (row < model.Size()) preview::ShowNotation(model.At(row).path, 0, desk_, desk_.Window());
+  if (row < model.Size()) preview::ShowNotation(model.At(row).path, desk_, desk_.Window());
 }
 
 }  // namespace ts5

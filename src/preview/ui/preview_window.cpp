@@ -24,19 +24,28 @@ namespace {
 constexpr QSize kUsualSize{900, 900};
 constexpr double kStep = 1.25;
 
+void ShowInWindow(const std::string& path, const std::optional<SearchHit>& hit, DialogHost& host,
+                  const QWidget* owner) {
+  auto* const window = new PreviewWindow(host);
+  window->setAttribute(Qt::WA_DeleteOnClose);
+  window->setAttribute(Qt::WA_QuitOnClose, false);
+  QObject::connect(owner, &QObject::destroyed, window, [window] { delete window; });
+  window->Open(path, hit);
+  window->show();
+}
+
 }  // namespace
 
 bool IsScoreName(const std::string& path) {
   return ScoreFormatOfName(FileNameOf(path)).has_value();
 }
 
-void ShowNotation(const std::string& path, std::size_t bar, DialogHost& host, const QWidget* owner) {
-  auto* const window = new PreviewWindow(host);
-  window->setAttribute(Qt::WA_DeleteOnClose);
-  window->setAttribute(Qt::WA_QuitOnClose, false);
-  QObject::connect(owner, &QObject::destroyed, window, [window] { delete window; });
-  window->Open(path, bar);
-  window->show();
+void ShowNotation(const std::string& path, DialogHost& host, const QWidget* owner) {
+  ShowInWindow(path, {}, host, owner);
+}
+
+void ShowNotation(const SearchHit& hit, DialogHost& host, const QWidget* owner) {
+  ShowInWindow(hit.file, hit, host, owner);
 }
 
 PreviewWindow::PreviewWindow(DialogHost& host)
@@ -101,7 +110,7 @@ void PreviewWindow::BuildToolBar() {
   word(texts::PreviewWholePage, Qt::CTRL | Qt::Key_0, [this] { view_->SetFit(PageView::Fit::Page); });
 }
 
-void PreviewWindow::Open(const std::string& path, std::size_t bar) {
+void PreviewWindow::Open(const std::string& path, const std::optional<SearchHit>& hit) {
   setWindowTitle(ToQt(Format(Text(texts::PreviewTitle), FileNameOf(path))));
   message_->setText(QtText(texts::PreviewReading));
   stack_->setCurrentWidget(message_);
@@ -111,13 +120,13 @@ void PreviewWindow::Open(const std::string& path, std::size_t bar) {
   reader_.request_stop();
   if (reader_.joinable()) reader_.join();
   const unsigned round = ++round_;
-  reader_ = std::jthread([this, path, bar, round](const std::stop_token& stop) {
+  reader_ = std::jthread([this, path, hit, round](const std::stop_token& stop) {
     auto read = std::make_shared<Read>(ReadFile(path, stop));
     if (stop.stop_requested()) return;
     QMetaObject::invokeMethod(
         this,
-        [this, read, bar, round] {
-          if (round == round_) Take(std::move(*read), bar);
+        [this, read, hit, round] {
+          if (round == round_) Take(std::move(*read), hit);
         },
         Qt::QueuedConnection);
   });
@@ -141,14 +150,14 @@ PreviewWindow::Read PreviewWindow::ReadFile(const std::string& path, const std::
   return {std::move(pages), {}};
 }
 
-void PreviewWindow::Take(Read read, std::size_t bar) {
+void PreviewWindow::Take(Read read, const std::optional<SearchHit>& hit) {
   pages_ = std::move(read.pages);
   if (pages_ == nullptr) {
     message_->setText(ToQt(read.message));
   } else {
     stack_->setCurrentWidget(view_);
     view_->SetPages(pages_.get());
-    view_->ShowPage(pages_->PageOf(bar));
+    view_->ShowPage(hit ? pages_->PageOf(*hit) : 0);
     view_->setFocus();
   }
   Refresh();

@@ -4,6 +4,7 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -24,7 +25,9 @@ class PageView;
 
 // Opens a window with the file in it, which can be used whatever dialog the owner shows, and goes with the
 // owner. host: for its help; both outlive it.
-void ShowNotation(const std::string& path, std::size_t bar, DialogHost& host, const QWidget* owner);
+void ShowNotation(const std::string& path, DialogHost& host, const QWidget* owner);
+// The same with the page on which a hit of the search begins.
+void ShowNotation(const SearchHit& hit, DialogHost& host, const QWidget* owner);
 
 class PreviewWindow : public QMainWindow {
   Q_OBJECT
@@ -33,8 +36,8 @@ class PreviewWindow : public QMainWindow {
   explicit PreviewWindow(DialogHost& host);
   ~PreviewWindow() override;
 
-  // Reads the file and shows the page with a bar (index in the score).
-  void Open(const std::string& path, std::size_t bar = 0);
+  // Reads the file and shows its first page, or the one on which a hit of the search begins.
+  void Open(const std::string& path, const std::optional<SearchHit>& hit = {});
   [[nodiscard]] const ScorePages* Pages() const { return pages_.get(); }
   [[nodiscard]] PageView* View() const { return view_; }
   // What is shown instead of a page, "" while there is one.
@@ -52,7 +55,7 @@ class PreviewWindow : public QMainWindow {
   };
   [[nodiscard]] static Read ReadFile(const std::string& path, const std::stop_token& stop);
   void BuildToolBar();
-  void Take(Read read, std::size_t bar);
+  void Take(Read read, const std::optional<SearchHit>& hit);
   void Refresh();
 
   std::unique_ptr<ScorePages> pages_;
