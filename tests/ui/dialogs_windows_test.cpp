@@ -7,9 +7,11 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QRegularExpression>
 #include <QTest>
 #include <QTextBrowser>
+#include <QVBoxLayout>
 #include <cmath>
 
 #include "app/look/appearance.h"
@@ -102,6 +104,20 @@ TEST(AppearanceTest, EverySkinIsFilledInAndItsPicturesExist) {
       }
     }
   }
+}
+
+TEST(AppearanceTest, ABarHasRoomForItsNumbersInASmallWindow) {
+  for (const SkinLayout layout : kLayouts) {
+    ApplyAppearance(*qApp, layout, false);
+    QWidget window;
+    QVBoxLayout column(&window);
+    QProgressBar bar;
+    column.addWidget(&bar);
+    window.resize(300, 1);
+    window.show();
+    EXPECT_GE(bar.height(), bar.fontMetrics().height()) << static_cast<int>(layout);
+  }
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
 }
 
 double Luminance(const QColor& colour) {
