@@ -98,7 +98,7 @@ TEST_F(ProgramTest, ConvertsWhatItCanAndSaysWhatItCannot) {
   ASSERT_EQ(json["items"].size(), 5U);
   EXPECT_GE(json["items"][0]["code"], 0);
   EXPECT_EQ(json["items"][0]["source"], folder_.File("lieder/eins.mid"));
-  EXPECT_EQ(json["items"][0]["destination"], "neu/eins.cnv.mid");
+  EXPECT_EQ(json["items"][0]["destination"], folder_.File("neu/eins.cnv.mid"));
   EXPECT_EQ(json["items"][1]["code"], -104);
   for (const std::size_t missing : {2U, 3U, 4U}) EXPECT_EQ(json["items"][missing]["code"], -300) << missing;
   EXPECT_EQ(NewFiles(), "eins.cnv.mid");
@@ -230,10 +230,6 @@ TEST_F(ProgramTest, RelativeNamesAreToldInFull) {
   // Names without a dot, as those of CD tracks are.
   run({"run", "MidiSearch", "--keys", "cde", "--dir", "lieder", "--dest", "fund"});
   EXPECT_THAT(Content(folder_.File("fund")), HasSubstr("\r\n" + ShortenedPath(song) + " "));
-  const auto json =
-      nlohmann::json::parse(run({"run", "MidiConverter", "--json", "--dir", "lieder", "--dest-dir", "neu"}));
-  EXPECT_EQ(json["items"][0]["source"], song);
-  EXPECT_EQ(json["items"][0]["destination"], folder_.File("neu/lied.cnv.mid"));
   fs::copy_file(song, folder_.File("lied"));
   EXPECT_THAT(run({"run", "MidiSearch", "--keys", "cde", "--json", "lied"}),
               HasSubstr("\"file\": \"" + folder_.File("lied") + "\""));

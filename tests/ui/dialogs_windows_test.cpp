@@ -97,6 +97,20 @@ TEST(AppearanceTest, EverySkinIsFilledInAndItsPicturesExist) {
   }
 }
 
+TEST(AppearanceTest, ABarHasRoomForItsNumbersInASmallWindow) {
+  for (const SkinLayout layout : kLayouts) {
+    ApplyAppearance(*qApp, layout, false);
+    QWidget window;
+    QVBoxLayout column(&window);
+    QProgressBar bar;
+    column.addWidget(&bar);
+    window.resize(300, 1);
+    window.show();
+    EXPECT_GE(bar.height(), bar.fontMetrics().height()) << static_cast<int>(layout);
+  }
+  ApplyAppearance(*qApp, SkinLayout::Stavora5, false);
+}
+
 double Luminance(const QColor& colour) {
   const auto linear = [](double channel) {
     return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
