@@ -1,14 +1,6 @@
 // File lists and the directory view in the window.
 #include <gmock/gmock.h>
 
-#include <QCheckBox>
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMimeData>
-#include <QPushButton>
-#include <QUrl>
 #include <filesystem>
 
 #include "frame/texts.h"
