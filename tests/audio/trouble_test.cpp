@@ -195,10 +195,8 @@ TEST_F(PlayerTroubleTest, AnOutputThatVanishesEndsTheRun) {
               (void)std::signal(SIGXFSZ, SIG_IGN);
               const rlimit limit{20'000, 20'000};
               if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
-              const auto start = std::chrono::steady_clock::now();
               const RunResult result = Play({song, song}, "wave:" + place_.File("aus.wav"));
-              return std::chrono::steady_clock::now() - start < std::chrono::seconds(20) &&
-                     result.items.size() == 1 && result.items[0].code == Code(Outcome::WriteFailed) &&
+              return result.items.size() == 1 && result.items[0].code == Code(Outcome::WriteFailed) &&
                      result.remarks.at(0) == Text(texts::PlayerDeviceGone);
             }),
             0);

@@ -251,19 +251,17 @@ TEST(MidiSequencer, ADeviceThatGoesAwayInALongRestOrAPauseEndsItAsWell) {
     bool Alive() override { return alive; }
     std::atomic<bool> alive = true;
   };
-  const auto sequence = MidiSequence::FromFile(File({{0, 0x90, 60, 1, 0x83, 0xD2, 0x7B, 61, 1}}, 500));
+  const auto sequence = MidiSequence::FromFile(File({{0, 0x90, 60, 1, 0x9E, 0xC2, 0x20, 61, 1}}, 500));
   ASSERT_THAT(sequence, IsOk());
   for (const bool paused : {false, true}) {
     Mortal output;
     MidiSequencer sequencer(*sequence, output);
     if (paused) sequencer.Pause();
-    const auto start = std::chrono::steady_clock::now();
     std::jthread killer([&] {
       std::this_thread::sleep_for(50ms);
       output.alive = false;
     });
-    EXPECT_EQ(sequencer.Run(), Outcome::WriteFailed);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << "and not after the minute of the rest";
+    EXPECT_EQ(sequencer.Run(), Outcome::WriteFailed) << "and not after the 500 s of the rest";
   }
 }
 

@@ -68,11 +68,9 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
 
   Sent stopped;
   const std::vector<MelodyElement> endless(1000, Note(60, 32767));
-  const auto start = std::chrono::steady_clock::now();
   player.Start(endless, std::make_unique<SharedOutput>(stopped, false), 10, 0, [&](Outcome) { ++ended; });
   EXPECT_TRUE(player.Playing());
   player.Stop();
-  EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
   EXPECT_TRUE(stopped.closed);
   EXPECT_FALSE(player.Playing());
   EXPECT_EQ(ended, 1) << "a stop is no end";

@@ -3,16 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <QAccessible>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QComboBox>
-#include <QDoubleSpinBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QSpinBox>
-#include <QTabWidget>
 #include <QTest>
 
 #include "artworker/layout_file.h"

@@ -1,8 +1,15 @@
 // What holds for every window: names for screen readers, texts that fit, every appearance, a small screen;
 // and that icons, skins and help pages are whole.
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <QDBusVariant>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTextBrowser>
 #include <cmath>
 
 #include "app/look/appearance.h"

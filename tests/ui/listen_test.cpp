@@ -1,10 +1,6 @@
 // Hearing files at once from the list: what sounds, what stays as it is, and what is said where nothing can.
 #include <gtest/gtest.h>
 
-#include <QLabel>
-#include <QSlider>
-#include <QSpinBox>
-#include <QToolButton>
 #include <algorithm>
 
 #include "app/listen/listener.h"

@@ -2,8 +2,6 @@
 // written.
 #include <gmock/gmock.h>
 
-#include <QRadioButton>
-#include <QSpinBox>
 #include <fstream>
 
 #include "app/source/disc_commands.h"

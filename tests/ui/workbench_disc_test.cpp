@@ -1,11 +1,6 @@
 // The virtual CD drive in the main window: a disc put in, its tracks shown, taken into the list and played.
 #include <gmock/gmock.h>
 
-#include <QClipboard>
-#include <QFileDialog>
-#include <QHeaderView>
-#include <QMimeData>
-
 #include "frame/texts.h"
 #include "platform/disc/virtual_cd.h"
 #include "support/home.h"

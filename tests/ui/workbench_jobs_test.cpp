@@ -2,9 +2,6 @@
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
-#include <QAbstractButton>
-#include <QLineEdit>
-
 #include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "modules/filter_modules.h"

@@ -2,17 +2,6 @@
 // which a window can go while something is under way.
 #include <gmock/gmock.h>
 
-#include <QClipboard>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTextEdit>
-#include <QTreeView>
-
 #include "app/texts.h"
 #include "artworker/artworker_parameters.h"
 #include "frame/remarks.h"

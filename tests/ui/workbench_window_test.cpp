@@ -1,13 +1,6 @@
 // The window itself: its commands, keys, filter bar, and what assistive technology sees of it.
 #include <gmock/gmock.h>
 
-#include <QAccessible>
-#include <QFileDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenuBar>
-#include <QPushButton>
-#include <QStatusBar>
 #include <set>
 
 #include "app/look/tile_looks.h"
