@@ -194,7 +194,7 @@ class CopyRun {
     }
     if (source_->Reader().Doubtful() > 0) run_.AddStatus({code::kUnreliable, false, 0});
     if (failed > 0) {
-      const std::string question = Format(Text(texts::AskFailedFiles), failed);
+      const std::string question = Format(Text(texts::AskFailedTracks), failed);
       if (tracks_.empty() || run_.Ask({.text = question, .preset = Answer::No}) != Answer::Yes)
         return failure;
       readFailure_ = failure;

@@ -24,6 +24,7 @@ constexpr Reason kReasons[] = {
     {kAll, engine::kHeaderNotWritten, texts::ReasonFolder},
     {kAll, engine::kFileNotWritten, texts::ReasonFolder},
     {kAll, engine::kChunkNotClosed, texts::ReasonFolder},
+    {kAll, engine::kSectorsUnreadable, texts::ReasonUnreadable},
     {kAll, engine::kSourceRead, texts::ReasonSource},
     {kAll, engine::kSourceOpen, texts::ReasonSource},
     {kAll, engine::kCueSheet, texts::ReasonCueSheet},

@@ -12,6 +12,7 @@
 #include "audio/wave_file.h"
 #include "disc/disc_codes.h"
 #include "disc/disc_memory.h"
+#include "disc/engine_reason.h"
 #include "disc/grab_parameters.h"
 #include "disc/grabbed_sheet.h"
 #include "disc/pause_search.h"
@@ -85,6 +86,7 @@ struct PieceTarget {
   StagedFile& file;
   std::function<void(double)> progress;
   std::int32_t number = 0;  // of an engine's error
+  std::string line = {};    // what is said of that
   bool keep = false;        // in place although something failed
 };
 
@@ -144,6 +146,7 @@ class GrabRun {
             ? GrabPiece({place->number, Lba{static_cast<std::int32_t>(track->start)}, track->sectors}, target)
             : NotRead(target, engine::kSectorsUnreadable);
     work.number = target.number;
+    work.line = target.line;
     work.keepTarget = target.keep;
     return grabbed;
   }
@@ -244,6 +247,8 @@ class GrabRun {
   Outcome NotRead(PieceTarget& target, std::uint32_t error) {
     run_.StatusText(Text(texts::TrackNotRead));
     target.number = static_cast<std::int32_t>(error);
+    target.line = code::RemarkText(code::kTrackNotRead, target.number);
+    if (const auto reason = ReasonOf(error)) target.line += " " + std::string(Text(*reason));
     return static_cast<Outcome>(code::kTrackNotRead);
   }
 
@@ -324,7 +329,8 @@ class GrabRun {
         Failed(committed) ? void(grabbed = committed) : run_.Made(path);
       }
       item.code = Code(grabbed);
-      if (Failed(grabbed)) run_.AddStatus({item.code, false, target.number});
+      item.remark = target.line;
+      if (Failed(grabbed)) run_.AddStatus({item.code, false, target.number, target.line});
     }
     ++run_.Result().counts[item.code >= 0 ? 0 : 1];
     run_.Result().items.push_back(std::move(item));

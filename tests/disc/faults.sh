@@ -150,13 +150,13 @@ check "data first" 1 "blank 0" "ist keine Audio-CD" bash -c 'copy'
 # --- reading
 "$batch" cd insert musik.cue >/dev/null || failed=1
 bad='[{"op":"BE","drive":"STAVORA VIRTUELLE CD","lba":400,"times":99999,"sense":"03/11/00"}]'
-check "a sector is unreadable" 1 - "(Code 1804)" bash -c 'with "$@"' with "$bad" grab
+check "a sector is unreadable" 1 - "(Code 1804) Die Quell-CD ist an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" grab
 [ "$(ls g)" = $'Track01.wav\nTrack03.wav' ] || { echo "grabbed in spite of it: $(ls g)"; failed=1; }
 check "a sector is read at last" 0 - "keine" bash -c 'with "$@"' with "${bad/99999/3}" grab
 blank
 check "a copy on the fly breaks off" 1 "damaged 0" "nicht mehr zu lesen" bash -c 'with "$@"' with "$bad" copy --set CopyOnTheFly=1
 blank
-check "a copy lacks a track" 1 "blank 0" "(Code 1804)" bash -c 'with "$@"' with "$bad" copy
+check "a copy lacks a track" 1 "blank 0" "an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" copy
 
 # --- full folders
 mkdir full
