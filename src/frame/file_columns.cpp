@@ -84,15 +84,6 @@ constexpr std::array kColumns{
 constexpr std::array kNamedColumns{std::pair{FileColumn::Name, std::string_view("Name")},
                                    std::pair{FileColumn::Directory, std::string_view("Directory")}};
 
-// In the settings; "" for a column that they do not know.
-std::string_view NameOf(FileColumn column) {
-  for (const auto& [named, name] : kNamedColumns) {
-    if (named == column) return name;
-  }
-  const FactColumn* const fact = FindFactColumn(column);
-  return fact == nullptr ? std::string_view() : fact->name;
-}
-
 std::optional<FileColumn> ColumnNamed(std::string_view name) {
   for (const auto& [column, own] : kNamedColumns) {
     if (own == name) return column;
@@ -127,28 +118,19 @@ std::string SumText(milliseconds length) {
   return Format(Text(texts::SumHours), minutes / 60, minutes % 60);
 }
 
-ShownColumns ColumnsFrom(std::string_view names) {
-  const auto parts = Split(names, ' ');
+ShownColumns ColumnsFrom(std::string_view stored) {
   ShownColumns columns;
-  for (const FactColumn& column : kColumns) {
-    if (names.empty() || std::ranges::find(parts, column.name) != parts.end()) columns.insert(column.column);
+  for (const std::string_view part : Split(stored, ' ')) {
+    const auto column = ColumnNamed(part.substr(0, part.find('=')));
+    if (column && FindFactColumn(*column) != nullptr) columns.insert(*column);
   }
   return columns;
 }
 
-std::string NamesOf(const ShownColumns& columns) {
-  if (columns.empty()) return "-";
-  std::string names;
-  for (const FactColumn& column : kColumns) {
-    if (columns.contains(column.column)) names += (names.empty() ? "" : " ") + std::string(column.name);
-  }
-  return names;
-}
-
-ColumnWidths WidthsFrom(std::string_view text) {
+ColumnWidths WidthsFrom(std::string_view stored) {
   constexpr std::int64_t kWidest = 10'000;
   ColumnWidths widths;
-  for (const std::string_view part : Split(text, ' ')) {
+  for (const std::string_view part : Split(stored, ' ')) {
     const std::size_t sign = part.find('=');
     if (sign == std::string_view::npos) continue;
     const auto column = ColumnNamed(part.substr(0, sign));
@@ -158,15 +140,25 @@ ColumnWidths WidthsFrom(std::string_view text) {
   return widths;
 }
 
-std::string TextOf(const ColumnWidths& widths) {
-  std::string text;
-  for (const auto& [column, width] : widths)
-    text += Format("%s%s=%i", text.empty() ? "" : " ", NameOf(column), width);
-  return text;
+std::string NamesOf(const ShownColumns& columns, const ColumnWidths& widths) {
+  std::string names = columns.empty() ? "-" : "";
+  const auto add = [&](FileColumn column, std::string_view name) {
+    const auto width = widths.find(column);
+    names += (names.empty() ? "" : " ") + std::string(name);
+    if (width != widths.end()) names += "=" + std::to_string(width->second);
+  };
+  for (const FactColumn& column : kColumns) {
+    if (columns.contains(column.column)) add(column.column, column.name);
+  }
+  for (const auto& [column, name] : kNamedColumns) {
+    if (widths.contains(column)) add(column, name);
+  }
+  return names;
 }
 
 bool KeepsWidth(FileColumn column) {
-  return !NameOf(column).empty();
+  return FindFactColumn(column) != nullptr ||
+         std::ranges::any_of(kNamedColumns, [&](const auto& named) { return named.first == column; });
 }
 
 }  // namespace ts5

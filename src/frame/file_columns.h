@@ -35,15 +35,14 @@ struct FactColumn {
 // The same for a sum: "4 h 12 min", "12 min", "25 s".
 [[nodiscard]] std::string SumText(std::chrono::milliseconds length);
 
-// Which columns are shown: names with blanks between, "" for all, "-" for none; unknown ones are passed over.
+// What the settings keep of the columns: the names of those that are shown with blanks between, "-" for none,
+// and behind a name how wide the user made it, in pixels: "Length=80 Key Name=300". What is none of them is
+// passed over.
 using ShownColumns = std::set<FileColumn>;
-[[nodiscard]] ShownColumns ColumnsFrom(std::string_view names);
-[[nodiscard]] std::string NamesOf(const ShownColumns& columns);
-
-// How wide the user made columns, in pixels: "Name=300 Length=80". What is none of them is passed over.
 using ColumnWidths = std::map<FileColumn, int>;
-[[nodiscard]] ColumnWidths WidthsFrom(std::string_view text);
-[[nodiscard]] std::string TextOf(const ColumnWidths& widths);
+[[nodiscard]] ShownColumns ColumnsFrom(std::string_view stored);
+[[nodiscard]] ColumnWidths WidthsFrom(std::string_view stored);
+[[nodiscard]] std::string NamesOf(const ShownColumns& columns, const ColumnWidths& widths = {});
 // Whether a column has a width of the user's; others are as wide as their texts.
 [[nodiscard]] bool KeepsWidth(FileColumn column);
 

@@ -44,10 +44,8 @@ struct Settings {
   std::string fileSearchDirectories;
   std::optional<WindowRectangle> mainWindowPosition;
   bool mainWindowMaximised = true;
-  // The columns of the file list that show facts, "" those that have room, their widths, and what it is
-  // sorted by: frame/file_columns, list_order.
-  std::string fileColumns;
-  std::string fileColumnWidths;
+  // The columns of the file list that show facts, and what it is sorted by: frame/file_columns, list_order.
+  std::string fileColumns = "Length Size Date Key Metre Tempo Voices";
   std::string fileSorting;
   std::int32_t listeningVolume = 0;  // of the player under the list, hundredths of a decibel
   bool showAllFilters = false;       // the filter bar shows what does not fit the selection, too

@@ -134,7 +134,6 @@ const std::vector<SettingRow>& Rows() {
       Rectangle("MainWindowPos", &Settings::mainWindowPosition),
       Flag("MainWindowMaximised", &Settings::mainWindowMaximised),
       FreeText("FileListColumns", &Settings::fileColumns),
-      FreeText("FileListWidths", &Settings::fileColumnWidths),
       FreeText("FileListSorting", &Settings::fileSorting),
       Number("ListeningVolume", &Settings::listeningVolume, -10'000, 0),
       Flag("ShowAllFilters", &Settings::showAllFilters),

@@ -1,6 +1,6 @@
 // How wide the columns of the file list are. Columns of facts are as wide as most of their texts, names and
 // directories share what is left, and a column that the user made wider or narrower stays so. As long as he
-// has not chosen columns, the last ones give way where there is no room for them.
+// has taken none away, the last ones give way where there is no room for them.
 #pragma once
 
 #include <QTreeView>

@@ -31,6 +31,7 @@ DiscCommands::DiscCommands(Desk& desk, ActiveJob& active, SourceArea& area, Sour
                            Application& application)
     : desk_(desk),
       active_(active),
+      area_(area),
       source_(source),
       application_(application),
       project_(active, area, source, application.GetJobs()) {
@@ -56,6 +57,8 @@ DiscCommands::DiscCommands(Desk& desk, ActiveJob& active, SourceArea& area, Sour
   add(recorder_, texts::RecorderEject, [this] { EjectRecorder(); });
   add(recorder_, texts::RecorderFolder, [this] { ShowRecorderFolder(); });
 
+  area_.RecorderButton()->addActions({recorder_.begin(), recorder_.end()});
+  area_.RecorderButton()->setDefaultAction(recorder_.front());
   CommandActions& actions = desk_.Actions();
   actions.On(CommandId::DiscInformation, [this] { ShowInformation(); });
   actions.On(CommandId::EraseDisc, [this] { Erase(); });
@@ -75,15 +78,18 @@ void DiscCommands::OfferRecorder(QWidget& view) {
 }
 
 void DiscCommands::Refresh() {
-  const auto show = [this](const std::vector<QAction*>& actions, bool shown) {
+  const auto show = [](const std::vector<QAction*>& actions, bool shown, bool enabled) {
     for (QAction* action : actions) {
       action->setVisible(shown);
-      action->setEnabled(shown && active_->MayChange());
+      action->setEnabled(shown && enabled);
     }
   };
-  show(drive_, SourceIsVirtualDrive(*active_));
+  show(drive_, SourceIsVirtualDrive(*active_), active_->MayChange());
   const std::string drive = CurrentDrive();
-  show(recorder_, drive == VirtualRecorderDirectory());
+  // A run may be waiting for the disc that is put in.
+  const bool recorder = drive == VirtualRecorderDirectory();
+  show(recorder_, recorder, true);
+  area_.RecorderButton()->setVisible(recorder);
   const Job& job = *active_;
   desk_.Actions().SetEnabled(CommandId::TrackPause, Has(job.filter, kTimedList) && job.MayChange() &&
                                                         job.Mode() == SourceMode::List && !job.files.Empty());

@@ -59,6 +59,7 @@ class DiscCommands : public QObject {
 
   Desk& desk_;
   ActiveJob& active_;
+  SourceArea& area_;
   SourceCommands& source_;
   Application& application_;
   std::vector<QAction*> drive_;               // of the virtual drive

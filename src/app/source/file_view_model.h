@@ -71,6 +71,7 @@ class FileViewModel : public QAbstractTableModel {
   // --- facts
 
   void SetColumns(const ShownColumns& columns);
+  [[nodiscard]] const ShownColumns& Columns() const { return shown_; }
   // What a column of the model shows; nothing for a text of a track.
   [[nodiscard]] std::optional<FileColumn> ColumnAt(int column) const;
   [[nodiscard]] bool ShowsFacts() const { return MayArrange() && !shown_.empty(); }

@@ -42,10 +42,10 @@ ListArrangement::ListArrangement(Desk& desk, ActiveJob& active, SourceArea& area
   sortTimer_.setInterval(kSortRest);
   model_.SetColumns(ColumnsFrom(settings_.fileColumns));
   model_.Arrange(SortingFrom(settings_.fileSorting));
-  view_.Columns().Choose(WidthsFrom(settings_.fileColumnWidths), settings_.fileColumns.empty());
+  LayColumns();
 
   connect(&view_.Columns(), &ColumnLayout::WidthsChanged, this,
-          [this](const ColumnWidths& widths) { settings_.fileColumnWidths = TextOf(widths); });
+          [this](const ColumnWidths& widths) { settings_.fileColumns = NamesOf(model_.Columns(), widths); });
   connect(&view_, &FileView::TitleClicked, this, &ListArrangement::SortBy);
   connect(&view_, &FileView::TitleMenuWanted, this, &ListArrangement::ShowMenu);
   connect(&reading_, &FactsReading::Read, this, [this] {
@@ -150,12 +150,18 @@ void ListArrangement::ShowColumn(FileColumn column, bool shown) {
   } else {
     columns.erase(column);
   }
-  settings_.fileColumns = NamesOf(columns);
-  TakeColumns();
+  TakeColumns(NamesOf(columns, WidthsFrom(settings_.fileColumns)));
 }
 
-void ListArrangement::TakeColumns() {
-  view_.Columns().Choose(WidthsFrom(settings_.fileColumnWidths), settings_.fileColumns.empty());
+// Where all columns are shown, those that have no room may go.
+void ListArrangement::LayColumns() {
+  const bool all = ColumnsFrom(settings_.fileColumns).size() == FactColumns().size();
+  view_.Columns().Choose(WidthsFrom(settings_.fileColumns), all);
+}
+
+void ListArrangement::TakeColumns(std::string stored) {
+  settings_.fileColumns = std::move(stored);
+  LayColumns();
   view_.Rearrange([this] { model_.SetColumns(ColumnsFrom(settings_.fileColumns)); });
   reading_.Wake();
 }
@@ -173,12 +179,7 @@ void ListArrangement::ShowMenu(const QPoint& place) {
             [this, one = column.column](bool checked) { ShowColumn(one, checked); });
   }
   QAction* const usual = menu.addAction(QtText(texts::UsualColumns));
-  usual->setEnabled(!settings_.fileColumns.empty() || !settings_.fileColumnWidths.empty());
-  connect(usual, &QAction::triggered, this, [this] {
-    settings_.fileColumns.clear();
-    settings_.fileColumnWidths.clear();
-    TakeColumns();
-  });
+  connect(usual, &QAction::triggered, this, [this] { TakeColumns(Settings().fileColumns); });
   menu.addSeparator();
   QAction* const own = menu.addAction(QtText(texts::OwnOrder));
   own->setEnabled(model_.Order().column.has_value());

@@ -34,7 +34,8 @@ class ListArrangement : public QObject {
   void TakeFilter();
   void SortAgain();
   void ShowColumn(FileColumn column, bool shown);
-  void TakeColumns();  // as the settings say
+  void LayColumns();  // as the settings say
+  void TakeColumns(std::string stored);
   void ShowMenu(const QPoint& place);
   void TakeOrder();
 

@@ -75,7 +75,8 @@ SourceArea::SourceArea(QWidget* parent)
       files_(nullptr),
       note_(nullptr),
       strip_(nullptr),
-      fill_(nullptr) {
+      fill_(nullptr),
+      recorder_(nullptr) {
   setObjectName("sourceArea");
   setAccessibleName(QtText(texts::SourceAreaName));
   driveLabel_->setProperty("role", "areaTitle");
@@ -111,7 +112,16 @@ SourceArea::SourceArea(QWidget* parent)
   fill_ = new DiscFill(right);
   fill_->hide();
   column->addWidget(strip_);
-  column->addWidget(fill_);
+  auto* const disc = new QHBoxLayout;
+  disc->setSpacing(6);
+  disc->addWidget(fill_, 1);
+  recorder_ = new QToolButton(right);
+  recorder_->setObjectName("recorderButton");
+  recorder_->setPopupMode(QToolButton::MenuButtonPopup);
+  recorder_->setFocusPolicy(Qt::StrongFocus);
+  recorder_->hide();
+  disc->addWidget(recorder_);
+  column->addLayout(disc);
   splitter_->addWidget(left_);
   splitter_->addWidget(right);
   splitter_->setStretchFactor(0, 0);
@@ -144,6 +154,7 @@ SourceArea::SourceArea(QWidget* parent)
   setTabOrder(filter_, tree_);
   setTabOrder(tree_, subdirectories_);
   setTabOrder(subdirectories_, files_);
+  setTabOrder(files_, recorder_);
   connect(subdirectories_, &QCheckBox::clicked, this, &SourceArea::SubdirectoriesChosen);
   connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this, &SourceArea::TakeTreeIndex);
   connect(tree_, &QTreeView::expanded, &treeModel_, &DirectoryTreeModel::Refresh);

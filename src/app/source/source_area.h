@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSplitter>
+#include <QToolButton>
 #include <QTreeView>
 #include <QWidget>
 #include <optional>
@@ -92,6 +93,8 @@ class SourceArea : public QWidget {
   [[nodiscard]] QSplitter* Splitter() const { return splitter_; }
   // Below the list of a disc project.
   [[nodiscard]] DiscFill* Fill() const { return fill_; }
+  // Beside it, for what can be done with the virtual recorder.
+  [[nodiscard]] QToolButton* RecorderButton() const { return recorder_; }
   [[nodiscard]] FileViewModel& Model() { return model_; }
   [[nodiscard]] const FileViewModel& Model() const { return model_; }
   // Whether the directory is shown and is an audio CD.
@@ -122,6 +125,7 @@ class SourceArea : public QWidget {
   EmptyNote* note_;
   FreeListStrip* strip_;
   DiscFill* fill_;
+  QToolButton* recorder_;
   std::string shownDirectory_;
   bool listMode_ = false;
   bool maximised_ = false;
