@@ -13,6 +13,7 @@
 #include "batch/texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/directory_listing.h"
+#include "frame/failure_reason.h"
 #include "frame/file_list_file.h"
 #include "frame/filter_bar.h"
 #include "frame/filter_catalogue.h"
@@ -22,6 +23,7 @@
 #include "modules/filter_modules.h"
 #include "platform/base/text.h"
 #include "platform/disc/volumes.h"
+#include "platform/files/fault.h"
 #include "platform/files/files.h"
 #include "platform/files/real_paths.h"
 
@@ -87,6 +89,14 @@ std::string ParameterHelp(const std::string& filter) {
 // too.
 std::string SourceOf(const std::string& word) {
   return IsCdTrackText(word) && !FileExists(word) ? word : FullPath(word);
+}
+
+// The second line of a directory that could not be made just now.
+std::string WhyNotMade() {
+  const auto fault = TakeFault();
+  if (!fault) return {};
+  if (!IsDirectory(fault->path)) return "\n" + Format(Text(texts::BatchInTheWay), fault->path);
+  return "\n" + FailureReason(Outcome::TargetFailed, {}, {}, fault);
 }
 
 // What cannot be right whatever the files hold; nothing when all is well.
@@ -252,7 +262,8 @@ int RunCommand(CommandLine line, Console& console) {
 
   if (request.destinationDirectory && !request.preview &&
       Failed(MakeDirectories(*request.destinationDirectory))) {
-    PrintError(console, Format(Text(texts::BatchDirectoryNotMade), *request.destinationDirectory));
+    PrintError(console,
+               Format(Text(texts::BatchDirectoryNotMade), *request.destinationDirectory) + WhyNotMade());
     return kExitFailed;
   }
 

@@ -6,8 +6,10 @@
 #include <system_error>
 #include <utility>
 
+#include "frame/failure_reason.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
+#include "platform/files/fault.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
 
@@ -39,7 +41,11 @@ class PathFinder {
       return found && IsFile(*found) ? found : std::nullopt;
     }
     if (!IsAbsolutePath(path)) {
-      if (std::string beside = JoinPath(listDirectory_, path); IsFile(beside)) return beside;
+      // Lists that came with their folder may have the separators of another system.
+      std::string native = path;
+      std::ranges::replace(native, '\\', '/');
+      for (const std::string& name : {path, native})
+        if (std::string beside = JoinPath(listDirectory_, name); IsFile(beside)) return beside;
     }
     return IsFile(path) ? std::optional(path) : std::nullopt;
   }
@@ -183,6 +189,7 @@ Result<LoadedFileList> ReadFileList(const Profile& profile, bool burner, const E
 
 Result<LoadedFileList> LoadFileList(const std::string& path, bool burner, const VolumeTable& volumes,
                                     const TrackQuery& trackExists) {
+  ForgetFault();
   const auto profile = Profile::Load(path);
   if (!profile) return Failure(Outcome::NotAFileList);
   PathFinder finder(volumes, path, trackExists);
@@ -203,7 +210,12 @@ std::optional<UserMessage> LoadMessage(const Result<LoadedFileList>& loaded, std
     return UserMessage{id, Format(Text(id), arguments...)};
   };
   if (!loaded && loaded.error() == Outcome::NotABurnerList) return message(texts::NotABurnerList);
-  if (!loaded) return message(texts::ListNotLoaded, path);
+  if (!loaded) {
+    UserMessage failed = message(texts::ListNotLoaded, path);
+    const std::string reason = FailureReason(Outcome::WrongFormat, std::string(path), {}, TakeFault());
+    if (!reason.empty()) failed.text += "\n" + reason;
+    return failed;
+  }
   if (loaded->missing > 0) return message(texts::FilesNotLoaded, loaded->missing);
   return std::nullopt;
 }

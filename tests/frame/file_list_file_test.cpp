@@ -122,6 +122,7 @@ TEST_F(FileListFile, BurnerListHoldsNinetyNineEntries) {
 
 TEST_F(FileListFile, CountsWhatIsMissing) {
   const std::string file = File("a.mid");
+  (void)File("sub/b.mid");
   const std::string longName = directory_.Path() + "/" + std::string(300, 'x') + ".mid";
   const struct {
     const char* count;
@@ -137,6 +138,7 @@ TEST_F(FileListFile, CountsWhatIsMissing) {
       {"1", {longName}, 0, 1},
       {"1", {directory_.Path()}, 0, 1},        // a directory is no file
       {"2", {"P C\\Track 3", "a.mid"}, 1, 1},  // a relative path is looked for beside the list
+      {"2", {"sub/b.mid", "sub\\b.mid"}, 2, 0},
       {"2x", {file, file}, 2, 0},
       {"x", {file}, 0, 0},
   };
@@ -174,8 +176,11 @@ TEST_F(FileListFile, RefusesWhatIsNoList) {
 
   EXPECT_EQ(LoadMessage(Load(plain, true), plain)->text,
             "Die Dateiliste ist für einen Brenn-Job nicht geeignet.");
-  EXPECT_EQ(LoadMessage(Load("/x.sts"), "/x.sts")->text,
-            "Die freie Dateiliste \"/x.sts\" konnte nicht geladen werden.");
+  EXPECT_EQ(
+      LoadMessage(Load("/x.sts"), "/x.sts")->text,
+      "Die freie Dateiliste \"/x.sts\" konnte nicht geladen werden.\nDie Datei \"/x.sts\" gibt es nicht.");
+  const std::string other = directory_.Write("other.sts", "MThd");
+  EXPECT_THAT(LoadMessage(Load(other), other)->text, testing::EndsWith("\" eine Midi-Datei."));
   EXPECT_EQ(LoadMessage(Load(ListOf("4", {File("a.wav")})), plain)->text,
             "3 Datei(en) konnten nicht geladen werden. Überprüfen Sie die Pfade.");
   EXPECT_FALSE(LoadMessage(Load(ListOf("1", {File("a.wav")})), plain).has_value());

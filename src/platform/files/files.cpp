@@ -119,7 +119,10 @@ Outcome MakeDirectories(const std::string& path) {
   if (!Reachable(path)) return Outcome::TargetFailed;
   std::error_code error;
   std::filesystem::create_directories(path, error);
-  return IsDirectory(path) ? Outcome::Success : Outcome::TargetFailed;
+  if (IsDirectory(path)) return Outcome::Success;
+  std::string there = path;  // as far as there is anything
+  while (!StatusOf(there, true) && there != NativeDirectory(there)) there = NativeDirectory(there);
+  return NoteWriteFault(Outcome::TargetFailed, error ? error.value() : ENOTDIR, there);
 }
 
 Outcome RenameFile(const std::string& from, const std::string& to) {
