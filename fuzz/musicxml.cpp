@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto xml = WriteMusicXml(score->document, losses);
   if (!xml) abort();
   // What is written is well-formed and has the bars that were read.
-  const auto again = ReadMusicXml(AsBytes(*xml));
+  const auto again = ReadMusicXml(*xml);
   if (!again || again->document.bars.size() != score->document.bars.size()) abort();
   const Bytes file = WriteScore(score->document);
   if (!ReadScore(file)) abort();

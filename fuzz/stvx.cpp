@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto score = ReadStvXml({data, size});
   if (!score) return 0;
   const auto xml = WriteStvXml(score->document);
-  const auto again = xml ? ReadStvXml(AsBytes(*xml)) : ScoreResult<ScoreWithLosses>();
+  const auto again = xml ? ReadStvXml(*xml) : ScoreResult<ScoreWithLosses>();
   if (!again || WriteStvXml(again->document) != xml) abort();
   const Bytes file = WriteScore(score->document);
   if (const auto read = ReadScore(file); read && WriteScore(*read) != file) abort();

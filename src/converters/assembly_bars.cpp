@@ -53,7 +53,7 @@ void SortChord(Group& group) {
   group.item.bracketed = moved(group.bracketed);
 }
 
-void FillVoice(Part& part, const std::vector<std::size_t>& groups, bool hasBeams, VoiceItems& items) {
+void FillVoice(Part& part, std::span<const std::size_t> groups, bool hasBeams, VoiceItems& items) {
   Fraction now;
   items.reserve(groups.size());
   for (const std::size_t index : groups) {
@@ -102,7 +102,7 @@ void PlaceMarks(const PartToPlace& place, const PartVoices& voices, std::size_t 
       found = FindItem(staff, mark.at, voices.SlotOf(mark.staff, mark.voice), bar.time);
     if (!found) found = FindItem(staff, mark.at, std::nullopt, bar.time);
     if (!found) {
-      staff[0] = GapItems(place.bars.lengths[measure]);
+      std::ranges::move(GapItems(place.bars.lengths[measure]), std::back_inserter(staff[0]));
       found = FindItem(staff, mark.at, std::nullopt, bar.time);
       if (!found) continue;
     }
@@ -146,8 +146,9 @@ void FillBar(const PartToPlace& place, const PartVoices& voices, std::size_t mea
     for (std::size_t slot = 0; slot < columns.size(); ++slot)
       FillVoice(place.part, voices.Groups(measure, staff, slot), hasBeams, columns[slot]);
   }
-  PlaceMarks(place, voices, measure, bar);
+  // Marks find what there is; they change nothing of it.
   PlaceSigns(place, measure, bar);
+  PlaceMarks(place, voices, measure, bar);
 }
 
 }  // namespace ts5::musicxml

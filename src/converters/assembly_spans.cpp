@@ -45,7 +45,7 @@ void PlaceEndings(const PartToPlace& place, const PartVoices& voices) {
   const auto& chords = voices.Chords(0, 0);
   for (Ending& ending : place.part.endings) {
     if (ending.last == SIZE_MAX) ending.last = ending.first;
-    const auto& groups = voices.Groups(ending.first, 0, 0);
+    const auto groups = voices.Groups(ending.first, 0, 0);
     if (groups.empty()) continue;
     Group& group = place.part.groups[groups.front()];
     const auto after = std::ranges::lower_bound(chords, place.bars.End(ending.last), {}, &ChordAt::at);

@@ -22,7 +22,7 @@ class Ties {
         found_(place.part.groups.Size()),
         next_(place.part.groups.Size(), SIZE_MAX) {
     for (std::size_t staff = 0; staff < place.part.staves; ++staff) {
-      for (std::size_t slot = 0; slot < kMaxVoices; ++slot) {
+      for (std::size_t slot = 0; slot < voices.Count(staff); ++slot) {
         const auto& chords = voices.Chords(staff, slot);
         all_.insert(all_.end(), chords.begin(), chords.end());
       }

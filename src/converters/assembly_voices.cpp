@@ -36,18 +36,20 @@ std::size_t PartVoices::SlotOf(std::size_t staff, const std::string& voice) cons
   return found == names_[staff].end() ? names_[staff].size() : found->second;
 }
 
-const std::vector<std::size_t>& PartVoices::Groups(std::size_t measure, std::size_t staff,
-                                                   std::size_t slot) const {
-  static const std::vector<std::size_t> kNone;
-  const VoiceGroups& voices = contents_[measure][staff];
-  return slot < voices.size() ? voices[slot] : kNone;
+std::span<const std::size_t> PartVoices::Groups(std::size_t measure, std::size_t staff,
+                                                std::size_t slot) const {
+  if (slot >= voices_[staff].size()) return {};
+  const Voice& voice = voices_[staff][slot];
+  if (measure >= voice.begins.size()) return {};
+  const std::size_t begin = voice.begins[measure];
+  const std::size_t end = measure + 1 < voice.begins.size() ? voice.begins[measure + 1] : voice.groups.size();
+  return std::span(voice.groups).subspan(begin, end - begin);
 }
 
 bool PartVoices::Allot(const CancelCheck& cancelled) {
   NameVoices();
   const Part& part = place_.part;
-  slots_.assign(part.staves, 1);
-  contents_.resize(part.measures.size());
+  voices_.assign(part.staves, std::vector<Voice>(1));
   std::vector<VoiceEnds> ends(part.staves);
   std::vector<std::size_t> order;
   const auto startOf = [&part](std::size_t i) { return part.groups[i].start; };
@@ -55,21 +57,16 @@ bool PartVoices::Allot(const CancelCheck& cancelled) {
     if (m % kBarsBetween == 0 && cancelled && cancelled()) return false;
     const Measure& measure = part.measures[m];
     std::ranges::fill(ends, VoiceEnds{});
-    contents_[m].resize(part.staves);
     order.resize(measure.groups);
     std::iota(order.begin(), order.end(), measure.first);
     if (!std::ranges::is_sorted(order, {}, startOf)) std::ranges::stable_sort(order, {}, startOf);
-    for (const std::size_t index : order) {
-      const std::size_t staff = part.groups[index].staff;
-      Place(index, m, ends[staff], contents_[m][staff]);
-    }
+    for (const std::size_t index : order) Place(index, m, ends[part.groups[index].staff]);
   }
-  NumberChords();
   return true;
 }
 
 // The voice of its number, or another that is free, where groups overlap.
-void PartVoices::Place(std::size_t index, std::size_t measure, VoiceEnds& ends, VoiceGroups& content) {
+void PartVoices::Place(std::size_t index, std::size_t measure, VoiceEnds& ends) {
   Group& group = place_.part.groups[index];
   std::size_t slot = SlotOf(group.staff, group.voice);
   if (slot >= kMaxVoices || ends[slot] > group.start) {
@@ -83,25 +80,13 @@ void PartVoices::Place(std::size_t index, std::size_t measure, VoiceEnds& ends, 
   ends[slot] = group.start + group.length;
   group.slot = slot;
   group.placed = true;
-  slots_[group.staff] = std::max(slots_[group.staff], slot + 1);
-  if (content.size() <= slot) content.resize(slot + 1);
-  content[slot].push_back(index);
-}
-
-void PartVoices::NumberChords() {
-  chords_.assign(place_.part.staves, std::vector<std::vector<ChordAt>>(kMaxVoices));
-  for (std::size_t m = 0; m < contents_.size(); ++m) {
-    for (std::size_t staff = 0; staff < contents_[m].size(); ++staff) {
-      for (std::size_t slot = 0; slot < contents_[m][staff].size(); ++slot) {
-        auto& chords = chords_[staff][slot];
-        for (const std::size_t index : contents_[m][staff][slot]) {
-          Group& group = place_.part.groups[index];
-          group.chord = chords.size();
-          if (!group.item.group.isRest) chords.push_back({place_.bars.starts[m] + group.start, index});
-        }
-      }
-    }
-  }
+  auto& voices = voices_[group.staff];
+  if (voices.size() <= slot) voices.resize(slot + 1);
+  Voice& voice = voices[slot];
+  voice.begins.resize(measure + 1, voice.groups.size());
+  voice.groups.push_back(index);
+  group.chord = voice.chords.size();
+  if (!group.item.group.isRest) voice.chords.push_back({place_.bars.starts[measure] + group.start, index});
 }
 
 }  // namespace ts5::musicxml

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -19,14 +20,14 @@ class PartVoices {
   [[nodiscard]] bool Allot(const CancelCheck& cancelled);
 
   // Voices of a staff; 1 at least.
-  [[nodiscard]] std::size_t Count(std::size_t staff) const { return slots_[staff]; }
+  [[nodiscard]] std::size_t Count(std::size_t staff) const { return voices_[staff].size(); }
   // The place of a voice by its name in the file; kMaxVoices or more: it has none.
   [[nodiscard]] std::size_t SlotOf(std::size_t staff, const std::string& voice) const;
   // In order of time.
-  [[nodiscard]] const std::vector<std::size_t>& Groups(std::size_t measure, std::size_t staff,
-                                                       std::size_t slot) const;
+  [[nodiscard]] std::span<const std::size_t> Groups(std::size_t measure, std::size_t staff,
+                                                    std::size_t slot) const;
   [[nodiscard]] const std::vector<ChordAt>& Chords(std::size_t staff, std::size_t slot) const {
-    return chords_[staff][slot];
+    return voices_[staff][slot].chords;
   }
 
  private:
@@ -34,18 +35,19 @@ class PartVoices {
   struct VoiceBefore {
     bool operator()(const std::string& a, const std::string& b) const;
   };
-  using VoiceGroups = std::vector<std::vector<std::size_t>>;  // of each voice
-  using VoiceEnds = std::array<Fraction, kMaxVoices>;         // where each voice of a staff has come to
+  struct Voice {
+    std::vector<std::size_t> groups;  // one measure after another
+    std::vector<std::size_t> begins;  // where those of each measure begin, up to the last one that has any
+    std::vector<ChordAt> chords;
+  };
+  using VoiceEnds = std::array<Fraction, kMaxVoices>;  // where each voice of a staff has come to
 
   void NameVoices();
-  void Place(std::size_t index, std::size_t measure, VoiceEnds& ends, VoiceGroups& content);
-  void NumberChords();
+  void Place(std::size_t index, std::size_t measure, VoiceEnds& ends);
 
   PartToPlace place_;
   std::vector<std::map<std::string, std::size_t, VoiceBefore>> names_;  // of each staff, and their numbers
-  std::vector<std::size_t> slots_;
-  std::vector<std::vector<VoiceGroups>> contents_;         // measure, staff
-  std::vector<std::vector<std::vector<ChordAt>>> chords_;  // staff, voice
+  std::vector<std::vector<Voice>> voices_;                              // of each staff
 };
 
 }  // namespace ts5::musicxml

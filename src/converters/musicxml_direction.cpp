@@ -49,6 +49,7 @@ void DirectionReader::ReadSound(pugi::xml_node node, Fraction at, std::size_t st
                              {"tocoda", "tocoda", "To Coda"},
                              {"fine", "fine", "Fine"}};
   for (const Jump& jump : kJumps) {
+    if (at_.reading.notesAlone) break;
     const std::string_view value = node.attribute(jump.attribute).value();
     if (value.empty() || value == "no") continue;
     if (words != nullptr) {
@@ -77,6 +78,8 @@ void DirectionReader::ReadSound(pugi::xml_node node, Fraction at, std::size_t st
 }
 
 void DirectionReader::ReadHarmony(pugi::xml_node node) {
+  const std::size_t staff = at_.StaffOf(node);
+  if (at_.reading.notesAlone) return;
   const pugi::xml_node root = node.child("root");
   const pugi::xml_node kind = node.child("kind");
   if (!root || node.child("root").next_sibling("root")) return at_.Lose(texts::LossHarmony);
@@ -101,11 +104,13 @@ void DirectionReader::ReadHarmony(pugi::xml_node node) {
   DrawingItem drawing = WordsDrawing(rootName + shown + (bassName.empty() ? "" : "/" + bassName));
   drawing.sign = "harmony";
   drawing.words = rootName + ":" + kindName + ":" + kind.attribute("text").value() + ":" + bassName;
-  at_.AddMark(std::move(drawing), at_.now, at_.StaffOf(node));
+  at_.AddMark(std::move(drawing), at_.now, staff);
 }
 
 void DirectionReader::ReadDirectionType(pugi::xml_node node, Fraction at, std::size_t staff) {
   const std::string_view name = node.name();
+  if (name == "metronome") return ReadMetronome(node, at, staff);
+  if (at_.reading.notesAlone) return;
   if (name == "words") {
     const std::string_view text = Trim(node.text().get());
     if (!text.empty()) at_.AddMark(WordsDrawing(text), at, staff);
@@ -115,8 +120,6 @@ void DirectionReader::ReadDirectionType(pugi::xml_node node, Fraction at, std::s
     ReadLasting(node, at, staff, "wedge");
   } else if (name == "octave-shift") {
     ReadLasting(node, at, staff, "octave-shift");
-  } else if (name == "metronome") {
-    ReadMetronome(node, at, staff);
   } else if (name == "rehearsal") {
     DrawingItem drawing = WordsDrawing(Trim(node.text().get()));
     drawing.sign = name;

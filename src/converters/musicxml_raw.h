@@ -142,7 +142,7 @@ struct Reading {
   Score& score;
   const CancelCheck& cancelled;
   std::optional<ScoreFault> fault = {};
-  bool notesAlone = false;  // what hangs on notes is passed over
+  bool notesAlone = false;  // what hangs on notes is passed over, and marks but tempos
   void Fail(int bar, int staff, Outcome code = Outcome::SourceFailed) {
     if (!fault) fault = ScoreFault{code, bar, staff};
   }

@@ -156,7 +156,7 @@ void ReportOthers(const ScoreDocument& document, LossReport& losses) {
 
 }  // namespace
 
-Result<std::string> WriteMusicXml(const ScoreDocument& document, LossReport& losses, const WorkWatch& watch) {
+Result<Bytes> WriteMusicXml(const ScoreDocument& document, LossReport& losses, const WorkWatch& watch) {
   const ScoreMusic music = ReadMusic(document, watch.cancelled);
   if (watch.cancelled && watch.cancelled()) return Failure(Outcome::Cancelled);
   const std::vector<ScorePart> parts = PartsOf(document);

@@ -72,10 +72,6 @@ std::string CreditText(const ScoreCredits& credits) {
   return text;
 }
 
-Bytes Copy(std::string_view text) {
-  return {text.begin(), text.end()};
-}
-
 }  // namespace
 
 std::optional<ScoreFormat> ScoreFormatOf(ByteView file) {
@@ -113,11 +109,10 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
     ReportScoreFileLosses(document, losses);
     return WriteScore(document);
   }
-  const auto text =
+  auto text =
       format == ScoreFormat::StvXml ? WriteStvXml(document, watch) : WriteMusicXml(document, losses, watch);
-  if (!text) return Failure(text.error());
-  if (format == ScoreFormat::CompressedMusicXml) return WriteMxl(*text);
-  return Copy(*text);
+  if (text && format == ScoreFormat::CompressedMusicXml) return WriteMxl(AsText(*text));
+  return text;
 }
 
 Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
@@ -125,6 +120,7 @@ Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
   if (!format || *format == ScoreFormat::Score) return file;
   const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Music);
   if (!score) return Failure(score.error().code);
+  file = {};
   return WriteScore(score->document);
 }
 

@@ -2,8 +2,6 @@
 // into one another byte for byte. docs/stvx.md describes it, docs/stvx.xsd is its schema.
 #pragma once
 
-#include <string>
-
 #include "converters/score_with_losses.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
@@ -12,7 +10,7 @@
 
 namespace ts5 {
 
-[[nodiscard]] Result<std::string> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {});
+[[nodiscard]] Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {});
 // WrongFormat: no StvXML; SourceFailed: a damaged file, with bar and staff where known; Cancelled. The losses
 // are empty.
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadStvXml(ByteView file, const CancelCheck& cancelled = {});

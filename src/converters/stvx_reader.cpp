@@ -123,10 +123,13 @@ class StvXmlReader {
     const auto fail = [](ScoreFault fault) { return tl::unexpected<ScoreFault>(fault); };
     if (root_.attribute("version").as_int() != stvx::kVersion) return fail({Outcome::WrongFormat});
     ReadInfo(root_.child("info"));
-    for (const pugi::xml_node system : root_.children("system")) {
-      if (!ok_) break;
+    for (pugi::xml_node system = root_.child("system"); system && ok_;) {
       if (stopped_ || (cancelled_ && cancelled_())) return fail({Outcome::Cancelled});
       ReadSystem(system);
+      // The document grows as the tree shrinks.
+      const pugi::xml_node read = system;
+      system = system.next_sibling("system");
+      root_.remove_child(read);
     }
     if (stopped_) return fail({Outcome::Cancelled});
     if (!ok_) return fail({Outcome::SourceFailed, bar_, staff_});
@@ -186,6 +189,7 @@ class StvXmlReader {
       staff.voiceRecords.resize(staff.voices.size());
       FieldReader(node, ok_).Bytes("record", staff.voiceRecords.back());
     }
+    items.reserve(static_cast<std::size_t>(std::distance(node.begin(), node.end())));
     for (const pugi::xml_node child : node.children()) {
       ReadItem(child, items.emplace_back());
       if (items.size() % kItemsBetween == 0 && cancelled_ && cancelled_()) stopped_ = true;

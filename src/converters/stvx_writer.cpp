@@ -84,7 +84,7 @@ class StvXmlWriter {
  public:
   explicit StvXmlWriter(const ScoreDocument& document) : document_(document), out_(kHead) {}
 
-  Result<std::string> Write(const WorkWatch& watch) {
+  Result<Bytes> Write(const WorkWatch& watch) {
     out_.Open(stvx::kRoot, {{"version", std::to_string(stvx::kVersion)}});
     WriteInfo();
     for (std::size_t i = 0; i < document_.systems.size(); ++i) {
@@ -200,7 +200,7 @@ class StvXmlWriter {
 
 }  // namespace
 
-Result<std::string> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch) {
+Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch) {
   return StvXmlWriter(document).Write(watch);
 }
 

@@ -50,9 +50,11 @@ Outcome ConvertItem(const XmlConverterParameters& own, ItemWork& work) {
   const CancelCheck cancelled = [&work] { return work.Cancelled(); };
   const auto input = InputFile::Open(work.source);
   if (!input) return Outcome::SourceNotOpened;
-  const auto file = input->ReadAll(kMaxScoreFile, cancelled);
+  auto file = input->ReadAll(kMaxScoreFile, cancelled);
   if (!file) return Told(file.error());
+  const auto source = ScoreFormatOf(*file);
   auto score = ReadAnyScore(*file, cancelled);
+  *file = {};  // the document has it all
   if (!score) {
     const ScoreFault& fault = score.error();
     if (fault.bar >= 0 && fault.staff >= 0 && Told(fault.code) == Outcome::SourceFailed)
@@ -62,7 +64,7 @@ Outcome ConvertItem(const XmlConverterParameters& own, ItemWork& work) {
   constexpr double kRead = 0.5;  // of the work
   work.progress(kRead);
   ApplyObjectMask(score->document, static_cast<std::uint32_t>(own.objects));
-  const ScoreFormat format = TargetFormat(work.targetName, *ScoreFormatOf(*file));
+  const ScoreFormat format = TargetFormat(work.targetName, *source);
   const WorkWatch watch{cancelled, [&work](double done) { work.progress(kRead + done * (1 - kRead)); }};
   const auto written = WriteAnyScore(score->document, format, score->losses, watch);
   if (!written) return written.error();

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/base/bytes.h"
+
 namespace ts5 {
 
 struct XmlAttribute {
@@ -20,32 +22,32 @@ class XmlOut {
  public:
   using Attributes = std::initializer_list<XmlAttribute>;
 
-  explicit XmlOut(std::string_view head) : text_(head) {}
+  explicit XmlOut(std::string_view head) { Put(head); }
 
   void Open(std::string_view name, Attributes attributes = {}) {
     Start(name, attributes);
-    text_ += ">\n";
+    Put(">\n");
     open_.push_back(name);
   }
   void Close() {
     const std::string_view name = open_.back();
     open_.pop_back();
     Indent();
-    text_ += "</";
-    text_ += name;
-    text_ += ">\n";
+    Put("</");
+    Put(name);
+    Put(">\n");
   }
   void Empty(std::string_view name, Attributes attributes = {}) {
     Start(name, attributes);
-    text_ += "/>\n";
+    Put("/>\n");
   }
   void Leaf(std::string_view name, std::string_view content, Attributes attributes = {}) {
     Start(name, attributes);
-    text_ += '>';
+    Put(">");
     Escape(content);
-    text_ += "</";
-    text_ += name;
-    text_ += ">\n";
+    Put("</");
+    Put(name);
+    Put(">\n");
   }
   template <std::integral T>
   void Leaf(std::string_view name, T number) {
@@ -57,63 +59,64 @@ class XmlOut {
   void OpenWith(std::string_view name,
                 const std::vector<std::pair<std::string_view, std::string>>& attributes, bool empty) {
     Indent();
-    text_ += '<';
-    text_ += name;
+    Put("<");
+    Put(name);
     for (const auto& [key, value] : attributes) Attribute(key, value);
-    text_ += empty ? "/>\n" : ">\n";
+    Put(empty ? "/>\n" : ">\n");
     if (!empty) open_.push_back(name);
   }
 
-  [[nodiscard]] std::string Release() { return std::move(text_); }
+  [[nodiscard]] Bytes Release() { return std::move(text_); }
 
  private:
-  void Indent() { text_.append(open_.size(), ' '); }
+  void Put(std::string_view text) { text_.insert(text_.end(), text.begin(), text.end()); }
+  void Indent() { text_.insert(text_.end(), open_.size(), ' '); }
   void Start(std::string_view name, Attributes attributes) {
     Indent();
-    text_ += '<';
-    text_ += name;
+    Put("<");
+    Put(name);
     for (const XmlAttribute& attribute : attributes) {
       if (!attribute.value.empty()) Attribute(attribute.name, attribute.value);
     }
   }
   void Attribute(std::string_view name, std::string_view value) {
-    text_ += ' ';
-    text_ += name;
-    text_ += "=\"";
+    Put(" ");
+    Put(name);
+    Put("=\"");
     Escape(value);
-    text_ += '"';
+    Put("\"");
   }
   void Escape(std::string_view content) {
     for (const char c : content) {
       switch (c) {
         case '&':
-          text_ += "&amp;";
+          Put("&amp;");
           break;
         case '<':
-          text_ += "&lt;";
+          Put("&lt;");
           break;
         case '>':
-          text_ += "&gt;";
+          Put("&gt;");
           break;
         case '"':
-          text_ += "&quot;";
+          Put("&quot;");
           break;
         case '\n':
-          text_ += "&#10;";
+          Put("&#10;");
           break;
         case '\r':
-          text_ += "&#13;";
+          Put("&#13;");
           break;
         case '\t':
-          text_ += "&#9;";
+          Put("&#9;");
           break;
         default:
-          if (static_cast<unsigned char>(c) >= 0x20) text_ += c;
+          if (static_cast<unsigned char>(c) >= 0x20) text_.push_back(static_cast<std::uint8_t>(c));
       }
     }
   }
 
-  std::string text_;
+  Bytes text_;
   std::vector<std::string_view> open_;
 };
 

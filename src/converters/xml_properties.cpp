@@ -17,10 +17,6 @@
 namespace ts5 {
 namespace {
 
-std::string OrMissing(const std::string& text) {
-  return text.empty() ? std::string(Text(texts::ScoreTextMissing)) : text;
-}
-
 std::vector<PropertyRow> Rows(const ScoreDocument& document, ScoreFormat format, CalendarDate written) {
   const auto [day, month, year] = NumbersOf(written);
   const ScoreCredits& credits = document.credits;
@@ -33,8 +29,7 @@ std::vector<PropertyRow> Rows(const ScoreDocument& document, ScoreFormat format,
                        : format == ScoreFormat::CompressedMusicXml ? texts::XmlFormatCompressed
                                                                    : texts::XmlFormatMusicXml)));
   add(texts::PropertyLastWritten, Format(Text(texts::PropertyDate), day, month, year));
-  const bool both = !credits.title.empty() && !credits.movement.empty();
-  add(texts::XmlTitle, OrMissing(credits.title + (both ? ": " : "") + credits.movement));
+  add(texts::XmlTitle, OrMissing(TitleOf(credits)));
   add(texts::XmlComposer, OrMissing(document.author));
   std::ranges::move(MusicRows(document), std::back_inserter(rows));
   add(texts::XmlSoftware, OrMissing(credits.software));

@@ -5,6 +5,7 @@
 #include "preview/engraving.h"
 #include "preview/hit_line.h"
 #include "preview/staff_sketch.h"
+#include "score/music_rows.h"
 
 namespace ts5::preview {
 namespace {
@@ -275,15 +276,14 @@ void ScorePages::Inside::DrawSystem(Sketch& page, const System& system, double y
 
 void ScorePages::Inside::DrawHead(Sketch& page) const {
   const ScoreDocument& document = engraving.document;
-  const std::string& title =
-      document.credits.title.empty() ? document.credits.movement : document.credits.title;
   const double width = size.width - 2 * margin;
   // A long text is written smaller.
   const auto put = [&page](TextMark text, double space) {
     text.size *= std::min(1.0, space / std::max(TextWidth(text.text, text.size, text.style), 1.0));
     page.texts.push_back(std::move(text));
   };
-  put({size.width / 2, margin + 3.2, title, 4, TextStyle::Bold, TextAlign::Centre}, width);
+  put({size.width / 2, margin + 3.2, TitleOf(document.credits), 4, TextStyle::Bold, TextAlign::Centre},
+      width);
   put({size.width - margin, margin + 6.5, document.author, 2.2, TextStyle::Italic, TextAlign::Right},
       width / 2 - 1);
   put({margin, margin + 6.5, document.credits.lyricist, 2.2, TextStyle::Italic, TextAlign::Left},

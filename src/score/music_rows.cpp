@@ -14,10 +14,6 @@ namespace {
 
 constexpr int kFirstSound = 32'000;  // text of the first General MIDI program
 
-std::string OrMissing(const std::string& text) {
-  return text.empty() ? std::string(Text(texts::ScoreTextMissing)) : text;
-}
-
 std::string PartList(const ScoreDocument& document) {
   const auto parts = PartsOf(document);
   std::string list = Format(Text(texts::ScoreStaffListHead), parts.size());
@@ -50,6 +46,15 @@ std::string TempoList(const std::vector<double>& tempos) {
 }
 
 }  // namespace
+
+std::string OrMissing(const std::string& text) {
+  return text.empty() ? std::string(Text(texts::ScoreTextMissing)) : text;
+}
+
+std::string TitleOf(const ScoreCredits& credits) {
+  const bool both = !credits.title.empty() && !credits.movement.empty();
+  return credits.title + (both ? ": " : "") + credits.movement;
+}
 
 std::vector<PropertyRow> MusicRows(const ScoreDocument& document) {
   const MusicSummary music = SummariseMusic(document);

@@ -6,12 +6,13 @@
 
 #include "platform/base/casts.h"
 #include "platform/base/text.h"
+#include "score/staff_walk.h"
 
 namespace ts5 {
 namespace {
 
-constexpr std::size_t kMostBars = 1'000'000;
-constexpr unsigned kCancelEvery = 4096;  // items
+constexpr std::size_t kMostBars = 100'000;  // made of rests that say how many they fill
+constexpr unsigned kCancelEvery = 4096;     // items
 
 // What stands at a place where a bar ends.
 struct LineAt {
@@ -38,10 +39,6 @@ std::uint8_t Stronger(std::uint8_t a, std::uint8_t b) {
   return std::max(a, b);
 }
 
-struct TimeAt {
-  Fraction at;
-  ScoreTimeSignature time;
-};
 struct SystemAt {
   Fraction start;
   std::uint32_t tempo = 0;
@@ -57,8 +54,8 @@ struct DrawingAt {
 
 class MusicReader {
  public:
-  MusicReader(const ScoreDocument& document, bool eventsAlone, const CancelCheck& cancelled)
-      : document_(document), eventsAlone_(eventsAlone), cancelled_(cancelled) {
+  MusicReader(const ScoreDocument& document, const CancelCheck& cancelled)
+      : document_(document), cancelled_(cancelled) {
     const std::size_t staves = document.staves.size();
     music_.voices.resize(staves);
     music_.changes.resize(staves);
@@ -68,13 +65,11 @@ class MusicReader {
   }
 
   ScoreMusic Read() {
-    times_.push_back({{}, ScoreTimeSignature{}});
     for (std::size_t i = 0; i < document_.systems.size() && !stopped_; ++i) {
       system_ = static_cast<std::uint32_t>(i);
       ReadSystem(document_.systems[i]);
     }
     music_.length = start_;
-    if (eventsAlone_) return std::move(music_);
     MakeBars();
     PlaceEvents();
     for (const DrawingAt& drawing : drawings_) ApplyDrawing(drawing);
@@ -84,15 +79,10 @@ class MusicReader {
   }
 
  private:
-  struct Walker {
-    Fraction elapsed;
-    std::size_t next = 0;
-  };
-
   void ReadSystem(const SystemItems& system) {
     systems_.push_back({start_, system.tempo});
     Fraction longest;
-    if (!system.staves.empty()) TakeTime(system.staves[0].time, start_);
+    if (!system.staves.empty()) times_.Take(system.staves[0].time, start_);
     // The first staff comes first, as its time signatures hold for all.
     for (std::size_t i = 0; i < system.staves.size(); ++i) {
       const StaffItems& staff = system.staves[i];
@@ -101,30 +91,19 @@ class MusicReader {
     start_ += longest;
   }
 
-  // The voices of a staff side by side: the one that is behind goes on first, of several the upper one.
   Fraction WalkStaff(const StaffItems& staff, bool first) {
     auto& voices = music_.voices[staff.layout];
     if (voices.size() < staff.voices.size()) voices.resize(staff.voices.size());
     if (keys_[staff.layout].size() < voices.size()) keys_[staff.layout].resize(voices.size());
-    std::vector<Walker> walkers(staff.voices.size());
-    Fraction longest;
-    while (!stopped_) {
-      std::size_t voice = walkers.size();
-      for (std::size_t v = 0; v < walkers.size(); ++v) {
-        if (walkers[v].next == staff.voices[v].size()) continue;
-        if (voice == walkers.size() || walkers[v].elapsed < walkers[voice].elapsed) voice = v;
-      }
-      if (voice == walkers.size()) break;
-      TakeItem(staff, voice, walkers[voice], first);
-      longest = std::max(longest, walkers[voice].elapsed);
+    return WalkVoices(staff, [&](std::size_t voice, std::size_t index, Fraction elapsed) {
       if (++walked_ % kCancelEvery == 0 && cancelled_) stopped_ = cancelled_();
-    }
-    return longest;
+      return stopped_ ? std::nullopt : std::optional(TakeItem(staff, voice, index, start_ + elapsed, first));
+    });
   }
 
-  void TakeItem(const StaffItems& staff, std::size_t voice, Walker& walker, bool first) {
-    const ScoreItem& item = staff.voices[voice][walker.next];
-    const Fraction at = start_ + walker.elapsed;
+  // How long it lasts.
+  Fraction TakeItem(const StaffItems& staff, std::size_t voice, std::size_t index, Fraction at, bool first) {
+    const ScoreItem& item = staff.voices[voice][index];
     const std::size_t layout = staff.layout;
     switch (static_cast<ObjectKind>(item.kind)) {
       case ObjectKind::Clef:
@@ -136,36 +115,36 @@ class MusicReader {
         if (voice == 0) Show(layout, item, at);
         break;
       case ObjectKind::Time:
-        if (first) TakeTime(item.time, at);
+        if (first) times_.Take(item.time, at);
         Show(layout, item, at);
         break;
       case ObjectKind::BarLine:
-        if (!eventsAlone_) TakeLine(item, at);
+        TakeLine(item, at);
         break;
       case ObjectKind::Rest:
       case ObjectKind::Chord:
-        TakeGroup(item, at, layout, voice, walker);
-        break;
+        return TakeGroup(item, at, layout, voice, index);
       default:
         break;
     }
-    ++walker.next;
+    return {};
   }
 
-  void TakeGroup(const ScoreItem& item, Fraction at, std::size_t layout, std::size_t voice, Walker& walker) {
+  Fraction TakeGroup(const ScoreItem& item, Fraction at, std::size_t layout, std::size_t voice,
+                     std::size_t index) {
     auto& events = music_.voices[layout][voice];
     ScoreEvent event;
     event.item = &item;
     event.start = at;
-    event.length = LengthOf(item, TimeAtPlace(at));
+    event.length = LengthOf(item, times_.At(at));
     event.clef = clefs_[layout];
     event.key = keys_[layout][voice];
     event.system = system_;
-    event.object = static_cast<std::uint32_t>(walker.next);
+    event.object = static_cast<std::uint32_t>(index);
     if (item.group.isRest && item.group.wholeBars > 1) longRests_ = true;
-    if (!eventsAlone_) CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
-    walker.elapsed += event.length;
+    CollectDrawings(item.drawings, {nullptr, at, layout, voice, events.size()});
     events.push_back(event);
+    return event.length;
   }
 
   void CollectDrawings(const std::vector<DrawingItem>& list, DrawingAt place) {
@@ -175,17 +154,6 @@ class MusicReader {
       if (kind == DrawingKind::Volta || kind == DrawingKind::Text) drawings_.push_back(place);
       CollectDrawings(drawing.nested, place);
     }
-  }
-
-  void TakeTime(ScoreTimeSignature time, Fraction at) {
-    if (!time.Usable() || times_.back().time == time) return;
-    times_.push_back({std::max(at, times_.back().at), time});
-  }
-
-  // In force at a place.
-  [[nodiscard]] ScoreTimeSignature TimeAtPlace(Fraction at) const {
-    auto found = std::ranges::upper_bound(times_, at, {}, &TimeAt::at);
-    return found == times_.begin() ? times_.front().time : std::prev(found)->time;
   }
 
   // A clef, key or time signature is a change when it is not what the staff shows already.
@@ -232,7 +200,7 @@ class MusicReader {
   // Bars between two bar lines that lie too far apart. start moves to the last one.
   void Divide(Fraction& start, Fraction end) {
     while (music_.bars.size() < kMostBars) {
-      const Fraction bar = BarLength(TimeAtPlace(start));
+      const Fraction bar = BarLength(times_.At(start));
       const Fraction next = start + bar;
       if (bar.IsZero() || next >= end || Crossed(next)) return;
       AddBar(start, next);
@@ -257,7 +225,7 @@ class MusicReader {
     ScoreBar bar;
     bar.start = start;
     bar.length = end - start;
-    bar.time = TimeAtPlace(start);
+    bar.time = times_.At(start);
     const auto system = std::ranges::upper_bound(systems_, start, {}, &SystemAt::start);
     if (system != systems_.begin()) bar.system = static_cast<std::uint32_t>(system - systems_.begin() - 1);
     if (!music_.bars.empty()) bar.repeatStart = Begins(lastLine_);
@@ -379,13 +347,12 @@ class MusicReader {
   }
 
   const ScoreDocument& document_;
-  bool eventsAlone_;
   const CancelCheck& cancelled_;
   ScoreMusic music_;
   std::vector<ScoreClef> clefs_;        // of each staff
   std::vector<std::vector<int>> keys_;  // of each voice
   std::vector<std::array<const ScoreItem*, 8>> shown_;
-  std::vector<TimeAt> times_;
+  TimesInForce times_;
   std::vector<SystemAt> systems_;
   std::map<Fraction, LineAt> lines_;
   std::map<Fraction, LineAt>::iterator line_ = lines_.end();  // the last one met
@@ -412,11 +379,7 @@ std::size_t SpanEnd(const std::vector<ScoreEvent>& events, std::size_t event, st
 }
 
 ScoreMusic ReadMusic(const ScoreDocument& document, const CancelCheck& cancelled) {
-  return MusicReader(document, false, cancelled).Read();
-}
-
-ScoreMusic ReadEvents(const ScoreDocument& document, const CancelCheck& cancelled) {
-  return MusicReader(document, true, cancelled).Read();
+  return MusicReader(document, cancelled).Read();
 }
 
 std::vector<std::uint8_t> SoundingKeys(const ScoreEvent& event, const StaffLayout& staff) {

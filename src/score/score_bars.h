@@ -87,8 +87,6 @@ struct ScoreMusic {
 
 // A cancelled reading gives what it has got.
 [[nodiscard]] ScoreMusic ReadMusic(const ScoreDocument& document, const CancelCheck& cancelled = {});
-// The voices alone, without bars and what is drawn: all of an event but its bar.
-[[nodiscard]] ScoreMusic ReadEvents(const ScoreDocument& document, const CancelCheck& cancelled = {});
 
 // The event to which something on a chord reaches that spans so many chords, or the last chord there is.
 [[nodiscard]] std::size_t SpanEnd(const std::vector<ScoreEvent>& events, std::size_t event,

@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "score/score_bars.h"
+#include "score/staff_walk.h"
 
 namespace ts5 {
 namespace {
 
 // Between two looks at the stop.
 constexpr std::size_t kBarsBetween = 64;
-constexpr std::size_t kChordsBetween = 4096;
+constexpr std::size_t kItemsBetween = 4096;
 
 bool IsSign(const ScoreItem& item) {
   return item.Is(ObjectKind::Clef) || item.Is(ObjectKind::Key) || item.Is(ObjectKind::Time);
@@ -31,8 +32,8 @@ struct StaffSigns {
 
 class SystemBuilder {
  public:
-  SystemBuilder(ScoreDocument& document, const std::vector<BarColumn>& bars, unsigned barsPerSystem)
-      : document_(document), barsPerSystem_(barsPerSystem), signs_(document.staves.size()) {
+  SystemBuilder(ScoreDocument& document, std::vector<BarColumn>& bars, unsigned barsPerSystem)
+      : document_(document), bars_(bars), barsPerSystem_(barsPerSystem), signs_(document.staves.size()) {
     voices_.assign(document.staves.size(), 1);
     for (const BarColumn& bar : bars) {
       for (std::size_t i = 0; i < bar.staves.size() && i < voices_.size(); ++i)
@@ -40,15 +41,14 @@ class SystemBuilder {
     }
   }
 
-  void Add(BarColumn& bar) {
-    const bool full = barsPerSystem_ != 0 && barsInSystem_ == barsPerSystem_;
-    const bool newTempo = bar.tempo != 0 && bar.tempo != tempo_;
-    if (system_ == nullptr || full || newTempo || bar.newSystem) Begin(bar);
-    ++barsInSystem_;
-    const Fraction length = bar.length.IsZero() ? Longest(bar) : bar.length;
-    bar.staves.resize(document_.staves.size());
-    for (std::size_t staff = 0; staff < bar.staves.size(); ++staff) AddStaff(bar, staff, length);
-    document_.bars.push_back(std::move(bar.label));
+  void Build(const CancelCheck& cancelled) {
+    for (std::size_t first = 0; first < bars_.size();) {
+      const std::size_t last = Begin(first);
+      for (; first < last; ++first) {
+        if (first % kBarsBetween == 0 && cancelled && cancelled()) return;
+        Add(bars_[first]);
+      }
+    }
   }
 
  private:
@@ -60,18 +60,55 @@ class SystemBuilder {
     return longest.IsZero() ? BarLength(bar.time) : longest;
   }
 
-  void Begin(const BarColumn& bar) {
+  // The system that begins with a bar; returns the bar behind it.
+  std::size_t Begin(std::size_t first) {
+    const BarColumn& bar = bars_[first];
     if (bar.tempo != 0) tempo_ = bar.tempo;
-    barsInSystem_ = 0;
     system_ = &document_.systems.emplace_back();
     system_->tempo = tempo_;
+    const std::size_t last = EndOfSystem(first);
+    system_->staves.reserve(document_.staves.size());
     for (std::size_t staff = 0; staff < document_.staves.size(); ++staff) {
       StaffItems& items = system_->staves.emplace_back();
       items.layout = static_cast<std::uint8_t>(staff);
       items.time = bar.time;
       items.voices.resize(voices_[staff]);
+      for (std::size_t v = 0; v < items.voices.size(); ++v)
+        items.voices[v].reserve(ItemsOf(first, last, staff, v));
     }
     begins_ = true;
+    return last;
+  }
+
+  [[nodiscard]] std::size_t EndOfSystem(std::size_t first) const {
+    std::size_t last = first + 1;
+    const auto goesOn = [&](const BarColumn& bar) {
+      const bool full = barsPerSystem_ != 0 && last - first == barsPerSystem_;
+      return !full && !bar.newSystem && (bar.tempo == 0 || bar.tempo == tempo_);
+    };
+    while (last < bars_.size() && goesOn(bars_[last])) ++last;
+    return last;
+  }
+
+  // How many items a voice is going to have in a system, or a few more: none is moved as it grows.
+  [[nodiscard]] std::size_t ItemsOf(std::size_t first, std::size_t last, std::size_t staff,
+                                    std::size_t voice) const {
+    constexpr std::size_t kSigns = 2;  // restated at its start
+    std::size_t count = kSigns;
+    for (std::size_t i = first; i < last; ++i) {
+      const auto& staves = bars_[i].staves;
+      const bool given = staff < staves.size() && voice < staves[staff].size();
+      count += 1 + (given && !staves[staff][voice].empty() ? staves[staff][voice].size() : 1);
+    }
+    return count;
+  }
+
+  void Add(BarColumn& bar) {
+    const Fraction length = bar.length.IsZero() ? Longest(bar) : bar.length;
+    bar.staves.resize(document_.staves.size());
+    for (std::size_t staff = 0; staff < bar.staves.size(); ++staff) AddStaff(bar, staff, length);
+    bar.staves = {};
+    document_.bars.push_back(std::move(bar.label));
   }
 
   void AddStaff(BarColumn& bar, std::size_t staff, Fraction length) {
@@ -130,13 +167,89 @@ class SystemBuilder {
   }
 
   ScoreDocument& document_;
+  std::vector<BarColumn>& bars_;
   unsigned barsPerSystem_;
   std::vector<StaffSigns> signs_;
   std::vector<std::size_t> voices_;  // of each staff
   SystemItems* system_ = nullptr;
   std::uint32_t tempo_ = 0;
-  unsigned barsInSystem_ = 0;
   bool begins_ = false;
+};
+
+// Makes notes of pitches, system by system.
+class NotePlacer {
+ public:
+  NotePlacer(ScoreDocument& document, const CancelCheck& cancelled)
+      : document_(document), cancelled_(cancelled), staves_(document.staves.size()) {}
+
+  std::vector<MovedNotes> Place() {
+    for (SystemItems& system : document_.systems) {
+      if (!system.staves.empty()) times_.Take(system.staves[0].time, start_);
+      Fraction longest;
+      for (std::size_t i = 0; i < system.staves.size() && !stopped_; ++i) {
+        if (system.staves[i].layout < staves_.size())
+          longest = std::max(longest, PlaceStaff(system.staves[i], i == 0));
+      }
+      if (stopped_) return std::move(moved_);
+      start_ += longest;
+    }
+    if (moved_.empty()) return {};
+    const ScoreMusic music = ReadMusic(document_, cancelled_);
+    for (std::size_t i = 0; i < moved_.size(); ++i) moved_[i].bar = BarAt(music, places_[i]);
+    return std::move(moved_);
+  }
+
+ private:
+  struct Signs {
+    ScoreClef clef;
+    std::vector<int> keys;  // of each voice
+  };
+
+  Fraction PlaceStaff(StaffItems& staff, bool first) {
+    Signs& signs = staves_[staff.layout];
+    if (signs.keys.size() < staff.voices.size()) signs.keys.resize(staff.voices.size());
+    return WalkVoices(
+        staff, [&](std::size_t voice, std::size_t index, Fraction elapsed) -> std::optional<Fraction> {
+          if (++walked_ % kItemsBetween == 0 && cancelled_ && cancelled_()) stopped_ = true;
+          if (stopped_) return std::nullopt;
+          ScoreItem& item = staff.voices[voice][index];
+          const Fraction at = start_ + elapsed;
+          if (item.Is(ObjectKind::Clef)) signs.clef = item.clef;
+          if (item.Is(ObjectKind::Key)) signs.keys[voice] = item.key;
+          if (item.Is(ObjectKind::Time) && first) times_.Take(item.time, at);
+          if (!item.IsGroup()) return Fraction();
+          if (const std::uint32_t count = PlaceChord(item, signs.clef, signs.keys[voice]); count > 0) {
+            moved_.push_back({0, staff.layout, count});
+            places_.push_back(at);
+          }
+          return LengthOf(item, times_.At(at));
+        });
+  }
+
+  // How many of its notes have come to lie elsewhere.
+  static std::uint32_t PlaceChord(ScoreItem& item, ScoreClef clef, int key) {
+    if (item.pitches.empty()) return 0;
+    std::uint32_t count = 0;
+    item.group.notes.resize(item.pitches.size());
+    for (std::size_t i = 0; i < item.pitches.size(); ++i) {
+      PlacedNote placed = NoteOf(item.pitches[i], clef, key);
+      placed.note.value = item.group.notes[i].value;
+      item.group.notes[i] = placed.note;
+      if (!placed.exact) ++count;
+    }
+    item.pitches = {};
+    return count;
+  }
+
+  ScoreDocument& document_;
+  const CancelCheck& cancelled_;
+  std::vector<Signs> staves_;
+  TimesInForce times_;
+  Fraction start_;  // of the system
+  std::vector<MovedNotes> moved_;
+  std::vector<Fraction> places_;  // of what has been moved
+  std::size_t walked_ = 0;
+  bool stopped_ = false;
 };
 
 }  // namespace
@@ -149,43 +262,11 @@ ScoreItem& ItemOf(ScoreDocument& document, std::size_t staff, std::size_t voice,
 
 void AppendBars(ScoreDocument& document, std::vector<BarColumn> bars, unsigned barsPerSystem,
                 const CancelCheck& cancelled) {
-  SystemBuilder builder(document, bars, barsPerSystem);
-  for (std::size_t i = 0; i < bars.size(); ++i) {
-    if (i % kBarsBetween == 0 && cancelled && cancelled()) return;
-    builder.Add(bars[i]);
-  }
+  SystemBuilder(document, bars, barsPerSystem).Build(cancelled);
 }
 
 std::vector<MovedNotes> PlaceNotes(ScoreDocument& document, const CancelCheck& cancelled) {
-  std::vector<MovedNotes> moved;
-  std::vector<Fraction> places;  // of what has been moved
-  const ScoreMusic music = ReadEvents(document, cancelled);
-  std::size_t seen = 0;
-  for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
-    for (std::size_t voice = 0; voice < music.voices[staff].size(); ++voice) {
-      for (const ScoreEvent& event : music.voices[staff][voice]) {
-        if (event.item->pitches.empty()) continue;
-        if (++seen % kChordsBetween == 0 && cancelled && cancelled()) return moved;
-        ScoreItem& item = ItemOf(document, staff, voice, event);
-        std::uint32_t count = 0;
-        item.group.notes.resize(item.pitches.size());
-        for (std::size_t i = 0; i < item.pitches.size(); ++i) {
-          PlacedNote placed = NoteOf(item.pitches[i], event.clef, event.key);
-          placed.note.value = item.group.notes[i].value;
-          item.group.notes[i] = placed.note;
-          if (!placed.exact) ++count;
-        }
-        item.pitches = {};
-        if (count == 0) continue;
-        moved.push_back({0, staff, count});
-        places.push_back(event.start);
-      }
-    }
-  }
-  if (moved.empty()) return moved;
-  const ScoreMusic bars = ReadMusic(document, cancelled);
-  for (std::size_t i = 0; i < moved.size(); ++i) moved[i].bar = BarAt(bars, places[i]);
-  return moved;
+  return NotePlacer(document, cancelled).Place();
 }
 
 }  // namespace ts5

@@ -19,10 +19,6 @@ std::string Copy(TextId id) {
   return std::string(Text(id));
 }
 
-std::string OrMissing(const std::string& text) {
-  return text.empty() ? Copy(texts::ScoreTextMissing) : text;
-}
-
 std::string StaffList(const std::vector<StaffLayout>& staves) {
   std::string list = Format(Text(texts::ScoreStaffListHead), staves.size());
   for (std::size_t i = 0; i < staves.size(); ++i)

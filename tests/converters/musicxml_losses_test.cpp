@@ -34,7 +34,7 @@ std::string Fingerprint(const pugi::xml_document& tree) {
   const std::string text = out.str();
   const auto score = ReadMusicXml(ByteView(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
   if (!score) return "damaged";
-  std::string all = WriteStvXml(score->document).value_or("");
+  std::string all(AsText(WriteStvXml(score->document).value_or(Bytes())));
   for (const ScoreLoss& loss : score->losses.Rows()) all += score->losses.Line(loss) + "\n";
   return all;
 }

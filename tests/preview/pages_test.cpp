@@ -105,6 +105,7 @@ TEST(Preview, TextsKeepOutOfOneAnothersWayAndOnThePaper) {
   song.systems[0].tempo = 120;
   song.credits.title =
       "Ein Lied mit einem Titel, der länger ist als die ganze Zeile, auf der er stehen soll, und noch länger";
+  song.credits.movement = "Erster Satz";
   song.author =
       "Ein Komponist, der noch mehr Namen hat, als die Hälfte der Zeile fassen kann, und einen Titel";
   song.credits.lyricist = song.author;
@@ -113,6 +114,8 @@ TEST(Preview, TextsKeepOutOfOneAnothersWayAndOnThePaper) {
   // The digits of a time signature touch.
   std::erase_if(page.texts, [](const TextMark& text) { return text.text.empty() || text.text == "4"; });
   EXPECT_GE(page.texts.size(), 7U);
+  EXPECT_TRUE(std::ranges::any_of(
+      page.texts, [](const TextMark& text) { return text.text.ends_with("noch länger: Erster Satz"); }));
   for (std::size_t i = 0; i < page.texts.size(); ++i) {
     const auto a = BoxOf(page.texts[i]);
     EXPECT_TRUE(a[0] >= 0 && a[2] <= pages.Size().width) << page.texts[i].text;

@@ -20,6 +20,7 @@ namespace {
 
 using namespace test;
 using testing::ElementsAre;
+using testing::IsSupersetOf;
 
 struct RandomNote {
   std::uint32_t start = 0;
@@ -101,9 +102,11 @@ TEST(Transcribing, DamagedFilesAreRefusedOrRead) {
     if (round % 3 == 0) bad.resize(random() % bad.size());
     const auto made = TranscribeMidi(bad, {});
     if (!made) {
-      EXPECT_TRUE(made.error() == Outcome::WrongFormat || made.error() == Outcome::SourceFailed);
+      EXPECT_TRUE(made.error() == Outcome::WrongFormat || made.error() == Outcome::SourceFailed ||
+                  made.error() == Outcome::DamagedMidi);
     }
   }
+  EXPECT_EQ(TranscribeMidi(ByteView(good).first(good.size() - 5), {}).error(), Outcome::DamagedMidi) << "cut";
   EXPECT_EQ(TranscribeMidi(MidiOf({}), {}).error(), Outcome::SourceFailed) << "no notes";
   EXPECT_EQ(TranscribeMidi(MidiOf({{0, 10, 0, 60}, {0x0FFFFF00, 10, 0, 60}}), {}).error(),
             Outcome::SourceFailed)
@@ -266,17 +269,21 @@ TEST_F(MidiToScoreRun, TakesAllContainersAndLeavesNothingElse) {
       place_.Write("d.rdl", AsText(*SmfToSequencer(plain))),
       place_.Write("e.mid", "kein Lied"),
       place_.Write("f.mid", AsText(ByteView(plain).first(plain.size() - 30))),
+      place_.Write("g.mid", AsText(ByteView(*MergeTracksToFormat0(ByteView(plain))).first(60))),
       place_.File("fehlt.mid"),
   };
   const RunResult result = Convert(files);
   std::vector<std::int32_t> codes;
   for (const RunItem& item : result.items) codes.push_back(item.code);
-  EXPECT_THAT(codes, ElementsAre(0, 0, 0, 0, -104, -300, -300));
+  EXPECT_THAT(codes, ElementsAre(0, 0, 0, 0, -104, -300, -601, -300));
   EXPECT_EQ(TitleText(result), "Ergebnisse der Midi-Stavora-Konvertierung");
+  EXPECT_THAT(result.remarks, IsSupersetOf({"Die Quelle hat ein ungültiges Dateiformat.",
+                                            "Es wurde ein Fehler in der Midi-Datei gefunden.",
+                                            "Es trat ein Fehler in der Quelldatei auf."}));
   std::size_t left = 0;
   for (const auto& entry : std::filesystem::directory_iterator(place_.Path()))
     left += entry.path().extension() == ".stv" ? 0 : 1;
-  EXPECT_EQ(left, 6U);
+  EXPECT_EQ(left, 7U);
   for (const char* name : {"a.stv", "b.stv", "c.stv", "d.stv"}) {
     const auto score = ReadScore(*ReadFile(place_.File(name)));
     ASSERT_TRUE(score) << name;

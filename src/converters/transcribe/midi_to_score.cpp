@@ -91,8 +91,14 @@ std::vector<ItemLoss> LossesOf(const Transcription& made) {
 
 Outcome ConvertItem(const P& parameters, ItemWork& work) {
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
-  auto made = TranscribeMidi(work.Prepared<MidiItem>().file, OptionsOf(parameters), watch);
-  if (!made) return made.error();
+  const auto& midi = work.Prepared<MidiItem>();
+  auto made = TranscribeMidi(midi.file, OptionsOf(parameters), watch);
+  if (!made) {
+    // A damaged file is told as such. Of format 0 it has that code too: its tracks are taken apart first.
+    if (made.error() != Outcome::DamagedMidi || midi.kind == MidiFileKind::Format0) return made.error();
+    work.line = std::string(Text(texts::RemarkDamagedMidi));
+    return Outcome::SourceFailed;
+  }
   LossReport report;
   const ScoreFormat format = ScoreFormatOfName(work.targetName).value_or(ScoreFormat::Score);
   const auto written = WriteAnyScore(made->score, format, report, {watch.cancelled, {}});

@@ -37,8 +37,7 @@ struct NumberRange {
 };
 [[nodiscard]] std::span<const NumberRange> MidiToScoreNumbers();
 
-// The library's operation: the bytes of a score. WrongFormat (no MIDI file), SourceFailed (an error in it),
-// Cancelled.
+// The library's operation: the bytes of a score. As TranscribeMidi fails.
 [[nodiscard]] Result<Bytes> ConvertMIDToSTV(ByteView midi, const MidiToScoreParameters& parameters,
                                             const WorkWatch& watch = {});
 

@@ -81,7 +81,7 @@ class TrackReader {
         TakeMessage(event);
       }
     }
-    if (cursor.Damaged()) return Outcome::SourceFailed;
+    if (cursor.Damaged()) return Outcome::DamagedMidi;
     Finish(static_cast<std::int64_t>(cursor.Tick()));
     return Outcome::Success;
   }
@@ -245,9 +245,9 @@ Result<Performance> ReadPerformance(ByteView file, const WorkWatch& watch) {
   const MidiFileInfo info = DetectMidiKind(file);
   if (info.kind == MidiFileKind::None) return Failure(Outcome::WrongFormat);
   const ByteView midi = MidiBytesOf(file);
-  if (info.header.division == 0) return Failure(Outcome::SourceFailed);
+  if (info.header.division == 0) return Failure(Outcome::DamagedMidi);
   const auto tracks = MidiTracks(midi, info.header.trackCount);
-  if (!tracks) return Failure(Outcome::SourceFailed);
+  if (!tracks) return Failure(Outcome::DamagedMidi);
   Performance performance;
   performance.division = info.header.division;
   WatchedWork work(watch, file.size());

@@ -65,7 +65,7 @@ struct Performance {
   [[nodiscard]] double QuarterSeconds(std::int64_t tick) const;
 };
 
-// Any of the three containers. WrongFormat: no MIDI file; SourceFailed: a damaged one; Cancelled.
+// Any of the three containers. WrongFormat: no MIDI file; DamagedMidi; Cancelled.
 [[nodiscard]] Result<Performance> ReadPerformance(ByteView file, const WorkWatch& watch = {});
 
 }  // namespace ts5::transcribe

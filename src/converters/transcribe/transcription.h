@@ -26,7 +26,7 @@ struct Transcription {
   bool beatsFound = false;      // the music does not keep to the beats of its file
 };
 
-// WrongFormat: no MIDI file; SourceFailed: a damaged one, or one out of all measure; Cancelled.
+// WrongFormat: no MIDI file; DamagedMidi; SourceFailed: one without notes or out of all measure; Cancelled.
 [[nodiscard]] Result<Transcription> TranscribeMidi(ByteView file, const TranscriptionOptions& options,
                                                    const WorkWatch& watch = {});
 
