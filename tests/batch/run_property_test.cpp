@@ -1,5 +1,5 @@
-// Whatever the tree, the list, the settings, the conversions and searches at once: every byte that was there
-// before is there afterwards, except where the user said otherwise.
+// Whatever the tree, the list, the settings, the conversions of every kind and searches at once: every byte
+// that was there before is there afterwards, except where the user said otherwise.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,12 +12,13 @@
 
 #include "frame/run_support.h"
 #include "frame/target_naming.h"
+#include "modules/filter_modules.h"
 #include "search/hit_texts.h"
 #include "search/melody_text.h"
 #include "search/search_parameters.h"
 #include "search/search_run.h"
+#include "search/track_builder.h"
 #include "support/test_data.h"
-#include "track_builder.h"
 
 namespace ts5 {
 namespace {
@@ -39,9 +40,10 @@ class Random {
   std::mt19937 engine_;
 };
 
-const std::vector<std::string> kNames{"song.mid",    "song.out", "Song.MID",    "song001.out",
-                                      "song001.mid", "b.mid",    "b.out",       "b",
-                                      "b.cnv.mid",   "song.txt", "song001.txt", "Suchergebnisse001.txt"};
+const std::vector<std::string> kNames{
+    "song.mid", "song.out",  "Song.MID",  "song001.out", "song001.mid", "b.mid",
+    "b.out",    "b",         "b.cnv.mid", "song.txt",    "song001.txt", "Suchergebnisse001.txt",
+    "song.stv", "song.stvx", "song.xml",  "song.wav",    "b.ogg",       "b.cnv.wav"};
 const std::vector<std::string> kDirectories{"d0/", "d1/", "d0/../d1/", "alias/", "d1/./"};
 
 struct Plan {
@@ -50,7 +52,8 @@ struct Plan {
   DestinationRules rules;
   std::deque<Answer> answers;
   bool searches = false;
-  bool inPlace = false;  // the settings convert files where they are
+  bool ofProgram = false;  // a conversion by one of its filters
+  bool inPlace = false;    // the settings convert files where they are
 };
 
 Plan RandomSearch(Random& random, const std::string& root) {
@@ -73,23 +76,52 @@ Plan RandomSearch(Random& random, const std::string& root) {
                 .noPreset = random.OneIn(8),
                 .overwrite = static_cast<OverwritePolicy>(random.Below(3)),
                 .origin = random.OneIn(4) ? NameOrigin::Command : NameOrigin::Field};
-  if (random.OneIn(2)) plan.job.destinationName = root + random.Of(kDirectories) + random.Of(kNames);
+  static const std::vector<std::string> kResults{"song.txt", "song001.txt", "Suchergebnisse001.txt"};
+  if (random.OneIn(2)) {
+    plan.job.destinationName =
+        root + random.Of(kDirectories) + random.Of(random.OneIn(2) ? kResults : kNames);
+  }
   plan.answers = {random.Of(std::vector{Answer::Yes, Answer::No, Answer::Cancelled})};
   return plan;
 }
 
-Plan RandomPlan(Random& random, const std::string& root) {
+// The filters that make files of files, with something that each takes.
+struct Conversion {
+  FilterId filter;
+  const char* sample;
+  const char* parameter = "";
+  const char* value = "";
+  bool formatKept = false;
+};
+constexpr Conversion kConversions[] = {
+    {FilterId::ScoreToMidi, "../../demo/Bruder Jakob.stv"},
+    {FilterId::MidiToScore, "midi/music21_test10.mid"},
+    {FilterId::MidiConverter, "midi/made_c_major_scale.rmi"},
+    {FilterId::XmlConverter, "musicxml/osmd_HelloWorld.xml"},
+    {FilterId::WaveConverter, "audio/wav_left_only.wav", "SamplesPerSec", "11025", true},
+    {FilterId::AudioCompressor, "audio/wav_left_only.wav", "CodecType", "3"},
+    {FilterId::AudioDecompressor, "audio/ogg_vorbis_mono_11025.ogg"},
+};
+
+Plan RandomPlan(Random& random, const std::string& root, const Conversion& conversion) {
   if (random.OneIn(3)) return RandomSearch(random, root);
   Plan plan;
-  plan.module = test::CopyModule(FilterId::MidiConverter, random.OneIn(2) ? 1U : 3U);
+  bool kept = random.OneIn(3);
+  RegistryValues values;
+  if (random.OneIn(2)) {
+    plan.module = *FindModule(conversion.filter);
+    plan.ofProgram = true;
+    kept = conversion.formatKept;
+    values.SetText(conversion.parameter, conversion.value);
+  } else {
+    plan.module = test::CopyModule(FilterId::MidiConverter, random.OneIn(2) ? 1U : 3U);
+    values.SetText("Kept", kept ? "1" : "0");
+    values.SetText("Extension", random.OneIn(2) ? "mid" : "out");
+  }
   std::vector<std::string> sources;
   for (int i = 1 + random.Below(6); i > 0; --i)
     sources.push_back(root + random.Of(kDirectories) + random.Of(kNames));
   plan.job = test::ListJob(sources, plan.module);
-  const bool kept = random.OneIn(3);
-  RegistryValues values;
-  values.SetText("Kept", kept ? "1" : "0");
-  values.SetText("Extension", random.OneIn(2) ? "mid" : "out");
   plan.job.parameters = LoadParameters(&plan.module, values);
   plan.rules = {.sourceDirectory = random.OneIn(2),
                 .directory = root + random.Of(kDirectories),
@@ -104,20 +136,22 @@ Plan RandomPlan(Random& random, const std::string& root) {
   return plan;
 }
 
-// What the copying filter reads, a MIDI file with the melody, or an old result file.
-std::string RandomContent(Random& random, int number) {
+// The sample, a MIDI file with the melody, an old result file, or what the copying filter takes. Each differs
+// from the others by what is no part of it any more.
+std::string RandomContent(Random& random, int number, const std::string& sample, bool text) {
   static const std::string kMidi = [] {
     return std::string(
         AsText(test::MidiImage({test::TrackBuilder().End(),
                                 test::TrackBuilder().Note(0, 60).Note(192, 62).Note(192, 64).End(192)})));
   }();
   const std::string tail = std::to_string(number);
-  if (random.OneIn(4)) return kMidi + tail;
-  if (random.OneIn(5)) return std::string(ResultTagLine()) + tail;
+  if (random.OneIn(text ? 2 : 8)) return std::string(ResultTagLine()) + tail;
+  if (random.OneIn(2)) return sample + "<!--" + tail + "-->";
+  if (random.OneIn(3)) return kMidi + tail;
   return random.Of(std::vector<std::string>{"ok ", "ok ", "ok ", "read error ", "wrong format "}) + tail;
 }
 
-void RandomTree(Random& random, const std::string& root) {
+void RandomTree(Random& random, const std::string& root, const std::string& sample) {
   fs::remove_all(root);
   for (const char* const directory : {"d0", "d1"}) fs::create_directories(root + directory);
   fs::create_directory_symlink(root + "d1", root + "alias");
@@ -125,7 +159,7 @@ void RandomTree(Random& random, const std::string& root) {
   for (const char* const directory : {"d0/", "d1/"}) {
     for (const std::string& name : kNames) {
       const std::string path = root + directory + name;
-      if (random.OneIn(2)) continue;
+      if (random.OneIn(4)) continue;
       const std::string other = root + random.Of(kDirectories) + random.Of(kNames);
       std::error_code error;
       if (random.OneIn(6)) {
@@ -133,7 +167,7 @@ void RandomTree(Random& random, const std::string& root) {
       } else if (random.OneIn(8)) {
         fs::create_hard_link(other, path, error);
       } else {
-        std::ofstream(path) << RandomContent(random, ++number);
+        std::ofstream(path) << RandomContent(random, ++number, sample, name.ends_with(".txt"));
       }
     }
   }
@@ -187,19 +221,21 @@ bool MayReplace(const Plan& plan, const test::RecordingHost& host, const std::se
 
 TEST(RunProperty, EveryByteThatWasThereIsThereAfterwards) {
   const char* const wanted = std::getenv("TS5_PROPERTY_ROUNDS");
-  const int rounds = wanted != nullptr ? std::atoi(wanted) : 100;
+  const int rounds = wanted != nullptr ? std::atoi(wanted) : 140;
   const TemporaryDirectory place;
   const std::string root = fs::canonical(place.Path()).string() + "/root/";
   int converted = 0;
   int replaced = 0;
   int overwritten = 0;  // of these by results of searches
   int extended = 0;
+  std::map<FilterId, int> made;  // by filters of the program
   for (int round = 0; round < rounds; ++round) {
     Random random(static_cast<unsigned>(round) + 1);
-    RandomTree(random, root);
+    const Conversion& conversion = kConversions[static_cast<std::size_t>(round) % std::size(kConversions)];
+    RandomTree(random, root, test::Content(test::DataPath(conversion.sample)));
     const auto before = Contents(root);
     std::vector<Plan> plans;
-    for (int i = 1 + random.Below(3); i > 0; --i) plans.push_back(RandomPlan(random, root));
+    for (int i = 1 + random.Below(3); i > 0; --i) plans.push_back(RandomPlan(random, root, conversion));
 
     // Sources by what they are, as links and spellings lead to them before anything runs.
     std::vector<std::set<std::string>> sources;
@@ -231,6 +267,7 @@ TEST(RunProperty, EveryByteThatWasThereIsThereAfterwards) {
         // What a search leaves behind when its target is refused or the user says no is the old file.
         if (plan.searches) continue;
         ++converted;
+        if (plan.ofProgram) ++made[plan.job.filter];
         targets.insert(destination);
       }
     }
@@ -257,6 +294,8 @@ TEST(RunProperty, EveryByteThatWasThereIsThereAfterwards) {
   EXPECT_GT(replaced, rounds / 10);
   EXPECT_GT(overwritten, 0);
   EXPECT_GT(extended, 0);
+  for (const Conversion& conversion : kConversions)
+    EXPECT_GT(made[conversion.filter], 0) << Descriptor(conversion.filter).identifier;
 }
 
 // Names that several runs number at once are all given to one file each.
