@@ -28,6 +28,7 @@ namespace {
 
 using namespace test;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 Outcome Encode(const std::string& source, const std::string& target, const EncodeSettings& settings) {
   auto staged = StagedFile::Create(target);
@@ -327,8 +328,10 @@ TEST(CompressorTest, ARunCountsAndKeepsNothingOfFailures) {
   EXPECT_EQ(TitleText(result), "Ergebnisse der Wave-Komprimierung");
   settings.method = static_cast<std::int32_t>(EncodeMethod::OggVorbis);
   codes.clear();
-  for (const RunItem& item : RunJob(job, module).items) codes.push_back(item.code);
+  result = RunJob(job, module);
+  for (const RunItem& item : result.items) codes.push_back(item.code);
   EXPECT_THAT(codes, ElementsAre(0, -103, -103, -103, -7));
+  EXPECT_THAT(result.items[4].remark, HasSubstr("nimmt Quellen mit 8 oder 16 Bit"));
 }
 
 // Layer II and Windows Media do not tell where the music lies: it is noted, and nothing of it is lost.

@@ -44,6 +44,31 @@ std::span<const Remark> AllRemarks() {
   return remarks;
 }
 
+// What an encoder takes, for sources that it refuses with this outcome.
+struct Refusal {
+  EncodeMethod method;
+  Outcome outcome;
+  TextId reason;
+};
+constexpr Refusal kRefusals[] = {
+    {EncodeMethod::OggVorbis, Outcome::NotNecessary, texts::EncodeOggTakes},
+    {EncodeMethod::MonkeysAudio, Outcome::ConverterFailed, texts::EncodeApeTakes},
+};
+
+// The remark of a refusal with its reason; "" where the remark says enough.
+std::string RefusalLine(Outcome outcome, const EncodeSettings& settings, const EncodingSource& source) {
+  std::optional<TextId> reason;
+  const auto* const row = std::ranges::find_if(kRefusals, [&](const Refusal& one) {
+    return one.method == settings.Method() && one.outcome == outcome;
+  });
+  if (row != std::end(kRefusals)) reason = row->reason;
+  if (outcome == Outcome::SourceFailed && source.Seconds() == 0) reason = texts::EncodeNoSamples;
+  if (!reason) return {};
+  std::string line;
+  for (const std::string& remark : RemarkLines(AllRemarks(), {.code = Code(outcome)})) line += remark + " ";
+  return line + std::string(Text(*reason));
+}
+
 WorkWatch PartOf(ItemWork& work, double from, double to) {
   return {[&work] { return work.Cancelled(); },
           [&work, from, to](double fraction) { work.progress(from + (to - from) * fraction); }};
@@ -142,7 +167,10 @@ class CompressorRun {
     const Outcome encoded = Encode(source, work, PartOf(work, 0, prove ? kEncodingPart : 1));
     // What an encoder of the command line made may be of use although it says that it failed.
     work.keepTarget = encoded == Outcome::EncoderFailed;
-    if (Failed(encoded)) return encoded;
+    if (Failed(encoded)) {
+      work.line = RefusalLine(encoded, settings, source);
+      return encoded;
+    }
     const std::string& made = work.target.TemporaryPath();
     if (prove) {
       const Outcome proved = ProveEncoding(source, made, settings, PartOf(work, kEncodingPart, 1));
