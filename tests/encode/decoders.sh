@@ -96,7 +96,7 @@ done
 check layer2 mp2 like 2400 mp2,44100,2 "ffmpeg mpg123" CodecType=1 $(codec 'MPEG Layer-2 Audio Codec' 44100 2 192000)
 check wma wma like 8192 wmav2,44100,2 ffmpeg CodecType=1 $(codec 'Windows Media Audio' 44100 2 128000)
 if perl -MAudio::WMA -e 1 2>/dev/null; then
-  said=$(perl -MAudio::WMA -e 'my $w = Audio::WMA->new("wma.wma"); print join ",", @{$w->info()}{qw(sample_rate channels max_bitrate)}, $w->tags()->{TITLE}')
+  said=$(perl -MAudio::WMA -e 'binmode STDOUT, ":utf8"; my $w = Audio::WMA->new("wma.wma"); print join ",", @{$w->info()}{qw(sample_rate channels max_bitrate)}, $w->tags()->{TITLE}')
   [ "$said" = '44100,2,128000,Größe "1"' ] || fail "wma: another reader of its header says $said"
 fi
 for engine in Lame Blade; do
