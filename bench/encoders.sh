@@ -94,9 +94,8 @@ two=$(both 0,1)
 python3 -c 'import sys; a, b = map(float, sys.argv[1:]); print(f"two cores: {a / b:.2f} times one")' "$one" "$two"
 mkdir many
 for i in $(seq 1000); do cp 1.mp3 many/$i.mp3; done 2>/dev/null
-opened=$(best python3 -c '
-import os
-for name in os.listdir("many"):
-    with open("many/" + name, "rb") as file: file.read(4096)')
-read=$(best "$console" attributes --json many/*.mp3)
-python3 -c 'import sys; a, b = map(float, sys.argv[1:]); print(f"attributes of 1,000 files: {a:.3f} s; opening them: {b:.3f} s")' "$read" "$opened"
+# What they are besides, their length and bit rate, the decoders tell; they take most of the second time.
+opened=$(best head -qc 4096 many/*.mp3)
+read=$(best "$console" attributes many/*.mp3)
+told=$(best "$console" attributes --json many/*.mp3)
+python3 -c 'import sys; a, b, c = map(float, sys.argv[1:]); print(f"attributes of 1,000 files: {a:.3f} s, {a / c:.1f} times opening them; with what they are: {b:.3f} s")' "$read" "$told" "$opened"

@@ -2,7 +2,7 @@
 # Every target of the audio compressor read by other decoders than ours: what comes out must be the music that went
 # in, at the place where it was, and the headers must say what was asked. Needs ffmpeg, mpg123, oggdec and python3;
 # without one of them the test is skipped (77). Monkey's Audio is also read by libjmac-java where it is installed;
-# of Windows Media there is no second decoder.
+# of Windows Media there is no second decoder, but Perl's Audio::WMA reads what its header says.
 #
 #   tests/encode/decoders.sh CONSOLE
 set -eu
@@ -95,6 +95,10 @@ for rate in 64000 128000 320000; do
 done
 check layer2 mp2 like 2400 mp2,44100,2 "ffmpeg mpg123" CodecType=1 $(codec 'MPEG Layer-2 Audio Codec' 44100 2 192000)
 check wma wma like 8192 wmav2,44100,2 ffmpeg CodecType=1 $(codec 'Windows Media Audio' 44100 2 128000)
+if perl -MAudio::WMA -e 1 2>/dev/null; then
+  said=$(perl -MAudio::WMA -e 'binmode STDOUT, ":utf8"; my $w = Audio::WMA->new("wma.wma"); print join ",", @{$w->info()}{qw(sample_rate channels max_bitrate)}, $w->tags()->{TITLE}')
+  [ "$said" = '44100,2,128000,Größe "1"' ] || fail "wma: another reader of its header says $said"
+fi
 for engine in Lame Blade; do
   engine="$engine Encoder Engine"
   for options in 'EncoderMode=0' 'EncoderMode=2 EncoderCrc=1 EncoderCopyright=0' 'EncoderBitrate=320 EncoderCrc=1' 'EncoderMode=3 EncoderBitrate=64'; do

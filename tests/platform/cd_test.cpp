@@ -420,9 +420,12 @@ TEST_F(VirtualDriveTest, KeepsItsDiscUntilItIsTakenOut) {
     EXPECT_THAT(EjectVirtualDisc(), FailsWith(Outcome::InUse));
     EXPECT_THAT(InsertVirtualDisc(sheet), FailsWith(Outcome::InUse));
   }
-  EXPECT_THAT(EjectVirtualDisc(), IsOk());
-  EXPECT_THAT(EjectVirtualDisc(), IsOk());
+  // Its own tray is emptied, too, and closing it brings nothing back.
+  EXPECT_EQ(drive->Eject(), Outcome::Success);
+  EXPECT_EQ(drive->Load(), Outcome::Success);
+  EXPECT_THAT(drive->ReadToc(), FailsWith(Outcome::CdDriveFailed));
   EXPECT_EQ(VirtualDisc(), std::nullopt);
+  EXPECT_THAT(EjectVirtualDisc(), IsOk());
   EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
   EXPECT_EQ(CdDrives().back().path, VirtualRecorderDirectory());
 

@@ -32,7 +32,6 @@ Outcome PutIn(const std::string& directory) {
   std::error_code error;
   const std::string path = std::filesystem::absolute(directory, error).lexically_normal().string();
   if (error) return Outcome::SourceFailed;
-  if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return made;
   return WriteRecorderTray({.disc = path, .open = false});
 }
 
@@ -59,6 +58,7 @@ Outcome InsertRecordedDisc(const std::string& directory) {
 }
 
 Outcome WriteRecorderTray(const RecorderTray& tray) {
+  if (const Outcome made = MakeDirectories(VirtualRecorderDirectory()); Failed(made)) return made;
   return WriteFile(TrayFile(), AsBytes(tray.disc + "\n" + (tray.open ? std::string(kTrayOut) + "\n" : "")));
 }
 

@@ -40,6 +40,17 @@ class VirtualCdDrive final : public VirtualDrive {
   std::optional<SenseData> NotReady() override {
     return disc_ ? std::nullopt : std::optional(sense::kMediumNotPresent);
   }
+  // What goes out is taken away; closing the tray brings nothing back.
+  ScsiReply Other(const MmcCommandRow& row, const ScsiCommand& command) override {
+    if (row.code != MmcCommand::StartStopUnit) return VirtualDrive::Other(row, command);
+    constexpr std::uint8_t kTray = 0x02;
+    constexpr std::uint8_t kIn = 0x01;
+    if ((command.cdb[4] & (kTray | kIn)) != kTray) return {true, {}, 0};
+    if (FileExists(DiscFile()) && Failed(RemoveFile(DiscFile())))
+      return Refused({sense::kHardwareError, 0x53, 0x00});
+    disc_.reset();
+    return {true, {}, 0};
+  }
 
   std::optional<DiscImage> disc_;
 };
