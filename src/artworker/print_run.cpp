@@ -243,18 +243,17 @@ void PrepareDrawing() {
   static const QGuiApplication application(count, arguments.data());
 }
 
-Outcome SavePicture(const ArtworkerParameters& parameters, ArtworkObjectId id, double dpi,
-                    const std::string& path) {
+Result<Bytes> PictureFile(const ArtworkerParameters& parameters, ArtworkObjectId id, double dpi) {
   Pictures pictures;
   const std::vector<Background> backgrounds = BackgroundsOf(parameters);
   const ArtworkLayout layout = FilledLayout(parameters.layout, parameters.disc);
   const QImage picture =
       PictureOf({layout, backgrounds, pictures, Holds(parameters.printBorder, id)}, id, dpi);
-  if (picture.isNull()) return Outcome::InvalidParameter;
+  if (picture.isNull()) return Failure(Outcome::InvalidParameter);
   QByteArray png;
   QBuffer buffer(&png);
-  if (!picture.save(&buffer, "PNG")) return Outcome::WriteFailed;
-  return WriteFile(path, AsBytes({png.constData(), static_cast<std::size_t>(png.size())}));
+  if (!picture.save(&buffer, "PNG")) return Failure(Outcome::OutOfMemory);
+  return Bytes(png.begin(), png.end());
 }
 
 FilterModule ArtworkerModule() {

@@ -22,10 +22,9 @@ inline constexpr std::int32_t kDocumentNotEnded = -805;
 // paper. Both as they are now.
 void TakeGround(ArtworkerParameters& parameters, const Registry& registry);
 
-// The object of the job's layout as a PNG file, cut to its rectangle. InvalidParameter: too many dots;
-// TargetFailed, WriteFailed.
-[[nodiscard]] Outcome SavePicture(const ArtworkerParameters& parameters, ArtworkObjectId id, double dpi,
-                                  const std::string& path);
+// The object of the job's layout as a PNG file, cut to its rectangle. InvalidParameter: too many dots.
+[[nodiscard]] Result<Bytes> PictureFile(const ArtworkerParameters& parameters, ArtworkObjectId id,
+                                        double dpi);
 
 // A thread may draw once this has been called on the main thread of a program that has no windows; in others
 // it does nothing.

@@ -9,6 +9,7 @@
 #include "batch/job_surroundings.h"
 #include "batch/stored_jobs.h"
 #include "batch/texts.h"
+#include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "modules/disc_facts.h"
 #include "platform/base/text.h"
@@ -79,17 +80,29 @@ void PreparePrinting(const Registry& registry, std::span<const Job* const> jobs,
   artworker::PrepareDrawing();
 }
 
-int WritePictures(const PrintOptions& options, const Job& job, Console& console) {
+int WritePictures(const PrintOptions& options, const Job& job, DestinationRules rules, Console& console) {
   const auto& parameters = As<artworker::ArtworkerParameters>(*job.parameters);
   const auto dpi = static_cast<double>(DpiOf(options).value_or(kPresetDpi));
+  rules.origin = NameOrigin::Command;
+  const DestinationFiles files = SystemDestinationFiles();
+  TargetNaming naming(job, rules, files);
   for (const artworker::ArtworkObjectId id : artworker::kObjectIds) {
     if (!artworker::Holds(parameters.printWhat, id)) continue;
-    const std::string path = JoinPath(*options.pictures, kPictureNames[artworker::IndexOf(id)]);
-    if (Failed(artworker::SavePicture(parameters, id, dpi, path))) {
-      PrintError(console, Format(Text(texts::BatchPictureNotWritten), path));
+    const PlannedTarget target =
+        naming.Chosen(JoinPath(*options.pictures, kPictureNames[artworker::IndexOf(id)]));
+    const auto png = artworker::PictureFile(parameters, id, dpi);
+    auto file = png ? StagedFile::Create(target.name) : Failure(png.error());
+    const bool written = file && Succeeded(target.code) && Succeeded(file->Write(*png));
+    bool mayNot = false;
+    const auto taken =
+        written ? TakeTarget(*file, target, naming, [&](const std::string&) { return !(mayNot = true); })
+                : Failure(Outcome::WriteFailed);
+    if (!taken) {
+      const TextId text = mayNot ? texts::BatchPictureExists : texts::BatchPictureNotWritten;
+      PrintError(console, Format(Text(text), target.name));
       return kExitFailed;
     }
-    console.out << path << '\n';
+    console.out << *taken << '\n';
   }
   return kExitSuccess;
 }

@@ -8,6 +8,7 @@
 
 #include "batch/arguments.h"
 #include "batch/console.h"
+#include "frame/destination.h"
 #include "frame/job.h"
 #include "platform/store/registry.h"
 
@@ -32,7 +33,9 @@ void AddPrintOptions(Arguments& arguments, PrintOptions& options);
 // All of that for a job that is stored.
 void PreparePrinting(const Registry& registry, std::span<const Job* const> jobs, Job& job);
 
-// Writes the pictures of the chosen objects; the exit status.
-[[nodiscard]] int WritePictures(const PrintOptions& options, const Job& job, Console& console);
+// Writes the pictures of the chosen objects; what stands there is replaced, numbered or refused by the rules.
+// The exit status.
+[[nodiscard]] int WritePictures(const PrintOptions& options, const Job& job, DestinationRules rules,
+                                Console& console);
 
 }  // namespace ts5::batch

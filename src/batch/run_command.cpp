@@ -237,7 +237,7 @@ int RunCommand(CommandLine line, Console& console) {
     request.directory = CdDirectoryOf(*request.directory).value_or(*request.directory);
   if (const auto fault = Contradiction(request)) return WrongUsage(console, kCommand, *fault);
   for (auto* const path : {&request.destination, &request.destinationDirectory, &request.directory,
-                           &request.list, &request.print.layout}) {
+                           &request.list, &request.print.layout, &request.print.pictures}) {
     if (*path) *path = FullPath(**path);
   }
 
@@ -282,7 +282,7 @@ int RunCommand(CommandLine line, Console& console) {
     job.files.SelectAll();
   }
   if (const auto fault = TakeDisc(request.print, console, job)) return WrongUsage(console, kCommand, *fault);
-  if (request.print.pictures) return WritePictures(request.print, job, console);
+  if (request.print.pictures) return WritePictures(request.print, job, rules, console);
   const RunShare share = request.part ? ParseShare(*request.part).value_or(RunShare{}) : RunShare{};
   KeepShare(job, share);
   request.output.melodies = request.melody.Names();

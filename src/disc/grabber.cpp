@@ -22,6 +22,7 @@
 #include "frame/cd_tracks.h"
 #include "frame/item_run.h"
 #include "frame/run.h"
+#include "frame/run_target.h"
 #include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
@@ -92,7 +93,8 @@ struct PieceTarget {
 
 class GrabRun {
  public:
-  GrabRun(Run& run, const GrabParameters& parameters) : run_(run), parameters_(parameters) {}
+  GrabRun(Run& run, const GrabParameters& parameters)
+      : run_(run), parameters_(parameters), naming_(run.GetJob(), run.Destination(), run.Files()) {}
 
   void Execute() {
     ItemFilter filter;
@@ -259,14 +261,14 @@ class GrabRun {
     return {};
   }
 
-  // A name beside the files, with a number when it is taken and may not be replaced.
-  [[nodiscard]] std::string FreeName(std::string_view file) const {
-    const TargetName name = TargetName::Of(JoinPath(Folder(), file));
-    std::string path = name.Plain();
-    const bool replace = run_.Destination().overwrite == OverwritePolicy::Replace;
-    for (std::uint32_t number = 1; !replace && run_.Files().exists(path); ++number)
-      path = name.Numbered(number);
-    return path;
+  // A target beside the files, with a number when its name is taken and may not be replaced: nobody is asked
+  // at the end of a run.
+  [[nodiscard]] PlannedTarget NameBeside(std::string_view file) {
+    PlannedTarget target = naming_.Chosen(JoinPath(Folder(), file));
+    if (target.taking != Taking::Ask) return target;
+    target.taking = Taking::Number;
+    if (run_.Files().exists(target.name) && !naming_.Renumber(target)) target.code = Outcome::TargetFailed;
+    return target;
   }
 
   // The files of the run by their tracks.
@@ -304,9 +306,14 @@ class GrabRun {
     const std::string sheet =
         GrabbedSheet({source_->Catalogue(), source_->Text().disc,
                       hidden == files.end() ? std::string() : hidden->second, std::move(tracks)});
-    const std::string name = FreeName("CD.cue");
-    const Outcome written = WriteFile(name, AsBytes(sheet));
-    Failed(written) ? run_.AddCode(written) : run_.Made(name);
+    PlannedTarget target = NameBeside("CD.cue");
+    auto file = Succeeded(target.code) ? StagedFile::Create(target.name) : Failure(target.code);
+    Outcome written = file ? file->Write(AsBytes(sheet)) : file.error();
+    if (Succeeded(written)) {
+      const auto put = PutTarget(run_, *file, std::move(target), naming_, {});
+      if (!put) written = put.error();
+    }
+    if (Failed(written)) run_.AddCode(written);
   }
 
   // What lies before the first track and is in no table of contents.
@@ -314,9 +321,9 @@ class GrabRun {
     const std::uint32_t sectors = source_->toc.tracks.front().start;
     if (sectors == 0) return;
     const TargetRule rule = TargetRuleOf(parameters_, kHiddenTrack);
-    const std::string path = FreeName(WithExtension(rule.name, rule.extension));
-    RunItem item{.source = std::string(Text(texts::HiddenTrack)), .destination = path};
-    auto file = StagedFile::Create(path);
+    PlannedTarget place = NameBeside(WithExtension(rule.name, rule.extension));
+    RunItem item{.source = std::string(Text(texts::HiddenTrack)), .destination = place.name};
+    auto file = Succeeded(place.code) ? StagedFile::Create(place.name) : Failure(place.code);
     if (!file) {
       item.code = Code(file.error());
       run_.AddCode(file.error());
@@ -325,8 +332,8 @@ class GrabRun {
       PieceTarget target{*file, [this, all](double fraction) { run_.Progress(all, all, fraction); }};
       Outcome grabbed = GrabPiece({kHiddenTrack, Lba{0}, sectors}, target);
       if (Succeeded(grabbed) || target.keep) {
-        const Outcome committed = file->Commit();
-        Failed(committed) ? void(grabbed = committed) : run_.Made(path);
+        auto put = PutTarget(run_, *file, std::move(place), naming_, {});
+        put ? void(item.destination = *std::move(put)) : void(grabbed = put.error());
       }
       item.code = Code(grabbed);
       item.remark = target.line;
@@ -353,6 +360,7 @@ class GrabRun {
 
   Run& run_;
   const GrabParameters& parameters_;
+  TargetNaming naming_;  // of what comes beside the tracks
   std::string path_;
   std::unique_ptr<OpenSource> source_;
 };

@@ -136,7 +136,7 @@ TEST_F(LayoutProgram, APrinterGetsADocumentForEachPaperAndMayVanish) {
 
 TEST_F(LayoutProgram, FieldsAreFilledFromTheFilesThatAreGiven) {
   const auto picture = [&](const std::vector<std::string>& files) {
-    std::vector<std::string> line{"--png", ".", "--set", "ArtPrintWhat=2"};
+    std::vector<std::string> line{"--png", ".", "--set", "ArtPrintWhat=2", "--overwrite", "yes"};
     line.insert(line.end(), files.begin(), files.end());
     const ProgramEnd end = Print(line);
     EXPECT_EQ(end.status, 0) << end.err;
@@ -145,7 +145,15 @@ TEST_F(LayoutProgram, FieldsAreFilledFromTheFilesThatAreGiven) {
   const std::string unfilled = picture({});
   std::filesystem::copy_file(test::DataPath("audio/ogg_vorbis_mono_11025.ogg"), folder_.File("lied.ogg"));
   EXPECT_EQ(Run({"attributes", "--set", "WM/AlbumTitle=Abendlieder", "lied.ogg"}).status, 0);
-  EXPECT_NE(picture({"lied.ogg"}), unfilled);
+  const std::string filled = picture({"lied.ogg"});
+  EXPECT_NE(filled, unfilled);
+  // What is there stays, unless something else was asked for.
+  const ProgramEnd refused = Print({"--png", ".", "--set", "ArtPrintWhat=2"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_THAT(refused.err, HasSubstr("inlay.png\" gibt es schon."));
+  EXPECT_EQ(Print({"--png", ".", "--set", "ArtPrintWhat=2", "--overwrite", "number"}).status, 0);
+  EXPECT_EQ(Content(folder_.File("inlay001.png")), unfilled);
+  EXPECT_EQ(Content(folder_.File("inlay.png")), filled);
   EXPECT_EQ(Print({"--disc-job", "Nirgends"}).status, 2);
 }
 

@@ -48,6 +48,7 @@ class DiscTest : public testing::Test {
   // A run of the module over files, with "NAME=VALUE" settings.
   struct Order {
     std::vector<std::string> files = {};
+    OverwritePolicy overwrite = OverwritePolicy::Replace;
     std::vector<std::uint32_t> pauses = {};
     std::vector<std::pair<std::string, std::string>> settings = {};
     std::string directory = {};  // a drive whose tracks are taken
@@ -74,7 +75,7 @@ class DiscTest : public testing::Test {
     DestinationRules rules;
     rules.sourceDirectory = false;
     rules.directory = order.target;
-    rules.overwrite = OverwritePolicy::Replace;
+    rules.overwrite = order.overwrite;
     RunSetup setup;
     setup.devices.recorder = VirtualRecorderDirectory();
     setup.devices.source = order.source;

@@ -309,8 +309,15 @@ TEST_F(CopyTest, TracksComeOutAsTheyAre) {
   EXPECT_THAT(host_->lines, Contains(HasSubstr("Track 00: 30 Sektoren, CRC-32 ")));
 
   Faults(R"([{"op":"BE","lba":500,"times":99,"sense":"03/11/05"}])");
+  order.overwrite = OverwritePolicy::Ask;  // what comes beside the tracks is numbered then
+  for (const char* const track : {"Track01.wav", "Track03.wav"})
+    std::filesystem::remove(place_.File("ziel") + "/" + track);
+  const std::string before = test::Content(place_.File("ziel/CD.cue"));
   const RunResult failed = Execute(GrabberModule(), order);
   EXPECT_THAT(Counts(failed), ElementsAre(2, 1, 0, 0));
+  EXPECT_EQ(test::Content(place_.File("ziel/CD.cue")), before);
+  EXPECT_TRUE(std::filesystem::exists(place_.File("ziel/CD001.cue")));
+  EXPECT_TRUE(std::filesystem::exists(place_.File("ziel/Track00001.wav")));
   EXPECT_EQ(failed.items[1].code, code::kTrackNotRead);
   EXPECT_THAT(failed.remarks,
               Contains(HasSubstr("(Code 1804) Die Quell-CD ist an einer Stelle nicht zu lesen.")));
