@@ -142,7 +142,7 @@ class CopyRun {
     const auto toc = drive_->drive.ReadToc([this] { return run_.Cancelled(); });
     if (!toc) {
       // A blank disc has no table of contents, but says that it is one.
-      const auto info = drive_->ReadDiscInformation();
+      const auto info = drive_->drive.ReadDiscInformation();
       if (info && info->status == DiscStatus::Blank) return {code::kNoTracks, 0};
       run_.StatusText(Text(texts::SourceDiscNotRead));
       return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kDiscUnknown)};
