@@ -12,6 +12,16 @@ namespace {
 constexpr std::size_t kShownInLine = 3;
 constexpr std::size_t kShownInRemarks = 20;  // of one file
 
+// Of one file, as one line; "" without any.
+std::string Summary(const std::vector<ItemLoss>& losses) {
+  if (losses.empty()) return {};
+  std::string lines;
+  for (std::size_t i = 0; i < std::min(losses.size(), kShownInLine); ++i)
+    lines += (i == 0 ? "" : "; ") + losses[i].line;
+  if (losses.size() <= kShownInLine) return Format(Text(texts::XmlLossSummary), lines);
+  return Format(Text(texts::XmlLossSummaryMore), lines, losses.size() - kShownInLine);
+}
+
 }  // namespace
 
 std::vector<ItemLoss> ItemLosses(const LossReport& report) {
@@ -25,13 +35,12 @@ std::vector<ItemLoss> ItemLosses(const LossReport& report) {
   return losses;
 }
 
-std::string LossSummary(const std::vector<ItemLoss>& losses) {
-  if (losses.empty()) return {};
-  std::string lines;
-  for (std::size_t i = 0; i < std::min(losses.size(), kShownInLine); ++i)
-    lines += (i == 0 ? "" : "; ") + losses[i].line;
-  if (losses.size() <= kShownInLine) return Format(Text(texts::XmlLossSummary), lines);
-  return Format(Text(texts::XmlLossSummaryMore), lines, losses.size() - kShownInLine);
+Outcome WriteWithLosses(ItemWork& work, ByteView made, std::vector<ItemLoss> losses) {
+  const Outcome written = work.target.Write(made);
+  if (Failed(written)) return written;
+  work.line = Summary(losses);
+  work.losses = std::move(losses);
+  return written;
 }
 
 void AddLossRemarks(RunResult& result) {

@@ -6,13 +6,15 @@
 #include <vector>
 
 #include "converters/score_losses.h"
+#include "frame/item_run.h"
 #include "frame/run_result.h"
+#include "platform/base/bytes.h"
 
 namespace ts5 {
 
 [[nodiscard]] std::vector<ItemLoss> ItemLosses(const LossReport& report);
-// Of one file, as one line; "" without any.
-[[nodiscard]] std::string LossSummary(const std::vector<ItemLoss>& losses);
+// Writes what was made of an item and, when that is there, says what it has lost.
+[[nodiscard]] Outcome WriteWithLosses(ItemWork& work, ByteView made, std::vector<ItemLoss> losses);
 // Of all files of a run, one line each.
 void AddLossRemarks(RunResult& result);
 

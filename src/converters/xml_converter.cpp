@@ -68,9 +68,7 @@ Outcome ConvertItem(const XmlConverterParameters& own, ItemWork& work) {
   const WorkWatch watch{cancelled, [&work](double done) { work.progress(kRead + done * (1 - kRead)); }};
   const auto written = WriteAnyScore(score->document, format, score->losses, watch);
   if (!written) return written.error();
-  work.losses = ItemLosses(score->losses);
-  work.line = LossSummary(*work.losses);
-  return work.target.Write(*written);
+  return WriteWithLosses(work, *written, ItemLosses(score->losses));
 }
 
 void RunXmlConverter(Run& run, const XmlConverterParameters& own) {

@@ -323,7 +323,7 @@ class ItemRun {
     for (std::size_t i = 0; goesOn && i < std::min(count + 1, items.size()); ++i) {
       Item& item = items[i];
       if (Failed(flushed) && !item.name.empty() && Succeeded(item.code)) {
-        item.code = flushed;
+        FailLate(item, flushed);
         item.reason = FailureReason(flushed, item.source, item.name, {});
       }
       goesOn = Book(item);
@@ -342,6 +342,13 @@ class ItemRun {
     journal_->Announce(records);
   }
 
+  // What the conversion said of its success holds no longer.
+  static void FailLate(Item& item, Outcome code) {
+    item.code = code;
+    item.extended = false;
+    item.line.clear();
+  }
+
   // False when the run ends with the item, e.g. as the user says No to what has appeared there meanwhile.
   bool PutInPlace(Item& item) {
     if (!item.target) return item.code != Outcome::Cancelled;
@@ -351,7 +358,7 @@ class ItemRun {
     if (taken) {
       item.name = *std::move(taken);
     } else {
-      item.code = taken.error();
+      FailLate(item, taken.error());
       Explain(item);
     }
     item.target.reset();

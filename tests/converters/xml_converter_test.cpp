@@ -9,6 +9,7 @@
 #include "converters/stvx.h"
 #include "converters/xml_properties.h"
 #include "frame/run_support.h"
+#include "platform/files/disk_calls.h"
 #include "score/random_score.h"
 #include "score/score_properties.h"
 #include "score/score_reader.h"
@@ -170,6 +171,27 @@ TEST_F(XmlConverterRun, ReportsWhatAScoreFileCannotHold) {
                                    "Takt 12, Violine: 2 x Zeichen (arpeggiate)"}));
   EXPECT_THAT(lost.remarks,
               testing::Contains("a.xml: nicht übertragen: Takt 12, Violine: 2 x Zeichen (arpeggiate)"));
+  // Where nothing comes to be, nothing is said of losses.
+  struct : DiskCalls {
+    bool atTheEnd = false;
+    ssize_t Write(int file, ByteView bytes, std::uint64_t offset) override {
+      errno = ENOSPC;
+      return atTheEnd ? DiskCalls::Write(file, bytes, offset) : -1;
+    }
+    int Flush(int /*file*/) override {
+      errno = ENOSPC;
+      return -1;
+    }
+    int FlushFileSystem(const std::string& /*directory*/) override { return Flush(0); }
+  } full;
+  for (const bool atTheEnd : {false, true}) {
+    full.atTheEnd = atTheEnd;
+    const OtherDiskCalls other(full);
+    const RunResult failed = Convert({source}, place_.File("b.stv"));
+    EXPECT_EQ(failed.items.at(0).code, -101);
+    EXPECT_FALSE(failed.items.at(0).losses);
+    EXPECT_THAT(failed.remarks, ElementsAre("In eine Datei konnte nicht geschrieben werden."));
+  }
 }
 
 TEST(XmlProperties, ShowWhatIsInAScore) {

@@ -105,9 +105,7 @@ Outcome ConvertItem(const P& parameters, ItemWork& work) {
   if (!written) return written.error();
   std::vector<ItemLoss> losses = LossesOf(*made);
   std::ranges::move(ItemLosses(report), std::back_inserter(losses));
-  work.line = LossSummary(losses);
-  work.losses = std::move(losses);
-  return work.target.Write(*written);
+  return WriteWithLosses(work, *written, std::move(losses));
 }
 
 void RunMidiToScore(Run& run, const P& parameters) {
