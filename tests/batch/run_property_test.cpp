@@ -96,7 +96,7 @@ struct Conversion {
 constexpr Conversion kConversions[] = {
     {FilterId::ScoreToMidi, "../../demo/Bruder Jakob.stv"},
     {FilterId::MidiToScore, "midi/music21_test10.mid"},
-    {FilterId::MidiConverter, "midi/made_c_major_scale.rmi"},
+    {FilterId::MidiConverter, "midi/made_c_major_scale.rmi", "FormatBig", "1", true},
     {FilterId::XmlConverter, "musicxml/osmd_HelloWorld.xml"},
     {FilterId::WaveConverter, "audio/wav_left_only.wav", "SamplesPerSec", "11025", true},
     {FilterId::AudioCompressor, "audio/wav_left_only.wav", "CodecType", "3"},
