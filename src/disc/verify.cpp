@@ -21,10 +21,11 @@ class SentSound {
   }
   // False when the source cannot be read any more.
   bool Read(std::span<std::uint8_t> out) {
-    std::ranges::fill(out, std::uint8_t{0});
     const auto quiet = static_cast<std::size_t>(std::min<std::uint64_t>(silence_, out.size()));
+    std::ranges::fill(out.first(quiet), std::uint8_t{0});
     silence_ -= quiet;
     const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(left_, out.size() - quiet));
+    std::ranges::fill(out.subspan(quiet + part), std::uint8_t{0});
     left_ -= part;
     if (part == 0) return true;
     if (!sound_) return false;
@@ -72,15 +73,15 @@ class Comparison {
 
   // The first sector that is another; nothing when all are the same.
   std::optional<std::int32_t> Portion(Lba at, ByteView sent) {
-    Bytes read(sent.size());
-    if (!Read(at, read)) return at.value < 0 ? std::nullopt : std::optional(at.value);
-    if (std::ranges::equal(read, sent)) return std::nullopt;
+    read_.resize(sent.size());
+    if (!Read(at, read_)) return at.value < 0 ? std::nullopt : std::optional(at.value);
+    if (std::ranges::equal(read_, sent)) return std::nullopt;
     if (!offsetKnown_ && std::ranges::any_of(sent, [](std::uint8_t byte) { return byte != 0; })) {
       offsetKnown_ = true;
       offset_ = FindOffset(drive_, at, sent);
       if (offset_ != 0) return Portion(at, sent);
     }
-    const auto difference = std::ranges::mismatch(read, sent).in1 - read.begin();
+    const auto difference = std::ranges::mismatch(read_, sent).in1 - read_.begin();
     return at.value + static_cast<std::int32_t>(difference / static_cast<std::ptrdiff_t>(kAudioSectorBytes));
   }
 
@@ -104,6 +105,7 @@ class Comparison {
 
   CdDrive& drive_;
   Lba end_;
+  Bytes read_;
   bool offsetKnown_ = false;
   std::int32_t offset_ = 0;
 };

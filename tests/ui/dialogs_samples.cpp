@@ -1,3 +1,8 @@
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTabWidget>
+#include <QTemporaryDir>
 #include <cmath>
 
 #include "app/shell/about_dialog.h"
@@ -11,6 +16,9 @@
 #include "audio/encode/ui/engine_dialog.h"
 #include "audio/encode/ui/ogg_dialog.h"
 #include "audio/encode/ui/target_names_dialog.h"
+#include "audio/interfaces/ui/interface_assistant.h"
+#include "audio/interfaces/ui/interface_editor.h"
+#include "audio/interfaces/ui/interface_manager.h"
 #include "audio/texts.h"
 #include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/midi_to_wave_dialog.h"
@@ -22,6 +30,7 @@
 #include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
 #include "frame/ui/playback_window.h"
+#include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
 #include "frame/ui/settings_dialog.h"
 #include "midi/ui/midi_convert_dialog.h"
@@ -141,6 +150,29 @@ AudioProperties SampleAudio() {
   return properties;
 }
 
+EncoderInterfaces SampleInterfaces() {
+  return {
+      {"/usr/bin/env",
+       "LAME (MP3)",
+       "mp3",
+       {{.parameters = "--quiet -b 192 {q} {z}", .bitRate = 192},
+        {.parameters = "--quiet -V 2 {q} {z}", .bitRate = 192, .vbr = true}}},
+      {"/home/clara/bin/opusenc", "Opus", "opus", {{.parameters = "{q} {z} --bitrate 96", .bitRate = 96}}}};
+}
+
+// The assistant after so many pages; another leads to the pages of a set.
+std::unique_ptr<QWidget> AssistantPage(DialogHost& host, int pages, bool another = false) {
+  auto assistant = std::make_unique<InterfaceAssistant>(SampleInterfaces(), std::string(), host, nullptr);
+  Child<QListWidget>(*assistant, "foundList").setCurrentRow(1);
+  for (int page = 0; page < pages; ++page) {
+    Child<QCheckBox>(*assistant, "anotherCheck").setChecked(another);
+    auto& parameters = Child<QLineEdit>(*assistant, "parametersEdit");
+    if (parameters.text().isEmpty()) parameters.setText(QStringLiteral("--quiet -V 0 {q} {z}"));
+    Child<QPushButton>(*assistant, "okButton").click();
+  }
+  return assistant;
+}
+
 std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
   auto dialog = std::make_unique<SettingsDialog>(SampleSettings(), host, nullptr);
   Child<QTabWidget>(*dialog, "pages").setCurrentIndex(page);
@@ -232,6 +264,29 @@ const std::vector<WindowSample>& WindowSamples() {
       {"APEPARAMS", [](DialogHost& host) { return std::make_unique<ApeDialog>(3000, host, nullptr); }},
       {"ENCODERINFO",
        [](DialogHost&) { return std::make_unique<EncoderInfoDialog>(Mp3Engine::Lame, nullptr); }},
+      {"MODIFYMP3INTERFACES",
+       [](DialogHost& host) {
+         static const QTemporaryDir directory;
+         const std::string file = FromQt(directory.filePath(QStringLiteral("ts5i.cdi")));
+         (void)SaveInterfaces(file, SampleInterfaces());
+         return std::make_unique<InterfaceManager>(file, host, nullptr);
+       }},
+      {"EDITINTERFACE",
+       [](DialogHost& host) {
+         return std::make_unique<InterfaceEditor>(SampleInterfaces().back(), host, nullptr);
+       }},
+      {"EDITINTERFACE-set",
+       [](DialogHost& host) {
+         auto editor = std::make_unique<InterfaceEditor>(SampleInterfaces().front(), host, nullptr);
+         Child<QTabWidget>(*editor, "pages").setCurrentIndex(2);
+         return editor;
+       }},
+      {"CREATEMP3INTERFACE", [](DialogHost& host) { return AssistantPage(host, 0); }},
+      {"CREATEMP3INTERFACE-encoder", [](DialogHost& host) { return AssistantPage(host, 1); }},
+      {"CREATEMP3INTERFACE-namen", [](DialogHost& host) { return AssistantPage(host, 2); }},
+      {"CREATEMP3INTERFACE-sets", [](DialogHost& host) { return AssistantPage(host, 3); }},
+      {"CREATEMP3INTERFACE-parameter", [](DialogHost& host) { return AssistantPage(host, 4, true); }},
+      {"CREATEMP3INTERFACE-eigenschaften", [](DialogHost& host) { return AssistantPage(host, 5, true); }},
       {"WAVEFORMAT",
        [](DialogHost& host) {
          const std::vector<WaveNumbers> formats{{44100, 1, 8}, {44100, 2, 8}, {44100, 1, 16}, {44100, 2, 16}};
