@@ -79,6 +79,12 @@ TEST(ListOrder, IsKeptByName) {
   EXPECT_TRUE(SortingFrom("-Unsinn").IsOwn());
   EXPECT_EQ(NamesOf(ColumnsFrom("Date Unsinn Length")), "Length Date");
   EXPECT_THAT(ColumnsFrom(NamesOf({})), IsEmpty());
+  const ColumnWidths widths{{FileColumn::Name, 300}, {FileColumn::Length, 80}, {FileColumn::Key, 90}};
+  const std::string stored = NamesOf({FileColumn::Length, FileColumn::Size}, widths);
+  EXPECT_EQ(stored, "Length=80 Size Name=300") << "what is not shown has no width";
+  EXPECT_EQ(ColumnsFrom(stored).size(), 2U);
+  EXPECT_EQ(NamesOf(ColumnsFrom(stored), WidthsFrom(stored)), stored);
+  EXPECT_THAT(WidthsFrom("Length=-1 Size=x Date= Key=99999999999 =5 Time=7 Unsinn=8"), IsEmpty());
 }
 
 TEST(FileColumns, SayWhatAFileHas) {

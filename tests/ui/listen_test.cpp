@@ -1,4 +1,5 @@
 // Hearing files at once from the list: what sounds, what stays as it is, and what is said where nothing can.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include "frame/ui/practice_panel.h"
 #include "platform/files/files.h"
 #include "platform/sound/synthesizer.h"
+#include "support/accessible.h"
 #include "workbench_support.h"
 
 namespace ts5 {
@@ -118,6 +120,14 @@ TEST_F(ListenTest, PracticeHoldsAtOnceAndIsRememberedForTheFile) {
   EXPECT_EQ(PracticeText(Sound().Control()->GetPractice()), PracticeText(practice));
   EXPECT_TRUE(WaitFor([this] { return Part<PracticePanel>("practicePanel")->isVisible(); }))
       << "one sees why it is slow";
+  for (const int width : {900, 1800}) {
+    W().resize(width, 600);
+    QApplication::processEvents();
+    EXPECT_GE(Part<QSlider>("listenPosition")->width(), 90) << width;
+    EXPECT_THAT(NamelessControls(*W().Listening().Bar()), testing::IsEmpty());
+    EXPECT_THAT(UnreachableControls(*W().Listening().Bar()), testing::IsEmpty());
+    EXPECT_THAT(ClippedTexts(*W().Listening().Bar()), testing::IsEmpty());
+  }
 }
 
 TEST_F(ListenTest, VolumeIsKeptAndWhatIsNoMusicIsSaid) {

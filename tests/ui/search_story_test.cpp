@@ -137,6 +137,31 @@ class SearchStory : public WorkbenchTest {
   std::vector<std::string> sources_;
 };
 
+// What is seen is what is searched; a directory that is not narrowed down is searched with all below it.
+TEST_F(SearchStory, ANarrowedDirectoryIsSearchedAsItIsSeen) {
+  BeginSearch();
+  directory_.Write("Unten/made_gymnopedie.mid", test::Content(test::DataPath("midi/made_gymnopedie.rmi")));
+  W().Actions().Trigger(CommandId::SwitchListMode);
+  emit W().Source().DirectoryChosen(directory_.Path());
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() >= sources_.size(); }));
+  ASSERT_TRUE(WaitForListing());
+  const auto searchWith = [this](const char* words) {
+    W().Source().Filter()->setText(words);
+    QTest::keyClick(W().Source().Filter(), Qt::Key_Return);
+    Select({});
+    std::string texts;
+    Search(&texts);
+    return texts.substr(0, texts.find(' '));
+  };
+  EXPECT_EQ(searchWith("gymnopedie"), "3");
+  EXPECT_EQ(searchWith(""), "6") << "with the one below, without the broken one";
+  W().Source().Filter()->setText("Unsinn");
+  QTest::keyClick(W().Source().Filter(), Qt::Key_Return);
+  script_.ExpectBox(QMessageBox::Ok);
+  W().Actions().Trigger(CommandId::Run);
+  EXPECT_EQ(script_.LastText(), QtText(texts::NothingShown));
+}
+
 TEST_F(SearchStory, FromTheKeysToThePrintedPage) {
   Start();
   ToListMode();

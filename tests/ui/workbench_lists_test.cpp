@@ -521,6 +521,29 @@ TEST_F(ArrangedList, SubdirectoriesAreShownAndNamedInTheJob) {
   EXPECT_TRUE(WaitFor([&] { return Names().size() == 6; }));
 }
 
+TEST_F(ArrangedList, ColumnsFitTheWindowAndKeepTheirWidths) {
+  StartWithMusic();
+  const auto files = [this] { return W().Source().Files(); };
+  const auto section = [&](FileColumn column) {
+    int found = 0;
+    while (W().Source().Model().ColumnAt(found) != column) ++found;
+    return found;
+  };
+  for (const int width : {1900, 1280, 900}) {
+    W().resize(width, 700);
+    QApplication::processEvents();
+    EXPECT_EQ(files()->horizontalScrollBar()->maximum(), 0) << width;
+    EXPECT_EQ(files()->isColumnHidden(section(FileColumn::Date)), width == 900);
+  }
+  files()->header()->resizeSection(section(FileColumn::Length), 111);
+  emit W().Source().DirectoryChosen(directory_.Path());
+  ASSERT_TRUE(WaitForListing());
+  Start();
+  ASSERT_TRUE(WaitForListing());
+  EXPECT_EQ(files()->columnWidth(section(FileColumn::Length)), 111);
+  EXPECT_EQ(W().Source().Model().columnCount(), 8) << "a width chooses no columns";
+}
+
 TEST_F(ArrangedList, ColumnsAreChosenInTheMenu) {
   StartWithMusic();
   QTimer::singleShot(0, [] {

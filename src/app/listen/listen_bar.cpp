@@ -18,7 +18,10 @@ namespace {
 constexpr int kRefreshMilliseconds = 33;
 constexpr int kSlimHeight = 28;
 constexpr int kVolumeWidth = 80;
-constexpr int kTitleWidth = 90;
+constexpr int kNarrowVolumeWidth = 50;
+constexpr int kTitleWidth = 60;
+constexpr int kPositionWidth = 90;
+constexpr int kNarrowBar = 560;
 constexpr int kSoftest = -60;  // decibels; below it the slider means silence
 
 }  // namespace
@@ -31,6 +34,7 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
       title_(new QLabel(this)),
       position_(new PositionSlider(this)),
       time_(new QLabel(this)),
+      loudness_(new QLabel(this)),
       volume_(new QSlider(Qt::Horizontal, this)),
       practise_(new QToolButton(this)),
       practice_(new PracticePanel([&listener] { return listener.Control(); }, this)) {
@@ -42,7 +46,7 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   title_->setMinimumWidth(kTitleWidth);
   position_->setObjectName("listenPosition");
-  position_->setMinimumHeight(kSlimHeight);
+  position_->setMinimumSize(kPositionWidth, kSlimHeight);
   time_->setObjectName("listenTime");
   volume_->setObjectName("listenVolume");
   volume_->setAccessibleName(QtText(texts::ListenVolume));
@@ -71,10 +75,9 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   layout->addWidget(title_, 2);
   layout->addWidget(position_, 3);
   layout->addWidget(time_);
-  auto* const loudness = new QLabel(this);  // its slider has the name
-  loudness->setPixmap(Icon("wavdevicon").pixmap(16));
-  loudness->setToolTip(QtText(texts::ListenVolume));
-  layout->addWidget(loudness);
+  loudness_->setPixmap(Icon("wavdevicon").pixmap(16));
+  loudness_->setToolTip(QtText(texts::ListenVolume));
+  layout->addWidget(loudness_);
   layout->addWidget(volume_);
   layout->addWidget(practise_);
 
@@ -110,6 +113,16 @@ QToolButton* ListenBar::MakeButton(const char* name, TextId text, std::string_vi
   button->setToolTip(QtText(text));
   button->setAccessibleName(QtText(text));
   return button;
+}
+
+bool ListenBar::Narrow() const {
+  return width() < kNarrowBar;
+}
+
+void ListenBar::resizeEvent(QResizeEvent* event) {
+  QFrame::resizeEvent(event);
+  loudness_->setVisible(!Narrow());
+  volume_->setFixedWidth(Narrow() ? kNarrowVolumeWidth : kVolumeWidth);
 }
 
 void ListenBar::TogglePlay() {
@@ -149,7 +162,8 @@ void ListenBar::ShowRefusal(const QString& why) {
 
 void ListenBar::Refresh() {
   PlayerControl* const control = listener_.Control();
-  const PlayerStatus status = control != nullptr ? control->Status() : PlayerStatus{};
+  PlayerStatus status = control != nullptr ? control->Status() : PlayerStatus{};
+  if (Narrow()) status.place.reset();
   const bool plays = !status.title.empty();
   position_->setEnabled(plays && status.duration.count() > 0);
   practice_->Show(status);

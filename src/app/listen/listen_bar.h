@@ -30,7 +30,12 @@ class ListenBar : public QFrame {
   void AgainWanted();  // the title that has ended
   void VolumeChanged(std::int32_t hundredths);
 
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
  private:
+  // In a narrow bar the position goes before the bar's number and the sign of the volume.
+  [[nodiscard]] bool Narrow() const;
   void ShowTitle();
   void ShowRefusal(const QString& why);
   void Refresh();  // what moves while a title plays
@@ -42,6 +47,7 @@ class ListenBar : public QFrame {
   QLabel* title_;
   PositionSlider* position_;
   QLabel* time_;
+  QLabel* loudness_;  // the sign beside the volume
   QSlider* volume_;
   QToolButton* practise_;
   PracticePanel* practice_;

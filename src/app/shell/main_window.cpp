@@ -26,7 +26,7 @@
 namespace ts5 {
 namespace {
 
-constexpr QSize kSmallestWindow{900, 620};
+constexpr QSize kSmallestWindow{800, 440};
 constexpr const char* kFactsFile = "dateiangaben";  // what is remembered of files, in the program's directory
 constexpr int kMessageTime = 10'000;                // milliseconds of a message in the status bar
 constexpr int kRetry = 300;  // milliseconds until a window is looked at again that a dialog holds
@@ -81,7 +81,7 @@ void MainWindow::MakeAreas() {
   filters_ = new FilterPanel(TileLooks(), StyleOf(settings.skinLayout), this);
   filters_->setMinimumWidth(150);
   source_ = new SourceArea(this);
-  source_->setMinimumHeight(180);
+  source_->setMinimumHeight(150);
   source_->Files()->setContextMenuPolicy(Qt::ActionsContextMenu);
   for (const CommandId command : kFileCommands) source_->Files()->addAction(Actions().Action(command));
   target_ = new TargetArea(this);

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kFilterBarWidth = 262;
 constexpr int kTreeWidth = 250;
+constexpr int kTreeShare = 5;  // at most that part of a small window
 constexpr double kShareOfScreen = 0.9;
 constexpr double kShareOfHits = 0.5;  // with the destination above them
 
@@ -19,7 +20,7 @@ constexpr double kShareOfHits = 0.5;  // with the destination above them
 void ShowPlaces(const AreaSplitters& splitters, const SizingRectangle& place, bool listsHits, QSize window) {
   const bool stored = place.left > 0 && place.right > place.left && place.bottom > 0;
   const int left = stored ? place.left : kFilterBarWidth;
-  const int tree = stored ? place.right - place.left : kTreeWidth;
+  const int tree = stored ? place.right - place.left : std::min(kTreeWidth, window.width() / kTreeShare);
   splitters.filterBar->setSizes({left, std::max(window.width() - left, 1)});
   splitters.tree->setSizes({tree, std::max(window.width() - left - tree, 1)});
   // What was shown or hidden just now counts.

@@ -1,0 +1,61 @@
+#!/bin/bash
+# The first minute of somebody who has never seen the program, by mouse and without the help: a start on a folder with
+# music, a piece is heard, a melody found and heard, a CD made, and its cover.
+#
+#   tests/desktop/first_minute.sh PROGRAM [PICTURES]
+#
+# Exit status 0 when all of it is there and the program ended by itself. Needs pulseaudio, too.
+program=$1
+pictures=${2:-}
+. "$(dirname "$0")/common.sh"
+take_demo mid
+python3 - "$HOME" <<'PYTHON'
+import random, sys, wave
+for name in ("01 - Chor - Abendlied", "02 - Chor - Innsbruck"):
+    with wave.open(f"{sys.argv[1]}/Musik/{name}.wav", "wb") as out:
+        out.setparams((2, 2, 44100, 0, "NONE", ""))
+        out.writeframes(random.randbytes(4 * 44100 * 4))
+PYTHON
+"$console" cd blank "$HOME/CD" >/dev/null
+double_click() { xdotool mousemove $((X + $1)) $((Y + $2)) click --repeat 2 --delay 80 1; }
+# in_window NUMBER X Y: a click at a place of another window.
+in_window() { xdotool mousemove --window "$1" "$2" "$3" click 1; sleep 0.5; }
+
+start_sound
+start_program
+picture 1-start
+
+# The folder with the music is there; a double click is heard.
+double_click 620 175
+within 20 sounds || fail "a double click is not heard"
+picture 2-heard
+
+# Four notes, any key and rhythm; what is found stands in the window, and a double click is heard again.
+search=$(tile '^Parameter der Melodiesuche') || fail "no tile opens the melody's parameters"
+for note in 0 1 2 3; do in_window "$search" $((144 + note * 45)) $((270 - note * 7)); done
+in_window "$search" 118 420
+picture 3-melody
+keys Return
+closed '^Parameter der Melodiesuche' || fail "the melody was not taken"
+to_main
+click 620 175
+keys ctrl+shift+a alt+m ctrl+Return
+window '^Ergebnisse der Melodiesuche' >/dev/null || fail "no results"
+picture 4-found
+keys Return
+within 20 silent || fail "the piece does not end before the hit is heard"
+to_main
+double_click $((WIDTH / 2)) $((HEIGHT - 150))
+within 20 sounds || fail "a hit is not heard"
+picture 5-hit
+
+# The burner first, as it begins with an empty list; then the titles, over the strip, and a click on it.
+to_main
+keys F10
+sleep 1
+tile '^Brenn-Job-Parameter' >/dev/null || fail "no tile opens the burner"
+keys Return
+closed '^Brenn-Job-Parameter' || fail "the burner was not chosen"
+to_main
+keys F10
+sleep 1.5
