@@ -1,5 +1,6 @@
 // "ts5-batch run": a filter over files, with parameters from the command line.
 #include <algorithm>
+#include <utility>
 
 #include "batch/arguments.h"
 #include "batch/command_line.h"
@@ -119,26 +120,30 @@ std::optional<std::string> Contradiction(const Request& request) {
   return std::nullopt;
 }
 
-// The share of the items that are known before the run.
-void KeepShare(Job& job, const RunShare& share) {
+// The share of the items that are known before the run: selected in the list of all, as targets are named for
+// all parts together.
+void SelectShare(Job& job, const RunShare& share) {
   if (share.parts == 1) return;
-  if (job.sourceDrive != kListModeDrive) {
-    std::vector<std::string> names;
-    std::vector<std::uint32_t> indices;
-    for (std::size_t i = 0; i < job.directory.names.size(); ++i) {
+  if (job.Mode() == SourceMode::Directory && Has(job.filter, kTracksOnly)) {  // tracks belong to their drive
+    DirectorySelection& tracks = job.directory;
+    const std::vector<std::string> names = std::exchange(tracks.names, {});
+    tracks.indices.clear();
+    for (std::uint32_t i = 0; i < names.size(); ++i) {
       if (!share.Takes(i)) continue;
-      names.push_back(std::move(job.directory.names[i]));
-      indices.push_back(job.directory.indices[i]);
+      tracks.names.push_back(names[i]);
+      tracks.indices.push_back(i);
     }
-    job.directory.names = std::move(names);
-    job.directory.indices = std::move(indices);
     return;
   }
-  std::vector<std::size_t> others;
-  for (std::size_t i = 0; i < job.files.Size(); ++i) {
-    if (!share.Takes(i)) others.push_back(i);
+  FreeFileList files;
+  std::vector<std::size_t> own;
+  for (std::size_t i = 0; i < ItemCount(job); ++i) {
+    if (auto entry = ItemEntry(job, i)) files.Append(*std::move(entry));
+    if (share.Takes(i)) own.push_back(i);
   }
-  job.files.Remove(others);
+  files.Select(std::move(own));
+  job.files = std::move(files);
+  job.sourceDrive = kListModeDrive;
 }
 
 // The files of a directory that the filter takes, all selected; a search walks the whole tree. False after
@@ -284,11 +289,13 @@ int RunCommand(CommandLine line, Console& console) {
   if (const auto fault = TakeDisc(request.print, console, job)) return WrongUsage(console, kCommand, *fault);
   if (request.print.pictures) return WritePictures(request.print, job, rules, console);
   const RunShare share = request.part ? ParseShare(*request.part).value_or(RunShare{}) : RunShare{};
-  KeepShare(job, share);
+  const bool walks = IsSearch(job.filter) && request.directory;
+  if (!walks) SelectShare(job, share);
   request.output.melodies = request.melody.Names();
   if (request.part) request.output.share = share;
-  const bool walks = IsSearch(job.filter) && request.directory;
-  if (share.parts > 1 && !walks && ItemCount(job) == 0) {
+  const bool nothingSelected =
+      job.Mode() == SourceMode::List ? job.files.Selection().empty() : job.directory.names.empty();
+  if (share.parts > 1 && !walks && nothingSelected) {
     RunResult nothing;  // there are fewer items than parts
     nothing.filter = job.filter;
     nothing.titles = Descriptor(job.filter).titles;
@@ -305,7 +312,7 @@ int RunCommand(CommandLine line, Console& console) {
   RunDevices devices{.output = request.device.value_or(""), .input = request.input.value_or("")};
   if (const auto fault = TakeDiscOptions(request.disc, job, devices))
     return WrongUsage(console, kCommand, *fault);
-  if (request.preview) return PreviewOnConsole(console, job, rules, request.output.json);
+  if (request.preview) return PreviewOnConsole(console, job, rules, share, request.output.json);
   const int status = RunOnConsole(console, job,
                                   {.settings = settings,
                                    .devices = devices,

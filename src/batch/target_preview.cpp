@@ -8,7 +8,7 @@
 
 namespace ts5::batch {
 
-int PreviewOnConsole(Console& console, const Job& job, DestinationRules rules, bool json) {
+int PreviewOnConsole(Console& console, Job job, DestinationRules rules, const RunShare& share, bool json) {
   const FilterModule* const module = FindModule(job.filter);
   if (module == nullptr || !module->target) {
     PrintError(console, Text(texts::BatchPreviewNone));
@@ -17,7 +17,11 @@ int PreviewOnConsole(Console& console, const Job& job, DestinationRules rules, b
   if (rules.origin != NameOrigin::Command) rules.origin = NameOrigin::Automatic;
   int status = kExitSuccess;
   Json rows = Json::array();
+  const bool shared = share.parts > 1 && job.Mode() == SourceMode::List;
+  if (shared) job.files.SelectAll();  // named together with the others
+  std::uint64_t index = 0;
   for (const NamedItem& item : PreviewTargets(job, *module, rules, SystemDestinationFiles())) {
+    if (shared && !share.Takes(index++)) continue;
     const bool named = Succeeded(item.target.code);
     if (!named) status = kExitFailed;
     if (json) {

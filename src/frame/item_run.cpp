@@ -79,7 +79,11 @@ class ItemRun {
       : run_(run),
         filter_(filter),
         count_(run.ItemCount()),
-        naming_(run.GetJob(), run.Destination(), run.Files()) {}
+        named_(run.GetJob()),
+        naming_(named_, run.Destination(), run.Files()) {
+    // All parts of a run are named together, whatever machine makes them.
+    if (IsShared()) named_.files.SelectAll();
+  }
 
   void Execute() {
     if (run_.GoesOn()) {
@@ -106,12 +110,20 @@ class ItemRun {
     return std::clamp<std::size_t>(cores, 1, count_);
   }
 
+  // The list of the job has all items, and those of this run are selected in it.
+  [[nodiscard]] bool IsShared() const {
+    return run_.Share().parts > 1 && run_.GetJob().Mode() == SourceMode::List;
+  }
+
   // All names are settled before the first item begins.
   void NameTargets() {
     targets_.reserve(count_);
     std::size_t evading = 0;
-    for (std::size_t i = 0; i < count_ && !run_.Cancelled(); ++i) {
-      if (targets_.emplace_back(NameTarget(run_.Source(i))).evades) ++evading;
+    for (std::size_t i = 0; i < ts5::ItemCount(named_) && !run_.Cancelled(); ++i) {
+      PlannedTarget target = NameTarget(ItemSource(named_, i));
+      if (IsShared() && !run_.Share().Takes(i)) continue;
+      if (target.evades) ++evading;
+      targets_.push_back(std::move(target));
     }
     if (evading > 0 && count_ > 1) run_.ProtocolLine(Format(Text(texts::TargetsEvade), Count(evading)));
   }
@@ -426,6 +438,7 @@ class ItemRun {
   Run& run_;
   const ItemFilter& filter_;
   const std::size_t count_;
+  Job named_;  // with all the items that are named together
   TargetNaming naming_;
   std::vector<PlannedTarget> targets_;  // of the items
   std::shared_ptr<RunJournal> journal_;

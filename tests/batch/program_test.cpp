@@ -379,6 +379,23 @@ TEST_F(ProgramTest, MakesConvertsAndPlaysWaveFiles) {
   EXPECT_THAT(Out(), HasSubstr("MIDI-0"));
 }
 
+// No part takes the name or the source of another.
+TEST_F(ProgramTest, PartsOfARunLoseNothing) {
+  folder_.Write("a/x.mid", Content(DataPath("midi/mutopia_satie-gymnopedie-no1.mid")));
+  folder_.Write("a/x.rmi", Content(DataPath("midi/made_gymnopedie.rmi")));
+  folder_.Write("b/x.mid", Content(DataPath("midi/jazzsoft_test-c-major-scale.mid")));
+  const std::string before = Content(folder_.File("a/x.rmi"));
+  for (const char* const part : {"1/3", "2/3", "3/3"}) {
+    ASSERT_EQ(Run({"run", "MidiConverter", "--set", "FormatSmall=1", "--overwrite", "yes", "--part", part,
+                   "--dest-dir", folder_.File("a"), folder_.File("a/x.mid"), folder_.File("a/x.rmi"),
+                   folder_.File("b/x.mid")}),
+              kExitSuccess)
+        << Err();
+  }
+  EXPECT_EQ(Content(folder_.File("a/x.rmi")), before);
+  EXPECT_EQ(test::Listing(folder_.File("a")), "x.mid x.rmi x001.mid x001.rmi x002.rmi");
+}
+
 // What machines find that share a collection is, put together, what one finds alone.
 TEST_F(ProgramTest, PartsOfARunGiveTheWhole) {
   const std::vector<std::string> songs{"jazzsoft_test-c-major-scale.mid", "mutopia_satie-gymnopedie-no1.mid",
