@@ -79,9 +79,9 @@ Plan RandomSearch(Random& random, const std::string& root) {
   static const std::vector<std::string> kResults{"song.txt", "song001.txt", "Suchergebnisse001.txt"};
   if (random.OneIn(2)) {
     plan.job.destinationName =
-        root + random.Of(kDirectories) + random.Of(random.OneIn(2) ? kResults : kNames);
+        root + random.Of(kDirectories) + random.Of(random.OneIn(4) ? kNames : kResults);
   }
-  plan.answers = {random.Of(std::vector{Answer::Yes, Answer::No, Answer::Cancelled})};
+  plan.answers = {random.Of(std::vector{Answer::Yes, Answer::No, Answer::No, Answer::Cancelled})};
   return plan;
 }
 
