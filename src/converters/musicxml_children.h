@@ -62,7 +62,7 @@ class NoteParts {
     return parts_[static_cast<std::size_t>(part)];
   }
   [[nodiscard]] bool Has(NotePart part) const { return static_cast<bool>((*this)[part]); }
-  [[nodiscard]] const char* Text(NotePart part) const { return (*this)[part].text().get(); }
+  [[nodiscard]] const char* Text(NotePart part) const { return (*this)[part].child_value(); }
   // Calls visit with each of its name.
   template <typename Visit>
   void ForEach(NotePart part, const Visit& visit) const {

@@ -119,8 +119,9 @@ class PartReader {
   }
 
   void Advance(Fraction duration, Fraction written) {
+    const bool exact = raw_ == at_.now && duration == written;
     raw_ += duration;
-    at_.now += written;
+    at_.now = exact ? raw_ : at_.now + written;
     if (raw_ != at_.now) moved_.try_emplace(raw_, at_.now);
   }
 
@@ -300,23 +301,21 @@ class PartReader {
   }
 
   std::optional<SpelledPitch> WrittenPitch(pugi::xml_node pitch, std::size_t staff) {
-    const auto step = StepOf(Trim(pitch.child("step").text().get()));
-    const auto octave = WholeNumber(pitch.child("octave").text().get());
-    double alter = 0;
-    if (const pugi::xml_node child = pitch.child("alter")) {
-      const auto number = ParseNumber(Trim(child.text().get()));
-      if (!number) {
-        at_.Fail(staff);
-        return std::nullopt;
-      }
-      alter = *number;
+    std::optional<int> step;
+    std::optional<std::int64_t> octave;
+    std::optional<double> alter = 0;
+    for (pugi::xml_node child = pitch.first_child(); child; child = child.next_sibling()) {
+      const std::string_view name = child.name();
+      if (name == "step") step = StepOf(Trim(child.child_value()));
+      if (name == "octave") octave = WholeNumber(child.child_value());
+      if (name == "alter") alter = ParseNumber(Trim(child.child_value()));
     }
-    if (!step || !octave || *octave < -1 || *octave > 10 || !(std::abs(alter) <= 4)) {
+    if (!step || !octave || *octave < -1 || *octave > 10 || !alter || !(std::abs(*alter) <= 4)) {
       at_.Fail(staff);
       return std::nullopt;
     }
-    const double whole = std::trunc(alter);
-    if (whole != alter) at_.Lose(texts::LossMicrotone, staff);
+    const double whole = std::trunc(*alter);
+    if (whole != *alter) at_.Lose(texts::LossMicrotone, staff);
     const SpelledPitch written{static_cast<std::int8_t>(*step), static_cast<std::int8_t>(whole),
                                static_cast<std::int8_t>(*octave)};
     return Moved(written, staff);

@@ -103,6 +103,8 @@ std::int64_t Fraction::In(std::int64_t perWhole) const {
 }
 
 Fraction Fraction::operator+(const Fraction& other) const {
+  if (other.IsZero()) return *this;
+  if (IsZero()) return other;
   if (Maker::AreSmall(*this, other)) {
     if (denominator_ == other.denominator_) return Maker::Make(numerator_ + other.numerator_, denominator_);
     return Maker::Make(numerator_ * other.denominator_ + other.numerator_ * denominator_,

@@ -22,21 +22,6 @@ PreparedMelody PrepareMelody(const std::vector<MelodyElement>& elements, std::ui
   return notes;
 }
 
-std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey) {
-  switch (mode) {
-    case PitchMode::Absolute:
-      if (playedKey != melodyKey) return std::nullopt;
-      break;
-    case PitchMode::AnyOctave:
-      if (playedKey < 0 || playedKey > 127 || (playedKey - melodyKey) % 12 != 0) return std::nullopt;
-      break;
-    case PitchMode::Relative:
-    case PitchMode::Ignore:
-      break;
-  }
-  return playedKey;
-}
-
 std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance) {
   return static_cast<std::uint64_t>(duration * double{kHundredth} * Percent(tolerance));
 }

@@ -26,7 +26,20 @@ using PreparedMelody = std::vector<PreparedNote>;
                                            std::uint16_t division);
 
 // The played key when it may be the melody's first note.
-[[nodiscard]] std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey);
+[[nodiscard]] inline std::optional<int> FirstNoteMatches(PitchMode mode, int melodyKey, int playedKey) {
+  switch (mode) {
+    case PitchMode::Absolute:
+      if (playedKey != melodyKey) return std::nullopt;
+      break;
+    case PitchMode::AnyOctave:
+      if (playedKey < 0 || playedKey > 127 || (playedKey - melodyKey) % 12 != 0) return std::nullopt;
+      break;
+    case PitchMode::Relative:
+    case PitchMode::Ignore:
+      break;
+  }
+  return playedKey;
+}
 
 // By how many ticks a played duration may differ from a prepared one; truncated.
 [[nodiscard]] std::uint64_t DurationTolerance(std::uint16_t duration, Tolerance tolerance);

@@ -63,6 +63,8 @@ struct DocumentVoices {
   std::vector<std::array<const VoiceItems*, kMaxVoices>> voices;  // of its staves
 
   explicit DocumentVoices(const SystemItems& items) {
+    system.staves.reserve(items.staves.size());
+    voices.reserve(items.staves.size());
     for (const StaffItems& staff : items.staves) {
       const auto known = std::ranges::find(system.staves, std::size_t{staff.layout}, &SystemStaff::layout);
       const auto index = static_cast<std::size_t>(known - system.staves.begin());
@@ -114,11 +116,13 @@ class ItemBuilder {
     while (!walkers.empty()) {
       Walker walker = walkers.top();
       walkers.pop();
+      // As long as no other one is behind it.
+      while (walker.object < walker.objects && (walkers.empty() || !(walker > walkers.top()))) {
+        if (++walked_ % kCancelEvery == 0 && Cancelled()) return Outcome::Cancelled;
+        Advance(voices.Take(walker), walker, system.staves[walker.staff].layout, positions[walker.staff]);
+      }
       longest = std::max(longest, walker.elapsed);
-      if (walker.object == walker.objects) continue;
-      if (++walked_ % kCancelEvery == 0 && Cancelled()) return Outcome::Cancelled;
-      Advance(voices.Take(walker), walker, system.staves[walker.staff].layout, positions[walker.staff]);
-      walkers.push(walker);
+      if (walker.object < walker.objects) walkers.push(walker);
     }
     start_ += longest;
     ++system_;

@@ -25,6 +25,7 @@ std::vector<Element> Prepared(const std::vector<MelodyElement>& elements) {
   melody.elements = elements;
   TrimMelodyRests(melody);
   std::vector<Element> prepared;
+  prepared.reserve(melody.elements.size());
   for (const MelodyElement& element : melody.elements) {
     const bool isRest = IsRest(element);
     prepared.push_back({isRest ? std::uint8_t{0} : static_cast<std::uint8_t>(KeyOf(element.pitch)), isRest,
@@ -96,6 +97,7 @@ SearchOutcome SearchLines(const std::vector<ScoreLine>& lines, const std::vector
                           const std::string& path, const MelodyQuery& query, const HitSink& sink,
                           const CancelCheck& cancelled) {
   std::vector<std::vector<Element>> melodies;
+  melodies.reserve(query.Count());
   for (std::size_t i = 0; i < query.Count(); ++i) melodies.push_back(Prepared(query.Melody(i)));
   SearchOutcome outcome;
   SearchHit hit;

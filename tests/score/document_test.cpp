@@ -195,6 +195,9 @@ TEST(Music, HasTheBarsThatAreWritten) {
       {"a long note over a missing bar line", OneVoice({ChordItem(9, {Note(kD)}), BarItem()}), "1:32 "},
   };
   for (const Case& row : cases) EXPECT_EQ(BarsOf(row.score), row.bars) << row.what;
+  // A number makes no more bars than music can have.
+  const ScoreDocument endless = OneVoice({WholeBarRest(UINT32_MAX), BarItem()});
+  EXPECT_LE(ReadMusic(endless).bars.size(), 100'001U);
 }
 
 TEST(Music, IsBuiltOfBarsAndPitches) {
