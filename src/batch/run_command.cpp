@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "audio/tags/attribute_store.h"
 #include "batch/arguments.h"
 #include "batch/command_line.h"
 #include "batch/commands.h"
@@ -232,8 +233,11 @@ int RunCommand(CommandLine line, Console& console) {
         Format(Text(texts::BatchFilterAbsent), Descriptor(job.filter).identifier, FilterNames(true)));
   }
   job.parameters = module->create();
-  for (const std::string& attribute : request.attributes)
+  for (const std::string& attribute : request.attributes) {
+    if (!ParseAttribute(attribute))
+      return WrongUsage(console, kCommand, Format(Text(texts::BatchAttributeWrong), Shortened(attribute)));
     request.settings.push_back("FileAttribute=" + attribute);
+  }
   if (const auto fault = ApplySettings(module->fields, *job.parameters, request.settings)) {
     return WrongUsage(console, kCommand, *fault);
   }

@@ -151,5 +151,42 @@ keys Return
 closed '^MP3-Interface-Assistent' || fail "the assistant stays"
 "$console" interfaces | grep -q 'Kopierer (.cpy)' || fail "the interface: $("$console" interfaces)"
 
-end_program 16-end
-echo "encode: compressed, decompressed, ten files changed, an encoder plugged in, ended in order"
+# --- the same encoder in the manager: another set, another name, and away with it
+to_main
+keys alt+k 3
+window '^MP3-Interface verwalten' >/dev/null || fail "no manager"
+picture 16-manager
+keys alt+b
+window '^Interface bearbeiten' >/dev/null || fail "no editor"
+picture 17-editor
+keys alt+n
+type_text '-k -V {q} {z}'
+picture 18-new-set
+keys Return
+closed '^Interface bearbeiten' || fail "the editor stays"
+back_to '^MP3-Interface verwalten'
+"$console" interfaces | grep -q '1  -k -V {q} {z}' || fail "the second set: $("$console" interfaces)"
+mv "$work/encoder" "$work/gone"
+keys alt+b
+window '^Interface bearbeiten' >/dev/null || fail "no editor for the second time"
+picture 19-missing
+keys Return
+sleep 0.5
+picture 20-ask-missing
+keys alt+n
+back_to '^Interface bearbeiten'
+keys Escape
+closed '^Interface bearbeiten' || fail "the editor stays for the second time"
+back_to '^MP3-Interface verwalten'
+keys alt+l
+sleep 0.5
+picture 21-ask-delete
+keys alt+j
+back_to '^MP3-Interface verwalten'
+picture 22-none
+keys Escape
+closed '^MP3-Interface verwalten' || fail "the manager stays"
+"$console" interfaces | grep -q 'Keine MP3-Interfaces vorhanden' || fail "the interface is still there"
+
+end_program 23-end
+echo "encode: compressed, decompressed, ten files changed, an encoder plugged in, changed and removed, ended in order"

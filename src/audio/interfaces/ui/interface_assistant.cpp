@@ -8,7 +8,6 @@
 
 #include "audio/interfaces/ui/set_controls.h"
 #include "audio/texts.h"
-#include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
@@ -21,13 +20,6 @@
 
 namespace ts5 {
 namespace {
-
-constexpr std::uint32_t kUsualBitRate = 128;
-
-std::string Trimmed(const QLineEdit& field) {
-  const std::string text = FromQt(field.text());
-  return std::string(Trim(text));
-}
 
 template <typename Form>
 std::unique_ptr<Form> AddPage(QStackedWidget& pages) {
@@ -55,6 +47,7 @@ InterfaceAssistant::InterfaceAssistant(EncoderInterfaces found, std::string file
     : HostedDialog(host, QtText(texts::AssistantPrompt), parent),
       found_(std::move(found)),
       file_(std::move(file)),
+      set_(NewSet()),
       ui_(std::make_unique<Ui::CREATEMP3INTERFACE>()) {
   ui_->setupUi(this);
   ConnectButtons();
@@ -80,14 +73,8 @@ void InterfaceAssistant::BuildPages() {
   welcome_->foundLabel->setVisible(!found_.empty());
 
   encoder_ = AddPage<Ui::CREATEMP3INTERFACE_2>(pages);
-  connect(encoder_->encoderButton, &QPushButton::clicked, this, [this] {
-    const auto path = AskFileToOpen({.title = QtText(texts::EncoderFileTitle),
-                                     .start = FromQt(encoder_->encoderEdit->text()),
-                                     .filter = {},
-                                     .helpTopic = HelpTopic()},
-                                    Host(), this);
-    if (path) encoder_->encoderEdit->setText(ToQt(*path));
-  });
+  connect(encoder_->encoderButton, &QPushButton::clicked, this,
+          [this] { AskEncoder(*encoder_->encoderEdit, HelpTopic(), Host(), this); });
   names_ = AddPage<Ui::CREATEMP3INTERFACE_3>(pages);
 
   QVBoxLayout& sets = *AddTextPage(pages, texts::AssistantSets);
@@ -111,16 +98,15 @@ void InterfaceAssistant::Commit() {
   if (TakePage(page)) ShowPage(PageAfter(page));
 }
 
-// What is known of the encoder that was chosen fills the pages behind.
+// What is known of the encoder that was chosen fills the pages behind, each time that it is another.
 void InterfaceAssistant::TakeFound() {
   const int row = welcome_->foundList->currentRow();
-  if (row < 1) return;
-  const EncoderInterface& chosen = found_.at(static_cast<std::size_t>(row - 1));
-  if (chosen.encoder == interface_.encoder) return;
-  interface_ = chosen;
-  encoder_->encoderEdit->setText(ToQt(chosen.encoder));
-  names_->nameEdit->setText(ToQt(chosen.name));
-  names_->extensionEdit->setText(ToQt(chosen.extension));
+  if (row == taken_) return;
+  taken_ = row;
+  interface_ = row < 1 ? EncoderInterface() : found_.at(static_cast<std::size_t>(row - 1));
+  encoder_->encoderEdit->setText(ToQt(interface_.encoder));
+  names_->nameEdit->setText(ToQt(interface_.name));
+  names_->extensionEdit->setText(ToQt(interface_.extension));
 }
 
 bool InterfaceAssistant::TakePage(Page page) {
@@ -149,7 +135,7 @@ bool InterfaceAssistant::TakePage(Page page) {
       return !fails(ParametersFault(set_.parameters), parameters_->parametersEdit);
     case Properties:
       TakeSet(*properties_, set_);
-      interface_.sets.push_back(std::exchange(set_, {.parameters = {}, .bitRate = kUsualBitRate}));
+      interface_.sets.push_back(std::exchange(set_, NewSet()));
       parameters_->parametersEdit->clear();
       return true;
     case Done:
@@ -177,10 +163,7 @@ void InterfaceAssistant::ShowPage(Page page) {
     another_->setEnabled(!interface_.sets.empty());
     another_->setChecked(interface_.sets.empty());
   }
-  if (page == Properties) {
-    if (set_.bitRate == ParameterSet{}.bitRate) set_.bitRate = kUsualBitRate;
-    ShowSet(*properties_, set_);
-  }
+  if (page == Properties) ShowSet(*properties_, set_);
   ui_->pages->setCurrentIndex(page);
   ui_->backButton->setEnabled(page != Welcome && page != Done);
   ui_->cancelButton->setVisible(page != Done);

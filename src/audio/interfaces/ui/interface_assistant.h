@@ -49,6 +49,7 @@ class InterfaceAssistant : public HostedDialog {
   EncoderInterfaces found_;
   std::string file_;
   EncoderInterface interface_;
+  int taken_ = 0;     // row of the encoders that were found; the first one is none of them
   ParameterSet set_;  // the one that is being entered
   std::unique_ptr<Ui::CREATEMP3INTERFACE> ui_;
   std::unique_ptr<Ui::CREATEMP3INTERFACE_1> welcome_;

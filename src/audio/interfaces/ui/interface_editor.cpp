@@ -6,7 +6,6 @@
 
 #include "audio/interfaces/ui/set_controls.h"
 #include "audio/texts.h"
-#include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
@@ -49,13 +48,7 @@ class SetPage : public QWidget {
 
 namespace {
 
-constexpr std::uint32_t kUsualBitRate = 128;
 constexpr int kFirstSet = 1;  // the page of the names comes first
-
-std::string Trimmed(const QLineEdit& field) {
-  const std::string text = FromQt(field.text());
-  return std::string(Trim(text));
-}
 
 }  // namespace
 
@@ -70,20 +63,14 @@ InterfaceEditor::InterfaceEditor(const EncoderInterface& interface, DialogHost& 
   connect(ui_->encoderEdit, &QLineEdit::textChanged, this, &InterfaceEditor::Refresh);
   connect(ui_->pages, &QTabWidget::currentChanged, this, &InterfaceEditor::Refresh);
   connect(ui_->newSetButton, &QPushButton::clicked, this, [this] {
-    AddSet({.parameters = {}, .bitRate = kUsualBitRate});
+    AddSet(NewSet());
     ui_->pages->setCurrentIndex(ui_->pages->count() - 1);
     CurrentSet()->Field()->setFocus();
   });
   connect(ui_->deleteSetButton, &QPushButton::clicked, this, &InterfaceEditor::DeleteSet);
   connect(ui_->infoButton, &QPushButton::clicked, this, &InterfaceEditor::ShowInfo);
-  connect(ui_->encoderButton, &QPushButton::clicked, this, [this] {
-    const auto path = AskFileToOpen({.title = QtText(texts::EncoderFileTitle),
-                                     .start = FromQt(ui_->encoderEdit->text()),
-                                     .filter = {},
-                                     .helpTopic = HelpTopic()},
-                                    Host(), this);
-    if (path) ui_->encoderEdit->setText(ToQt(*path));
-  });
+  connect(ui_->encoderButton, &QPushButton::clicked, this,
+          [this] { AskEncoder(*ui_->encoderEdit, HelpTopic(), Host(), this); });
   Refresh();
 }
 

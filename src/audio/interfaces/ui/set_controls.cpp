@@ -1,7 +1,12 @@
 #include "audio/interfaces/ui/set_controls.h"
 
+#include <QLineEdit>
 #include <array>
 
+#include "audio/texts.h"
+#include "frame/ui/file_dialogs.h"
+#include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
 #include "ui_CREATEMP3INTERFACE_5.h"
 
 namespace ts5 {
@@ -31,6 +36,11 @@ constexpr std::array kDeemphasis{
 
 }  // namespace
 
+ParameterSet NewSet() {
+  constexpr std::uint32_t kUsualBitRate = 128;
+  return {.parameters = {}, .bitRate = kUsualBitRate};
+}
+
 void ShowSet(Ui::CREATEMP3INTERFACE_5& controls, const ParameterSet& set) {
   if (controls.bitRateCombo->count() == 0) {
     for (const std::uint32_t rate : kInterfaceBitRates) controls.bitRateCombo->addItem(QString::number(rate));
@@ -47,6 +57,20 @@ void TakeSet(const Ui::CREATEMP3INTERFACE_5& controls, ParameterSet& set) {
   for (const DeemphasisControl& row : kDeemphasis) {
     if ((controls.*row.button)->isChecked()) set.deemphasis = row.value;
   }
+}
+
+std::string Trimmed(const QLineEdit& field) {
+  const std::string text = FromQt(field.text());
+  return std::string(Trim(text));
+}
+
+void AskEncoder(QLineEdit& field, const QString& helpTopic, DialogHost& host, QWidget* parent) {
+  const auto path = AskFileToOpen({.title = QtText(texts::EncoderFileTitle),
+                                   .start = FromQt(field.text()),
+                                   .filter = {},
+                                   .helpTopic = helpTopic},
+                                  host, parent);
+  if (path) field.setText(ToQt(*path));
 }
 
 }  // namespace ts5
