@@ -83,12 +83,13 @@ TEST(HostedDialogTest, WhatIsHigherThanTheScreenScrollsAboveItsButtons) {
   RecordingHost host;
   TallDialog dialog(host);
   dialog.show();
-  QTest::qWait(1);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
   EXPECT_LT(dialog.height(), dialog.screen()->availableGeometry().height());
   EXPECT_TRUE(dialog.rect().contains(dialog.ok->geometry()));
   EXPECT_THAT(UnreachableControls(dialog), IsEmpty());
   const auto fields = dialog.findChildren<QLineEdit*>();
   fields.back()->setFocus();
+  QApplication::processEvents();
   EXPECT_FALSE(fields.back()->visibleRegion().isEmpty()) << "the keyboard brings it into sight";
   fields.front()->setFocus();
   const int shown = dialog.height();

@@ -1,6 +1,7 @@
 #include "frame/ui/hosted_dialog.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -48,6 +49,9 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed) {
   area->setWidget(content);
   area->setMinimumWidth(content->minimumSizeHint().width() + area->verticalScrollBar()->sizeHint().width());
   rows->insertWidget(0, area, 1);
+  QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+    if (now != nullptr && area->isAncestorOf(now)) area->ensureWidgetVisible(now);
+  });
   dialog.resize(std::max(dialog.width(), rows->minimumSize().width()), room);
 }
 
