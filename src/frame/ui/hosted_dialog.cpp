@@ -14,7 +14,9 @@
 namespace ts5 {
 namespace {
 
-constexpr int kWindowFrame = 40;  // title and borders, which the desktop adds
+// What the desktop adds around a window.
+constexpr int kWindowFrame = 40;
+constexpr int kSideFrame = 8;
 
 // Moves all that a layout has above its last row into another one.
 void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
@@ -32,6 +34,7 @@ void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
 }
 
 // What is higher than the screen scrolls; the last row, with the buttons, stays in sight.
+// needed: the least height.
 void ScrollOnSmallScreens(QDialog& dialog, int needed) {
   auto* const rows = qobject_cast<QVBoxLayout*>(dialog.layout());
   const int room = dialog.screen()->availableGeometry().height() - kWindowFrame;
@@ -52,7 +55,8 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed) {
   QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
     if (now != nullptr && area->isAncestorOf(now)) area->ensureWidgetVisible(now);
   });
-  dialog.resize(std::max(dialog.width(), rows->minimumSize().width()), room);
+  rows->activate();
+  dialog.resize(std::max(dialog.width(), rows->totalMinimumSize().width()), room);
 }
 
 }  // namespace
@@ -82,9 +86,12 @@ void HostedDialog::keyPressEvent(QKeyEvent* event) {
 void HostedDialog::showEvent(QShowEvent* event) {
   // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
   // dialogs on small screens.
-  const int needed = layout() != nullptr ? layout()->totalHeightForWidth(width()) : 0;
-  if (needed > height()) resize(width(), needed);
-  ScrollOnSmallScreens(*this, needed);
+  if (QLayout* const rows = layout()) {
+    const int wide = std::min(width(), screen()->availableGeometry().width() - kSideFrame);
+    resize(wide, std::max(height(), rows->totalHeightForWidth(wide)));
+    ScrollOnSmallScreens(*this,
+                         std::max(rows->minimumHeightForWidth(wide), rows->totalMinimumSize().height()));
+  }
   if (!prompt_.isEmpty()) host_.ShowPrompt(prompt_);
   QDialog::showEvent(event);
 }
