@@ -8,8 +8,10 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTest>
 #include <QTextBrowser>
+#include <QVBoxLayout>
 #include <cmath>
 
 #include "app/look/appearance.h"
@@ -18,6 +20,7 @@
 #include "app/shell/help_window.h"
 #include "dialogs_support.h"
 #include "frame/file_types.h"
+#include "frame/ui/hosted_dialog.h"
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 #include "support/accessible.h"
@@ -62,6 +65,38 @@ INSTANTIATE_TEST_SUITE_P(All, WindowTest, testing::Range(std::size_t{0}, WindowS
                            QString name = QLatin1String(WindowSamples().at(info.param).name);
                            return name.remove('-').toStdString();
                          });
+
+class TallDialog : public HostedDialog {
+ public:
+  explicit TallDialog(DialogHost& host) : HostedDialog(host, QString(), nullptr) {
+    auto* const rows = new QVBoxLayout(this);
+    for (int i = 0; i < 60; ++i) rows->addWidget(new QLineEdit(QString::number(i), this));
+    auto* const buttons = new QHBoxLayout;
+    buttons->addWidget(ok = new QPushButton("OK", this));
+    rows->addLayout(buttons);
+  }
+  [[nodiscard]] QString HelpTopic() const override { return {}; }
+  QPushButton* ok;
+};
+
+TEST(HostedDialogTest, WhatIsHigherThanTheScreenScrollsAboveItsButtons) {
+  RecordingHost host;
+  TallDialog dialog(host);
+  dialog.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  EXPECT_LT(dialog.height(), dialog.screen()->availableGeometry().height());
+  EXPECT_TRUE(dialog.rect().contains(dialog.ok->geometry()));
+  EXPECT_THAT(UnreachableControls(dialog), IsEmpty());
+  const auto fields = dialog.findChildren<QLineEdit*>();
+  fields.back()->setFocus();
+  QApplication::processEvents();
+  EXPECT_FALSE(fields.back()->visibleRegion().isEmpty()) << "the keyboard brings it into sight";
+  fields.front()->setFocus();
+  const int shown = dialog.height();
+  dialog.hide();
+  dialog.show();
+  EXPECT_EQ(dialog.height(), shown);
+}
 
 // What the portal sends when the desktop changes; 0 is no preference, to which some go back from dark.
 TEST(DesktopSchemeTest, LightComesBackWithTheDesktop) {

@@ -59,7 +59,9 @@ void EmptyNote::ShowFor(Place place) {
 void EmptyNote::Stand() {
   constexpr int kFrame = 2;
   const QRect view = view_->geometry().adjusted(kFrame, kFrame, -kFrame, -kFrame);
-  const int top = std::clamp(view.height() / 3, std::min(kBelowText, view.height()), view.height());
+  // In a low view the buttons go before the text above them.
+  const int room = std::max(view.height() - sizeHint().height(), 0);
+  const int top = std::min(std::max(view.height() / 3, kBelowText), room);
   setGeometry(view.left(), view.top() + top, view.width(),
               std::min(sizeHint().height(), view.height() - top));
   raise();

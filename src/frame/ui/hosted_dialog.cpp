@@ -1,12 +1,65 @@
 #include "frame/ui/hosted_dialog.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QBoxLayout>
 #include <QKeyEvent>
-#include <QLayout>
 #include <QLineEdit>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <algorithm>
 #include <utility>
 
 namespace ts5 {
+namespace {
+
+// What the desktop adds around a window.
+constexpr int kWindowFrame = 40;
+constexpr int kSideFrame = 8;
+
+// Moves all that a layout has above its last row into another one.
+void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
+  while (from.count() > 1) {
+    QLayoutItem* const item = from.takeAt(0);
+    if (QWidget* const widget = item->widget()) {
+      into.addWidget(widget);
+      delete item;
+    } else if (QLayout* const layout = item->layout()) {
+      into.addLayout(layout);
+    } else {
+      into.addItem(item);
+    }
+  }
+}
+
+// What is higher than the screen scrolls; the last row, with the buttons, stays in sight.
+// needed: the least height.
+void ScrollOnSmallScreens(QDialog& dialog, int needed) {
+  auto* const rows = qobject_cast<QVBoxLayout*>(dialog.layout());
+  const int room = dialog.screen()->availableGeometry().height() - kWindowFrame;
+  if (rows == nullptr || rows->count() < 2 || needed <= room) return;
+  auto* const area = new QScrollArea(&dialog);
+  auto* const content = new QWidget(area);
+  auto* const inner = new QVBoxLayout(content);
+  inner->setContentsMargins(0, 0, 0, 0);
+  inner->setSpacing(rows->spacing());
+  TakeAllButLast(*rows, *inner);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  area->setWidgetResizable(true);
+  area->setWidget(content);
+  area->setMinimumWidth(content->minimumSizeHint().width() + area->verticalScrollBar()->sizeHint().width());
+  rows->insertWidget(0, area, 1);
+  QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
+    if (now != nullptr && area->isAncestorOf(now)) area->ensureWidgetVisible(now);
+  });
+  rows->activate();
+  dialog.resize(std::max(dialog.width(), rows->totalMinimumSize().width()), room);
+}
+
+}  // namespace
 
 HostedDialog::HostedDialog(DialogHost& host, QString prompt, QWidget* parent)
     : QDialog(parent), host_(host), prompt_(std::move(prompt)) {}
@@ -33,8 +86,12 @@ void HostedDialog::keyPressEvent(QKeyEvent* event) {
 void HostedDialog::showEvent(QShowEvent* event) {
   // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
   // dialogs on small screens.
-  const int needed = layout() != nullptr ? layout()->totalHeightForWidth(width()) : 0;
-  if (needed > height()) resize(width(), needed);
+  if (QLayout* const rows = layout()) {
+    const int wide = std::min(width(), screen()->availableGeometry().width() - kSideFrame);
+    resize(wide, std::max(height(), rows->totalHeightForWidth(wide)));
+    ScrollOnSmallScreens(*this,
+                         std::max(rows->minimumHeightForWidth(wide), rows->totalMinimumSize().height()));
+  }
   if (!prompt_.isEmpty()) host_.ShowPrompt(prompt_);
   QDialog::showEvent(event);
 }
