@@ -98,7 +98,9 @@ std::optional<std::string> TargetNaming::NextNumber(const TargetName& family) {
   std::uint32_t& last = lastNumbers_[family.Plain()];
   while (last < kMaxNumber) {
     std::string name = family.Numbered(++last);
-    if (!files_->exists(name) && !IsTaken(name)) return name;
+    if (IsTaken(name)) continue;
+    if (!files_->exists(name)) return name;
+    Take(name);  // another machine may have made it for an item of this same run
   }
   return std::nullopt;
 }
@@ -260,10 +262,15 @@ std::optional<TextId> SettleDestination(Job& job, const FilterModule& module, De
   if (!toFile) return std::nullopt;
   const TargetOffer offer = OfferTarget(job, &module, rules, files);
   if (rules.origin == NameOrigin::Command || offer.mode.editable) {
+    const bool command = rules.origin == NameOrigin::Command;
     std::string name = job.destinationName;
-    if (const auto message = CompleteName(name, rules, ItemSource(job, 0), files)) return message;
-    const bool offered = offer.name && (name == *offer.name || job.destinationName == rules.offered);
-    if (rules.origin == NameOrigin::Command || !offered) {
+    const auto isOffered = [&] { return !command && offer.name && name == *offer.name; };
+    // What was offered may lie in a directory that the run makes.
+    const bool untouched = !name.empty() && (isOffered() || (!command && name == rules.offered));
+    if (!untouched) {
+      if (const auto message = CompleteName(name, rules, ItemSource(job, 0), files)) return message;
+    }
+    if (!untouched && !isOffered()) {
       name = FullPath(name);
       if (SourceSet(job, files).Contains(name)) return texts::TargetIsSource;
       job.destinationName = std::move(name);

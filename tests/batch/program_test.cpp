@@ -393,7 +393,7 @@ TEST_F(ProgramTest, PartsOfARunLoseNothing) {
         << Err();
   }
   EXPECT_EQ(Content(folder_.File("a/x.rmi")), before);
-  EXPECT_EQ(test::Listing(folder_.File("a")), "x.mid x.rmi x001.mid x001.rmi x002.rmi");
+  EXPECT_EQ(test::Listing(folder_.File("a")), "x.mid x.rmi x001.mid x001.rmi x003.rmi");
 }
 
 // What machines find that share a collection is, put together, what one finds alone.

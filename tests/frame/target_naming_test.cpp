@@ -149,6 +149,12 @@ TEST(TargetNaming, NoTargetIsASourceOrAnotherTarget) {
        replace,
        Files({"/m/x.mid"}),
        {"N! /m/x001.rmi", "R /m/x.rmi.rmi"}},
+      {"numbers that are passed over are not replaced either",
+       {"/m/x.mid", "/m/x001.mid", "/m/x.rmi"},
+       {"rmi"},
+       replace,
+       Files({"/m/x.mid", "/m/x.rmi", "/m/x001.rmi"}),
+       {"N! /m/x002.rmi", "N! /m/x001001.rmi", "N! /m/x003.rmi"}},
       {"a link to a source",
        {"/m/x.mid", "/m/y.rmi"},
        {"out"},
@@ -312,6 +318,7 @@ TEST(TargetNaming, DestinationsAsARunBegins) {
   const DestinationRules nowhere{.sourceDirectory = false, .directory = "/gone"};
   const DestinationRules offered{.overwrite = kNumber, .offered = "/music/a001.out"};
   const DestinationRules command{.origin = NameOrigin::Command};
+  const DestinationRules below{.sourceDirectory = false, .directory = "/there", .structure = "/music"};
   const DestinationRules inPlace{.useSuffix = false};
   struct Case {
     const char* field;
@@ -335,6 +342,9 @@ TEST(TargetNaming, DestinationsAsARunBegins) {
            Case{"/gone/b.mid", elsewhere, false, "/gone/b.mid", false, texts::InvalidTargetDirectory},
            Case{"b.mid", beside, false, "/music/b.mid", false, std::nullopt},
            Case{"/gone/b.mid", beside, false, "/gone/b.mid", false, std::nullopt},
+           // A name that the run makes directories for stays automatic, another one needs its directory.
+           Case{"/there/sub/a.out", below, false, "/there/sub/a.out", true, std::nullopt},
+           Case{"/there/sub/b.out", below, false, "/there/sub/b.out", false, texts::InvalidTargetDirectory},
            // The offered name stays automatic, also when another program has taken it meanwhile.
            Case{"/music/a.out", beside, false, "/music/a.out", true, std::nullopt},
            Case{"/music/a001.out", offered, false, "/music/a002.out", true, std::nullopt},
@@ -350,7 +360,7 @@ TEST(TargetNaming, DestinationsAsARunBegins) {
     module.target = [&c](const FilterParameters&, const std::string&) {
       return TargetRule{c.kept ? "mid" : "out", c.kept};
     };
-    Job job = ListJob({"/music/a.mid"}, module);
+    Job job = ListJob({c.rules.structure.empty() ? "/music/a.mid" : "/music/sub/a.mid"}, module);
     job.destinationName = c.field;
     DestinationRules rules = c.rules;
     const DestinationFiles files =
