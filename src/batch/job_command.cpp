@@ -11,8 +11,20 @@
 #include "batch/texts.h"
 #include "frame/run_journal.h"
 #include "platform/base/text.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
+namespace {
+
+// Paths of a job that was brought from elsewhere may count from the current directory.
+void MakePathsWhole(Job& job) {
+  job.directory.path = FullPath(job.directory.path);
+  job.targetDirectory = FullPath(job.targetDirectory);
+  for (std::size_t i = 0; i < job.files.Size(); ++i)
+    if (!job.files[i].cdTrack) job.files.SetPath(i, FullPath(job.files[i].path));
+}
+
+}  // namespace
 
 int JobsCommand(CommandLine line, Console& console) {
   return ListJobs(line, console, SystemJobSurroundings());
@@ -39,6 +51,7 @@ int JobCommand(CommandLine line, Console& console) {
     PrintError(console, Format(Text(texts::BatchJobWithoutFilter), job->title));
     return kExitFailed;
   }
+  MakePathsWhole(*job);
   const std::vector<Job*> all = Numbered(store->jobs);
   if (const auto registry = OpenRegistry(console))
     PreparePrinting(*registry, std::vector<const Job*>(all.begin(), all.end()), *job);
