@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "frame/filter_catalogue.h"
+#include "frame/texts.h"
 
 namespace ts5 {
 namespace {
@@ -202,8 +203,8 @@ TEST(FilterBar, AllCanBeShownAndSayWhyTheyDoNotFit) {
   EXPECT_EQ(one.tiles[static_cast<std::size_t>(XmlConverter)].refusal->remedy,
             "Markieren Sie Dateien dieser Art: .stvx, .xml, .musicxml, .mxl.");
   const FilterBar mixed = bar(ListContext(ListOf({"/m/a.mid", "/m/b.wav"}, {0, 1})));
-  EXPECT_EQ(refusal(mixed, WaveConverter), "nimmt nicht alle markierten Dateien");
-  EXPECT_EQ(refusal(mixed, AudioDecompressor), "braucht eine komprimierte Audio-Datei");
+  EXPECT_EQ(refusal(mixed, WaveConverter), "nimmt nicht alle markierten");
+  EXPECT_EQ(refusal(mixed, AudioDecompressor), "braucht komprimierte Musik");
   const FilterBar bare = bar(ListContext(ListOf({"/m/a.mid"}, {0})), {});
   EXPECT_EQ(refusal(bare, MidiPlayer), "kein Midi-Gerät gefunden");
   EXPECT_EQ(refusal(bare, AudioPlayer), "kein Klanggerät gefunden");
@@ -215,8 +216,7 @@ TEST(FilterBar, AllCanBeShownAndSayWhyTheyDoNotFit) {
                                              .filter = CdBurner});
   const FilterTile& burner = tracks.tiles[static_cast<std::size_t>(CdBurner)];
   EXPECT_FALSE(burner.shown);
-  EXPECT_EQ(burner.refusal->remedy,
-            "Sammeln Sie die Titel in der freien Dateiliste; markiert sein darf dort nichts.");
+  EXPECT_EQ(burner.refusal->remedy, Text(texts::RemedyTitles));
   EXPECT_FALSE(tracks.tiles[static_cast<std::size_t>(MidiPlayer)].refusal);
 
   // Of a list in which nothing is selected, filters can be chosen that take all of it.

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QStringList>
 #include <QWidget>
+#include <algorithm>
 
 namespace ts5 {
 
@@ -77,11 +78,12 @@ inline QStringList UnreachableControls(QWidget& window) {
 }
 
 // The width of a line with the letter of a key: it is drawn in three parts, without the kerning between them.
+// What is blank behind the last letter may be cut.
 inline int DrawnWidth(const QString& text, const QFontMetrics& metrics) {
   const auto key = text.indexOf(QLatin1Char('&'));
   if (key < 0 || key + 1 >= text.size()) return metrics.horizontalAdvance(text);
   return metrics.horizontalAdvance(text.left(key)) + metrics.horizontalAdvance(text.mid(key + 1, 1)) +
-         metrics.horizontalAdvance(text.mid(key + 2));
+         metrics.horizontalAdvance(text.mid(key + 2)) - std::max(0, metrics.rightBearing(text.back()));
 }
 
 // The visible labels, buttons and group titles of a shown window whose text does not fit.

@@ -126,7 +126,8 @@ TEST_F(ListenTest, PracticeHoldsAtOnceAndIsRememberedForTheFile) {
     EXPECT_GE(Part<QSlider>("listenPosition")->width(), 90) << width;
     EXPECT_THAT(NamelessControls(*W().Listening().Bar()), testing::IsEmpty());
     EXPECT_THAT(UnreachableControls(*W().Listening().Bar()), testing::IsEmpty());
-    EXPECT_THAT(ClippedTexts(*W().Listening().Bar()), testing::IsEmpty());
+    EXPECT_TRUE(WaitFor([this] { return ClippedTexts(*W().Listening().Bar()).isEmpty(); }))
+        << ClippedTexts(*W().Listening().Bar()).join(", ").toStdString();
   }
 }
 

@@ -550,7 +550,7 @@ TEST_F(ArrangedList, ColumnsAreChosenInTheMenu) {
     auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
     for (QAction* action : menu->actions()) {
-      if (action->isCheckable() && action->text() != "Takt") action->setChecked(false);
+      if (action->isCheckable()) action->setChecked(action->text() == "Takt");
     }
     menu->close();
   });

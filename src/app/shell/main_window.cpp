@@ -81,7 +81,6 @@ void MainWindow::MakeAreas() {
   filters_ = new FilterPanel(TileLooks(), StyleOf(settings.skinLayout), this);
   filters_->setMinimumWidth(150);
   source_ = new SourceArea(this);
-  source_->setMinimumHeight(110);
   source_->Files()->setContextMenuPolicy(Qt::ActionsContextMenu);
   for (const CommandId command : kFileCommands) source_->Files()->addAction(Actions().Action(command));
   target_ = new TargetArea(this);
