@@ -64,7 +64,7 @@ closed '^Playback-Parameter' || fail "the window of the player stays"
 
 # --- tracks are dragged into the free list
 to_main
-drag_selection 135 293
+drag_selection 135 525
 xdotool mouseup 1
 sleep 1
 keys F10
