@@ -89,7 +89,8 @@ TextPlan PlanTracks(const TextField& field, const QRectF& rect, double inset) {
       best.columns == 1 ? offset(room.width() - columnWidth, static_cast<int>(field.horizontal) % 3) : 0;
   const double top = offset(room.height() - block, static_cast<int>(field.vertical)) + metrics.ascent();
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    const double x = left + static_cast<double>(i / best.lines) * (columnWidth + columnGap);
+    const std::size_t column = i / best.lines;
+    const double x = left + static_cast<double>(column) * (columnWidth + columnGap);
     const double y = top + static_cast<double>(i % best.lines) * kLeading * height;
     const QStringList& cells = rows[i].cells;
     const auto add = [&](const QString& text, double at) {

@@ -106,9 +106,13 @@ std::optional<std::string> TargetNaming::NextNumber(const TargetName& family) {
 }
 
 PlannedTarget TargetNaming::Plan(TargetName family, Numbering numbering, Taking taking, bool evades) {
-  if (const std::string name = family.Plain(); !IsAbsolutePath(name)) family = TargetName::Of(FullPath(name));
+  std::string plain = family.Plain();
+  if (!IsAbsolutePath(plain)) {
+    plain = FullPath(plain);
+    family = TargetName::Of(plain);
+  }
   PlannedTarget target{
-      .name = family.Plain(), .family = std::move(family), .taking = taking, .evades = evades};
+      .name = std::move(plain), .family = std::move(family), .taking = taking, .evades = evades};
   const bool number = evades || numbering == Numbering::Always ||
                       (numbering == Numbering::WhenThere && files_->exists(target.name));
   if (number) {
