@@ -32,7 +32,7 @@ constexpr std::size_t kPiece = std::size_t{1} << 20;
 constexpr std::string_view kNotes = "notes";
 constexpr std::uint64_t kMostNotes = std::uint64_t{256} << 20;
 
-// Behind all links.
+// Behind all links, those of the folders on the way included.
 std::string RealPath(const std::string& path) {
   std::error_code error;
   const fs::path real = fs::weakly_canonical(path, error);
@@ -323,7 +323,7 @@ UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& 
     if (!lock || !Lock(lock)) continue;
     const std::string notes = JoinPath(folder, kNotes);
     if (!FileExists(notes)) {
-      fs::remove_all(folder, error);
+      RemoveTree(folder);
       continue;
     }
     const auto content = ReadFile(notes, kMostNotes);
