@@ -151,18 +151,19 @@ TEST(MidiOut, UnknownDevicesAreRefusedAndNullTakesAll) {
 
 // A device that has gone stops, or takes all there is at once.
 TEST(DevicePaceTest, TellsADeviceThatHasGone) {
+  const auto at = [](int milliseconds) { return DevicePace::Clock::time_point(1h + 1ms * milliseconds); };
   DevicePace fresh(44100);
-  EXPECT_TRUE(fresh.Alive()) << "not begun";
-  fresh.Moved(44100 * 2);
-  EXPECT_TRUE(fresh.Alive()) << "what it buffers";
-  fresh.Moved(44100 * 20);
-  EXPECT_FALSE(fresh.Alive()) << "runs away";
+  EXPECT_TRUE(fresh.Alive(at(0))) << "not begun";
+  fresh.Moved(44100 * 2, at(0));
+  EXPECT_TRUE(fresh.Alive(at(0))) << "what it buffers";
+  fresh.Moved(44100 * 20, at(1));
+  EXPECT_FALSE(fresh.Alive(at(1))) << "runs away";
   DevicePace stopping(44100);
-  stopping.Moved(512);
-  std::this_thread::sleep_for(std::chrono::milliseconds(5100));
-  EXPECT_FALSE(stopping.Alive());
-  stopping.Moved(512);
-  EXPECT_TRUE(stopping.Alive());
+  stopping.Moved(512, at(0));
+  EXPECT_TRUE(stopping.Alive(at(4900)));
+  EXPECT_FALSE(stopping.Alive(at(5100)));
+  stopping.Moved(512, at(5100));
+  EXPECT_TRUE(stopping.Alive(at(5100)));
 }
 
 }  // namespace

@@ -5,13 +5,14 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 
+#include "platform/files/disk_calls.h"
 #include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -85,6 +86,17 @@ TEST_F(StagedFileTest, AFailedWriteIsNeverCommitted) {
   EXPECT_THAT(file->WriteAt(2, AsBytes("xy")), FailsWith(Outcome::WriteFailed));
   EXPECT_THAT(file->Commit(), FailsWith(Outcome::WriteFailed));
   EXPECT_EQ(Content(target), "old");
+}
+
+TEST_F(StagedFileTest, ANameThatDoesNotReachTheDiskIsAFailure) {
+  struct : DiskCalls {
+    int FlushDirectory(const std::string& /*directory*/) override { return errno = error, -1; }
+    int error = EIO;
+  } disk;
+  const OtherDiskCalls instead(disk);
+  EXPECT_THAT(WriteFile(directory.File("a"), AsBytes("x")), FailsWith(Outcome::WriteFailed));
+  disk.error = EINVAL;  // some file systems have nothing to flush
+  EXPECT_THAT(WriteFile(directory.File("a"), AsBytes("x")), IsOk());
 }
 
 TEST_F(StagedFileTest, KeepsPermissionsAndLinks) {
@@ -171,15 +183,12 @@ TEST_F(StagedFileTest, WhatOthersWriteThroughThePathIsCommitted) {
 TEST_F(StagedFileTest, WhatAKilledProgramLeftIsCleared) {
   directory.Write(".sTS5-0123", "too short");
   directory.Write(".sTS5-0123456789xy", "no number");
-  const pid_t child = ::fork();
-  if (child == 0) {
-    auto left = StagedFile::Create(directory.File("a"));
-    (void)left->Write(AsBytes("half"));
-    ::_exit(left ? 0 : 1);
-  }
-  int status = 1;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
-  ASSERT_EQ(status, 0);
+  ASSERT_EQ(InChild([&]() -> bool {
+              auto left = StagedFile::Create(directory.File("a"));
+              (void)left->Write(AsBytes("half"));
+              ::_exit(left ? 0 : 1);
+            }),
+            0);
   {
     const auto mine = StagedFile::Create(directory.File("b"));
     EXPECT_EQ(ClearAbandonedFiles(directory.Path()), 1U);

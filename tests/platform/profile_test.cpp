@@ -128,11 +128,7 @@ TEST(Profile, NoValueBreaksOutOfItsLine) {
 TEST(Profile, Utf16FilesStayUtf16) {
   const std::u16string text = u"[A]\r\nDvořák=ж\r\n";
   for (const bool bigEndian : {false, true}) {
-    std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
-    for (const char16_t unit : text) {
-      const char parts[] = {static_cast<char>(unit >> 8), static_cast<char>(unit & 0xFF)};
-      bytes += {parts[bigEndian ? 0 : 1], parts[bigEndian ? 1 : 0]};
-    }
+    const std::string bytes = test::Utf16Bytes(text, bigEndian);
     const Profile profile = From(bytes);
     EXPECT_EQ(profile.Find("a", "dvořák"), "ж");
     EXPECT_EQ(TextOf(profile), bytes);

@@ -18,6 +18,7 @@
 #include "support/home.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
+#include "support/wave_bytes.h"
 
 namespace ts5 {
 namespace {
@@ -39,12 +40,8 @@ DiscLayout TwoTracks() {
 }
 
 Bytes Pattern(std::size_t sectors, std::uint32_t seed) {
-  Bytes bytes(sectors * kAudioSectorBytes);
-  for (std::uint8_t& byte : bytes) {
-    seed = seed * 1664525 + 1013904223;
-    byte = static_cast<std::uint8_t>(seed >> 24);
-  }
-  return bytes;
+  const std::string noise = test::Noise(sectors * kAudioSectorBytes, seed);
+  return {noise.begin(), noise.end()};
 }
 
 // --- cue sheets

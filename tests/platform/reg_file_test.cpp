@@ -16,11 +16,8 @@ Registry InMemory() {
 }
 
 Bytes Utf16(std::string_view text, bool bigEndian = false) {
-  ByteWriter out;
-  const auto put = [&](char16_t unit) { bigEndian ? out.U16Be(unit) : out.U16Le(unit); };
-  put(0xFEFF);
-  for (const char16_t unit : Utf16FromUtf8(text)) put(unit);
-  return out.Release();
+  const std::string bytes = test::Utf16Bytes(Utf16FromUtf8(text), bigEndian);
+  return {bytes.begin(), bytes.end()};
 }
 
 std::string Old(std::string_view body) {
@@ -28,6 +25,15 @@ std::string Old(std::string_view body) {
 }
 std::string New(std::string_view body) {
   return "Windows Registry Editor Version 5.00\r\n\r\n" + std::string(body);
+}
+
+std::vector<std::size_t> LinesOf(const RegFileReport& report) {
+  std::vector<std::size_t> lines;
+  for (const RegFileError& error : report.errors) {
+    lines.push_back(error.line);
+    EXPECT_FALSE(error.text.empty());
+  }
+  return lines;
 }
 
 TEST(RegFile, TakesEveryKindOfValue) {
@@ -134,13 +140,8 @@ TEST(RegFile, ErrorsAreReportedWithTheirLineAndTheRestGoesOn) {
   Registry registry = InMemory();
   const auto report = ImportRegText(AsBytes(text), registry);
   ASSERT_THAT(report, IsOk());
-  std::vector<std::size_t> lines;
-  for (const RegFileError& error : report->errors) {
-    lines.push_back(error.line);
-    EXPECT_FALSE(error.text.empty());
-  }
-  EXPECT_EQ(lines, (std::vector<std::size_t>{2, 4, 6, 7, 9, 10, 11, 12, 14, 18, 19}));
-  EXPECT_EQ(report->errorCount, lines.size());
+  EXPECT_EQ(LinesOf(*report), (std::vector<std::size_t>{2, 4, 6, 7, 9, 10, 11, 12, 14, 18, 19}));
+  EXPECT_EQ(report->errorCount, 11U);
   EXPECT_EQ(registry.Read("HKLM\\a")->Text("gut"), "1");
   EXPECT_EQ(registry.Read("HKLM\\a")->All().size(), 1U);
   EXPECT_EQ(registry.Read("HKLM\\d")->Text("auch gut"), "2");
@@ -162,9 +163,7 @@ TEST(RegFile, TextsGoOnInTheNextLinesUpToTheirQuote) {
   Registry registry = InMemory();
   const auto report = ImportRegText(AsBytes(Windows1252FromUtf8(text)), registry);
   ASSERT_THAT(report, IsOk());
-  std::vector<std::size_t> lines;
-  for (const RegFileError& error : report->errors) lines.push_back(error.line);
-  EXPECT_EQ(lines, (std::vector<std::size_t>{7, 8, 11}));
+  EXPECT_EQ(LinesOf(*report), (std::vector<std::size_t>{7, 8, 11}));
   EXPECT_EQ(registry.Read("HKLM\\a")->Text("drei"), "eins  \r\n  \"zwei\"\r\ndrei");
   EXPECT_EQ(registry.Read("HKLM\\a")->Text("kurz"), "1");
   EXPECT_EQ(registry.Read("HKLM\\b")->Text("gut"), "2");

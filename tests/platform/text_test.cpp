@@ -40,12 +40,6 @@ TEST(Text, CaseOfGermanLetters) {
   EXPECT_TRUE(CompareIgnoringCase("ab", "ABC") < 0);
 }
 
-TEST(Text, Characters) {
-  EXPECT_EQ(CharacterCount("Größe"), 5U);
-  EXPECT_EQ(FirstCharacters("Größe", 3), "Grö");
-  EXPECT_EQ(FirstCharacters("ab", 9), "ab");
-}
-
 TEST(Text, Numbers) {
   EXPECT_EQ(ParseInteger("-12"), -12);
   EXPECT_EQ(ParseInteger("12 "), std::nullopt);

@@ -7,7 +7,6 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-#include <vector>
 
 namespace ts5::test {
 
@@ -15,6 +14,23 @@ namespace fs = std::filesystem;
 
 std::string DataPath(std::string_view name) {
   return std::string(TS5_TEST_DATA "/") + std::string(name);
+}
+
+std::string Utf16Bytes(std::u16string_view text, bool bigEndian) {
+  std::string bytes = bigEndian ? "\xFE\xFF" : "\xFF\xFE";
+  for (const char16_t unit : text) {
+    const char parts[] = {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+    bytes += {parts[bigEndian ? 1 : 0], parts[bigEndian ? 0 : 1]};
+  }
+  return bytes;
+}
+
+std::vector<std::string> DemoScores() {
+  std::vector<std::string> scores;
+  for (const auto& file : fs::directory_iterator(DataPath("../../demo"))) {
+    if (file.path().extension() == ".stv") scores.push_back(file.path().string());
+  }
+  return scores;
 }
 
 namespace {
@@ -51,6 +67,14 @@ std::string Place::Write(std::string_view name, std::string_view content) const 
 std::string Content(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::map<std::string, std::string> Contents(const std::string& directory) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(directory)) {
+    if (entry.is_regular_file()) files[fs::relative(entry.path(), directory)] = Content(entry.path());
+  }
+  return files;
 }
 
 std::string Listing(const std::string& directory) {

@@ -10,26 +10,27 @@ namespace ts5 {
 
 class DevicePace {
  public:
+  using Clock = std::chrono::steady_clock;
+
   explicit DevicePace(std::uint32_t sampleRate) : sampleRate_(sampleRate) {}
 
   // On the device's thread, with every block.
-  void Moved(std::uint64_t frames) {
-    const auto now = Clock::now().time_since_epoch();
+  void Moved(std::uint64_t frames, Clock::time_point at = Clock::now()) {
+    const auto now = at.time_since_epoch();
     if (first_.load().count() == 0) first_ = now;
     last_ = now;
     frames_ += frames;
   }
 
   // From any thread; true before the first block.
-  [[nodiscard]] bool Alive() const {
+  [[nodiscard]] bool Alive(Clock::time_point at = Clock::now()) const {
     if (last_.load().count() == 0) return true;
-    const auto now = Clock::now().time_since_epoch();
+    const auto now = at.time_since_epoch();
     const std::chrono::seconds moved(frames_.load() / sampleRate_);
     return now - last_.load() < kPatience && moved < now - first_.load() + kMostAhead;
   }
 
  private:
-  using Clock = std::chrono::steady_clock;
   static constexpr std::chrono::seconds kPatience{5};   // what a server lets pass between two blocks
   static constexpr std::chrono::seconds kMostAhead{5};  // what a device may buffer
 
