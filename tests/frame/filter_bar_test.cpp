@@ -175,13 +175,6 @@ TEST(FilterBar, WhileTheJobRunsOnlyAPlayingPlayersTileStaysUsable) {
   EXPECT_FALSE(bar.tiles[5].buttonEnabled);
 }
 
-TEST(FilterBar, ToggleKeepsExpandedAndCollapsedApart) {
-  const std::uint32_t word = kStatusExpanded | kStatusShown;
-  EXPECT_EQ(ToggledStatus(word), kStatusCollapsed | kStatusShown);
-  EXPECT_EQ(ToggledStatus(ToggledStatus(word)), word);
-  EXPECT_EQ(ToggledStatus(0), kStatusCollapsed);
-}
-
 TEST(FilterBar, AllCanBeShownAndSayWhyTheyDoNotFit) {
   const auto bar = [](SourceContext source, DeviceCounts devices = kAllDevices, SourceContext whole = {}) {
     return RefreshFilterBar({.source = std::move(source),

@@ -139,18 +139,6 @@ TEST_F(JobRunnerTest, WhatKeepsARunFromStarting) {
   EXPECT_THAT(host->results, IsEmpty());
 }
 
-TEST_F(JobRunnerTest, BareNameIsCompletedInTheJob) {
-  Job job = ListJob({place_.Write("a.mid", "ok")}, *Find(FilterId::MidiConverter));
-  place_.Write("targets/x", "");
-  job.destinationName = "b.out";
-  const auto host = std::make_shared<RecordingHost>();
-  ASSERT_TRUE(runner_.Start(
-      job, {.destination = {.sourceDirectory = false, .directory = place_.File("targets")}}, host, dialogs_));
-  runner_.Wait(job);
-  EXPECT_EQ(job.destinationName, place_.File("targets/b.out"));
-  EXPECT_EQ(test::Content(place_.File("targets/b.out")), "ok copied");
-}
-
 TEST_F(JobRunnerTest, MidiDeviceHasOneUser) {
   std::deque<Job> jobs;
   jobs.push_back(BlockingJob(FilterId::MidiPlayer, "p", 3));

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <random>
 
@@ -12,6 +10,7 @@
 #include "platform/disc/volumes.h"
 #include "platform/store/registry.h"
 #include "run_support.h"
+#include "support/child.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -64,23 +63,11 @@ Job Loaded(std::initializer_list<std::pair<const char*, std::string>> texts, std
   return JobFromValues(Values(texts), number, Surroundings());
 }
 
-TEST(JobStore, FirstStart) {
-  auto registry = Registry::Open(kRegistryInMemory);
-  ASSERT_TRUE(registry);
-  const auto jobs = LoadJobs(*registry, Surroundings());
-  ASSERT_TRUE(jobs);
-  EXPECT_THAT(jobs->saved, IsEmpty());
-  const Job& job = jobs->defaultJob;
-  EXPECT_EQ(job.title, "Default Job");
-  EXPECT_EQ(job.description, "Beschreibung des Default-Job");
-  EXPECT_EQ(job.filter, FilterId::None);
-  EXPECT_EQ(job.directory.path, "/home/anna");
-  EXPECT_EQ(job.sourceDrive, 0);
-  EXPECT_EQ(job.filterStatus, NewFilterStatus());
-  EXPECT_FALSE(job.parameters);
-}
-
 TEST(JobStore, TextsAndTheirLimits) {
+  const Job first = Loaded({}, 0);
+  EXPECT_EQ(first.title + ", " + first.description, "Default Job, Beschreibung des Default-Job");
+  EXPECT_EQ(first.filter, FilterId::None);
+  EXPECT_FALSE(first.parameters);
   EXPECT_EQ(Loaded({{"Title", "Zwölf Zeichen"}}, 7).title, "Job 7") << "thirteen characters";
   EXPECT_EQ(Loaded({{"Title", "Zwölf Zeiche"}}).title, "Zwölf Zeiche");
   EXPECT_EQ(Loaded({{"Title", ""}}, 2).title, "Job 2");
@@ -304,35 +291,21 @@ TEST(JobStore, RoundTripOfWholeStores) {
   }
 }
 
-TEST(JobStore, FewerJobsLeaveTheOldKeysUnread) {
+// Fewer jobs leave the old keys unread; where the key with their number is lost, the jobs are not.
+TEST(JobStore, TheNumberOfJobsCountsAsLongAsItIsThere) {
   auto registry = Registry::Open(kRegistryInMemory);
   ASSERT_TRUE(registry);
-  Job a;
-  a.title = "a";
-  Job b;
-  b.title = "b";
-  Job c;
-  c.title = "c";
-  ASSERT_THAT(SaveJobs(*registry, Job(), {&a, &b, &c}, FindCopyModule), IsOk());
-  ASSERT_THAT(SaveJobs(*registry, Job(), {&a, &c}, FindCopyModule), IsOk());
-  const auto jobs = LoadJobs(*registry, Surroundings());
-  ASSERT_EQ(jobs->saved.size(), 2U);
-  EXPECT_EQ(jobs->saved[1].title, "c");
+  std::vector<Job> jobs(3);
+  for (std::size_t i = 0; i < jobs.size(); ++i) jobs[i].title = std::string(1, static_cast<char>('a' + i));
+  ASSERT_THAT(SaveJobs(*registry, Job(), {&jobs[0], &jobs[1], &jobs[2]}, FindCopyModule), IsOk());
+  ASSERT_THAT(SaveJobs(*registry, Job(), {&jobs[0], &jobs[2]}, FindCopyModule), IsOk());
+  const auto loaded = LoadJobs(*registry, Surroundings());
+  ASSERT_EQ(loaded->saved.size(), 2U);
+  EXPECT_EQ(loaded->saved[1].title, "c");
   EXPECT_EQ(registry->Read(std::string(kRoot) + R"(\Jobs\Job 0003)")->Text("Title"), "c");
   EXPECT_EQ(registry->Read(kRoot)->Text("Job Number"), "2");
-}
-
-// The settings key with the number of jobs is lost: the jobs are not.
-TEST(JobStore, JobsAreFoundWithoutTheirNumber) {
-  auto registry = Registry::Open(kRegistryInMemory);
-  ASSERT_TRUE(registry);
-  Job a;
-  a.title = "a";
-  ASSERT_THAT(SaveJobs(*registry, Job(), {&a, &a}, FindCopyModule), IsOk());
-  ASSERT_THAT(registry->Write(kRoot, Values({{"Job Number", "1"}})), IsOk());
-  EXPECT_EQ(LoadJobs(*registry, Surroundings())->saved.size(), 1U);
   ASSERT_THAT(registry->Write(kRoot, {}), IsOk());
-  EXPECT_EQ(LoadJobs(*registry, Surroundings())->saved.size(), 2U);
+  EXPECT_EQ(LoadJobs(*registry, Surroundings())->saved.size(), 3U);
 }
 
 // A program that saves one generation of jobs after the other is killed; what is left is one of them, whole.
@@ -342,11 +315,9 @@ TEST(JobStore, SurvivesAKillAtAnyMoment) {
   ASSERT_TRUE(Registry::Open(path));
   std::mt19937 random(99);
   for (int round = 0; round < 8; ++round) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const pid_t child = test::StartChild([&path] {
       auto registry = Registry::Open(path);
-      if (!registry) _exit(1);
-      for (int generation = 0;; ++generation) {
+      for (int generation = 0; registry; ++generation) {
         std::vector<Job> jobs(static_cast<std::size_t>(5 + generation % 20));
         std::vector<const Job*> pointers;
         for (Job& job : jobs) {
@@ -354,14 +325,13 @@ TEST(JobStore, SurvivesAKillAtAnyMoment) {
           for (int i = 0; i < 50; ++i) job.files.Append({.path = "/x/" + job.title});
           pointers.push_back(&job);
         }
-        if (Failed(SaveJobs(*registry, jobs.front(), pointers, FindCopyModule))) _exit(1);
+        if (Failed(SaveJobs(*registry, jobs.front(), pointers, FindCopyModule))) return false;
       }
-    }
+      return false;
+    });
     std::this_thread::sleep_for(std::chrono::milliseconds(30 + random() % 60));
     ASSERT_EQ(kill(child, SIGKILL), 0);
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFSIGNALED(status)) << "the child failed by itself";
+    ASSERT_EQ(test::WaitForChild(child), -1) << "the child failed by itself";
 
     const auto registry = Registry::Open(path);
     ASSERT_TRUE(registry);

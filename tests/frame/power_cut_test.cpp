@@ -55,9 +55,7 @@ TEST(PowerCut, LeavesOldOrNewAndNeverLosesASource) {
                      .workers = c.workers});
     };
     Job job = ListJob(sources, module);
-    RegistryValues values;
-    values.SetText("Kept", c.sourcesReplaced ? "1" : "0");
-    job.parameters = LoadParameters(&module, values);
+    test::KeepFormat(job, c.sourcesReplaced);
     {
       const OtherDiskCalls instead(disk);
       const RunResult result =

@@ -10,6 +10,8 @@
 
 #include "frame/failure_reason.h"
 #include "frame/ordered_pool.h"
+#include "frame/remarks.h"
+#include "frame/texts.h"
 #include "run_support.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
@@ -18,6 +20,7 @@ namespace ts5 {
 namespace {
 
 using namespace std::chrono_literals;
+using test::CodesOf;
 using test::CopyModule;
 using test::CopyParameters;
 using test::ListJob;
@@ -26,12 +29,6 @@ using test::RunJob;
 using test::TemporaryDirectory;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-std::vector<std::int32_t> Codes(const RunResult& result) {
-  std::vector<std::int32_t> codes;
-  for (const RunItem& item : result.items) codes.push_back(item.code);
-  return codes;
-}
 
 struct RunItemsTest : testing::Test {
   const TemporaryDirectory place;
@@ -50,7 +47,7 @@ TEST_F(RunItemsTest, CountsAndNamesEachKindOfFailureOnce) {
   EXPECT_EQ(Lines(result)[0], (RunLine{"Erfolgreich konvertierte Dateien:", 2}));
   EXPECT_EQ(Lines(result)[1], (RunLine{"Nicht (ordnungsgemäß) konvertierte Dateien:", 7}));
   EXPECT_EQ(Lines(result)[2], RunLine{});
-  EXPECT_THAT(Codes(result), ElementsAre(0, -104, -300, -104, -100, 0x840000, -300, -300, -2));
+  EXPECT_THAT(CodesOf(result), ElementsAre(0, -104, -300, -104, -100, 0x840000, -300, -300, -2));
   EXPECT_EQ(RemarksText(result),
             "Die Quelle hat ein ungültiges Dateiformat.\r\n"
             "Es trat ein Fehler in der Quelldatei auf.\r\n"
@@ -62,6 +59,9 @@ TEST_F(RunItemsTest, CountsAndNamesEachKindOfFailureOnce) {
   EXPECT_EQ(FailureCount(result), 7U);
   EXPECT_EQ(result.items[0].destination, place.File("a.out"));
   EXPECT_EQ(result.items[4].destination, "");
+  EXPECT_EQ(result.items[0].remark, "");
+  EXPECT_EQ(result.items[1].remark, "Die Quelle hat ein ungültiges Dateiformat.");
+  EXPECT_THAT(result.items[5].remark, testing::HasSubstr("Zeitbasis"));
   // Failures leave nothing, not even a temporary file.
   EXPECT_EQ(test::Listing(place.Path()), "a.mid a.out b.mid c.mid d.mid e.mid e.out f.mid");
   EXPECT_EQ(test::Content(place.File("a.out")), "ok copied");
@@ -70,6 +70,14 @@ TEST_F(RunItemsTest, CountsAndNamesEachKindOfFailureOnce) {
 TEST_F(RunItemsTest, NothingToSayIsKeine) {
   EXPECT_EQ(RemarksText(RunJob(ListJob({place.Write("a.mid", "ok")}, module), module)), "keine");
   EXPECT_EQ(RunJob(ListJob({}, module), module).counts[1], 0U);
+}
+
+TEST(Remarks, NameTheNumberWhereTheyHaveAPlaceForIt) {
+  constexpr Remark kTable[] = {{-100, texts::FilesRejected}, {-101, texts::RemarkWriteFailed}};
+  const auto line = [&](const RunStatus& status) { return RemarkLines(kTable, status).at(0); };
+  EXPECT_EQ(line({.code = -100}).substr(0, 5), "-100 ");
+  EXPECT_EQ(line({.code = -100, .number = 7}).substr(0, 2), "7 ");
+  EXPECT_EQ(line({.code = -101, .number = 7}), Text(texts::RemarkWriteFailed));
 }
 
 TEST_F(RunItemsTest, RemarksStayBelowTheirLimit) {
@@ -86,10 +94,10 @@ TEST_F(RunItemsTest, RemarksStayBelowTheirLimit) {
 TEST_F(RunItemsTest, UnusableTargetsAreCountedAndTheRunGoesOn) {
   place.Write("b.out/inside", "");
   const Job job = ListJob({place.Write("b.mid", "ok"), place.Write("c.mid", "ok")}, module);
-  EXPECT_THAT(Codes(RunJob(job, module)), ElementsAre(-200, 0));
+  EXPECT_THAT(CodesOf(RunJob(job, module)), ElementsAre(-200, 0));
   const RunResult elsewhere =
       RunJob(job, module, {.sourceDirectory = false, .directory = place.File("not there")});
-  EXPECT_THAT(Codes(elsewhere), ElementsAre(-200, -200));
+  EXPECT_THAT(CodesOf(elsewhere), ElementsAre(-200, -200));
   EXPECT_EQ(RemarksText(elsewhere), "Die Zieldatei konnte nicht erstellt werden.");
 }
 
@@ -116,12 +124,8 @@ TEST_F(RunItemsTest, SourceThatIsItsOwnTarget) {
       const TemporaryDirectory other;
       const FilterModule module = CopyModule(FilterId::MidiConverter, workers);
       Job job = ListJob({place.Write("song.mid", "ok"), other.Write("x.mid", "ok")}, module);
-      job.parameters = LoadParameters(&module, [&] {
-        RegistryValues values;
-        values.SetText("Extension", "mid");
-        values.SetText("Kept", c.kept ? "1" : "0");
-        return values;
-      }());
+      As<CopyParameters>(*job.parameters).extension = "mid";
+      test::KeepFormat(job, c.kept);
       const RunResult result = RunJob(job, module, {.useSuffix = c.suffix, .overwrite = c.overwrite});
       EXPECT_EQ(result.counts[0], 2U);
       EXPECT_EQ(test::Listing(place.Path()), c.listing);
@@ -141,7 +145,7 @@ TEST_F(RunItemsTest, LinkedSourceIsNeverLost) {
   // A chosen name that is the source by another spelling of its path is refused.
   Job job = ListJob({place.File("alias/song.mid")}, module);
   job.destinationName = place.File("song.mid");
-  EXPECT_THAT(Codes(RunJob(job, module)), ElementsAre(-200));
+  EXPECT_THAT(CodesOf(RunJob(job, module)), ElementsAre(-200));
   EXPECT_EQ(test::Content(place.File("song.mid")), "ok");
 }
 
@@ -157,7 +161,7 @@ TEST_F(RunItemsTest, ChosenNameIsAskedAboutWhenItExists) {
     EXPECT_THAT(host->questions,
                 ElementsAre("Die Zieldatei ist bereits vorhanden. Soll sie überschrieben werden?"));
     EXPECT_EQ(test::Content(place.File("chosen.out")), content);
-    EXPECT_THAT(Codes(result), ElementsAre(code));
+    EXPECT_THAT(CodesOf(result), ElementsAre(code));
     EXPECT_EQ(result.cancelled, code == -5);
     EXPECT_EQ(FailureCount(result), 0U);
     EXPECT_EQ(test::Listing(place.Path()), "a.mid chosen.out");
@@ -179,23 +183,20 @@ FilterModule Module(const ItemFilter& filter, unsigned workers) {
 }
 
 TEST_F(RunItemsTest, AnExceptionSpoilsItsOwnItemOnly) {
+  const auto throws = [](const std::string& source, std::string_view name) {
+    if (source.ends_with(name)) throw std::bad_alloc();
+  };
+  const auto check = [&](const std::string& source) {
+    throws(source, "c.mid");
+    return test::CheckCopy(source);
+  };
+  const auto convert = [](ItemWork& work) {
+    if (work.source.ends_with("d.mid")) throw std::runtime_error("library");
+    return test::Copy(work);
+  };
   for (const unsigned workers : {1U, 3U}) {
     const TemporaryDirectory place;
-    const auto throws = [](const std::string& source, std::string_view name) {
-      if (source.ends_with(name)) throw std::bad_alloc();
-    };
-    FilterModule module = Module({.check =
-                                      [&](const std::string& source) {
-                                        throws(source, "c.mid");
-                                        return test::CheckCopy(source);
-                                      },
-                                  .convert =
-                                      [&](ItemWork& work) {
-                                        if (work.source.ends_with("d.mid"))
-                                          throw std::runtime_error("library");
-                                        return test::Copy(work);
-                                      }},
-                                 workers);
+    FilterModule module = Module({.check = check, .convert = convert}, workers);
     module.target = [&](const FilterParameters&, const std::string& source) {
       throws(source, "b.mid");
       return TargetRule{"out", false};
@@ -203,41 +204,38 @@ TEST_F(RunItemsTest, AnExceptionSpoilsItsOwnItemOnly) {
     std::vector<std::string> sources;
     for (const char* const name : {"a.mid", "b.mid", "c.mid", "d.mid", "e.mid"})
       sources.push_back(place.Write(name, "ok"));
-    EXPECT_THAT(Codes(RunJob(ListJob(sources, module), module)), ElementsAre(0, -2, -2, -1, 0)) << workers;
+    EXPECT_THAT(CodesOf(RunJob(ListJob(sources, module), module)), ElementsAre(0, -2, -2, -1, 0)) << workers;
     EXPECT_EQ(test::Listing(place.Path()), "a.mid a.out b.mid c.mid d.mid e.mid e.out");
   }
 }
 
 TEST_F(RunItemsTest, SuccessIsAFileOrSaysThatNothingChanged) {
-  const FilterModule module = Module({.convert =
-                                          [](ItemWork& work) {
-                                            if (work.source.ends_with("path.mid"))
-                                              std::ofstream(work.target.TemporaryPath()) << "by path";
-                                            work.unchanged = work.source.ends_with("same.mid");
-                                            return Outcome::Success;
-                                          }},
-                                     1);
+  const auto convert = [](ItemWork& work) {
+    if (work.source.ends_with("path.mid")) std::ofstream(work.target.TemporaryPath()) << "by path";
+    work.unchanged = work.source.ends_with("same.mid");
+    return Outcome::Success;
+  };
+  const FilterModule module = Module({.convert = convert}, 1);
   const RunResult result = RunJob(
       ListJob({place.Write("path.mid", ""), place.Write("same.mid", ""), place.Write("nothing.mid", "")},
               module),
       module);
-  EXPECT_THAT(Codes(result), ElementsAre(0, 0, -200));
+  EXPECT_THAT(CodesOf(result), ElementsAre(0, 0, -200));
   EXPECT_EQ(test::Content(place.File("path.out")), "by path");
   EXPECT_EQ(result.items[1].destination, "");
   EXPECT_EQ(test::Listing(place.Path()), "nothing.mid path.mid path.out same.mid");
 }
 
 TEST_F(RunItemsTest, AFailureMayKeepItsTarget) {
-  const FilterModule module = Module({.convert =
-                                          [](ItemWork& work) {
-                                            work.keepTarget = work.source.ends_with("kept.mid");
-                                            (void)work.target.Write(AsBytes(std::string("half")));
-                                            return Outcome::AttributesNotWritten;
-                                          }},
-                                     1);
+  const auto convert = [](ItemWork& work) {
+    work.keepTarget = work.source.ends_with("kept.mid");
+    (void)work.target.Write(AsBytes(std::string("half")));
+    return Outcome::AttributesNotWritten;
+  };
+  const FilterModule module = Module({.convert = convert}, 1);
   const RunResult result =
       RunJob(ListJob({place.Write("kept.mid", ""), place.Write("lost.mid", "")}, module), module);
-  EXPECT_THAT(Codes(result), ElementsAre(-102, -102));
+  EXPECT_THAT(CodesOf(result), ElementsAre(-102, -102));
   EXPECT_EQ(result.items[0].destination, place.File("kept.out"));
   EXPECT_EQ(test::Listing(place.Path()), "kept.mid kept.out lost.mid");
 }
@@ -259,7 +257,7 @@ TEST_F(RunItemsTest, WhatTheCheckReadIsConverted) {
       2);
   const Job job =
       ListJob({place.Write("a.mid", "first"), place.Write("b.mid", "second"), place.File("c.mid")}, module);
-  EXPECT_THAT(Codes(RunJob(job, module)), ElementsAre(0, 0, -300));
+  EXPECT_THAT(CodesOf(RunJob(job, module)), ElementsAre(0, 0, -300));
   EXPECT_EQ(test::Content(place.File("a.out")) + test::Content(place.File("b.out")), "firstsecond");
 }
 
@@ -270,33 +268,25 @@ TEST(OrderedPool, WhateverThrowsEndsItAndComesOut) {
   for (const char* const place : {"next", "work", "begin", "take", ""}) {
     const auto at = [place](std::string_view step, int value) {
       if (value == 40 && step == place) throw std::length_error(place);
+      return true;
     };
-    int next = 0;
+    int number = 0;
     std::vector<int> taken;
+    const auto next = [&]() -> std::unique_ptr<Number> {
+      at("next", number);
+      return number == 100 ? nullptr : std::make_unique<Number>(Number{number++});
+    };
+    const auto work = [&](const Number& n) {
+      at("work", n.value);
+      if (n.value % 7 == 0) std::this_thread::sleep_for(1ms);
+    };
+    const auto begin = [&](const Number& n) { return at("begin", n.value); };
+    const auto take = [&](const Number& n, bool done) {
+      if (done && at("take", n.value)) taken.push_back(n.value);
+      return true;
+    };
     std::atomic<bool> stop = false;
-    OrderedPool<Number> pool({.next = [&]() -> std::unique_ptr<Number> {
-                                at("next", next);
-                                if (next == 100) return nullptr;
-                                return std::make_unique<Number>(Number{next++});
-                              },
-                              .work =
-                                  [&](const Number& number) {
-                                    at("work", number.value);
-                                    if (number.value % 7 == 0) std::this_thread::sleep_for(1ms);
-                                  },
-                              .begin =
-                                  [&](const Number& number) {
-                                    at("begin", number.value);
-                                    return true;
-                                  },
-                              .take =
-                                  [&](const Number& number, bool done) {
-                                    if (!done) return true;
-                                    at("take", number.value);
-                                    taken.push_back(number.value);
-                                    return true;
-                                  }},
-                             8, stop);
+    OrderedPool<Number> pool({.next = next, .work = work, .begin = begin, .take = take}, 8, stop);
     if (*place == '\0') {
       EXPECT_TRUE(pool.Run(3));
     } else {
@@ -383,16 +373,6 @@ struct Outcomes {
   std::map<std::string, std::string> files;
 };
 
-std::map<std::string, std::string> AllFiles(const std::string& directory) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
-    if (!entry.is_directory()) {
-      files[std::filesystem::relative(entry.path(), directory)] = test::Content(entry.path());
-    }
-  }
-  return files;
-}
-
 TEST_F(RunItemsTest, ParallelGivesWhatOneAfterTheOtherGives) {
   std::mt19937 random(20261124);
   const auto pick = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
@@ -427,26 +407,16 @@ TEST_F(RunItemsTest, ParallelGivesWhatOneAfterTheOtherGives) {
       std::filesystem::remove_all(root);
       for (int d = 0; d < 3; ++d) std::filesystem::create_directories(root + "/d" + std::to_string(d));
       for (const auto& [name, content] : files) place.Write("root/" + name, content);
-      FilterModule module = CopyModule();
-      module.run = [&, workers](ts5::Run& run) {
-        const auto convert = [&](ItemWork& work) {
-          if (std::this_thread::get_id() != here) ++elsewhere;
-          return test::Copy(work);
-        };
-        RunItems(
-            run,
-            {.independent = workers > 1, .check = test::CheckCopy, .convert = convert, .workers = workers});
+      const auto convert = [&](ItemWork& work) {
+        if (std::this_thread::get_id() != here) ++elsewhere;
+        return test::Copy(work);
       };
+      const FilterModule module = Module({.check = test::CheckCopy, .convert = convert}, workers);
       Job job = ListJob(sources, module);
-      RegistryValues values;
-      values.SetText("Kept", kept ? "1" : "0");
-      job.parameters = LoadParameters(&module, values);
+      test::KeepFormat(job, kept);
       const auto host = std::make_shared<RecordingHost>(script);
-      Outcomes outcomes;
-      outcomes.result = RunJob(job, module, rules, host);
-      outcomes.questions = host->questions;
-      outcomes.files = AllFiles(root);
-      return outcomes;
+      const RunResult result = RunJob(job, module, rules, host);
+      return Outcomes{result, host->questions, test::Contents(root)};
     };
     const Outcomes sequential = run(1);
     const Outcomes parallel = run(4);
@@ -471,24 +441,19 @@ TEST_F(RunItemsTest, ParallelGivesWhatOneAfterTheOtherGives) {
 }
 
 TEST_F(RunItemsTest, IndependentItemsReallyOverlap) {
-  FilterModule module = CopyModule(FilterId::MidiConverter, 4);
   std::atomic<int> inside = 0;
-  module.run = [&inside](ts5::Run& run) {
-    RunItems(run, {.independent = true,
-                   .convert =
-                       [&inside](ItemWork& work) {
-                         work.unchanged = true;
-                         ++inside;
-                         // Nobody leaves before all four are in.
-                         const auto end = std::chrono::steady_clock::now() + 5s;
-                         while (inside < 4) {
-                           if (std::chrono::steady_clock::now() > end) return Outcome::ReadFailed;
-                           std::this_thread::yield();
-                         }
-                         return Outcome::Success;
-                       },
-                   .workers = 4});
+  const auto convert = [&inside](ItemWork& work) {
+    work.unchanged = true;
+    ++inside;
+    // Nobody leaves before all four are in.
+    const auto end = std::chrono::steady_clock::now() + 5s;
+    while (inside < 4) {
+      if (std::chrono::steady_clock::now() > end) return Outcome::ReadFailed;
+      std::this_thread::yield();
+    }
+    return Outcome::Success;
   };
+  const FilterModule module = Module({.convert = convert}, 4);
   std::vector<std::string> sources;
   for (char c = 'a'; c <= 'd'; ++c) sources.push_back(place.Write(std::string(1, c) + ".mid", "ok"));
   EXPECT_EQ(RunJob(ListJob(sources, module), module).counts[0], 4U);
@@ -511,7 +476,7 @@ TEST_F(RunItemsTest, StopEndsTheRunAndLeavesNothingHalf) {
     });
     const RunResult result = RunJob(job, module, {}, host);
     stopper.join();
-    EXPECT_THAT(Codes(result), ElementsAre(0, 0, -5));
+    EXPECT_THAT(CodesOf(result), ElementsAre(0, 0, -5));
     EXPECT_EQ(result.counts[0], 2U);
     EXPECT_EQ(result.counts[1], 3U);
     EXPECT_THAT(result.remarks, ElementsAre("Der Vorgang wurde durch den Anwender abgebrochen."));
@@ -548,7 +513,7 @@ TEST_F(RunItemsTest, RefusalAbandonsWhatIsAlreadyAtWork) {
   place.Write("a.out", "old");
   const auto host = std::make_shared<RecordingHost>(std::deque{Answer::No});
   const RunResult result = RunJob(job, module, {.overwrite = OverwritePolicy::Ask}, host);
-  EXPECT_THAT(Codes(result), ElementsAre(-5));
+  EXPECT_THAT(CodesOf(result), ElementsAre(-5));
   EXPECT_EQ(test::Listing(place.Path()), "a.mid a.out b.mid c.mid");
 }
 

@@ -2,15 +2,12 @@
 #include "frame/run_journal.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
 
-#include <filesystem>
-#include <map>
 #include <thread>
 
-#include "platform/files/disk_calls.h"
 #include "run_support.h"
 #include "support/child.h"
+#include "support/killing_disk.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -23,16 +20,6 @@ using test::RunJob;
 using test::TemporaryDirectory;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-// What a directory holds: names and contents.
-std::map<std::string, std::string> Files(const std::string& directory) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(directory)) {
-    if (entry.is_regular_file())
-      files[std::filesystem::relative(entry.path(), directory)] = test::Content(entry.path());
-  }
-  return files;
-}
 
 // A folder of sources in which something fails, two share a target name, and targets are there already.
 struct Music {
@@ -50,9 +37,7 @@ struct Music {
     };
     job = ListJob(sources, module);
     job.title = "Abend";
-    RegistryValues values;
-    values.SetText("Kept", inPlace ? "1" : "0");
-    job.parameters = LoadParameters(&module, values);
+    test::KeepFormat(job, inPlace);
     rules = {.sourceDirectory = inPlace,
              .directory = place.File("out"),
              .useSuffix = false,
@@ -93,31 +78,6 @@ std::vector<std::string> Told(const RunResult& result, const TemporaryDirectory&
   return told;
 }
 
-// Kills itself at the disk call of that number.
-struct KilledAt : DiskCalls {
-  explicit KilledAt(int call) : left(call) {}
-  void Count() {
-    if (--left == 0) (void)::raise(SIGKILL);
-  }
-  int Create(const std::string& path, mode_t mode) override { return Count(), DiskCalls::Create(path, mode); }
-  ssize_t Write(int file, ByteView bytes, std::uint64_t offset) override {
-    // As a kill may cut it.
-    if (left == 1) (void)DiskCalls::Write(file, bytes.first(bytes.size() / 2), offset);
-    Count();
-    return DiskCalls::Write(file, bytes, offset);
-  }
-  int Rename(const std::string& from, const std::string& to) override {
-    Count();
-    return DiskCalls::Rename(from, to);
-  }
-  int RenameKeeping(const std::string& from, const std::string& to) override {
-    Count();
-    return DiskCalls::RenameKeeping(from, to);
-  }
-  int Unlink(const std::string& path) override { return Count(), DiskCalls::Unlink(path); }
-  std::atomic<int> left;
-};
-
 TEST(RunJournal, AKilledRunGoesOnToTheSameResults) {
   for (const bool inPlace : {false, true}) {
     const Music undisturbed(inPlace);
@@ -132,7 +92,7 @@ TEST(RunJournal, AKilledRunGoesOnToTheSameResults) {
         const auto open = FindInterruptedRuns(music.Journals(), music.Modules());
         if (whole || (at != call && open.empty())) break;
         whole = test::InChild([&] {
-                  KilledAt disk(at);
+                  test::KillingDisk disk(at);
                   const OtherDiskCalls instead(disk);
                   (void)music.Go(open.empty() ? nullptr : open.front());
                   return true;
@@ -144,7 +104,8 @@ TEST(RunJournal, AKilledRunGoesOnToTheSameResults) {
         const RunResult result = music.Go(open.empty() ? nullptr : open.front());
         EXPECT_EQ(Told(result, music.place), expected) << inPlace << " " << call;
       }
-      EXPECT_EQ(Files(music.place.Path()), Files(undisturbed.place.Path())) << inPlace << " " << call;
+      EXPECT_EQ(test::Contents(music.place.Path()), test::Contents(undisturbed.place.Path()))
+          << inPlace << " " << call;
       EXPECT_THAT(FindInterruptedRuns(music.Journals(), music.Modules()), IsEmpty()) << call;
     }
     EXPECT_GT(killed, 6) << inPlace;

@@ -150,19 +150,6 @@ TEST(RunReport, NamesEveryItemItsOutcomeAndWhy) {
   EXPECT_EQ(ReportLines(result, std::vector<std::size_t>{3}), "d.mid\tAbgebrochen\tFehler -5\t/m\n");
 }
 
-// The run itself gives each item the remark of its own outcome.
-TEST(RunReport, RunsTellOfEachItem) {
-  const test::TemporaryDirectory place;
-  const FilterModule module = test::CopyModule();
-  const Job job = test::ListJob(
-      {place.Write("a.mid", "ok"), place.Write("b.mid", "wrong format"), place.Write("c.mid", "flags")},
-      module);
-  const RunResult result = test::RunJob(job, module);
-  EXPECT_EQ(result.items[0].remark, "");
-  EXPECT_EQ(result.items[1].remark, "Die Quelle hat ein ungültiges Dateiformat.");
-  EXPECT_THAT(result.items[2].remark, HasSubstr("Zeitbasis"));
-}
-
 // --- a second try
 
 TEST(WithOnly, KeepsTheChosenSourcesAndTheirKind) {

@@ -178,6 +178,16 @@ class ScriptedDialogs : public JobDialogs {
   std::deque<bool> answers_;
 };
 
+inline void KeepFormat(Job& job, bool kept) {
+  As<CopyParameters>(*job.parameters).formatKept = kept;
+}
+
+inline std::vector<std::int32_t> CodesOf(const RunResult& result) {
+  std::vector<std::int32_t> codes;
+  for (const RunItem& item : result.items) codes.push_back(item.code);
+  return codes;
+}
+
 inline Job ListJob(const std::vector<std::string>& files, const FilterModule& module) {
   Job job;
   job.sourceDrive = kListModeDrive;

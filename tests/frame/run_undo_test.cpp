@@ -7,16 +7,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <limits>
 #include <span>
 #include <thread>
 
-#include "platform/files/disk_calls.h"
 #include "run_support.h"
 #include "support/child.h"
 #include "support/home.h"
+#include "support/killing_disk.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -44,34 +43,6 @@ struct NoRoom : NoLinks {
     errno = ENOSPC;
     return -1;
   }
-};
-
-// Kills the program before one of the calls of the disk.
-struct Killer : DiskCalls {
-  Killer(bool links, int calls) : links(links), left(calls) {}
-  void Count() {
-    if (left-- == 0) (void)::raise(SIGKILL);
-  }
-  int Create(const std::string& path, mode_t mode) override { return Count(), DiskCalls::Create(path, mode); }
-  ssize_t Write(int file, ByteView bytes, std::uint64_t at) override {
-    return Count(), DiskCalls::Write(file, bytes, at);
-  }
-  int Flush(int file) override { return Count(), DiskCalls::Flush(file); }
-  int Rename(const std::string& from, const std::string& to) override {
-    return Count(), DiskCalls::Rename(from, to);
-  }
-  int RenameKeeping(const std::string& from, const std::string& to) override {
-    return Count(), DiskCalls::RenameKeeping(from, to);
-  }
-  int Link(const std::string& from, const std::string& to) override {
-    Count();
-    errno = EXDEV;
-    return links ? DiskCalls::Link(from, to) : -1;
-  }
-  int Unlink(const std::string& path) override { return Count(), DiskCalls::Unlink(path); }
-
-  bool links;
-  int left;
 };
 
 class Undoing : public testing::Test {
@@ -259,10 +230,10 @@ TEST_F(Undoing, OneThatWasCutIsFinished) {
       WriteOld();
       const std::string before = Old();
       status = test::InChild([&] {
-        Killer killer(links, std::numeric_limits<int>::max());
+        test::KillingDisk killer(std::numeric_limits<int>::max(), links);
         const OtherDiskCalls other(killer);
         (void)Go();
-        killer.left = calls;
+        killer.left = calls + 1;
         return undo_->Undo().restored == 1;
       });
       if (status != 0) ++cuts;

@@ -30,23 +30,6 @@ Settings From(std::initializer_list<std::pair<const char*, std::string>> texts) 
   return SettingsFrom(values, Ground());
 }
 
-TEST(SettingsStore, FirstStartHasTheDefaults) {
-  const Settings settings = From({});
-  EXPECT_EQ(settings.jobSaving, JobSaving::Automatic);
-  EXPECT_EQ(settings.oldSearchResults, OldSearchResults::Delete);
-  EXPECT_EQ(settings.skinLayout, SkinLayout::Stavora5);
-  EXPECT_TRUE(settings.sourceDirectoryAsTarget);
-  EXPECT_TRUE(settings.useSuffix);
-  EXPECT_EQ(settings.suffix, "cnv");
-  EXPECT_TRUE(settings.overwriteTarget);
-  EXPECT_FALSE(settings.noTargetDefault);
-  EXPECT_EQ(settings.recordMixerPosition, -1);
-  EXPECT_EQ(settings.artworkerLayoutDirectory, "/data/stavora-ts5/layoutdir");
-  EXPECT_EQ(settings.playbackParameterDirectory, "/data/stavora-ts5/stvparamsets");
-  EXPECT_EQ(settings.lastSelectedFolder, "/home/u");
-  EXPECT_EQ(settings.fileSelectPosition, std::nullopt);
-}
-
 TEST(SettingsStore, ValuesThatDoNotFitTakeTheirDefaults) {
   const Settings defaults = From({});
   const std::pair<const char*, std::string> kWrong[] = {
@@ -139,7 +122,7 @@ TEST(SettingsStore, MakesItsDefaultDirectoriesOnly) {
   ASSERT_TRUE(registry);
   SettingsGround ground{.programDirectory = directory.File("data"), .driveRoot = "/", .findPath = {}};
   Settings settings = LoadSettings(*registry, ground);
-  EXPECT_EQ(test::Listing(ground.programDirectory), test::Listing(directory.File("data")));
+  EXPECT_EQ(test::Listing(ground.programDirectory), "layoutdir stvparamsets");
   EXPECT_TRUE(ValidateSettings(settings, FormOf(settings)).Accepted())
       << "a first start passes its own check";
 
@@ -158,7 +141,10 @@ TEST(SettingsStore, ForgetsAMixerLineThatBearsAnotherName) {
     std::int32_t position;
     const char* name;
     bool kept;
-  } kCases[] = {{1, "Line In", true}, {1, "Mikrofon", false}, {2, "Line In", false}};
+  } kCases[] = {{1, "Line In", true},
+                {1, "Mikrofon", false},
+                {2, "Line In", false},
+                {5, "", true}};  // there is nothing to compare
   for (const auto& test : kCases) {
     Settings settings;
     settings.recordMixerPosition = test.position;
@@ -167,10 +153,6 @@ TEST(SettingsStore, ForgetsAMixerLineThatBearsAnotherName) {
     EXPECT_EQ(settings.recordMixerPosition, test.kept ? test.position : -1);
     EXPECT_EQ(settings.recordMixerName, test.kept ? test.name : "");
   }
-  Settings unnamed;
-  unnamed.recordMixerPosition = 5;
-  CheckRecordMixer(unnamed, lines);
-  EXPECT_EQ(unnamed.recordMixerPosition, 5) << "without a name there is nothing to compare";
 }
 
 class SettingsFormCheck : public testing::Test {
@@ -227,15 +209,10 @@ TEST_F(SettingsFormCheck, RefusesInTheOrderOfThePages) {
   EXPECT_TRUE(ValidateSettings(current_, form_).Accepted());
 }
 
-TEST(Backgrounds, AreNeverNone) {
+TEST(Backgrounds, AreNeverNoneAndSurviveTheRegistry) {
   auto registry = Registry::Open(kRegistryInMemory);
   ASSERT_TRUE(registry);
   EXPECT_THAT(LoadBackgrounds(*registry), ElementsAre(Background{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}));
-}
-
-TEST(Backgrounds, SurviveTheRegistry) {
-  auto registry = Registry::Open(kRegistryInMemory);
-  ASSERT_TRUE(registry);
   std::vector<Background> backgrounds;
   for (std::uint32_t i = 0; i < 12; ++i)
     backgrounds.push_back({i, 0xFFFFFF - i, i % 3, "Verlauf " + std::to_string(i)});
