@@ -128,17 +128,6 @@ TEST(ContainerTest, SettingsBlockOfASequencerFile) {
   EXPECT_EQ(sum, 94000U);
 }
 
-TEST(ContainerTest, EveryPairKeepsTheMusic) {
-  const Bytes song =
-      Join({Header(1, 2, 96), Track("00 FF 51 03 07 A1 20 00 FF 2F 00"), Track("00 90 3C 40 00 FF 2F 00")});
-  const Bytes sequencer = *SmfToSequencer(song);
-  const Bytes riff = *SmfToRiff(song, kInfo);
-  EXPECT_EQ(*SequencerToSmf(sequencer), song);
-  EXPECT_EQ(*RiffToSmf(riff), song);
-  EXPECT_EQ(*RiffToSequencer(riff), sequencer);
-  EXPECT_EQ(*SequencerToRiff(sequencer, kInfo), riff);
-}
-
 TEST(ContainerTest, TakesWhatTheHeaderCounts) {
   const Bytes track = Track("00 FF 2F 00");
   const Bytes two = Join({Header(1, 2, 96), track, track});
@@ -248,11 +237,6 @@ TEST(RiffInfoTest, ReadsDamagedLists) {
   EXPECT_THAT(ReadRiffInfo(AsBytes("RIFF")), FailsWith(Outcome::WrongFormat));
   EXPECT_THAT(ReadRiffInfo(kSong), FailsWith(Outcome::WrongFormat));
   EXPECT_THAT(ReadRiffInfo(std::string("/no/such/file")), FailsWith(Outcome::SourceFailed));
-}
-
-TEST(RiffInfoTest, OfARealFile) {
-  EXPECT_EQ(Entries(ReadRiffInfo(DataPath("midi/made_gymnopedie.rmi"))),
-            "IART=E. Satie|ICOP=none|ISBJ=Klavier|ICRD=31/1/2024|");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "midi/converter_fields.h"
@@ -11,6 +12,7 @@
 #include "midi/midi_file.h"
 #include "midi/time_base.h"
 #include "midi_bytes.h"
+#include "platform/base/text.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -43,31 +45,14 @@ TEST(MergeTest, ByteForByte) {
 
 // Each class before the next at the same tick, whichever of them stands in the first track.
 TEST(MergeTest, EqualTicksGoByClass) {
-  const std::vector<std::string> order = {"FF 03 01 41",
-                                          "FF 02 01 41",
-                                          "FF 58 04 04 02 18 08",
-                                          "FF 59 02 00 00",
-                                          "FF 51 03 07 A1 20",
-                                          "FF 04 00",
-                                          "FF 54 05 0000000000",
-                                          "FF 7F 00",
-                                          "FF 01 00",
-                                          "FF 07 00",
-                                          "FF 00 02 0000",
-                                          "FF 06 00",
-                                          "FF 21 01 00",
-                                          "FF 05 00",
-                                          "FF 20 01 00",
-                                          "F0 01 F7",
-                                          "B5 20 01",
-                                          "C5 01",
-                                          "B5 07 64",
-                                          "95 3C 00",
-                                          "95 3C 40",
-                                          "D5 01",
-                                          "A5 3C 01",
-                                          "E5 00 40",
-                                          "F7 01 F8"};
+  // Separated by bars.
+  constexpr std::string_view kOrder =
+      "FF 03 01 41|FF 02 01 41|FF 58 04 04 02 18 08|FF 59 02 00 00|FF 51 03 07 A1 20|FF 04 00|"
+      "FF 54 05 0000000000|FF 7F 00|FF 01 00|FF 07 00|FF 00 02 0000|FF 06 00|FF 21 01 00|FF 05 00|"
+      "FF 20 01 00|F0 01 F7|B5 20 01|C5 01|B5 07 64|95 3C 00|95 3C 40|D5 01|A5 3C 01|E5 00 40|"
+      "F7 01 F8";
+  const std::vector<std::string_view> classes = Split(kOrder, '|');
+  const std::vector<std::string> order(classes.begin(), classes.end());
   for (std::size_t i = 0; i + 1 < order.size(); ++i) {
     for (std::size_t j = i + 1; j < order.size(); ++j) {
       const Bytes first = Track("05 " + order[i] + " 00 FF 2F 00");
@@ -188,6 +173,24 @@ TEST(FormatChangeTest, Refusals) {
   EXPECT_THAT(MergeTracksToFormat0(Join({Header(1, 1, 96), far})), IsOk());
 }
 
+// A file with a program change at each of the ticks, in another time base; the ticks of its events.
+std::vector<std::uint64_t> Rescaled(const std::vector<std::uint64_t>& ticks, std::uint16_t from,
+                                    std::uint16_t to) {
+  ByteWriter events;
+  std::uint64_t last = 0;
+  for (const std::uint64_t tick : ticks) {
+    EXPECT_TRUE(WriteVarLen(tick - std::exchange(last, tick), events));
+    events.Append(Hex("C0 01"));
+  }
+  events.Append(Hex("00 FF 2F 00"));
+  const auto changed = ChangeTimeBase(Join({Header(0, 1, from), Track(events.View())}), to);
+  EXPECT_THAT(changed, IsOk());
+  std::vector<std::uint64_t> found;
+  MidiEventCursor cursor(ByteView(*changed).subspan(22));
+  for (MidiEvent event; cursor.Next(event);) found.push_back(event.tick);
+  return found;
+}
+
 TEST(TimeBaseTest, ByteForByte) {
   // 96 -> 480: every absolute time by five; running status, long forms and what stands in them are kept.
   const Bytes file = Join({Header(1, 2, 96), Track("00 FF 51 03 07 A1 20 60 FF 01 80 01 41 60 FF 2F 05"),
@@ -224,30 +227,18 @@ TEST(TimeBaseTest, RoundsAbsoluteTimesTowardZero) {
 
 // Pieces of many hours, or files with a far-away end: beyond what a float holds, to the tick and in order.
 TEST(TimeBaseTest, FarTicksAreExact) {
-  constexpr std::uint64_t kTicks[] = {3355443,  3355445,  5000001,  16777215,
-                                      16777216, 16777217, 30000001, 45000001};
-  const struct {
-    std::uint16_t from, to;
-  } cases[] = {{96, 480}, {480, 336}, {480, 96}, {120, 768}, {768, 48}};
-  for (const auto& c : cases) {
-    ByteWriter events;
-    std::uint64_t last = 0;
-    for (const std::uint64_t tick : kTicks) {
-      ASSERT_TRUE(WriteVarLen(tick - last, events));
-      events.Append(Hex("C0 01"));
-      last = tick;
-    }
-    events.Append(Hex("00 FF 2F 00"));
-    const auto changed = ChangeTimeBase(Join({Header(0, 1, c.from), Track(events.View())}), c.to);
-    ASSERT_THAT(changed, IsOk());
-    MidiEventCursor cursor(ByteView(*changed).subspan(22));
-    for (const std::uint64_t tick : kTicks) {
-      MidiEvent event;
-      ASSERT_TRUE(cursor.Next(event));
-      const std::uint64_t exact = tick * c.to / c.from;
-      const bool far = std::max(tick, exact) > 1U << 24;
-      EXPECT_NEAR(static_cast<double>(event.tick), static_cast<double>(exact), far ? 0 : 1)
-          << tick << " * " << c.to << " / " << c.from;
+  const std::vector<std::uint64_t> ticks = {3355443,  3355445,  5000001,  16777215,
+                                            16777216, 16777217, 30000001, 45000001};
+  const std::pair<std::uint16_t, std::uint16_t> cases[] = {
+      {96, 480}, {480, 336}, {480, 96}, {120, 768}, {768, 48}};
+  for (const auto& [from, to] : cases) {
+    const auto changed = Rescaled(ticks, from, to);
+    ASSERT_EQ(changed.size(), ticks.size());
+    for (std::size_t i = 0; i < ticks.size(); ++i) {
+      const std::uint64_t exact = ticks[i] * to / from;
+      const bool far = std::max(ticks[i], exact) > 1U << 24;
+      EXPECT_NEAR(static_cast<double>(changed[i]), static_cast<double>(exact), far ? 0 : 1)
+          << ticks[i] << " * " << to << " / " << from;
     }
   }
 }
@@ -256,18 +247,13 @@ TEST(TimeBaseTest, BeatsOfUsualTimeBasesStayBeats) {
   constexpr std::uint16_t kSources[] = {24, 48, 96, 120, 192, 240, 256, 384, 480, 768, 960, 1024};
   for (const std::uint16_t from : kSources) {
     for (const std::uint16_t to : kTimeBases) {
-      ByteWriter events;
-      for (int beat = 0; beat < 2000; ++beat) {
-        ASSERT_TRUE(WriteVarLen(from, events));
-        events.Append(Hex("C0 01"));
+      std::vector<std::uint64_t> before(2000);
+      std::vector<std::uint64_t> after(before.size());
+      for (std::size_t beat = 0; beat < before.size(); ++beat) {
+        before[beat] = (beat + 1) * from;
+        after[beat] = (beat + 1) * to;
       }
-      events.Append(Hex("00 FF 2F 00"));
-      const auto changed = ChangeTimeBase(Join({Header(0, 1, from), Track(events.View())}), to);
-      ASSERT_THAT(changed, IsOk());
-      MidiEventCursor cursor(ByteView(*changed).subspan(22));
-      std::uint64_t beat = 0;
-      for (MidiEvent event; cursor.Next(event);) EXPECT_EQ(event.tick, ++beat * to) << from << " -> " << to;
-      EXPECT_EQ(beat, 2000U);
+      EXPECT_EQ(Rescaled(before, from, to), after) << from << " -> " << to;
     }
   }
 }

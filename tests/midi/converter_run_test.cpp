@@ -39,9 +39,7 @@ TEST(ConverterRunTest, TellsWhatBecameOfEachFile) {
   const RunResult result = RunConverter(
       JobOf({same, plain, text, sequencer, damaged, place.File("none.mid")},
             [](ConverterParameters& p) { p = {}, p.changeFormat = false, p.changeTimeBase = true; }));
-  std::vector<std::int32_t> codes;
-  for (const RunItem& item : result.items) codes.push_back(item.code);
-  EXPECT_THAT(codes, ElementsAre(0x400000, 0x800000, -104, 0x800000, -104, -300));
+  EXPECT_THAT(CodesOf(result), ElementsAre(0x400000, 0x800000, -104, 0x800000, -104, -300));
   EXPECT_EQ(result.counts[0], 3U);
   EXPECT_EQ(result.counts[1], 3U);
   EXPECT_THAT(

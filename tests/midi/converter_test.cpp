@@ -97,10 +97,6 @@ TEST(MidiConverterTest, TheContainerCountsBeforeTheKind) {
   EXPECT_EQ(Convert(song, "f")->flags, kToFormat1);
 }
 
-Result<ConvertedMidi> Converted(ByteView file, const char* options) {
-  return ConvertMidi(file, DetectMidiKind(file).kind, Options(options), TodayUtc());
-}
-
 TEST(MidiConverterTest, AFailingStepEndsTheFile) {
   const Bytes damaged = Join({Header(1, 2, 96), Track("00 FF 2F 00"), Track("60 3C 40 00 FF 2F 00")});
   const struct {
@@ -121,22 +117,8 @@ TEST(MidiConverterTest, AFailingStepEndsTheFile) {
       {"the score variant has its own magic", Join({Header(0, 1, 96, "STVR")}), "c", Outcome::WrongFormat},
   };
   for (const auto& c : cases) {
-    const auto converted = Converted(c.file, c.options);
-    if (c.code == Outcome::Success) {
-      EXPECT_THAT(converted, IsOk()) << c.what;
-    } else {
-      EXPECT_THAT(converted, FailsWith(c.code)) << c.what;
-    }
+    EXPECT_EQ(CodeOf(Convert(c.file, c.options)), c.code) << c.what;
   }
-}
-
-TEST(MidiConverterTest, GivesBytesOnlyWhereSomethingChanged) {
-  const auto same = Converted(kFormat1, "");
-  EXPECT_EQ(same->flags, 0U);
-  EXPECT_TRUE(same->bytes.empty());
-  const auto merged = Converted(kFormat1, "f");
-  EXPECT_EQ(merged->flags, kToFormat0);
-  EXPECT_EQ(merged->bytes, *MergeTracksToFormat0(kFormat1));
 }
 
 TEST(MidiConverterTest, NamesTheTargetByItsContainer) {
@@ -163,10 +145,14 @@ TEST(MidiConverterTest, NamesTheTargetByItsContainer) {
 
 // --- parameters
 
-std::string Saved(const ConverterParameters& parameters) {
+RegistryValues ValuesOf(const ConverterParameters& parameters) {
   RegistryValues values;
   for (const auto& field : ConverterFields()) field.save(parameters, values);
+  return values;
+}
+std::string Saved(const ConverterParameters& parameters) {
   std::string text;
+  const RegistryValues values = ValuesOf(parameters);
   for (const auto& [name, value] : values.All()) text += name + '=' + value.data + ' ';
   return text;
 }
@@ -188,10 +174,8 @@ TEST(ConverterParametersTest, StoreUnderTheirNames) {
             "Subject=Größe SubjectLen=5 ");
   EXPECT_EQ(p.TimeBase(), 768);
 
-  RegistryValues values;
-  for (const auto& field : ConverterFields()) field.save(p, values);
   ConverterParameters loaded;
-  for (const auto& field : ConverterFields()) field.load(loaded, values);
+  for (const auto& field : ConverterFields()) field.load(loaded, ValuesOf(p));
   EXPECT_EQ(Saved(loaded), saved);
 }
 
@@ -261,7 +245,7 @@ TEST(MidiPropertiesTest, WhatAFileHolds) {
                           Pair("Tempoverlauf", "Takt 1: 92,5\nTakt 2: 60"), Pair("Noten", "8"),
                           Pair("Spur 1", "Solo: Violine (Kanal 1), Schlagzeug (Kanal 10), 8 Noten"),
                           Pair("Spur 2", "keine Noten"), Pair("Liedtext", "Der Mond\nist auf")));
-  EXPECT_EQ(InstrumentName(127), "Schuss");
+
   EXPECT_EQ(InstrumentName(-5), InstrumentName(0));
 }
 

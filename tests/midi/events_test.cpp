@@ -12,16 +12,21 @@ namespace {
 
 using namespace test;
 
-TEST(VarLenTest, ReadsAnyLengthAndSaysHowMuchItTook) {
+TEST(VarLenTest, IsWrittenInTheShortestFormAndReadInAny) {
   const struct {
     const char* bytes;
     std::uint32_t value;
     std::size_t size;
+    bool shortest = false;  // of at most four bytes, as it is written
   } cases[] = {
-      {"00", 0, 1},
-      {"7F", 127, 1},
-      {"81 00", 128, 2},
-      {"FF FF FF 7F", kMaxVarLen, 4},
+      {"00", 0, 1, true},
+      {"7F", 127, 1, true},
+      {"81 00", 128, 2, true},
+      {"FF 7F", 0x3FFF, 2, true},
+      {"81 80 00", 0x4000, 3, true},
+      {"FF FF 7F", 0x1FFFFF, 3, true},
+      {"81 80 80 00", 0x200000, 4, true},
+      {"FF FF FF 7F", kMaxVarLen, 4, true},
       {"80 80 80 80 05", 5, 5},  // longer than anyone writes, and still a number
       {"8F FF FF FF 7F", UINT32_MAX, 5},
       {"90 80 80 80 00", kVarLenTooLarge, 5},  // 2^32
@@ -34,25 +39,11 @@ TEST(VarLenTest, ReadsAnyLengthAndSaysHowMuchItTook) {
     const VarLen read = ReadVarLen(Hex(c.bytes));
     EXPECT_EQ(read.size, c.size) << c.bytes;
     EXPECT_EQ(read.value, c.value) << c.bytes;
-  }
-}
-
-TEST(VarLenTest, WritesTheShortestFormOfAtMostFourBytes) {
-  const struct {
-    std::uint64_t value;
-    const char* bytes;
-  } cases[] = {{0, "00"},
-               {127, "7F"},
-               {128, "81 00"},
-               {0x3FFF, "FF 7F"},
-               {0x4000, "81 80 00"},
-               {0x1FFFFF, "FF FF 7F"},
-               {0x200000, "81 80 80 00"},
-               {kMaxVarLen, "FF FF FF 7F"}};
-  for (const auto& c : cases) {
     ByteWriter out;
-    EXPECT_TRUE(WriteVarLen(c.value, out));
-    EXPECT_EQ(Dump(out.View()), c.bytes);
+    if (c.shortest) {
+      EXPECT_TRUE(WriteVarLen(c.value, out));
+      EXPECT_EQ(Dump(out.View()), c.bytes);
+    }
   }
   ByteWriter out;
   EXPECT_FALSE(WriteVarLen(std::uint64_t{kMaxVarLen} + 1, out));

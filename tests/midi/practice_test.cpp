@@ -1,75 +1,40 @@
 // Practising with MIDI files: what a device gets, and when.
 #include <gmock/gmock.h>
 
-#include <functional>
+#include <algorithm>
 #include <vector>
 
 #include "midi/midi_sequencer.h"
 #include "midi/midi_transposer.h"
+#include "midi_bytes.h"
 #include "support/matchers.h"
+#include "support/midi_devices.h"
 
 namespace ts5 {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace test;
 using std::chrono::nanoseconds;
 using testing::ElementsAre;
 using testing::Pair;
 
-// A device whose time goes on as fast as the player says.
-class TimedDevice final : public MidiOutput {
- public:
-  Outcome Send(std::uint32_t message) override {
-    if ((message & 0xE0) == 0x80) {
-      notes.emplace_back(now, message);
-      if (onNote) onNote();
-    }
-    return Outcome::Success;
-  }
-  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
-  bool KeepsTime() const override { return true; }
-  void Elapse(nanoseconds time) override { now += time; }
-
-  // The keys that were struck, and when.
-  [[nodiscard]] std::vector<std::pair<nanoseconds, int>> Struck() const {
-    std::vector<std::pair<nanoseconds, int>> struck;
-    for (const auto& [time, message] : notes) {
-      if ((message & 0xF0) == 0x90 && message >> 16 != 0)
-        struck.emplace_back(time, static_cast<int>(message >> 8 & 0x7F));
-    }
-    return struck;
-  }
-
-  std::vector<std::pair<nanoseconds, std::uint32_t>> notes;
-  nanoseconds now{};
-  std::function<void()> onNote;
-};
+// The keys that were struck, and when.
+std::vector<std::pair<nanoseconds, int>> Struck(const TimedDevice& device) {
+  std::vector<std::pair<nanoseconds, int>> struck;
+  for (const auto& [time, message] : device.Struck())
+    struck.emplace_back(time, static_cast<int>(message >> 8 & 0x7F));
+  return struck;
+}
 
 // Two tracks: five notes of 100 ms one after the other on channel 1, and a long one on channel 2.
 MidiSequence Song() {
-  const auto track = [](const Bytes& body) {
-    ByteWriter out;
-    out.Append("MTrk");
-    out.U32Be(static_cast<std::uint32_t>(body.size() + 4));
-    out.Append(body);
-    out.Append(Bytes{0, 0xFF, 0x2F, 0});
-    return out.Release();
-  };
-  Bytes scale;
-  for (std::uint8_t key = 60; key < 65; ++key) {
-    const Bytes note{0, 0x90, key, 100, 50, 0x80, key, 0};  // 50 ticks of 2 ms
-    scale.insert(scale.end(), note.begin(), note.end());
-  }
-  ByteWriter out;
-  out.Append("MThd");
-  out.U32Be(6);
-  out.U16Be(1);
-  out.U16Be(2);
-  out.U16Be(250);
-  out.Append(track(scale));
-  out.Append(track({0, 0x91, 40, 100, 0x81, 0x7A, 0x81, 40, 0}));
-  auto sequence = MidiSequence::FromFile(out.View());
-  EXPECT_THAT(sequence, test::IsOk());
+  std::string scale;
+  for (const char* key : {"3C", "3D", "3E", "3F", "40"})
+    scale += std::string("00 90 ") + key + "64 32 80" + key + "00";  // 50 ticks of 2 ms
+  auto sequence = MidiSequence::FromFile(Join(
+      {Header(1, 2, 250), Track(scale + "00 FF 2F 00"), Track("00 91 28 64 81 7A 81 28 00 00 FF 2F 00")}));
+  EXPECT_THAT(sequence, IsOk());
   return *std::move(sequence);
 }
 
@@ -79,72 +44,65 @@ Practice OnlyScale() {
   return practice;
 }
 
-TEST(MidiPractice, APassageGoesOverAndOverWithoutDrift) {
+struct MidiPractice : testing::Test {
   const MidiSequence song = Song();
   TimedDevice device;
-  MidiSequencer sequencer(song, device);
+  MidiSequencer sequencer{song, device};
+};
+
+TEST_F(MidiPractice, APassageGoesOverAndOverWithoutDrift) {
   Practice practice = OnlyScale();
   practice.passage = PracticePassage{100ms, 300ms};
   sequencer.Practise(practice);
   sequencer.Seek(100ms);
-  device.onNote = [&] {
-    if (device.Struck().size() == 6) sequencer.Stop();
+  device.onEvent = [&](std::size_t) {
+    if (Struck(device).size() == 6) sequencer.Stop();
   };
   EXPECT_EQ(sequencer.Run(), Outcome::Cancelled);
-  EXPECT_THAT(device.Struck(), ElementsAre(Pair(0ms, 61), Pair(100ms, 62), Pair(200ms, 61), Pair(300ms, 62),
-                                           Pair(400ms, 61), Pair(500ms, 62)));
-  EXPECT_EQ(device.notes.back().second & 0xF0, 0x80U) << "nothing sounds on";
+  EXPECT_THAT(Struck(device), ElementsAre(Pair(0ms, 61), Pair(100ms, 62), Pair(200ms, 61), Pair(300ms, 62),
+                                          Pair(400ms, 61), Pair(500ms, 62)));
+  EXPECT_FALSE(device.events.back().IsStrike()) << "nothing sounds on";
 }
 
-TEST(MidiPractice, ItGoesOnFromThePassageWhenThatIsGivenUp) {
-  const MidiSequence song = Song();
-  TimedDevice device;
-  MidiSequencer sequencer(song, device);
+TEST_F(MidiPractice, ItGoesOnFromThePassageWhenThatIsGivenUp) {
   Practice practice = OnlyScale();
   practice.passage = PracticePassage{0ms, 200ms};
   sequencer.Practise(practice);
-  device.onNote = [&] {
-    if (device.Struck().size() == 4) sequencer.Practise(OnlyScale());
+  device.onEvent = [&](std::size_t) {
+    if (Struck(device).size() == 4) sequencer.Practise(OnlyScale());
   };
   EXPECT_EQ(sequencer.Run(), Outcome::Success);
   std::vector<int> keys;
-  for (const auto& [time, key] : device.Struck()) keys.push_back(key);
+  for (const auto& [time, key] : Struck(device)) keys.push_back(key);
   EXPECT_THAT(keys, ElementsAre(60, 61, 60, 61, 62, 63, 64));
 }
 
-TEST(MidiPractice, HalfTheSpeedTakesTwiceTheTime) {
-  const MidiSequence song = Song();
-  TimedDevice device;
-  MidiSequencer sequencer(song, device);
+TEST_F(MidiPractice, HalfTheSpeedTakesTwiceTheTime) {
   Practice practice = OnlyScale();
   practice.speed = 50;
   sequencer.Practise(practice);
-  device.onNote = [&] {
+  device.onEvent = [&](std::size_t) {
     practice.speed = 200;
-    if (device.Struck().size() == 3) sequencer.Practise(practice);
+    if (Struck(device).size() == 3) sequencer.Practise(practice);
   };
   EXPECT_EQ(sequencer.Run(), Outcome::Success);
-  EXPECT_THAT(device.Struck(),
+  EXPECT_THAT(Struck(device),
               ElementsAre(Pair(0ms, 60), Pair(200ms, 61), Pair(400ms, 62), Pair(450ms, 63), Pair(500ms, 64)));
 }
 
-TEST(MidiPractice, ATrackThatBecomesSilentEndsItsNotesAtOnce) {
-  const MidiSequence song = Song();
-  TimedDevice device;
-  MidiSequencer sequencer(song, device);
+TEST_F(MidiPractice, ATrackThatBecomesSilentEndsItsNotesAtOnce) {
   Practice practice;
   practice.muted = {1};
-  device.onNote = [&] {
-    if (device.Struck().size() == 3) sequencer.Practise(practice);
+  device.onEvent = [&](std::size_t) {
+    if (Struck(device).size() == 3) sequencer.Practise(practice);
   };
   EXPECT_EQ(sequencer.Run(), Outcome::Success);
-  std::vector<std::pair<nanoseconds, std::uint32_t>> second;
-  for (const auto& note : device.notes) {
-    if ((note.second & 0x0F) == 1) second.push_back(note);
-  }
+  std::vector<TimedDevice::Event> second;
+  std::ranges::copy_if(device.events, std::back_inserter(second),
+                       [](const auto& event) { return (event.message & 0xEF) == 0x81; });
   ASSERT_EQ(second.size(), 2U);
-  EXPECT_EQ(second[1].first, 100ms);
-  EXPECT_EQ(second[1].second & 0xF0, 0x80U);
+  EXPECT_EQ(second[1].time, 100ms);
+  EXPECT_FALSE(second[1].IsStrike());
 }
 
 TEST(MidiTransposer, KeysMoveAndEndWhereTheyBegan) {
@@ -165,7 +123,7 @@ TEST(MidiTransposer, KeysMoveAndEndWhereTheyBegan) {
   send(0x91, 60, 90);  // struck again at another key: the first one ends
   send(0x91, 60, 0);
   std::vector<std::uint32_t> sent;
-  for (const auto& [time, message] : device.notes) sent.push_back(message & 0xFFFF);
+  for (const auto& [time, message] : device.events) sent.push_back(message & 0xFFFF);
   EXPECT_THAT(sent, ElementsAre(0x4890, 0x4880, 0x3C99, 0x3091, 0x3081, 0x3C91, 0x3C91));
 }
 

@@ -8,59 +8,26 @@
 #include <thread>
 
 #include "midi/midi_capture.h"
-#include "midi/midi_events.h"
-#include "midi/midi_file.h"
 #include "midi/midi_sequence.h"
 #include "midi/midi_sequencer.h"
+#include "midi_bytes.h"
 #include "support/matchers.h"
+#include "support/midi_devices.h"
 #include "support/test_data.h"
 
 namespace ts5 {
 namespace {
 
-using test::FailsWith;
-using test::IsOk;
+using namespace test;
 using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
 
 // A file of format 1 from the bodies of its tracks; the end of each track is added.
-Bytes File(const std::vector<Bytes>& tracks, std::uint16_t division) {
-  ByteWriter out;
-  out.Append("MThd");
-  out.U32Be(6);
-  out.U16Be(1);
-  out.U16Be(static_cast<std::uint16_t>(tracks.size()));
-  out.U16Be(division);
-  for (const Bytes& track : tracks) {
-    out.Append("MTrk");
-    out.U32Be(static_cast<std::uint32_t>(track.size() + 4));
-    out.Append(track);
-    out.Append(Bytes{0, 0xFF, 0x2F, 0});
-  }
-  return out.Release();
+Bytes File(const std::vector<Bytes>& tracks, unsigned division) {
+  Bytes file = Header(1, static_cast<unsigned>(tracks.size()), division);
+  for (const Bytes& track : tracks) file = Join({file, Track(Join({track, {0, 0xFF, 0x2F, 0}}))});
+  return file;
 }
-
-// Remembers what it gets, and when; says that it has gone after so many messages.
-class RecordingOutput : public MidiOutput {
- public:
-  explicit RecordingOutput(std::size_t lifetime = SIZE_MAX) : lifetime_(lifetime) {}
-  Outcome Send(std::uint32_t message) override {
-    if (messages.size() >= lifetime_) return Outcome::WriteFailed;
-    messages.push_back(message);
-    times.push_back(std::chrono::steady_clock::now());
-    return Outcome::Success;
-  }
-  Outcome SendSystemExclusive(ByteView message) override {
-    exclusive.emplace_back(message.begin(), message.end());
-    return Outcome::Success;
-  }
-  std::vector<std::uint32_t> messages;
-  std::vector<std::chrono::steady_clock::time_point> times;
-  std::vector<Bytes> exclusive;
-
- private:
-  std::size_t lifetime_;
-};
 
 // A device's state by controller, program (with the bank it was chosen from), bend and pressure, as messages
 // leave it; a channel mode message 121 clears the controllers that it clears on a device.
@@ -177,10 +144,10 @@ TEST(MidiSequencer, PlaysInTimeAndEndsWhatSounds) {
   const Bytes file = File({{0, 0x90, 60, 100, 50, 0x90, 62, 100, 50, 62, 0}}, 500);
   const auto sequence = MidiSequence::FromFile(file);
   ASSERT_THAT(sequence, IsOk());
-  RecordingOutput output;
+  TimedDevice output;
   EXPECT_THAT(MidiSequencer(*sequence, output).Run(), IsOk());
-  EXPECT_EQ(output.messages, (std::vector<std::uint32_t>{0x643C90, 0x643E90, 0x003E90, 0x403C80}));
-  EXPECT_GE(output.times[2] - output.times[0], 100ms);
+  EXPECT_EQ(output.events, (std::vector<TimedDevice::Event>{
+                               {0ms, 0x643C90}, {50ms, 0x643E90}, {100ms, 0x003E90}, {100ms, 0x403C80}}));
 }
 
 TEST(MidiSequencer, SeeksPausesAndStops) {
@@ -189,7 +156,11 @@ TEST(MidiSequencer, SeeksPausesAndStops) {
       File({{0, 0xC0, 7, 0x87, 0x68, 0x90, 60, 100, 0x87, 0x68, 0x90, 64, 100, 0x87, 0x68, 64, 0}}, 500);
   const auto sequence = MidiSequence::FromFile(file);
   ASSERT_THAT(sequence, IsOk());
-  RecordingOutput output;
+  std::vector<std::uint32_t> sent;
+  FakeDevice output([&](std::uint32_t message) {
+    sent.push_back(message);
+    return Outcome::Success;
+  });
   MidiSequencer sequencer(*sequence, output);
   sequencer.Seek(2s);
   sequencer.Pause();
@@ -202,7 +173,7 @@ TEST(MidiSequencer, SeeksPausesAndStops) {
   sequencer.Stop();
   thread.join();
   EXPECT_EQ(result, Outcome::Cancelled);
-  EXPECT_EQ(output.messages, (std::vector<std::uint32_t>{0x0007C0, 0x644090, 0x404080}));
+  EXPECT_EQ(sent, (std::vector<std::uint32_t>{0x0007C0, 0x644090, 0x404080}));
 }
 
 TEST(MidiSequencer, APauseCutsOffWhatThePedalHoldsAndASeekBackLetsGoOfIt) {
@@ -211,7 +182,11 @@ TEST(MidiSequencer, APauseCutsOffWhatThePedalHoldsAndASeekBackLetsGoOfIt) {
       File({{0, 0x91, 60, 100, 100, 0xB1, 64, 127, 1, 0x81, 60, 0, 0x83, 0xD2, 0x7B, 0x91, 62, 0}}, 500);
   const auto sequence = MidiSequence::FromFile(file);
   ASSERT_THAT(sequence, IsOk());
-  RecordingOutput output;
+  std::vector<std::uint32_t> sent;
+  FakeDevice output([&](std::uint32_t message) {
+    sent.push_back(message);
+    return Outcome::Success;
+  });
   MidiSequencer sequencer(*sequence, output);
   Outcome result = Outcome::Success;
   std::jthread thread([&] { result = sequencer.Run(); });
@@ -228,26 +203,25 @@ TEST(MidiSequencer, APauseCutsOffWhatThePedalHoldsAndASeekBackLetsGoOfIt) {
   sequencer.Stop();
   thread.join();
   EXPECT_EQ(result, Outcome::Cancelled);
-  ASSERT_GT(output.messages.size(), 4U);
-  output.messages.resize(std::min(output.messages.size(), std::size_t{4 + 64}));
-  EXPECT_EQ(output.messages[2], 0x003C81U);
-  EXPECT_EQ(output.messages[3], 0x0078B1U) << "the pause: all sound off, on the channel that sounds only";
-  const auto pedalUp = std::ranges::find(output.messages, 0x0040B1U);
-  EXPECT_NE(pedalUp, output.messages.end()) << "before the pedal went down it is up";
+  ASSERT_GT(sent.size(), 4U);
+  sent.resize(std::min(sent.size(), std::size_t{4 + 64}));
+  EXPECT_EQ(sent[2], 0x003C81U);
+  EXPECT_EQ(sent[3], 0x0078B1U) << "the pause: all sound off, on the channel that sounds only";
+  const auto pedalUp = std::ranges::find(sent, 0x0040B1U);
+  EXPECT_NE(pedalUp, sent.end()) << "before the pedal went down it is up";
 }
 
 TEST(MidiSequencer, ADeviceThatGoesAwayEndsIt) {
   const auto sequence = MidiSequence::FromFile(File({{0, 0x90, 60, 1, 1, 61, 1, 1, 62, 1}}, 500));
   ASSERT_THAT(sequence, IsOk());
-  RecordingOutput output(1);
+  TimedDevice output;
+  output.failsAt = 1;
   EXPECT_EQ(MidiSequencer(*sequence, output).Run(), Outcome::WriteFailed);
 }
 
 TEST(MidiSequencer, ADeviceThatGoesAwayInALongRestOrAPauseEndsItAsWell) {
-  class Mortal final : public MidiOutput {
-   public:
-    Outcome Send(std::uint32_t /*message*/) override { return Outcome::Success; }
-    Outcome SendSystemExclusive(ByteView /*message*/) override { return Outcome::Success; }
+  struct Mortal : FakeDevice {
+    Mortal() : FakeDevice([](std::uint32_t) { return Outcome::Success; }) {}
     bool Alive() override { return alive; }
     std::atomic<bool> alive = true;
   };
