@@ -29,14 +29,9 @@ class ScoreConverterRun : public testing::Test {
     Job job = ListJob(files, module_);
     job.parameters = ParametersValue(std::make_unique<ScoreToMidiParameters>(parameters_));
     RunSetup setup;
-    setup.job = job;
-    setup.destination = rules;
     setup.settings.playbackParameterDirectory = sets;
-    ts5::Run run(std::move(setup), module_, job.run.Shared(), host_);
     if (cancelled_) job.run->cancelRequest = kUserStop;
-    module_.run(run);
-    run.Finish();
-    return host_->results.back();
+    return RunJob(job, module_, rules, host_, std::move(setup));
   }
   std::string Score(const std::string& name, const ScoreDocument& document) {
     return place_.Write(name, AsText(WriteScore(document)));
@@ -65,9 +60,7 @@ TEST_F(ScoreConverterRun, TellsWhatBecameOfEachScore) {
       Convert({Score("gut.stv", OneVoice({Quarter()})), place_.Write("alt.stv", AsText(OldScore(1, false))),
                place_.Write("text.stv", "keine Partitur"), Score("leer.stv", OneVoice({})),
                Score("kaputt.stv", damaged), place_.File("fehlt.stv")});
-  std::vector<std::int32_t> codes;
-  for (const RunItem& item : result.items) codes.push_back(item.code);
-  EXPECT_THAT(codes, ElementsAre(0, -1001, -104, -12, -1000, -300));
+  EXPECT_THAT(CodesOf(result), ElementsAre(0, -1001, -104, -12, -1000, -300));
   EXPECT_EQ(TitleText(result), "Ergebnisse der Partitur-Midi-Konvertierung");
   EXPECT_TRUE(result.show);
   EXPECT_EQ(Lines(result)[0], (RunLine{"Erfolgreich konvertierte Dateien:", 1}));
@@ -133,14 +126,6 @@ TEST_F(ScoreConverterRun, WritesWhatThePagesSay) {
   (void)Convert({score, other}, {.overwrite = OverwritePolicy::Replace});
   EXPECT_EQ(Velocity("lied.mid"), 0U);
   EXPECT_EQ(Velocity("anderes.mid"), 90U);
-}
-
-TEST_F(ScoreConverterRun, WorksAsItComes) {
-  const std::string score = place_.Write("lied.stv", AsText(WriteScore(OneVoice({Quarter()}))));
-  parameters_ = {};
-  const RunResult result = Convert({score}, {.overwrite = OverwritePolicy::Replace});
-  EXPECT_EQ(result.items.at(0).code, 0);
-  EXPECT_GT(Velocity("lied.mid"), 0U);
 }
 
 }  // namespace

@@ -128,8 +128,7 @@ TEST(ParameterSets, WithHolesAreRefused) {
     ASSERT_TRUE(profile.Erase(row.section, row.key)) << row.key;
     PlaybackParameters parameters;
     EXPECT_EQ(ReadParameterSet(profile, kVoices, parameters), row.outcome) << row.key;
-    EXPECT_EQ(parameters.articulation,
-              row.key != "ArticulationYN" && row.key != "Stop!!" ? true : row.key == "Stop!!");
+    EXPECT_EQ(parameters.articulation, row.key != "ArticulationYN");
   }
 }
 

@@ -18,6 +18,7 @@
 #include "score/score_player.h"
 #include "score_log.h"
 #include "support/matchers.h"
+#include "support/midi_devices.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -29,52 +30,7 @@ using std::chrono::nanoseconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-std::vector<std::string> DemoScores() {
-  std::vector<std::string> scores;
-  for (const auto& file : std::filesystem::directory_iterator(DataPath("../../demo"))) {
-    if (file.path().extension() == ".stv") scores.push_back(file.path().string());
-  }
-  return scores;
-}
-
-// A device whose time goes on as fast as the player says; what happens at each of its events is up to a test.
-class TimedDevice final : public MidiOutput {
- public:
-  struct Event {
-    nanoseconds time;
-    std::uint32_t message;
-    auto operator<=>(const Event&) const = default;
-  };
-  Outcome Send(std::uint32_t message) override {
-    if (events.size() == failsAt) return Outcome::WriteFailed;
-    events.push_back({now, message});
-    if (onEvent) onEvent(events.size());
-    return Outcome::Success;
-  }
-  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
-  bool KeepsTime() const override { return true; }
-  void Elapse(nanoseconds time) override {
-    now += time;
-    if (onTime) onTime(now);
-  }
-
-  // Strikes that were not released, by channel and key.
-  [[nodiscard]] int Sounding() const {
-    std::map<std::uint32_t, int> keys;
-    for (const Event& event : events) {
-      if ((event.message & 0xF0) == 0x90) keys[event.message & 0xFFFF] += event.message >> 16 != 0 ? 1 : -1;
-    }
-    return static_cast<int>(std::ranges::count_if(keys, [](const auto& key) { return key.second != 0; }));
-  }
-
-  std::vector<Event> events;
-  nanoseconds now{};
-  std::size_t failsAt = SIZE_MAX;
-  std::function<void(std::size_t)> onEvent;
-  std::function<void(nanoseconds)> onTime;
-};
-
-// A score on that device.
+// A score on a device with a time of its own.
 struct Stand {
   explicit Stand(Bytes file, const ScoreParameters& chosen = {}) : stage(chosen) { Open(std::move(file)); }
 
@@ -107,8 +63,7 @@ struct Stand {
 
 Bytes FileOf(const std::string& path) {
   const std::string content = test::Content(path);
-  const ByteView bytes = AsBytes(content);
-  return {bytes.begin(), bytes.end()};
+  return {content.begin(), content.end()};
 }
 
 // Within a tick each channel keeps its order; that of the channels to each other is not heard.
@@ -205,30 +160,28 @@ ScoreDocument TwoStaves() {
 TEST(ScorePlayer, WhatTheUserChangesIsHeardAtTheNextStep) {
   Stand stand(WriteScore(TwoStaves()));
   const ScoreAtHand at = DescribeScore("", stand.score);
-  int stage = 0;
   std::vector<std::size_t> marks;
   BarBeat place;
   std::vector<bool> lit;
+  ScoreParameters parameters = stand.stage.Parameters();
+  const std::pair<nanoseconds, std::function<void()>> steps[] = {
+      {1100ms,
+       [&] {
+         place = stand.performer->Place();
+         lit = stand.stage.Look().sounding;
+         ChooseSound(at, parameters, 0, 40);
+       }},
+      {2s, [&] { ChooseChannel(at, parameters, 1, 0, 12); }},
+      {3s,
+       [&] {
+         parameters.silentStaves = {true, false};
+       }},
+      {4s, [&] { stand.stage.HoldTempo(240); }},
+  };
   stand.device.onTime = [&](nanoseconds now) {
-    const auto reach = [&](nanoseconds time) { return now >= time && marks.size() == std::size_t(stage); };
-    ScoreParameters parameters = stand.stage.Parameters();
-    if (stage == 0 && reach(1100ms)) {
-      place = stand.performer->Place();
-      lit = stand.stage.Look().sounding;
-      ChooseSound(at, parameters, 0, 40);
-      stand.stage.SetParameters(parameters);
-    } else if (stage == 1 && reach(2s)) {
-      ChooseChannel(at, parameters, 1, 0, 12);
-      stand.stage.SetParameters(parameters);
-    } else if (stage == 2 && reach(3s)) {
-      parameters.silentStaves = {true, false};
-      stand.stage.SetParameters(parameters);
-    } else if (stage == 3 && reach(4s)) {
-      stand.stage.HoldTempo(240);
-    } else {
-      return;
-    }
-    ++stage;
+    if (marks.size() == std::size(steps) || now < steps[marks.size()].first) return;
+    steps[marks.size()].second();
+    stand.stage.SetParameters(parameters);
     marks.push_back(stand.device.events.size());
   };
   EXPECT_THAT(stand.performer->Run(), IsOk());
@@ -315,13 +268,9 @@ class ScorePlayerRun : public testing::Test {
     Job job = ListJob(files, module_);
     job.parameters = ParametersValue(std::make_unique<ScorePlayerParameters>(parameters));
     RunSetup setup;
-    setup.job = job;
     setup.devices.output = device;
     setup.settings.playbackParameterDirectory = folder_.Path();
-    ts5::Run run(std::move(setup), module_, job.run.Shared(), host_);
-    module_.run(run);
-    run.Finish();
-    return host_->results.back();
+    return RunJob(job, module_, {}, host_, std::move(setup));
   }
   std::string Score(const std::string& name, const ScoreDocument& document) {
     return folder_.Write(name, AsText(WriteScore(document)));
@@ -348,9 +297,7 @@ TEST_F(ScorePlayerRun, SaysOfEachScoreWhyItCouldNotBePlayed) {
                                           Score("leer.stv", OneVoice({})),
                                           Score("gut.stv", OneVoice({Quarter(), Quarter()}))};
   const RunResult result = Play(files, {}, "null");
-  std::vector<std::int32_t> codes;
-  for (const RunItem& item : result.items) codes.push_back(item.code);
-  EXPECT_THAT(codes, ElementsAre(-104, -300, 0, -12, 0));
+  EXPECT_THAT(CodesOf(result), ElementsAre(-104, -300, 0, -12, 0));
   EXPECT_THAT((std::vector{result.counts[0], result.counts[1], result.counts[2]}), ElementsAre(2, 2, 3));
   EXPECT_EQ(TitleText(result), "Stavora-Playback beendet");
   EXPECT_FALSE(result.show);
@@ -390,15 +337,6 @@ TEST_F(ScorePlayerRun, TakesTheParameterSetOfTheScoresNameAndGoesOnWithoutADamag
   EXPECT_EQ(loudest(), 90U);
 }
 
-// The notes that were struck, and when.
-std::vector<TimedDevice::Event> Struck(const TimedDevice& device) {
-  std::vector<TimedDevice::Event> struck;
-  std::ranges::copy_if(device.events, std::back_inserter(struck), [](const TimedDevice::Event& event) {
-    return (event.message & 0xF0) == 0x90 && event.message >> 16 != 0;
-  });
-  return struck;
-}
-
 TEST(ScorePractice, BarsBeginInOrderAndFillTheScore) {
   for (const std::string& path : DemoScores()) {
     SCOPED_TRACE(path);
@@ -427,7 +365,7 @@ TEST(ScorePractice, APassageOfBarsSoundsTheSameEachTime) {
   EXPECT_EQ(stand.performer->Run(), Outcome::Cancelled);
   EXPECT_EQ(stand.device.Sounding(), 0);
   std::vector<std::uint32_t> rounds[2];
-  for (const auto& [time, message] : Struck(stand.device)) {
+  for (const auto& [time, message] : stand.device.Struck()) {
     const auto number = static_cast<std::size_t>((time + 1ms) / round);
     if (number < 2) rounds[number].push_back(message);
   }
@@ -441,7 +379,7 @@ TEST(ScorePractice, SilentStavesAreNotStruckAndTheOthersStay) {
     stand.performer->Practise(practice);
     EXPECT_EQ(stand.performer->Run(), Outcome::Success);
     EXPECT_EQ(stand.device.Sounding(), 0);
-    return Struck(stand.device);
+    return stand.device.Struck();
   };
   Practice first;
   first.solo = {0};
