@@ -368,7 +368,7 @@ TEST(MediaEngineTest, TellsPositionsAndTheEndOnce) {
 TEST(MediaEngineTest, AStopLeavesTheRestAndSilencesTheEvents) {
   EngineRun run(std::chrono::milliseconds(5), 2'000'000);
   ASSERT_THAT(run.engine.Start(run.Events()), IsOk());
-  std::this_thread::sleep_for(std::chrono::milliseconds(120));
+  EXPECT_TRUE(run.loop.RunUntil([&] { return !run.positions.empty(); }));
   run.engine.Stop();
   EXPECT_LT(run.sink->samples, 2'000'000U);
   EXPECT_EQ(run.engine.GetState(), MediaEngine::State::Built);

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <filesystem>
 #include <mutex>
 #include <thread>
 
@@ -21,6 +20,7 @@
 #include "search/score_search.h"
 #include "search/track_matcher.h"
 #include "support/matchers.h"
+#include "support/midi_devices.h"
 #include "support/test_data.h"
 #include "track_builder.h"
 
@@ -30,16 +30,27 @@ namespace {
 using namespace std::chrono_literals;
 using test::TrackBuilder;
 
-std::vector<SearchHit> Search(ByteView file, const std::string& path, const char* melody,
-                              SearchOptions options) {
-  std::vector<SearchHit> hits;
-  const MelodyQuery query{MelodyFromNumbers(melody)->elements, options};
-  const HitSink sink = [&](const SearchHit& hit) {
+HitSink Into(std::vector<SearchHit>& hits) {
+  return [&hits](const SearchHit& hit) {
     hits.push_back(hit);
     return Outcome::Success;
   };
-  (void)SearchMidiImage(file, path, query, sink, {});
+}
+MelodyQuery Query(const char* melody, SearchOptions options = {}) {
+  return {MelodyFromNumbers(melody)->elements, options};
+}
+std::vector<SearchHit> Search(ByteView file, const std::string& path, const char* melody,
+                              SearchOptions options) {
+  std::vector<SearchHit> hits;
+  (void)SearchMidiImage(file, path, Query(melody, options), Into(hits), {});
   return hits;
+}
+// Any rise of two steps.
+SearchOptions Loose() {
+  SearchOptions options;
+  options.rhythm = RhythmMode::Any;
+  options.pitch = PitchMode::Relative;
+  return options;
 }
 
 // Quarters from key 60 upwards, 192 ticks each, every one ended.
@@ -148,9 +159,6 @@ TEST(HitExcerptTest, TwoBarsOfTheTrackStandAlone) {
 }
 
 TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {
-  SearchOptions options;
-  options.rhythm = RhythmMode::Any;
-  options.pitch = PitchMode::Relative;
   std::size_t checked = 0;
   for (const char* name :
        {"midi/mutopia_maple-leaf-rag.mid", "midi/mutopia_debussy-arabesque-no1.mid",
@@ -159,7 +167,7 @@ TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {
     const std::string path = test::DataPath(name);
     const auto file = ReadFile(path);
     ASSERT_THAT(file, test::IsOk());
-    for (const SearchHit& hit : Search(*file, path, "60:240,62:240,64:240", options)) {
+    for (const SearchHit& hit : Search(*file, path, "60:240,62:240,64:240", Loose())) {
       const auto passage = FindHitPassage(*file, hit, 3);
       ASSERT_THAT(passage, test::IsOk());
       EXPECT_LE(passage->bar, passage->onset);
@@ -175,20 +183,12 @@ TEST(HitPassageTest, EveryHitInRealFilesIsFoundAgain) {
 }
 
 TEST(HitPassageTest, EveryHitInAScoreIsFoundAgainWhereItsFirstNoteSounds) {
-  SearchOptions options;
-  options.rhythm = RhythmMode::Any;
-  options.pitch = PitchMode::Relative;
-  const MelodyQuery query{MelodyFromNumbers("60:240,62:240,64:240")->elements, options};
+  const MelodyQuery query = Query("60:240,62:240,64:240", Loose());
   std::size_t checked = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(test::DataPath("../../demo"))) {
-    if (entry.path().extension() != ".stv") continue;
-    SCOPED_TRACE(entry.path());
+  for (const std::string& path : test::DemoScores()) {
+    SCOPED_TRACE(path);
     std::vector<SearchHit> hits;
-    const HitSink sink = [&](const SearchHit& hit) {
-      hits.push_back(hit);
-      return Outcome::Success;
-    };
-    EXPECT_EQ(SearchScoreFile(entry.path().string(), query, sink, {}).code, Outcome::Success);
+    EXPECT_EQ(SearchScoreFile(path, query, Into(hits), {}).code, Outcome::Success);
     for (const SearchHit& hit : hits) {
       const auto playable = LoadPlayableHit(hit, 3);
       ASSERT_THAT(playable, test::IsOk());
@@ -225,18 +225,13 @@ TEST(HitPassageTest, AStaffThatComesInLateIsHeardThere) {
   score.systems[1].staves = {{0, {}, {VoiceItems(4, quarter(test::kE))}}, {1, {}, {tune}}};
   const test::TemporaryDirectory directory;
   const std::string path = directory.Write("a.stv", AsText(WriteScore(score)));
-  SearchHit found;
-  const HitSink sink = [&](const SearchHit& hit) {
-    found = hit;
-    return Outcome::Success;
-  };
-  const MelodyQuery query{MelodyFromNumbers("60:240,62:240")->elements, {}};
-  ASSERT_EQ(SearchScoreFile(path, query, sink, {}).hits, 1U);
-  const auto playable = LoadPlayableHit(found, 2);
+  std::vector<SearchHit> found;
+  ASSERT_EQ(SearchScoreFile(path, Query("60:240,62:240"), Into(found), {}).hits, 1U);
+  const auto playable = LoadPlayableHit(found[0], 2);
   ASSERT_THAT(playable, test::IsOk());
   EXPECT_EQ(playable->sequence.TickAt(playable->bar), 2U * 1920);
   EXPECT_EQ(playable->sequence.TickAt(playable->onset), 2U * 1920 + 480);
-  EXPECT_THAT(LoadPlayableHit(found, 2, [] { return true; }), test::FailsWith(Outcome::Cancelled));
+  EXPECT_THAT(LoadPlayableHit(found[0], 2, [] { return true; }), test::FailsWith(Outcome::Cancelled));
 }
 
 TEST(HitPassageTest, TimesFollowTheTempoMap) {
@@ -255,33 +250,6 @@ TEST(HitPassageTest, TimesFollowTheTempoMap) {
 
 // --- the player
 
-struct Heard {
-  std::mutex mutex;
-  std::vector<int> keys;
-  std::atomic<bool> closed = false;
-  std::atomic<int> lastUntilGone = 1'000'000;  // messages that the device still takes
-};
-
-class HeardOutput : public MidiOutput {
- public:
-  explicit HeardOutput(Heard& heard) : heard_(heard) {}
-  Outcome Send(std::uint32_t message) override {
-    if (--heard_.lastUntilGone < 0) return Outcome::WriteFailed;
-    const std::lock_guard lock(heard_.mutex);
-    if ((message & 0xF0) == 0x90 && message >> 16 != 0)
-      heard_.keys.push_back(static_cast<int>(message >> 8 & 0x7F));
-    return Outcome::Success;
-  }
-  Outcome SendSystemExclusive(ByteView) override { return Outcome::Success; }
-  Outcome Close() override {
-    heard_.closed = true;
-    return Outcome::Success;
-  }
-
- private:
-  Heard& heard_;
-};
-
 class HitPlayerTest : public testing::Test {
  protected:
   // At 2400 quarters a minute, so that nobody waits.
@@ -291,28 +259,43 @@ class HitPlayerTest : public testing::Test {
     const std::string path = directory_.Write("a.mid", AsText(file));
     hit_ = Search(file, path, "65:240,66:240", {}).at(0);
   }
-  // Plays and waits for the end.
-  Outcome Play(const HitPlayer::Opener& open) {
+  // Plays and waits for the end; meanwhile acts.
+  static Outcome PlayOn(HitPlayer& player, const SearchHit& hit, std::size_t notes,
+                        const HitPlayer::Opener& open, const std::function<void()>& act = {}) {
     std::atomic<int> result = 1;
-    HitPlayer player;
-    player.Start(hit_, 2, open, [&](Outcome outcome) { result = Code(outcome); });
+    player.Start(hit, notes, open, [&](Outcome outcome) { result = Code(outcome); });
+    if (act) act();
     while (result == 1) std::this_thread::sleep_for(1ms);
     EXPECT_FALSE(player.Playing());
     return static_cast<Outcome>(result.load());
   }
+  Outcome Play(const HitPlayer::Opener& open) {
+    HitPlayer player;
+    return PlayOn(player, hit_, 2, open);
+  }
 
   test::TemporaryDirectory directory_;
   SearchHit hit_;
-  Heard heard_;
+  std::mutex mutex_;
+  std::vector<int> keys_;
+  std::atomic<bool> closed_ = false;
+  std::atomic<int> lastUntilGone_ = 1'000'000;  // messages that the device still takes
   HitPlayer::Opener open_ = [this]() -> Result<std::unique_ptr<MidiOutput>> {
-    return std::make_unique<HeardOutput>(heard_);
+    const auto send = [this](std::uint32_t message) {
+      if (--lastUntilGone_ < 0) return Outcome::WriteFailed;
+      const std::lock_guard lock(mutex_);
+      if ((message & 0xF0) == 0x90 && message >> 16 != 0)
+        keys_.push_back(static_cast<int>(message >> 8 & 0x7F));
+      return Outcome::Success;
+    };
+    return std::make_unique<test::FakeDevice>(send, [this] { closed_ = true; });
   };
 };
 
 TEST_F(HitPlayerTest, PlaysThePassageAndNothingElse) {
   EXPECT_EQ(Play(open_), Outcome::Success);
-  EXPECT_EQ(heard_.keys, (std::vector<int>{64, 65, 66, 67})) << "the second bar";
-  EXPECT_TRUE(heard_.closed);
+  EXPECT_EQ(keys_, (std::vector<int>{64, 65, 66, 67})) << "the second bar";
+  EXPECT_TRUE(closed_);
 }
 
 TEST_F(HitPlayerTest, PlaysTheBarOfAScore) {
@@ -327,11 +310,11 @@ TEST_F(HitPlayerTest, PlaysTheBarOfAScore) {
   hit_.firstObject = 5;  // the first note of the second bar
   hit_.lastObject = 6;
   EXPECT_EQ(Play(open_), Outcome::Success);
-  EXPECT_EQ(heard_.keys, (std::vector<int>{64, 62}));
+  EXPECT_EQ(keys_, (std::vector<int>{64, 62}));
 }
 
 TEST_F(HitPlayerTest, SaysWhyItEnded) {
-  heard_.lastUntilGone = 3;
+  lastUntilGone_ = 3;
   EXPECT_EQ(Play(open_), Outcome::WriteFailed);
   EXPECT_EQ(Play([]() -> Result<std::unique_ptr<MidiOutput>> { return Failure(Outcome::TargetFailed); }),
             Outcome::TargetFailed);
@@ -345,17 +328,15 @@ TEST_F(HitPlayerTest, AStopEndsItAtOnceAndTheNextHitCanPlay) {
       0);
   SearchHit hit;
   hit.file = directory_.Write("slow.mid", AsText(slow));
-  std::atomic<int> result = 1;
   HitPlayer player;
-  player.Start(hit, 1, open_, [&](Outcome outcome) { result = Code(outcome); });
-  while (heard_.lastUntilGone == 1'000'000) std::this_thread::sleep_for(1ms);
-  player.Stop();
-  while (result == 1) std::this_thread::sleep_for(1ms);
-  EXPECT_EQ(result, Code(Outcome::Cancelled));
-  EXPECT_TRUE(heard_.closed);
-  player.Start(hit_, 2, open_, [&](Outcome outcome) { result = Code(outcome); });
-  while (result == Code(Outcome::Cancelled)) std::this_thread::sleep_for(1ms);
-  EXPECT_EQ(result, Code(Outcome::Success));
+  EXPECT_EQ(PlayOn(player, hit, 1, open_,
+                   [&] {
+                     while (lastUntilGone_ == 1'000'000) std::this_thread::sleep_for(1ms);
+                     player.Stop();
+                   }),
+            Outcome::Cancelled);
+  EXPECT_TRUE(closed_);
+  EXPECT_EQ(PlayOn(player, hit_, 2, open_), Outcome::Success);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "search/note_names.h"
+#include "support/midi_devices.h"
 
 namespace ts5 {
 namespace {
@@ -31,28 +32,16 @@ TEST(MelodyPlayer, StepsFollowTheCodesAndTheTempo) {
 }
 
 struct Sent {
-  std::mutex mutex;
+  std::unique_ptr<MidiOutput> Device(Outcome outcome = Outcome::Success) {
+    return std::make_unique<test::FakeDevice>(
+        [this, outcome](std::uint32_t message) {
+          messages.push_back(message);
+          return outcome;
+        },
+        [this] { closed = true; });
+  }
   std::vector<std::uint32_t> messages;
   bool closed = false;
-};
-
-class SharedOutput final : public MidiOutput {
- public:
-  SharedOutput(Sent& sent, bool gone) : sent_(sent), gone_(gone) {}
-  Outcome Send(std::uint32_t message) override {
-    const std::lock_guard lock(sent_.mutex);
-    sent_.messages.push_back(message);
-    return gone_ ? Outcome::WriteFailed : Outcome::Success;
-  }
-  Outcome SendSystemExclusive(ByteView /*message*/) override { return Outcome::Success; }
-  Outcome Close() override {
-    sent_.closed = true;
-    return Outcome::Success;
-  }
-
- private:
-  Sent& sent_;
-  bool gone_;
 };
 
 TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
@@ -60,7 +49,7 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
   Sent sent;
   std::atomic<int> ended = 0;
   MelodyPlayer player;
-  player.Start(melody, std::make_unique<SharedOutput>(sent, false), 240, 19, [&](Outcome) { ++ended; });
+  player.Start(melody, sent.Device(), 240, 19, [&](Outcome) { ++ended; });
   while (ended == 0) std::this_thread::sleep_for(1ms);
   EXPECT_FALSE(player.Playing());
   EXPECT_TRUE(sent.closed);
@@ -68,7 +57,7 @@ TEST(MelodyPlayer, PlaysToTheEndOrUntilStopped) {
 
   Sent stopped;
   const std::vector<MelodyElement> endless(1000, Note(60, 32767));
-  player.Start(endless, std::make_unique<SharedOutput>(stopped, false), 10, 0, [&](Outcome) { ++ended; });
+  player.Start(endless, stopped.Device(), 10, 0, [&](Outcome) { ++ended; });
   EXPECT_TRUE(player.Playing());
   player.Stop();
   EXPECT_TRUE(stopped.closed);
@@ -80,7 +69,7 @@ TEST(MelodyPlayer, ADeviceThatHasGoneEndsIt) {
   Sent sent;
   std::atomic<int> ended = 1;
   MelodyPlayer player;
-  player.Start(std::vector(100, Note(60, 32767)), std::make_unique<SharedOutput>(sent, true), 10, 0,
+  player.Start(std::vector(100, Note(60, 32767)), sent.Device(Outcome::WriteFailed), 10, 0,
                [&](Outcome outcome) { ended = Code(outcome); });
   while (ended == 1) std::this_thread::sleep_for(1ms);
   EXPECT_EQ(ended, Code(Outcome::WriteFailed));

@@ -165,17 +165,6 @@ TEST(MidiSearchTest, DamageMakesAFileUnsuitable) {
   }
 }
 
-TEST(MidiSearchTest, DrumsOfAnOnlyTrack) {
-  TrackBuilder track;
-  track.Note(0, 60).Note(kQuarter, 62).Note(kQuarter, 64).Note(kQuarter, 36, 100, 9);
-  track.Note(kQuarter, 60).Note(kQuarter, 62).Note(kQuarter, 64);
-  const Bytes file = MidiImage({track.End(kQuarter)});
-  EXPECT_THAT(Search(file).places, ElementsAre(Place{0, 0, 0}));
-  MelodyQuery query = Query();
-  query.options.drumTrack = true;
-  EXPECT_THAT(Search(file, query).places, ElementsAre(Place{0, 0, 0}, Place{0, 1, 2000}));
-}
-
 // A stop is heard at any place of one huge file: while it is read, in the scan for signatures, in a track
 // without notes, and in the look for the onset behind the last note.
 TEST(MidiSearchTest, AStopIsHeardInsideOneHugeFile) {

@@ -170,22 +170,6 @@ TEST(NoteEditorTest, MouseAndKeyboardEnterWhatTheyMean) {
   EXPECT_EQ(ElementAt(melody.elements, melody.clef, drawn.x + 3, drawn.place + 4), std::nullopt);
 }
 
-TEST(NoteCommandsTest, EveryKeyMeansOneCommand) {
-  std::set<char> characters;
-  std::set<EditorKey> keys;
-  for (const NoteCommandRow& row : NoteCommands()) {
-    if (row.character != 0) {
-      EXPECT_TRUE(characters.insert(row.character).second) << row.character;
-    }
-    if (row.key != EditorKey::None) {
-      EXPECT_TRUE(keys.insert(row.key).second);
-    }
-  }
-  EXPECT_EQ(characters.size(), 14u + 1 + 3 + 1 + 6);
-  EXPECT_EQ(CommandOfCharacter('b'), std::nullopt);
-  EXPECT_EQ(CommandOfCharacter('\0'), std::nullopt);
-}
-
 TEST(NoteLayoutTest, StaffPlacesAndLedgerLines) {
   struct Case {
     std::int16_t pitch;

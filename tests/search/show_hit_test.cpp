@@ -119,20 +119,22 @@ struct Siblings {
 };
 
 TEST(ShowHitTest, TheSequencerIsStartedOrRaised) {
-  const SiblingProgram sequencer = {"/bin/rondelis", "Rondelis"};
-  Siblings running;
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, running.Services()), std::nullopt);
-  EXPECT_THAT(running.log, ElementsAre("raise Rondelis", "send 2"));
-  Siblings stopped{.pollsUntilThere = 3};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, stopped.Services()), std::nullopt);
-  EXPECT_THAT(stopped.log, ElementsAre("start /bin/rondelis /m/ä.stv", "send 1"));
-  Siblings broken{.pollsUntilThere = 3, .starts = false};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, broken.Services()), texts::ApplicationNotStarted);
-  Siblings never{.pollsUntilThere = 1000};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, never.Services()), std::nullopt);
-  EXPECT_EQ(never.log.size(), 1u);
-  Siblings deaf{.takes = false};
-  EXPECT_EQ(ShowInSequencer(ScoreHit(), sequencer, deaf.Services()), texts::HitNotShown);
+  struct Case {
+    Siblings siblings;
+    std::optional<TextId> told;
+    std::vector<std::string> log;
+  };
+  const std::string start = "start /bin/rondelis /m/ä.stv";
+  for (Case& c : std::vector<Case>{
+           {{}, std::nullopt, {"raise Rondelis", "send 2"}},
+           {{.pollsUntilThere = 3}, std::nullopt, {start, "send 1"}},
+           {{.pollsUntilThere = 3, .starts = false}, texts::ApplicationNotStarted, {start}},
+           {{.pollsUntilThere = 1000}, std::nullopt, {start}},
+           {{.takes = false}, texts::HitNotShown, {"raise Rondelis", "send 2"}},
+       }) {
+    EXPECT_EQ(ShowInSequencer(ScoreHit(), {"/bin/rondelis", "Rondelis"}, c.siblings.Services()), c.told);
+    EXPECT_EQ(c.siblings.log, c.log);
+  }
   Siblings unknown;
   EXPECT_EQ(ShowInSequencer(ScoreHit(), {}, unknown.Services()), std::nullopt);
   EXPECT_TRUE(unknown.log.empty());

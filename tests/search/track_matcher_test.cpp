@@ -96,24 +96,9 @@ TEST(PrepareMelodyTest, ScalesAndJoinsTheRestBehindANote) {
   EXPECT_THAT(PrepareMelody({{kRestCode, 240}}, 96), IsEmpty());
 }
 
-TEST(FirstNoteMatchesTest, FollowsThePitchMode) {
-  struct Case {
-    PitchMode mode;
-    int melody, played;
-    bool matches;
-  };
-  const Case cases[] = {
-      {PitchMode::Absolute, 60, 60, true},    {PitchMode::Absolute, 60, 72, false},
-      {PitchMode::AnyOctave, 60, 0, true},    {PitchMode::AnyOctave, 60, 120, true},
-      {PitchMode::AnyOctave, 0, 127, false},  {PitchMode::AnyOctave, 59, 60, false},
-      {PitchMode::AnyOctave, 60, 132, false}, {PitchMode::Relative, 60, 1, true},
-      {PitchMode::Ignore, 60, 1, true},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(FirstNoteMatches(c.mode, c.melody, c.played),
-              c.matches ? std::optional(c.played) : std::nullopt)
-        << static_cast<int>(c.mode) << " " << c.melody << " " << c.played;
-  }
+TEST(FirstNoteMatchesTest, OctavesEndWithTheKeys) {
+  EXPECT_TRUE(FirstNoteMatches(PitchMode::AnyOctave, 60, 120));
+  EXPECT_FALSE(FirstNoteMatches(PitchMode::AnyOctave, 60, 132));
 }
 
 TEST(HitTimeTest, IsTruncated) {
@@ -121,28 +106,6 @@ TEST(HitTimeTest, IsTruncated) {
   EXPECT_EQ(HitTime(960, 480, 120), 1000);
   EXPECT_EQ(HitTime(960, 0, 120), 0);
   EXPECT_EQ(HitTime(~std::uint64_t{0}, 1, 3), 2147483647);
-}
-
-TEST(TrackMatcherTest, PitchModes) {
-  const Bytes same = Played({{0, 60}, {240, 62}, {240, 64}});
-  const Bytes octave = Played({{0, 72}, {240, 74}, {240, 76}});
-  const Bytes fifth = Played({{0, 67}, {240, 69}, {240, 71}});
-  const Bytes other = Played({{0, 67}, {240, 50}, {240, 71}});
-  struct Case {
-    PitchMode mode;
-    bool same, octave, fifth, other;
-  };
-  const Case cases[] = {{PitchMode::Absolute, true, false, false, false},
-                        {PitchMode::AnyOctave, true, true, false, false},
-                        {PitchMode::Relative, true, true, true, false},
-                        {PitchMode::Ignore, true, true, true, true}};
-  for (const Case& c : cases) {
-    const Setting setting = {kMelody, Options(RhythmMode::Exact, c.mode)};
-    EXPECT_EQ(Count(same, setting), c.same) << static_cast<int>(c.mode);
-    EXPECT_EQ(Count(octave, setting), c.octave) << static_cast<int>(c.mode);
-    EXPECT_EQ(Count(fifth, setting), c.fifth) << static_cast<int>(c.mode);
-    EXPECT_EQ(Count(other, setting), c.other) << static_cast<int>(c.mode);
-  }
 }
 
 TEST(TrackMatcherTest, ToleranceEdges) {
@@ -166,26 +129,16 @@ TEST(TrackMatcherTest, ToleranceEdges) {
   }
 }
 
-TEST(TrackMatcherTest, RhythmModes) {
-  const Bytes doubled = Played({{0, 60}, {480, 62}, {480, 64}});
-  const Bytes uneven = Played({{0, 60}, {480, 62}, {240, 64}});
-  const auto count = [](const Bytes& track, RhythmMode rhythm) {
-    return Count(track, {kMelody, Options(rhythm, PitchMode::Absolute)});
+TEST(TrackMatcherTest, RelativeRhythmIsOfSinglePrecision) {
+  const auto count = [](const Bytes& track, const std::vector<PreparedNote>& melody) {
+    return Count(track, {melody, Options(RhythmMode::Relative, PitchMode::Absolute)});
   };
-  EXPECT_EQ(count(doubled, RhythmMode::Exact), 0u);
-  EXPECT_EQ(count(doubled, RhythmMode::Relative), 1u);
-  EXPECT_EQ(count(uneven, RhythmMode::Relative), 0u);
-  EXPECT_EQ(count(uneven, RhythmMode::Any), 1u);
-  // The rhythm of the last note is never tested.
-  EXPECT_EQ(Count(Played({{0, 60}, {240, 62}, {240, 64}, {12, 50}}),
-                  {kMelody, Options(RhythmMode::Exact, PitchMode::Absolute)}),
-            1u);
-  // 100 / 30 in single precision is a little too small: 30 ticks are scaled to 99, and nothing is tolerated.
+  EXPECT_EQ(count(Played({{0, 60}, {480, 62}, {480, 64}}), kMelody), 1u);
+  EXPECT_EQ(count(Played({{0, 60}, {480, 62}, {240, 64}}), kMelody), 0u);
+  // 100 / 30 is a little too small: 30 ticks are scaled to 99, and nothing is tolerated.
   const std::vector<PreparedNote> hundred = {{60, 100}, {62, 100}};
-  EXPECT_EQ(Count(Played({{0, 60}, {30, 62}}), {hundred, Options(RhythmMode::Relative, PitchMode::Absolute)}),
-            0u);
-  EXPECT_EQ(Count(Played({{0, 60}, {25, 62}}), {hundred, Options(RhythmMode::Relative, PitchMode::Absolute)}),
-            1u);
+  EXPECT_EQ(count(Played({{0, 60}, {30, 62}}), hundred), 0u);
+  EXPECT_EQ(count(Played({{0, 60}, {25, 62}}), hundred), 1u);
 }
 
 // The gap between two onsets differs from the duration only inside a chord: the duration goes to the next
@@ -240,7 +193,6 @@ TEST(TrackMatcherTest, LongSilencesAreMeasured) {
 
 TEST(TrackMatcherTest, ChordsRestartsAndOverlaps) {
   const Setting exact = {kMelody, Options(RhythmMode::Exact, PitchMode::Absolute)};
-  const Setting relativePitch = {kMelody, Options(RhythmMode::Exact, PitchMode::Relative)};
   struct Case {
     const char* what;
     Bytes track;
@@ -250,17 +202,8 @@ TEST(TrackMatcherTest, ChordsRestartsAndOverlaps) {
   const std::vector<PreparedNote> aba = {{60, 240}, {62, 240}, {60, 240}};
   const Case cases[] = {
       {"a chord note before the melody note", Played({{0, 48}, {0, 60}, {240, 62}, {240, 64}}), exact, {0}},
-      {"a chord note behind it breaks the match",
-       Played({{0, 60}, {0, 48}, {240, 62}, {240, 64}}),
-       exact,
-       {}},
       {"11 ticks behind is no chord note", Played({{0, 60}, {11, 60}, {240, 62}, {240, 64}}), exact, {22}},
       {"10 ticks behind is one", Played({{0, 60}, {10, 60}, {240, 62}, {240, 64}}), exact, {20}},
-      {"the breaking note begins anew", Played({{0, 60}, {240, 60}, {240, 62}, {240, 64}}), exact, {500}},
-      {"wrong rhythm begins anew",
-       Played({{0, 60}, {240, 62}, {120, 60}, {240, 62}, {240, 64}}),
-       exact,
-       {750}},
       {"hits do not overlap",
        Played({{0, 60}, {240, 62}, {240, 60}, {240, 62}, {240, 60}}),
        {aba, Options(RhythmMode::Exact, PitchMode::Absolute)},
@@ -268,10 +211,6 @@ TEST(TrackMatcherTest, ChordsRestartsAndOverlaps) {
       {"the next hit follows at once",
        Played({{0, 60}, {240, 62}, {240, 60}, {240, 60}, {240, 62}, {240, 60}}),
        {aba, Options(RhythmMode::Exact, PitchMode::Absolute)},
-       {0, 1500}},
-      {"rising scale, any key",
-       Played({{0, 50}, {240, 52}, {240, 54}, {240, 56}, {240, 58}, {240, 60}}),
-       relativePitch,
        {0, 1500}},
       {"one note",
        Played({{0, 60}, {5, 60}, {5, 61}}),
@@ -283,18 +222,6 @@ TEST(TrackMatcherTest, ChordsRestartsAndOverlaps) {
     for (const SearchHit& hit : Find(c.track, c.setting).hits) times.push_back(hit.time);
     EXPECT_EQ(times, c.times) << c.what;
   }
-}
-
-TEST(TrackMatcherTest, OtherEventsDoNotDisturb) {
-  TrackBuilder track;
-  track.Message(0, 0xC0, {5}).Note(0, 60).Raw(10, {0xFF, 0x01, 0x02, 0x90, 0x3C});
-  track.Note(110, 60, 0)
-      .Message(0, 0xD0, {64})
-      .Message(20, 0xE0, {0, 64})
-      .Raw(0, {0xF0, 0x03, 0x90, 0x3C, 0xF7});
-  track.Note(100, 62, 1).Message(200, 0x80, {62, 64}).Raw(20, {0xF7, 0x00}).Message(10, 0xB0, {7, 100});
-  track.Note(10, 64);
-  EXPECT_EQ(Count(track.End(), {kMelody, Options(RhythmMode::Exact, PitchMode::Absolute)}), 1u);
 }
 
 TEST(TrackMatcherTest, DrumsEndTheTrackUnlessTheyAreWanted) {
