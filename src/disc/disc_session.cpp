@@ -30,7 +30,7 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
   run.AddStatus({outcome.code, false, outcome.number});
   const bool ofEngine = outcome.code == code::kDiscNotBurnt || outcome.code == code::kTrackNotBurnt ||
                         outcome.code == code::kNotSimulated || outcome.code == code::kDiscNotClosed ||
-                        outcome.code == code::kTrackNotRead;
+                        outcome.code == code::kTrackNotRead || outcome.code == code::kDiscUnknown;
   const auto reason = ofEngine ? ReasonOf(static_cast<EngineError>(outcome.number)) : std::optional<TextId>();
   if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }

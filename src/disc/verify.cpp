@@ -117,8 +117,8 @@ class Comparison {
     // What lies outside of the disc cannot be compared and counts as silence.
     const auto whole = static_cast<std::int32_t>(more.size() / kAudioSectorBytes);
     const std::int32_t there = std::clamp(end_ - first, 0, whole);
-    if (Failed(drive_.ReadCdAudio(first,
-                                std::span(more).first(static_cast<std::size_t>(there) * kAudioSectorBytes))))
+    if (Failed(drive_.ReadCdAudio(
+            first, std::span(more).first(static_cast<std::size_t>(there) * kAudioSectorBytes))))
       return false;
     std::ranges::copy(ByteView(more).subspan(inside, out.size()), out.begin());
     return true;
