@@ -74,14 +74,14 @@ void WriteDisc(CdDrive& drive) {
   WriteParameters wanted;
   wanted.catalogue = "0123456789012";
   (void)drive.SetWriteParameters(wanted);
-  if (const auto next = drive.ReadTrackInformation(kInvisibleTrack); next && next->nextWritable)
+  if (const auto next = drive.ReadNextWritable())
     (void)drive.WriteSectors(*next->nextWritable, Bytes(2 * kAudioSectorBytes));
   (void)drive.SynchronizeCache();
   (void)drive.Close(CloseWhat::Session);
   drive.SetAudioMute(true);
   Bytes sound(2 * kAudioSectorBytes);
   std::vector<bool> good;
-  (void)drive.ReadAudioChecked(Lba{}, sound, good);
+  (void)drive.ReadCdAudioChecked(Lba{}, sound, good);
 }
 
 }  // namespace

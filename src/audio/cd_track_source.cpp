@@ -52,7 +52,7 @@ class CdTrackSource final : public PcmSource {
     sectors_.resize(std::min(kSectorsPerCommand, track_.sectors - sector) * kAudioSectorBytes);
     first_ = sector;
     const Outcome read =
-        held_.drive.ReadAudio(Lba{static_cast<std::int32_t>(track_.start + sector)}, sectors_);
+        held_.drive.ReadCdAudio(Lba{static_cast<std::int32_t>(track_.start + sector)}, sectors_);
     if (Failed(read)) sectors_.clear();
     return read;
   }

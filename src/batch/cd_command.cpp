@@ -87,7 +87,7 @@ int ListCommand(CommandLine line, Console& console) {
   if (const auto status = arguments.Read(line, console)) return *status;
 
   Json rows = Json::array();
-  for (const CdDriveEntry& entry : CdDrives()) {
+  for (const CdDriveEntry& entry : ScanDrives()) {
     auto drive = CdDrive::Open(entry.path);
     if (!drive) continue;
     // Looking for pauses moves the head of a real drive for minutes.

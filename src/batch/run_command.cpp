@@ -13,6 +13,7 @@
 #include "batch/store.h"
 #include "batch/target_preview.h"
 #include "batch/texts.h"
+#include "disc/texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/directory_listing.h"
 #include "frame/failure_reason.h"
@@ -172,7 +173,8 @@ bool TakeDirectory(Console& console, Job& job, const std::string& directory, boo
     return false;
   }
   if (job.directory.names.empty()) {
-    PrintError(console, Format(Text(texts::BatchDirectoryEmpty), directory));
+    PrintError(console, IsCdDrive(directory) ? std::string(Text(texts::DriveHasNoMusic))
+                                             : Format(Text(texts::BatchDirectoryEmpty), directory));
     return false;
   }
   return true;

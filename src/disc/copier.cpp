@@ -142,7 +142,7 @@ class CopyRun {
     const auto toc = drive_->drive.ReadToc([this] { return run_.Cancelled(); });
     if (!toc) {
       // A blank disc has no table of contents, but says that it is one.
-      const auto info = drive_->drive.ReadDiscInformation();
+      const auto info = drive_->drive.ReadDiscInfo();
       if (info && info->status == DiscStatus::Blank) return {code::kNoTracks, 0};
       run_.StatusText(Text(texts::SourceDiscNotRead));
       return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kDiscUnknown)};
@@ -157,10 +157,13 @@ class CopyRun {
 
   DiscOutcome FindPauses() {
     bool all = true;
-    for (std::size_t i = 0; i < source_->Tracks().size(); ++i) {
+    for (std::size_t i = 0; i < source_->Tracks().size();) {
       if (ConfirmStop()) return {Code(Outcome::Cancelled), 0};
       run_.StatusText(Format(Text(texts::ReadingTrackInfo), std::to_string(source_->Tracks()[i].number)));
-      all = source_->FindPauseOf(i) && all;
+      const bool found = source_->FindPauseOf(i, [this] { return run_.Cancelled(); });
+      if (run_.Cancelled()) continue;  // who does not stop after all still gets this one
+      all = found && all;
+      ++i;
     }
     if (all) {
       run_.StatusText(Text(texts::TrackInfoRead));

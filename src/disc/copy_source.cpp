@@ -54,9 +54,9 @@ void CopySource::SettleEnds() {
     tracks_[i].end = i + 1 < tracks_.size() ? tracks_[i + 1].Begin(true) : EndOfMusic(toc_);
 }
 
-bool CopySource::FindPauseOf(std::size_t index) {
+bool CopySource::FindPauseOf(std::size_t index, const CancelCheck& cancelled) {
   if (index == 0) return true;
-  const auto pause = FindPause(drive_, toc_, tracks_[index].number);
+  const auto pause = FindPause(drive_, toc_, tracks_[index].number, cancelled);
   tracks_[index].pause = pause.value_or(0);
   SettleEnds();
   return pause.has_value();

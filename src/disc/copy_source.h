@@ -37,8 +37,8 @@ class CopySource {
   [[nodiscard]] const CdText& Text() const { return text_; }
   [[nodiscard]] TrackReader& Reader() { return reader_; }
 
-  // Looks for the pause before a track; false when the drive cannot say it.
-  [[nodiscard]] bool FindPauseOf(std::size_t index);
+  // Looks for the pause before a track; false when the drive cannot say it, or when that was cancelled.
+  [[nodiscard]] bool FindPauseOf(std::size_t index, const CancelCheck& cancelled = {});
   // All pauses but the first away: the tracks follow each other.
   void DropPauses();
   // A track of the project whose sound comes from sound.

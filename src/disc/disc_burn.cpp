@@ -80,7 +80,7 @@ DiscOutcome DiscBurn::RecordDiscs(std::vector<ProjectTrack>& tracks) {
 }
 
 DiscOutcome DiscBurn::NextDisc(std::int32_t copy) {
-  session_.Release(order_.eject);
+  session_.ReleaseDrive(order_.eject);
   if (!next_()) return {code::kNoNextDisc, copy};
   if (const DiscOutcome opened = session_.Open(); !opened.Good()) return opened;
   if (const DiscOutcome blank = session_.CheckBlank(); !blank.Good()) return blank;

@@ -23,8 +23,8 @@ std::string Number(std::int64_t value) {
 // From where the next track would begin to the last possible lead-out.
 std::uint32_t FreeSectorsOf(CdDrive& drive, const DiscInformation& info) {
   if (!info.leadOut) return 0;
-  const auto next = drive.ReadTrackInformation(kInvisibleTrack);
-  const Lba start = next && next->nextWritable ? *next->nextWritable : Lba{};
+  const auto next = drive.ReadNextWritable();
+  const Lba start = next ? *next->nextWritable : Lba{};
   return static_cast<std::uint32_t>(std::max(*info.leadOut - start, 0));
 }
 
@@ -76,7 +76,7 @@ std::optional<std::uint32_t> BlankSectors(const std::string& drive) {
   auto opened = CdDrive::Open(drive);
   if (!opened) return std::nullopt;
   if (opened->State() == MediaState::UnitAttention) (void)opened->State();
-  const auto info = opened->ReadDiscInformation();
+  const auto info = opened->ReadDiscInfo();
   if (!info || info->status != DiscStatus::Blank) return std::nullopt;
   return FreeSectorsOf(*opened, *info);
 }
@@ -84,7 +84,7 @@ std::optional<std::uint32_t> BlankSectors(const std::string& drive) {
 DiscReport ReadDiscReport(CdDrive& drive, bool pauses) {
   DiscReport report;
   if (drive.State() == MediaState::UnitAttention) (void)drive.State();
-  if (const auto info = drive.ReadDiscInformation()) report.info = *info;
+  if (const auto info = drive.ReadDiscInfo()) report.info = *info;
   const bool blank = report.info && report.info->status == DiscStatus::Blank;
   if (report.info) report.freeSectors = FreeSectorsOf(drive, *report.info);
   if (blank) return report;

@@ -30,7 +30,7 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
   run.AddStatus({outcome.code, false, outcome.number});
   const bool ofEngine = outcome.code == code::kDiscNotBurnt || outcome.code == code::kTrackNotBurnt ||
                         outcome.code == code::kNotSimulated || outcome.code == code::kDiscNotClosed ||
-                        outcome.code == code::kTrackNotRead;
+                        outcome.code == code::kTrackNotRead || outcome.code == code::kDiscUnknown;
   const auto reason = ofEngine ? ReasonOf(static_cast<EngineError>(outcome.number)) : std::optional<TextId>();
   if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }
@@ -71,7 +71,7 @@ DiscOutcome DiscSession::Open() {
 
 DiscOutcome DiscSession::CheckBlank() {
   run_.StatusText(Text(texts::ReadingBlank));
-  const auto info = Drive().ReadDiscInformation();
+  const auto info = Drive().ReadDiscInfo();
   if (!info) {
     // A drive without recordable media knows no such command.
     const bool unknown = Drive().LastSense() == sense::kUnknownCommand;
@@ -81,13 +81,14 @@ DiscOutcome DiscSession::CheckBlank() {
   }
   if (info->status == DiscStatus::Other) return {code::kNotWritable, 0};
   if (info->status != DiscStatus::Blank) return {code::kDiscNotBlank, 0};
-  const auto next = Drive().ReadTrackInformation(kInvisibleTrack);
-  if (!next || !next->nextWritable) {
+  const auto next = Drive().ReadNextWritable();
+  if (!next) {
     run_.StatusText(Text(texts::BlankNotRead));
     return {code::kDiscUnknown, static_cast<std::int32_t>(engine::kNoWritable)};
   }
   // The lead-out's place is exact; drives round what they call free.
-  free_ = info->leadOut ? static_cast<std::uint32_t>(std::max(info->leadOut->value, 0)) : next->freeSectors;
+  free_ = info->leadOut ? static_cast<std::uint32_t>(std::max(info->leadOut->value, 0))
+                        : std::min(next->freeSectors, static_cast<std::uint32_t>(kEndOfTimes));
   const auto capabilities = Drive().ReadCapabilities();
   protects_ = capabilities && capabilities->underrunProtection;
   run_.StatusText(Text(texts::BlankRead));
@@ -151,7 +152,7 @@ DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const Projec
   }
 }
 
-void DiscSession::Release(bool eject) {
+void DiscSession::ReleaseDrive(bool eject) {
   if (held_) {
     Drive().PreventRemoval(false);
     if (eject) (void)Drive().Eject();
@@ -165,7 +166,7 @@ void DiscSession::End(const DiscOutcome& outcome, bool eject) {
     run_.StatusText(Text(texts::StoppedByUser));
     run_.Result().cancelled = true;
   }
-  Release(eject);
+  ReleaseDrive(eject);
 }
 
 }  // namespace ts5::disc

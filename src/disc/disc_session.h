@@ -45,7 +45,7 @@ class DiscSession {
   [[nodiscard]] DiscOutcome Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
                                    const RecordingMode& mode);
   // Lets the drive go, so that its disc can be changed.
-  void Release(bool eject);
+  void ReleaseDrive(bool eject);
   // The end of the run: says how it ended, and lets the drive go.
   void End(const DiscOutcome& outcome, bool eject);
 

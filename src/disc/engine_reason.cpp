@@ -24,6 +24,8 @@ constexpr Reason kReasons[] = {
     {kAll, engine::kHeaderNotWritten, texts::ReasonFolder},
     {kAll, engine::kFileNotWritten, texts::ReasonFolder},
     {kAll, engine::kChunkNotClosed, texts::ReasonFolder},
+    {kAll, engine::kDiscUnknown, texts::ReasonDiscUnknown},
+    {kAll, engine::kNoWritable, texts::ReasonDiscUnknown},
     {kAll, engine::kSectorsUnreadable, texts::ReasonUnreadable},
     {kAll, engine::kSourceRead, texts::ReasonSource},
     {kAll, engine::kSourceOpen, texts::ReasonSource},

@@ -297,7 +297,8 @@ class GrabRun {
       const TocTrack* const before = source_->toc.Find(number - 1);
       // In the file of the track before, which ends where this one begins.
       if (before != nullptr && !parameters_.trim && files.contains(number - 1)) {
-        const std::uint32_t pause = FindPause(source_->drive, source_->toc, number).value_or(0);
+        const std::uint32_t pause =
+            FindPause(source_->drive, source_->toc, number, [this] { return run_.Cancelled(); }).value_or(0);
         if (pause > 0 && pause < before->sectors) track.pauseInFileBefore = before->sectors - pause;
       }
       tracks.push_back(std::move(track));

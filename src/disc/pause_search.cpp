@@ -17,7 +17,8 @@ class Mute {
 
 }  // namespace
 
-std::optional<std::uint32_t> FindPause(CdDrive& drive, const DiscToc& toc, int track) {
+std::optional<std::uint32_t> FindPause(CdDrive& drive, const DiscToc& toc, int track,
+                                       const CancelCheck& cancelled) {
   const TocTrack* const entry = toc.Find(track);
   const TocTrack* const before = toc.Find(track - 1);
   if (entry == nullptr || !entry->audio) return std::nullopt;
@@ -28,6 +29,7 @@ std::optional<std::uint32_t> FindPause(CdDrive& drive, const DiscToc& toc, int t
   const auto start = static_cast<std::int32_t>(entry->start);
   std::int32_t high = start;
   while (high - low > 1) {
+    if (cancelled && cancelled()) return std::nullopt;
     const std::int32_t middle = low + (high - low) / 2;
     const auto position = drive.PlayAndPosition(Lba{middle});
     if (!position) return std::nullopt;

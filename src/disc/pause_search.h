@@ -9,8 +9,9 @@
 namespace ts5::disc {
 
 // By bisection between the start of the track before and of this one: at each probe the drive plays and says
-// where it is. Sectors of the pause, 0 when there is none; nothing when the drive cannot answer. The drive is
-// mute meanwhile.
-[[nodiscard]] std::optional<std::uint32_t> FindPause(CdDrive& drive, const DiscToc& toc, int track);
+// where it is. Sectors of the pause, 0 when there is none; nothing when the drive cannot answer, or when it
+// was cancelled between two probes. The drive is mute meanwhile.
+[[nodiscard]] std::optional<std::uint32_t> FindPause(CdDrive& drive, const DiscToc& toc, int track,
+                                                     const CancelCheck& cancelled = {});
 
 }  // namespace ts5::disc

@@ -6,7 +6,8 @@
 namespace ts5::disc {
 
 ReadAhead::ReadAhead(SoundSource& sound, Crc32* crc)
-    : thread_([this, &sound, crc, portion = Bytes(kSectorsPerCommand * kAudioSectorBytes)]() mutable {
+    : sound_(sound),
+      thread_([this, &sound, crc, portion = Bytes(kSectorsPerCommand * kAudioSectorBytes)]() mutable {
         for (auto got = sound.Read(portion); got && *got > 0; got = sound.Read(portion)) {
           const ByteView data = ByteView(portion).first(*got);
           if (crc != nullptr) crc->Add(data);
@@ -17,6 +18,7 @@ ReadAhead::ReadAhead(SoundSource& sound, Crc32* crc)
 
 ReadAhead::~ReadAhead() {
   pipe_.CloseReading();
+  sound_.Interrupt();
 }
 
 }  // namespace ts5::disc

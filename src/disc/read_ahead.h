@@ -2,6 +2,7 @@
 // writing share two cores.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <thread>
 
@@ -23,10 +24,12 @@ class ReadAhead {
   ReadAhead& operator=(const ReadAhead&) = delete;
   ~ReadAhead();
 
-  // What there is, whole sectors; 0 at the end, or where the source failed.
-  [[nodiscard]] std::size_t Read(std::span<std::uint8_t> out) { return pipe_.ReadSome(out); }
+  // What there is, whole sectors; 0 at the end, or where the source failed; nothing when the source takes its
+  // time, so that who waits can be stopped.
+  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::uint8_t> out) { return pipe_.ReadSome(out); }
 
  private:
+  SoundSource& sound_;
   SectorPipe pipe_;
   std::jthread thread_;
 };

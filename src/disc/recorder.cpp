@@ -30,6 +30,35 @@ bool WriteZeros(SectorPipe& pipe, std::uint64_t bytes, const std::function<void(
   return true;
 }
 
+// Takes what is in the pipe to the drive, before all other work of this machine where the system lets it.
+class WriterThread {
+ public:
+  WriterThread(SectorPipe& pipe, CdDrive& drive, Lba start)
+      : writer_(pipe, drive, start), next_(start.value), thread_([this, &pipe] {
+          hurried_ = HurryThisThread();
+          pipe.WaitForReserve();
+          while (writer_.Step()) next_ = writer_.Next().value;
+          pipe.CloseReading();
+          ended_.set_value();
+        }) {}
+
+  [[nodiscard]] Lba Next() const { return {next_.load()}; }
+  [[nodiscard]] bool EndsWithin(std::chrono::milliseconds time) {
+    return end_.wait_for(time) == std::future_status::ready;
+  }
+  // Once it has ended.
+  [[nodiscard]] EngineError Error() const { return writer_.Error(); }
+  [[nodiscard]] bool Hurried() const { return hurried_; }
+
+ private:
+  SectorWriter writer_;
+  std::atomic<std::int32_t> next_;
+  std::promise<void> ended_;
+  std::future<void> end_ = ended_.get_future();
+  std::atomic<bool> hurried_ = false;
+  std::jthread thread_;
+};
+
 int Percent(std::uint32_t done, std::uint32_t total) {
   return total == 0 ? 100 : static_cast<int>(std::uint64_t{done} * 100 / total);
 }
@@ -125,7 +154,7 @@ EngineError Recorder::SetParameters(std::uint8_t control, const std::string& isr
 // The lead-in's sub-channel, from where it begins up to the pre-gap.
 EngineError Recorder::WriteTexts() {
   const Bytes packs = CdTextPacks(mode_.text);
-  const auto info = drive_.ReadDiscInformation();
+  const auto info = drive_.ReadDiscInfo();
   if (!info || !info->leadIn) return engine::kDiscUnknown;
   Lba next = *info->leadIn;
   for (std::size_t sector = 0; next.value < -kPregapSectors;) {
@@ -147,7 +176,7 @@ EngineError Recorder::RecordDiscAtOnce(std::span<const ProjectTrack> tracks) {
   layout_ = plan.layout;
   if (const EngineError error = SetParameters(mode_.Control(), {}); error != engine::kNone) return error;
   // Some drives want to be asked before they take a cue sheet.
-  (void)drive_.ReadTrackInformation(kInvisibleTrack);
+  (void)drive_.ReadNextWritable();
   const bool texts = !mode_.text.Empty();
   const Bytes cue = MakeCueData(plan.layout, {.copyProtected = mode_.copyProtected, .cdText = texts});
   if (Failed(drive_.SendCueSheet(cue))) return engine::kCueSheet;
@@ -160,8 +189,8 @@ EngineError Recorder::RecordDiscAtOnce(std::span<const ProjectTrack> tracks) {
 EngineError Recorder::RecordTrack(const ProjectTrack& track, int number) {
   if (const EngineError error = SetParameters(ControlOf(track, mode_), track.isrc); error != engine::kNone)
     return error;
-  const auto info = drive_.ReadTrackInformation(kInvisibleTrack);
-  if (!info || !info->nextWritable) return engine::kNoWritable;
+  const auto info = drive_.ReadNextWritable();
+  if (!info) return engine::kNoWritable;
   const std::uint32_t sectors = SectorsOf(track.bytes);
   const PlannedTrack plan{0, track.bytes, std::uint64_t{sectors} * kAudioSectorBytes - track.bytes};
   const Lba start = *info->nextWritable;
@@ -182,23 +211,12 @@ EngineError Recorder::RecordTrack(const ProjectTrack& track, int number) {
 EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const ProjectTrack> tracks,
                             std::span<const PlannedTrack> plan, int firstNumber) {
   SectorPipe pipe;
-  SectorWriter writer(pipe, drive_, start);
-  std::atomic<std::int32_t> next = start.value;
-  std::promise<void> ended;
-  std::future<void> end = ended.get_future();
-  std::atomic<bool> hurried = false;
-  std::jthread thread([&] {
-    hurried = HurryThisThread();
-    pipe.WaitForReserve();
-    while (writer.Step()) next = writer.Next().value;
-    pipe.CloseReading();
-    ended.set_value();
-  });
+  WriterThread writer(pipe, drive_, start);
 
   int number = firstNumber;
   std::uint32_t told = UINT32_MAX;
   const auto tell = [&] {
-    const auto done = static_cast<std::uint32_t>(next.load() - start.value);
+    const auto done = static_cast<std::uint32_t>(writer.Next() - start);
     if ((done == told && done > 0) || !events_.progress) return;
     told = done;
     const double fill = pipe.Fill();
@@ -212,9 +230,8 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
   }
   pipe.CloseWriting();
   if (mode_.onTheFly && error == engine::kNone) Say(Text(texts::DiscWasRead));
-  while (end.wait_for(kTellAgain) != std::future_status::ready) tell();
-  thread.join();
-  hurried_ = hurried;
+  while (!writer.EndsWithin(kTellAgain)) tell();
+  hurried_ = writer.Hurried();
   tell();
   if (events_.ended) events_.ended();
   // A write that failed is why the pipe broke.

@@ -45,12 +45,11 @@ std::size_t SectorPipe::Read(std::span<std::uint8_t> out) {
   return done;
 }
 
-std::size_t SectorPipe::ReadSome(std::span<std::uint8_t> out) {
-  std::size_t there = 0;
-  for (bool ended = false; there == 0 && !ended;) {
-    ended = Ended();
-    there = AwaitData(out.size(), kPatience);
-  }
+std::optional<std::size_t> SectorPipe::ReadSome(std::span<std::uint8_t> out) {
+  // Asked first: what came before the end was announced is there.
+  const bool ended = Ended();
+  const std::size_t there = AwaitData(out.size(), kPatience);
+  if (there == 0 && !ended) return std::nullopt;
   return Take(out, there);
 }
 

@@ -25,8 +25,8 @@ class SectorPipe {
   [[nodiscard]] bool Write(ByteView bytes);
   // Fills out, and waits for as much; less only at the end, 0 behind it.
   [[nodiscard]] std::size_t Read(std::span<std::uint8_t> out);
-  // What there is, after a moment in which more may come; 0 at the end only.
-  [[nodiscard]] std::size_t ReadSome(std::span<std::uint8_t> out);
+  // What there is, after a moment in which more may come; 0 at the end only, nothing when none came.
+  [[nodiscard]] std::optional<std::size_t> ReadSome(std::span<std::uint8_t> out);
   // Waits until it is half full or the end: the laser begins with a reserve.
   void WaitForReserve();
 

@@ -17,6 +17,8 @@ class SoundSource {
   // Fills out as far as there is sound left, and says how far; less than it holds at the end only.
   // ReadFailed.
   [[nodiscard]] virtual Result<std::size_t> Read(std::span<std::uint8_t> out) = 0;
+  // From another thread: a Read that is under way, and any later one, fails as soon as it can.
+  virtual void Interrupt() {}
 };
 
 using SoundOpener = std::function<Result<std::unique_ptr<SoundSource>>()>;

@@ -1,6 +1,7 @@
 #include "disc/track_file.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "audio/silence_trimmer.h"
@@ -22,22 +23,25 @@ class DriveSound final : public SoundSource {
     const auto wanted =
         std::min<std::uint32_t>(static_cast<std::uint32_t>(out.size() / kAudioSectorBytes), left_);
     const auto part = out.first(wanted * kAudioSectorBytes);
+    const CancelCheck stopped = [this] { return interrupted_.load(); };
     const auto before = static_cast<std::uint32_t>(
         std::clamp<std::int32_t>(-next_.value, 0, static_cast<std::int32_t>(wanted)));
-    if (before > 0 && reader_.Read(next_, part.first(before * kAudioSectorBytes)) != 0)
+    if (before > 0 && reader_.Read(next_, part.first(before * kAudioSectorBytes), stopped) != 0)
       std::ranges::fill(part.first(before * kAudioSectorBytes), std::uint8_t{0});
     const Lba there = next_ + static_cast<std::int32_t>(before);
-    if (wanted > before && reader_.Read(there, part.subspan(before * kAudioSectorBytes)) != 0)
+    if (wanted > before && reader_.Read(there, part.subspan(before * kAudioSectorBytes), stopped) != 0)
       return Failure(Outcome::ReadFailed);
     next_ = next_ + static_cast<std::int32_t>(wanted);
     left_ -= wanted;
     return part.size();
   }
+  void Interrupt() override { interrupted_ = true; }
 
  private:
   TrackReader& reader_;
   Lba next_;
   std::uint32_t left_;
+  std::atomic<bool> interrupted_ = false;
 };
 
 // The status line and the progress of one track; the line comes anew with each tenth of a percent.
@@ -76,11 +80,12 @@ std::uint32_t ReadTrackToFile(SoundSource& sound, const TrackFileOrder& order, W
   for (std::uint32_t done = 0; done < order.sectors;) {
     if (events.stopped && events.stopped()) return engine::kStopped;
     progress.Tell(done);
-    const std::size_t got = ahead.Read(buffer);
-    if (got == 0) return engine::kSectorsUnreadable;
-    const ByteView data = ByteView(buffer).first(got);
+    const auto got = ahead.Read(buffer);
+    if (!got) continue;
+    if (*got == 0) return engine::kSectorsUnreadable;
+    const ByteView data = ByteView(buffer).first(*got);
     if (Failed(order.trim ? trimmer.Push(data) : wave.Write(data))) return engine::kFileNotWritten;
-    done += static_cast<std::uint32_t>(got / kAudioSectorBytes);
+    done += static_cast<std::uint32_t>(*got / kAudioSectorBytes);
   }
   progress.Tell(order.sectors);
   if (order.trim && Failed(trimmer.Finish())) return engine::kNotTrimmed;

@@ -17,8 +17,8 @@ TrackReader::TrackReader(CdDrive& drive, Lba end, std::int32_t offset)
   errorPointers_ = capabilities && capabilities->c2Pointers;
 }
 
-std::uint32_t TrackReader::Read(Lba address, std::span<std::uint8_t> out) {
-  if (offsetBytes_ == 0) return ReadSectors(address, out);
+std::uint32_t TrackReader::Read(Lba address, std::span<std::uint8_t> out, const CancelCheck& stopped) {
+  if (offsetBytes_ == 0) return ReadSectors(address, out, stopped);
   constexpr auto kBytes = static_cast<std::int32_t>(kAudioSectorBytes);
   const std::int32_t sectors = (offsetBytes_ >= 0 ? offsetBytes_ : offsetBytes_ - kBytes + 1) / kBytes;
   const auto inside = static_cast<std::size_t>(offsetBytes_ - sectors * kBytes);
@@ -31,47 +31,49 @@ std::uint32_t TrackReader::Read(Lba address, std::span<std::uint8_t> out) {
   if (there > 0) {
     const auto part = std::span(more).subspan(static_cast<std::size_t>(before) * kAudioSectorBytes,
                                               static_cast<std::size_t>(there) * kAudioSectorBytes);
-    if (const std::uint32_t error = ReadSectors(first + before, part); error != 0) return error;
+    if (const std::uint32_t error = ReadSectors(first + before, part, stopped); error != 0) return error;
   }
   std::ranges::copy(ByteView(more).subspan(inside, out.size()), out.begin());
   return 0;
 }
 
-std::uint32_t TrackReader::ReadSectors(Lba address, std::span<std::uint8_t> out) {
+std::uint32_t TrackReader::ReadSectors(Lba address, std::span<std::uint8_t> out, const CancelCheck& stopped) {
   while (!out.empty()) {
     const std::size_t count = std::min<std::size_t>(out.size() / kAudioSectorBytes, kSectorsPerCommand);
     const auto part = out.first(count * kAudioSectorBytes);
-    if (const std::uint32_t error = ReadPortion(address, part); error != 0) return error;
+    if (const std::uint32_t error = ReadPortion(address, part, stopped); error != 0) return error;
     address = address + static_cast<std::int32_t>(count);
     out = out.subspan(part.size());
   }
   return 0;
 }
 
-std::uint32_t TrackReader::ReadPortion(Lba address, std::span<std::uint8_t> out) {
+std::uint32_t TrackReader::ReadPortion(Lba address, std::span<std::uint8_t> out, const CancelCheck& stopped) {
   std::vector<bool> sound(out.size() / kAudioSectorBytes, true);
   if (errorPointers_) {
-    if (Failed(drive_.ReadAudioChecked(address, out, sound))) sound.assign(sound.size(), false);
-  } else if (Failed(drive_.ReadAudio(address, out))) {
+    if (Failed(drive_.ReadCdAudioChecked(address, out, sound))) sound.assign(sound.size(), false);
+  } else if (Failed(drive_.ReadCdAudio(address, out, stopped))) {
     sound.assign(sound.size(), false);
   }
   for (std::size_t i = 0; i < sound.size(); ++i) {
     if (sound[i]) continue;
     const auto sector = out.subspan(i * kAudioSectorBytes, kAudioSectorBytes);
-    const std::uint32_t error = ReadUntilAgreed(address + static_cast<std::int32_t>(i), sector);
+    const std::uint32_t error = ReadUntilAgreed(address + static_cast<std::int32_t>(i), sector, stopped);
     if (error != 0) return error;
   }
   return 0;
 }
 
-std::uint32_t TrackReader::ReadUntilAgreed(Lba address, std::span<std::uint8_t> sector) {
+std::uint32_t TrackReader::ReadUntilAgreed(Lba address, std::span<std::uint8_t> sector,
+                                           const CancelCheck& stopped) {
   std::vector<Bytes> readings;
   bool any = false;
   for (int reading = 0; reading < kMostReadings; ++reading) {
+    if (stopped && stopped()) return engine::kStopped;
     // A drive that gives no error pointers is never sure.
     std::vector<bool> sound{errorPointers_};
-    const Outcome read =
-        errorPointers_ ? drive_.ReadAudioChecked(address, sector, sound) : drive_.ReadAudio(address, sector);
+    const Outcome read = errorPointers_ ? drive_.ReadCdAudioChecked(address, sector, sound)
+                                        : drive_.ReadCdAudio(address, sector, stopped);
     if (Failed(read)) {
       if (ActionFor(drive_.LastSense()) == SenseAction::GiveUp) break;
       continue;

@@ -27,15 +27,19 @@ class TrackReader {
   // ends at end, and silence is behind it.
   TrackReader(CdDrive& drive, Lba end, std::int32_t offset = 0);
 
-  // The sectors from there on. 0, or engine::kSectorsUnreadable.
-  [[nodiscard]] std::uint32_t Read(Lba address, std::span<std::uint8_t> out);
+  // The sectors from there on. 0, engine::kSectorsUnreadable or kStopped; stopped is asked between two
+  // commands.
+  [[nodiscard]] std::uint32_t Read(Lba address, std::span<std::uint8_t> out, const CancelCheck& stopped = {});
   // Sectors that were taken although no two readings of them agreed.
   [[nodiscard]] std::uint32_t Doubtful() const { return doubtful_; }
 
  private:
-  [[nodiscard]] std::uint32_t ReadSectors(Lba address, std::span<std::uint8_t> out);
-  [[nodiscard]] std::uint32_t ReadPortion(Lba address, std::span<std::uint8_t> out);
-  [[nodiscard]] std::uint32_t ReadUntilAgreed(Lba address, std::span<std::uint8_t> sector);
+  [[nodiscard]] std::uint32_t ReadSectors(Lba address, std::span<std::uint8_t> out,
+                                          const CancelCheck& stopped);
+  [[nodiscard]] std::uint32_t ReadPortion(Lba address, std::span<std::uint8_t> out,
+                                          const CancelCheck& stopped);
+  [[nodiscard]] std::uint32_t ReadUntilAgreed(Lba address, std::span<std::uint8_t> sector,
+                                              const CancelCheck& stopped);
 
   CdDrive& drive_;
   Lba end_;

@@ -1,10 +1,11 @@
 #include "disc/verify.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 
-#include "disc/recorder.h"
+#include "disc/read_ahead.h"
 
 namespace ts5::disc {
 namespace {
@@ -12,30 +13,50 @@ namespace {
 constexpr auto kSettling = std::chrono::seconds(60);  // until a closed disc is read again
 constexpr std::int32_t kMostOffsetSectors = 4;        // that a drive may be beside the place
 
-// What was sent for one track, sector by sector.
-class SentSound {
+// What was sent for some tracks, one behind the other.
+class SentSound final : public SoundSource {
  public:
-  SentSound(const ProjectTrack& track, const PlannedTrack& plan)
-      : silence_(std::uint64_t{plan.silence} * kAudioSectorBytes), left_(plan.bytes) {
-    if (auto sound = track.open()) sound_ = *std::move(sound);
-  }
-  // False when the source cannot be read any more.
-  bool Read(std::span<std::uint8_t> out) {
-    const auto quiet = static_cast<std::size_t>(std::min<std::uint64_t>(silence_, out.size()));
-    std::ranges::fill(out.first(quiet), std::uint8_t{0});
-    silence_ -= quiet;
-    const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(left_, out.size() - quiet));
-    std::ranges::fill(out.subspan(quiet + part), std::uint8_t{0});
-    left_ -= part;
-    if (part == 0) return true;
-    if (!sound_) return false;
-    const auto got = sound_->Read(out.subspan(quiet, part));
-    return got && *got == part;
+  SentSound(std::span<const ProjectTrack> tracks, std::span<const PlannedTrack> plan)
+      : tracks_(tracks), plan_(plan) {}
+
+  Result<std::size_t> Read(std::span<std::uint8_t> out) override {
+    std::size_t done = 0;
+    while (done < out.size() && (pieces_ != Pieces{} || NextTrack())) {
+      const auto piece = std::ranges::find_if(pieces_, [](std::uint64_t bytes) { return bytes > 0; });
+      if (piece == pieces_.end()) {
+        pieces_ = {};
+        continue;
+      }
+      const auto part =
+          out.subspan(done, static_cast<std::size_t>(std::min<std::uint64_t>(*piece, out.size() - done)));
+      if (piece != pieces_.begin() + kSound) {
+        std::ranges::fill(part, std::uint8_t{0});
+      } else if (sound_ == nullptr || sound_->Read(part) != part.size()) {
+        return Failure(Outcome::SourceFailed);
+      }
+      *piece -= part.size();
+      done += part.size();
+    }
+    return done;
   }
 
  private:
-  std::uint64_t silence_;
-  std::uint64_t left_;
+  using Pieces = std::array<std::uint64_t, 3>;  // bytes left of silence, sound and padding
+  static constexpr std::ptrdiff_t kSound = 1;
+
+  bool NextTrack() {
+    if (track_ == tracks_.size()) return false;
+    const PlannedTrack& plan = plan_[track_];
+    pieces_ = {std::uint64_t{plan.silence} * kAudioSectorBytes, plan.bytes, plan.padding};
+    auto sound = tracks_[track_++].open();
+    sound_ = sound ? *std::move(sound) : nullptr;
+    return true;
+  }
+
+  std::span<const ProjectTrack> tracks_;
+  std::span<const PlannedTrack> plan_;
+  std::size_t track_ = 0;
+  Pieces pieces_ = {};
   std::unique_ptr<SoundSource> sound_;
 };
 
@@ -58,7 +79,7 @@ std::optional<std::int32_t> CompareCodes(CdDrive& drive, const DiscLayout& layou
 std::int32_t FindOffset(CdDrive& drive, Lba at, ByteView sent) {
   constexpr std::int32_t kSpan = kMostOffsetSectors * static_cast<std::int32_t>(kAudioSectorBytes);
   Bytes around(static_cast<std::size_t>(2 * kSpan) + sent.size());
-  if (Failed(drive.ReadAudio(at - kMostOffsetSectors, around))) return 0;
+  if (Failed(drive.ReadCdAudio(at - kMostOffsetSectors, around))) return 0;
   for (std::int32_t offset = -kSpan; offset <= kSpan; offset += static_cast<std::int32_t>(kBytesPerFrame)) {
     if (std::ranges::equal(ByteView(around).subspan(static_cast<std::size_t>(offset + kSpan), sent.size()),
                            sent))
@@ -87,7 +108,7 @@ class Comparison {
 
  private:
   bool Read(Lba at, std::span<std::uint8_t> out) {
-    if (offset_ == 0) return Succeeded(drive_.ReadAudio(at, out));
+    if (offset_ == 0) return Succeeded(drive_.ReadCdAudio(at, out));
     const auto bytes = static_cast<std::int32_t>(kAudioSectorBytes);
     const std::int32_t sectors = (offset_ >= 0 ? offset_ : offset_ - bytes + 1) / bytes;
     const auto inside = static_cast<std::size_t>(offset_ - sectors * bytes);
@@ -96,8 +117,8 @@ class Comparison {
     // What lies outside of the disc cannot be compared and counts as silence.
     const auto whole = static_cast<std::int32_t>(more.size() / kAudioSectorBytes);
     const std::int32_t there = std::clamp(end_ - first, 0, whole);
-    if (Failed(drive_.ReadAudio(first,
-                                std::span(more).first(static_cast<std::size_t>(there) * kAudioSectorBytes))))
+    if (Failed(drive_.ReadCdAudio(
+            first, std::span(more).first(static_cast<std::size_t>(there) * kAudioSectorBytes))))
       return false;
     std::ranges::copy(ByteView(more).subspan(inside, out.size()), out.begin());
     return true;
@@ -110,51 +131,52 @@ class Comparison {
   std::int32_t offset_ = 0;
 };
 
+// Compares sound that was sent in one piece, from there on.
+DiscComparison CompareRange(Comparison& comparison, SoundSource& sent, Lba at, Lba end,
+                            const WorkWatch& watch, double sectorsOfDisc) {
+  ReadAhead ahead(sent, nullptr);
+  Bytes buffer(kSectorsPerCommand * kAudioSectorBytes);
+  while (at < end) {
+    if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
+    // The sectors before 0 by themselves: hardly a drive reads them.
+    const auto count = std::min<std::int32_t>(kSectorsPerCommand, (at.value < 0 ? Lba{} : end) - at);
+    const auto got = ahead.Read(std::span(buffer).first(static_cast<std::size_t>(count) * kAudioSectorBytes));
+    if (!got) continue;
+    if (*got == 0) return {Outcome::SourceFailed};
+    if (const auto different = comparison.Portion(at, ByteView(buffer).first(*got)))
+      return {Outcome::NotProven, *different};
+    at = at + static_cast<std::int32_t>(*got / kAudioSectorBytes);
+    if (watch.progress) watch.progress((at.value + kPregapSectors) / sectorsOfDisc);
+  }
+  return {};
+}
+
 }  // namespace
 
 DiscComparison CompareDisc(CdDrive& drive, const DiscLayout& layout, std::span<const ProjectTrack> tracks,
                            const RecordingMode& mode, const WorkWatch& watch) {
   (void)drive.WaitUntilReady(kSettling, watch.cancelled);
   if (const auto different = CompareCodes(drive, layout)) return {Outcome::NotProven, *different};
-  const DiscPlan plan = DiscPlan::AtOnce(tracks, mode);
   Comparison comparison(drive, layout.leadOut);
-  Bytes sent(kSectorsPerCommand * kAudioSectorBytes);
-  const double total = layout.leadOut.value + kPregapSectors;
-  Bytes carried;  // of a border that two tracks share
-  for (std::size_t i = 0; i < tracks.size(); ++i) {
-    PlannedTrack planned = mode.atOnce ? plan.tracks[i] : PlannedTrack{0, tracks[i].bytes, 0};
-    // Hardly a drive reads the first two seconds, and they are silence.
-    if (i == 0) planned.silence = 0;
-    SentSound sound(tracks[i], planned);
-    const DiscTrack& track = layout.tracks[i];
-    Lba at = mode.atOnce && planned.silence > 0 ? track.start - static_cast<std::int32_t>(planned.silence)
-                                                : track.start;
-    if (mode.atOnce && tracks[i].soundInPause) at = track.pause.value_or(track.start);
-    std::uint64_t left = std::uint64_t{planned.silence} * kAudioSectorBytes + planned.bytes + planned.padding;
-    if (!mode.atOnce) left = std::uint64_t{SectorsOf(planned.bytes)} * kAudioSectorBytes;
-    while (left > 0) {
-      if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
-      const std::size_t begun = carried.size();
-      std::ranges::copy(carried, sent.begin());
-      carried.clear();
-      // The sectors before 0 by themselves: hardly a drive reads them.
-      const std::size_t room =
-          at.value < 0 ? static_cast<std::size_t>(-at.value) * kAudioSectorBytes : sent.size();
-      const auto part =
-          static_cast<std::size_t>(std::min<std::uint64_t>(left, std::min(room, sent.size() - begun)));
-      if (!sound.Read(std::span(sent).subspan(begun, part))) return {Outcome::SourceFailed};
-      left -= part;
-      const std::size_t filled = begun + part;
-      const std::size_t whole = filled - filled % kAudioSectorBytes;
-      carried.assign(sent.begin() + static_cast<std::ptrdiff_t>(whole),
-                     sent.begin() + static_cast<std::ptrdiff_t>(filled));
-      if (const auto different = comparison.Portion(at, ByteView(sent).first(whole)))
-        return {Outcome::NotProven, *different};
-      at = at + static_cast<std::int32_t>(whole / kAudioSectorBytes);
-      if (watch.progress) watch.progress((at.value + kPregapSectors) / total);
-    }
+  const double all = layout.leadOut.value + kPregapSectors;
+  if (mode.atOnce) {
+    DiscPlan plan = DiscPlan::AtOnce(tracks, mode);
+    // Hardly a drive reads the first two seconds, and they are silence unless they were copied.
+    plan.tracks.front().silence = 0;
+    const DiscTrack& first = layout.tracks.front();
+    SentSound sent(tracks, plan.tracks);
+    const Lba begin = tracks.front().soundInPause ? first.pause.value_or(first.start) : first.start;
+    return CompareRange(comparison, sent, begin, layout.leadOut, watch, all);
   }
-  return {};
+  DiscComparison compared;
+  for (std::size_t i = 0; i < tracks.size() && compared.outcome == Outcome::Success; ++i) {
+    const std::uint32_t sectors = SectorsOf(tracks[i].bytes);
+    const PlannedTrack plan{0, tracks[i].bytes, std::uint64_t{sectors} * kAudioSectorBytes - tracks[i].bytes};
+    SentSound sent(tracks.subspan(i, 1), {&plan, 1});
+    const Lba start = layout.tracks[i].start;
+    compared = CompareRange(comparison, sent, start, start + static_cast<std::int32_t>(sectors), watch, all);
+  }
+  return compared;
 }
 
 }  // namespace ts5::disc

@@ -25,7 +25,7 @@ std::string EntryName(const DriveName& drive) {
 
 // As it stands among the drives: what a drive itself says of its product ends after 16 characters.
 std::optional<DriveName> NameOfDrive(const std::string& path) {
-  const auto drives = CdDrives();
+  const auto drives = ScanDrives();
   const auto drive = std::ranges::find(drives, path, &CdDriveEntry::path);
   return drive == drives.end() ? std::nullopt : std::optional(drive->name);
 }
@@ -67,7 +67,7 @@ std::optional<CdTrackPlace> FindCdTrack(std::string_view source, const std::vect
 std::optional<CdTrackPlace> FindCdTrack(std::string_view source) {
   // Drives are asked for their names only for what can be a track at all.
   if (HasExtension(FileNameOf(source)) || !TrackNumberOf(FileNameOf(source))) return std::nullopt;
-  return FindCdTrack(source, CdDrives());
+  return FindCdTrack(source, ScanDrives());
 }
 
 bool CdTrackExists(std::string_view source) {
@@ -84,7 +84,7 @@ bool IsCdDrive(const std::string& path) {
 }
 
 std::optional<std::string> CdDirectoryOf(std::string_view driveName) {
-  for (CdDriveEntry& drive : CdDrives()) {
+  for (CdDriveEntry& drive : ScanDrives()) {
     if (EqualsIgnoringCase(driveName, EntryName(drive.name))) return std::move(drive.path);
   }
   return std::nullopt;

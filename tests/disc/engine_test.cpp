@@ -9,10 +9,12 @@
 #include "disc/pause_search.h"
 #include "disc/read_ahead.h"
 #include "disc/recorder.h"
+#include "disc/track_file.h"
 #include "disc/track_reader.h"
 #include "disc/track_texts.h"
 #include "platform/disc/cue_data.h"
 #include "platform/files/digest.h"
+#include "platform/media/wave_format.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -147,12 +149,17 @@ TEST(SectorPipe, KeepsOrderAndEndsFromBothSides) {
   for (std::size_t i = 0; i < sent.size(); ++i) sent[i] = static_cast<std::uint8_t>(i * 7);
   // What is read at once is more than the pipe holds, or less.
   for (const std::size_t capacity : {1U, 10U, 333U, 1000U}) {
-    for (const auto read : {&SectorPipe::Read, &SectorPipe::ReadSome}) {
+    for (const bool some : {false, true}) {
+      const auto read = [some](SectorPipe& pipe, std::span<std::uint8_t> out) {
+        while (some)
+          if (const auto got = pipe.ReadSome(out)) return *got;
+        return pipe.Read(out);
+      };
       SectorPipe pipe(capacity);
       Bytes got;
       std::jthread reader([&] {
         Bytes part(333);
-        for (std::size_t count = (pipe.*read)(part); count > 0; count = (pipe.*read)(part))
+        for (std::size_t count = read(pipe, part); count > 0; count = read(pipe, part))
           got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
       });
       EXPECT_TRUE(pipe.Write(sent));
@@ -187,8 +194,8 @@ TEST(ReadAhead, GivesAllUpToTheFailureAndLetsGoBeforeTheEnd) {
   {
     ReadAhead ahead(sound, &crc);
     Bytes part(100 * kAudioSectorBytes);
-    for (std::size_t count = ahead.Read(part); count > 0; count = ahead.Read(part))
-      got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
+    for (auto count = ahead.Read(part); count != 0; count = ahead.Read(part))
+      got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count.value_or(0)));
   }
   EXPECT_EQ(got, Bytes(kSound, 3));
   Crc32 whole;
@@ -342,6 +349,34 @@ TEST(TrackReader, CompensatesTheOffsetOfTheDrive) {
   ASSERT_EQ(reader.Read(Lba{8}, out), 0U);
   EXPECT_EQ(ByteReader(ByteView(out).last(4)).U32Be(), 0U);
   EXPECT_NE(ByteReader(ByteView(out).subspan(out.size() - 31 * 4, 4)).U32Be(), 0U);
+}
+
+// As from a drive that does not come to an end with a sector.
+class StuckSound final : public SoundSource {
+ public:
+  Result<std::size_t> Read(std::span<std::uint8_t> /*out*/) override {
+    stopped_.wait(false);
+    return Failure(Outcome::ReadFailed);
+  }
+  void Interrupt() override {
+    stopped_ = true;
+    stopped_.notify_all();
+  }
+
+ private:
+  std::atomic<bool> stopped_ = false;
+};
+
+TEST(ReadAhead, WhoWaitsForADriveCanBeStopped) {
+  const test::TemporaryDirectory place;
+  StuckSound sound;
+  int asked = 0;
+  EXPECT_EQ(ReadTrackToFile(sound, {1, 100}, *ts5::WaveFile::Create(place.File("a.wav"), AudioCdFormat(), 0),
+                            {[&] { return ++asked == 3; }}),
+            engine::kStopped);
+  CdDrive bad = Drive([](const ScsiCommand&) -> ScsiReply { return {false, {3, 0x11, 5}, 0}; });
+  Bytes sector(kAudioSectorBytes);
+  EXPECT_EQ(TrackReader(bad, Lba{100}).Read(Lba{0}, sector, [] { return true; }), engine::kStopped);
 }
 
 TEST(PauseSearch, FindsWhereIndex0Begins) {

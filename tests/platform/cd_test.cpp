@@ -342,13 +342,16 @@ TEST(Mmc, ATableOfContentsTellsTheTracks) {
   EXPECT_TRUE(extra->IsAudioCd());
   EXPECT_FALSE(DiscToc::Parse(TocBytes({{4, 1, 0}, {0, 2, 900}, {0, 0xAA, 3000}}))->IsAudioCd());
 
+  // A time has two digits of minutes, so music ends there; data may be on a larger disc.
+  EXPECT_THAT(DiscToc::Parse(TocBytes({{0, 1, 0}, {0, 0xAA, 449'850}})), IsOk());
+  EXPECT_THAT(DiscToc::Parse(TocBytes({{4, 1, 0}, {4, 0xAA, 4'000'000}})), IsOk());
   Bytes cut = TocBytes({{0, 1, 0}, {0, 0xAA, 165}});
   cut.resize(cut.size() - 1);
   for (const Bytes& bytes :
        {Bytes{}, Bytes{0, 2, 1, 1}, cut, TocBytes({{0, 1, 0}, {0, 2, 100}}),
         TocBytes({{0, 1, 100}, {0, 2, 50}, {0, 0xAA, 165}}),
         TocBytes({{0, 1, 0}, {0, 3, 50}, {0, 0xAA, 165}}), TocBytes({{0, 0, 0}, {0, 0xAA, 165}}),
-        TocBytes({{0, 1, 165}, {0, 0xAA, 165}}), TocBytes({{0, 1, 0}, {0, 0xAA, 0xFFFFFFFF}})})
+        TocBytes({{0, 1, 165}, {0, 0xAA, 165}}), TocBytes({{0, 1, 0}, {0, 0xAA, 449'851}})})
     EXPECT_THAT(DiscToc::Parse(bytes), FailsWith(Outcome::WrongFormat));
 }
 
@@ -427,7 +430,7 @@ TEST_F(VirtualDriveTest, KeepsItsDiscUntilItIsTakenOut) {
   EXPECT_EQ(VirtualDisc(), std::nullopt);
   EXPECT_THAT(EjectVirtualDisc(), IsOk());
   EXPECT_THAT(CdDrive::Open(VirtualCdDirectory())->ReadToc(), FailsWith(Outcome::CdDriveFailed));
-  EXPECT_EQ(CdDrives().back().path, VirtualRecorderDirectory());
+  EXPECT_EQ(ScanDrives().back().path, VirtualRecorderDirectory());
 
   // Where nothing can be kept.
   EXPECT_EQ(test::InChild([&] {
@@ -486,12 +489,12 @@ TEST(CdDrive, WaitsTriesAgainAndGivesUp) {
   EXPECT_THAT(Scripted({kGood}).Name(), FailsWith(Outcome::CdDriveFailed)) << "a disk, by its zeros";
 
   Bytes sectors(27 * kAudioSectorBytes);
-  EXPECT_THAT(Scripted({kGood, kGood}).ReadAudio(Lba{0}, sectors), IsOk()) << "26 sectors and one";
-  EXPECT_THAT(Scripted({kScratch, kScratch, kGood, kGood}).ReadAudio(Lba{0}, sectors), IsOk());
-  EXPECT_THAT(Scripted({kScratch, kScratch, kScratch, kGood}).ReadAudio(Lba{0}, sectors),
+  EXPECT_THAT(Scripted({kGood, kGood}).ReadCdAudio(Lba{0}, sectors), IsOk()) << "26 sectors and one";
+  EXPECT_THAT(Scripted({kScratch, kScratch, kGood, kGood}).ReadCdAudio(Lba{0}, sectors), IsOk());
+  EXPECT_THAT(Scripted({kScratch, kScratch, kScratch, kGood}).ReadCdAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(Scripted({kNoDisc, kGood, kGood}).ReadAudio(Lba{0}, sectors), FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(Scripted({{true, {}, 100}, {true, {}, 100}, {true, {}, 100}}).ReadAudio(Lba{0}, sectors),
+  EXPECT_THAT(Scripted({kNoDisc, kGood, kGood}).ReadCdAudio(Lba{0}, sectors), FailsWith(Outcome::ReadFailed));
+  EXPECT_THAT(Scripted({{true, {}, 100}, {true, {}, 100}, {true, {}, 100}}).ReadCdAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
 }
 

@@ -169,15 +169,15 @@ class RecorderTest : public testing::Test {
 TEST_F(RecorderTest, ADiscAtOnceIsReadByTheDriveAndByOthers) {
   const std::string directory = Blank("disc");
   CdDrive drive = Drive();
-  EXPECT_EQ(drive.ReadDiscInformation()->status, DiscStatus::Blank);
-  EXPECT_EQ(drive.ReadDiscInformation()->leadOut, Lba{359'849});
+  EXPECT_EQ(drive.ReadDiscInfo()->status, DiscStatus::Blank);
+  EXPECT_EQ(drive.ReadDiscInfo()->leadOut, Lba{359'849});
   EXPECT_EQ(drive.ReadTrackInformation(kInvisibleTrack)->nextWritable, Lba{0});
   EXPECT_EQ(drive.ReadCapabilities()->writeSpeed, 48U);
   const Bytes sent = WriteAtOnce(drive);
   EXPECT_EQ(RecordedDisc::Load(directory)->status, RecordedDisc::Status::Damaged) << "until it is closed";
   ASSERT_THAT(drive.Close(CloseWhat::Session), IsOk());
 
-  EXPECT_EQ(drive.ReadDiscInformation()->status, DiscStatus::Finished);
+  EXPECT_EQ(drive.ReadDiscInfo()->status, DiscStatus::Finished);
   const auto toc = drive.ReadToc();
   ASSERT_THAT(toc, IsOk());
   EXPECT_THAT(toc->tracks, testing::ElementsAre(TocTrack{1, true, 0, 60, 2}, TocTrack{2, true, 60, 30, 2}));
@@ -186,7 +186,7 @@ TEST_F(RecorderTest, ADiscAtOnceIsReadByTheDriveAndByOthers) {
   EXPECT_EQ(drive.PlayAndPosition(Lba{40})->index, 0);
   EXPECT_EQ(drive.PlayAndPosition(Lba{39})->track, 1);
   Bytes back(240 * kAudioSectorBytes);
-  ASSERT_THAT(drive.ReadAudio(Lba{-150}, back), IsOk());
+  ASSERT_THAT(drive.ReadCdAudio(Lba{-150}, back), IsOk());
   EXPECT_EQ(back, sent);
 
   const auto json = JsonValue::Parse(test::Content(directory + "/disc.json"));
@@ -206,6 +206,8 @@ TEST_F(RecorderTest, ADiscAtOnceIsReadByTheDriveAndByOthers) {
   EXPECT_EQ(SenseOf(drive, drive.SendOpc()), "05/30/00");
   EXPECT_EQ(SenseOf(drive, drive.Blank(BlankType::Minimal)), "05/30/00");
   EXPECT_EQ(SenseOf(drive, drive.Close(CloseWhat::Session)), "05/2C/00");
+  ASSERT_THAT(drive.SetWriteParameters(Parameters(WriteType::TrackAtOnce)), IsOk());
+  EXPECT_EQ(SenseOf(drive, drive.WriteSectors(Lba{90 + 2 + 150}, Pattern(1, 1))), "05/30/00");
 }
 
 TEST_F(RecorderTest, TracksOneByOneHaveTheirPausesAndRunOuts) {
@@ -224,7 +226,7 @@ TEST_F(RecorderTest, TracksOneByOneHaveTheirPausesAndRunOuts) {
     ASSERT_THAT(drive.SynchronizeCache(), IsOk());
     ASSERT_THAT(drive.Close(CloseWhat::Track, start == 0 ? 1 : 2), IsOk());
   }
-  EXPECT_EQ(drive.ReadDiscInformation()->status, DiscStatus::Open);
+  EXPECT_EQ(drive.ReadDiscInfo()->status, DiscStatus::Open);
   ASSERT_THAT(drive.Close(CloseWhat::Session), IsOk());
   const auto disc = RecordedDisc::Load(directory);
   ASSERT_THAT(disc, IsOk());
@@ -234,7 +236,7 @@ TEST_F(RecorderTest, TracksOneByOneHaveTheirPausesAndRunOuts) {
   EXPECT_EQ(std::filesystem::file_size(directory + "/disc.bin"), (150 + 212) * kAudioSectorBytes);
   // Erased, it is as new.
   ASSERT_THAT(drive.Blank(BlankType::Minimal), IsOk());
-  EXPECT_EQ(drive.ReadDiscInformation()->status, DiscStatus::Blank);
+  EXPECT_EQ(drive.ReadDiscInfo()->status, DiscStatus::Blank);
   EXPECT_FALSE(FileExists(directory + "/disc.cue"));
 }
 
@@ -244,7 +246,7 @@ TEST_F(RecorderTest, ATestLeavesTheDiscBlankAndABreakLeavesItSpoilt) {
     CdDrive drive = Drive();
     (void)WriteAtOnce(drive, true);
     ASSERT_THAT(drive.Close(CloseWhat::Session), IsOk());
-    EXPECT_EQ(drive.ReadDiscInformation()->status, DiscStatus::Blank);
+    EXPECT_EQ(drive.ReadDiscInfo()->status, DiscStatus::Blank);
     EXPECT_FALSE(FileExists(directory + "/disc.bin"));
     ASSERT_THAT(drive.SetWriteParameters(Parameters(WriteType::SessionAtOnce)), IsOk());
     ASSERT_THAT(drive.SendCueSheet(MakeCueData(TwoTracks(), {})), IsOk());
@@ -254,7 +256,7 @@ TEST_F(RecorderTest, ATestLeavesTheDiscBlankAndABreakLeavesItSpoilt) {
     EXPECT_EQ(SenseOf(drive, drive.Close(CloseWhat::Session)), "05/72/03");
   }
   CdDrive next = Drive();
-  EXPECT_EQ(next.ReadDiscInformation()->status, DiscStatus::Finished);
+  EXPECT_EQ(next.ReadDiscInfo()->status, DiscStatus::Finished);
   EXPECT_EQ(SenseOf(next, next.SendOpc()), "05/30/00");
   EXPECT_EQ(RecordedDisc::Load(directory)->status, RecordedDisc::Status::Damaged);
 }
@@ -323,7 +325,8 @@ TEST_F(RecorderTest, FaultsAndTheTraceOfThem) {
   Blank("disc");
   const auto faults =
       ParseScsiFaults(R"([{"drive":"","op":"2A","lba":-130,"skip":0,"times":1,"sense":"03/0C/00"},
-                                          {"op":"35","skip":1,"times":2,"sense":"04/09/01","delayMs":1}])");
+                                          {"op":"35","skip":1,"times":2,"sense":"04/09/01","delayMs":1},
+                                          {"op":"52","reply":"001c01FF"}])");
   ASSERT_THAT(faults, IsOk());
   CdDrive drive(WithTrace(WithFaults(OpenVirtualRecorder(), *faults), "X", place_.File("trace")));
   ASSERT_THAT(drive.SetWriteParameters(Parameters(WriteType::SessionAtOnce)), IsOk());
@@ -339,7 +342,10 @@ TEST_F(RecorderTest, FaultsAndTheTraceOfThem) {
   const auto first = JsonValue::Parse(trace.substr(0, trace.find('\n')));
   ASSERT_THAT(first, IsOk());
   EXPECT_EQ((*first)["drive"].String(), "X");
-  for (const char* text : {"", "[{}]", R"([{"op":"2A","sense":"1"}])", R"([{"op":"123"}])"})
+  EXPECT_THAT(drive.ReadTrackInformation(kInvisibleTrack), FailsWith(Outcome::CdDriveFailed)) << "four bytes";
+  EXPECT_THAT(drive.ReadTrackInformation(kInvisibleTrack), IsOk());
+  for (const char* text : {"", "[{}]", R"([{"op":"2A","sense":"1"}])", R"([{"op":"123"}])",
+                           R"([{"op":"2A","reply":"123"}])", R"([{"op":"2A","reply":"1x"}])"})
     EXPECT_THAT(ParseScsiFaults(text), FailsWith(Outcome::WrongFormat)) << text;
 }
 

@@ -96,7 +96,7 @@ Result<DiscToc> CdDrive::ReadToc(const CancelCheck& cancelled) {
   return toc;
 }
 
-Result<DiscInformation> CdDrive::ReadDiscInformation() {
+Result<DiscInformation> CdDrive::ReadDiscInfo() {
   const auto info = ParseDiscInformation(Ask(ReadDiscInformationCdb(kRoom), kRoom));
   if (!info) return Failure(Outcome::CdDriveFailed);
   return *info;
@@ -106,6 +106,15 @@ Result<TrackInformation> CdDrive::ReadTrackInformation(std::uint8_t track) {
   const auto info = ParseTrackInformation(Ask(ReadTrackInformationCdb(track, kRoom), kRoom));
   if (!info) return Failure(Outcome::CdDriveFailed);
   return *info;
+}
+
+Result<TrackInformation> CdDrive::ReadNextWritable() {
+  auto info = ReadTrackInformation(kInvisibleTrack);
+  if (!info) return info;
+  const bool there = info->blank && info->nextWritable && *info->nextWritable >= Lba{-kPregapSectors} &&
+                     *info->nextWritable < Lba{kEndOfTimes};
+  if (!there) return Failure(Outcome::CdDriveFailed);
+  return info;
 }
 
 std::string CdDrive::ReadCatalogue() {
@@ -123,9 +132,10 @@ CdText CdDrive::ReadCdText() {
   return reply.size() < kHeader ? CdText{} : ParseCdText(ByteView(reply).subspan(kHeader));
 }
 
-Outcome CdDrive::ReadOnce(Lba address, std::span<std::uint8_t> out) {
+Outcome CdDrive::ReadPortion(Lba address, std::span<std::uint8_t> out, const CancelCheck& cancelled) {
   const auto count = static_cast<std::uint32_t>(out.size() / kAudioSectorBytes);
   for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
+    if (attempt > 0 && cancelled && cancelled()) return Outcome::Cancelled;
     const ScsiReply reply = Execute(ReadCdAudioCdb(address, count), out);
     if (reply.good && reply.transferred == out.size()) return Outcome::Success;
     // A disc that is gone does not come back.
@@ -134,19 +144,19 @@ Outcome CdDrive::ReadOnce(Lba address, std::span<std::uint8_t> out) {
   return Outcome::ReadFailed;
 }
 
-Outcome CdDrive::ReadAudio(Lba address, std::span<std::uint8_t> out) {
+Outcome CdDrive::ReadCdAudio(Lba address, std::span<std::uint8_t> out, const CancelCheck& cancelled) {
   while (!out.empty()) {
     const auto count = std::min<std::size_t>(out.size() / kAudioSectorBytes, kSectorsPerCommand);
     if (count == 0) return Outcome::InvalidParameter;
     const auto part = out.first(count * kAudioSectorBytes);
-    if (const Outcome read = ReadOnce(address, part); Failed(read)) return read;
+    if (const Outcome read = ReadPortion(address, part, cancelled); Failed(read)) return read;
     address = address + static_cast<std::int32_t>(count);
     out = out.subspan(part.size());
   }
   return Outcome::Success;
 }
 
-Outcome CdDrive::ReadAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound) {
+Outcome CdDrive::ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound) {
   constexpr std::size_t kStride = kAudioSectorBytes + kC2Bytes;
   const std::size_t count = out.size() / kAudioSectorBytes;
   Bytes both(count * kStride);
@@ -269,7 +279,7 @@ Outcome CdDrive::Blank(BlankType type) {
   return Do(BlankCdb(type));
 }
 
-std::vector<CdDriveEntry> CdDrives() {
+std::vector<CdDriveEntry> ScanDrives() {
   std::vector<CdDriveEntry> drives;
   for (std::string& path : CdDeviceFiles()) {
     auto drive = CdDrive::Open(path);
@@ -282,7 +292,7 @@ std::vector<CdDriveEntry> CdDrives() {
 }
 
 std::vector<CdDriveEntry> CdWriters() {
-  std::vector<CdDriveEntry> writers = CdDrives();
+  std::vector<CdDriveEntry> writers = ScanDrives();
   std::erase_if(writers, [](const CdDriveEntry& entry) {
     auto drive = CdDrive::Open(entry.path);
     const auto capabilities = drive ? drive->ReadCapabilities() : Failure(Outcome::SourceFailed);

@@ -2,7 +2,7 @@
 //
 //   auto drive = CdDrive::Open("/dev/sr0");
 //   const auto toc = drive->ReadToc();
-//   drive->ReadAudio(Lba{...}, sectors);
+//   drive->ReadCdAudio(Lba{...}, sectors);
 //
 // What a drive refuses is CdDriveFailed; LastSense() says why.
 #pragma once
@@ -57,16 +57,21 @@ class CdDrive {
   // Waits a few seconds for a disc that the drive is still getting ready. CdDriveFailed: there is no disc, or
   // none with a table of contents; Cancelled.
   [[nodiscard]] Result<DiscToc> ReadToc(const CancelCheck& cancelled = {});
-  [[nodiscard]] Result<DiscInformation> ReadDiscInformation();
+  [[nodiscard]] Result<DiscInformation> ReadDiscInfo();
   [[nodiscard]] Result<TrackInformation> ReadTrackInformation(std::uint8_t track);
+  // The invisible track: where the next one begins, which is on the disc. CdDriveFailed: nothing can be
+  // written.
+  [[nodiscard]] Result<TrackInformation> ReadNextWritable();
   [[nodiscard]] std::string ReadCatalogue();  // "" when there is none
   [[nodiscard]] std::string ReadIsrc(int track);
   [[nodiscard]] CdText ReadCdText();  // empty when there is none
-  // Whole sectors of audio tracks. ReadFailed, also when the disc has been taken out.
-  [[nodiscard]] Outcome ReadAudio(Lba address, std::span<std::uint8_t> out);
+  // Whole sectors of audio tracks, each command a few times. ReadFailed, also when the disc has been taken
+  // out; Cancelled.
+  [[nodiscard]] Outcome ReadCdAudio(Lba address, std::span<std::uint8_t> out,
+                                  const CancelCheck& cancelled = {});
   // The same once, with the drive's word on each sector: false where it could not correct all of it. Drives
   // without error pointers say nothing.
-  [[nodiscard]] Outcome ReadAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound);
+  [[nodiscard]] Outcome ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound);
   // The track and index at a place, by playing from there. CdDriveFailed.
   [[nodiscard]] Result<SubChannelPosition> PlayAndPosition(Lba address);
   void SetAudioMute(bool mute);
@@ -95,7 +100,7 @@ class CdDrive {
   // Bytes that came; empty when the drive refuses.
   Bytes Ask(const Cdb& cdb, std::size_t room);
   Outcome Do(const Cdb& cdb, ByteView out = {});
-  Outcome ReadOnce(Lba address, std::span<std::uint8_t> out);
+  Outcome ReadPortion(Lba address, std::span<std::uint8_t> out, const CancelCheck& cancelled);
 
   std::unique_ptr<ScsiTransport> transport_;
   DrivePace pace_;
@@ -110,7 +115,7 @@ struct CdDriveEntry {
 // The device files of this machine's disc drives, in their order ("/dev/sr0"...).
 [[nodiscard]] std::vector<std::string> CdDeviceFiles();
 // The drives that answer, the virtual ones last.
-[[nodiscard]] std::vector<CdDriveEntry> CdDrives();
+[[nodiscard]] std::vector<CdDriveEntry> ScanDrives();
 // Those of them that write discs.
 [[nodiscard]] std::vector<CdDriveEntry> CdWriters();
 [[nodiscard]] bool IsVirtualDrive(const std::string& path);

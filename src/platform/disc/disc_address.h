@@ -14,6 +14,10 @@ inline constexpr int kMaxTracks = 99;
 // From the time 00:00:00 to sector 0.
 inline constexpr std::int32_t kPregapSectors = 2 * static_cast<std::int32_t>(kSectorsPerSecond);
 
+// A time has two digits of minutes, so no CD has this sector or one behind it.
+inline constexpr std::int32_t kEndOfTimes =
+    100 * 60 * static_cast<std::int32_t>(kSectorsPerSecond) - kPregapSectors;
+
 // An audio sector: frames of 16 bit stereo in audio-CD format, low byte first.
 inline constexpr std::uint32_t kFramesPerSector = 588;
 inline constexpr std::size_t kBytesPerFrame = 4;

@@ -99,6 +99,9 @@ Result<DiscToc> DiscToc::Parse(ByteView bytes) {
     track.sectors = (last ? toc.leadOut : toc.tracks[i + 1].start) - track.start;
     const bool sessionEnds = !last && track.audio && !toc.tracks[i + 1].audio;
     if (sessionEnds && track.sectors > kSessionGap) track.sectors -= kSessionGap;
+    // Music is on CDs only; data may be on larger discs.
+    if (track.audio && std::int64_t{track.start} + track.sectors > kEndOfTimes)
+      return Failure(Outcome::WrongFormat);
   }
   return toc;
 }

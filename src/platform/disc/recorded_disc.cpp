@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t kMostDescription = 1 << 20;
 constexpr std::array<std::string_view, 4> kStatusNames{"blank", "open", "finalized", "damaged"};
-constexpr std::int64_t kMostSectorsOfDisc = 100 * 60 * std::int64_t{kSectorsPerSecond};
+constexpr std::int64_t kMostSectorsOfDisc = kEndOfTimes + kPregapSectors;
 
 std::string JsonFile(const std::string& directory) {
   return JoinPath(directory, "disc.json");

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <thread>
 
-#include "platform/base/bytes.h"
 #include "platform/base/descriptor.h"
 #include "platform/base/text.h"
 #include "platform/disc/mmc_commands.h"
@@ -40,6 +39,16 @@ std::optional<std::uint8_t> HexByte(std::string_view text) {
   if (text.empty() || end.ec != std::errc{} || end.ptr != text.data() + text.size() || value > 0xFF)
     return std::nullopt;
   return static_cast<std::uint8_t>(value);
+}
+
+std::optional<Bytes> HexBytes(std::string_view text) {
+  Bytes bytes;
+  for (; !text.empty(); text.remove_prefix(std::min<std::size_t>(2, text.size()))) {
+    const auto byte = HexByte(text.substr(0, 2));
+    if (!byte || text.size() == 1) return std::nullopt;
+    bytes.push_back(*byte);
+  }
+  return bytes;
 }
 
 std::optional<SenseData> SenseOf(std::string_view text) {
@@ -81,6 +90,11 @@ class FaultyDrive final : public ScsiTransport {
       // A drive that takes longer than it may has not answered at all.
       if (fault.delay > command.patience) return {};
       if (fault.sense) return {false, *fault.sense, 0};
+      if (fault.reply) {
+        const std::size_t count = std::min(fault.reply->size(), command.in.size());
+        std::copy_n(fault.reply->begin(), count, command.in.begin());
+        return {true, {}, count};
+      }
       break;
     }
     return drive_->Send(command);
@@ -156,6 +170,10 @@ Result<std::vector<ScsiFault>> ParseScsiFaults(std::string_view text) {
     if (!item["sense"].IsNull()) {
       fault.sense = SenseOf(item["sense"].String());
       if (!fault.sense) return Failure(Outcome::WrongFormat);
+    }
+    if (!item["reply"].IsNull()) {
+      fault.reply = HexBytes(item["reply"].String());
+      if (!fault.reply) return Failure(Outcome::WrongFormat);
     }
     faults.push_back(std::move(fault));
   }

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
 #include "platform/disc/scsi_transport.h"
 
@@ -20,7 +21,8 @@ struct ScsiFault {
   std::optional<std::int32_t> address = {};  // only commands that hold this sector
   std::uint32_t skip = 0;                    // so many fitting commands pass first
   std::uint32_t times = 1;                   // so many fail then
-  std::optional<SenseData> sense = {};       // nothing: they are only late
+  std::optional<SenseData> sense = {};       // nothing: they are only late...
+  std::optional<Bytes> reply = {};           // ...or succeed, and bring this instead of what the drive says
   std::chrono::milliseconds delay{0};
 };
 // WrongFormat: the text is no list of faults.
