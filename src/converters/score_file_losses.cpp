@@ -30,6 +30,7 @@ class Reporter {
     ReportWhole();
     ReportParts();
     const ScoreMusic music = ReadMusic(document_);
+    losses_.NamePlaces(document_, music);
     ReportTempos(music);
     for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
       for (const auto& voice : music.voices[staff]) {

@@ -23,7 +23,7 @@ enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusic
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled = {},
                                                         ScoreDetail detail = ScoreDetail::Whole);
 // The bytes of a score in a format; what that format cannot hold is added to the report. The document may be
-// changed for it. Cancelled, OutOfMemory; XmlNotWritten for more than the format can count.
+// changed for it. Cancelled, OutOfMemory; an Xml... code for what its reader would refuse.
 [[nodiscard]] Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,
                                           const WorkWatch& watch = {});
 

@@ -66,6 +66,7 @@ class XmlOut {
     if (!empty) open_.push_back(name);
   }
 
+  [[nodiscard]] std::size_t Size() const { return text_.size(); }
   [[nodiscard]] Bytes Release() { return std::move(text_); }
 
  private:
