@@ -9,6 +9,7 @@
 #include "batch/json_stream.h"
 #include "batch/texts.h"
 #include "converters/score_formats.h"
+#include "converters/texts.h"
 #include "converters/xml_signs.h"
 #include "midi/texts.h"
 #include "platform/base/text.h"
@@ -258,14 +259,23 @@ class ScoreShow {
   ScoreMusic music_;
 };
 
-Result<ScoreDocument> ReadDocument(const std::string& path) {
+ScoreResult<ScoreDocument> ReadDocument(const std::string& path) {
+  const auto fail = [](ScoreFault fault) { return tl::unexpected<ScoreFault>(fault); };
   const auto input = InputFile::Open(path);
-  if (!input) return Failure(Outcome::SourceFailed);
+  if (!input) return fail({Outcome::SourceNotOpened});
   const auto file = input->ReadAll(kMaxScoreFile);
-  if (!file) return Failure(file.error());
+  if (!file) return fail({Outcome::SourceNotOpened});
   auto score = ReadAnyScore(*file);
-  if (!score) return Failure(score.error().code);
+  if (!score) return fail(score.error());
   return std::move(score->document);
+}
+
+std::string Told(const ScoreFault& fault) {
+  if (fault.code == Outcome::WrongFormat || fault.code == Outcome::OldScore)
+    return std::string(Text(texts::PropertyUnknownFormat));
+  if (fault.code == Outcome::SourceNotOpened) return std::string(Text(texts::BatchFileNotOpened));
+  if (fault.bar < 0 || fault.staff < 0) return std::string(Text(texts::XmlRemarkSource));
+  return Format(Text(texts::XmlRemarkSourceAt), fault.bar + 1, fault.staff + 1);
 }
 
 }  // namespace
@@ -290,11 +300,12 @@ int ScoreCommand(CommandLine line, Console& console) {
     const auto document = ReadDocument(file);
     if (!document) {
       status = kExitFailed;
-      const TextId text = document.error() == Outcome::WrongFormat || document.error() == Outcome::OldScore
-                              ? texts::PropertyUnknownFormat
-                              : texts::BatchFileNotOpened;
-      PrintError(console, Format(Text(texts::BatchItemFailed), file, Text(text)));
-      if (json) stream.Value({{"file", file}, {"code", Code(document.error())}});
+      const Outcome code = document.error().code;
+      PrintError(console, Format(Text(texts::BatchItemFailed), file, Told(document.error())));
+      // A file that is not there is a faulty source, as for all that reads scores.
+      if (json)
+        stream.Value({{"file", file},
+                      {"code", Code(code == Outcome::SourceNotOpened ? Outcome::SourceFailed : code)}});
       continue;
     }
     const ScoreShow score(*document);

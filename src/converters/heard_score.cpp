@@ -35,6 +35,7 @@ Result<ScoreImage> HeardScore(Bytes file, const CancelCheck& cancelled) {
   file = {};
   LossReport ofFile;
   ReportScoreFileLosses(score->document, ofFile);
+  SayTimesInWords(score->document);
   ScoreImage image{WriteScore(score->document)};
   image.losses = LossesOf(score->losses, kUnheard);
   image.engineLosses = LossesOf(ofFile, kUnheardOfFile);

@@ -33,6 +33,9 @@ enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusic
 
 // Leaves out what the object mask (xml_signs.h) does not name.
 void ApplyObjectMask(ScoreDocument& document, std::uint32_t mask);
+// A score file has no number for how often a repeat is played, and says it by a text: "3x".
+void SayTimesInWords(ScoreDocument& document);
+inline constexpr unsigned kMostTimesInWords = 15;
 // What a score file cannot hold of a document.
 void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses);
 

@@ -15,12 +15,13 @@ using Attributes = std::vector<std::pair<std::string_view, std::string>>;
 // What no XML file can hold, and the backslash itself, as \xHH.
 std::string Escaped(std::string_view text) {
   std::string escaped;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7F || c == '\\') {
-      escaped += Format("\\x%02X", byte);
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = text[i] == '\\' || text[i] == 0x7F ? 0 : XmlCharacter(text.substr(i));
+    if (length == 0) {
+      escaped += Format("\\x%02X", static_cast<unsigned char>(text[i++]));
     } else {
-      escaped += c;
+      escaped += text.substr(i, length);
+      i += length;
     }
   }
   return escaped;
@@ -187,8 +188,7 @@ class StvXmlWriter {
     if (!known) fields.Number("kind", item.kind, 0, 0, 255);
     stvx::ItemFields(fields, item);
     const bool empty = item.group.notes.empty() && item.drawings.empty() && item.lyrics.empty();
-    Element(known ? stvx::kItemNames[item.kind] : stvx::kOtherItem, fields, empty,
-            kXmlElementNotWritten);
+    Element(known ? stvx::kItemNames[item.kind] : stvx::kOtherItem, fields, empty, kXmlElementNotWritten);
     if (empty) return;
     for (std::size_t i = 0; i < item.group.notes.size(); ++i) {
       FieldWriter note;
