@@ -12,13 +12,16 @@ namespace {
 
 using Attributes = std::vector<std::pair<std::string_view, std::string>>;
 
+constexpr std::string_view kDigits = "0123456789ABCDEF";
+
 // What no XML file can hold, and the backslash itself, as \xHH.
 std::string Escaped(std::string_view text) {
   std::string escaped;
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t length = text[i] == '\\' || text[i] == 0x7F ? 0 : XmlCharacter(text.substr(i));
     if (length == 0) {
-      escaped += Format("\\x%02X", static_cast<unsigned char>(text[i++]));
+      const auto byte = static_cast<unsigned char>(text[i++]);
+      escaped.append("\\x").append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 15]);
     } else {
       escaped += text.substr(i, length);
       i += length;
@@ -28,7 +31,6 @@ std::string Escaped(std::string_view text) {
 }
 
 std::string Hex(ByteView bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string text;
   text.reserve(bytes.size() * 2);
   for (const std::uint8_t byte : bytes) {
