@@ -6,9 +6,10 @@
 
 #include "batch/arguments.h"
 #include "batch/commands.h"
-#include "batch/json_text.h"
+#include "batch/json_stream.h"
 #include "batch/texts.h"
 #include "converters/score_formats.h"
+#include "converters/texts.h"
 #include "converters/xml_signs.h"
 #include "midi/texts.h"
 #include "platform/base/text.h"
@@ -42,33 +43,78 @@ std::string ClefText(const ScoreItem& item) {
   return text;
 }
 
-class ScoreJson {
+class ScoreShow {
  public:
-  explicit ScoreJson(const ScoreDocument& document) : document_(document), music_(ReadMusic(document)) {}
+  explicit ScoreShow(const ScoreDocument& document) : document_(document), music_(ReadMusic(document)) {}
 
-  Json Make(const std::string& file) {
-    Json json;
-    json["file"] = file;
-    const ScoreCredits& credits = document_.credits;
-    json["title"] = credits.title.empty() ? credits.movement : credits.title;
-    json["composer"] = document_.author;
-    json["unit"] = kUnit;
-    json["staves"] = Staves();
-    json["bars"] = Bars();
-    json["notes"] = Json::array();
-    for (const char* list : {"dynamics", "slurs", "hairpins", "texts"}) marks_[list] = Json::array();
-    for (std::size_t staff = 0; staff < music_.voices.size(); ++staff) {
-      for (std::size_t voice = 0; voice < music_.voices[staff].size(); ++voice)
-        AddVoice(json["notes"], staff, voice);
-    }
-    json["tempos"] = Json::array();
+  void Write(const std::string& file, JsonStream& json) const {
+    json.Begin('{');
+    json.Value(file, "file");
+    json.Value(Title(), "title");
+    json.Value(document_.author, "composer");
+    json.Value(kUnit, "unit");
+    json.Value(Staves(), "staves");
+    json.Begin('[', "bars");
+    for (const ScoreBar& bar : music_.bars) json.Value(Bar(bar));
+    json.End();
+    json.Begin('[', "notes");
+    ForEachEvent([&](const EventAt& at) {
+      if (!at.Get().IsRest()) json.Value(Note(at));
+    });
+    json.End();
+    json.Begin('[', "tempos");
     for (const ScoreTempo& tempo : music_.tempos)
-      json["tempos"].push_back({{"start", Units(tempo.at)}, {"quarters", tempo.quarters}});
-    for (auto& [name, list] : marks_.items()) json[name] = std::move(list);
-    return json;
+      json.Value({{"start", Units(tempo.at)}, {"quarters", tempo.quarters}});
+    json.End();
+    for (const char* list : {"dynamics", "slurs", "hairpins", "texts"}) {
+      json.Begin('[', list);
+      ForEachEvent([&](const EventAt& at) { WriteMarks(list, at, at.Get().item->drawings, json); });
+      json.End();
+    }
+    json.End();
+  }
+
+  void PrintSummary(const std::string& file, std::ostream& out) const {
+    out << file << '\n';
+    const auto line = [&out](TextId label, const std::string& value) {
+      if (!value.empty()) out << "  " << Padded(std::string(Text(label)) + ":", 14) << value << '\n';
+    };
+    line(texts::BatchScoreTitle, Title());
+    line(texts::BatchScoreComposer, document_.author);
+    std::string staves;
+    for (const StaffLayout& staff : document_.staves) staves += (staves.empty() ? "" : ", ") + staff.name;
+    line(texts::BatchScoreStaves, staves);
+    line(texts::BatchScoreBars, std::to_string(music_.bars.size()));
+    std::size_t notes = 0;
+    ForEachEvent([&notes](const EventAt& at) { notes += at.Get().IsRest() ? 0 : 1; });
+    line(texts::BatchScoreNotes, std::to_string(notes));
   }
 
  private:
+  // A rest or chord with its place in the music.
+  struct EventAt {
+    std::size_t staff = 0;
+    std::size_t voice = 0;
+    std::size_t index = 0;
+    const std::vector<ScoreEvent>& events;
+
+    [[nodiscard]] const ScoreEvent& Get() const { return events[index]; }
+  };
+  template <typename Take>
+  void ForEachEvent(const Take& take) const {
+    for (std::size_t staff = 0; staff < music_.voices.size(); ++staff) {
+      for (std::size_t voice = 0; voice < music_.voices[staff].size(); ++voice) {
+        const auto& events = music_.voices[staff][voice];
+        for (std::size_t i = 0; i < events.size(); ++i) take(EventAt{staff, voice, i, events});
+      }
+    }
+  }
+
+  [[nodiscard]] const std::string& Title() const {
+    const ScoreCredits& credits = document_.credits;
+    return credits.title.empty() ? credits.movement : credits.title;
+  }
+
   Json Staves() const {
     Json staves = Json::array();
     std::vector<std::string> instruments;
@@ -98,41 +144,35 @@ class ScoreJson {
 
   // What a staff shows at a place.
   const ScoreItem* InForce(std::size_t staff, Fraction at, ObjectKind kind) const {
-    const ScoreItem* found = nullptr;
-    for (const ScoreChange& change : music_.changes[staff]) {
-      if (change.at > at) break;
-      if (change.item->Is(kind)) found = change.item;
+    const auto& changes = music_.changes[staff];
+    for (auto last = std::ranges::upper_bound(changes, at, {}, &ScoreChange::at); last != changes.begin();) {
+      if ((--last)->item->Is(kind)) return last->item;
     }
-    return found;
+    return nullptr;
   }
 
-  Json Bars() const {
-    Json bars = Json::array();
-    for (std::size_t i = 0; i < music_.bars.size(); ++i) {
-      const ScoreBar& bar = music_.bars[i];
-      Json row;
-      row["number"] = bar.number;
-      row["start"] = Units(bar.start);
-      row["length"] = Units(std::min(bar.length, BarLength(bar.time)));
-      row["time"] = TimeText(bar.time);
-      const ScoreItem* key = document_.staves.empty() ? nullptr : InForce(0, bar.start, ObjectKind::Key);
-      row["key"] = key == nullptr ? 0 : key->key;
-      row["clefs"] = Json::array();
-      for (std::size_t staff = 0; staff < document_.staves.size(); ++staff) {
-        const ScoreItem* clef = InForce(staff, bar.start, ObjectKind::Clef);
-        row["clefs"].push_back(clef == nullptr ? "G2" : ClefText(*clef));
-      }
-      row["barline"] = Line(bar);
-      row["repeat"] = bar.repeatStart ? (bar.repeatEnd ? Json("both") : Json("start"))
-                                      : (bar.repeatEnd ? Json("end") : Json(nullptr));
-      row["volta"] = Json::array();
-      for (unsigned n = 1; n < 16; ++n) {
-        if ((bar.endings >> n & 1U) != 0) row["volta"].push_back(n);
-      }
-      if (row["volta"].empty()) row["volta"] = nullptr;
-      bars.push_back(std::move(row));
+  Json Bar(const ScoreBar& bar) const {
+    Json row;
+    row["number"] = bar.number;
+    row["start"] = Units(bar.start);
+    row["length"] = Units(std::min(bar.length, BarLength(bar.time)));
+    row["time"] = TimeText(bar.time);
+    const ScoreItem* key = document_.staves.empty() ? nullptr : InForce(0, bar.start, ObjectKind::Key);
+    row["key"] = key == nullptr ? 0 : key->key;
+    row["clefs"] = Json::array();
+    for (std::size_t staff = 0; staff < document_.staves.size(); ++staff) {
+      const ScoreItem* clef = InForce(staff, bar.start, ObjectKind::Clef);
+      row["clefs"].push_back(clef == nullptr ? "G2" : ClefText(*clef));
     }
-    return bars;
+    row["barline"] = Line(bar);
+    row["repeat"] = bar.repeatStart ? (bar.repeatEnd ? Json("both") : Json("start"))
+                                    : (bar.repeatEnd ? Json("end") : Json(nullptr));
+    row["volta"] = Json::array();
+    for (unsigned n = 1; n < 16; ++n) {
+      if ((bar.endings >> n & 1U) != 0) row["volta"].push_back(n);
+    }
+    if (row["volta"].empty()) row["volta"] = nullptr;
+    return row;
   }
 
   static std::string Line(const ScoreBar& bar) {
@@ -141,27 +181,20 @@ class ScoreJson {
     return bar.line == kBarLineFinal || bar.repeatEnd ? "light-heavy" : "regular";
   }
 
-  void AddVoice(Json& notes, std::size_t staff, std::size_t voice) {
-    const auto& events = music_.voices[staff][voice];
-    for (std::size_t i = 0; i < events.size(); ++i) {
-      const ScoreEvent& event = events[i];
-      AddMarks(staff, voice, i, event.item->drawings);
-      if (event.IsRest()) continue;
-      const ScoreItem& item = *event.item;
-      const DrawnMarks marks = MarksOf(item);
-      Json row;
-      row["staff"] = staff;
-      row["voice"] = voice;
-      row["start"] = Units(event.start);
-      row["length"] = Units(event.length);
-      row["keys"] = SoundingKeys(event, document_.staves[staff]);
-      row["tie"] = Tie(item);
-      row["grace"] = item.IsGrace();
-      row["articulations"] = Articulations(item, marks);
-      row["lyrics"] = Json::array();
-      for (const LyricItem& lyric : item.lyrics) row["lyrics"].push_back(lyric.syllable);
-      notes.push_back(std::move(row));
-    }
+  Json Note(const EventAt& at) const {
+    const ScoreItem& item = *at.Get().item;
+    Json row;
+    row["staff"] = at.staff;
+    row["voice"] = at.voice;
+    row["start"] = Units(at.Get().start);
+    row["length"] = Units(at.Get().length);
+    row["keys"] = SoundingKeys(at.Get(), document_.staves[at.staff]);
+    row["tie"] = Tie(item);
+    row["grace"] = item.IsGrace();
+    row["articulations"] = Articulations(item, MarksOf(item));
+    row["lyrics"] = Json::array();
+    for (const LyricItem& lyric : item.lyrics) row["lyrics"].push_back(lyric.syllable);
+    return row;
   }
 
   static Json Tie(const ScoreItem& item) {
@@ -189,76 +222,60 @@ class ScoreJson {
     return names;
   }
 
-  void AddMarks(std::size_t staff, std::size_t voice, std::size_t index,
-                const std::vector<DrawingItem>& drawings) {
-    const auto& events = music_.voices[staff][voice];
+  // Those of the drawings that belong into a list.
+  static void WriteMarks(std::string_view list, const EventAt& at, const std::vector<DrawingItem>& drawings,
+                         JsonStream& json) {
     for (const DrawingItem& drawing : drawings) {
-      AddMarks(staff, voice, index, drawing.nested);
-      const Fraction at = events[index].start + drawing.offset;
-      Json row = {{"staff", staff}, {"voice", voice}, {"start", Units(at)}};
-      switch (static_cast<DrawingKind>(drawing.kind)) {
-        case DrawingKind::FourPointCurve:
-          row["end"] = Units(events[SpanEnd(events, index, drawing.span)].start);
-          marks_["slurs"].push_back(std::move(row));
-          break;
-        case DrawingKind::Hairpin:
-          row["end"] = Units(drawing.extent.IsZero() ? events[SpanEnd(events, index, drawing.span)].start
-                                                     : at + drawing.extent);
-          row["type"] = (drawing.value & 0x80) != 0 ? "diminuendo" : "crescendo";
-          marks_["hairpins"].push_back(std::move(row));
-          break;
-        case DrawingKind::Text:
-          AddText(std::move(row), drawing);
-          break;
-        default:
-          break;
+      WriteMarks(list, at, drawing.nested, json);
+      const Fraction start = at.Get().start + drawing.offset;
+      const auto end = [&] { return at.events[SpanEnd(at.events, at.index, drawing.span)].start; };
+      Json row = {{"staff", at.staff}, {"voice", at.voice}, {"start", Units(start)}};
+      if (drawing.Is(DrawingKind::FourPointCurve) && list == "slurs") {
+        row["end"] = Units(end());
+      } else if (drawing.Is(DrawingKind::Hairpin) && list == "hairpins") {
+        row["end"] = Units(drawing.extent.IsZero() ? end() : start + drawing.extent);
+        row["type"] = (drawing.value & 0x80) != 0 ? "diminuendo" : "crescendo";
+      } else if (!drawing.Is(DrawingKind::Text) || !AddText(list, drawing, row)) {
+        continue;
       }
+      json.Value(row);
     }
   }
 
-  void AddText(Json row, const DrawingItem& drawing) {
+  static bool AddText(std::string_view list, const DrawingItem& drawing, Json& row) {
     const std::string_view dynamic = drawing.sign == "dynamics" ? std::string_view(drawing.words)
                                      : drawing.sign.empty()     ? DynamicOfSymbols(AsText(drawing.text))
                                                                 : std::string_view();
     if (!dynamic.empty()) {
       row["mark"] = dynamic;
-      marks_["dynamics"].push_back(std::move(row));
-    } else if (const std::string words = WordsOf(drawing); !words.empty()) {
-      const XmlSign* sign = FindSign(drawing.sign);
-      if (sign != nullptr && sign->group != SignGroup::Direction) return;
-      row["text"] = words;
-      marks_["texts"].push_back(std::move(row));
+      return list == "dynamics";
     }
+    const XmlSign* sign = FindSign(drawing.sign);
+    row["text"] = WordsOf(drawing);
+    return list == "texts" && row["text"] != "" && (sign == nullptr || sign->group == SignGroup::Direction);
   }
 
   const ScoreDocument& document_;
   ScoreMusic music_;
-  Json marks_;
 };
 
-Result<ScoreDocument> ReadDocument(const std::string& path) {
+ScoreResult<ScoreDocument> ReadDocument(const std::string& path) {
+  const auto fail = [](ScoreFault fault) { return tl::unexpected<ScoreFault>(fault); };
   const auto input = InputFile::Open(path);
-  if (!input) return Failure(Outcome::SourceFailed);
+  if (!input) return fail({Outcome::SourceNotOpened});
   const auto file = input->ReadAll(kMaxScoreFile);
-  if (!file) return Failure(file.error());
+  if (!file) return fail({Outcome::SourceNotOpened});
   auto score = ReadAnyScore(*file);
-  if (!score) return Failure(score.error().code);
+  if (!score) return fail(score.error());
   return std::move(score->document);
 }
 
-void PrintSummary(Console& console, const Json& score) {
-  console.out << score["file"].get<std::string>() << '\n';
-  const auto line = [&console](TextId label, const std::string& value) {
-    if (!value.empty()) console.out << "  " << Padded(std::string(Text(label)) + ":", 14) << value << '\n';
-  };
-  line(texts::BatchScoreTitle, score["title"].get<std::string>());
-  line(texts::BatchScoreComposer, score["composer"].get<std::string>());
-  std::string staves;
-  for (const Json& staff : score["staves"])
-    staves += (staves.empty() ? "" : ", ") + staff["name"].get<std::string>();
-  line(texts::BatchScoreStaves, staves);
-  line(texts::BatchScoreBars, std::to_string(score["bars"].size()));
-  line(texts::BatchScoreNotes, std::to_string(score["notes"].size()));
+std::string Told(const ScoreFault& fault) {
+  if (fault.code == Outcome::WrongFormat || fault.code == Outcome::OldScore)
+    return std::string(Text(texts::PropertyUnknownFormat));
+  if (fault.code == Outcome::SourceNotOpened) return std::string(Text(texts::BatchFileNotOpened));
+  if (fault.bar < 0 || fault.staff < 0) return std::string(Text(texts::XmlRemarkSource));
+  return Format(Text(texts::XmlRemarkSourceAt), fault.bar + 1, fault.staff + 1);
 }
 
 }  // namespace
@@ -272,27 +289,36 @@ int ScoreCommand(CommandLine line, Console& console) {
   if (const auto status = arguments.Read(line, console)) return *status;
 
   int status = kExitSuccess;
-  Json all = Json::array();
+  JsonStream stream(console.out);
+  const bool list = json && files.size() > 1;
+  if (list) {
+    stream.Begin('{');
+    stream.Begin('[', "files");
+  }
   for (const std::string& file : files) {
     if (console.Interrupted()) return kExitCancelled;
     const auto document = ReadDocument(file);
     if (!document) {
       status = kExitFailed;
-      const TextId text = document.error() == Outcome::WrongFormat || document.error() == Outcome::OldScore
-                              ? texts::PropertyUnknownFormat
-                              : texts::BatchFileNotOpened;
-      PrintError(console, Format(Text(texts::BatchItemFailed), file, Text(text)));
-      if (json) all.push_back({{"file", file}, {"code", Code(document.error())}});
+      const Outcome code = document.error().code;
+      PrintError(console, Format(Text(texts::BatchItemFailed), file, Told(document.error())));
+      // A file that is not there is a faulty source, as for all that reads scores.
+      if (json)
+        stream.Value({{"file", file},
+                      {"code", Code(code == Outcome::SourceNotOpened ? Outcome::SourceFailed : code)}});
       continue;
     }
-    Json score = ScoreJson(*document).Make(file);
+    const ScoreShow score(*document);
     if (json) {
-      all.push_back(std::move(score));
+      score.Write(file, stream);
     } else {
-      PrintSummary(console, score);
+      score.PrintSummary(file, console.out);
     }
   }
-  if (json) console.out << JsonText(files.size() == 1 ? all[0] : Json{{"files", all}}) << '\n';
+  if (list) {
+    stream.End();
+    stream.End();
+  }
   return status;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 #include "converters/texts.h"
 #include "converters/xml_signs.h"
@@ -77,7 +78,7 @@ class Collector {
     for (auto& staff : marks_) {
       for (VoiceMarks& voice : staff)
         std::ranges::stable_sort(voice.directions, {},
-                                 [](const Direction& d) { return std::pair(d.at, !d.stop); });
+                                 [](const Direction& d) { return std::tuple(d.at, !d.endsBar, !d.stop); });
     }
     return std::move(marks_);
   }
@@ -106,7 +107,9 @@ class Collector {
     const XmlSign* sign = FindSign(drawing.sign);
     const bool within = sign != nullptr && sign->group != SignGroup::Direction;
     if (within || IsNotationText(drawing)) return;
-    MarksOf(at).directions.push_back({place, &drawing, false, 1, 0});
+    const bool endsBar = !drawing.offset.IsZero() && event.bar < music_.bars.size() &&
+                         place == music_.bars[event.bar].start + music_.bars[event.bar].length;
+    MarksOf(at).directions.push_back({.at = place, .drawing = &drawing, .endsBar = endsBar});
   }
 
   // A text that is a sign of the chord, not beside it.
@@ -141,8 +144,8 @@ class Collector {
     end = std::min(end, music_.length);
     const unsigned number =
         numbers.Take(at.staff, at.voice, place, end, BarAt(music_, place), BarAt(music_, end));
-    MarksOf(at).directions.push_back({place, &drawing, false, number, 0});
-    MarksOf(at).directions.push_back({end, &drawing, true, number, 0});
+    MarksOf(at).directions.push_back({.at = place, .drawing = &drawing, .number = number});
+    MarksOf(at).directions.push_back({.at = end, .drawing = &drawing, .stop = true, .number = number});
   }
 
   const ScoreMusic& music_;

@@ -14,7 +14,8 @@ namespace ts5::musicxml {
 struct Direction {
   Fraction at;  // in the score
   const DrawingItem* drawing = nullptr;
-  bool stop = false;  // the end of a hairpin or octave line
+  bool stop = false;     // the end of a hairpin or octave line
+  bool endsBar = false;  // it stands at the end of its bar, not at the start of the next one
   unsigned number = 1;
   double tempo = 0;  // of a system: quarters a minute
 };

@@ -74,7 +74,7 @@ std::vector<Direction> SystemTempos(const ScoreMusic& music) {
   }
   std::vector<Direction> tempos;
   for (const ScoreTempo& tempo : music.tempos) {
-    if (!drawn.contains(tempo.at)) tempos.push_back({tempo.at, nullptr, false, 1, tempo.quarters});
+    if (!drawn.contains(tempo.at)) tempos.push_back({.at = tempo.at, .tempo = tempo.quarters});
   }
   return tempos;
 }
@@ -162,13 +162,19 @@ class PartWriter {
 
   [[nodiscard]] bool HasMusic(const VoiceCursor& voice, std::size_t bar) const {
     const Fraction end = part_.Bar(bar).start + part_.Bar(bar).length;
-    const auto& directions = voice.directions;
-    if (voice.nextDirection < directions.size() && directions[voice.nextDirection].at < end) return true;
+    if (IsBefore(voice, end)) return true;
     if (voice.first && attributes_.NextBefore(voice.staff, end)) return true;
     for (std::size_t i = voice.next; i < voice.slices.size() && voice.slices[i].bar == bar; ++i) {
       if (!voice.slices[i].event->IsGap()) return true;
     }
     return false;
+  }
+
+  // Whether the next direction of a voice has its place before that.
+  static bool IsBefore(const VoiceCursor& voice, Fraction end) {
+    if (voice.nextDirection == voice.directions.size()) return false;
+    const Direction& next = voice.directions[voice.nextDirection];
+    return next.at < end || (next.endsBar && next.at == end);
   }
 
   // Moves the cursor of the reader to a place.
@@ -194,7 +200,7 @@ class PartWriter {
     // What stands behind the last note and before the bar line.
     if (const auto change = attributes_.NextBefore(voice.staff, end); voice.first && change)
       attributes_.WriteWithin(voice.staff, *change);
-    if (position_ < end) WriteDirections(voice, position_, end);
+    while (IsBefore(voice, end)) WriteNextDirection(voice, position_);
     const bool lastBar = bar + 1 == part_.music.bars.size();
     if (lastBar) WriteDirections(voice, end, end + Fraction(1));
   }
@@ -202,14 +208,16 @@ class PartWriter {
   // Those before a place, seen from where the cursor is.
   void WriteDirections(VoiceCursor& voice, Fraction from, Fraction until) {
     while (voice.nextDirection < voice.directions.size()) {
-      const Direction& direction = voice.directions[voice.nextDirection];
-      const bool here = direction.at == from || direction.at < until;
-      if (!here) return;
-      MoveTo(from);
-      WriteDirection(out_, direction, divisions_.Ticks(direction.at) - divisions_.Ticks(from), voice.number,
-                     static_cast<unsigned>(voice.staff) + 1);
-      ++voice.nextDirection;
+      const Fraction at = voice.directions[voice.nextDirection].at;
+      if (at != from && at >= until) return;
+      WriteNextDirection(voice, from);
     }
+  }
+  void WriteNextDirection(VoiceCursor& voice, Fraction from) {
+    const Direction& direction = voice.directions[voice.nextDirection++];
+    MoveTo(from);
+    WriteDirection(out_, direction, divisions_.Ticks(direction.at) - divisions_.Ticks(from), voice.number,
+                   static_cast<unsigned>(voice.staff) + 1);
   }
 
   void WriteSlice(VoiceCursor& voice, const NotationSlice& slice) {

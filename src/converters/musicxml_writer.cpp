@@ -159,6 +159,7 @@ void ReportOthers(const ScoreDocument& document, LossReport& losses) {
 Result<Bytes> WriteMusicXml(const ScoreDocument& document, LossReport& losses, const WorkWatch& watch) {
   const ScoreMusic music = ReadMusic(document, watch.cancelled);
   if (watch.cancelled && watch.cancelled()) return Failure(Outcome::Cancelled);
+  losses.NamePlaces(document, music);
   const std::vector<ScorePart> parts = PartsOf(document);
   XmlOut out(kHead);
   out.Open("score-partwise", {{"version", "4.0"}});
@@ -170,6 +171,7 @@ Result<Bytes> WriteMusicXml(const ScoreDocument& document, LossReport& losses, c
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const PartToWrite part{document, music, parts[i], "P" + Number(i + 1), first, ownBeams};
     if (const Outcome written = WritePart(out, part, losses, watch); Failed(written)) return Failure(written);
+    if (out.Size() > kMaxScoreFile) return Failure(Outcome::XmlNotWritten);
     first += parts[i].staves;
     if (watch.progress) watch.progress(static_cast<double>(i + 1) / static_cast<double>(parts.size()));
   }

@@ -30,6 +30,7 @@ class Reporter {
     ReportWhole();
     ReportParts();
     const ScoreMusic music = ReadMusic(document_);
+    losses_.NamePlaces(document_, music);
     ReportTempos(music);
     for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
       for (const auto& voice : music.voices[staff]) {
@@ -41,7 +42,8 @@ class Reporter {
     for (std::size_t i = 0; i < music.bars.size(); ++i) {
       const ScoreBar& bar = music.bars[i];
       if (!bar.lineStyle.empty()) Lose(texts::LossBarLine, {static_cast<int>(i), -1}, bar.lineStyle);
-      if (bar.passes > 2) Lose(texts::LossRepeats, {static_cast<int>(i), -1});
+      if (bar.passes == 1 || bar.passes > kMostTimesInWords)
+        Lose(texts::LossRepeats, {static_cast<int>(i), -1});
     }
     if (stems_ > 0) losses_.Add(texts::LossStem, -1, -1, stems_);
     if (placements_ > 0) losses_.Add(texts::LossPlacement, -1, -1, placements_);

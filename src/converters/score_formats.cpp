@@ -10,6 +10,7 @@
 #include "converters/xml_signs.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
+#include "score/jump_words.h"
 #include "score/score_reader.h"
 #include "score/score_writer.h"
 
@@ -72,7 +73,33 @@ std::string CreditText(const ScoreCredits& credits) {
   return text;
 }
 
+bool SaysTimes(const std::vector<DrawingItem>& drawings) {
+  return std::ranges::any_of(drawings, [](const DrawingItem& drawing) {
+    return drawing.Is(DrawingKind::Text) && ReadJumpWords(AsText(drawing.text)).times > 0;
+  });
+}
+
+// Writes how often a repeat is played over the last rest or chord before its end.
+void SayTimes(StaffItems& staff) {
+  for (VoiceItems& voice : staff.voices) {
+    ScoreItem* last = nullptr;
+    for (ScoreItem& item : voice) {
+      if (item.IsGroup()) last = &item;
+      if (item.times <= 2 || item.times > kMostTimesInWords || last == nullptr || SaysTimes(last->drawings))
+        continue;
+      last->drawings.push_back(WordsDrawing(std::to_string(item.times) + "x"));
+    }
+    if (last != nullptr) return;
+  }
+}
+
 }  // namespace
+
+void SayTimesInWords(ScoreDocument& document) {
+  for (SystemItems& system : document.systems) {
+    if (!system.staves.empty()) SayTimes(system.staves[0]);
+  }
+}
 
 std::optional<ScoreFormat> ScoreFormatOf(ByteView file) {
   constexpr std::size_t kLooked = std::size_t{64} << 10;
@@ -106,6 +133,7 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
                             const WorkWatch& watch) {
   if (format == ScoreFormat::Score) {
     if (document.comment.empty()) document.comment = CreditText(document.credits);
+    SayTimesInWords(document);
     ReportScoreFileLosses(document, losses);
     return WriteScore(document);
   }
@@ -118,9 +146,10 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
 Result<Bytes> ScoreImageOf(Bytes file, const CancelCheck& cancelled) {
   const auto format = ScoreFormatOf(file);
   if (!format || *format == ScoreFormat::Score) return file;
-  const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Music);
+  auto score = ReadAnyScore(file, cancelled, ScoreDetail::Music);
   if (!score) return Failure(score.error().code);
   file = {};
+  SayTimesInWords(score->document);
   return WriteScore(score->document);
 }
 

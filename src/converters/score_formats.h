@@ -23,7 +23,7 @@ enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusic
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadAnyScore(ByteView file, const CancelCheck& cancelled = {},
                                                         ScoreDetail detail = ScoreDetail::Whole);
 // The bytes of a score in a format; what that format cannot hold is added to the report. The document may be
-// changed for it. Cancelled, OutOfMemory; XmlNotWritten for more than the format can count.
+// changed for it. Cancelled, OutOfMemory; an Xml... code for what its reader would refuse.
 [[nodiscard]] Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossReport& losses,
                                           const WorkWatch& watch = {});
 
@@ -33,6 +33,9 @@ enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusic
 
 // Leaves out what the object mask (xml_signs.h) does not name.
 void ApplyObjectMask(ScoreDocument& document, std::uint32_t mask);
+// A score file has no number for how often a repeat is played, and says it by a text: "3x".
+void SayTimesInWords(ScoreDocument& document);
+inline constexpr unsigned kMostTimesInWords = 15;
 // What a score file cannot hold of a document.
 void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses);
 

@@ -5,6 +5,7 @@
 
 #include "converters/texts.h"
 #include "platform/base/text.h"
+#include "score/score_bars.h"
 
 namespace ts5 {
 
@@ -30,8 +31,16 @@ void LossReport::Add(const LossReport& other) {
 }
 
 void LossReport::NamePlaces(std::vector<std::string> bars, std::vector<std::string> staves) {
-  bars_ = std::move(bars);
-  staves_ = std::move(staves);
+  if (bars_.empty()) bars_ = std::move(bars);
+  if (staves_.empty()) staves_ = std::move(staves);
+}
+
+void LossReport::NamePlaces(const ScoreDocument& document, const ScoreMusic& music) {
+  std::vector<std::string> bars(music.bars.size());
+  std::ranges::transform(music.bars, bars.begin(), &ScoreBar::number);
+  std::vector<std::string> staves(document.staves.size());
+  std::ranges::transform(document.staves, staves.begin(), &StaffLayout::name);
+  NamePlaces(std::move(bars), std::move(staves));
 }
 
 std::string LossReport::BarName(const ScoreLoss& loss) const {

@@ -9,6 +9,9 @@
 
 namespace ts5 {
 
+struct ScoreDocument;
+struct ScoreMusic;
+
 struct ScoreLoss {
   TextId kind{};       // what it is, as a noun
   std::string detail;  // the name of the sign, where the kind does not say it
@@ -24,10 +27,16 @@ class LossReport {
   // In the order of the score. More than kMostLosses rows are counted under the kind alone.
   static constexpr std::size_t kMostLosses = 2000;
   [[nodiscard]] const std::vector<ScoreLoss>& Rows() const { return rows_; }
+  // Those alone for which it is true.
+  template <typename Wanted>
+  void Keep(const Wanted& wanted) {
+    std::erase_if(rows_, [&wanted](const ScoreLoss& loss) { return !wanted(loss); });
+  }
   [[nodiscard]] bool Empty() const { return rows_.empty(); }
 
-  // Names for the places: printed bar numbers and staff names.
+  // Names for the places: printed bar numbers and staff names. Those that it has stay.
   void NamePlaces(std::vector<std::string> bars, std::vector<std::string> staves);
+  void NamePlaces(const ScoreDocument& document, const ScoreMusic& music);
   [[nodiscard]] std::string BarName(const ScoreLoss& loss) const;    // "" for the whole score
   [[nodiscard]] std::string StaffName(const ScoreLoss& loss) const;  // "" for all staves
   // "Takt 12, Violine: 2 x Arpeggio"

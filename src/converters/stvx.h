@@ -2,6 +2,8 @@
 // into one another byte for byte. docs/stvx.md describes it, docs/stvx.xsd is its schema.
 #pragma once
 
+#include <cstdint>
+
 #include "converters/score_with_losses.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
@@ -10,7 +12,18 @@
 
 namespace ts5 {
 
-[[nodiscard]] Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {});
+// DEV
+inline constexpr Outcome kXmlInfoNotWritten{-1401};
+inline constexpr Outcome kXmlElementNotWritten{-1402};
+inline constexpr Outcome kXmlLayoutNotWritten{-1403};
+inline constexpr Outcome kXmlSystemNotWritten{-1405};
+inline constexpr Outcome kXmlContradiction{-1408};
+// END
+
+// The reader takes what is written: a document that it would refuse, or one of more than so many bytes, has
+// the Xml... code of the element that has no place. Cancelled.
+[[nodiscard]] Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {},
+                                        std::uint64_t most = kMaxScoreFile);
 // WrongFormat: no StvXML; SourceFailed: a damaged file, with bar and staff where known; Cancelled. The losses
 // are empty.
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadStvXml(ByteView file, const CancelCheck& cancelled = {});

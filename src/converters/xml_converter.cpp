@@ -6,6 +6,7 @@
 #include "converters/score_formats.h"
 #include "converters/texts.h"
 #include "frame/item_run.h"
+#include "frame/loss_remarks.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"

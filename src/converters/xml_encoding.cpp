@@ -114,7 +114,11 @@ Result<std::string> XmlText(ByteView file, const CancelCheck& cancelled) {
     break;
   }
   if (encoding.empty()) encoding = Declared(text);
-  if (encoding.empty() || EqualsIgnoringCase(encoding, "UTF-8")) return Utf8Text(text, cancelled);
+  // A text that can be read up to there is of single bytes, whatever it calls itself.
+  const std::string family = ToUpper(encoding).substr(0, 6);
+  const bool wide = family == "UTF-16" || family == "UTF-32";
+  if (encoding.empty() || (wide && text.starts_with("<?xml")) || EqualsIgnoringCase(encoding, "UTF-8"))
+    return Utf8Text(text, cancelled);
   Converter converter(encoding.c_str());
   if (!converter.Ok()) return Failure(Outcome::WrongFormat);
   return converter.Convert(text, cancelled);

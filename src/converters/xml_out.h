@@ -1,9 +1,10 @@
 // Writes XML as text: elements that open and close, with texts escaped. What no XML file can hold (most
-// control characters) is left out.
+// control characters, halves of characters) is left out.
 #pragma once
 
 #include <charconv>
 #include <concepts>
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -17,6 +18,23 @@ struct XmlAttribute {
   std::string_view name;
   std::string_view value;  // one that is empty is not written
 };
+
+// The length of the character with which a text begins; 0: no XML file can hold it.
+[[nodiscard]] inline std::size_t XmlCharacter(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text[0]);
+  if (lead < 0x80) return lead >= 0x20 ? 1 : 0;
+  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+  if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
+  std::uint32_t code = lead & (0x7FU >> length);
+  for (std::size_t i = 1; i < length; ++i) {
+    const auto next = static_cast<unsigned char>(text[i]);
+    if ((next & 0xC0) != 0x80) return 0;
+    code = code << 6 | (next & 0x3FU);
+  }
+  constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+  const bool half = code >= 0xD800 && code < 0xE000;
+  return code < kLeast[length] || half || code == 0xFFFE || code == 0xFFFF || code > 0x10FFFF ? 0 : length;
+}
 
 class XmlOut {
  public:
@@ -66,6 +84,7 @@ class XmlOut {
     if (!empty) open_.push_back(name);
   }
 
+  [[nodiscard]] std::size_t Size() const { return text_.size(); }
   [[nodiscard]] Bytes Release() { return std::move(text_); }
 
  private:
@@ -87,8 +106,8 @@ class XmlOut {
     Put("\"");
   }
   void Escape(std::string_view content) {
-    for (const char c : content) {
-      switch (c) {
+    for (std::size_t i = 0; i < content.size(); ++i) {
+      switch (content[i]) {
         case '&':
           Put("&amp;");
           break;
@@ -111,7 +130,9 @@ class XmlOut {
           Put("&#9;");
           break;
         default:
-          if (static_cast<unsigned char>(c) >= 0x20) text_.push_back(static_cast<std::uint8_t>(c));
+          const std::size_t length = XmlCharacter(content.substr(i));
+          Put(content.substr(i, length));
+          if (length > 1) i += length - 1;
       }
     }
   }

@@ -9,7 +9,7 @@
 #include "audio/encode/decompressor.h"
 #include "audio/midi_to_wave.h"
 #include "audio/wave_converter.h"
-#include "converters/score_formats.h"
+#include "converters/heard_score.h"
 #include "converters/transcribe/midi_to_score.h"
 #include "converters/xml_converter.h"
 #include "disc/burner.h"
@@ -28,7 +28,7 @@ namespace {
 // One line per filter.
 const std::vector<FilterModule>& Table() {
   static const std::vector<FilterModule> table = [] {
-    SetScoreImageReader(ScoreImageOf);
+    SetScoreImageReader(HeardScore);
     std::vector<FilterModule> modules;
     modules.push_back(ScoreToMidiModule());
     modules.push_back(transcribe::MidiToScoreModule());

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "frame/item_run.h"
+#include "frame/loss_remarks.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
@@ -56,14 +57,22 @@ Outcome ConvertItem(const ScoreToMidiParameters& own, ItemWork& work) {
   work.run.StatusText(Format(Text(texts::ScoreReading), FileNameOf(work.source)));
   const WorkWatch watch{[&work] { return work.Cancelled(); }, work.progress};
   auto& item = work.Prepared<PreparedScore>();
-  const OpenScore& score = item.score;
+  OpenScore& score = item.score;
   ScoreParameters& parameters = item.parameters;
   const std::string& sets = work.run.GetSettings().playbackParameterDirectory;
   if (Failed(LoadAutomaticSet(sets, work.source, score.voices, parameters)))
     work.run.Notice(SetFailure(AutomaticParameterSet(sets, work.source)));
+  ScoreImage& image = score.image;
+  const bool ofOtherFormat = image.document != nullptr;
+  if (own.UsesEngine()) image.document.reset();  // which has all in the file
   const auto midi = own.UsesEngine() ? ByEngine(score, parameters, watch)
+                    : image.document ? PlainMidi(*image.document, LibraryOptions(own, parameters), watch)
                                      : ConvertSTVToMID(score.file, LibraryOptions(own, parameters), watch);
-  return midi ? work.target.Write(*midi) : midi.error();
+  if (!midi) return midi.error();
+  if (!ofOtherFormat) return work.target.Write(*midi);
+  std::vector<ItemLoss> losses = std::move(image.losses);
+  if (own.UsesEngine()) losses.insert(losses.end(), image.engineLosses.begin(), image.engineLosses.end());
+  return WriteWithLosses(work, *midi, std::move(losses));
 }
 
 }  // namespace
@@ -103,6 +112,7 @@ void RunScoreToMidi(Run& run, const ScoreToMidiParameters& own) {
   };
   filter.convert = [&own](ItemWork& work) { return ConvertItem(own, work); };
   RunItems(run, filter);
+  AddLossRemarks(run.Result());
 }
 
 }  // namespace

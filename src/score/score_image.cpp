@@ -13,9 +13,9 @@ void SetScoreImageReader(ScoreImageReader reader) {
   installed = reader;
 }
 
-Result<Bytes> ScoreImage(Bytes file, const CancelCheck& cancelled) {
+Result<ScoreImage> ReadScoreImage(Bytes file, const CancelCheck& cancelled) {
   const ScoreImageReader reader = installed;
-  if (reader == nullptr) return file;
+  if (reader == nullptr) return ScoreImage{std::move(file)};
   return reader(std::move(file), cancelled);
 }
 

@@ -1,10 +1,11 @@
 #include "score/score_midi.h"
 
+#include <utility>
+
 #include "midi/midi_events.h"
 #include "midi/track_writer.h"
 #include "platform/files/input_file.h"
 #include "platform/sound/midi_out.h"
-#include "score/score_image.h"
 
 namespace ts5 {
 namespace {
@@ -99,9 +100,11 @@ Result<OpenScore> OpenAndScan(const std::string& path, PlaybackParameters& param
   if (!file) return Failure(file.error());
   auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
   if (!bytes) return Failure(bytes.error());
-  bytes = ScoreImage(std::move(*bytes), cancelled);
-  if (!bytes) return Failure(bytes.error());
-  return OpenAndScan(std::move(*bytes), parameters, repeats, cancelled);
+  auto image = ReadScoreImage(*std::move(bytes), cancelled);
+  if (!image) return Failure(image.error());
+  auto score = OpenAndScan(std::exchange(image->file, {}), parameters, repeats, cancelled);
+  if (score) score->image = *std::move(image);
+  return score;
 }
 
 Result<Bytes> ScoreToMidi(const OpenScore& score, const PlaybackParameters& parameters, ScoreOptions options,

@@ -9,12 +9,14 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 #include "score/score_engine.h"
+#include "score/score_image.h"
 
 namespace ts5 {
 
 // A score of the current format, ready to be played: measured, every voice with a channel.
 struct OpenScore {
   Bytes file;
+  ScoreImage image = {};  // of a file of another format: what its reader says of it, without the bytes
   ScoreFileInfo info;
   std::vector<std::uint8_t> voices;  // of each staff layout
   ScoreScan scan;

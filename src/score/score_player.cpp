@@ -83,6 +83,7 @@ class ScoreDevice final : public PlayerDevice {
     auto score =
         OpenAndScan(source, parameters.playback, parameters.playRepeats, [this] { return run_.Cancelled(); });
     if (!score) return Failure(score.error());
+    score->image = {};  // the engine plays
     const std::string& sets = run_.GetSettings().playbackParameterDirectory;
     if (Failed(LoadAutomaticSet(sets, source, score->voices, parameters)))
       run_.Notice(SetFailure(AutomaticParameterSet(sets, source)));

@@ -270,6 +270,13 @@ TEST(MusicXmlReader, KnowsBarsRepeatsAndJumps) {
                            "dalsegno='s'/>"
                            "</direction>"),
        "bar 1 1/1 4/4 jumps 1\nbar 2 1/1 4/4 jumps 20\n"},
+      {"words at the end of a bar stay in it",
+       bar("1", four + "<direction><direction-type><words>Fine</words></direction-type><sound "
+                       "fine='yes'/></direction>") +
+           bar("2", four + "<direction><direction-type><words>D.C.</words></direction-type><sound "
+                           "dacapo='yes'/></direction>") +
+           bar("3", four),
+       "bar 1 1/1 4/4 jumps 8\nbar 2 1/1 4/4 jumps 10\nbar 3 1/1 4/4\n"},
       {"unequal measures are as long as the longest", bar("1", four + q) + bar("2", q),
        "bar 1 5/4 4/4\nbar 2 1/4 4/4\n"},
       {"empty measures", bar("1", "") + bar("2", four), "bar 1 1/1 4/4\nbar 2 1/1 4/4\n"},
@@ -285,6 +292,9 @@ TEST(MusicXmlReader, KnowsBarsRepeatsAndJumps) {
     ASSERT_TRUE(score) << row.what;
     const std::string text = MusicText(score->document);
     EXPECT_EQ(text.substr(0, text.find("staff")), row.bars) << row.what;
+    LossReport losses;
+    const auto again = ReadMusicXml(*WriteMusicXml(score->document, losses));
+    EXPECT_EQ(MusicText(again->document), text) << row.what;
   }
 }
 
@@ -337,6 +347,7 @@ TEST(MusicXmlReader, ReadsEveryEncoding) {
   }
   EXPECT_EQ(read(declared("UTF-8", body)), "T\xC3\xB6ne");
   EXPECT_EQ(read(declared("ISO-8859-1", latin)), "T\xC3\xB6ne");
+  EXPECT_EQ(read(declared("UTF-16", body)), "T\xC3\xB6ne");  // which it is not
   EXPECT_EQ(read(declared("windows-1252", latin)), "T\xC3\xB6ne");
   EXPECT_EQ(read(BytesOf("\xEF\xBB\xBF" + body)), "T\xC3\xB6ne");
   EXPECT_EQ(read(utf16), "T\xC3\xB6ne");

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <set>
 
 #include "converters/score_formats.h"
 #include "converters/stvx.h"
@@ -82,6 +83,24 @@ TEST(StvXml, RefusesWhatNoScoreCanHold) {
   for (int i = 0; i < 100; ++i) deep += "</group>";
   EXPECT_FALSE(ReadStvXml(BytesOf(score(deep + "</rest>"))));
   EXPECT_EQ(ReadStvXml(BytesOf(score("<rest/>")), [] { return true; }).error().code, Outcome::Cancelled);
+}
+
+TEST(StvXml, SaysWhichElementHasNoPlaceInTheFile) {
+  ScoreDocument score = RandomScore(1);
+  score.parts = {{.name = "Chor", .diatonic = 0}};
+  const std::size_t size = WriteStvXml(score)->size();
+  std::set<std::int32_t> codes;
+  for (std::size_t most = 30; most < size; most += most < 2000 ? 10 : 997)
+    codes.insert(Code(WriteStvXml(score, {}, most).error()));
+  EXPECT_THAT(codes, ElementsAre(-1405, -1403, -1402, -1401));
+  EXPECT_THAT(WriteStvXml(score, {}, size - 1), FailsWith(Outcome::XmlNotWritten));
+  EXPECT_THAT(WriteStvXml(score, {}, size), IsOk());
+  // What the reader would refuse is not written.
+  score.parts[0].diatonic = 101;
+  EXPECT_THAT(WriteStvXml(score), FailsWith(kXmlInfoNotWritten));
+  score.parts.clear();
+  score.staves.clear();
+  EXPECT_THAT(WriteStvXml(score), FailsWith(kXmlContradiction));
 }
 
 class XmlConverterRun : public testing::Test {

@@ -10,6 +10,7 @@
 #include "converters/texts.h"
 #include "converters/transcribe/texts.h"
 #include "frame/item_run.h"
+#include "frame/loss_remarks.h"
 #include "frame/run.h"
 #include "frame/texts.h"
 #include "midi/midi_item.h"
