@@ -104,7 +104,9 @@ TEST(Process, EndsWithItsTimeOrByRequestWithAllItHasStarted) {
     Bytes line(20);
     ASSERT_GT(process->Read(ProcessStream::Output, line).value_or(0), 0U);
     process->CloseInput();
-    if (end.empty()) EXPECT_EQ(process->Wait(10s), 1);
+    if (end.empty()) {
+      EXPECT_EQ(process->Wait(10s), 1);
+    }
     process->Terminate();
     EXPECT_TRUE(Ends(std::string(AsText(line))));
   }
