@@ -195,9 +195,8 @@ class CompressorRun {
       return EncodeFile(source, work.target, parameters_.encode, watch);
     const auto [interface, set] = ChosenIn(interfaces_, parameters_.encode);
     if (interface == nullptr) return Outcome::EncoderNotStarted;
-    const std::string directory(DirectoryOf(work.target.TemporaryPath()));
     const auto run = [&, &program = *interface, number = set](const std::string& path) {
-      return RunEncoder(program, number, {path, source.Seconds()}, directory, work.target, watch);
+      return RunEncoder(program, number, {path, source.Seconds()}, work.target, watch);
     };
     if (!source.IsAiff()) return run(source.Path());
     const auto wave = WaveOf(source, watch);
