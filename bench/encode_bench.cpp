@@ -47,7 +47,7 @@ EncodeSettings SettingsOf(EncoderId id) {
   if (settings.Method() == EncodeMethod::Codec) settings.object = CodecIndexOf(id);
   settings.format = id == EncoderId::Mp2Codec ? 13 : id == EncoderId::WmaCodec ? 9 : 14;
   settings.engine = BeConfig::Defaults(id == EncoderId::Blade ? Mp3Engine::Blade : Mp3Engine::Lame);
-  if (id == EncoderId::Lame) settings.engine.Set(lame::kVbr, 0);
+  if (id == EncoderId::Lame) settings.engine.Set(lame::bEnableVBR, 0);
   return settings;
 }
 

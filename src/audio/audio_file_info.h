@@ -1,4 +1,4 @@
-// What an audio file is, as attributes that cannot be written.
+// What an audio file is, as attributes that cannot be written (quick_file_info.h), whoever can tell it.
 #pragma once
 
 #include <string>
@@ -8,9 +8,7 @@
 
 namespace ts5 {
 
-// "FileSize" (bytes), "Duration" (100 nanoseconds), "Bitrate" (bits per second, the mean), "HasAudio",
-// "HasVideo", "Seekable", then what the file itself says and does not let change. SourceFailed: the file
-// cannot be opened. WrongFormat: no audio.
+// SourceFailed: the file cannot be opened. WrongFormat: no audio.
 [[nodiscard]] Result<Attributes> ReadFileInfo(const std::string& path);
 // The same of a file whose attributes have been read already.
 [[nodiscard]] Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attributes);

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "audio/quick_file_info.h"
 #include "batch/commands.h"
 #include "batch/show_attributes.h"
 #include "batch/stored_jobs.h"
@@ -40,13 +41,19 @@ int JobsCommandWithoutDrives(CommandLine line, Console& console) {
   return ListJobs(line, console, JobSurroundingsOf(VolumeTable::OfThisMachine(), noModules, askDrive));
 }
 
-// What a file is, only the decoders know.
+// What some files are, only the decoders know; then nothing has been changed or printed yet.
 int AttributesCommandWithoutMedia(CommandLine line, Console& console) {
-  if (std::ranges::find(line, "--json") != line.end()) BecomeFull();
+  const auto has = [line](std::string_view option) {
+    return std::ranges::any_of(line, [option](const std::string& word) { return word.starts_with(option); });
+  };
+  if (has("--json") && (has("--set") || has("--remove"))) BecomeFull();
   CatchInterrupts();
-  return ShowAttributes(line, console, [](const std::string&, const Attributes&) -> Result<Attributes> {
-    return Failure(Outcome::WrongFormat);
-  });
+  return ShowAttributes(line, console,
+                        [](const std::string& file, const Attributes& own) -> Result<Attributes> {
+                          if (auto info = QuickFileInfo(file, own)) return *std::move(info);
+                          BecomeFull();
+                          return Failure(Outcome::WrongFormat);
+                        });
 }
 
 constexpr std::array kLight{

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
+#include <span>
 
 #include "audio/tags/attribute_names.h"
 #include "audio/tags/attribute_store.h"
@@ -14,11 +15,14 @@
 #include "batch/texts.h"
 #include "frame/settings_store.h"
 #include "midi/texts.h"
+#include "platform/base/parallel.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
 
 namespace ts5::batch {
 namespace {
+
+constexpr std::size_t kReadTogether = 512;  // files, which are printed then
 
 struct Request {
   AttributeChanges changes;
@@ -110,6 +114,22 @@ Result<Attributes> ChangeAndRead(const std::string& file, const Request& request
   return ReadAttributes(file);
 }
 
+// What there is to say of a file.
+struct Shown {
+  Result<Attributes> attributes = Failure(Outcome::Cancelled);
+  Attributes info;
+  std::size_t failed = 0;  // changes that were not saved
+};
+
+Shown ChangeAndTell(const std::string& file, const Request& request, FileInfoReader info) {
+  Shown shown;
+  shown.attributes = ChangeAndRead(file, request, shown.failed);
+  if (!shown.attributes) return shown;
+  Sort(*shown.attributes);
+  if (info != nullptr) shown.info = info(file, *shown.attributes).value_or(Attributes());
+  return shown;
+}
+
 }  // namespace
 
 int ShowAttributes(CommandLine line, Console& console, FileInfoReader info) {
@@ -137,23 +157,34 @@ int ShowAttributes(CommandLine line, Console& console, FileInfoReader info) {
 
   int status = kExitSuccess;
   Json all = Json::array();
-  for (const std::string& file : files) {
-    if (console.Interrupted()) return kExitCancelled;
-    std::size_t failed = 0;
-    auto attributes = ChangeAndRead(file, request, failed);
+  const auto tell = [&](const std::string& file, const Shown& shown) {
+    const auto& [attributes, properties, failed] = shown;
     if (failed > 0) PrintError(console, file + ": " + Format(Text(texts::AttributesNotSaved), failed));
     if (!attributes) PrintError(console, FailureText(file, attributes.error()));
     if (failed > 0 || !attributes) status = kExitFailed;
     if (!attributes) {
       if (json) all.push_back({{"file", file}, {"code", Code(attributes.error())}});
-      continue;
-    }
-    Sort(*attributes);
-    if (json) {
-      all.push_back(JsonFile(file, info(file, *attributes).value_or(Attributes()), *attributes));
+    } else if (json) {
+      all.push_back(JsonFile(file, properties, *attributes));
       if (failed > 0) all.back()["code"] = Code(Outcome::AttributesNotWritten);
     } else {
       PrintFile(console, file, *attributes);
+    }
+  };
+  // Files are read on all cores, and changed one after the other: one may be named twice.
+  const bool reads = request.changes.Empty();
+  const std::size_t together = json ? files.size() : kReadTogether;
+  for (std::size_t from = 0; from < files.size(); from += together) {
+    const auto some = std::span(files).subspan(from, std::min(together, files.size() - from));
+    std::vector<Shown> shown(some.size());
+    const auto take = [&](std::size_t i) {
+      if (!console.Interrupted()) shown[i] = ChangeAndTell(some[i], request, json ? info : nullptr);
+    };
+    if (reads) InParallel(some.size(), take);
+    for (std::size_t i = 0; i < some.size(); ++i) {
+      if (!reads) take(i);
+      if (console.Interrupted()) return kExitCancelled;
+      tell(some[i], shown[i]);
     }
   }
   if (json) console.out << JsonText({{"files", all}});

@@ -9,7 +9,8 @@
 
 namespace ts5::batch {
 
-// What a file is beside what it says, as FileInfoWith() tells it; needed for --json alone.
+// What a file is beside what it says, as FileInfoWith() tells it; needed for --json alone. Called on several
+// threads.
 using FileInfoReader = Result<Attributes> (*)(const std::string& path, const Attributes& attributes);
 int ShowAttributes(CommandLine line, Console& console, FileInfoReader info);
 

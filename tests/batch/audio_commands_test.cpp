@@ -64,7 +64,9 @@ TEST_F(AudioCommandsTest, TheLightProgramTellsTheSame) {
   for (const std::vector<std::string>& line :
        {std::vector<std::string>{"attributes", song, "--set", "Title=Größe"},
         {"attributes", song, folder_.File("none.mp3")},
-        {"attributes", "--json", song}}) {
+        {"attributes", "--json", song},
+        {"attributes", "--json", folder_.File("none.mp3"), DataPath("audio/wav_pcm16_mono_8000.wav"),
+         DataPath("audio/mpeg1_layer3_vbr_xing_id3v2.mp3")}}) {
     const ProgramEnd end = Program(line, folder_.Path(), folder_.File("registry")).Wait();
     EXPECT_EQ(Run(line), end.status) << line.back();
     EXPECT_EQ(captured_->out.str(), end.out);

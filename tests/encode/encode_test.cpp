@@ -11,6 +11,7 @@
 #include "audio/encode/compressor.h"
 #include "audio/encode/decompressor.h"
 #include "audio/media_probe.h"
+#include "audio/quick_probe.h"
 #include "audio/sample_codec.h"
 #include "audio/tags/tag_file.h"
 #include "audio/wave_bytes.h"
@@ -19,6 +20,7 @@
 #include "encode/encode_support.h"
 #include "frame/run_support.h"
 #include "platform/media/mp3_frame.h"
+#include "platform/media/open_media.h"
 #include "support/matchers.h"
 #include "support/test_data.h"
 
@@ -73,6 +75,21 @@ void ExpectAlike(const std::vector<double>& in, const std::vector<double>& out, 
   EXPECT_GT(both / std::sqrt(a * b), least);
 }
 
+// What is told of a file without a decoder is what the decoder tells.
+void ExpectToldQuickly(const std::string& path) {
+  const auto quick = QuickProbe(*InputFile::Open(path));
+  const auto reader = OpenMedia(path);
+  ASSERT_TRUE(quick.has_value() && reader.has_value());
+  const MediaInfo& info = (*reader)->Info();
+  EXPECT_EQ(quick->kind, KindOf(info));
+  EXPECT_EQ(quick->codec, info.codec);
+  EXPECT_EQ(quick->format, info.format);
+  EXPECT_EQ(quick->frames, info.frames);
+  EXPECT_EQ(quick->seconds, info.seconds);
+  EXPECT_EQ(quick->encoder, info.encoder);
+  EXPECT_EQ(quick->delay, info.delay);
+}
+
 TEST(EncodeTest, OddLengthsComeBackExactly) {
   const TemporaryDirectory place;
   const struct {
@@ -101,6 +118,7 @@ TEST(EncodeTest, OddLengthsComeBackExactly) {
       if (row->lossless) {
         EXPECT_EQ(out, in);
       } else if (frames > 4000) {
+        if (row->extension == "mp3") ExpectToldQuickly(target);
         ExpectAlike(in, out, 0.998);
       }
       EXPECT_THAT(ProveEncoding(source, target, encoder.settings), IsOk());
@@ -134,6 +152,7 @@ TEST(EncodeTest, EveryRateOfTheEngines) {
                                                         {"EncoderBitrate", bitRate}});
         ASSERT_THAT(Encode(source, target, settings), IsOk());
         ASSERT_THAT(ProveEncoding(source, target, settings), IsOk());
+        ExpectToldQuickly(target);
       }
     }
   }

@@ -180,7 +180,7 @@ class EncoderRunTest : public testing::Test {
   Outcome Run(const EncoderInterface& interface, const WorkWatch& watch = {}) {
     auto staged = StagedFile::Create(Target());
     EXPECT_THAT(staged, IsOk());
-    const Outcome outcome = RunEncoder(interface, 0, {source_, 1}, directory_.Path(), *staged, watch);
+    const Outcome outcome = RunEncoder(interface, 0, {source_, 1}, *staged, watch);
     if (Succeeded(outcome) || outcome == Outcome::EncoderFailed) {
       EXPECT_THAT(staged->Commit(), IsOk());
     }
@@ -287,7 +287,7 @@ TEST_F(EncoderRunTest, KnownEncodersWork) {
       SCOPED_TRACE(known.sets[set].parameters);
       EXPECT_EQ(ParametersFault(known.sets[set].parameters), std::nullopt);
       auto staged = StagedFile::Create(directory_.File("out." + known.extension));
-      EXPECT_THAT(RunEncoder(known, set, {source_, 1}, directory_.Path(), *staged), IsOk());
+      EXPECT_THAT(RunEncoder(known, set, {source_, 1}, *staged), IsOk());
       EXPECT_GT(staged->Size(), 100U);
     }
   }

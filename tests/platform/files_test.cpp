@@ -186,12 +186,13 @@ TEST_F(StagedFileTest, WhatAKilledProgramLeftIsCleared) {
   ASSERT_EQ(InChild([&]() -> bool {
               auto left = StagedFile::Create(directory.File("a"));
               (void)left->Write(AsBytes("half"));
+              std::ofstream(left->TemporaryPath() + ".mp3") << "half of an encoder's";
               ::_exit(left ? 0 : 1);
             }),
             0);
   {
     const auto mine = StagedFile::Create(directory.File("b"));
-    EXPECT_EQ(ClearAbandonedFiles(directory.Path()), 1U);
+    EXPECT_EQ(ClearAbandonedFiles(directory.Path()), 2U);
     EXPECT_TRUE(FileExists(mine->TemporaryPath())) << "its owner is alive";
   }
   EXPECT_EQ(Listing(directory.Path()), ".sTS5-0123 .sTS5-0123456789xy");

@@ -33,6 +33,13 @@ bool HasChildren() {
   return !(::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD);
 }
 
+bool Ends(const std::string& number) {
+  for (int i = 0; i < 300; ++i, std::this_thread::sleep_for(10ms)) {
+    if (::kill(std::stoi(number), 0) != 0) return true;
+  }
+  return false;
+}
+
 TEST(Process, ArgumentsArriveAsTheyAreWithoutAShell) {
   EXPECT_EQ(OutputOf("printf", {"%s|", "a b", "$HOME", "`id`", "\"'\\", "*", "Größe", "; rm x"}),
             "a b|$HOME|`id`|\"'\\|*|Größe|; rm x|");
@@ -87,7 +94,36 @@ TEST(Process, EndsWithItsTimeOrByRequestWithAllItHasStarted) {
   EXPECT_THAT(RunProcess("sh", {"-c", "sleep 1h & sleep 1h"}, {.timeout = 100ms}),
               FailsWith(Outcome::Cancelled));
   EXPECT_THAT(RunProcess("sleep", {"1h"}, {.cancelled = [] { return true; }}), FailsWith(Outcome::Cancelled));
+  // What has left its group and its session and lost its parents does not escape, whether the program ends or
+  // is ended.
+  for (const std::string end : {"", "; sleep 1h"}) {
+    auto process = Process::Start(
+        "sh", {"-c", "(setsid sh -c 'sleep 1h & echo $!; trap \"\" TERM; wait' &) ; read line" + end},
+        {.input = true, .output = true});
+    ASSERT_THAT(process, IsOk());
+    Bytes line(20);
+    ASSERT_GT(process->Read(ProcessStream::Output, line).value_or(0), 0U);
+    process->CloseInput();
+    if (end.empty()) {
+      EXPECT_EQ(process->Wait(10s), 1);
+    }
+    process->Terminate();
+    EXPECT_TRUE(Ends(std::string(AsText(line))));
+  }
   EXPECT_FALSE(HasChildren());
+}
+
+TEST(Process, EndsWithUsHoweverWeEnd) {
+  const test::TemporaryDirectory directory;
+  const std::string note = directory.File("pid");
+  const pid_t us = ::fork();
+  if (us == 0) {
+    const auto left = Process::Start("sh", {"-c", "echo $$ >$0.new; mv $0.new $0; exec sleep 1h", note});
+    while (!std::filesystem::exists(note)) std::this_thread::sleep_for(5ms);
+    (void)::raise(SIGKILL);
+  }
+  ASSERT_EQ(::waitpid(us, nullptr, 0), us);
+  EXPECT_TRUE(Ends(test::Content(note)));
 }
 
 TEST(Process, ByHand) {

@@ -159,7 +159,7 @@ TEST(DecoderDialogTest, GivesBackWhatItShows) {
 TEST(EngineDialogTest, KeepsWhatItDoesNotShow) {
   RecordingHost host;
   BeConfig config = BeConfig::Defaults(Mp3Engine::Lame);
-  config.Set(lame::kPsyModel, 0x12345678);
+  config.Set(lame::dwPsyModel, 0x12345678);
   EngineDialog dialog(config, Mp3Engine::Lame, host, nullptr);
   dialog.show();
   EXPECT_FALSE(Child<QComboBox>(dialog, "bitRateBox").isEnabled());
@@ -169,10 +169,10 @@ TEST(EngineDialogTest, KeepsWhatItDoesNotShow) {
   Child<QSlider>(dialog, "maxSlider").setValue(2);
   EXPECT_EQ(Child<QSlider>(dialog, "minSlider").value(), 2);
   Press(dialog, "okButton");
-  EXPECT_EQ(dialog.Config().Get(lame::kBitRate), 48U);
-  EXPECT_EQ(dialog.Config().Get(lame::kMaxBitRate), 48U);
-  EXPECT_EQ(dialog.Config().Get(lame::kPsyModel), 0x12345678U);
-  EXPECT_EQ(dialog.Config().GetSigned(lame::kPreset), 0);
+  EXPECT_EQ(dialog.Config().Get(lame::dwBitrate), 48U);
+  EXPECT_EQ(dialog.Config().Get(lame::dwMaxBitrate), 48U);
+  EXPECT_EQ(dialog.Config().Get(lame::dwPsyModel), 0x12345678U);
+  EXPECT_EQ(dialog.Config().GetSigned(lame::nPreset), 0);
 
   EngineDialog blade(dialog.Config(), Mp3Engine::Blade, host, nullptr);
   EXPECT_EQ(Child<QComboBox>(blade, "modeBox").count(), 3);

@@ -13,32 +13,32 @@ constexpr BeField kNone{0, 0};
 
 using Value = std::pair<BeField, std::uint32_t>;
 constexpr Value kBladeDefaults[] = {
-    {blade::kSampleRate, 44100}, {blade::kBitRate, 128}, {blade::kPrivate, 1},
-    {blade::kCopyright, 1},      {blade::kOriginal, 1},
+    {blade::dwSampleRate, 44100}, {blade::wBitrate, 128}, {blade::bPrivate, 1},
+    {blade::bCopyright, 1},       {blade::bOriginal, 1},
 };
 constexpr Value kLameDefaults[] = {
-    {lame::kStructVersion, 1},  {lame::kStructSize, kBeConfigSize},
-    {lame::kSampleRate, 44100}, {lame::kMode, 1},
-    {lame::kBitRate, 128},      {lame::kMaxBitRate, 320},
-    {lame::kMpegVersion, 1},    {lame::kPrivate, 1},
-    {lame::kCopyright, 1},      {lame::kOriginal, 1},
-    {lame::kWriteVbrHeader, 1}, {lame::kVbr, 1},
-    {lame::kVbrQuality, 5},     {lame::kNoReservoir, 1},
+    {lame::dwStructVersion, 1},  {lame::dwStructSize, kBeConfigSize},
+    {lame::dwSampleRate, 44100}, {lame::nMode, 1},
+    {lame::dwBitrate, 128},      {lame::dwMaxBitrate, 320},
+    {lame::dwMpegVersion, 1},    {lame::bPrivate, 1},
+    {lame::bCopyright, 1},       {lame::bOriginal, 1},
+    {lame::bWriteVBRHeader, 1},  {lame::bEnableVBR, 1},
+    {lame::nVBRQuality, 5},      {lame::bNoRes, 1},
 };
 
 constexpr BeValue kValues[] = {
-    {"EncoderSampleRate", blade::kSampleRate, lame::kSampleRate, 8000, 48000},
-    {"EncoderMode", blade::kMode, lame::kMode, 0, 3},
-    {"EncoderBitrate", blade::kBitRate, lame::kBitRate, 8, 320},
-    {"EncoderMaxBitrate", kNone, lame::kMaxBitRate, 8, 320},
-    {"EncoderPreset", kNone, lame::kPreset, -1, 10000},
-    {"EncoderPrivate", blade::kPrivate, lame::kPrivate, 0, 1},
-    {"EncoderCrc", blade::kCrc, lame::kCrc, 0, 1},
-    {"EncoderCopyright", blade::kCopyright, lame::kCopyright, 0, 1},
-    {"EncoderOriginal", blade::kOriginal, lame::kOriginal, 0, 1},
-    {"EncoderVbr", kNone, lame::kVbr, 0, 1},
-    {"EncoderVbrQuality", kNone, lame::kVbrQuality, 0, 9},
-    {"EncoderNoReservoir", kNone, lame::kNoReservoir, 0, 1},
+    {"EncoderSampleRate", blade::dwSampleRate, lame::dwSampleRate, 8000, 48000},
+    {"EncoderMode", blade::byMode, lame::nMode, 0, 3},
+    {"EncoderBitrate", blade::wBitrate, lame::dwBitrate, 8, 320},
+    {"EncoderMaxBitrate", kNone, lame::dwMaxBitrate, 8, 320},
+    {"EncoderPreset", kNone, lame::nPreset, -1, 10000},
+    {"EncoderPrivate", blade::bPrivate, lame::bPrivate, 0, 1},
+    {"EncoderCrc", blade::bCRC, lame::bCRC, 0, 1},
+    {"EncoderCopyright", blade::bCopyright, lame::bCopyright, 0, 1},
+    {"EncoderOriginal", blade::bOriginal, lame::bOriginal, 0, 1},
+    {"EncoderVbr", kNone, lame::bEnableVBR, 0, 1},
+    {"EncoderVbrQuality", kNone, lame::nVBRQuality, 0, 9},
+    {"EncoderNoReservoir", kNone, lame::bNoRes, 0, 1},
 };
 
 }  // namespace
@@ -70,7 +70,7 @@ BeConfig BeConfig::For(Mp3Engine engine) const {
     if (shared) config.Set(value.For(engine), Get(value.For(other)));
   }
   // Joint stereo is LAME's only.
-  if (engine == Mp3Engine::Blade && config.Get(blade::kMode) == 1) config.Set(blade::kMode, 0);
+  if (engine == Mp3Engine::Blade && config.Get(blade::byMode) == 1) config.Set(blade::byMode, 0);
   return config;
 }
 

@@ -1,6 +1,6 @@
-// The configuration record of the two MP3 engines, as the published interface of those encoder libraries lays
-// it out: packed, little-endian, 331 bytes. It is kept with the job byte for byte, fields that nothing here
-// reads included.
+// The configuration record of the two MP3 engines (BE_CONFIG), as the published interface of those encoder
+// libraries lays it out: packed, little-endian, 331 bytes. It is kept with the job byte for byte, fields that
+// nothing here reads included.
 #pragma once
 
 #include <array>
@@ -23,42 +23,42 @@ struct BeField {
 
 enum class Mp3Engine : std::uint32_t { Blade = 0, Lame = 256 };  // the record's first number
 
-// Fields of the variant for Blade.
+// Fields of the variant for Blade (BE_CONFIG_MP3), under their published names.
 namespace blade {
-inline constexpr BeField kSampleRate{4, 4};  // Hz
-inline constexpr BeField kMode{8, 1};        // 0 stereo, 2 dual channel, 3 mono
-inline constexpr BeField kBitRate{9, 2};     // kbit/s
-inline constexpr BeField kPrivate{11, 4};
-inline constexpr BeField kCrc{15, 4};
-inline constexpr BeField kCopyright{19, 4};
-inline constexpr BeField kOriginal{23, 4};
+inline constexpr BeField dwSampleRate{4, 4};  // Hz
+inline constexpr BeField byMode{8, 1};        // 0 stereo, 2 dual channel, 3 mono
+inline constexpr BeField wBitrate{9, 2};      // kbit/s
+inline constexpr BeField bPrivate{11, 4};
+inline constexpr BeField bCRC{15, 4};
+inline constexpr BeField bCopyright{19, 4};
+inline constexpr BeField bOriginal{23, 4};
 }  // namespace blade
 
-// Fields of the variant for LAME.
+// Fields of the variant for LAME (BE_CONFIG_LAME, LHV1).
 namespace lame {
-inline constexpr BeField kStructVersion{4, 4};
-inline constexpr BeField kStructSize{8, 4};
-inline constexpr BeField kSampleRate{12, 4};    // Hz, of the samples that come
-inline constexpr BeField kResampleRate{16, 4};  // Hz, of the file; 0: as they come
-inline constexpr BeField kMode{20, 4};          // 0 stereo, 1 joint stereo, 2 dual channel, 3 mono
-inline constexpr BeField kBitRate{24, 4};       // kbit/s; the least with a variable bit rate
-inline constexpr BeField kMaxBitRate{28, 4};
-inline constexpr BeField kPreset{32, 4};
-inline constexpr BeField kMpegVersion{36, 4};
-inline constexpr BeField kPsyModel{40, 4};
-inline constexpr BeField kEmphasis{44, 4};
-inline constexpr BeField kPrivate{48, 4};
-inline constexpr BeField kCrc{52, 4};
-inline constexpr BeField kCopyright{56, 4};
-inline constexpr BeField kOriginal{60, 4};
-inline constexpr BeField kWriteVbrHeader{64, 4};
-inline constexpr BeField kVbr{68, 4};
-inline constexpr BeField kVbrQuality{72, 4};  // 0 best .. 9
-inline constexpr BeField kAverageBitRate{76, 4};
-inline constexpr BeField kVbrMethod{80, 4};
-inline constexpr BeField kNoReservoir{84, 4};
-inline constexpr BeField kStrictIso{88, 4};
-inline constexpr BeField kQuality{92, 2};
+inline constexpr BeField dwStructVersion{4, 4};
+inline constexpr BeField dwStructSize{8, 4};
+inline constexpr BeField dwSampleRate{12, 4};    // Hz, of the samples that come
+inline constexpr BeField dwReSampleRate{16, 4};  // Hz, of the file; 0: as they come
+inline constexpr BeField nMode{20, 4};           // 0 stereo, 1 joint stereo, 2 dual channel, 3 mono
+inline constexpr BeField dwBitrate{24, 4};       // kbit/s; the least with a variable bit rate
+inline constexpr BeField dwMaxBitrate{28, 4};
+inline constexpr BeField nPreset{32, 4};
+inline constexpr BeField dwMpegVersion{36, 4};
+inline constexpr BeField dwPsyModel{40, 4};
+inline constexpr BeField dwEmphasis{44, 4};
+inline constexpr BeField bPrivate{48, 4};
+inline constexpr BeField bCRC{52, 4};
+inline constexpr BeField bCopyright{56, 4};
+inline constexpr BeField bOriginal{60, 4};
+inline constexpr BeField bWriteVBRHeader{64, 4};
+inline constexpr BeField bEnableVBR{68, 4};
+inline constexpr BeField nVBRQuality{72, 4};  // 0 best .. 9
+inline constexpr BeField dwVbrAbr_bps{76, 4};
+inline constexpr BeField nVbrMethod{80, 4};
+inline constexpr BeField bNoRes{84, 4};
+inline constexpr BeField bStrictIso{88, 4};
+inline constexpr BeField nQuality{92, 2};
 }  // namespace lame
 
 class BeConfig {

@@ -18,6 +18,7 @@
 #include "audio/interfaces/encoder_run.h"
 #include "audio/tags/attribute_store.h"
 #include "audio/tags/name_pattern.h"
+#include "audio/wave_converter.h"
 #include "frame/item_run.h"
 #include "frame/run.h"
 #include "frame/texts.h"
@@ -109,6 +110,19 @@ ChosenSet ChosenIn(const EncoderInterfaces& interfaces, const EncodeSettings& se
   return {&interface, static_cast<std::size_t>(settings.format)};
 }
 
+// What programs take: an AIFF file becomes a wave file of its own format for them.
+Result<TemporaryFile> WaveOf(const EncodingSource& source, const WorkWatch& watch) {
+  auto wave = TemporaryFile::Create(kTemporaryPrefix, {}, ".wav");
+  if (!wave) return Failure(Outcome::SourceNotOpened);
+  const PcmShape& shape = source.Shape();
+  const WaveFormat format = SampleTypeOf(source.Format())
+                                ? source.Format()
+                                : PcmFormat(shape.sampleRate, 16, static_cast<std::uint16_t>(shape.channels));
+  const Outcome converted = ConvertWaveFile(source.Path(), wave->Path(), format, watch);
+  if (Failed(converted)) return Failure(converted);
+  return wave;
+}
+
 class CompressorRun {
  public:
   CompressorRun(Run& run, const AudioCompressorParameters& parameters) : run_(run), parameters_(parameters) {
@@ -181,8 +195,12 @@ class CompressorRun {
       return EncodeFile(source, work.target, parameters_.encode, watch);
     const auto [interface, set] = ChosenIn(interfaces_, parameters_.encode);
     if (interface == nullptr) return Outcome::EncoderNotStarted;
-    const std::string directory(DirectoryOf(work.target.TemporaryPath()));
-    return RunEncoder(*interface, set, {source.Path(), source.Seconds()}, directory, work.target, watch);
+    const auto run = [&, &program = *interface, number = set](const std::string& path) {
+      return RunEncoder(program, number, {path, source.Seconds()}, work.target, watch);
+    };
+    if (!source.IsAiff()) return run(source.Path());
+    const auto wave = WaveOf(source, watch);
+    return wave ? run(wave->Path()) : wave.error();
   }
 
   Run& run_;

@@ -242,6 +242,7 @@ Result<EncodingSource> EncodingSource::Open(const std::string& path, const Encod
   if (!IsWaveKind(media->kind)) return Failure(NotForIt(settings, path));
   EncodingSource source;
   source.path_ = path;
+  source.aiff_ = media->kind == MediaKind::Aiff;
   if (media->wave) {
     source.format_ = media->wave->Format();
   } else if (media->decoder) {

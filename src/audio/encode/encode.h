@@ -29,6 +29,7 @@ class EncodingSource {
   [[nodiscard]] const std::string& Path() const { return path_; }
   [[nodiscard]] const PcmShape& Shape() const { return pcm_->Shape(); }
   [[nodiscard]] const WaveFormat& Format() const { return format_; }
+  [[nodiscard]] bool IsAiff() const { return aiff_; }
   [[nodiscard]] double Seconds() const;  // 0 where the file does not tell
 
   // Its samples from the start, in another shape. They use this source: one stream at a time, and none after
@@ -41,6 +42,7 @@ class EncodingSource {
   std::string path_;
   std::unique_ptr<PcmSource> pcm_;
   WaveFormat format_;
+  bool aiff_ = false;
   bool read_ = false;  // somebody has had its samples
 };
 

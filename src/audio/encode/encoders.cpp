@@ -61,7 +61,7 @@ std::vector<CodecFormat> WindowsMediaFormats() {
   return formats;
 }
 
-Result<CodecFormat> FormatOf(const EncodeSettings& settings) {
+Result<CodecFormat> GetCodecFormat(const EncodeSettings& settings) {
   const CodecEntry* const codec = CodecOf(settings);
   if (codec == nullptr) return Failure(Outcome::ConverterNotOpened);
   if (std::cmp_greater_equal(settings.format, codec->formats.size()))
@@ -71,7 +71,7 @@ Result<CodecFormat> FormatOf(const EncodeSettings& settings) {
 
 template <std::uint32_t kBits>
 Result<PcmShape> CodecShape(const EncodeSettings& settings, const EncoderSource& /*source*/) {
-  const auto format = FormatOf(settings);
+  const auto format = GetCodecFormat(settings);
   if (!format) return Failure(format.error());
   return PcmShape{
       .sampleRate = format->sampleRate, .channels = format->channels, .channelMask = 0, .bits = kBits};
@@ -79,13 +79,13 @@ Result<PcmShape> CodecShape(const EncodeSettings& settings, const EncoderSource&
 
 template <MediaEncoder kEncoder>
 Sink OpenCodec(const EncoderJob& job) {
-  const auto format = FormatOf(job.settings);
+  const auto format = GetCodecFormat(job.settings);
   if (!format) return Failure(format.error());
   return OpenMediaWriter(job.target, kEncoder, job.shape, format->bitRate);
 }
 
 Sink OpenLayerThree(const EncoderJob& job) {
-  const auto format = FormatOf(job.settings);
+  const auto format = GetCodecFormat(job.settings);
   if (!format) return Failure(format.error());
   return OpenLameSink(job.target, job.shape, {.bitRate = static_cast<int>(format->bitRate / kKilo)});
 }
@@ -100,25 +100,25 @@ PcmShape EngineShape(std::uint32_t sampleRate, std::uint32_t mode, std::uint32_t
 
 Result<PcmShape> BladeShape(const EncodeSettings& settings, const EncoderSource& /*source*/) {
   const BeConfig config = settings.engine.For(Mp3Engine::Blade);
-  return EngineShape(config.Get(blade::kSampleRate), config.Get(blade::kMode), 16);
+  return EngineShape(config.Get(blade::dwSampleRate), config.Get(blade::byMode), 16);
 }
 
 Sink OpenBlade(const EncoderJob& job) {
   const BeConfig config = job.settings.engine.For(Mp3Engine::Blade);
   return OpenShineSink(job.target, job.shape,
-                       {.mode = static_cast<Mp3Mode>(config.Get(blade::kMode) & 3),
-                        .bitRate = Mp3RateFor(config.Get(blade::kBitRate)),
-                        .privateBit = config.Get(blade::kPrivate) != 0,
-                        .crc = config.Get(blade::kCrc) != 0,
-                        .copyright = config.Get(blade::kCopyright) != 0,
-                        .original = config.Get(blade::kOriginal) != 0});
+                       {.mode = static_cast<Mp3Mode>(config.Get(blade::byMode) & 3),
+                        .bitRate = Mp3RateFor(config.Get(blade::wBitrate)),
+                        .privateBit = config.Get(blade::bPrivate) != 0,
+                        .crc = config.Get(blade::bCRC) != 0,
+                        .copyright = config.Get(blade::bCopyright) != 0,
+                        .original = config.Get(blade::bOriginal) != 0});
 }
 
 Result<PcmShape> LameShape(const EncodeSettings& settings, const EncoderSource& /*source*/) {
   const BeConfig config = settings.engine.For(Mp3Engine::Lame);
   // Resampling is done here in any case, and better.
-  const std::uint32_t resampled = config.Get(lame::kResampleRate);
-  return EngineShape(resampled != 0 ? resampled : config.Get(lame::kSampleRate), config.Get(lame::kMode), 0);
+  const std::uint32_t resampled = config.Get(lame::dwReSampleRate);
+  return EngineShape(resampled != 0 ? resampled : config.Get(lame::dwSampleRate), config.Get(lame::nMode), 0);
 }
 
 // What the published preset numbers of the record mean: a preset of the library, a mean bit rate for radio,
@@ -158,29 +158,30 @@ constexpr PresetRow kPresets[] = {
 };
 
 LameRate RateOf(const BeConfig& config) {
-  if (config.Get(lame::kVbr) == 0) return LameRate::Constant;
+  constexpr std::int32_t kNone = -1;
   constexpr std::int32_t kOld = 1;
   constexpr std::int32_t kAverage = 4;
-  const std::int32_t method = config.GetSigned(lame::kVbrMethod);
-  if (method == kAverage || config.Get(lame::kAverageBitRate) != 0) return LameRate::Average;
+  const std::int32_t method = config.GetSigned(lame::nVbrMethod);
+  if (config.Get(lame::bEnableVBR) == 0 || method == kNone) return LameRate::Constant;
+  if (method == kAverage || config.Get(lame::dwVbrAbr_bps) != 0) return LameRate::Average;
   return method == kOld ? LameRate::VariableOld : LameRate::Variable;
 }
 
 LameOptions LameOptionsOf(const BeConfig& config) {
   LameOptions options;
-  options.mode = static_cast<Mp3Mode>(config.Get(lame::kMode) & 3);
+  options.mode = static_cast<Mp3Mode>(config.Get(lame::nMode) & 3);
   options.rate = RateOf(config);
-  options.bitRate = Mp3RateFor(config.Get(lame::kBitRate));
-  const std::uint32_t average = config.Get(lame::kAverageBitRate) / kKilo;
+  options.bitRate = Mp3RateFor(config.Get(lame::dwBitrate));
+  const std::uint32_t average = config.Get(lame::dwVbrAbr_bps) / kKilo;
   if (options.rate == LameRate::Average && average != 0)
     options.bitRate = static_cast<int>(std::clamp(average, 8U, 320U));
-  options.maxBitRate = std::max(Mp3RateFor(config.Get(lame::kMaxBitRate)), options.bitRate);
-  options.quality = static_cast<int>(std::min(config.Get(lame::kVbrQuality), 9U));
+  options.maxBitRate = std::max(Mp3RateFor(config.Get(lame::dwMaxBitrate)), options.bitRate);
+  options.quality = static_cast<int>(std::min(config.Get(lame::nVBRQuality), 9U));
   // The effort counts only where its two bytes contradict each other as they should.
-  const std::uint32_t effort = config.Get(lame::kQuality);
+  const std::uint32_t effort = config.Get(lame::nQuality);
   if ((effort >> 8) == (~effort & 0xFF)) options.effort = static_cast<int>(std::min(effort & 0xFF, 9U));
   if (const auto* const row =
-          std::ranges::find(kPresets, config.GetSigned(lame::kPreset), &PresetRow::number);
+          std::ranges::find(kPresets, config.GetSigned(lame::nPreset), &PresetRow::number);
       row != std::end(kPresets)) {
     options.preset = row->library;
     if (row->effort >= 0) options.effort = row->effort;
@@ -190,14 +191,14 @@ LameOptions LameOptionsOf(const BeConfig& config) {
       options.bitRate = row->average;
     }
   }
-  options.emphasis = static_cast<int>(config.Get(lame::kEmphasis) & 3);
-  options.privateBit = config.Get(lame::kPrivate) != 0;
-  options.crc = config.Get(lame::kCrc) != 0;
-  options.copyright = config.Get(lame::kCopyright) != 0;
-  options.original = config.Get(lame::kOriginal) != 0;
-  options.header = config.Get(lame::kWriteVbrHeader) != 0 || config.Get(lame::kVbr) == 0;
-  options.reservoir = config.Get(lame::kNoReservoir) == 0;
-  options.strictIso = config.Get(lame::kStrictIso) != 0;
+  options.emphasis = static_cast<int>(config.Get(lame::dwEmphasis) & 3);
+  options.privateBit = config.Get(lame::bPrivate) != 0;
+  options.crc = config.Get(lame::bCRC) != 0;
+  options.copyright = config.Get(lame::bCopyright) != 0;
+  options.original = config.Get(lame::bOriginal) != 0;
+  options.header = config.Get(lame::bWriteVBRHeader) != 0 || options.rate == LameRate::Constant;
+  options.reservoir = config.Get(lame::bNoRes) == 0;
+  options.strictIso = config.Get(lame::bStrictIso) != 0;
   return options;
 }
 
@@ -280,7 +281,7 @@ constexpr Encoder kEncoders[] = {
     {EncoderId::MonkeysAudio, "Monkey's Audio", "ape", true, true, true, 0, ApeShape, OpenApe},
 };
 
-std::vector<CodecEntry> BuildCodecs() {
+std::vector<CodecEntry> BuildCodecList() {
   std::vector<CodecEntry> codecs;
   if (HasEncoder(MediaEncoder::MpegLayer2))
     codecs.push_back({EncoderId::Mp2Codec, kTagMpeg, LayerTwoFormats()});
@@ -324,7 +325,7 @@ std::string CodecFormatText(const CodecFormat& format) {
 }
 
 std::span<const CodecEntry> Codecs() {
-  static const std::vector<CodecEntry> codecs = BuildCodecs();
+  static const std::vector<CodecEntry> codecs = BuildCodecList();
   return codecs;
 }
 

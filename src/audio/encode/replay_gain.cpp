@@ -6,13 +6,13 @@
 #include <map>
 #include <mutex>
 #include <string>
-#include <thread>
 
 #include "audio/encode/texts.h"
 #include "audio/tags/tag_file.h"
 #include "audio/wave_stream.h"
 #include "frame/run.h"
 #include "platform/base/casts.h"
+#include "platform/base/parallel.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
 #include "platform/media/media_engine.h"
@@ -38,13 +38,11 @@ class GainRun {
       : run_(run), job_(job), gains_(run.ItemCount()), albumOf_(gains_.size()) {}
 
   Result<std::vector<TrackGain>> Execute() {
-    {
-      const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-      std::vector<std::jthread> workers;
-      for (std::size_t i = 1; i < std::min(cores, gains_.size()); ++i)
-        workers.emplace_back([this] { Work(); });
-      Work();
-    }
+    InParallel(gains_.size(), [this](std::size_t index) {
+      if (run_.Cancelled()) return;
+      run_.Progress(ClampTo<std::uint32_t>(++begun_), ClampTo<std::uint32_t>(gains_.size()));
+      Measure(index);
+    });
     if (run_.Cancelled()) return Failure(Outcome::Cancelled);
     std::map<std::string, Loudness> albums;
     for (const auto& [name, meter] : meters_) albums.emplace(name, meter.Result());
@@ -56,13 +54,6 @@ class GainRun {
   }
 
  private:
-  void Work() {
-    for (std::size_t i = next_++; i < gains_.size() && !run_.Cancelled(); i = next_++) {
-      run_.Progress(ClampTo<std::uint32_t>(i + 1), ClampTo<std::uint32_t>(gains_.size()));
-      Measure(i);
-    }
-  }
-
   void Measure(std::size_t index) {
     const std::string source = run_.Source(index);
     auto pcm = OpenPcm(source);
@@ -82,7 +73,7 @@ class GainRun {
   const Attributes& job_;
   std::vector<TrackGain> gains_;
   std::vector<std::string> albumOf_;
-  std::atomic<std::size_t> next_ = 0;
+  std::atomic<std::size_t> begun_ = 0;
   std::mutex mutex_;  // guards the meters
   std::map<std::string, LoudnessMeter> meters_;
 };

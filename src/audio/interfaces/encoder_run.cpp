@@ -14,7 +14,20 @@ namespace {
 
 using namespace std::chrono_literals;
 constexpr auto kPoll = 50ms;
-constexpr std::string_view kTargetPrefix = ".sTS5-";
+constexpr std::string_view kNoExtension = ".neu";
+
+// The file that the encoder makes; it goes with the target's staged one, also after this program was killed.
+class MadeFile {
+ public:
+  explicit MadeFile(std::string path) : path_(std::move(path)) {}
+  MadeFile(const MadeFile&) = delete;
+  MadeFile& operator=(const MadeFile&) = delete;
+  ~MadeFile() { (void)RemoveFile(path_); }
+  [[nodiscard]] const std::string& Path() const { return path_; }
+
+ private:
+  std::string path_;
+};
 
 // The share of the source's duration that has passed, from the start again each time it is over.
 double Shown(std::chrono::steady_clock::time_point begin, double duration) {
@@ -59,22 +72,20 @@ Result<bool> TakeOver(const std::string& made, StagedFile& target) {
 }  // namespace
 
 Outcome RunEncoder(const EncoderInterface& interface, std::size_t set, const EncoderInput& source,
-                   const std::string& targetDirectory, StagedFile& target, const WorkWatch& watch) {
+                   StagedFile& target, const WorkWatch& watch) {
   if (set >= interface.sets.size()) return Outcome::InvalidParameter;
-  const std::string extension = interface.extension.empty() ? std::string() : "." + interface.extension;
-  const auto made = TemporaryFile::Create(kTargetPrefix, targetDirectory, extension);
-  if (!made) return made.error();
-  const auto arguments = EncoderArguments(interface.sets[set].parameters, source.path, made->Path());
+  // Encoders ask before they replace a file, so there is none yet.
+  const MadeFile made(target.TemporaryPath() +
+                      (interface.extension.empty() ? std::string(kNoExtension) : "." + interface.extension));
+  const auto arguments = EncoderArguments(interface.sets[set].parameters, source.path, made.Path());
   if (!arguments) return arguments.error();
-  // Encoders ask before they replace a file, and only one that they made counts.
-  if (const Outcome removed = RemoveFile(made->Path()); Failed(removed)) return removed;
   if (!interface.Available()) return Outcome::EncoderNotStarted;
   auto process = Process::Start(interface.encoder, *arguments);
   if (!process) return Outcome::EncoderNotStarted;
   const auto status = WaitFor(*process, std::max(1.0, std::ceil(source.seconds)), watch);
   if (!status) return Outcome::Cancelled;
   if (watch.progress) watch.progress(1);
-  const auto taken = TakeOver(made->Path(), target);
+  const auto taken = TakeOver(made.Path(), target);
   if (!taken) return taken.error();
   if (!*taken) return Outcome::TargetFailed;
   return *status == 0 ? Outcome::Success : Outcome::EncoderFailed;

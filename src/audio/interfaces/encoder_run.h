@@ -25,7 +25,6 @@ struct EncoderInput {
 // placeholders. EncoderNotStarted. TargetFailed: it made no file. EncoderFailed: it made one and failed all
 // the same; the staged file holds it, to be kept. Cancelled. WriteFailed.
 [[nodiscard]] Outcome RunEncoder(const EncoderInterface& interface, std::size_t set,
-                                 const EncoderInput& source, const std::string& targetDirectory,
-                                 StagedFile& target, const WorkWatch& watch = {});
+                                 const EncoderInput& source, StagedFile& target, const WorkWatch& watch = {});
 
 }  // namespace ts5

@@ -66,7 +66,7 @@ std::optional<std::string> ValueFromText(AttributeType type, std::string_view te
   switch (type) {
     case AttributeType::String:
       if (!IsUtf8(text) || text.find('\0') != std::string_view::npos ||
-          Utf16Bytes(text) > kMostAttributeBytes)
+          (text.size() >= kMostAttributeBytes / 2 && Utf16Bytes(text) > kMostAttributeBytes))
         return std::nullopt;
       return std::string(text);
     case AttributeType::Bool:

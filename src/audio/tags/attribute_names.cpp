@@ -109,8 +109,10 @@ const AttributeName* FindAttributeName(std::string_view name) {
 
 const AttributeName* NameOfField(std::string_view AttributeName::*field, std::string_view value) {
   if (value.empty()) return nullptr;
-  const auto* const found = std::ranges::find_if(
-      kNames, [&](const AttributeName& row) { return EqualsIgnoringCase(row.*field, value); });
+  // The table has no letters of which the other case is longer or shorter.
+  const auto* const found = std::ranges::find_if(kNames, [&](const AttributeName& row) {
+    return (row.*field).size() == value.size() && EqualsIgnoringCase(row.*field, value);
+  });
   return found == std::end(kNames) ? nullptr : found;
 }
 

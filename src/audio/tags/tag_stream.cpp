@@ -44,6 +44,24 @@ bool TagStream::ReadAll(unsigned long at, char* out, unsigned long count) {
   return true;
 }
 
+const char* TagStream::InWindow(unsigned long at, unsigned long count) {
+  const auto holds = [at, count](const Window& window) {
+    return at >= window.at && at + count <= window.at + window.size;
+  };
+  if (!holds(windows_[older_]) && !holds(windows_[1 - older_])) {
+    Window& window = windows_[older_];
+    window.size = std::min<unsigned long>(window.bytes.size(), size_);
+    window.at = std::min(at, size_ - window.size);
+    if (!ReadAll(window.at, window.bytes.data(), window.size)) {
+      window.size = 0;
+      return nullptr;
+    }
+    older_ = 1 - older_;
+  }
+  const Window& window = holds(windows_[older_]) ? windows_[older_] : windows_[1 - older_];
+  return window.bytes.data() + (at - window.at);
+}
+
 void TagStream::WriteAll(unsigned long at, const char* data, unsigned long count) {
   while (count > 0 && !failed_) {
     const ssize_t put = pwrite(descriptor_.Get(), data, count, static_cast<off_t>(at));
@@ -63,6 +81,12 @@ void TagStream::WriteAll(unsigned long at, const char* data, unsigned long count
 TagLib::ByteVector TagStream::readBlock(unsigned long length) {
   if (!IsOpen() || position_ >= size_) return {};
   const unsigned long count = std::min(length, size_ - position_);
+  if (!writable_ && count <= windows_[0].bytes.size()) {
+    const char* const read = InWindow(position_, count);
+    if (read == nullptr) return {};
+    position_ += count;
+    return {read, static_cast<unsigned>(count)};
+  }
   TagLib::ByteVector block(static_cast<unsigned>(count), '\0');
   if (!ReadAll(position_, block.data(), count)) return {};
   position_ += count;

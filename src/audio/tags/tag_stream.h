@@ -4,6 +4,8 @@
 
 #include <taglib/tiostream.h>
 
+#include <array>
+#include <cstddef>
 #include <string>
 
 #include "platform/base/descriptor.h"
@@ -32,7 +34,16 @@ class TagStream : public TagLib::IOStream {
   void truncate(long length) override;
 
  private:
+  // A part of the file as it was read: readers look at its start and its end in many small steps.
+  struct Window {
+    unsigned long at = 0;
+    unsigned long size = 0;
+    std::array<char, 4096> bytes;
+  };
+
   bool ReadAll(unsigned long at, char* out, unsigned long count);
+  // What is read only comes out of the two windows that were looked at last; nullptr when the reading failed.
+  const char* InWindow(unsigned long at, unsigned long count);
   void WriteAll(unsigned long at, const char* data, unsigned long count);
   // Moves what lies from `from` to the end of the file so that it begins at `to`.
   void MoveTail(unsigned long from, unsigned long to);
@@ -43,6 +54,8 @@ class TagStream : public TagLib::IOStream {
   unsigned long position_ = 0;
   unsigned long size_ = 0;
   bool failed_ = false;
+  std::array<Window, 2> windows_;
+  std::size_t older_ = 0;
 };
 
 }  // namespace ts5

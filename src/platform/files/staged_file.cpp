@@ -20,7 +20,8 @@
 namespace ts5 {
 namespace {
 
-// A staged file is ".sTS5-", the process number of its owner and four random digits.
+// A staged file is ".sTS5-", the process number of its owner and four random digits. What a program of its own makes
+// beside it bears that name with an extension.
 constexpr std::string_view kStagedPrefix = ".sTS5-";
 constexpr std::size_t kOwnerDigits = 8;
 constexpr std::size_t kRandomDigits = 4;
@@ -75,7 +76,9 @@ void TakeOver(int descriptor, const struct stat& existing) {
 std::optional<pid_t> OwnerOf(std::string_view name) {
   if (!name.starts_with(kStagedPrefix)) return std::nullopt;
   name.remove_prefix(kStagedPrefix.size());
-  if (name.size() != kOwnerDigits + kRandomDigits) return std::nullopt;
+  constexpr std::size_t kDigits = kOwnerDigits + kRandomDigits;
+  if (name.size() > kDigits && name[kDigits] == '.') name = name.substr(0, kDigits);
+  if (name.size() != kDigits) return std::nullopt;
   std::uint64_t number = 0;
   const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number, 16);
   if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;

@@ -79,6 +79,16 @@ std::optional<Bytes> CheckedFrames::Set(ByteView frame) {
   return set;
 }
 
+std::uint16_t LengthTagChecksum(ByteView frame) {
+  constexpr unsigned kPolynomial = 0xA001;
+  unsigned sum = 0;
+  for (const std::uint8_t byte : frame) {
+    sum ^= byte;
+    for (int bit = 0; bit < 8; ++bit) sum = sum >> 1 ^ ((sum & 1) != 0 ? kPolynomial : 0);
+  }
+  return static_cast<std::uint16_t>(sum);
+}
+
 Bytes LengthTagFrame(const Mp3Header& header, const Mp3LengthTag& tag) {
   // A bit rate at which the tag has room, of the same kind otherwise; without padding and checksum.
   Mp3Header frame = header;
@@ -104,7 +114,13 @@ Bytes LengthTagFrame(const Mp3Header& header, const Mp3LengthTag& tag) {
   out.U8(kConstantRate);
   out.Fill(11, 0);  // low pass, levels, flags and bit rate are not told
   out.U24Be(std::min(tag.delay, 0xFFFU) << 12 | std::min(tag.padding, 0xFFFU));
+  out.Fill(4, 0);  // nor are noise, gain and preset
+  out.U32Be(static_cast<std::uint32_t>(std::min<std::uint64_t>(tag.bytes, UINT32_MAX)));
+  out.Fill(2, 0);
   Bytes bytes = out.Release();
+  const std::uint16_t sum = LengthTagChecksum(bytes);
+  bytes.push_back(static_cast<std::uint8_t>(sum >> 8));
+  bytes.push_back(static_cast<std::uint8_t>(sum));
   bytes.resize(frame.size);
   return bytes;
 }

@@ -24,6 +24,7 @@ struct Mp3Header {
   std::uint32_t sampleRate = 0;
 
   [[nodiscard]] bool HasCrc() const { return (bytes[1] & 1) == 0; }
+  [[nodiscard]] bool IsMono() const { return bytes[3] >> 6 == 3; }
 };
 
 // The header at the start of these bytes; nothing when there is none, or one of another layer or of a free
@@ -55,6 +56,8 @@ struct Mp3LengthTag {
   std::uint32_t padding = 0;               // behind it
   std::string_view encoder = "LAMEshine";  // nine letters; decoders look for the first four
 };
+// The checksum at the end of such a tag: over all of the frame that lies before it.
+[[nodiscard]] std::uint16_t LengthTagChecksum(ByteView frame);
 // Bytes of a frame in which the library LAME has room for its own.
 inline constexpr std::size_t kLameTagSize = 156;
 // A frame like that of the header, without a checksum, whose size depends on the header only.

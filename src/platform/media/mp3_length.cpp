@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/base/bytes.h"
+#include "platform/media/mp3_frame.h"
 
 namespace ts5 {
 namespace {
@@ -17,6 +18,8 @@ constexpr std::uint32_t kHasPlaces = 4;
 constexpr std::uint32_t kHasQuality = 8;
 constexpr std::size_t kPlaces = 100;
 constexpr std::size_t kEncoderName = 9;
+constexpr std::size_t kBeforeChecksum =
+    10;  // behind the delays: noise, gain, preset, length and sum of the music
 constexpr std::size_t kBeforeDelay = 12;  // behind the name: revision, low pass, gains, flags, bit rate
 
 }  // namespace
@@ -46,16 +49,29 @@ std::optional<TaggedMp3> ReadTaggedMp3(const InputFile& file, std::uint32_t fram
   const std::uint64_t blocks = in.U32Be();
   if (blocks > file.Size() / kLeastBlock) return std::nullopt;  // a lie
   const std::uint64_t frames = blocks * framesPerBlock;
-  if ((flags & kHasBytes) != 0) in.Skip(4);
+  const std::uint64_t bytes = (flags & kHasBytes) != 0 ? in.U32Be() : 0;
   if ((flags & kHasPlaces) != 0) in.Skip(kPlaces);
   if ((flags & kHasQuality) != 0) in.Skip(4);
-  in.Skip(kEncoderName + kBeforeDelay);
+  const std::string encoder(AsText(in.Take(kEncoderName)));
+  in.Skip(kBeforeDelay);
   const std::uint32_t delays = in.U24Be();
-  const TaggedMp3 tagged{frames, delays >> 12, delays & 0xFFF};
+  const bool told = in.Ok();
+  in.Skip(kBeforeChecksum);
+  const std::size_t end = in.Position();
+  const std::uint16_t checksum = in.U16Be();
+  TaggedMp3 tagged{.frames = frames,
+                   .delay = delays >> 12,
+                   .padding = delays & 0xFFF,
+                   .blocks = blocks,
+                   .bytes = bytes,
+                   .constant = text.substr(tag).starts_with("Info"),
+                   .encoder = encoder};
   const std::uint64_t silent = std::uint64_t{tagged.delay} + tagged.padding;
   if (frames == 0) return std::nullopt;
-  if (!in.Ok() || silent >= frames) return TaggedMp3{.frames = frames};
-  return TaggedMp3{frames - silent, tagged.delay, tagged.padding};
+  if (!told || silent >= frames) return TaggedMp3{.frames = frames};
+  tagged.checked = in.Ok() && checksum == LengthTagChecksum(ByteView(start).first(end));
+  tagged.frames -= silent;
+  return tagged;
 }
 
 }  // namespace ts5

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 #include "platform/files/input_file.h"
 
@@ -14,6 +15,11 @@ struct TaggedMp3 {
   std::uint64_t frames = 0;   // of samples, without delay and padding
   std::uint32_t delay = 0;    // samples before the music
   std::uint32_t padding = 0;  // behind it
+  std::uint64_t blocks = 0;
+  std::uint64_t bytes = 0;  // of the file; 0: not said
+  bool constant = false;    // the bit rate
+  std::string encoder = {};
+  bool checked = false;  // the tag has the right checksum
 };
 // Where the ID3v2 tag at the start of a file ends; 0 for none.
 [[nodiscard]] std::uint64_t BehindId3(const InputFile& file);

@@ -12,6 +12,9 @@
 #include <thread>
 #include <utility>
 
+#include "platform/programs/pipe.h"
+#include "platform/programs/process_keeper.h"
+
 extern char** environ;  // NOLINT: the environment as POSIX declares it
 
 namespace ts5 {
@@ -21,18 +24,7 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr std::size_t kBlock = std::size_t{1} << 16;
-constexpr auto kGrace = 2s;
-
-struct Pipe {
-  FileDescriptor read;
-  FileDescriptor write;
-};
-
-std::optional<Pipe> MakePipe() {
-  std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
-  return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
+constexpr auto kGrace = 4s;  // twice that which the keeper gives the program
 
 // A write to a pipe that nobody reads any more must be a failed write, not the end of this program.
 class NoBrokenPipeSignal {
@@ -80,14 +72,6 @@ class SpawnSettings {
     ::posix_spawnattr_destroy(&attributes);
   }
 
-  void Connect(int stream, const FileDescriptor& end) {
-    if (end) {
-      ::posix_spawn_file_actions_adddup2(&actions, end.Get(), stream);
-    } else {
-      ::posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", stream == 0 ? O_RDONLY : O_WRONLY, 0);
-    }
-  }
-
   posix_spawn_file_actions_t actions{};
   posix_spawnattr_t attributes{};
 };
@@ -130,20 +114,21 @@ Result<Process> Process::Start(const std::string& program, const std::vector<std
   }
 
   SpawnSettings settings;
-  settings.Connect(0, input.read);
-  settings.Connect(1, output.write);
-  settings.Connect(2, errors.write);
   ::posix_spawn_file_actions_addclosefrom_np(&settings.actions, 3);
   if (!directory.empty()) ::posix_spawn_file_actions_addchdir_np(&settings.actions, directory.c_str());
 
   std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = EnvironmentInC();
-  if (::posix_spawnp(&process.id_, program.c_str(), &settings.actions, &settings.attributes,
-                     Pointers(words).data(), Pointers(environment).data()) != 0) {
-    process.id_ = -1;
-    return Failure(Outcome::SourceFailed);
-  }
+  Keeper keeper = StartKeeper({.program = program.c_str(),
+                               .arguments = Pointers(words).data(),
+                               .environment = Pointers(environment).data(),
+                               .actions = settings.actions,
+                               .attributes = settings.attributes,
+                               .streams = {input.read.Get(), output.write.Get(), errors.write.Get()}});
+  if (keeper.id < 0) return Failure(Outcome::SourceFailed);
+  process.id_ = keeper.id;
+  process.life_ = std::move(keeper.life);
   process.input_ = std::move(input.write);
   process.output_ = std::move(output.read);
   process.errors_ = std::move(errors.read);
@@ -153,6 +138,7 @@ Result<Process> Process::Start(const std::string& program, const std::vector<std
 Process::Process(Process&& other) noexcept
     : id_(std::exchange(other.id_, -1)),
       status_(other.status_),
+      life_(std::move(other.life_)),
       input_(std::move(other.input_)),
       output_(std::move(other.output_)),
       errors_(std::move(other.errors_)) {}
@@ -160,6 +146,7 @@ Process::Process(Process&& other) noexcept
 Process& Process::operator=(Process&& other) noexcept {
   std::swap(id_, other.id_);
   std::swap(status_, other.status_);
+  std::swap(life_, other.life_);
   std::swap(input_, other.input_);
   std::swap(output_, other.output_);
   std::swap(errors_, other.errors_);
@@ -194,16 +181,11 @@ std::optional<int> Process::Wait(std::chrono::milliseconds timeout) {
   const auto deadline = Clock::now() + timeout;
   auto pause = 1ms;
   while (!status_ && id_ > 0) {
-    siginfo_t facts{};
-    const int looked = ::waitid(P_PID, static_cast<id_t>(id_), &facts, WEXITED | WNOHANG | WNOWAIT);
-    if (looked == 0 && facts.si_pid == id_) {
-      // What it started and left behind ends as well, while its number is still the group's.
-      (void)::kill(-id_, SIGKILL);
-      int status = 0;
-      while (::waitpid(id_, &status, 0) < 0 && errno == EINTR) {
-      }
+    int status = 0;
+    const pid_t ended = ::waitpid(id_, &status, WNOHANG);
+    if (ended == id_) {
       status_ = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    } else if (looked < 0 && errno != EINTR) {
+    } else if (ended < 0 && errno != EINTR) {
       status_ = 127;  // somebody else has waited for it
     } else {
       if (Clock::now() >= deadline) return std::nullopt;
@@ -216,9 +198,9 @@ std::optional<int> Process::Wait(std::chrono::milliseconds timeout) {
 
 void Process::Terminate() {
   if (id_ <= 0 || status_) return;
-  (void)::kill(-id_, SIGTERM);
+  (void)::kill(id_, SIGTERM);
   if (Wait(kGrace)) return;
-  (void)::kill(-id_, SIGKILL);
+  (void)::kill(id_, SIGKILL);
   (void)Wait(std::chrono::hours(1));
 }
 

@@ -1,8 +1,8 @@
 // Other programs, started without a shell: the arguments reach them exactly as they are given.
 //
 // A program is found through PATH, speaks with LC_ALL=C, inherits no open files but its three streams, and is
-// a process group of its own, so that Ctrl+C on the terminal is ours to handle and all it has started ends
-// with it.
+// a process group of its own, so that Ctrl+C on the terminal is ours to handle. All that it has started ends
+// with it, and all of that with us.
 //
 //   auto result = RunProcess("lame", {"--version"}, {.timeout = 5s});
 #pragma once
@@ -57,8 +57,9 @@ class Process {
  private:
   Process() = default;
 
-  pid_t id_ = -1;
+  pid_t id_ = -1;  // of its keeper
   std::optional<int> status_;
+  FileDescriptor life_;  // the keeper's sign that we are there
   FileDescriptor input_;
   FileDescriptor output_;
   FileDescriptor errors_;
