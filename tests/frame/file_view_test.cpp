@@ -28,10 +28,6 @@ TEST(FileView, ColumnsOfEntries) {
   }
   EXPECT_EQ(TimeText(59), "0:59");
   EXPECT_EQ(TimeText(6000), "100:00");
-  EXPECT_EQ(ListColumns(FilterId::MidiConverter).size(), 2U);
-  EXPECT_EQ(ListColumns(FilterId::CdBurner).size(), 4U);
-  EXPECT_EQ(Text(DirectoryColumns(true)[0].title), "Tracks");
-  EXPECT_EQ(Text(DirectoryColumns(false)[0].title), "Dateiname");
 }
 
 TEST(FileView, DriveTexts) {

@@ -38,37 +38,33 @@ std::vector<FilterId> ShownFor(SourceContext source) {
       RefreshFilterBar({.source = std::move(source), .devices = kAllDevices, .filter = MidiConverter}));
 }
 
-TEST(FilterBar, OffersWhatFitsTheFreeFileList) {
+TEST(FilterBar, OffersWhatFitsTheSource) {
   const std::vector<std::string> waves = {"/m/a.wav", "/m/b.WAV"};
-  EXPECT_THAT(ShownFor(ListContext(ListOf(waves))),
-              ElementsAre(ScoreSearch, MidiSearch, CdBurner, Artworker));
-  EXPECT_THAT(ShownFor(ListContext(ListOf(waves, {1}))),
-              ElementsAre(AudioPlayer, WaveConverter, AudioCompressor, Artworker));
-  EXPECT_THAT(ShownFor(ListContext(ListOf(waves, {0, 1}))),
-              ElementsAre(AudioPlayer, WaveConverter, AudioCompressor, Artworker));
   const std::vector<std::string> mixed = {"/m/a.mid",  "/m/b.wav", "/m/c.rdl",
                                           "/m/d.stvx", "/m/e.xyz", "/m/f"};
-  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {0, 1}))), ElementsAre(Artworker));
-  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {0, 2}))),
-              ElementsAre(MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker));
-  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {3}))),
-              ElementsAre(ScoreToMidi, ScoreSearch, ScorePlayer, Artworker, XmlConverter));
-  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {4}))), ElementsAre(Artworker));
-  // A file without an extension matches the grabber's empty one.
-  EXPECT_THAT(ShownFor(ListContext(ListOf(mixed, {5}))), ElementsAre(CdGrabber, Artworker));
-}
-
-TEST(FilterBar, OffersWhatFitsADirectory) {
-  EXPECT_THAT(ShownFor(DirectoryContext({"/m", {}, {}}, false)),
-              ElementsAre(ScoreSearch, MidiSearch, Artworker));
-  EXPECT_THAT(ShownFor(DirectoryContext({"/m", {"A.MID"}, {0}}, false)),
-              ElementsAre(MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker));
-  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {}, {}}, true)),
-              ElementsAre(AudioPlayer, CdGrabber, CdCopier, Artworker));
-  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {"Track 01"}, {0}}, true)),
-              ElementsAre(AudioPlayer, CdGrabber, Artworker));
-  EXPECT_THAT(ShownFor(DirectoryContext({"/cd", {"Track 01", "Track 02"}, {0, 1}}, true)),
-              ElementsAre(AudioPlayer, CdGrabber, Artworker));
+  const auto list = [](const std::vector<std::string>& paths, std::vector<std::size_t> selected) {
+    return ListContext(ListOf(paths, std::move(selected)));
+  };
+  const auto files = [](std::vector<std::string> names) {
+    return DirectoryContext({"/m", names, {}}, false);
+  };
+  const auto disc = [](std::vector<std::string> names) { return DirectoryContext({"/cd", names, {}}, true); };
+  const std::pair<SourceContext, std::vector<FilterId>> cases[] = {
+      {list(waves, {}), {ScoreSearch, MidiSearch, CdBurner, Artworker}},
+      {list(waves, {1}), {AudioPlayer, WaveConverter, AudioCompressor, Artworker}},
+      {list(waves, {0, 1}), {AudioPlayer, WaveConverter, AudioCompressor, Artworker}},
+      {list(mixed, {0, 1}), {Artworker}},
+      {list(mixed, {0, 2}), {MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker}},
+      {list(mixed, {3}), {ScoreToMidi, ScoreSearch, ScorePlayer, Artworker, XmlConverter}},
+      {list(mixed, {4}), {Artworker}},
+      {list(mixed, {5}), {CdGrabber, Artworker}},  // no extension, as the grabber's empty one
+      {files({}), {ScoreSearch, MidiSearch, Artworker}},
+      {files({"A.MID"}), {MidiToScore, MidiSearch, MidiPlayer, MidiConverter, MidiToWave, Artworker}},
+      {disc({}), {AudioPlayer, CdGrabber, CdCopier, Artworker}},
+      {disc({"Track 01"}), {AudioPlayer, CdGrabber, Artworker}},
+      {disc({"Track 01", "Track 02"}), {AudioPlayer, CdGrabber, Artworker}},
+  };
+  for (const auto& [source, shown] : cases) EXPECT_EQ(ShownFor(source), shown);
 }
 
 TEST(FilterBar, TakesCdTracksOnlyFromAnAudioCdOrTheList) {

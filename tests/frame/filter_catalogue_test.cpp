@@ -92,15 +92,5 @@ TEST(ModuleOf, GivesItsFunctionsTheParametersAsWhatTheyAre) {
   EXPECT_THROW((void)module.target(Other{}, ""), std::bad_cast);
 }
 
-TEST(FilterCatalogue, ParsesFileFilters) {
-  const auto filters = ParseFileFilter("Bilder (*.bmp; *.jpg)|*.bmp; *.jpg|Alle Dateien (*.*)|*.*|");
-  ASSERT_THAT(filters, SizeIs(2));
-  EXPECT_EQ(filters[0].label, "Bilder (*.bmp; *.jpg)");
-  EXPECT_THAT(filters[0].patterns, ElementsAre("*.bmp", "*.jpg"));
-  EXPECT_THAT(filters[1].patterns, ElementsAre("*.*"));
-  EXPECT_TRUE(ParseFileFilter("").empty());
-  EXPECT_TRUE(ParseFileFilter("label alone").empty());
-}
-
 }  // namespace
 }  // namespace ts5

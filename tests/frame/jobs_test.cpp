@@ -98,13 +98,6 @@ TEST_F(JobsTest, RunningJobIsLeftAlone) {
   EXPECT_FALSE(jobs_.SwitchFilter(jobs_[2], FilterId::MidiPlayer, window_));
 }
 
-TEST_F(JobsTest, UndoneJobKeepsItsRunState) {
-  ASSERT_TRUE(jobs_.Activate(1, JobSaving::Never, window_));
-  const auto run = jobs_[1].run.Shared();
-  ASSERT_TRUE(jobs_.Activate(0, JobSaving::Never, window_));
-  EXPECT_EQ(jobs_[1].run.Shared(), run);
-}
-
 TEST_F(JobsTest, FailuresAreTold) {
   window_.panel = std::nullopt;
   window_.shows = false;
@@ -141,13 +134,15 @@ TEST_F(JobsTest, NewJobIsADeepCopyOfTheDefaultJob) {
   EXPECT_FALSE(jobs_.Create({})) << "not while another is active";
 }
 
-TEST_F(JobsTest, RenamingOutlivesAnUndo) {
+TEST_F(JobsTest, NameAndRunOutliveAnUndo) {
   ASSERT_TRUE(jobs_.Activate(1, JobSaving::Never, window_));
+  const auto run = jobs_[1].run.Shared();
   jobs_.Rename(1, {.title = "neu", .description = ""});
   Device(jobs_[1]) = 5;
   ASSERT_TRUE(jobs_.Activate(0, JobSaving::Never, window_));
   EXPECT_EQ(jobs_[1].title, "neu");
   EXPECT_EQ(Device(jobs_[1]), -1);
+  EXPECT_EQ(jobs_[1].run.Shared(), run);
 }
 
 TEST_F(JobsTest, RemovingMovesTheOthersDown) {

@@ -61,6 +61,10 @@ class Undoing : public testing::Test {
     place_.Write("m/b.out", "old b");
     std::filesystem::permissions(place_.File("m/b.out"), std::filesystem::perms(0640));
   }
+  void GoOverOld() {
+    WriteOld();
+    (void)Go();
+  }
   [[nodiscard]] std::string Old() const {
     struct stat status {};
     if (::stat(place_.File("m/b.out").c_str(), &status) != 0) return "none";
@@ -108,8 +112,7 @@ TEST_F(Undoing, BringsBackWhatWasReplaced) {
 }
 
 TEST_F(Undoing, LeavesWhatWasChangedSince) {
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   place_.Write("m/b.out", "edited");
   std::filesystem::remove(place_.File("m/a.out"));
   place_.Write("m/a.out", "of another program");
@@ -121,8 +124,7 @@ TEST_F(Undoing, LeavesWhatWasChangedSince) {
 }
 
 TEST_F(Undoing, WhatIsGoneIsNotMissed) {
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   std::filesystem::remove(place_.File("m/a.out"));
   std::filesystem::remove(place_.File("m/b.out"));
   const UndoReport report = undo_->Undo();
@@ -170,8 +172,7 @@ TEST_F(Undoing, AFullDiskTakesNothingAway) {
 }
 
 TEST_F(Undoing, WithoutAWastebasketAllStays) {
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   std::filesystem::remove_all(home_.File("Trash"));
   home_.Write("Trash", "no directory");
   EXPECT_THAT(undo_->Undo().failed, SizeIs(2));
@@ -202,8 +203,7 @@ TEST_F(Undoing, AStopWhileCopyingReplacesNothing) {
 }
 
 TEST_F(Undoing, FoldersOfKilledProgramsAreCleared) {
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   place_.Write("kept/1-0/1", "of a killed program");
   EXPECT_TRUE(FinishAbandonedUndo(place_.File("kept")).Empty());
   EXPECT_THAT(Listing(place_.File("kept")), testing::Not(testing::HasSubstr("1-0 ")))
@@ -258,8 +258,7 @@ TEST_F(Undoing, OneThatWasCutIsFinished) {
 }
 
 TEST_F(Undoing, TheEndOfTheProgramIsNoEndOfAnUndo) {
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   int asked = 0;
   EXPECT_EQ(undo_->Undo([&] { return asked++ > 0; }).removed, 1U);
   undo_.reset();
@@ -278,8 +277,7 @@ TEST_F(Undoing, WithoutAnyPlaceItStays) {
       return -1;
     }
   } noWayBack;
-  WriteOld();
-  (void)Go();
+  GoOverOld();
   {
     const OtherDiskCalls other(noWayBack);
     EXPECT_THAT(undo_->Undo().failed, ElementsAre(place_.File("m/b.out")));

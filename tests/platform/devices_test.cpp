@@ -145,8 +145,6 @@ TEST(MidiOut, UnknownDevicesAreRefusedAndNullTakesAll) {
   ASSERT_THAT(null, IsOk());
   EXPECT_THAT((*null)->Send(ShortMidiMessage(0x90, 60, 100)), IsOk());
   EXPECT_THAT((*null)->Close(), IsOk());
-  EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xC5, 1)), 2U);
-  EXPECT_EQ(ShortMidiLength(ShortMidiMessage(0xE5, 1, 2)), 3U);
 }
 
 // A device that has gone stops, or takes all there is at once.

@@ -14,28 +14,11 @@
 namespace ts5 {
 
 inline bool IsInteractive(QAccessible::Role role) {
-  switch (role) {
-    case QAccessible::Button:
-    case QAccessible::ButtonDropDown:
-    case QAccessible::ButtonMenu:
-    case QAccessible::CheckBox:
-    case QAccessible::RadioButton:
-    case QAccessible::ComboBox:
-    case QAccessible::EditableText:
-    case QAccessible::Dial:
-    case QAccessible::Slider:
-    case QAccessible::SpinBox:
-    case QAccessible::List:
-    case QAccessible::Tree:
-    case QAccessible::Table:
-    case QAccessible::MenuItem:
-    case QAccessible::PageTab:
-    case QAccessible::HotkeyField:
-    case QAccessible::Link:
-      return true;
-    default:
-      return false;
-  }
+  using enum QAccessible::Role;
+  constexpr QAccessible::Role kInteractive[] = {
+      Button,  ButtonDropDown, ButtonMenu, CheckBox, RadioButton, ComboBox, EditableText, Dial, Slider,
+      SpinBox, List,           Tree,       Table,    MenuItem,    PageTab,  HotkeyField,  Link};
+  return std::ranges::find(kInteractive, role) != std::end(kInteractive);
 }
 
 // Lists hold data, and the parts of a combo or number field bear the name of the whole.

@@ -93,17 +93,8 @@ TEST(JobDialogTest, LimitsTheNamesAndKeepsThePresetOfEmptyFields) {
   QTest::keyClick(&Child<QLineEdit>(dialog, "titleEdit"), Qt::Key_Return);
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
   EXPECT_EQ(host.prompts.last(), "") << "the status bar has its own text back";
-}
-
-TEST(JobDialogTest, RenamingAsksInItsOwnWords) {
-  RecordingHost host;
-  JobDialog dialog(JobDialog::Purpose::Rename, {"Alt", "Alte Beschreibung"}, host, nullptr);
-  EXPECT_EQ(dialog.windowTitle(), "Job umbenennen");
-  EXPECT_EQ(Child<QLabel>(dialog, "titlePrompt").text(), "Geben Sie eine &Bezeichnung für den Job ein:");
-  EXPECT_EQ(dialog.HelpTopic(), "Befehle-Job-Umbenennen.htm");
-  dialog.show();
-  QTest::keyClick(&dialog, Qt::Key_Escape);
-  EXPECT_EQ(dialog.result(), QDialog::Rejected);
+  JobDialog renaming(JobDialog::Purpose::Rename, {"Alt", "Alte Beschreibung"}, host, nullptr);
+  EXPECT_EQ(renaming.HelpTopic(), "Befehle-Job-Umbenennen.htm");
 }
 
 struct EnablingCase {
@@ -158,25 +149,22 @@ TEST_F(SettingsDialogTest, RefusesWhatIsMissingAndGoesToTheField) {
     EXPECT_EQ(dialog.focusWidget()->objectName(), field);
     EXPECT_EQ(message.Icon(), QMessageBox::Information);
     EXPECT_EQ(message.Title(), QtText(texts::ApplicationTitle));
+    EXPECT_EQ(dialog.Accepted(), settings_);
     return message.Text();
   };
 
   pages.setCurrentIndex(1);
   auto& layouts = Child<QLineEdit>(dialog, "artworkerDirectoryEdit");
-  layouts.setText(ToQt(directory_.Path()) + "/fehlt");
+  layouts.setText(ToQt(directory_.File("fehlt")));
   EXPECT_EQ(refusal("artworkerDirectoryEdit", 0), QtText(texts::InvalidDirectory));
   EXPECT_EQ(layouts.selectedText(), layouts.text());
   layouts.setText(ToQt(directory_.Path()));
-
   Child<QRadioButton>(dialog, "targetDirectoryRadio").setChecked(true);
   EXPECT_EQ(refusal("targetDirectoryEdit", 1), QtText(texts::InvalidDestinationDirectory));
   Child<QLineEdit>(dialog, "targetDirectoryEdit").setText(ToQt(directory_.Path()));
-
   Child<QLineEdit>(dialog, "suffixEdit").clear();
   EXPECT_EQ(refusal("suffixEdit", 1), QtText(texts::NoSuffix));
   Type(Child<QLineEdit>(dialog, "suffixEdit"), "abcde");
-  EXPECT_EQ(Child<QLineEdit>(dialog, "suffixEdit").text(), "abcd");
-
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
   EXPECT_EQ(dialog.Accepted().suffix, "abcd");
@@ -201,15 +189,6 @@ TEST_F(SettingsDialogTest, AnotherLayoutIsPendingAndEveryRadioIsTaken) {
   EXPECT_EQ(accepted.jobSaving, JobSaving::Ask);
   EXPECT_EQ(accepted.oldSearchResults, OldSearchResults::Extend);
   EXPECT_TRUE(accepted.searchWholePath);
-}
-
-TEST_F(SettingsDialogTest, CancelGivesBackWhatWasThere) {
-  SettingsDialog dialog(settings_, host_, nullptr);
-  dialog.show();
-  Child<QRadioButton>(dialog, "layoutTs4").click();
-  Press(dialog, "cancelButton");
-  EXPECT_EQ(dialog.result(), QDialog::Rejected);
-  EXPECT_EQ(dialog.Accepted(), settings_);
 }
 
 // A Standard MIDI File with two empty tracks, in any container.

@@ -26,8 +26,7 @@ class BurnStory : public WorkbenchTest {
     options_.volumes->AddVirtualRecorder(VirtualRecorderDirectory());
     options_.devices->writers = {VirtualRecorderName().Whole()};
     ASSERT_THAT(InsertBlankDisc(data_.File("disc"), 80, false), test::IsOk());
-    Start();
-    ASSERT_TRUE(WaitForListing());
+    StartListed();
     ToListMode();
     ASSERT_TRUE(W().Active().SwitchFilter(FilterId::CdBurner));
     Drop({Song("01 - Chor - Abendlied.wav"), Song("zwei.wav"), Song("drei.wav")});

@@ -17,8 +17,7 @@ class DiscStory : public WorkbenchTest {
   void SetUp() override {
     options_.volumes->AddVirtualCd(VirtualCdDirectory());
     options_.devices->audioOutputs = {"null"};
-    Start();
-    ASSERT_TRUE(WaitForListing());
+    StartListed();
   }
 
   void TakeDrive() { emit W().Source().Drives()->DriveTaken(2); }
@@ -68,13 +67,12 @@ TEST_F(DiscStory, AnEmptyDriveAsksForADiscAndShowsItsTracks) {
   EXPECT_THAT(ActiveJob().directory.names, ElementsAre("Track 02"));
   EXPECT_TRUE(W().Filters().TileOf(FilterId::AudioPlayer)->isVisible());
   EXPECT_FALSE(W().Filters().TileOf(FilterId::WaveConverter)->isVisible());
-  EXPECT_FALSE(W().Actions().Action(CommandId::Delete)->isEnabled());
-  EXPECT_FALSE(W().Actions().Action(CommandId::Rename)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::Delete));
+  EXPECT_FALSE(Enabled(CommandId::Rename));
 
   // Another session comes back to the disc.
   ASSERT_TRUE(W().Active().SwitchFilter(FilterId::AudioPlayer));
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   EXPECT_EQ(ActiveJob().sourceDrive, 2);
   EXPECT_THAT(Shown(), ElementsAre("Track 01", "Track 02", "Track 03"));
   EXPECT_TRUE(W().Filters().TileOf(FilterId::AudioPlayer)->isVisible());

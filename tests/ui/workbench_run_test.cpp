@@ -29,22 +29,17 @@ std::string TextsOf(const QDialog& dialog) {
 
 class RunStory : public WorkbenchTest {
  protected:
-  void ExpectResults(std::string* texts) {
+  void ExpectResults(std::string* texts = nullptr) {
     script_.Expect([texts](QDialog& dialog) {
       ASSERT_TRUE(dialog.inherits("ts5::ResultsDialog")) << dialog.metaObject()->className();
-      *texts = TextsOf(dialog);
+      if (texts != nullptr) *texts = TextsOf(dialog);
       dialog.accept();
     });
   }
   // expect: adds the dialogs to the script that the run brings.
   void StartGated(const std::shared_ptr<GatedRun>& gate, const std::function<void()>& expect = {}) {
     UseGatedConverter(gate);
-    Start();
-    ToListMode();
-    Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
-    W().Source().Files()->selectAll();
-    W().Active().Settle();
-    ChooseConverter();
+    StartConverting({"a.mid", "b.mid"});
     if (expect) expect();
     W().Actions().Trigger(CommandId::Run);
     ASSERT_TRUE(WaitFor([&] { return gate->running == 1 || gate->open; }));
@@ -52,10 +47,7 @@ class RunStory : public WorkbenchTest {
 };
 
 TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("eins.mid"), directory_.Write("zwei.mid", "kein Midi"), WriteMidi("drei.mid")});
-  ASSERT_EQ(ActiveJob().files.Size(), 3U);
+  StartWithList({WriteMidi("eins.mid"), directory_.Write("zwei.mid", "kein Midi"), WriteMidi("drei.mid")});
   W().Source().Files()->selectAll();
   W().Active().Settle();
   EXPECT_TRUE(W().Filters().TileOf(FilterId::MidiConverter)->isVisible());
@@ -66,7 +58,7 @@ TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
   std::string results;
   ExpectResults(&results);
   Press(Qt::Key_Return, Qt::ControlModifier);
-  ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+  ASSERT_TRUE(WaitForEnd());
   EXPECT_THAT(results, HasSubstr("Ergebnisse der Midi-Konvertierung"));
   EXPECT_THAT(results, HasSubstr("\n2\n"));
   EXPECT_THAT(results, HasSubstr("Die Quelle hat ein ungültiges Dateiformat."));
@@ -75,11 +67,7 @@ TEST_F(RunStory, DroppedFilesAreConvertedAndCounted) {
 }
 
 TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
-  Select({0, 1});
-  ChooseConverter();
+  StartConverting({"a.mid", "b.mid"});
   const auto* const folder = W().Target().findChild<QLabel*>("targetFolder");
   const auto* const forecast = W().Target().findChild<QLabel*>("targetForecast");
   EXPECT_TRUE(folder->isVisible());
@@ -88,10 +76,9 @@ TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
   W().Active().SetTargetDirectory(directory_.File("Ziel"));
   EXPECT_EQ(folder->text().toStdString(), directory_.File("Ziel"));
   EXPECT_TRUE(WaitFor([&] { return forecast->text() == "2 neu"; }));
-  std::string results;
-  ExpectResults(&results);
+  ExpectResults();
   W().Actions().Trigger(CommandId::Run);
-  ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+  ASSERT_TRUE(WaitForEnd());
   EXPECT_THAT(test::Listing(directory_.File("Ziel")), HasSubstr("b.cnv.mid"));
   EXPECT_TRUE(WaitFor([&] { return forecast->text() == "0 neu, 2 ersetzt"; }));
   Select({0});
@@ -102,13 +89,9 @@ TEST_F(RunStory, TheFolderOfSeveralFilesIsTheJobsAndSaysWhatWouldHappen) {
 
 TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
   const test::Home data;
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
   directory_.Write("b.cnv.mid", "von früher");
-  Select({0, 1});
-  ChooseConverter();
-  EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled());
+  StartConverting({"a.mid", "b.mid"});
+  EXPECT_FALSE(Enabled(CommandId::UndoRun));
   for (const bool atOnce : {true, false}) {
     script_.Expect([&](QDialog& dialog) {
       auto* const undo = dialog.findChild<QPushButton*>("undoButton");
@@ -117,7 +100,7 @@ TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
     });
     if (atOnce) script_.ExpectBox(QMessageBox::Ok);
     W().Actions().Trigger(CommandId::Run);
-    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+    ASSERT_TRUE(WaitForEnd());
     if (!atOnce) {
       EXPECT_THAT(test::Content(directory_.File("b.cnv.mid")), testing::StartsWith("MThd"));
       script_.ExpectBox(QMessageBox::Ok);
@@ -127,7 +110,7 @@ TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
     EXPECT_EQ(script_.LastText(), "2 Dateien liegen jetzt im Papierkorb.\n1 ersetzte Datei ist wieder da.");
     EXPECT_EQ(test::Content(directory_.File("b.cnv.mid")), "von früher");
     EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("a.cnv.mid")));
-    EXPECT_FALSE(W().Actions().Action(CommandId::UndoRun)->isEnabled()) << "it has been undone";
+    EXPECT_FALSE(Enabled(CommandId::UndoRun)) << "it has been undone";
   }
 }
 
@@ -159,7 +142,7 @@ TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
     std::string results;
     if (!later) ExpectResults(&results);
     Start();
-    ASSERT_TRUE(WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }));
+    ASSERT_TRUE(WaitForEnd());
     EXPECT_EQ(results.find("\n3\n") != std::string::npos, !later);
   }
   EXPECT_THAT(test::Listing(directory_.Path()), HasSubstr("neu c.mid"));
@@ -169,10 +152,7 @@ TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
 
 // The table of a result: what failed comes first, is copied, saved, shown in the list, and done again.
 TEST_F(RunStory, WhatFailedIsSeenAndDoneAgain) {
-  Start();
-  ToListMode();
-  const std::string broken = directory_.Write("zwei.mid", "kein Midi");
-  Drop({WriteMidi("drei.mid"), broken, WriteMidi("eins.mid")});
+  StartWithList({WriteMidi("drei.mid"), directory_.Write("zwei.mid", "kein Midi"), WriteMidi("eins.mid")});
   W().Source().Files()->selectAll();
   W().Active().Settle();
   ChooseConverter();
@@ -286,8 +266,7 @@ TEST_F(RunStory, WhatEditsAJobWaitsForItsRun) {
                      [this](const JobFinder&) { return new QWidget(&W(), Qt::Window); });
   const QPointer<QWidget> window = W().Windows().Find(job);
   EXPECT_TRUE(WaitFor([&] { return !window->isEnabled(); }));
-  std::string results;
-  ExpectResults(&results);
+  ExpectResults();
   W().Target().StopButton()->click();
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_TRUE(WaitFor([&] { return window->isEnabled(); }));
@@ -313,12 +292,7 @@ TEST_F(RunStory, AStopInTheMiddleEndsTheRunWithItsRemark) {
 TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
   const auto gate = std::make_shared<GatedRun>();
   UseGatedConverter(gate);
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
-  W().Source().Files()->selectAll();
-  W().Active().Settle();
-  ChooseConverter();
+  StartConverting({"a.mid", "b.mid"});
   script_.Expect([](QDialog& dialog) { dialog.accept(); });
   W().Actions().Trigger(CommandId::NewJob);
   ASSERT_EQ(application_->GetJobs().Count(), 1U);
@@ -344,28 +318,23 @@ TEST_F(RunStory, TwoJobsRunAtOnceAndEachShowsItsOwnRun) {
 TEST_F(RunStory, AJobThatIsShownGoesAsSoonAsItsRunHasEnded) {
   const auto gate = std::make_shared<GatedRun>();
   UseGatedConverter(gate);
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
-  Select({0});
-  ChooseConverter();
+  StartConverting();
   script_.Expect([](QDialog& dialog) { dialog.accept(); });
   W().Actions().Trigger(CommandId::NewJob);
   W().JobButtons().JobButton(1)->click();
   W().Actions().Trigger(CommandId::Run);
   ASSERT_TRUE(WaitFor([&] { return gate->running == 1; }));
-  EXPECT_FALSE(W().Actions().Action(CommandId::DeleteJob)->isEnabled()) << "not under a run";
+  EXPECT_FALSE(Enabled(CommandId::DeleteJob)) << "not under a run";
   gate->open = true;
-  std::string results;
-  ExpectResults(&results);
+  ExpectResults();
   ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
-  EXPECT_TRUE(W().Actions().Action(CommandId::DeleteJob)->isEnabled());
+  EXPECT_TRUE(Enabled(CommandId::DeleteJob));
   script_.ExpectBox(QMessageBox::Yes);
   W().Actions().Trigger(CommandId::DeleteJob);
   EXPECT_EQ(W().JobButtons().JobCount(), 1);
   EXPECT_TRUE(W().JobButtons().JobButton(0)->isChecked());
   W().Actions().Trigger(CommandId::Run);  // the default job runs as before
-  ExpectResults(&results);
+  ExpectResults();
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
 }
 
@@ -378,8 +347,7 @@ TEST_F(RunStory, AQuestionThatNobodyAnsweredGoesWithTheStop) {
   bool asked = false;
   StartGated(gate, [&] { script_.Expect([&](QDialog&) { asked = true; }); });  // seen, not answered
   ASSERT_TRUE(WaitFor([&] { return asked; }));
-  std::string results;
-  ExpectResults(&results);
+  ExpectResults();
   (void)application_->Runner().Stop(ActiveJob());
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_EQ(answer, static_cast<int>(Answer::Cancelled));
@@ -393,10 +361,9 @@ TEST_F(RunStory, AnAnswerReachesTheRun) {
     answer = static_cast<int>(run.Ask({.text = Text(texts::AskOverwriteTarget).data()}));
     gate->open = true;
   };
-  std::string results;
   StartGated(gate, [&] {
     script_.ExpectBox(QMessageBox::No);
-    ExpectResults(&results);
+    ExpectResults();
   });
   ASSERT_TRUE(WaitFor([&] { return script_.Done() && gate->running == 0; }));
   EXPECT_EQ(answer, static_cast<int>(Answer::No));
@@ -422,36 +389,21 @@ TEST_F(RunStory, TheWindowClosesDuringARunAndWhileAQuestionIsOpen) {
   }
 }
 
-TEST_F(RunStory, RunIsRefusedWithoutADestinationName) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
-  Select({0});
-  ChooseConverter();
+TEST_F(RunStory, RunIsRefusedWithoutADestinationAndOntoItsSource) {
+  StartConverting();
   ASSERT_TRUE(W().Target().Field()->isEnabled());
   EXPECT_THAT(W().Target().Field()->text().toStdString(), HasSubstr("a"));
-  W().Target().Field()->clear();
-  script_.ExpectBox(QMessageBox::Ok);
-  W().Actions().Trigger(CommandId::Run);
-  EXPECT_EQ(script_.LastText(), QtText(texts::NoTargetName));
-  EXPECT_EQ(ActiveJob().State(), RunState::Idle);
-  EXPECT_EQ(W().focusWidget(), W().Target().Field());
-}
-
-TEST_F(RunStory, ASourceIsNoDestination) {
-  Start();
-  ToListMode();
-  const std::string source = WriteMidi("a.mid");
-  const std::string before = test::Content(source);
-  Drop({source});
-  Select({0});
-  ChooseConverter();
-  W().Target().Field()->setText(ToQt(directory_.File("./A.mid")));
-  script_.ExpectBox(QMessageBox::Ok);
-  W().Actions().Trigger(CommandId::Run);
-  EXPECT_EQ(script_.LastText(), QtText(texts::TargetIsSource));
-  EXPECT_EQ(ActiveJob().State(), RunState::Idle);
-  EXPECT_EQ(test::Content(source), before);
+  const std::string before = test::Content(directory_.File("a.mid"));
+  for (const auto& [name, refusal] :
+       {std::pair{std::string(), texts::NoTargetName}, {directory_.File("./A.mid"), texts::TargetIsSource}}) {
+    W().Target().Field()->setText(ToQt(name));
+    script_.ExpectBox(QMessageBox::Ok);
+    W().Actions().Trigger(CommandId::Run);
+    EXPECT_EQ(script_.LastText(), QtText(refusal));
+    EXPECT_EQ(ActiveJob().State(), RunState::Idle);
+    EXPECT_EQ(W().focusWidget(), W().Target().Field());
+  }
+  EXPECT_EQ(test::Content(directory_.File("a.mid")), before);
 }
 
 TEST_F(RunStory, TheEndAsksAndNoKeepsTheProgramRunning) {

@@ -151,6 +151,10 @@ class WorkbenchTest : public testing::Test {
 
   [[nodiscard]] MainWindow& W() { return *window_; }
   [[nodiscard]] Job& ActiveJob() { return *window_->Active(); }
+  [[nodiscard]] bool Enabled(CommandId command) { return W().Actions().Action(command)->isEnabled(); }
+  [[nodiscard]] bool WaitForEnd(int milliseconds = 10'000) {
+    return WaitFor([&] { return script_.Done() && ActiveJob().State() == RunState::Idle; }, milliseconds);
+  }
   void Drop(const std::vector<std::string>& paths) { emit W().Source().Files()->FilesDropped(paths); }
   // A key for the window as a whole, as a user gives it.
   void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -160,6 +164,28 @@ class WorkbenchTest : public testing::Test {
   }
   void ToListMode() {
     if (ActiveJob().Mode() == SourceMode::Directory) W().Actions().Trigger(CommandId::SwitchListMode);
+  }
+  void StartListed() {
+    Start();
+    ASSERT_TRUE(WaitForListing());
+  }
+  void ShowDirectory(const std::string& path) {
+    emit W().Source().DirectoryChosen(path);
+    ASSERT_TRUE(WaitForListing());
+  }
+  void StartWithList(const std::vector<std::string>& paths) {
+    Start();
+    ToListMode();
+    Drop(paths);
+  }
+  // A list of these MIDI files, all of them selected, for the converter.
+  void StartConverting(std::initializer_list<const char*> names = {"a.mid"}) {
+    std::vector<std::string> paths;
+    for (const char* const name : names) paths.push_back(WriteMidi(name));
+    StartWithList(paths);
+    W().Source().Files()->selectAll();
+    W().Active().Settle();
+    ChooseConverter();
   }
   void Select(const std::vector<std::size_t>& rows) {
     W().Source().Files()->SelectRows(rows, rows.empty() ? 0 : rows.front());

@@ -1,8 +1,6 @@
 // The window itself: its commands, keys, filter bar, and what assistive technology sees of it.
 #include <gmock/gmock.h>
 
-#include <set>
-
 #include "app/look/tile_looks.h"
 #include "app/shell/filter_panel.h"
 #include "app/shell/help_window.h"
@@ -47,15 +45,14 @@ TEST(CommandTable, TheRunCommandsAreCalledByFilterAndState) {
   constexpr const char* kStop = "&Stopp\tEsc, Strg-Ende";
   const Case cases[] = {
       {FilterId::MidiConverter, RunState::Idle, "Ausführen", "&Ausführen\tStrg-Enter", kCancel},
-      {FilterId::MidiSearch, RunState::Running, "Ausführen", "&Ausführen\tStrg-Enter", kCancel},
+
       {FilterId::MidiPlayer, RunState::Idle, "Play", "&Play\tLeertaste,Strg-Enter", kStop},
-      {FilterId::ScorePlayer, RunState::Running, "Pause", "&Pause\tLeertaste,Strg-Enter", kStop},
+
       {FilterId::AudioPlayer, RunState::Waiting, "Pause", "&Pause\tLeertaste,Strg-Enter", kStop},
       {FilterId::AudioPlayer, RunState::Paused, "Play", "&Play\tLeertaste,Strg-Enter", kStop},
       {FilterId::CdBurner, RunState::Idle, "Brennen", "&Brennen\tStrg-Enter", kCancel},
-      {FilterId::CdCopier, RunState::Idle, "Kopieren", "&Kopieren\tStrg-Enter", kCancel},
-      {FilterId::CdCopier, RunState::Running, "Abbrechen", "&Kopieren\tStrg-Enter", kCancel},
-      {FilterId::Artworker, RunState::Idle, "Ausführen", "&Ausführen\tStrg-Enter", kCancel}};
+
+      {FilterId::CdCopier, RunState::Running, "Abbrechen", "&Kopieren\tStrg-Enter", kCancel}};
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << int(c.filter) << " " << int(c.state));
     const RunWording wording = RunWordingOf(c.filter, c.state);
@@ -75,7 +72,6 @@ TEST_F(WindowStory, MenusHoldTheTableAndUnbuiltRoomsAreDisabled) {
   EXPECT_EQ(menus[0]->text(), "&Datei");
   std::size_t entries = 0;
   for (const QAction* menu : menus) {
-    std::set<QChar> mnemonics;
     for (const QAction* action : menu->menu()->actions()) {
       if (action->isSeparator()) continue;
       ++entries;
@@ -108,65 +104,38 @@ TEST_F(WindowStory, EveryControlHasANameAndCanBeReached) {
   }
 }
 
-TEST_F(WindowStory, TabGoesThroughTheAreasInReadingOrder) {
-  WriteMidi("a.mid");
-  Start();
-  ToListMode();
-  Drop({directory_.File("a.mid")});
-  Select({0});
-  ChooseConverter();
-  std::vector<const QWidget*> areas{&W().JobButtons(), &W().Filters(), &W().Source(), &W().Target()};
+TEST_F(WindowStory, TheAreasAreGoneThroughInReadingOrder) {
+  StartConverting();
+  const std::vector<const QWidget*> areas{&W().JobButtons(), &W().Filters(), &W().Source(), &W().Target()};
+  const auto here = [&] {
+    return std::ranges::find_if(areas, [&](auto* area) { return area->isAncestorOf(W().focusWidget()); }) -
+           areas.begin();
+  };
   W().activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&W()));
   W().JobButtons().JobButton(0)->setFocus();
-  std::vector<std::size_t> visited;
-  for (int i = 0; i < 40; ++i) {
-    for (std::size_t area = 0; area < areas.size(); ++area) {
-      if (areas[area]->isAncestorOf(W().focusWidget()) && (visited.empty() || visited.back() != area)) {
-        visited.push_back(area);
-      }
-    }
-    if (visited.size() > areas.size()) break;
+  std::vector<std::ptrdiff_t> visited{0};
+  for (int i = 0; i < 40 && visited.size() <= areas.size(); ++i) {
     QTest::keyClick(W().focusWidget(), Qt::Key_Tab);
+    if (here() != visited.back() && here() != std::ssize(areas)) visited.push_back(here());
   }
   EXPECT_THAT(visited, testing::ElementsAre(0, 1, 2, 3, 0));
-}
-
-TEST_F(WindowStory, AKeyGoesFromAreaToAreaInBothDirections) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
-  Select({0});
-  ChooseConverter();
-  const std::vector<const QWidget*> areas{&W().JobButtons(), &W().Filters(), &W().Source(), &W().Target()};
-  W().activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&W()));
+  // A key goes from area to area, to what is current there, and back.
   W().JobButtons().JobButton(0)->setFocus();
-  const auto here = [&] {
-    std::size_t area = 0;
-    while (area < areas.size() && !areas[area]->isAncestorOf(W().focusWidget())) ++area;
-    return area;
-  };
-  std::vector<std::size_t> visited;
-  std::vector<const QWidget*> entered;
-  for (std::size_t i = 0; i < areas.size(); ++i) {
+  const QWidget* entered[4];
+  for (std::ptrdiff_t i = 0; i < 4; ++i) {
     Press(Qt::Key_F6);
-    visited.push_back(here());
-    entered.push_back(W().focusWidget());
+    EXPECT_EQ(here(), (i + 1) % 4);
+    entered[i] = W().focusWidget();
   }
-  EXPECT_THAT(visited, testing::ElementsAre(1, 2, 3, 0));
-  EXPECT_EQ(entered.front(), W().Filters().TileOf(FilterId::MidiConverter)) << "the current one";
-  EXPECT_EQ(entered.back(), W().JobButtons().JobButton(0)) << "that of the job on show";
+  EXPECT_EQ(entered[0], W().Filters().TileOf(FilterId::MidiConverter));
+  EXPECT_EQ(entered[3], W().JobButtons().JobButton(0));
   Press(Qt::Key_F6, Qt::ShiftModifier);
-  EXPECT_EQ(here(), 3U);
+  EXPECT_EQ(here(), 3);
 }
 
 TEST_F(WindowStory, TheDestinationIsChosenInAFileDialog) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
-  Select({0});
-  ChooseConverter();
+  StartConverting();
   script_.Expect([](QDialog& dialog) { dialog.reject(); });
   const QString before = W().Target().Field()->text();
   W().Target().BrowseButton()->click();
@@ -186,9 +155,7 @@ TEST_F(WindowStory, TheDestinationIsChosenInAFileDialog) {
 }
 
 TEST_F(WindowStory, TilesCollapseByKeyAndTheirStateIsTheJobs) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
+  StartWithList({WriteMidi("a.mid")});
   Select({0});
   TileButton* tile = W().Filters().TileOf(FilterId::MidiConverter);
   ASSERT_TRUE(tile->isVisible());
@@ -207,11 +174,7 @@ TEST_F(WindowStory, TilesCollapseByKeyAndTheirStateIsTheJobs) {
 }
 
 TEST_F(WindowStory, FixingHidesAllOtherFilters) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid")});
-  Select({0});
-  ChooseConverter();
+  StartConverting();
   W().Filters().FixControl()->click();
   int shown = 0;
   for (int i = 0; i < static_cast<int>(kFilterCount); ++i) {
@@ -220,13 +183,11 @@ TEST_F(WindowStory, FixingHidesAllOtherFilters) {
   EXPECT_EQ(shown, 1);
   EXPECT_TRUE(W().Filters().TileOf(FilterId::MidiConverter)->isVisible());
   Select({});
-  EXPECT_FALSE(W().Actions().Action(CommandId::Run)->isEnabled()) << "nothing that the converter could take";
+  EXPECT_FALSE(Enabled(CommandId::Run)) << "nothing that the converter could take";
 }
 
 TEST_F(WindowStory, AllFiltersStandInGroupsAndTakeTheWholeList) {
-  Start();
-  ToListMode();
-  Drop({WriteMidi("a.mid"), WriteMidi("b.mid")});
+  StartWithList({WriteMidi("a.mid"), WriteMidi("b.mid")});
   Select({});
   FilterPanel& panel = W().Filters();
   EXPECT_FALSE(panel.TileOf(FilterId::MidiConverter)->isVisible());
@@ -246,7 +207,7 @@ TEST_F(WindowStory, AllFiltersStandInGroupsAndTakeTheWholeList) {
   ChooseConverter();
   EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
   EXPECT_EQ(ActiveJob().files.Selection().size(), 2U);
-  EXPECT_TRUE(W().Actions().Action(CommandId::Run)->isEnabled());
+  EXPECT_TRUE(Enabled(CommandId::Run));
   EXPECT_TRUE(application_->GetSettings().showAllFilters);
   panel.AllControl()->click();
   EXPECT_FALSE(panel.TileOf(FilterId::CdCopier)->isVisible());
@@ -291,8 +252,7 @@ TEST_F(WindowStory, HelpTopicsOfTheCommandsExist) {
 }
 
 TEST_F(WindowStory, SplittersAndPlaceAreRemembered) {
-  Start();
-  ASSERT_TRUE(WaitForListing());
+  StartListed();
   ActiveJob().sizing = {300, 0, 520, 333};
   W().Active().Show();
   QApplication::processEvents();
