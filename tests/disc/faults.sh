@@ -158,6 +158,27 @@ check "a copy on the fly breaks off" 1 "damaged 0" "nicht mehr zu lesen" bash -c
 blank
 check "a copy lacks a track" 1 "blank 0" "an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" copy
 
+# --- drives that answer what cannot be
+# toc NUMBER:START...: a table of contents in hexadecimal
+toc() { python3 -c '
+import sys
+rows = b"".join(bytes([0, 16, int(n), 0]) + int(at).to_bytes(4, "big") for n, at in (one.split(":") for one in sys.argv[1:]))
+print((2 + len(rows)).to_bytes(2, "big").hex() + "0101" + rows.hex())' "$@"; }
+while IFS='|' read -r name op reply text run; do
+  blank
+  check "$name" 1 "blank 0" "$text" bash -c 'with "$@"' with '[{"op":"'"$op"'","times":999,"reply":"'"$reply"'"}]' $run
+done <<END
+200 tracks|43|$(toc $(seq 200 | sed 's/.*/&:&/') 170:30000)|keine brauchbare Auskunft|copy
+tracks in no order|43|$(toc 1:500 2:100 170:1500)|keine brauchbare Auskunft|copy
+music beyond all discs|43|$(toc 1:0 2:900000 170:1000000)|keine brauchbare Auskunft|copy
+a length that lies|43|ffff0101001001|keine brauchbare Auskunft|copy
+no table of contents|43||keine lesbare Audio-CD|grab
+information that is cut|51|0020|keine brauchbare Auskunft|burn a.wav
+a place before the disc|52|001a010100004f01800000008000000000000000$(printf %016d 0)|keine brauchbare Auskunft|burn a.wav
+no write parameters|5A|$(printf %0120d 0)|nimmt die Brennparameter nicht an|burn a.wav
+sectors that are cut|BE|0102|an einer Stelle nicht zu lesen|copy
+END
+
 # --- full folders
 mkdir full
 if mount -t tmpfs -o size=1m tmpfs full 2>/dev/null; then
