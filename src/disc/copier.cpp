@@ -119,16 +119,9 @@ class CopyRun {
   // --- the source
 
   DiscOutcome OpenSource() {
-    run_.StatusText(Text(texts::OpeningSource));
-    auto opened = ClaimedDrive::Open(sourcePath_);
-    if (!opened ||
-        Failed(opened->drive.WaitUntilReady(std::chrono::seconds(12), [this] { return run_.Cancelled(); }))) {
-      run_.StatusText(Text(texts::SourceNotOpened));
-      if (run_.Cancelled()) return {Code(Outcome::Cancelled), 0};
-      return {!opened && opened.error() == Outcome::InUse ? code::kDriveBusy : code::kDriveNotOpened, 0};
-    }
+    auto opened = OpenSourceDrive(run_, sourcePath_);
+    if (!opened) return opened.error();
     drive_ = *std::move(opened);
-    run_.StatusText(Text(texts::SourceOpened));
     return {};
   }
 

@@ -35,6 +35,20 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
   if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }
 
+tl::expected<ClaimedDrive, DiscOutcome> OpenSourceDrive(Run& run, const std::string& path) {
+  run.StatusText(Text(texts::OpeningSource));
+  auto opened = ClaimedDrive::Open(path);
+  const auto cancelled = [&run] { return run.Cancelled(); };
+  if (opened && Succeeded(opened->drive.WaitUntilReady(kSettling, cancelled))) {
+    run.StatusText(Text(texts::SourceOpened));
+    return *std::move(opened);
+  }
+  run.StatusText(Text(texts::SourceNotOpened));
+  const bool busy = !opened && opened.error() == Outcome::InUse;
+  const std::int32_t failed = busy ? code::kDriveBusy : code::kDriveNotOpened;
+  return tl::unexpected(DiscOutcome{run.Cancelled() ? Code(Outcome::Cancelled) : failed, 0});
+}
+
 // While a run waits for a disc the drive belongs to nobody, so that one can be put in.
 Outcome DiscSession::Take() {
   auto opened = ClaimedDrive::OpenSoon(path_);

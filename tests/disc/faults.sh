@@ -86,18 +86,16 @@ END
 
 # --- sources that change while the drive takes its time
 slow='[{"op":"2A","lba":100,"delayMs":1500,"sense":null}]'
-blank
-cp lang.wav s.wav
-(sleep 0.7; truncate -s 3000000 s.wav) &
-check "a source shrinks" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" bash -c 'with "$@"' with "$slow" burn s.wav b.wav
-blank
-cp lang.wav s.wav
-(sleep 0.7; rm s.wav) &
-check "a source vanishes while it is read" 0 "finalized 2" "nicht mit den Daten verglichen" bash -c 'with "$@"' with "$slow" burn s.wav b.wav
-blank
-cp b.wav s.wav
-(sleep 0.7; rm s.wav) &
-check "a source vanishes before its turn" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" bash -c 'with "$@"' with "$slow" burn lang.wav s.wav
+# changing NAME STATUS DISC TEXT SOURCE CHANGE FILE...
+changing() {
+  blank
+  cp "$5" s.wav
+  (sleep 0.7; $6 s.wav) &
+  check "$1" "$2" "$3" "$4" bash -c 'with "$@"' with "$slow" burn "${@:7}"
+}
+changing "a source shrinks" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" lang.wav "truncate -s 3000000" s.wav b.wav
+changing "a source vanishes while it is read" 0 "finalized 2" "nicht mit den Daten verglichen" lang.wav rm s.wav b.wav
+changing "a source vanishes before its turn" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" b.wav rm lang.wav s.wav
 blank
 check "a source was never there" 1 "blank 0" "Quelldatei ist nicht vorhanden" bash -c 'burn "$@"' burn nichts.wav b.wav
 

@@ -84,7 +84,7 @@ Outcome CdDrive::WaitUntilReady(std::chrono::milliseconds patience, const Cancel
     if (cancelled && cancelled()) return Outcome::Cancelled;
     if (state == MediaState::NoMedium || std::chrono::steady_clock::now() > end)
       return Outcome::CdDriveFailed;
-    if (state == MediaState::NotReady) Sleep(std::min<std::chrono::milliseconds>(kSettlingPoll, pace_.poll));
+    Sleep(std::min<std::chrono::milliseconds>(kSettlingPoll, pace_.poll));
   }
   return Outcome::Success;
 }
