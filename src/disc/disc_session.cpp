@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kWaitForDisc = 120s;
 constexpr auto kWaitPoll = 500ms;
-constexpr auto kSettling = 12s;
+constexpr auto kSettling = 12s;  // of a source
 
 }  // namespace
 
@@ -53,7 +53,7 @@ tl::expected<ClaimedDrive, DiscOutcome> OpenSourceDrive(Run& run, const std::str
 Outcome DiscSession::Take() {
   auto opened = ClaimedDrive::OpenSoon(path_);
   if (!opened) return opened.error();
-  const Outcome ready = opened->drive.WaitUntilReady(kSettling, [this] { return run_.Cancelled(); });
+  const Outcome ready = opened->drive.WaitUntilReady(kWaitPoll, [this] { return run_.Cancelled(); });
   if (Failed(ready)) return ready;
   held_ = *std::move(opened);
   Drive().PreventRemoval(true);
