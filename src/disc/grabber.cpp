@@ -106,7 +106,7 @@ class GrabRun {
     if (run_.Result().cancelled || run_.CancelRequest() != kNoCancel)
       run_.StatusText(Text(texts::GrabbingStopped));
     if (source_) {
-      if (parameters_.cueSheet) WriteCueSheet();
+      if (parameters_.cueSheet && !source_->drive.DiscChanged()) WriteCueSheet();
       RememberNames();
       if (parameters_.eject) (void)source_->drive.Eject();
     }

@@ -323,7 +323,7 @@ TEST(TrackReader, ReadsDoubtfulSectorsUntilTwoAgree) {
 
   CdDrive gone = Drive([](const ScsiCommand&) -> ScsiReply { return {false, {2, 0x3A, 0}, 0}; });
   TrackReader none(gone, Lba{100});
-  EXPECT_EQ(none.Read(Lba{0}, out), engine::kSectorsUnreadable);
+  EXPECT_EQ(none.Read(Lba{0}, out), engine::kDiscChanged);
 }
 
 TEST(TrackReader, CompensatesTheOffsetOfTheDrive) {

@@ -150,6 +150,8 @@ check "data first" 1 "blank 0" "ist keine Audio-CD" bash -c 'copy'
 bad='[{"op":"BE","drive":"STAVORA VIRTUELLE CD","lba":400,"times":99999,"sense":"03/11/00"}]'
 check "a sector is unreadable" 1 - "(Code 1804) Die Quell-CD ist an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" grab
 [ "$(ls g)" = $'Track01.wav\nTrack03.wav' ] || { echo "grabbed in spite of it: $(ls g)"; failed=1; }
+check "another disc" 1 - "Quell-CD wurde während des Lesens gewechselt" bash -c 'with "$@"' with '[{"op":"BE","lba":400,"sense":"06/28/00"}]' grab
+[ "$(ls g)" = Track01.wav ] || { echo "grabbed from another disc: $(ls g)"; failed=1; }
 check "a sector is read at last" 0 - "keine" bash -c 'with "$@"' with "${bad/99999/3}" grab
 blank
 check "a copy on the fly breaks off" 1 "damaged 0" "nicht mehr zu lesen" bash -c 'with "$@"' with "$bad" copy --set CopyOnTheFly=1
