@@ -155,6 +155,8 @@ class CopyRun {
       run_.StatusText(Format(Text(texts::ReadingTrackInfo), std::to_string(source_->Tracks()[i].number)));
       const bool found = source_->FindPauseOf(i, [this] { return run_.Cancelled(); });
       if (run_.Cancelled()) continue;  // who does not stop after all still gets this one
+      if (drive_->drive.DiscChanged())
+        return {code::kTrackNotRead, static_cast<std::int32_t>(engine::kDiscChanged)};
       all = found && all;
       ++i;
     }
