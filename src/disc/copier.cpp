@@ -119,16 +119,9 @@ class CopyRun {
   // --- the source
 
   DiscOutcome OpenSource() {
-    run_.StatusText(Text(texts::OpeningSource));
-    auto opened = ClaimedDrive::Open(sourcePath_);
-    if (!opened ||
-        Failed(opened->drive.WaitUntilReady(std::chrono::seconds(12), [this] { return run_.Cancelled(); }))) {
-      run_.StatusText(Text(texts::SourceNotOpened));
-      if (run_.Cancelled()) return {Code(Outcome::Cancelled), 0};
-      return {!opened && opened.error() == Outcome::InUse ? code::kDriveBusy : code::kDriveNotOpened, 0};
-    }
+    auto opened = OpenSourceDrive(run_, sourcePath_);
+    if (!opened) return opened.error();
     drive_ = *std::move(opened);
-    run_.StatusText(Text(texts::SourceOpened));
     return {};
   }
 
@@ -162,6 +155,8 @@ class CopyRun {
       run_.StatusText(Format(Text(texts::ReadingTrackInfo), std::to_string(source_->Tracks()[i].number)));
       const bool found = source_->FindPauseOf(i, [this] { return run_.Cancelled(); });
       if (run_.Cancelled()) continue;  // who does not stop after all still gets this one
+      if (drive_->drive.DiscChanged())
+        return {code::kTrackNotRead, static_cast<std::int32_t>(engine::kDiscChanged)};
       all = found && all;
       ++i;
     }

@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kWaitForDisc = 120s;
 constexpr auto kWaitPoll = 500ms;
-constexpr auto kSettling = 12s;
+constexpr auto kSettling = 12s;  // of a source
 
 }  // namespace
 
@@ -35,11 +35,25 @@ void AddOutcome(Run& run, const DiscOutcome& outcome) {
   if (reason) run.AddStatus({.code = outcome.code, .line = std::string(Text(*reason))});
 }
 
+tl::expected<ClaimedDrive, DiscOutcome> OpenSourceDrive(Run& run, const std::string& path) {
+  run.StatusText(Text(texts::OpeningSource));
+  auto opened = ClaimedDrive::Open(path);
+  const auto cancelled = [&run] { return run.Cancelled(); };
+  if (opened && Succeeded(opened->drive.WaitUntilReady(kSettling, cancelled))) {
+    run.StatusText(Text(texts::SourceOpened));
+    return *std::move(opened);
+  }
+  run.StatusText(Text(texts::SourceNotOpened));
+  const bool busy = !opened && opened.error() == Outcome::InUse;
+  const std::int32_t failed = busy ? code::kDriveBusy : code::kDriveNotOpened;
+  return tl::unexpected(DiscOutcome{run.Cancelled() ? Code(Outcome::Cancelled) : failed, 0});
+}
+
 // While a run waits for a disc the drive belongs to nobody, so that one can be put in.
 Outcome DiscSession::Take() {
   auto opened = ClaimedDrive::OpenSoon(path_);
   if (!opened) return opened.error();
-  const Outcome ready = opened->drive.WaitUntilReady(kSettling, [this] { return run_.Cancelled(); });
+  const Outcome ready = opened->drive.WaitUntilReady(kWaitPoll, [this] { return run_.Cancelled(); });
   if (Failed(ready)) return ready;
   held_ = *std::move(opened);
   Drive().PreventRemoval(true);

@@ -61,6 +61,9 @@ class DiscSession {
   RunProgress shown_ = {};  // the last of a recording, as it stands when nothing is written
 };
 
+// The drive that a run reads from, held and with a disc in it, or why not; both are said.
+[[nodiscard]] tl::expected<ClaimedDrive, DiscOutcome> OpenSourceDrive(Run& run, const std::string& path);
+
 // Puts a failure into the run's status list, and in words what an engine's number means.
 void AddOutcome(Run& run, const DiscOutcome& outcome);
 

@@ -27,6 +27,7 @@ constexpr Reason kReasons[] = {
     {kAll, engine::kDiscUnknown, texts::ReasonDiscUnknown},
     {kAll, engine::kNoWritable, texts::ReasonDiscUnknown},
     {kAll, engine::kSectorsUnreadable, texts::ReasonUnreadable},
+    {kAll, engine::kDiscChanged, texts::ReasonSourceChanged},
     {kAll, engine::kSourceRead, texts::ReasonSource},
     {kAll, engine::kSourceOpen, texts::ReasonSource},
     {kAll, engine::kCueSheet, texts::ReasonCueSheet},

@@ -12,6 +12,7 @@
 #include "audio/wave_file.h"
 #include "disc/disc_codes.h"
 #include "disc/disc_memory.h"
+#include "disc/disc_session.h"
 #include "disc/engine_reason.h"
 #include "disc/grab_parameters.h"
 #include "disc/grabbed_sheet.h"
@@ -105,7 +106,7 @@ class GrabRun {
     if (run_.Result().cancelled || run_.CancelRequest() != kNoCancel)
       run_.StatusText(Text(texts::GrabbingStopped));
     if (source_) {
-      if (parameters_.cueSheet) WriteCueSheet();
+      if (parameters_.cueSheet && !source_->drive.DiscChanged()) WriteCueSheet();
       RememberNames();
       if (parameters_.eject) (void)source_->drive.Eject();
     }
@@ -117,20 +118,21 @@ class GrabRun {
   OpenSource* Open(const CdTrackPlace& place, Outcome& failure) {
     if (source_ && path_ == place.drive.path) return source_.get();
     source_.reset();
-    run_.StatusText(Text(texts::OpeningSource));
-    auto opened = ClaimedDrive::Open(place.drive.path);
-    auto toc = opened ? opened->drive.ReadToc([this] { return run_.Cancelled(); }) : Failure(opened.error());
+    auto opened = OpenSourceDrive(run_, place.drive.path);
+    if (!opened) {
+      failure = static_cast<Outcome>(opened.error().code);
+      return nullptr;
+    }
+    auto toc = opened->drive.ReadToc([this] { return run_.Cancelled(); });
     if (!toc) {
-      run_.StatusText(Text(texts::SourceNotOpened));
-      failure = toc.error() == Outcome::Cancelled ? Outcome::Cancelled
-                : toc.error() == Outcome::InUse   ? static_cast<Outcome>(code::kDriveBusy)
-                                                  : static_cast<Outcome>(code::kDriveNotOpened);
+      run_.StatusText(Text(texts::SourceDiscNotRead));
+      failure =
+          toc.error() == Outcome::Cancelled ? Outcome::Cancelled : static_cast<Outcome>(code::kDriveFailed);
       return nullptr;
     }
     (void)opened->drive.SetSpeed(kGrabSpeeds.at(static_cast<std::size_t>(parameters_.speed)));
     path_ = place.drive.path;
     source_ = std::make_unique<OpenSource>(*std::move(opened), *std::move(toc), parameters_.offset);
-    run_.StatusText(Text(texts::SourceOpened));
     return source_.get();
   }
 

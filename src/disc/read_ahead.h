@@ -27,10 +27,13 @@ class ReadAhead {
   // What there is, whole sectors; 0 at the end, or where the source failed; nothing when the source takes its
   // time, so that who waits can be stopped.
   [[nodiscard]] std::optional<std::size_t> Read(std::span<std::uint8_t> out) { return pipe_.ReadSome(out); }
+  // Behind the last byte: whether the source failed.
+  [[nodiscard]] Outcome End() const { return end_; }
 
  private:
   SoundSource& sound_;
   SectorPipe pipe_;
+  Outcome end_ = Outcome::Success;
   std::jthread thread_;
 };
 

@@ -29,8 +29,11 @@ class DriveSound final : public SoundSource {
     if (before > 0 && reader_.Read(next_, part.first(before * kAudioSectorBytes), stopped) != 0)
       std::ranges::fill(part.first(before * kAudioSectorBytes), std::uint8_t{0});
     const Lba there = next_ + static_cast<std::int32_t>(before);
-    if (wanted > before && reader_.Read(there, part.subspan(before * kAudioSectorBytes), stopped) != 0)
-      return Failure(Outcome::ReadFailed);
+    if (wanted > before) {
+      const std::uint32_t error = reader_.Read(there, part.subspan(before * kAudioSectorBytes), stopped);
+      if (error != 0)
+        return Failure(error == engine::kDiscChanged ? Outcome::CdDriveFailed : Outcome::ReadFailed);
+    }
     next_ = next_ + static_cast<std::int32_t>(wanted);
     left_ -= wanted;
     return part.size();
@@ -82,7 +85,8 @@ std::uint32_t ReadTrackToFile(SoundSource& sound, const TrackFileOrder& order, W
     progress.Tell(done);
     const auto got = ahead.Read(buffer);
     if (!got) continue;
-    if (*got == 0) return engine::kSectorsUnreadable;
+    if (*got == 0)
+      return ahead.End() == Outcome::CdDriveFailed ? engine::kDiscChanged : engine::kSectorsUnreadable;
     const ByteView data = ByteView(buffer).first(*got);
     if (Failed(order.trim ? trimmer.Push(data) : wave.Write(data))) return engine::kFileNotWritten;
     done += static_cast<std::uint32_t>(*got / kAudioSectorBytes);

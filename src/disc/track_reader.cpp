@@ -56,6 +56,7 @@ std::uint32_t TrackReader::ReadPortion(Lba address, std::span<std::uint8_t> out,
     sound.assign(sound.size(), false);
   }
   for (std::size_t i = 0; i < sound.size(); ++i) {
+    if (drive_.DiscChanged()) return engine::kDiscChanged;
     if (sound[i]) continue;
     const auto sector = out.subspan(i * kAudioSectorBytes, kAudioSectorBytes);
     const std::uint32_t error = ReadUntilAgreed(address + static_cast<std::int32_t>(i), sector, stopped);
@@ -84,6 +85,7 @@ std::uint32_t TrackReader::ReadUntilAgreed(Lba address, std::span<std::uint8_t> 
     if (readings.size() == kKept) readings.erase(readings.begin());
     readings.push_back(now);
   }
+  if (drive_.DiscChanged()) return engine::kDiscChanged;
   if (!any) return engine::kSectorsUnreadable;
   ++doubtful_;
   return 0;

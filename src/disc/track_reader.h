@@ -13,6 +13,7 @@ namespace engine {
 inline constexpr std::uint32_t kNotCreated = 1802;
 inline constexpr std::uint32_t kHeaderNotWritten = 1803;
 inline constexpr std::uint32_t kSectorsUnreadable = 1804;
+inline constexpr std::uint32_t kDiscChanged = 1805;
 inline constexpr std::uint32_t kPipeNotWritten = 1807;
 inline constexpr std::uint32_t kFileNotWritten = 1808;
 inline constexpr std::uint32_t kChunkNotClosed = 1809;
@@ -27,8 +28,8 @@ class TrackReader {
   // ends at end, and silence is behind it.
   TrackReader(CdDrive& drive, Lba end, std::int32_t offset = 0);
 
-  // The sectors from there on. 0, engine::kSectorsUnreadable or kStopped; stopped is asked between two
-  // commands.
+  // The sectors from there on. 0, engine::kSectorsUnreadable, kDiscChanged or kStopped; stopped is asked
+  // between two commands.
   [[nodiscard]] std::uint32_t Read(Lba address, std::span<std::uint8_t> out, const CancelCheck& stopped = {});
   // Sectors that were taken although no two readings of them agreed.
   [[nodiscard]] std::uint32_t Doubtful() const { return doubtful_; }

@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <future>
 #include <optional>
-
-#include "disc/read_ahead.h"
 
 namespace ts5::disc {
 namespace {
 
 constexpr auto kSettling = std::chrono::seconds(60);  // until a closed disc is read again
-constexpr std::int32_t kMostOffsetSectors = 4;        // that a drive may be beside the place
+constexpr std::size_t kReadTogether = 16 * kSectorsPerCommand * kAudioSectorBytes;  // of what was sent
+constexpr std::int32_t kMostOffsetSectors = 4;  // that a drive may be beside the place
 
 // What was sent for some tracks, one behind the other.
 class SentSound final : public SoundSource {
@@ -131,22 +131,29 @@ class Comparison {
   std::int32_t offset_ = 0;
 };
 
-// Compares sound that was sent in one piece, from there on.
+// Compares sound that was sent in one piece, from there on. What comes next is read meanwhile.
 DiscComparison CompareRange(Comparison& comparison, SoundSource& sent, Lba at, Lba end,
                             const WorkWatch& watch, double sectorsOfDisc) {
-  ReadAhead ahead(sent, nullptr);
-  Bytes buffer(kSectorsPerCommand * kAudioSectorBytes);
-  while (at < end) {
-    if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
-    // The sectors before 0 by themselves: hardly a drive reads them.
-    const auto count = std::min<std::int32_t>(kSectorsPerCommand, (at.value < 0 ? Lba{} : end) - at);
-    const auto got = ahead.Read(std::span(buffer).first(static_cast<std::size_t>(count) * kAudioSectorBytes));
-    if (!got) continue;
-    if (*got == 0) return {Outcome::SourceFailed};
-    if (const auto different = comparison.Portion(at, ByteView(buffer).first(*got)))
-      return {Outcome::NotProven, *different};
-    at = at + static_cast<std::int32_t>(*got / kAudioSectorBytes);
-    if (watch.progress) watch.progress((at.value + kPregapSectors) / sectorsOfDisc);
+  Bytes now(kReadTogether);
+  Bytes next(kReadTogether);
+  const auto readNext = [&] { return std::async(std::launch::async, [&] { return sent.Read(next); }); };
+  for (auto coming = readNext(); at < end;) {
+    const auto got = coming.get();
+    if (!got || *got == 0) return {Outcome::SourceFailed};
+    now.swap(next);
+    coming = readNext();
+    for (ByteView left = ByteView(now).first(*got); !left.empty();) {
+      if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
+      // The sectors before 0 by themselves: hardly a drive reads them.
+      const std::size_t most = at.value < 0 ? static_cast<std::size_t>(-at.value) : kSectorsPerCommand;
+      const auto count =
+          std::min({left.size(), most * kAudioSectorBytes, kSectorsPerCommand * kAudioSectorBytes});
+      if (const auto different = comparison.Portion(at, left.first(count)))
+        return {Outcome::NotProven, *different};
+      left = left.subspan(count);
+      at = at + static_cast<std::int32_t>(count / kAudioSectorBytes);
+      if (watch.progress) watch.progress((at.value + kPregapSectors) / sectorsOfDisc);
+    }
   }
   return {};
 }

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <deque>
+#include <latch>
 #include <thread>
 
 #include "disc/disc_memory.h"
@@ -275,12 +276,9 @@ TEST(Engine, EveryFailureHasItsNumber) {
       const auto code = static_cast<MmcCommand>(command.cdb[0]);
       if (code == one.refused && one.error != engine::kNone) return {false, one.sense, 0};
       if (code == MmcCommand::ModeSense10) {
-        const Bytes page = [] {
-          Bytes bytes(8 + kWriteParametersBytes);
-          bytes[8] = kWriteParametersPage;
-          bytes[9] = kWriteParametersBytes - 2;
-          return bytes;
-        }();
+        Bytes page(8 + kWriteParametersBytes);
+        page[8] = kWriteParametersPage;
+        page[9] = kWriteParametersBytes - 2;
         std::ranges::copy(page, command.in.begin());
         return {true, {}, page.size()};
       }
@@ -325,7 +323,7 @@ TEST(TrackReader, ReadsDoubtfulSectorsUntilTwoAgree) {
 
   CdDrive gone = Drive([](const ScsiCommand&) -> ScsiReply { return {false, {2, 0x3A, 0}, 0}; });
   TrackReader none(gone, Lba{100});
-  EXPECT_EQ(none.Read(Lba{0}, out), engine::kSectorsUnreadable);
+  EXPECT_EQ(none.Read(Lba{0}, out), engine::kDiscChanged);
 }
 
 TEST(TrackReader, CompensatesTheOffsetOfTheDrive) {
@@ -355,16 +353,13 @@ TEST(TrackReader, CompensatesTheOffsetOfTheDrive) {
 class StuckSound final : public SoundSource {
  public:
   Result<std::size_t> Read(std::span<std::uint8_t> /*out*/) override {
-    stopped_.wait(false);
+    stopped_.wait();
     return Failure(Outcome::ReadFailed);
   }
-  void Interrupt() override {
-    stopped_ = true;
-    stopped_.notify_all();
-  }
+  void Interrupt() override { stopped_.count_down(); }
 
  private:
-  std::atomic<bool> stopped_ = false;
+  std::latch stopped_{1};
 };
 
 TEST(ReadAhead, WhoWaitsForADriveCanBeStopped) {
@@ -392,22 +387,11 @@ TEST(PauseSearch, FindsWhereIndex0Begins) {
       if (command.cdb[0] != static_cast<std::uint8_t>(MmcCommand::ReadSubChannel))
         return {false, {5, 0x20, 0}, 0};
       const bool second = played >= 1000 - pause;
-      const Bytes reply{0,
-                        0x11,
-                        0,
-                        12,
-                        1,
-                        0x10,
-                        static_cast<std::uint8_t>(second ? 2 : 1),
-                        static_cast<std::uint8_t>(second && played < 1000 ? 0 : 1),
-                        0,
-                        0,
-                        0,
-                        0,
-                        0,
-                        0,
-                        0,
-                        0};
+      const bool index1 = !second || played >= 1000;
+      Bytes reply(16);
+      reply[4] = 1;
+      reply[6] = second ? 2 : 1;
+      reply[7] = index1 ? 1 : 0;
       std::ranges::copy(reply, command.in.begin());
       return {true, {}, reply.size()};
     });

@@ -86,18 +86,16 @@ END
 
 # --- sources that change while the drive takes its time
 slow='[{"op":"2A","lba":100,"delayMs":1500,"sense":null}]'
-blank
-cp lang.wav s.wav
-(sleep 0.7; truncate -s 3000000 s.wav) &
-check "a source shrinks" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" bash -c 'with "$@"' with "$slow" burn s.wav b.wav
-blank
-cp lang.wav s.wav
-(sleep 0.7; rm s.wav) &
-check "a source vanishes while it is read" 0 "finalized 2" "nicht mit den Daten verglichen" bash -c 'with "$@"' with "$slow" burn s.wav b.wav
-blank
-cp b.wav s.wav
-(sleep 0.7; rm s.wav) &
-check "a source vanishes before its turn" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" bash -c 'with "$@"' with "$slow" burn lang.wav s.wav
+# changing NAME STATUS DISC TEXT SOURCE CHANGE FILE...
+changing() {
+  blank
+  cp "$5" s.wav
+  (sleep 0.7; $6 s.wav) &
+  check "$1" "$2" "$3" "$4" bash -c 'with "$@"' with "$slow" burn "${@:7}"
+}
+changing "a source shrinks" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" lang.wav "truncate -s 3000000" s.wav b.wav
+changing "a source vanishes while it is read" 0 "finalized 2" "nicht mit den Daten verglichen" lang.wav rm s.wav b.wav
+changing "a source vanishes before its turn" 1 "damaged 0" "Quelle wurde während des Brennens kürzer" b.wav rm lang.wav s.wav
 blank
 check "a source was never there" 1 "blank 0" "Quelldatei ist nicht vorhanden" bash -c 'burn "$@"' burn nichts.wav b.wav
 
@@ -152,11 +150,34 @@ check "data first" 1 "blank 0" "ist keine Audio-CD" bash -c 'copy'
 bad='[{"op":"BE","drive":"STAVORA VIRTUELLE CD","lba":400,"times":99999,"sense":"03/11/00"}]'
 check "a sector is unreadable" 1 - "(Code 1804) Die Quell-CD ist an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" grab
 [ "$(ls g)" = $'Track01.wav\nTrack03.wav' ] || { echo "grabbed in spite of it: $(ls g)"; failed=1; }
+check "another disc" 1 - "Quell-CD wurde während des Lesens gewechselt" bash -c 'with "$@"' with '[{"op":"BE","lba":400,"sense":"06/28/00"}]' grab
+[ "$(ls g)" = Track01.wav ] || { echo "grabbed from another disc: $(ls g)"; failed=1; }
 check "a sector is read at last" 0 - "keine" bash -c 'with "$@"' with "${bad/99999/3}" grab
 blank
 check "a copy on the fly breaks off" 1 "damaged 0" "nicht mehr zu lesen" bash -c 'with "$@"' with "$bad" copy --set CopyOnTheFly=1
 blank
 check "a copy lacks a track" 1 "blank 0" "an einer Stelle nicht zu lesen" bash -c 'with "$@"' with "$bad" copy
+
+# --- drives that answer what cannot be
+# toc NUMBER:START...: a table of contents in hexadecimal
+toc() { python3 -c '
+import sys
+rows = b"".join(bytes([0, 16, int(n), 0]) + int(at).to_bytes(4, "big") for n, at in (one.split(":") for one in sys.argv[1:]))
+print((2 + len(rows)).to_bytes(2, "big").hex() + "0101" + rows.hex())' "$@"; }
+while IFS='|' read -r name op reply text run; do
+  blank
+  check "$name" 1 "blank 0" "$text" bash -c 'with "$@"' with '[{"op":"'"$op"'","times":999,"reply":"'"$reply"'"}]' $run
+done <<END
+200 tracks|43|$(toc $(seq 200 | sed 's/.*/&:&/') 170:30000)|keine brauchbare Auskunft|copy
+tracks in no order|43|$(toc 1:500 2:100 170:1500)|keine brauchbare Auskunft|copy
+music beyond all discs|43|$(toc 1:0 2:900000 170:1000000)|keine brauchbare Auskunft|copy
+a length that lies|43|ffff0101001001|keine brauchbare Auskunft|copy
+no table of contents|43||keine lesbare Audio-CD|grab
+information that is cut|51|0020|keine brauchbare Auskunft|burn a.wav
+a place before the disc|52|001a010100004f01800000008000000000000000$(printf %016d 0)|keine brauchbare Auskunft|burn a.wav
+no write parameters|5A|$(printf %0120d 0)|nimmt die Brennparameter nicht an|burn a.wav
+sectors that are cut|BE|0102|an einer Stelle nicht zu lesen|copy
+END
 
 # --- full folders
 mkdir full

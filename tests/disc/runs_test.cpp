@@ -250,22 +250,6 @@ TEST_F(BurnTest, ADiscIsComparedWithWhatIsStillThere) {
   EXPECT_EQ(compared.sector, other.tracks.back().start.value);
 }
 
-TEST_F(BurnTest, ADiscThatIsTooSmallIsSaidToBe) {
-  Blank("disc", 74);
-  Order order;
-  // A file of 75 minutes that takes no room.
-  const std::string path = WaveFile("lang.wav", "");
-  constexpr std::uint32_t kData = 75 * 60 * 176'400;
-  ByteWriter header;
-  header.Append(test::WaveBytes(""));
-  header.PatchU32Le(4, 36 + kData);
-  header.PatchU32Le(40, kData);
-  place_.Write("lang.wav", AsText(header.View()));
-  std::filesystem::resize_file(path, 44 + kData);
-  order.files = {path};
-  EXPECT_EQ(Execute(BurnerModule(), order).items[0].code, code::kDiscTooSmall);
-}
-
 // --- grabber and copier
 
 class CopyTest : public BurnTest {

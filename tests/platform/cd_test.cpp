@@ -493,7 +493,11 @@ TEST(CdDrive, WaitsTriesAgainAndGivesUp) {
   EXPECT_THAT(Scripted({kScratch, kScratch, kGood, kGood}).ReadCdAudio(Lba{0}, sectors), IsOk());
   EXPECT_THAT(Scripted({kScratch, kScratch, kScratch, kGood}).ReadCdAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
-  EXPECT_THAT(Scripted({kNoDisc, kGood, kGood}).ReadCdAudio(Lba{0}, sectors), FailsWith(Outcome::ReadFailed));
+  for (const ScsiReply& another : {kNoDisc, kChanged}) {
+    CdDrive drive = Scripted({another, kGood, kGood});
+    for (int time = 0; time < 2; ++time)
+      EXPECT_THAT(drive.ReadCdAudio(Lba{0}, sectors), FailsWith(Outcome::ReadFailed));
+  }
   EXPECT_THAT(Scripted({{true, {}, 100}, {true, {}, 100}, {true, {}, 100}}).ReadCdAudio(Lba{0}, sectors),
               FailsWith(Outcome::ReadFailed));
 }

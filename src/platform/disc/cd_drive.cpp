@@ -51,6 +51,7 @@ Result<CdDrive> CdDrive::Open(const std::string& path) {
 ScsiReply CdDrive::Execute(const Cdb& cdb, std::span<std::uint8_t> in, ByteView out) {
   const ScsiReply reply = transport_->Send({cdb, in, out, cdb.Patience()});
   lastSense_ = reply.sense;
+  changed_ = changed_ || (!reply.good && IsAnotherDisc(reply.sense));
   return reply;
 }
 
@@ -84,13 +85,14 @@ Outcome CdDrive::WaitUntilReady(std::chrono::milliseconds patience, const Cancel
     if (cancelled && cancelled()) return Outcome::Cancelled;
     if (state == MediaState::NoMedium || std::chrono::steady_clock::now() > end)
       return Outcome::CdDriveFailed;
-    if (state == MediaState::NotReady) Sleep(std::min<std::chrono::milliseconds>(kSettlingPoll, pace_.poll));
+    Sleep(std::min<std::chrono::milliseconds>(kSettlingPoll, pace_.poll));
   }
   return Outcome::Success;
 }
 
 Result<DiscToc> CdDrive::ReadToc(const CancelCheck& cancelled) {
   if (const Outcome ready = WaitUntilReady(kSettling, cancelled); Failed(ready)) return Failure(ready);
+  changed_ = false;
   auto toc = DiscToc::Parse(Ask(ReadTocCdb(), kTocBytes));
   if (!toc) return Failure(Outcome::CdDriveFailed);
   return toc;
@@ -135,11 +137,10 @@ CdText CdDrive::ReadCdText() {
 Outcome CdDrive::ReadPortion(Lba address, std::span<std::uint8_t> out, const CancelCheck& cancelled) {
   const auto count = static_cast<std::uint32_t>(out.size() / kAudioSectorBytes);
   for (int attempt = 0; attempt < kReadAttempts; ++attempt) {
+    if (changed_) break;
     if (attempt > 0 && cancelled && cancelled()) return Outcome::Cancelled;
     const ScsiReply reply = Execute(ReadCdAudioCdb(address, count), out);
     if (reply.good && reply.transferred == out.size()) return Outcome::Success;
-    // A disc that is gone does not come back.
-    if (reply.sense.code == sense::kNoMedium) break;
   }
   return Outcome::ReadFailed;
 }
@@ -158,6 +159,7 @@ Outcome CdDrive::ReadCdAudio(Lba address, std::span<std::uint8_t> out, const Can
 
 Outcome CdDrive::ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound) {
   constexpr std::size_t kStride = kAudioSectorBytes + kC2Bytes;
+  if (changed_) return Outcome::ReadFailed;
   const std::size_t count = out.size() / kAudioSectorBytes;
   Bytes both(count * kStride);
   const ScsiReply reply = Execute(ReadCdAudioCdb(address, static_cast<std::uint32_t>(count), true), both);
@@ -173,7 +175,7 @@ Outcome CdDrive::ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out, st
 }
 
 Result<SubChannelPosition> CdDrive::PlayAndPosition(Lba address) {
-  if (Failed(Do(PlayAudioCdb(address, 1)))) return Failure(Outcome::CdDriveFailed);
+  if (changed_ || Failed(Do(PlayAudioCdb(address, 1)))) return Failure(Outcome::CdDriveFailed);
   for (int poll = 0; poll < kBusyPolls; ++poll) {
     const auto state = ParseMechanismStatus(Ask(MechanismStatusCdb(), 8));
     if (!state || !state->busy) break;

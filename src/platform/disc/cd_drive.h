@@ -57,6 +57,9 @@ class CdDrive {
   // Waits a few seconds for a disc that the drive is still getting ready. CdDriveFailed: there is no disc, or
   // none with a table of contents; Cancelled.
   [[nodiscard]] Result<DiscToc> ReadToc(const CancelCheck& cancelled = {});
+  // Whether the disc was changed or taken out since then. From there on no sectors and places are read: they
+  // would be another disc's.
+  [[nodiscard]] bool DiscChanged() const { return changed_; }
   [[nodiscard]] Result<DiscInformation> ReadDiscInfo();
   [[nodiscard]] Result<TrackInformation> ReadTrackInformation(std::uint8_t track);
   // The invisible track: where the next one begins, which is on the disc. CdDriveFailed: nothing can be
@@ -68,10 +71,11 @@ class CdDrive {
   // Whole sectors of audio tracks, each command a few times. ReadFailed, also when the disc has been taken
   // out; Cancelled.
   [[nodiscard]] Outcome ReadCdAudio(Lba address, std::span<std::uint8_t> out,
-                                  const CancelCheck& cancelled = {});
+                                    const CancelCheck& cancelled = {});
   // The same once, with the drive's word on each sector: false where it could not correct all of it. Drives
   // without error pointers say nothing.
-  [[nodiscard]] Outcome ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out, std::vector<bool>& sound);
+  [[nodiscard]] Outcome ReadCdAudioChecked(Lba address, std::span<std::uint8_t> out,
+                                           std::vector<bool>& sound);
   // The track and index at a place, by playing from there. CdDriveFailed.
   [[nodiscard]] Result<SubChannelPosition> PlayAndPosition(Lba address);
   void SetAudioMute(bool mute);
@@ -105,6 +109,7 @@ class CdDrive {
   std::unique_ptr<ScsiTransport> transport_;
   DrivePace pace_;
   SenseData lastSense_;
+  bool changed_ = false;
 };
 
 struct CdDriveEntry {

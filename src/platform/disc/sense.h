@@ -44,6 +44,12 @@ enum class SenseAction : std::uint8_t {
 };
 [[nodiscard]] SenseAction ActionFor(const SenseData& sense);
 
+// Whether the disc is no longer the one that it was.
+[[nodiscard]] constexpr bool IsAnotherDisc(const SenseData& sense) {
+  return sense.code == sense::kNoMedium ||
+         (sense.key == sense::kMediumChanged.key && sense.code == sense::kMediumChanged.code);
+}
+
 // "03/0C/09" as programs write it.
 [[nodiscard]] std::string SenseText(const SenseData& sense);
 
