@@ -41,7 +41,7 @@ class ArtworkerWindowTest : public testing::Test {
     subject.folder = directory_.Path();
     subject.backgrounds = {.load = [this] { return backgrounds_; },
                            .save =
-                               [this](const std::vector<Background>& all) {
+                               [this](const std::vector<ArtworkBackground>& all) {
                                  backgrounds_ = all;
                                  return Outcome::Success;
                                }};
@@ -85,7 +85,7 @@ class ArtworkerWindowTest : public testing::Test {
   test::TemporaryDirectory directory_;
   RecordingHost host_;
   ArtworkerParameters parameters_;
-  std::vector<Background> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
+  std::vector<ArtworkBackground> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
   bool gone_ = false;
   bool running_ = false;
   int prints_ = 0;
@@ -134,6 +134,9 @@ TEST_F(ArtworkerWindowTest, KeysMoveWithTheirToolAndSizeAlways) {
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1));
   Drag(At(5, 5), At(100, 30));
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0, 1)) << "the rubber band";
+  QTest::mouseClick(&Canvas(), Qt::LeftButton, {}, At(60, 15));
+  EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1)) << "a click is for one alone";
+  QTest::mouseClick(&Canvas(), Qt::LeftButton, Qt::ShiftModifier, At(10, 15));
   QTest::mouseClick(&Canvas(), Qt::LeftButton, Qt::ControlModifier, At(60, 15));
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0));
 }
@@ -367,6 +370,9 @@ TEST_F(ArtworkerWindowTest, EveryElementAndItsTextCanBeReadOut) {
   EXPECT_EQ(text->text(QAccessible::Name), "Textfeld: Abendlied");
   EXPECT_TRUE(text->text(QAccessible::Description).contains("mm"));
   EXPECT_EQ(canvas->indexOfChild(text), 1);
+  ASSERT_NE(text->textInterface(), nullptr);
+  EXPECT_EQ(text->textInterface()->text(5, 9), "lied");
+  EXPECT_EQ(canvas->child(0)->textInterface(), nullptr);
   EXPECT_TRUE(canvas->child(0)->state().selected);
   EXPECT_FALSE(text->state().selected);
   EXPECT_FALSE(text->rect().isEmpty());

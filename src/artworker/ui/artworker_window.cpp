@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolBar>
 #include <algorithm>
@@ -167,6 +168,15 @@ void ArtworkerWindow::BuildBars() {
   bar->setIconSize({kBarIcon, kBarIcon});
   actions_->AddToBar(*bar);
   ui_->barsLayout->addWidget(bar);
+  // Some controls keep the keys that lead from page to page for themselves.
+  QTabWidget* const pages = ui_->pages;
+  for (const auto& [key, step] : {std::pair(Qt::CTRL | Qt::Key_Tab, 1),
+                                  std::pair(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, pages->count() - 1)}) {
+    auto* const shortcut = new QShortcut(QKeySequence(key), this);
+    connect(shortcut, &QShortcut::activated, pages, [pages, step = step] {
+      pages->setCurrentIndex((pages->currentIndex() + step) % pages->count());
+    });
+  }
 }
 
 void ArtworkerWindow::RestorePlace() {
