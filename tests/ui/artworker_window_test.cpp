@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include "app/shell/named_printers.h"
 #include "artworker/layout_file.h"
 #include "artworker/ui/element_clipboard.h"
 #include "artworker/ui/layout_canvas.h"
@@ -12,6 +13,7 @@
 #include "artworker/ui/sheets_dialog.h"
 #include "artworker/ui/text_dialog.h"
 #include "dialogs_support.h"
+#include "modules/filter_modules.h"
 #include "support/test_data.h"
 
 namespace ts5::artworker {
@@ -381,6 +383,25 @@ TEST_F(ArtworkerWindowTest, EveryElementAndItsTextCanBeReadOut) {
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1));
   EXPECT_EQ(canvas->focusChild(), text);
   EXPECT_EQ(canvas->childAt(text->rect().center().x(), text->rect().center().y()), text);
+}
+
+TEST(NamedPrinters, AJobKeepsItsPrinterWhateverItsPlaceInTheList) {
+  StoredJobs stored;
+  stored.defaultJob.parameters = FindModule(FilterId::Artworker)->create();
+  Job& job = stored.defaultJob;
+  job.parameters.If<ArtworkerParameters>()->printer = "Laser";
+  std::vector<std::string> printers{"Alt", "Laser", "PDF-Datei"};
+  FindNamedPrinters(stored, printers);
+  EXPECT_EQ(job.destinationDevice, 1);
+  printers = {"PDF-Datei"};
+  FindNamedPrinters(stored, printers);
+  EXPECT_EQ(job.destinationDevice, 1);
+  EXPECT_THAT(printers, testing::ElementsAre("PDF-Datei", "Laser"))
+      << "it has gone, and nothing takes its place";
+  Jobs jobs(std::move(stored), FindModule);
+  jobs[0].destinationDevice = 0;
+  NamePrinters(jobs, printers);
+  EXPECT_EQ(jobs[0].parameters.If<ArtworkerParameters>()->printer, "PDF-Datei");
 }
 
 }  // namespace
