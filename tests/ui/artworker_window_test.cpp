@@ -326,6 +326,8 @@ TEST_F(ArtworkerWindowTest, MeasuresOutsideTheirLimitsGoBack) {
   EXPECT_EQ(printersChosen_, 1);
   Press(*window_, "printButton");
   EXPECT_EQ(prints_, 1);
+  window_->resize(900, 650);
+  EXPECT_EQ(parameters_.place[2] - parameters_.place[0], 899) << "the job knows where its window is";
 }
 
 TEST_F(ArtworkerWindowTest, SheetsAndPrintersAreSetUp) {

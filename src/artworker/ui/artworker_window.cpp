@@ -197,6 +197,17 @@ void ArtworkerWindow::StorePlace() {
   parameters->place = {rect.left(), rect.top(), rect.right(), rect.bottom()};
 }
 
+// At once, as the jobs may be stored while the window is open.
+void ArtworkerWindow::moveEvent(QMoveEvent* event) {
+  HostedDialog::moveEvent(event);
+  if (isVisible()) StorePlace();
+}
+
+void ArtworkerWindow::resizeEvent(QResizeEvent* event) {
+  HostedDialog::resizeEvent(event);
+  if (isVisible()) StorePlace();
+}
+
 void ArtworkerWindow::hideEvent(QHideEvent* event) {
   if (!event->spontaneous()) StorePlace();
   HostedDialog::hideEvent(event);

@@ -130,9 +130,9 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   if (dragged_ || large) {
     painter.setClipRect(QRectF({0, 0}, object.size()));
     PaintObjectNow(painter, layout, dragged_.has_value());
-  } else {
+  } else if (const QSize size = (object.size() * dots).toSize(); !size.isEmpty()) {
     if (picture_.isNull()) {
-      picture_ = QPixmap((object.size() * dots).toSize());
+      picture_ = QPixmap(size);
       picture_.setDevicePixelRatio(dots);
       picture_.fill(Qt::white);
       QPainter inner(&picture_);
