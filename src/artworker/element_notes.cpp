@@ -59,7 +59,10 @@ std::string NameOf(const ArtworkElement& element) {
 
 std::string PlaceText(const ArtworkElement& element, const ArtworkObject& object) {
   const QRectF place = PlaceOf(element, object);
-  return Format(Text(texts::ElementPlace), place.left(), place.top(), place.width(), place.height());
+  std::string text =
+      Format(Text(texts::ElementPlace), place.left(), place.top(), place.width(), place.height());
+  std::ranges::replace(text, '.', ',');
+  return text;
 }
 
 double DpiOf(const ArtworkElement& element, const ArtworkObject& object) {
