@@ -64,9 +64,9 @@ const Photographs& Photos() {
   return photographs;
 }
 
-const std::vector<Background>& Grounds() {
-  static const std::vector<Background> grounds{{0xFFFFFF, 0xFFFFFF, 0, "Weiß"},
-                                               {0x7A4E1D, 0xF7D38F, 3, "Morgen"}};
+const std::vector<ArtworkBackground>& Grounds() {
+  static const std::vector<ArtworkBackground> grounds{{0xFFFFFF, 0xFFFFFF, 0, "Weiß"},
+                                                      {0x7A4E1D, 0xF7D38F, 3, "Morgen"}};
   return grounds;
 }
 
@@ -99,7 +99,7 @@ ArtworkLayout Crowded(int elements, ArtworkObjectId id) {
 void Paint(QImage& screen, const ArtworkLayout& layout, Pictures& pictures, bool draft) {
   QPainter painter(&screen);
   painter.scale(kScreenScale, kScreenScale);
-  PaintObject(
+  RenderObject(
       painter,
       {.layout = layout, .backgrounds = Grounds(), .pictures = pictures, .boundary = false, .draft = draft},
       ArtworkObjectId::Booklet);

@@ -34,7 +34,7 @@ void Draw(ArtworkLayout layout) {
   for (ArtworkElement& element : layout.elements) {
     if (auto* const image = std::get_if<Image>(&element.content)) image->file.clear();
   }
-  const std::vector<Background> backgrounds{{0, kMaxColour, 3, "schräg"}};
+  const std::vector<ArtworkBackground> backgrounds{{0, kMaxColour, 3, "schräg"}};
   ArtworkerParameters parameters;
   parameters.layout =
       FilledLayout(layout, {.title = "Lied", .performer = "Chor", .tracks = {{"Lied", "", {}}}});

@@ -27,7 +27,8 @@ _ts5_batch() {
   case "$command" in
     filters | jobs | type | info | score | codecs) options="$options --json" ;;
     attributes) options="$options --json --set --remove" ;;
-    results | layout) options="$options --json" ;;
+    results) options="$options --json" ;;
+    layout) options="$options --json --overwrite" ;;
     run) options="$options --set --dest --dest-dir --overwrite --list --dir --part --preview --attribute --melody --melody-name --keys --device --input --json --quiet" ;;
     job) options="$options --json --quiet" ;;
     resume) options="$options --list --discard --json --quiet" ;;

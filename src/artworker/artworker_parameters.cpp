@@ -2,7 +2,10 @@
 
 #include <limits>
 
+#include "artworker/kept_pictures.h"
 #include "artworker/layout_file.h"
+#include "platform/files/paths.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::artworker {
 namespace {
@@ -21,15 +24,20 @@ ParameterField LayoutField() {
            [](P& own, const RegistryValues& values) {
              const auto record = values.Binary(kLayoutName);
              if (!record) return;
-             if (auto layout = LayoutFromRecord(*record)) own.layout = *std::move(layout);
+             auto layout = LayoutFromRecord(*record);
+             if (!layout) return;
+             own.layout = *std::move(layout);
+             FindPictures(own.layout, std::string(DirectoryOf(own.fileName)));
            },
        .save = [](const P& own,
                   RegistryValues& values) { values.SetBinary(kLayoutName, LayoutRecord(own.layout)); },
        .set =
            [](P& own, std::string_view path) {
              auto layout = LoadLayout(std::string(path));
-             if (layout) own.layout = *std::move(layout);
-             return layout.has_value();
+             if (!layout) return false;
+             own.layout = *std::move(layout);
+             FindPictures(own.layout, std::string(DirectoryOf(FullPath(std::string(path)))));
+             return true;
            }});
 }
 

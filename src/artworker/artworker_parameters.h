@@ -40,7 +40,7 @@ struct ArtworkerParameters : ClonableParameters<ArtworkerParameters> {
   std::string fileName;         // of the layout, "" when it was not loaded from a file
   ArtworkLayout layout = NewLayout();
   // What is there when the job runs; not kept with it. Backgrounds: the shared list, empty for plain white.
-  std::vector<Background> backgrounds;
+  std::vector<ArtworkBackground> backgrounds;
   DiscFacts disc;  // fills the fields of texts
   PrinterFit fit;  // of the printer
 };

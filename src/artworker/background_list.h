@@ -16,14 +16,14 @@ namespace ts5::artworker {
 class BackgroundList {
  public:
   struct Links {
-    std::function<std::vector<Background>()> load;
-    std::function<Outcome(const std::vector<Background>&)> save;
+    std::function<std::vector<ArtworkBackground>()> load;
+    std::function<Outcome(const std::vector<ArtworkBackground>&)> save;
   };
   explicit BackgroundList(Links links) : links_(std::move(links)) { Reload(); }
 
   // As another window may have changed them.
   void Reload() { backgrounds_ = links_.load(); }
-  [[nodiscard]] const std::vector<Background>& All() const { return backgrounds_; }
+  [[nodiscard]] const std::vector<ArtworkBackground>& All() const { return backgrounds_; }
 
   // "Neu 0001" or the next one that no background has.
   [[nodiscard]] std::string ProposedName() const;
@@ -31,19 +31,19 @@ class BackgroundList {
   [[nodiscard]] std::optional<TextId> Refusal(const std::string& name) const;
 
   // Stored at once; what cannot be stored is not in the list. Nothing when it failed.
-  std::optional<std::size_t> Add(Background background);
+  std::optional<std::size_t> Add(ArtworkBackground background);
   // The index of a background that looks the same, added when there is none.
-  std::optional<std::size_t> FindOrAdd(const Background& background);
+  std::optional<std::size_t> FindOrAdd(const ArtworkBackground& background);
   // The last one stays. Calls onRemoved, as layouts hold indices.
   bool Remove(std::size_t index);
 
   std::function<void(std::size_t index)> onRemoved = {};
 
  private:
-  bool Store(std::vector<Background> backgrounds);
+  bool Store(std::vector<ArtworkBackground> backgrounds);
 
   Links links_;
-  std::vector<Background> backgrounds_;
+  std::vector<ArtworkBackground> backgrounds_;
 };
 
 // Every background of the layout by another index. An image without one stays without one.

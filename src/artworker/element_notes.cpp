@@ -59,7 +59,10 @@ std::string NameOf(const ArtworkElement& element) {
 
 std::string PlaceText(const ArtworkElement& element, const ArtworkObject& object) {
   const QRectF place = PlaceOf(element, object);
-  return Format(Text(texts::ElementPlace), place.left(), place.top(), place.width(), place.height());
+  std::string text =
+      Format(Text(texts::ElementPlace), place.left(), place.top(), place.width(), place.height());
+  std::ranges::replace(text, '.', ',');
+  return text;
 }
 
 double DpiOf(const ArtworkElement& element, const ArtworkObject& object) {
@@ -93,6 +96,23 @@ std::vector<std::string> WarningsOf(const ArtworkElement& element, const Artwork
     }
   }
   return warnings;
+}
+
+std::vector<std::string> LacksOf(const ArtworkLayout& layout, std::int32_t objects) {
+  std::vector<std::string> lacks;
+  const auto add = [&lacks](std::string line) {
+    if (std::ranges::find(lacks, line) == lacks.end()) lacks.push_back(std::move(line));
+  };
+  for (const ArtworkElement& element : layout.elements) {
+    if ((objects >> IndexOf(element.object) & 1) == 0) continue;
+    if (const auto* const field = std::get_if<TextField>(&element.content)) {
+      if (FontMissing(field->font.face)) add(Format(Text(texts::WarningFont), field->font.face));
+    } else if (const auto* const image = std::get_if<Image>(&element.content)) {
+      if (Pictures::SizeOf(image->file).isEmpty())
+        add(Format(Text(texts::PictureLacks), FileNameOf(image->file)));
+    }
+  }
+  return lacks;
 }
 
 }  // namespace ts5::artworker

@@ -2,6 +2,7 @@
 // printed.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,9 @@ inline constexpr double kSafeMargin = 3;  // millimetres from the edge that a cu
 
 // Texts for the user: coarse or missing pictures, texts near the edge or in the hole, fonts that lack.
 [[nodiscard]] std::vector<std::string> WarningsOf(const ArtworkElement& element, const ArtworkObject& object);
+
+// What the layout wants for these objects (a set of bits) and this machine has not: fonts and pictures, a
+// text for each.
+[[nodiscard]] std::vector<std::string> LacksOf(const ArtworkLayout& layout, std::int32_t objects);
 
 }  // namespace ts5::artworker

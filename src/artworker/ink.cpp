@@ -21,9 +21,9 @@ QColor ColourOf(std::uint32_t colour) {
           static_cast<int>(colour >> 16 & 0xFF)};
 }
 
-QBrush BrushOf(std::span<const Background> backgrounds, std::int32_t index, const QRectF& rect) {
+QBrush BrushOf(std::span<const ArtworkBackground> backgrounds, std::int32_t index, const QRectF& rect) {
   if (std::cmp_greater_equal(index, backgrounds.size())) return Qt::white;
-  const Background& background = backgrounds[static_cast<std::size_t>(index)];
+  const ArtworkBackground& background = backgrounds[static_cast<std::size_t>(index)];
   QPointF end = rect.topLeft();
   switch (background.gradient) {
     case kHorizontal:

@@ -23,7 +23,8 @@ inline constexpr int kBaseFontPixels = 1000;
 
 // The background of that index over the rectangle: plain, or a gradient from its left, top or top left end.
 // White for an index that the list lacks.
-[[nodiscard]] QBrush BrushOf(std::span<const Background> backgrounds, std::int32_t index, const QRectF& rect);
+[[nodiscard]] QBrush BrushOf(std::span<const ArtworkBackground> backgrounds, std::int32_t index,
+                             const QRectF& rect);
 
 // What is left of the ground below: 1 covers it, 0 leaves it.
 [[nodiscard]] double Opacity(std::int32_t transparency);

@@ -3,9 +3,13 @@
 #include <QBuffer>
 #include <QByteArray>
 #include <QCryptographicHash>
+#include <QDir>
+#include <optional>
 #include <string_view>
 
 #include "platform/base/bytes.h"
+#include "platform/base/text.h"
+#include "platform/disc/volumes.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
 #include "platform/files/paths.h"
@@ -24,6 +28,14 @@ Result<std::string> WriteOnce(const std::string& folder, const std::string& name
   const Outcome written = WriteFile(path, bytes);
   if (Failed(written)) return Failure(written);
   return path;
+}
+
+// Whatever the case of its letters: other machines do not tell it apart.
+std::optional<std::string> FileIn(const std::string& folder, std::string_view name) {
+  for (const QString& entry : QDir(QString::fromStdString(folder)).entryList(QDir::Files)) {
+    if (EqualsIgnoringCase(entry.toStdString(), name)) return JoinPath(folder, entry.toStdString());
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -56,10 +68,23 @@ Outcome SettlePictures(ArtworkLayout& layout, const std::string& folder) {
   return Outcome::Success;
 }
 
-void NamePicturesFully(ArtworkLayout& layout, const std::string& folder) {
+bool CanBeNamed(const std::string& file) {
+  return Utf8FromWindows1252(Windows1252FromUtf8(file)) == file;
+}
+
+std::string FindPicture(const std::string& name, const std::string& folder) {
+  const bool letter = name.size() > 2 && name[1] == ':';
+  const std::string path =
+      letter ? VolumeTable::OfThisMachine().NativePath(name).value_or(name) : JoinPath(folder, name);
+  if (FileExists(path)) return path;
+  const auto beside = folder.empty() ? std::nullopt : FileIn(folder, FileNameOf(name));
+  return beside ? *beside : letter ? name : path;
+}
+
+void FindPictures(ArtworkLayout& layout, const std::string& folder) {
   for (ArtworkElement& element : layout.elements) {
     if (auto* const image = std::get_if<Image>(&element.content); image != nullptr && !image->file.empty())
-      image->file = JoinPath(folder, image->file);
+      image->file = FindPicture(image->file, folder);
   }
 }
 

@@ -20,8 +20,14 @@ namespace ts5::artworker {
 // Copies the layout's waiting pictures into the folder and refers to them there.
 [[nodiscard]] Outcome SettlePictures(ArtworkLayout& layout, const std::string& folder);
 
-// A picture that its layout names without a path lies beside the layout's file, in that folder: it is named
-// in full.
-void NamePicturesFully(ArtworkLayout& layout, const std::string& folder);
+// Whether a layout can hold the name of the file.
+[[nodiscard]] bool CanBeNamed(const std::string& file);
+
+// The picture of that name in a layout whose file lies in the folder ("" when it has none): from there when
+// the name has no path, through the letter of its drive when it comes from another machine, and the one
+// beside the layout when only that is there. A name under which nothing is found stays.
+[[nodiscard]] std::string FindPicture(const std::string& name, const std::string& folder);
+// All of a layout's.
+void FindPictures(ArtworkLayout& layout, const std::string& folder);
 
 }  // namespace ts5::artworker

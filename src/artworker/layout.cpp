@@ -12,6 +12,14 @@ std::int32_t KindOf(const ArtworkElement& element) {
   return unknown != nullptr ? unknown->kind : static_cast<std::int32_t>(element.content.index());
 }
 
+bool CanBeKept(const ArtworkLayout& layout) {
+  std::int64_t bytes = 0;
+  for (const ArtworkElement& element : layout.elements) {
+    if (const auto* const field = std::get_if<TextField>(&element.content)) bytes += field->length;
+  }
+  return layout.elements.size() <= kMaxElements && bytes <= kMaxTextBytes;
+}
+
 ArtworkLayout NewLayout() {
   ArtworkLayout layout;
   for (const ArtworkObjectId id : kObjectIds) {

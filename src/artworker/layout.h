@@ -55,14 +55,16 @@ struct ArtworkObject {
 
 inline constexpr std::int32_t kMaxSheet = 2000;  // millimetres
 inline constexpr std::int32_t kLeastRing = 10;   // what a label's diameter exceeds its hole by, millimetres
-inline constexpr std::int32_t kMaxBorderWidth = 50;     // tenths of a millimetre
-inline constexpr std::int32_t kMaxBorderGap = 150;      // likewise
-inline constexpr std::int32_t kLeastLineSpacing = 10;   // likewise; 0 in a file without one
-inline constexpr std::int32_t kMaxLineSpacing = 500;    // likewise
-inline constexpr std::int32_t kMaxColour = 0x00FFFFFF;  // white
-inline constexpr std::size_t kMaxElements = 10'000;     // of all objects together
-inline constexpr std::size_t kFaceBytes = 32;           // of a font's face name as it is stored
-inline constexpr std::size_t kFileNameBytes = 260;      // of an image's file name as it is stored
+inline constexpr std::int32_t kMaxBorderWidth = 50;      // tenths of a millimetre
+inline constexpr std::int32_t kMaxBorderGap = 150;       // likewise
+inline constexpr std::int32_t kLeastLineSpacing = 10;    // likewise; 0 in a file without one
+inline constexpr std::int32_t kMaxLineSpacing = 500;     // likewise
+inline constexpr std::int32_t kMaxColour = 0x00FFFFFF;   // white
+inline constexpr std::size_t kMaxElements = 10'000;      // of all objects together
+inline constexpr std::int32_t kMaxTextBytes = 1 << 20;   // of all texts together as they are stored
+inline constexpr std::int32_t kMaxFieldBytes = 1 << 16;  // of one that is typed
+inline constexpr std::size_t kFaceBytes = 32;            // of a font's face name as it is stored
+inline constexpr std::size_t kFileNameBytes = 260;       // of an image's file name as it is stored
 
 // The fields of a platform font that a layout keeps. Its direction follows from the text's orientation.
 struct FontFields {
@@ -171,6 +173,9 @@ struct ArtworkLayout {
 
   bool operator==(const ArtworkLayout&) const = default;
 };
+
+// Whether a file or a record of it could be read again.
+[[nodiscard]] bool CanBeKept(const ArtworkLayout& layout);
 
 // Objects of norm size in the middle of A4 sheets, without elements.
 [[nodiscard]] ArtworkLayout NewLayout();

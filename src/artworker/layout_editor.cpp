@@ -26,7 +26,7 @@ bool LayoutEditor::Apply(const Change& change) {
   ArtworkLayout changed = layout_;
   Selection selection = selection_;
   change(changed, selection);
-  if (changed.elements.size() > kMaxElements) return false;
+  if (!CanBeKept(changed)) return false;
   selection_ = std::move(selection);
   if (changed == layout_) return false;
   history_.Record(std::exchange(layout_, std::move(changed)));

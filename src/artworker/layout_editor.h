@@ -22,7 +22,7 @@ class LayoutEditor {
   void Click(std::size_t index, bool extend);
 
   // One step that can be taken back; nothing is recorded when nothing has changed. The change may set what is
-  // selected afterwards. More elements than a layout may hold are no change.
+  // selected afterwards. More than a layout may hold is no change.
   using Change = std::function<void(ArtworkLayout&, Selection&)>;
   bool Apply(const Change& change);
   // The layout and all states that it can go back to, alike: no step of its own.

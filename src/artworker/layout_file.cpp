@@ -124,10 +124,16 @@ class Reader {
     Require(count >= 0);
     elements_ = ok_ ? static_cast<std::size_t>(count) : 0;
   }
+  // A length needs no bytes in a file, but so many of them wherever its text is packed.
+  void TakeRoom(std::int32_t length) {
+    Require(length >= 0 && length <= room_);
+    if (ok_) room_ -= length;
+  }
 
  private:
   bool ok_ = true;
   std::size_t elements_ = 0;
+  std::int32_t room_ = kMaxTextBytes;
 };
 
 class ProfileReader : public Reader {
@@ -189,7 +195,8 @@ class ProfileReader : public Reader {
     }
   }
   void Text(std::string_view lengthKey, std::string_view key, std::int32_t& length, std::string& text) {
-    Number(lengthKey, length, NumberRange{0, std::numeric_limits<std::int32_t>::max()});
+    Number(lengthKey, length, NumberRange{});
+    TakeRoom(length);
     if (!Ok() || length == 0) return;
     const auto value = profile_.Find(section_, key);
     Require(value.has_value());
@@ -280,7 +287,7 @@ class RecordReader : public Reader {
   void Text(std::string_view /*lengthKey*/, std::string_view /*key*/, std::int32_t& length,
             std::string& text) {
     length = in_.I32Le();
-    Require(length >= 0);
+    TakeRoom(length);
     if (!Ok()) return;
     text = Restored(AsText(in_.Take(static_cast<std::size_t>(length))), length);
   }
@@ -323,7 +330,7 @@ Result<ArtworkLayout> LayoutFromRecord(ByteView record) {
 }
 
 Outcome SaveLayout(const ArtworkLayout& layout, const std::string& path) {
-  return LayoutProfile(layout).Save(path);
+  return Failed(LayoutProfile(layout).Save(path)) ? Outcome::WriteFailed : Outcome::Success;
 }
 
 Result<ArtworkLayout> LoadLayout(const std::string& path) {

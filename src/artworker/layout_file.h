@@ -24,7 +24,7 @@ inline constexpr std::string_view kLayoutExtension = "awl";
 [[nodiscard]] Bytes LayoutRecord(const ArtworkLayout& layout);
 [[nodiscard]] Result<ArtworkLayout> LayoutFromRecord(ByteView record);
 
-// TargetFailed, WriteFailed.
+// WriteFailed, for a file that cannot be made as well.
 [[nodiscard]] Outcome SaveLayout(const ArtworkLayout& layout, const std::string& path);
 // SourceFailed, ReadFailed.
 [[nodiscard]] Result<ArtworkLayout> LoadLayout(const std::string& path);

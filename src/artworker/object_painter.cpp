@@ -185,6 +185,7 @@ class ElementPainter {
     font.setPixelSize(kBaseFontPixels);
     font.setHintingPreference(QFont::PreferNoHinting);
     const double scale = std::min(kNoticeMillimetres, target.height() / 3) / kBaseFontPixels;
+    painter_.fillRect(target, Qt::white);  // so that it can be read on every ground
     painter_.setPen(Qt::black);
     painter_.setFont(font);
     painter_.translate(target.topLeft());
@@ -216,7 +217,7 @@ class ElementPainter {
 
 }  // namespace
 
-void PaintObject(QPainter& painter, const ObjectPainting& painting, ArtworkObjectId id) {
+void RenderObject(QPainter& painter, const ObjectPainting& painting, ArtworkObjectId id) {
   const ArtworkObject& object = painting.layout.Object(id);
   const QPainterPath shape = ShapeOf(object, id);
   painter.save();
@@ -240,16 +241,6 @@ bool FontMissing(const std::string& face) {
     return name.compare(QLatin1String(pair.face), Qt::CaseInsensitive) == 0 &&
            shown == QLatin1String(pair.standIn);
   });
-}
-
-std::vector<std::string> MissingFonts(const ArtworkLayout& layout) {
-  std::vector<std::string> missing;
-  for (const ArtworkElement& element : layout.elements) {
-    const auto* const field = std::get_if<TextField>(&element.content);
-    if (field == nullptr || std::ranges::find(missing, field->font.face) != missing.end()) continue;
-    if (FontMissing(field->font.face)) missing.push_back(field->font.face);
-  }
-  return missing;
 }
 
 }  // namespace ts5::artworker

@@ -16,7 +16,7 @@ namespace ts5::artworker {
 
 struct ObjectPainting {
   const ArtworkLayout& layout;
-  const std::vector<Background>& backgrounds;
+  const std::vector<ArtworkBackground>& backgrounds;
   Pictures& pictures;
   bool boundary = false;   // the lines to cut and fold along, below the elements
   double picturesDpi = 0;  // pictures are drawn with no more dots; 0: as many as the device has
@@ -25,10 +25,9 @@ struct ObjectPainting {
 
 // Onto the painter, whose unit is a millimetre and whose origin the top left corner of the object's
 // rectangle.
-void PaintObject(QPainter& painter, const ObjectPainting& painting, ArtworkObjectId id);
+void RenderObject(QPainter& painter, const ObjectPainting& painting, ArtworkObjectId id);
 
+// Whether this machine lacks the face; the nearest one is drawn instead.
 [[nodiscard]] bool FontMissing(const std::string& face);
-// Faces that the layout names and this machine lacks; the nearest one is drawn instead.
-[[nodiscard]] std::vector<std::string> MissingFonts(const ArtworkLayout& layout);
 
 }  // namespace ts5::artworker

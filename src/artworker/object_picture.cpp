@@ -20,7 +20,7 @@ void PaintInto(QPainter& painter, const ObjectPainting& painting, ArtworkObjectI
     clip.addRect(QRectF({0, 0}, extent));
   }
   painter.setClipPath(clip);
-  PaintObject(painter, painting, id);
+  RenderObject(painter, painting, id);
   painter.restore();
 }
 

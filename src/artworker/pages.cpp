@@ -83,7 +83,7 @@ QImage PictureOf(const ObjectPainting& painting, ArtworkObjectId id, double dpi)
   picture.setDotsPerMeterY(perMetre);
   QPainter painter(&picture);
   painter.scale(dpi / kInch, dpi / kInch);
-  PaintObject(painter, painting, id);
+  RenderObject(painter, painting, id);
   return picture;
 }
 

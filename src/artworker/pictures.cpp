@@ -7,9 +7,13 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <algorithm>
+#include <cctype>
+#include <string>
 #include <utility>
 
+#include "platform/base/bytes.h"
 #include "platform/base/text.h"
+#include "platform/files/digest.h"
 #include "platform/files/paths.h"
 
 namespace ts5::artworker {
@@ -57,6 +61,33 @@ bool IsSafe(const QByteArray& bytes, const QByteArray& format) {
          StaysInside(bytes, "href") && StaysInside(bytes, "url(");
 }
 
+// A PNG file up to its end: the toolkit's decoder prints its own complaints about others where nobody wants
+// them. What may be left out of a picture may be damaged.
+bool IsWholePng(ByteView bytes) {
+  constexpr std::size_t kSignature = 8;
+  ByteReader in(bytes);
+  in.Skip(kSignature);
+  while (in.Ok()) {
+    const std::uint32_t length = in.U32Be();
+    const std::size_t begin = in.Position();
+    const std::string tag(in.Tag());
+    const ByteView data = in.Take(length);
+    const std::uint32_t sum = in.U32Be();
+    if (!in.Ok()) return false;
+    Crc32 crc;
+    crc.Add(bytes.subspan(begin, tag.size() + data.size()));
+    if (crc.Value() != sum && std::isupper(static_cast<unsigned char>(tag[0])) != 0) return false;
+    if (tag == "IHDR") {
+      ByteReader head(data);
+      for (const std::uint32_t side : {head.U32Be(), head.U32Be()}) {
+        if (side == 0 || std::cmp_greater(side, kMaxPictureSide)) return false;
+      }
+    }
+    if (tag == "IEND") return true;
+  }
+  return false;
+}
+
 struct Source {
   QByteArray bytes;
   QByteArray format;
@@ -69,6 +100,9 @@ Source ReadSource(const std::string& name) {
   source.bytes = file.readAll();
   source.format = FormatOf(source.bytes);
   if (source.format.isEmpty() || !IsSafe(source.bytes, source.format)) return {};
+  if (source.format == "png" &&
+      !IsWholePng(AsBytes({source.bytes.constData(), static_cast<std::size_t>(source.bytes.size())})))
+    return {};
   return source;
 }
 
@@ -90,11 +124,18 @@ struct OpenPicture {
   QImageReader reader;
 };
 
+// Whether it may be decoded, which takes its memory and its time.
+bool MayShow(QSize size) {
+  constexpr qint64 kBytesPerPixel = 4;
+  return size.width() <= kMaxPictureSide && size.height() <= kMaxPictureSide &&
+         qint64{size.width()} * size.height() * kBytesPerPixel <= qint64{kMaxPictureMegabytes} << 20;
+}
+
 QImage Read(const std::string& name, QSize most) {
   OpenPicture picture(ReadSource(name));
   QImageReader& reader = picture.reader;
   const QSize size = reader.size();
-  if (size.width() > kMaxPictureSide || size.height() > kMaxPictureSide) return {};
+  if (!MayShow(size)) return {};
   QImageReader::setAllocationLimit(kMaxPictureMegabytes);
   // A picture turned by its own mark is measured before it is turned; drawings are made at the size that is
   // wanted.
@@ -153,6 +194,7 @@ bool Pictures::IsDrawing(const std::string& file) {
 QSize Pictures::SizeOf(const std::string& file) {
   OpenPicture picture(ReadSource(file));
   const QSize size = picture.reader.size();
+  if (!MayShow(size)) return {};
   return picture.Turned() ? size.transposed() : size;
 }
 

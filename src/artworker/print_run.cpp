@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "artworker/element_notes.h"
 #include "artworker/layout_file.h"
 #include "artworker/pages.h"
 #include "artworker/printers.h"
@@ -48,9 +49,9 @@ std::string PrinterName(const std::string& printer) {
   return printer.empty() ? std::string(Text(texts::PdfPrinter)) : printer;
 }
 
-std::vector<Background> BackgroundsOf(const ArtworkerParameters& parameters) {
+std::vector<ArtworkBackground> BackgroundsOf(const ArtworkerParameters& parameters) {
   if (!parameters.backgrounds.empty()) return parameters.backgrounds;
-  return {Background{
+  return {ArtworkBackground{
       .colour1 = std::uint32_t{kMaxColour}, .colour2 = std::uint32_t{kMaxColour}, .gradient = 0, .name = {}}};
 }
 
@@ -69,9 +70,6 @@ class Printing {
     run_.StatusText(Text(texts::PrintBegins));
     SheetPlan plan = PlanSheets(parameters_);
     if (parameters_.calibration) plan.sheets.push_back({CalibrationSheet(), {}});
-    if (plan.apart) run_.ProtocolLine(Text(texts::SheetsApart));
-    for (const std::string& face : MissingFonts(parameters_.layout))
-      run_.ProtocolLine(Format(Text(texts::FontMissing), face));
     run_.StatusText(Text(texts::PrinterInitialising));
     RunItem item;
     item.destination = printer_;
@@ -85,8 +83,13 @@ class Printing {
       if (const auto fault = TakeFault())
         item.reason = FailureReason(Outcome::WriteFailed, {}, item.destination, fault);
     }
+    std::vector<std::string> remarks = run_.Remarks();
+    if (!item.reason.empty()) remarks.push_back(item.reason);
+    if (plan.apart) remarks.emplace_back(Text(texts::SheetsApart));
+    for (std::string& lack : LacksOf(parameters_.layout, parameters_.printWhat))
+      remarks.push_back(std::move(lack));
+    run_.Result().remarks = std::move(remarks);
     run_.Result().items.push_back(std::move(item));
-    run_.Result().remarks = run_.Remarks();
   }
 
  private:
@@ -218,7 +221,7 @@ class Printing {
   Run& run_;
   const ArtworkerParameters& parameters_;
   ArtworkLayout layout_;  // filled
-  std::vector<Background> backgrounds_;
+  std::vector<ArtworkBackground> backgrounds_;
   std::string printer_;
   TargetNaming naming_;
   Pictures pictures_;
@@ -227,6 +230,10 @@ class Printing {
 };
 
 }  // namespace
+
+void RunArtworkerPrint(Run& run, const ArtworkerParameters& parameters) {
+  Printing(run, parameters).Print();
+}
 
 void TakeGround(ArtworkerParameters& parameters, const Registry& registry) {
   parameters.backgrounds = LoadBackgrounds(registry);
@@ -245,7 +252,7 @@ void PrepareDrawing() {
 
 Result<Bytes> PictureFile(const ArtworkerParameters& parameters, ArtworkObjectId id, double dpi) {
   Pictures pictures;
-  const std::vector<Background> backgrounds = BackgroundsOf(parameters);
+  const std::vector<ArtworkBackground> backgrounds = BackgroundsOf(parameters);
   const ArtworkLayout layout = FilledLayout(parameters.layout, parameters.disc);
   const QImage picture =
       PictureOf({layout, backgrounds, pictures, Holds(parameters.printBorder, id)}, id, dpi);
@@ -266,7 +273,7 @@ FilterModule ArtworkerModule() {
     if (own.printWhat == 0 && !own.calibration) return texts::NothingToPrint;
     return std::nullopt;
   };
-  module.run = [](Run& run, const P& own) { Printing(run, own).Print(); };
+  module.run = RunArtworkerPrint;
   return MakeModule(std::move(module));
 }
 

@@ -30,6 +30,9 @@ void TakeGround(ArtworkerParameters& parameters, const Registry& registry);
 // it does nothing.
 void PrepareDrawing();
 
+// The whole run, on a thread of its own: counts, codes and messages go to the run.
+void RunArtworkerPrint(Run& run, const ArtworkerParameters& parameters);
+
 [[nodiscard]] FilterModule ArtworkerModule();
 
 }  // namespace ts5::artworker

@@ -98,7 +98,7 @@ void PaintPlaced(QPainter& painter, const ObjectPainting& painting, const Placed
                         Qt::IntersectClip);
   }
   painter.translate(placed.corner);
-  PaintObject(painter, painting, placed.id);
+  RenderObject(painter, painting, placed.id);
   painter.restore();
 }
 

@@ -20,8 +20,8 @@ namespace {
 constexpr std::string_view kBackgroundsFile = "backgrounds.ini";
 constexpr std::int64_t kMostBackgrounds = 1000;
 
-std::vector<Background> ReadBackgrounds(const std::string& path) {
-  std::vector<Background> backgrounds;
+std::vector<ArtworkBackground> ReadBackgrounds(const std::string& path) {
+  std::vector<ArtworkBackground> backgrounds;
   const auto profile = Profile::Load(path);
   if (!profile) return backgrounds;
   const std::int64_t count =
@@ -48,14 +48,14 @@ std::string TemplateDirectory() {
 
 std::vector<Template> LoadTemplates(const std::string& directory) {
   std::vector<Template> templates;
-  const std::vector<Background> backgrounds = ReadBackgrounds(JoinPath(directory, kBackgroundsFile));
+  const std::vector<ArtworkBackground> backgrounds = ReadBackgrounds(JoinPath(directory, kBackgroundsFile));
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
     const std::string path = entry.path().string();
     if (!EqualsIgnoringCase(ExtensionOf(path), kLayoutExtension)) continue;
     auto layout = LoadLayout(path);
     if (!layout) continue;
-    NamePicturesFully(*layout, directory);
+    FindPictures(*layout, directory);
     templates.push_back({std::string(WithoutExtension(FileNameOf(path))), *std::move(layout), backgrounds});
   }
   std::ranges::sort(templates, {}, &Template::name);

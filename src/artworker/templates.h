@@ -14,7 +14,7 @@ namespace ts5::artworker {
 struct Template {
   std::string name;  // as the user sees it
   ArtworkLayout layout;
-  std::vector<Background> backgrounds;  // of the layout's indices
+  std::vector<ArtworkBackground> backgrounds;  // of the layout's indices
 };
 
 // Where they were installed.

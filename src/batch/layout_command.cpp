@@ -11,13 +11,16 @@
 #include "artworker/printer_fit.h"
 #include "artworker/texts.h"
 #include "batch/arguments.h"
+#include "batch/command_target.h"
 #include "batch/commands.h"
 #include "batch/json_text.h"
 #include "batch/store.h"
 #include "batch/texts.h"
+#include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/files/files.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -118,33 +121,65 @@ void PrintLayout(Console& console, const ArtworkLayout& layout) {
   }
 }
 
-int PackCommand(CommandLine line, Console& console) {
-  std::string source;
-  std::string target;
-  Arguments arguments("layout pack", texts::BatchLayoutPackSummary, texts::BatchLayoutExamples);
-  arguments.Required("DATEI.awl", source, texts::BatchHelpLayoutFile);
-  arguments.Required("DATEI.bin", target, texts::BatchHelpRecordFile);
-  if (const auto status = arguments.Read(line, console)) return *status;
-  const auto layout = LoadLayout(source);
-  if (!layout) return Refuse(console, source);
-  if (Succeeded(WriteFile(target, LayoutRecord(*layout)))) return kExitSuccess;
-  PrintError(console, Text(texts::RemarkTargetFailed));
-  return kExitFailed;
-}
+// Between a layout's file and the record of a job: the words of the line, how the target is made of the
+// source.
+struct Conversion {
+  std::string_view command;
+  TextId summary;
+  std::string_view sourceName;
+  TextId sourceHelp;
+  std::string_view targetName;
+  TextId targetHelp;
+  Result<Bytes> (*convert)(const std::string& source);
+};
 
-int UnpackCommand(CommandLine line, Console& console) {
+constexpr Conversion kPack{"layout pack",
+                           texts::BatchLayoutPackSummary,
+                           "DATEI.awl",
+                           texts::BatchHelpLayoutFile,
+                           "DATEI.bin",
+                           texts::BatchHelpRecordFile,
+                           [](const std::string& source) -> Result<Bytes> {
+                             const auto layout = LoadLayout(source);
+                             if (!layout) return Failure(layout.error());
+                             return LayoutRecord(*layout);
+                           }};
+constexpr Conversion kUnpack{"layout unpack",
+                             texts::BatchLayoutUnpackSummary,
+                             "DATEI.bin",
+                             texts::BatchHelpRecordFile,
+                             "DATEI.awl",
+                             texts::BatchHelpLayoutFile,
+                             [](const std::string& source) -> Result<Bytes> {
+                               const auto bytes = ReadFile(source, kMaxRecord);
+                               const auto layout = bytes ? LayoutFromRecord(*bytes) : Failure(bytes.error());
+                               if (!layout) return Failure(layout.error());
+                               return LayoutProfile(*layout).Serialise();
+                             }};
+
+int ConvertCommand(const Conversion& way, CommandLine line, Console& console) {
   std::string source;
   std::string target;
-  Arguments arguments("layout unpack", texts::BatchLayoutUnpackSummary, texts::BatchLayoutExamples);
-  arguments.Required("DATEI.bin", source, texts::BatchHelpRecordFile);
-  arguments.Required("DATEI.awl", target, texts::BatchHelpLayoutFile);
+  std::optional<std::string> overwrite;
+  Arguments arguments(way.command, way.summary, texts::BatchLayoutExamples);
+  arguments.Required(way.sourceName, source, way.sourceHelp);
+  arguments.Required(way.targetName, target, way.targetHelp);
+  AddOverwrite(arguments, overwrite);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto bytes = ReadFile(source, kMaxRecord);
-  const auto layout = bytes ? LayoutFromRecord(*bytes) : Failure(bytes.error());
-  if (!layout) return Refuse(console, source);
-  if (Succeeded(SaveLayout(*layout, target))) return kExitSuccess;
-  PrintError(console, Text(texts::RemarkTargetFailed));
-  return kExitFailed;
+  const auto policy = TakeOverwrite(overwrite, way.command, console);
+  if (!policy) return kExitUsage;
+  const auto bytes = way.convert(source);
+  if (!bytes) return Refuse(console, source);
+  Job job;
+  job.sourceDrive = kListModeDrive;
+  job.files.Append({.path = FullPath(source)});
+  job.files.SelectAll();
+  const DestinationFiles files = SystemDestinationFiles();
+  TargetNaming naming(job, {.overwrite = *policy, .origin = NameOrigin::Command}, files);
+  const auto written = WriteTarget(console, naming, FullPath(target), *bytes, texts::BatchFileNotWritten);
+  if (!written) return kExitFailed;
+  if (*written != FullPath(target)) console.out << Printable(*written) << '\n';  // its number
+  return kExitSuccess;
 }
 
 // "1.5,-0.5" as two whole numbers of the unit that is so much smaller; nothing for anything else.
@@ -251,8 +286,8 @@ int ShowCommand(CommandLine line, Console& console) {
 }  // namespace
 
 int LayoutCommand(CommandLine line, Console& console) {
-  if (!line.empty() && line[0] == "pack") return PackCommand(line.subspan(1), console);
-  if (!line.empty() && line[0] == "unpack") return UnpackCommand(line.subspan(1), console);
+  if (!line.empty() && line[0] == "pack") return ConvertCommand(kPack, line.subspan(1), console);
+  if (!line.empty() && line[0] == "unpack") return ConvertCommand(kUnpack, line.subspan(1), console);
   if (!line.empty() && line[0] == "fit") return FitCommand(line.subspan(1), console);
   return ShowCommand(line, console);
 }

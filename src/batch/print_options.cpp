@@ -6,6 +6,7 @@
 #include "artworker/kept_pictures.h"
 #include "artworker/layout_file.h"
 #include "artworker/print_run.h"
+#include "batch/command_target.h"
 #include "batch/job_surroundings.h"
 #include "batch/stored_jobs.h"
 #include "batch/texts.h"
@@ -14,6 +15,7 @@
 #include "modules/disc_facts.h"
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -48,7 +50,7 @@ std::optional<int> TakePrinting(const PrintOptions& options, const Registry& reg
       PrintError(console, Format(Text(texts::BatchLayoutInvalid), *options.layout));
       return kExitFailed;
     }
-    NamePicturesFully(*layout, std::string(DirectoryOf(*options.layout)));
+    FindPictures(*layout, std::string(DirectoryOf(FullPath(*options.layout))));
     parameters->layout = std::move(*layout);
     parameters->fileName = *options.layout;
   }
@@ -88,20 +90,14 @@ int WritePictures(const PrintOptions& options, const Job& job, DestinationRules 
   TargetNaming naming(job, rules, files);
   for (const artworker::ArtworkObjectId id : artworker::kObjectIds) {
     if (!artworker::Holds(parameters.printWhat, id)) continue;
-    const PlannedTarget target =
-        naming.Chosen(JoinPath(*options.pictures, kPictureNames[artworker::IndexOf(id)]));
     const auto png = artworker::PictureFile(parameters, id, dpi);
-    auto file = png ? StagedFile::Create(target.name) : Failure(png.error());
-    const bool written = file && Succeeded(target.code) && Succeeded(file->Write(*png));
-    bool mayNot = false;
-    const auto taken =
-        written ? TakeTarget(*file, target, naming, [&](const std::string&) { return !(mayNot = true); })
-                : Failure(Outcome::WriteFailed);
-    if (!taken) {
-      const TextId text = mayNot ? texts::BatchPictureExists : texts::BatchPictureNotWritten;
-      PrintError(console, Format(Text(text), target.name));
+    const std::string path = JoinPath(*options.pictures, kPictureNames[artworker::IndexOf(id)]);
+    if (!png) {
+      PrintError(console, Format(Text(texts::BatchPictureNotWritten), path));
       return kExitFailed;
     }
+    const auto taken = WriteTarget(console, naming, path, *png, texts::BatchPictureNotWritten);
+    if (!taken) return kExitFailed;
     console.out << *taken << '\n';
   }
   return kExitSuccess;

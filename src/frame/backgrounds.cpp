@@ -26,8 +26,8 @@ std::uint32_t NumberOf(const RegistryValues& values, std::string_view name, std:
 
 }  // namespace
 
-std::vector<Background> LoadBackgrounds(const Registry& registry) {
-  std::vector<Background> backgrounds;
+std::vector<ArtworkBackground> LoadBackgrounds(const Registry& registry) {
+  std::vector<ArtworkBackground> backgrounds;
   const auto list = registry.Read(ListKey());
   // The count is believed only as far as there are keys.
   const auto keys = registry.Subkeys(ListKey());
@@ -49,14 +49,14 @@ std::vector<Background> LoadBackgrounds(const Registry& registry) {
   return backgrounds;
 }
 
-Outcome SaveBackgrounds(Registry& registry, const std::vector<Background>& backgrounds) {
+Outcome SaveBackgrounds(Registry& registry, const std::vector<ArtworkBackground>& backgrounds) {
   return registry.Transaction([&] {
     auto list = registry.Read(ListKey());
     if (!list) return list.error();
     list->SetInteger("Anzahl", static_cast<std::int64_t>(backgrounds.size()));
     Outcome outcome = registry.Write(ListKey(), *list);
     for (std::size_t i = 0; i < backgrounds.size() && Succeeded(outcome); ++i) {
-      const Background& background = backgrounds[i];
+      const ArtworkBackground& background = backgrounds[i];
       RegistryValues values;
       values.SetInteger("Farbe 1", background.colour1);
       values.SetInteger("Farbe 2", background.colour2);

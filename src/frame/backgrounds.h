@@ -13,19 +13,19 @@ namespace ts5 {
 
 inline constexpr std::size_t kMaxBackgroundName = 63;  // characters
 
-struct Background {
+struct ArtworkBackground {
   std::uint32_t colour1 = 0;  // 0x00BBGGRR
   std::uint32_t colour2 = 0;
   std::uint32_t gradient = 0;  // kind of gradient, 0 none
   std::string name;
 
-  bool operator==(const Background&) const = default;
+  bool operator==(const ArtworkBackground&) const = default;
 };
 
 // Never fails: what cannot be read is left out, values that do not fit are 0, a name is cut. Never empty:
 // without a stored background the list holds plain white.
-[[nodiscard]] std::vector<Background> LoadBackgrounds(const Registry& registry);
+[[nodiscard]] std::vector<ArtworkBackground> LoadBackgrounds(const Registry& registry);
 // Part of a transaction that is open, or one of its own.
-[[nodiscard]] Outcome SaveBackgrounds(Registry& registry, const std::vector<Background>& backgrounds);
+[[nodiscard]] Outcome SaveBackgrounds(Registry& registry, const std::vector<ArtworkBackground>& backgrounds);
 
 }  // namespace ts5

@@ -225,11 +225,11 @@ TEST(Snapping, RestsAtEdgesMiddlesFoldsAndEqualGaps) {
 }
 
 TEST(BackgroundList, RefusesNamesAndFollowsWhatIsRemoved) {
-  std::vector<Background> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
+  std::vector<ArtworkBackground> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
   bool works = true;
   BackgroundList list({.load = [&] { return stored; },
                        .save =
-                           [&](const std::vector<Background>& all) {
+                           [&](const std::vector<ArtworkBackground>& all) {
                              if (works) stored = all;
                              return works ? Outcome::Success : Outcome::WriteFailed;
                            }});
@@ -317,10 +317,10 @@ TEST(Templates, EveryShippedLayoutIsWhole) {
   const std::vector<Template> templates = LoadTemplates(TemplateDirectory());
   ASSERT_GE(templates.size(), 8U);
   PrepareDrawing();
-  std::vector<Background> stored = {{0x123456, 0, 0, "Eigener"}};
+  std::vector<ArtworkBackground> stored = {{0x123456, 0, 0, "Eigener"}};
   BackgroundList list({.load = [&] { return stored; },
                        .save =
-                           [&](const std::vector<Background>& all) {
+                           [&](const std::vector<ArtworkBackground>& all) {
                              stored = all;
                              return Outcome::Success;
                            }});
@@ -349,6 +349,12 @@ TEST(KeptPictures, AreNamedByTheirContentAndGoWithTheLayout) {
   EXPECT_FALSE(KeepPicture(QImage(), directory.File("a")));
   directory.Write("file", "x");
   EXPECT_FALSE(KeepPicture(picture, directory.File("file")));
+
+  // The folder may have moved, and come from a machine with drives.
+  for (const char* const name : {"file", "/anderswo/file", "q:\\Bilder\\FILE"})
+    EXPECT_EQ(FindPicture(name, directory.Path()), directory.File("file")) << name;
+  for (const char* const name : {"/anderswo/fehlt", "q:\\Bilder\\fehlt"})
+    EXPECT_EQ(FindPicture(name, directory.Path()), name) << "nothing is found";
 }
 
 }  // namespace

@@ -213,6 +213,7 @@ TEST(LayoutForms, ValuesOutsideTheirRangeEndTheLoading) {
            {"ElemTextOrientation=2", "ElemTextOrientation=-1"},
            {"ElemTextBGTransparency=30", "ElemTextBGTransparency=101"},
            {"ElemTextLength=17", "ElemTextLength=-5"},
+           {"ElemTextLength=17", "ElemTextLength=2147483647"},
            {"ElemImageMirror=2", "ElemImageMirror=4"},
            {"ElemDimension=1 -2 300 400", "ElemDimension=1 -2 300"}})
     EXPECT_THAT(Read(Replaced(file, good, bad)), FailsWith(Outcome::SourceFailed)) << bad;
@@ -230,7 +231,7 @@ TEST(LayoutFile, IsSavedAndLoadedOrRefused) {
   const std::string path = directory.File("a.awl");
   ASSERT_EQ(SaveLayout(Sample(), path), Outcome::Success);
   EXPECT_EQ(*LoadLayout(path), Sample());
-  EXPECT_EQ(SaveLayout(Sample(), directory.File("fehlt/a.awl")), Outcome::TargetFailed);
+  EXPECT_EQ(SaveLayout(Sample(), directory.File("fehlt/a.awl")), Outcome::WriteFailed);
   EXPECT_THAT(LoadLayout(directory.File("fehlt.awl")), FailsWith(Outcome::SourceFailed));
 }
 

@@ -47,10 +47,10 @@ class Painter : public testing::Test {
   }
 
   ArtworkLayout layout_ = NewLayout();
-  std::vector<Background> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "w"},
-                                          {0x0000FF, 0xFF0000, 1, "h"},
-                                          {0x0000FF, 0xFF0000, 2, "v"},
-                                          {0x0000FF, 0xFF0000, 3, "d"}};
+  std::vector<ArtworkBackground> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "w"},
+                                                 {0x0000FF, 0xFF0000, 1, "h"},
+                                                 {0x0000FF, 0xFF0000, 2, "v"},
+                                                 {0x0000FF, 0xFF0000, 3, "d"}};
   Pictures pictures_;
 };
 
@@ -211,8 +211,8 @@ TEST_F(Painter, ADrawingStaysOneInADocument) {
     EXPECT_TRUE(staged);
     PdfDocument document(*staged, "z");
     EXPECT_TRUE(document.BeginPage({210, 297}, {}));
-    PaintObject(document.Page(), {layout_, backgrounds_, pictures_, false, kPicturesDpi},
-                ArtworkObjectId::Inlay);
+    RenderObject(document.Page(), {layout_, backgrounds_, pictures_, false, kPicturesDpi},
+                 ArtworkObjectId::Inlay);
     EXPECT_EQ(document.Finish(), Outcome::Success);
     EXPECT_EQ(staged->Commit(), Outcome::Success);
     return test::Content(path).find("/Subtype /Image") == std::string::npos;

@@ -70,6 +70,24 @@ TEST_F(LayoutProgram, APdfFileIsATargetLikeEveryOther) {
   EXPECT_EQ(Content(folder_.File("lied.pdf")), "eine Quelle");
 }
 
+TEST_F(LayoutProgram, ARecordAndALayoutOfItReplaceNothingUnasked) {
+  const auto unpack = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> line{"layout", "unpack", "cd.bin", "neu.awl"};
+    line.insert(line.end(), more.begin(), more.end());
+    return Run(line);
+  };
+  EXPECT_EQ(Run({"layout", "pack", "cd.awl", "cd.bin"}).status, 0);
+  folder_.Write("neu.awl", "alt");
+  EXPECT_THAT(unpack({}).err, HasSubstr("gibt es schon"));
+  EXPECT_EQ(unpack({"--overwrite", "immer"}).status, 2);
+  EXPECT_EQ(Content(folder_.File("neu.awl")), "alt");
+  EXPECT_EQ(unpack({"--overwrite", "number"}).out, folder_.File("neu001.awl") + "\n");
+  EXPECT_EQ(unpack({"--overwrite", "yes"}).status, 0);
+  EXPECT_EQ(Content(folder_.File("neu.awl")), Content(folder_.File("cd.awl")));
+  EXPECT_EQ(Run({"layout", "pack", "cd.awl", "cd.awl", "--overwrite", "yes"}).status, 1) << "its source";
+  EXPECT_EQ(Content(folder_.File("neu001.awl")), Content(folder_.File("cd.awl")));
+}
+
 TEST_F(LayoutProgram, OnlyThePageToMeasureTheFitIsPrintedToo) {
   EXPECT_EQ(Print({"--set", "ArtPrintWhat=0"}).status, 2);
   EXPECT_EQ(Print({"--set", "ArtPrintWhat=0", "--set", "ArtCalibration=1"}).status, 0);

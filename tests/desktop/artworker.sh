@@ -151,6 +151,8 @@ sed -e "s|^ElemImageFilename=$HOME/Bild.png|ElemImageFilename=$HOME/fehlt.png|" 
 ask ctrl+o '^Layout laden' "$HOME/lueckig.awl"
 closed '^Layout laden' || fail "the dialog stays"
 sleep 1
+picture 9-said
+keys Return
 press "$editor" Next
 picture 9-lacking
 print_pdf lueckig.pdf

@@ -212,8 +212,8 @@ TEST_F(SettingsFormCheck, RefusesInTheOrderOfThePages) {
 TEST(Backgrounds, AreNeverNoneAndSurviveTheRegistry) {
   auto registry = Registry::Open(kRegistryInMemory);
   ASSERT_TRUE(registry);
-  EXPECT_THAT(LoadBackgrounds(*registry), ElementsAre(Background{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}));
-  std::vector<Background> backgrounds;
+  EXPECT_THAT(LoadBackgrounds(*registry), ElementsAre(ArtworkBackground{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}));
+  std::vector<ArtworkBackground> backgrounds;
   for (std::uint32_t i = 0; i < 12; ++i)
     backgrounds.push_back({i, 0xFFFFFF - i, i % 3, "Verlauf " + std::to_string(i)});
   ASSERT_THAT(SaveBackgrounds(*registry, backgrounds), test::IsOk());
@@ -238,7 +238,8 @@ TEST(Backgrounds, TakeDamagedEntriesAsFarAsTheyGo) {
   ASSERT_THAT(registry->Write(kKey + "\\Backgrounds\\Background 0003", entry), test::IsOk());
   ASSERT_THAT(registry->Write(kKey + "\\Backgrounds\\Background x", entry), test::IsOk());
   ASSERT_THAT(registry->Write(kKey + "\\Backgrounds\\Background 0000", entry), test::IsOk());
-  EXPECT_THAT(LoadBackgrounds(*registry), ElementsAre(Background{0, 0xFFFFFF, 0, std::string(63, 'n')}));
+  EXPECT_THAT(LoadBackgrounds(*registry),
+              ElementsAre(ArtworkBackground{0, 0xFFFFFF, 0, std::string(63, 'n')}));
 }
 
 }  // namespace

@@ -23,10 +23,11 @@ using namespace artworker;
 
 // What the windows refer to lives as long as the program.
 struct Ground {
-  std::vector<Background> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}, {0x7A4E1D, 0xF7D38F, 1, "Morgen"}};
+  std::vector<ArtworkBackground> stored = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"},
+                                           {0x7A4E1D, 0xF7D38F, 1, "Morgen"}};
   BackgroundList::Links links = {.load = [this] { return stored; },
                                  .save =
-                                     [this](const std::vector<Background>& all) {
+                                     [this](const std::vector<ArtworkBackground>& all) {
                                        stored = all;
                                        return Outcome::Success;
                                      }};

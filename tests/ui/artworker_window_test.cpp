@@ -5,6 +5,7 @@
 
 #include <QTest>
 
+#include "app/shell/named_printers.h"
 #include "artworker/layout_file.h"
 #include "artworker/ui/element_clipboard.h"
 #include "artworker/ui/layout_canvas.h"
@@ -12,6 +13,7 @@
 #include "artworker/ui/sheets_dialog.h"
 #include "artworker/ui/text_dialog.h"
 #include "dialogs_support.h"
+#include "modules/filter_modules.h"
 #include "support/test_data.h"
 
 namespace ts5::artworker {
@@ -41,7 +43,7 @@ class ArtworkerWindowTest : public testing::Test {
     subject.folder = directory_.Path();
     subject.backgrounds = {.load = [this] { return backgrounds_; },
                            .save =
-                               [this](const std::vector<Background>& all) {
+                               [this](const std::vector<ArtworkBackground>& all) {
                                  backgrounds_ = all;
                                  return Outcome::Success;
                                }};
@@ -85,7 +87,7 @@ class ArtworkerWindowTest : public testing::Test {
   test::TemporaryDirectory directory_;
   RecordingHost host_;
   ArtworkerParameters parameters_;
-  std::vector<Background> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
+  std::vector<ArtworkBackground> backgrounds_ = {{0xFFFFFF, 0xFFFFFF, 0, "Weiß Uni"}};
   bool gone_ = false;
   bool running_ = false;
   int prints_ = 0;
@@ -134,6 +136,9 @@ TEST_F(ArtworkerWindowTest, KeysMoveWithTheirToolAndSizeAlways) {
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1));
   Drag(At(5, 5), At(100, 30));
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0, 1)) << "the rubber band";
+  QTest::mouseClick(&Canvas(), Qt::LeftButton, {}, At(60, 15));
+  EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1)) << "a click is for one alone";
+  QTest::mouseClick(&Canvas(), Qt::LeftButton, Qt::ShiftModifier, At(10, 15));
   QTest::mouseClick(&Canvas(), Qt::LeftButton, Qt::ControlModifier, At(60, 15));
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(0));
 }
@@ -321,6 +326,8 @@ TEST_F(ArtworkerWindowTest, MeasuresOutsideTheirLimitsGoBack) {
   EXPECT_EQ(printersChosen_, 1);
   Press(*window_, "printButton");
   EXPECT_EQ(prints_, 1);
+  window_->resize(900, 650);
+  EXPECT_EQ(parameters_.place[2] - parameters_.place[0], 899) << "the job knows where its window is";
 }
 
 TEST_F(ArtworkerWindowTest, SheetsAndPrintersAreSetUp) {
@@ -367,6 +374,9 @@ TEST_F(ArtworkerWindowTest, EveryElementAndItsTextCanBeReadOut) {
   EXPECT_EQ(text->text(QAccessible::Name), "Textfeld: Abendlied");
   EXPECT_TRUE(text->text(QAccessible::Description).contains("mm"));
   EXPECT_EQ(canvas->indexOfChild(text), 1);
+  ASSERT_NE(text->textInterface(), nullptr);
+  EXPECT_EQ(text->textInterface()->text(5, 9), "lied");
+  EXPECT_EQ(canvas->child(0)->textInterface(), nullptr);
   EXPECT_TRUE(canvas->child(0)->state().selected);
   EXPECT_FALSE(text->state().selected);
   EXPECT_FALSE(text->rect().isEmpty());
@@ -375,6 +385,25 @@ TEST_F(ArtworkerWindowTest, EveryElementAndItsTextCanBeReadOut) {
   EXPECT_THAT(Editor().Selected(), testing::ElementsAre(1));
   EXPECT_EQ(canvas->focusChild(), text);
   EXPECT_EQ(canvas->childAt(text->rect().center().x(), text->rect().center().y()), text);
+}
+
+TEST(NamedPrinters, AJobKeepsItsPrinterWhateverItsPlaceInTheList) {
+  StoredJobs stored;
+  stored.defaultJob.parameters = FindModule(FilterId::Artworker)->create();
+  Job& job = stored.defaultJob;
+  job.parameters.If<ArtworkerParameters>()->printer = "Laser";
+  std::vector<std::string> printers{"Alt", "Laser", "PDF-Datei"};
+  FindNamedPrinters(stored, printers);
+  EXPECT_EQ(job.destinationDevice, 1);
+  printers = {"PDF-Datei"};
+  FindNamedPrinters(stored, printers);
+  EXPECT_EQ(job.destinationDevice, 1);
+  EXPECT_THAT(printers, testing::ElementsAre("PDF-Datei", "Laser"))
+      << "it has gone, and nothing takes its place";
+  Jobs jobs(std::move(stored), FindModule);
+  jobs[0].destinationDevice = 0;
+  NamePrinters(jobs, printers);
+  EXPECT_EQ(jobs[0].parameters.If<ArtworkerParameters>()->printer, "PDF-Datei");
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ void LayoutPreview::LookAgain() {
   // The files are asked for their titles only where they are to be read.
   artworker::DiscFacts facts;
   if (HasFields(parameters->layout)) facts = DiscAtHand(*active_, application_.GetJobs());
-  std::vector<Background> backgrounds = LoadBackgrounds(application_.GetRegistry());
+  std::vector<ArtworkBackground> backgrounds = LoadBackgrounds(application_.GetRegistry());
   const bool same = layout_ == parameters->layout && chosen_ == parameters->printWhat && facts_ == facts &&
                     backgrounds_ == backgrounds;
   if (same) return;

@@ -41,7 +41,7 @@ class LayoutPreview : public QWidget {
   QTimer soon_;  // several changes at once are drawn once
   artworker::ArtworkLayout layout_;
   artworker::DiscFacts facts_;
-  std::vector<Background> backgrounds_;
+  std::vector<ArtworkBackground> backgrounds_;
   std::int32_t chosen_ = 0;  // the objects that are printed
   artworker::Pictures pictures_;
   QPixmap picture_;

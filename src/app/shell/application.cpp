@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/shell/named_printers.h"
 #include "app/texts.h"
 #include "frame/cd_tracks.h"
 #include "frame/run_journal.h"
@@ -94,6 +95,7 @@ Application::Application(const StartOptions& options, const std::function<void(T
     const std::string music = MusicDirectory();
     if (!music.empty() && volumes_.DriveOfPath(music) == first.sourceDrive) first.directory.path = music;
   }
+  FindNamedPrinters(*stored, devices_.printers);
   jobs_ = std::make_unique<Jobs>(std::move(*stored), modules_);
   session_.Adopt(*jobs_);
 }
@@ -176,6 +178,7 @@ bool Application::LookAtRegistry() {
 }
 
 std::optional<std::string> Application::Save() {
+  NamePrinters(*jobs_, devices_.printers);
   Outcome saved = ReachRegistry(patience_);
   if (Succeeded(saved)) saved = session_.Save(*registry_, settings_, *jobs_);
   if (Succeeded(saved)) return std::nullopt;
@@ -183,6 +186,7 @@ std::optional<std::string> Application::Save() {
 }
 
 Outcome Application::SaveElsewhere(const std::string& regFile) {
+  NamePrinters(*jobs_, devices_.printers);
   auto copy = Registry::Open(kRegistryInMemory);
   if (!copy) return copy.error();
   // What the file holds beside, as far as it can be read: melodies and the like.

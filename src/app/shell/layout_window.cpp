@@ -56,7 +56,7 @@ QWidget* OpenLayoutWindow(const JobFinder& find, const WindowLinks& links, Appli
       .folder = application.GetSettings().artworkerLayoutDirectory,
       .backgrounds = {.load = [&application] { return LoadBackgrounds(application.GetRegistry()); },
                       .save =
-                          [&application](const std::vector<Background>& backgrounds) {
+                          [&application](const std::vector<ArtworkBackground>& backgrounds) {
                             return SaveBackgrounds(application.GetRegistry(), backgrounds);
                           }},
       .fits = {.load =

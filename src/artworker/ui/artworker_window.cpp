@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QToolBar>
 #include <algorithm>
@@ -167,6 +168,15 @@ void ArtworkerWindow::BuildBars() {
   bar->setIconSize({kBarIcon, kBarIcon});
   actions_->AddToBar(*bar);
   ui_->barsLayout->addWidget(bar);
+  // Some controls keep the keys that lead from page to page for themselves.
+  QTabWidget* const pages = ui_->pages;
+  for (const auto& [key, step] : {std::pair(Qt::CTRL | Qt::Key_Tab, 1),
+                                  std::pair(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, pages->count() - 1)}) {
+    auto* const shortcut = new QShortcut(QKeySequence(key), this);
+    connect(shortcut, &QShortcut::activated, pages, [pages, step = step] {
+      pages->setCurrentIndex((pages->currentIndex() + step) % pages->count());
+    });
+  }
 }
 
 void ArtworkerWindow::RestorePlace() {
@@ -185,6 +195,17 @@ void ArtworkerWindow::StorePlace() {
   if (parameters == nullptr) return;
   const QRect rect = normalGeometry().isValid() ? normalGeometry() : geometry();
   parameters->place = {rect.left(), rect.top(), rect.right(), rect.bottom()};
+}
+
+// At once, as the jobs may be stored while the window is open.
+void ArtworkerWindow::moveEvent(QMoveEvent* event) {
+  HostedDialog::moveEvent(event);
+  if (isVisible()) StorePlace();
+}
+
+void ArtworkerWindow::resizeEvent(QResizeEvent* event) {
+  HostedDialog::resizeEvent(event);
+  if (isVisible()) StorePlace();
 }
 
 void ArtworkerWindow::hideEvent(QHideEvent* event) {

@@ -16,7 +16,7 @@ namespace {
 
 constexpr QSize kPreview{280, 90};
 
-QPixmap Painted(const Background& background, QSize size) {
+QPixmap Painted(const ArtworkBackground& background, QSize size) {
   QPixmap pixmap(size);
   const QRectF rect({0, 0}, QSizeF(size));
   pixmap.fill(Qt::white);
@@ -29,7 +29,7 @@ QPixmap Painted(const Background& background, QSize size) {
 
 }  // namespace
 
-QIcon BackgroundIcon(const Background& background) {
+QIcon BackgroundIcon(const ArtworkBackground& background) {
   return Painted(background, kBackgroundSwatch);
 }
 
@@ -55,7 +55,7 @@ QString BackgroundDialog::HelpTopic() const {
   return kHelpElements;
 }
 
-Background BackgroundDialog::Chosen() const {
+ArtworkBackground BackgroundDialog::Chosen() const {
   return {.colour1 = ui_->firstButton->Colour(),
           .colour2 = ui_->secondButton->Colour(),
           .gradient = static_cast<std::uint32_t>(ui_->gradientBox->currentIndex()),

@@ -15,7 +15,7 @@ class ARTBACKGROUND;
 namespace ts5::artworker {
 
 inline constexpr QSize kBackgroundSwatch{40, 16};
-[[nodiscard]] QIcon BackgroundIcon(const Background& background);
+[[nodiscard]] QIcon BackgroundIcon(const ArtworkBackground& background);
 
 class BackgroundDialog : public HostedDialog {
   Q_OBJECT
@@ -25,7 +25,7 @@ class BackgroundDialog : public HostedDialog {
   BackgroundDialog(const BackgroundList& backgrounds, DialogHost& host, QWidget* parent);
   ~BackgroundDialog() override;
 
-  [[nodiscard]] Background Chosen() const;
+  [[nodiscard]] ArtworkBackground Chosen() const;
   [[nodiscard]] QString HelpTopic() const override;
 
  protected:

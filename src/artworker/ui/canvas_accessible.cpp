@@ -16,8 +16,11 @@ namespace {
 
 constexpr std::array kObjectNames = {texts::ArtworkLabel, texts::ArtworkInlay, texts::ArtworkBooklet};
 
-// The element at a row of the canvas.
-class AccessibleElement : public QAccessibleInterface, public QAccessibleActionInterface {
+// The element at a row of the canvas. The text of a text field can be read through; it is edited in its
+// dialog.
+class AccessibleElement : public QAccessibleInterface,
+                          public QAccessibleActionInterface,
+                          public QAccessibleTextInterface {
  public:
   AccessibleElement(LayoutCanvas* canvas, int row) : canvas_(canvas), row_(row) {}
 
@@ -34,7 +37,10 @@ class AccessibleElement : public QAccessibleInterface, public QAccessibleActionI
   [[nodiscard]] QAccessible::Role role() const override { return QAccessible::ListItem; }
   void setText(QAccessible::Text, const QString&) override {}
   void* interface_cast(QAccessible::InterfaceType type) override {
-    return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
+    if (type == QAccessible::ActionInterface) return static_cast<QAccessibleActionInterface*>(this);
+    if (type == QAccessible::TextInterface && Field() != nullptr)
+      return static_cast<QAccessibleTextInterface*>(this);
+    return nullptr;
   }
   [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
   [[nodiscard]] QStringList keyBindingsForAction(const QString&) const override { return {}; }
@@ -53,12 +59,31 @@ class AccessibleElement : public QAccessibleInterface, public QAccessibleActionI
       case QAccessible::Description:
         return ToQt(PlaceText(element, layout.Object(element.object)));
       case QAccessible::Value:
-        if (const auto* const field = std::get_if<TextField>(&element.content)) return ToQt(field->text);
-        return {};
+        return Whole();
       default:
         return {};
     }
   }
+  [[nodiscard]] QString text(int start, int end) const override { return Whole().mid(start, end - start); }
+  [[nodiscard]] int characterCount() const override { return static_cast<int>(Whole().size()); }
+  [[nodiscard]] QRect characterRect(int) const override { return rect(); }
+  [[nodiscard]] int offsetAtPoint(const QPoint& point) const override {
+    return rect().contains(point) ? 0 : -1;
+  }
+  [[nodiscard]] int cursorPosition() const override { return 0; }
+  void setCursorPosition(int) override {}
+  [[nodiscard]] int selectionCount() const override { return 0; }
+  void selection(int, int* start, int* end) const override { *start = *end = 0; }
+  void addSelection(int, int) override {}
+  void removeSelection(int) override {}
+  void setSelection(int, int, int) override {}
+  void scrollToSubstring(int, int) override {}
+  [[nodiscard]] QString attributes(int, int* start, int* end) const override {
+    *start = 0;
+    *end = characterCount();
+    return {};
+  }
+
   [[nodiscard]] QRect rect() const override {
     const auto index = Index();
     if (!index) return {};
@@ -86,6 +111,13 @@ class AccessibleElement : public QAccessibleInterface, public QAccessibleActionI
     return std::cmp_less(row_, all.size()) ? std::optional(all[static_cast<std::size_t>(row_)])
                                            : std::nullopt;
   }
+  // nullptr: the element has no text.
+  [[nodiscard]] const TextField* Field() const {
+    const auto index = Index();
+    if (!index) return nullptr;
+    return std::get_if<TextField>(&canvas_->GetScene().editor.Layout().elements[*index].content);
+  }
+  [[nodiscard]] QString Whole() const { return Field() != nullptr ? ToQt(Field()->text) : QString(); }
 
   LayoutCanvas* canvas_;
   int row_;

@@ -12,6 +12,8 @@
 #include "artworker/ui/shape_dialogs.h"
 #include "artworker/ui/text_dialog.h"
 #include "frame/ui/message_box.h"
+#include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
 
 namespace ts5::artworker {
 namespace {
@@ -170,6 +172,11 @@ void ElementCommands::Paste() {
   if (!ClipboardOpens()) return ShowWarning(ground_.window, texts::ClipboardNotOpened);
   const auto elements = PasteElements([this](const QImage& picture) { return Keep(picture); });
   if (!elements) return ShowWarning(ground_.window, texts::ElementNotPasted);
+  for (const ArtworkElement& element : *elements) {
+    const auto* const image = std::get_if<Image>(&element.content);
+    if (image != nullptr && !CanBeNamed(image->file))
+      return ShowWarning(ground_.window, ToQt(Format(Text(texts::PictureNameNotStorable), image->file)));
+  }
   const QPointF corner = page->VisibleCorner();
   const ArtworkObjectId id = page->Canvas().Id();
   Change([&](ArtworkLayout& layout, Selection& selection) {

@@ -76,7 +76,7 @@ Fill FillBox::Chosen() const {
 
 void FillBox::Refill(int chosen) {
   ui_->backgroundBox->clear();
-  for (const Background& background : backgrounds_.All())
+  for (const ArtworkBackground& background : backgrounds_.All())
     ui_->backgroundBox->addItem(BackgroundIcon(background), ToQt(background.name));
   if (first_ == First::None) {
     ui_->backgroundBox->setItemIcon(kNoGround, {});

@@ -108,13 +108,13 @@ void LayoutCanvas::PaintObjectNow(QPainter& painter, const ArtworkLayout& layout
   painter.save();
   painter.scale(Scale(), Scale());
   const bool boundary = (scene_.boundaries >> IndexOf(id_) & 1) != 0;
-  PaintObject(painter,
-              {.layout = filled,
-               .backgrounds = scene_.backgrounds.All(),
-               .pictures = scene_.pictures,
-               .boundary = boundary,
-               .draft = draft},
-              id_);
+  RenderObject(painter,
+               {.layout = filled,
+                .backgrounds = scene_.backgrounds.All(),
+                .pictures = scene_.pictures,
+                .boundary = boundary,
+                .draft = draft},
+               id_);
   painter.restore();
 }
 
@@ -130,9 +130,9 @@ void LayoutCanvas::paintEvent(QPaintEvent* /*event*/) {
   if (dragged_ || large) {
     painter.setClipRect(QRectF({0, 0}, object.size()));
     PaintObjectNow(painter, layout, dragged_.has_value());
-  } else {
+  } else if (const QSize size = (object.size() * dots).toSize(); !size.isEmpty()) {
     if (picture_.isNull()) {
-      picture_ = QPixmap((object.size() * dots).toSize());
+      picture_ = QPixmap(size);
       picture_.setDevicePixelRatio(dots);
       picture_.fill(Qt::white);
       QPainter inner(&picture_);
@@ -295,7 +295,13 @@ void LayoutCanvas::EndDrag() {
   update();
   switch (drag.kind) {
     case Drag::Kind::Elements:
-      if (layout) Change([&layout](ArtworkLayout& changed, Selection&) { changed = *layout; });
+      if (layout) {
+        Change([&layout](ArtworkLayout& changed, Selection&) { changed = *layout; });
+      } else if ((drag.modifiers & (Qt::ShiftModifier | Qt::ControlModifier)) == 0) {
+        // One of several was held to take them all along, and it was a click.
+        scene_.editor.Click(drag.hit.element, false);
+        emit SelectionChanged();
+      }
       break;
     case Drag::Kind::Band:
       if (Selection inside = InsideBand(scene_.editor.Layout(), id_, DrawnRect(drag), Scale());

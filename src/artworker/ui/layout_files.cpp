@@ -1,7 +1,10 @@
 #include "artworker/ui/layout_files.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "artworker/artworker_parameters.h"
+#include "artworker/element_notes.h"
 #include "artworker/kept_pictures.h"
 #include "artworker/layout_file.h"
 #include "artworker/templates.h"
@@ -12,6 +15,7 @@
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
+#include "platform/files/files.h"
 #include "platform/files/paths.h"
 
 namespace ts5::artworker {
@@ -22,6 +26,15 @@ FileQuestion QuestionFor(TextId command, const std::string& start) {
           .start = start,
           .filter = Text(texts::LayoutFileFilter),
           .helpTopic = kHelpEditor};
+}
+
+// A box has room for so many.
+QString LacksText(const std::vector<std::string>& lacks) {
+  constexpr std::size_t kMost = 12;
+  QString text = QtText(texts::LayoutLacks) + '\n';
+  for (std::size_t i = 0; i < std::min(kMost, lacks.size()); ++i) text += '\n' + ToQt(lacks[i]);
+  if (lacks.size() > kMost) text += '\n' + ToQt(Format(Text(texts::LayoutLacksMore), lacks.size() - kMost));
+  return text;
 }
 
 }  // namespace
@@ -65,8 +78,10 @@ void LayoutFiles::Load() {
   if (!path) return;
   auto layout = LoadLayout(*path);
   if (!layout) return ShowWarning(window_, texts::LayoutInvalid);
-  NamePicturesFully(*layout, std::string(DirectoryOf(*path)));
+  FindPictures(*layout, std::string(DirectoryOf(*path)));
+  const std::vector<std::string> lacks = LacksOf(*layout, kAllObjects);
   Replace(*std::move(layout), *path);
+  if (!lacks.empty()) ShowNotice(window_, LacksText(lacks));
 }
 
 void LayoutFiles::Save() {
@@ -78,10 +93,8 @@ void LayoutFiles::Save() {
   const std::string folder(DirectoryOf(*path));
   const Outcome settled = SettlePictures(layout, folder);
   const Outcome saved = Succeeded(settled) ? SaveLayout(layout, *path) : settled;
-  if (Failed(saved)) {
-    return ShowWarning(window_,
-                       saved == Outcome::TargetFailed ? texts::LayoutNameInvalid : texts::LayoutNotSaved);
-  }
+  if (Failed(saved))
+    return ShowWarning(window_, IsDirectory(folder) ? texts::LayoutNotSaved : texts::LayoutNameInvalid);
   file_ = *path;
   emit FileChanged();
   // The pictures lie beside the file now: no step that anybody wants to take back.

@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <utility>
 
+#include "artworker/kept_pictures.h"
 #include "artworker/pictures.h"
 #include "artworker/texts.h"
 #include "artworker/ui/element_parts.h"
@@ -96,13 +97,18 @@ QString ImageDialog::HelpTopic() const {
 ArtworkElement ImageDialog::Element() const {
   ArtworkElement element = element_;
   auto& image = std::get<Image>(element.content);
-  image.file = FromQt(ui_->fileEdit->text());
+  image.file = File();
   image.fill = fill_->Chosen();
   image.mirror = (ui_->mirrorXCheck->isChecked() ? kMirrorHorizontal : 0) |
                  (ui_->mirrorYCheck->isChecked() ? kMirrorVertical : 0);
   border_->Take(element);
   element.fixed = ui_->fixedCheck->isChecked();
   return element;
+}
+
+std::string ImageDialog::File() const {
+  const std::string typed = FromQt(ui_->fileEdit->text().trimmed());
+  return typed.empty() ? typed : FindPicture(typed, folder_);
 }
 
 void ImageDialog::Browse() {
@@ -127,7 +133,7 @@ void ImageDialog::ShowPreview() {
     picture = QApplication::clipboard()->image();
     size = picture.size();
   } else {
-    const std::string file = FromQt(ui_->fileEdit->text());
+    const std::string file = File();
     size = Pictures::SizeOf(file);
     Pictures pictures;
     if (!size.isEmpty())
@@ -152,8 +158,13 @@ void ImageDialog::Commit() {
     ui_->fileRadio->setChecked(true);
     ui_->fileEdit->setText(ToQt(*kept));
   }
-  if (const QString file = ui_->fileEdit->text().trimmed(); file.isEmpty() || !IsUsablePath(FromQt(file))) {
+  const std::string file = File();
+  if (file.empty() || !IsUsablePath(file)) {
     ShowWarning(this, texts::ImageNameMissing);
+    return FocusText(ui_->fileEdit);
+  }
+  if (!CanBeNamed(file)) {
+    ShowWarning(this, ToQt(Format(Text(texts::PictureNameNotStorable), file)));
     return FocusText(ui_->fileEdit);
   }
   accept();

@@ -56,6 +56,7 @@ class ImageDialog : public HostedDialog {
   void Commit() override;
 
  private:
+  [[nodiscard]] std::string File() const;  // as it is typed, in full; "" for none
   void Browse();
   void ShowPreview();
 

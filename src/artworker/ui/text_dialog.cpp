@@ -175,6 +175,10 @@ void TextDialog::Commit() {
     return ShowWarning(this, texts::TextMustBeUpright);
   if (const QString character = Unstorable(text); !character.isEmpty())
     return ShowWarning(this, ToQt(Format(Text(texts::TextNotStorable), FromQt(character))));
+  TextField field;
+  SetText(field, FromQt(text));
+  if (field.length > kMaxFieldBytes)
+    return ShowWarning(this, ToQt(Format(Text(texts::TextTooLong), kMaxFieldBytes)));
   accept();
 }
 
