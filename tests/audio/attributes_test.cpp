@@ -100,6 +100,11 @@ TEST(AttributeStore, LeavesOutWhatDoesNotFit) {
 // --- files
 
 std::vector<double> AllSamples(const std::string& path) {
+  if (path.ends_with(".wv")) {  // nothing here decodes it
+    const std::string bytes = Content(path);
+    return {bytes.begin(),
+            bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.find("APETAGEX"), bytes.size()))};
+  }
   auto source = OpenPcm(path);
   EXPECT_THAT(source, IsOk()) << path;
   std::vector<double> samples;
@@ -133,6 +138,7 @@ const char* const kTagged[] = {"wma_v2_stereo_tags.wma",
                                "ogg_vorbis_q3_tags.ogg",
                                "ogg_vorbis_mono_11025.ogg",
                                "made.ape",
+                               "wavpack_mono_8000.wv",
                                "aac_stereo_44100.m4a",
                                "alac_mono_16.m4a",
                                "aiff_pcm24_stereo_48000.aiff",

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "audio/aiff_layout.h"
 #include "audio/media_file.h"
 #include "audio/sample_codec.h"
 #include "audio/tags/attribute_names.h"
@@ -15,6 +16,8 @@
 
 namespace ts5 {
 namespace {
+
+constexpr std::size_t kAiffStart = 12;
 
 // Adds dither of 16 bits to what goes through it.
 class DitheringSink final : public PcmSink {
@@ -57,6 +60,12 @@ Outcome NotForIt(const EncodeSettings& settings, const std::string& source) {
   const bool asks =
       settings.Method() == EncodeMethod::Codec || settings.Method() == EncodeMethod::CommandLine;
   return asks && FileExists(source) ? Outcome::WrongFormat : Outcome::SourceNotOpened;
+}
+
+// Also one whose kind is known for what it holds only.
+bool BeginsAsAiff(const std::string& path) {
+  const auto start = ReadFileStart(path, kAiffStart);
+  return start && IsAiff(*start);
 }
 
 struct PreparedSource {
@@ -242,7 +251,7 @@ Result<EncodingSource> EncodingSource::Open(const std::string& path, const Encod
   if (!IsWaveKind(media->kind)) return Failure(NotForIt(settings, path));
   EncodingSource source;
   source.path_ = path;
-  source.aiff_ = media->kind == MediaKind::Aiff;
+  source.aiff_ = BeginsAsAiff(path);
   if (media->wave) {
     source.format_ = media->wave->Format();
   } else if (media->decoder) {
