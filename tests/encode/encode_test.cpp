@@ -471,13 +471,17 @@ TEST(DecompressorTest, ChainedOggStreams) {
   EncodeSettings settings = Method(EncodeMethod::OggVorbis);
   settings.ogg = OggSettings{.mode = OggSettings::Quality, .quality = 8};
   std::string chain;
-  for (const auto& [name, format, frames] : {std::tuple{"a", PcmFormat(44100, 16, 2), 30000},
+  std::string brief;
+  for (const auto& [name, format, frames] : {std::tuple{"d", PcmFormat(22050, 16, 1), 700},
+                                             {"a", PcmFormat(44100, 16, 2), 30000},
                                              {"b", PcmFormat(22050, 16, 1), 11025},
                                              {"c", PcmFormat(44100, 16, 2), 10001}}) {
     const std::string wave = WriteMusic(place, name, format, static_cast<std::size_t>(frames));
     ASSERT_THAT(Encode(wave, place.File("out.ogg"), settings), IsOk());
-    chain += Content(place.File("out.ogg"));
+    (brief.empty() ? brief : chain) += Content(place.File("out.ogg"));
   }
+  EXPECT_EQ(All(place.Write("brief.ogg", brief + chain)).size(), 700U + 15000 + 11025 + 5001)
+      << "a first stream of one page";
   const std::string path = place.Write("chain.ogg", chain);
   auto source = OpenPcm(path);
   ASSERT_THAT(source, IsOk());
