@@ -100,11 +100,6 @@ TEST(AttributeStore, LeavesOutWhatDoesNotFit) {
 // --- files
 
 std::vector<double> AllSamples(const std::string& path) {
-  if (path.ends_with(".wv")) {  // nothing here decodes it
-    const std::string bytes = Content(path);
-    return {bytes.begin(),
-            bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.find("APETAGEX"), bytes.size()))};
-  }
   auto source = OpenPcm(path);
   EXPECT_THAT(source, IsOk()) << path;
   std::vector<double> samples;

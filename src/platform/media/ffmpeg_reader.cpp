@@ -17,12 +17,13 @@ namespace ts5 {
 namespace {
 
 // No other demuxer or decoder ever sees a file: lists of other files, pictures and films stay outside.
-constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ape,flac,mpeg,mpegts,aac,ogg,mov";
+constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ape,flac,mpeg,mpegts,aac,ogg,mov,wv";
 constexpr const char* kDecoders =
     "pcm_u8,pcm_s8,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,pcm_f64le,"
     "pcm_f64be,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt,adpcm_yamaha,adpcm_g726,adpcm_g722,"
     "gsm_ms,gsm,libgsm_ms,libgsm,truespeech,mace3,mace6,qdm2,mp1,mp1float,mp2,mp2float,mp3,mp3float,wmav1,"
-    "wmav2,wmapro,wmalossless,wmavoice,ape,flac,aac,aac_fixed,alac,opus";
+    "wmav2,wmapro,wmalossless,wmavoice,ape,flac,aac,aac_fixed,alac,opus,"
+    "wavpack";
 constexpr int kMostChannels = 64;
 constexpr int kMostRate = 1 << 20;
 // Decoding is taken up this far before a sought place, so that codecs with a memory are warm there.
