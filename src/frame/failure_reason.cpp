@@ -65,11 +65,23 @@ constexpr Content kContents[] = {
     {"ID3", "", "mp3", ContentMp3},
     {"MAC ", "", "ape", ContentApe},
     {"\x30\x26\xB2\x75", "", "wma", ContentWindowsMedia},
+    {"wvpk", "", "wv", ContentWavPack},
+    {"", "M4A ", "m4a", ContentMp4},
+    {"", "mp42", "m4a", ContentMp4},
+    {"", "isom", "m4a", ContentMp4},
     {"<?xml", "", "xml musicxml stvx", ContentXml},
     {"%PDF", "", "", ContentPdf},
     {"PK\x03\x04", "", "mxl", ContentZip},
     {"\x89PNG", "", "", ContentPicture},
     {"\xFF\xD8\xFF", "", "", ContentPicture},
+    {"\xFF\xFB", "", "mp3 mpg mpga", ContentMp3},
+    {"\xFF\xFA", "", "mp3 mpg mpga", ContentMp3},
+    {"\xFF\xF3", "", "mp3 mpg mpga", ContentMp3},
+    {"\xFF\xF2", "", "mp3 mpg mpga", ContentMp3},
+    {"\xFF\xE3", "", "mp3 mpg mpga", ContentMp3},
+    {"\xFF\xFD", "", "mp2 mpg mpga", ContentMp2},
+    {"\xFF\xFC", "", "mp2 mpg mpga", ContentMp2},
+    {"\xFF\xF5", "", "mp2 mpg mpga", ContentMp2},
 };
 
 std::string Say(TextId text, const std::string& path) {

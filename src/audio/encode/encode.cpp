@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 #include <vector>
 
+#include "audio/aiff_layout.h"
 #include "audio/media_file.h"
 #include "audio/sample_codec.h"
 #include "audio/tags/attribute_names.h"
@@ -15,6 +17,8 @@
 
 namespace ts5 {
 namespace {
+
+constexpr std::size_t kAiffStart = 12;
 
 // Adds dither of 16 bits to what goes through it.
 class DitheringSink final : public PcmSink {
@@ -57,6 +61,12 @@ Outcome NotForIt(const EncodeSettings& settings, const std::string& source) {
   const bool asks =
       settings.Method() == EncodeMethod::Codec || settings.Method() == EncodeMethod::CommandLine;
   return asks && FileExists(source) ? Outcome::WrongFormat : Outcome::SourceNotOpened;
+}
+
+// Also one whose kind is known for what it holds only.
+bool BeginsAsAiff(const std::string& path) {
+  const auto start = ReadFileStart(path, kAiffStart);
+  return start && IsAiff(*start);
 }
 
 struct PreparedSource {
@@ -127,21 +137,26 @@ bool IsAlike(const Likeness& sums) {
          sums.both >= kLeastCorrelation * std::sqrt(sums.before * sums.after);
 }
 
-// Where the music begins in what came out of a coder that does not say it: the delay with the greatest
-// correlation over the first second that is not silent.
+// Where the music begins in what came out of a coder that does not say it: the first delay at which both are
+// about as like as they can be. Tones that go on and on are like themselves at many.
 std::size_t FindDelay(std::span<const double> before, std::span<const double> after, std::size_t channels) {
-  std::size_t best = 0;
-  double most = 0;
-  for (std::size_t delay = 0; delay <= kMostDelay && (delay * channels) < after.size(); ++delay) {
-    const std::size_t count = std::min(before.size(), after.size() - delay * channels);
-    double both = 0;
-    for (std::size_t i = 0; i < count; i += channels) both += before[i] * after[i + delay * channels];
-    if (both > most) {
-      most = both;
-      best = delay;
-    }
+  constexpr double kAsLike = 0.99;
+  std::vector<double> energy{0};  // of what came out, up to each sample
+  for (const double sample : after) energy.push_back(energy.back() + sample * sample);
+  std::vector<double> likeness;
+  for (std::size_t at = 0; at <= kMostDelay * channels && at < after.size(); at += channels) {
+    const std::size_t count = std::min(before.size(), after.size() - at);
+    const double both =
+        std::inner_product(before.begin(), before.begin() + static_cast<std::ptrdiff_t>(count),
+                           after.begin() + static_cast<std::ptrdiff_t>(at), 0.0);
+    likeness.push_back(both / std::sqrt(energy[at + count] - energy[at] + kQuiet));
   }
-  return best;
+  if (likeness.empty()) return 0;
+  const double enough = kAsLike * std::ranges::max(likeness);
+  std::size_t delay = 0;
+  while (likeness[delay] < enough) ++delay;
+  while (delay + 1 < likeness.size() && likeness[delay + 1] > likeness[delay]) ++delay;
+  return delay;
 }
 
 class Proof {
@@ -153,7 +168,7 @@ class Proof {
     const PcmShape& made = after_->Shape();
     if (made.sampleRate != before_.shape.sampleRate || made.channels != channels_) return Outcome::NotProven;
     if (!before_.exactLength) {
-      if (const Outcome aligned = Align(); Failed(aligned)) return aligned;
+      if (const Outcome aligned = Align(watch); Failed(aligned)) return aligned;
     }
     const double whole = static_cast<double>(before_.pcm->Frames().value_or(0));
     std::vector<double> in(kBlockFrames * channels_);
@@ -172,14 +187,27 @@ class Proof {
   }
 
  private:
-  Outcome Align() {
-    std::vector<double> in(std::size_t{before_.shape.sampleRate} * channels_);
-    std::vector<double> out(in.size() + kMostDelay * channels_);
-    const auto gotIn = Fill(*before_.pcm, in);
-    const auto gotOut = Fill(*after_, out);
-    if (!gotIn || !gotOut) return gotIn ? gotOut.error() : gotIn.error();
-    const std::size_t delay =
-        FindDelay(std::span(in).first(*gotIn), std::span(out).first(*gotOut), channels_);
+  // By the first half of a second that is not silent.
+  Outcome Align(const WorkWatch& watch) {
+    std::vector<double> in(std::size_t{before_.shape.sampleRate} / 2 * channels_);
+    std::vector<double> out;
+    bool silent = true;
+    while (silent) {
+      if (watch.cancelled && watch.cancelled()) return Outcome::Cancelled;
+      out.resize(in.size());
+      const auto gotIn = Fill(*before_.pcm, in);
+      const auto gotOut = Fill(*after_, out);
+      if (!gotIn || !gotOut) return gotIn ? gotOut.error() : gotIn.error();
+      silent = *gotIn == in.size() && std::ranges::all_of(in, [](double x) { return x * x < kQuiet; });
+      in.resize(*gotIn);
+      out.resize(*gotOut);
+    }
+    const std::size_t together = out.size();
+    out.resize(together + kMostDelay * channels_);
+    const auto more = Fill(*after_, std::span(out).subspan(together));
+    if (!more) return more.error();
+    out.resize(together + *more);
+    const std::size_t delay = FindDelay(in, out, channels_);
     if (const Outcome rewound = before_.pcm->Seek(0); Failed(rewound)) return rewound;
     return after_->Seek(delay);
   }
@@ -242,7 +270,7 @@ Result<EncodingSource> EncodingSource::Open(const std::string& path, const Encod
   if (!IsWaveKind(media->kind)) return Failure(NotForIt(settings, path));
   EncodingSource source;
   source.path_ = path;
-  source.aiff_ = media->kind == MediaKind::Aiff;
+  source.aiff_ = BeginsAsAiff(path);
   if (media->wave) {
     source.format_ = media->wave->Format();
   } else if (media->decoder) {

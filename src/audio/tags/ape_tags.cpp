@@ -1,7 +1,8 @@
-// APEv2 tags of Monkey's Audio files, and the ID3v1 tag behind them where there is one.
+// APEv2 tags of Monkey's Audio and WavPack files, and the ID3v1 tag behind them where there is one.
 #include <taglib/apefile.h>
 #include <taglib/apetag.h>
 #include <taglib/id3v1tag.h>
+#include <taglib/wavpackfile.h>
 
 #include "audio/tags/tag_keys.h"
 #include "audio/tags/tag_store.h"
@@ -10,6 +11,7 @@
 namespace ts5 {
 namespace {
 
+template <typename File>
 class ApeTags : public TagStore {
  public:
   explicit ApeTags(TagStream& stream) : file_(&stream, false), stream_(stream) {}
@@ -18,7 +20,7 @@ class ApeTags : public TagStore {
 
   [[nodiscard]] Attributes Read() const override {
     Attributes attributes;
-    const TagLib::APE::Tag* const tag = const_cast<TagLib::APE::File&>(file_).APETag(true);
+    const TagLib::APE::Tag* const tag = const_cast<File&>(file_).APETag(true);
     for (const auto& [key, item] : tag->itemListMap()) {
       if (item.type() == TagLib::APE::Item::Text)
         AddKeyed(attributes, &AttributeName::ape, FromTag(item.key()), Joined(item.values()));
@@ -48,7 +50,7 @@ class ApeTags : public TagStore {
 
  private:
   void ReadVersion1(Attributes& attributes) const {
-    const TagLib::ID3v1::Tag* const tag = const_cast<TagLib::APE::File&>(file_).ID3v1Tag();
+    const TagLib::ID3v1::Tag* const tag = const_cast<File&>(file_).ID3v1Tag();
     const std::pair<std::string_view, TagLib::String> fields[] = {
         {"Title", tag->title()},     {"Artist", tag->artist()}, {"Album", tag->album()},
         {"Comment", tag->comment()}, {"Genre", tag->genre()},
@@ -60,16 +62,24 @@ class ApeTags : public TagStore {
     if (tag->track() > 0) AddKeyed(attributes, &AttributeName::ape, "Track", std::to_string(tag->track()));
   }
 
-  TagLib::APE::File file_;
+  File file_;
   TagStream& stream_;
 };
+
+template <typename File>
+std::unique_ptr<TagStore> Open(TagStream& stream) {
+  auto tags = std::make_unique<ApeTags<File>>(stream);
+  if (!tags->IsValid()) return nullptr;
+  return tags;
+}
 
 }  // namespace
 
 std::unique_ptr<TagStore> OpenApeTags(TagStream& stream) {
-  auto tags = std::make_unique<ApeTags>(stream);
-  if (!tags->IsValid()) return nullptr;
-  return tags;
+  return Open<TagLib::APE::File>(stream);
+}
+std::unique_ptr<TagStore> OpenWavPackTags(TagStream& stream) {
+  return Open<TagLib::WavPack::File>(stream);
 }
 
 }  // namespace ts5

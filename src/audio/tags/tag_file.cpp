@@ -38,6 +38,7 @@ constexpr Magic kMagics[] = {
     {0, "OggS", 28, "OpusHead", Plain<OpenOpusTags>},
     {0, "fLaC", 0, "", Plain<OpenFlacTags>},
     {0, "MAC ", 0, "", Plain<OpenApeTags>},
+    {0, "wvpk", 0, "", Plain<OpenWavPackTags>},
     {0, "RIFF", 8, "WAVE", Plain<OpenInfoTags>},
     {0, "FORM", 8, "AIF", OpenAiffTags},
     {4, "ftyp", 0, "", Plain<OpenMp4Tags>},

@@ -25,6 +25,7 @@ class TagStore {
 // Each takes a file of its own kind and gives nothing when it is damaged. The stream outlives the store.
 [[nodiscard]] std::unique_ptr<TagStore> OpenAsfTags(TagStream& stream);
 [[nodiscard]] std::unique_ptr<TagStore> OpenApeTags(TagStream& stream);
+[[nodiscard]] std::unique_ptr<TagStore> OpenWavPackTags(TagStream& stream);
 [[nodiscard]] std::unique_ptr<TagStore> OpenInfoTags(TagStream& stream);
 [[nodiscard]] std::unique_ptr<TagStore> OpenFlacTags(TagStream& stream);
 [[nodiscard]] std::unique_ptr<TagStore> OpenVorbisTags(TagStream& stream);

@@ -17,12 +17,13 @@ namespace ts5 {
 namespace {
 
 // No other demuxer or decoder ever sees a file: lists of other files, pictures and films stay outside.
-constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ape,flac,mpeg,mpegts,aac,ogg,mov";
+constexpr const char* kDemuxers = "wav,w64,aiff,mp3,asf,ape,flac,mpeg,mpegts,aac,ogg,mov,wv";
 constexpr const char* kDecoders =
     "pcm_u8,pcm_s8,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,pcm_f64le,"
     "pcm_f64be,pcm_alaw,pcm_mulaw,adpcm_ms,adpcm_ima_wav,adpcm_ima_qt,adpcm_yamaha,adpcm_g726,adpcm_g722,"
     "gsm_ms,gsm,libgsm_ms,libgsm,truespeech,mace3,mace6,qdm2,mp1,mp1float,mp2,mp2float,mp3,mp3float,wmav1,"
-    "wmav2,wmapro,wmalossless,wmavoice,ape,flac,aac,aac_fixed,alac,opus";
+    "wmav2,wmapro,wmalossless,wmavoice,ape,flac,aac,aac_fixed,alac,opus,"
+    "wavpack";
 constexpr int kMostChannels = 64;
 constexpr int kMostRate = 1 << 20;
 // Decoding is taken up this far before a sought place, so that codecs with a memory are warm there.
@@ -81,7 +82,8 @@ class LibraryReader final : public MediaReader {
     if (!firstStamp_) {
       if (const auto first = NextBlock(); !first) return first.error();
     }
-    const double start = std::max(0.0, static_cast<double>(frame) / shape_.sampleRate - kPrerollSeconds);
+    // Near the start that is before it: what the encoder put there warms the decoder up.
+    const double start = static_cast<double>(frame) / shape_.sampleRate - kPrerollSeconds;
     const auto rate = static_cast<double>(track_->time_base.den) / track_->time_base.num;
     const std::int64_t stamp = firstStamp_.value_or(0) + std::llround(start * rate);
     if (av_seek_frame(container_.get(), track_->index, stamp, AVSEEK_FLAG_BACKWARD) < 0 &&
@@ -267,17 +269,16 @@ class LibraryReader final : public MediaReader {
   }
 
   void SkipToSought() {
-    std::uint64_t position = 0;
-    if (frame_->best_effort_timestamp != AV_NOPTS_VALUE) {
-      position = static_cast<std::uint64_t>(std::max<std::int64_t>(
-          0, av_rescale_q(frame_->best_effort_timestamp - firstStamp_.value_or(0), track_->time_base,
-                          {1, static_cast<int>(shape_.sampleRate)})));
-    }
-    if (position >= *skipUntil_) {
+    // Before the start lies what the encoder put there, which is left out only where decoding begins.
+    std::int64_t position = 0;
+    if (frame_->best_effort_timestamp != AV_NOPTS_VALUE)
+      position = av_rescale_q(frame_->best_effort_timestamp - firstStamp_.value_or(0), track_->time_base,
+                              {1, static_cast<int>(shape_.sampleRate)});
+    if (std::cmp_greater_equal(position, *skipUntil_)) {
       skipUntil_.reset();
       return;
     }
-    const std::uint64_t missing = *skipUntil_ - position;
+    const std::uint64_t missing = *skipUntil_ - static_cast<std::uint64_t>(position);
     offset_ = static_cast<std::size_t>(std::min<std::uint64_t>(missing, available_));
     if (missing < available_) skipUntil_.reset();
   }

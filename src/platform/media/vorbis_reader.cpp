@@ -128,6 +128,8 @@ class VorbisReader final : public MediaReader {
     if (stream_.failed || opened == OV_EREAD) return Outcome::ReadFailed;
     if (opened != 0) return EndsInHeaders(stream_.file) ? Outcome::SourceFailed : Outcome::WrongFormat;
     open_ = true;
+    // The library leaves a first stream out whose music ends on its first page.
+    if (ov_streams(&decoder_) > 1) (void)ov_pcm_seek(&decoder_, 0);
     const vorbis_info* const info = ov_info(&decoder_, 0);
     if (info == nullptr || info->channels < 1 || info->channels > kMostChannels || info->rate < 1 ||
         info->rate > kMostRate)
