@@ -34,7 +34,8 @@ Result<ScoreImage> HeardScore(Bytes file, const CancelCheck& cancelled) {
   if (!score) return Failure(score.error().code);
   file = {};
   LossReport ofFile;
-  ReportScoreFileLosses(score->document, ofFile);
+  ReportScoreFileLosses(score->document, ofFile, cancelled);
+  if (cancelled && cancelled()) return Failure(Outcome::Cancelled);
   SayTimesInWords(score->document);
   ScoreImage image{WriteScore(score->document)};
   image.losses = LossesOf(score->losses, kUnheard);

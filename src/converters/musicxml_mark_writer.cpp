@@ -61,6 +61,26 @@ std::string Number(double value) {
   return text;
 }
 
+std::string_view DynamicOf(const Direction& direction) {
+  if (direction.drawing == nullptr || !direction.drawing->Is(DrawingKind::Text)) return {};
+  const DrawingItem& drawing = *direction.drawing;
+  if (drawing.sign == "dynamics") return drawing.words;
+  return drawing.sign.empty() ? DynamicOfSymbols(AsText(drawing.text)) : std::string_view();
+}
+
+void WriteDynamics(XmlOut& out, std::span<const Direction> directions) {
+  out.Open("dynamics");
+  for (const Direction& direction : directions) {
+    const std::string_view dynamic = DynamicOf(direction);
+    if (FindDynamic(dynamic) != nullptr) {
+      out.Empty(dynamic);
+    } else {
+      out.Leaf("other-dynamics", dynamic);
+    }
+  }
+  out.Close();
+}
+
 void WriteDirectionType(XmlOut& out, const Direction& direction, const std::string& number) {
   if (direction.drawing == nullptr) return WriteMetronome(out, Number(direction.tempo));
   const DrawingItem& drawing = *direction.drawing;
@@ -79,17 +99,6 @@ void WriteDirectionType(XmlOut& out, const Direction& direction, const std::stri
   if (sign == "pedal") return out.Empty("pedal", {{"type", type.empty() ? "start" : type}, {"line", "yes"}});
   if (sign == "string-mute") return out.Empty("string-mute", {{"type", type.empty() ? "on" : type}});
   if (sign == "rehearsal") return out.Leaf("rehearsal", WordsOf(drawing));
-  const std::string_view dynamic =
-      sign == "dynamics" ? std::string_view(drawing.words) : DynamicOfSymbols(AsText(drawing.text));
-  if (sign == "dynamics" || !dynamic.empty()) {
-    out.Open("dynamics");
-    if (FindDynamic(dynamic) != nullptr) {
-      out.Empty(dynamic);
-    } else {
-      out.Leaf("other-dynamics", dynamic);
-    }
-    return out.Close();
-  }
   out.Leaf("words", WordsOf(drawing).empty() ? drawing.words : WordsOf(drawing));
 }
 
@@ -172,8 +181,18 @@ std::string_view PlacementName(std::int8_t placement) {
   return placement > 0 ? "above" : "below";
 }
 
-void WriteDirection(XmlOut& out, const Direction& direction, std::int64_t offset, unsigned voice,
-                    unsigned staff) {
+std::size_t Together(std::span<const Direction> directions) {
+  const auto beside = [&first = directions[0]](const Direction& direction) {
+    return !DynamicOf(direction).empty() && direction.at == first.at && direction.endsBar == first.endsBar &&
+           direction.drawing->placement == first.drawing->placement;
+  };
+  if (!beside(directions[0])) return 1;
+  return static_cast<std::size_t>(std::ranges::find_if_not(directions, beside) - directions.begin());
+}
+
+void WriteDirections(XmlOut& out, std::span<const Direction> together, std::int64_t offset, unsigned voice,
+                     unsigned staff) {
+  const Direction& direction = together[0];
   const DrawingItem* drawing = direction.drawing;
   if (drawing != nullptr && drawing->sign == "harmony") return WriteHarmony(out, drawing->words, staff);
   // A tempo that is heard and not shown.
@@ -182,7 +201,11 @@ void WriteDirection(XmlOut& out, const Direction& direction, std::int64_t offset
     return WriteSoundOf(out, direction);
   out.Open("direction", {{"placement", drawing == nullptr ? "above" : PlacementName(drawing->placement)}});
   out.Open("direction-type");
-  WriteDirectionType(out, direction, std::to_string(direction.number));
+  if (DynamicOf(direction).empty()) {
+    WriteDirectionType(out, direction, std::to_string(direction.number));
+  } else {
+    WriteDynamics(out, together);
+  }
   out.Close();
   if (offset != 0) out.Leaf("offset", offset);
   // An octave line holds for the staff.

@@ -2,6 +2,7 @@
 // only.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,11 @@ namespace ts5::musicxml {
 // "above", "below" or "".
 [[nodiscard]] std::string_view PlacementName(std::int8_t placement);
 
-void WriteDirection(XmlOut& out, const Direction& direction, std::int64_t offset, unsigned voice,
-                    unsigned staff);
+// How many of the directions stand side by side in one: dynamics at one place ("p", "sempre"), else the
+// first.
+[[nodiscard]] std::size_t Together(std::span<const Direction> directions);
+void WriteDirections(XmlOut& out, std::span<const Direction> together, std::int64_t offset, unsigned voice,
+                     unsigned staff);
 
 // <notations> of a chord beside ties, slurs and tuplets: signs by group.
 struct NotationSign {

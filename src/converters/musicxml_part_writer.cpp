@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 #include <set>
+#include <span>
 
 #include "converters/musicxml_attribute_writer.h"
 #include "converters/musicxml_barline_writer.h"
@@ -137,7 +138,7 @@ class PartWriter {
     barlines_.WriteLeft(index);
     attributes_.WriteAtBar(index);
     while (nextTempo_ < tempos_.size() && tempos_[nextTempo_].at <= bar.start)
-      WriteDirection(out_, tempos_[nextTempo_++], 0, 1, 1);
+      musicxml::WriteDirections(out_, {&tempos_[nextTempo_++], 1}, 0, 1, 1);
     position_ = bar.start;
     bool first = true;
     for (VoiceCursor& voice : voices_) {
@@ -214,10 +215,12 @@ class PartWriter {
     }
   }
   void WriteNextDirection(VoiceCursor& voice, Fraction from) {
-    const Direction& direction = voice.directions[voice.nextDirection++];
+    const auto left = std::span(voice.directions).subspan(voice.nextDirection);
+    const auto together = left.first(Together(left));
+    voice.nextDirection += together.size();
     MoveTo(from);
-    WriteDirection(out_, direction, divisions_.Ticks(direction.at) - divisions_.Ticks(from), voice.number,
-                   static_cast<unsigned>(voice.staff) + 1);
+    musicxml::WriteDirections(out_, together, divisions_.Ticks(together[0].at) - divisions_.Ticks(from),
+                              voice.number, static_cast<unsigned>(voice.staff) + 1);
   }
 
   void WriteSlice(VoiceCursor& voice, const NotationSlice& slice) {

@@ -24,16 +24,18 @@ bool Fits(const std::string& text) {
 
 class Reporter {
  public:
-  Reporter(const ScoreDocument& document, LossReport& losses) : document_(document), losses_(losses) {}
+  Reporter(const ScoreDocument& document, LossReport& losses, const CancelCheck& cancelled)
+      : document_(document), losses_(losses), cancelled_(cancelled) {}
 
   void Report() {
     ReportWhole();
     ReportParts();
-    const ScoreMusic music = ReadMusic(document_);
+    const ScoreMusic music = ReadMusic(document_, cancelled_);
     losses_.NamePlaces(document_, music);
     ReportTempos(music);
     for (std::size_t staff = 0; staff < music.voices.size(); ++staff) {
       for (const auto& voice : music.voices[staff]) {
+        if (cancelled_ && cancelled_()) return;
         for (const ScoreEvent& event : voice)
           ReportGroup(*event.item, {static_cast<int>(event.bar), static_cast<int>(staff)});
       }
@@ -153,14 +155,15 @@ class Reporter {
 
   const ScoreDocument& document_;
   LossReport& losses_;
+  const CancelCheck& cancelled_;
   unsigned stems_ = 0;
   unsigned placements_ = 0;
 };
 
 }  // namespace
 
-void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses) {
-  Reporter(document, losses).Report();
+void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses, const CancelCheck& cancelled) {
+  Reporter(document, losses, cancelled).Report();
 }
 
 }  // namespace ts5

@@ -134,7 +134,8 @@ Result<Bytes> WriteAnyScore(ScoreDocument& document, ScoreFormat format, LossRep
   if (format == ScoreFormat::Score) {
     if (document.comment.empty()) document.comment = CreditText(document.credits);
     SayTimesInWords(document);
-    ReportScoreFileLosses(document, losses);
+    ReportScoreFileLosses(document, losses, watch.cancelled);
+    if (watch.cancelled && watch.cancelled()) return Failure(Outcome::Cancelled);
     return WriteScore(document);
   }
   auto text =

@@ -36,7 +36,8 @@ void ApplyObjectMask(ScoreDocument& document, std::uint32_t mask);
 // A score file has no number for how often a repeat is played, and says it by a text: "3x".
 void SayTimesInWords(ScoreDocument& document);
 inline constexpr unsigned kMostTimesInWords = 15;
-// What a score file cannot hold of a document.
-void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses);
+// What a score file cannot hold of a document. A cancelled report is not complete.
+void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses,
+                           const CancelCheck& cancelled = {});
 
 }  // namespace ts5

@@ -12,14 +12,6 @@
 
 namespace ts5 {
 
-// DEV
-inline constexpr Outcome kXmlInfoNotWritten{-1401};
-inline constexpr Outcome kXmlElementNotWritten{-1402};
-inline constexpr Outcome kXmlLayoutNotWritten{-1403};
-inline constexpr Outcome kXmlSystemNotWritten{-1405};
-inline constexpr Outcome kXmlContradiction{-1408};
-// END
-
 // The reader takes what is written: a document that it would refuse, or one of more than so many bytes, has
 // the Xml... code of the element that has no place. Cancelled.
 [[nodiscard]] Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch = {},

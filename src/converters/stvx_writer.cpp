@@ -113,7 +113,7 @@ class StvXmlWriter {
     if (Succeeded(outcome_)) outcome_ = outcome;
   }
   void Require(bool sound) {
-    if (!sound) Fail(kXmlContradiction);
+    if (!sound) Fail(Outcome::XmlContradiction);
   }
 
   // refused: what it is called when a value has no place in the element, or the element none in the file.
@@ -126,31 +126,31 @@ class StvXmlWriter {
     Require(document_.staves.size() <= kMaxStaves);
     FieldWriter info;
     stvx::InfoFields(info, document_);
-    Element("info", info, false, kXmlInfoNotWritten);
+    Element("info", info, false, Outcome::XmlInfoNotWritten);
     for (const StaffLayout& staff : document_.staves) {
       FieldWriter fields;
       stvx::LayoutFields(fields, staff);
-      Element("layout", fields, true, kXmlLayoutNotWritten);
+      Element("layout", fields, true, Outcome::XmlLayoutNotWritten);
     }
     if (document_.page.given) {
       FieldWriter fields;
       stvx::PageFields(fields, document_.page);
-      Element("page", fields, true, kXmlLayoutNotWritten);
+      Element("page", fields, true, Outcome::XmlLayoutNotWritten);
     }
     for (const ScorePart& part : document_.parts) {
       FieldWriter fields;
       stvx::PartFields(fields, part);
-      Element("part", fields, true, kXmlInfoNotWritten);
+      Element("part", fields, true, Outcome::XmlInfoNotWritten);
     }
     for (const ScoreBarLabel& label : document_.bars) {
       FieldWriter fields;
       stvx::LabelFields(fields, label);
-      Element("label", fields, true, kXmlInfoNotWritten);
+      Element("label", fields, true, Outcome::XmlInfoNotWritten);
     }
     for (const Bytes& object : document_.gallery) {
       FieldWriter fields;
       fields.Bytes("data", object);
-      Element("gallery", fields, true, kXmlInfoNotWritten);
+      Element("gallery", fields, true, Outcome::XmlInfoNotWritten);
     }
     out_.Close();
   }
@@ -158,7 +158,7 @@ class StvXmlWriter {
   void WriteSystem(const SystemItems& system) {
     FieldWriter fields;
     stvx::SystemFields(fields, system);
-    Element("system", fields, system.staves.empty(), kXmlSystemNotWritten);
+    Element("system", fields, system.staves.empty(), Outcome::XmlSystemNotWritten);
     if (system.staves.empty()) return;
     for (const StaffItems& staff : system.staves) WriteStaff(staff);
     out_.Close();
@@ -168,12 +168,12 @@ class StvXmlWriter {
     Require(staff.layout < document_.staves.size());
     FieldWriter fields;
     stvx::StaffFields(fields, staff);
-    Element("staff", fields, staff.voices.empty(), kXmlSystemNotWritten);
+    Element("staff", fields, staff.voices.empty(), Outcome::XmlSystemNotWritten);
     if (staff.voices.empty()) return;
     for (std::size_t v = 0; v < staff.voices.size(); ++v) {
       FieldWriter voice;
       if (v < staff.voiceRecords.size()) voice.Bytes("record", staff.voiceRecords[v]);
-      Element("voice", voice, staff.voices[v].empty(), kXmlSystemNotWritten);
+      Element("voice", voice, staff.voices[v].empty(), Outcome::XmlSystemNotWritten);
       if (staff.voices[v].empty()) continue;
       for (const ScoreItem& item : staff.voices[v]) WriteItem(item);
       out_.Close();
@@ -190,19 +190,20 @@ class StvXmlWriter {
     if (!known) fields.Number("kind", item.kind, 0, 0, 255);
     stvx::ItemFields(fields, item);
     const bool empty = item.group.notes.empty() && item.drawings.empty() && item.lyrics.empty();
-    Element(known ? stvx::kItemNames[item.kind] : stvx::kOtherItem, fields, empty, kXmlElementNotWritten);
+    Element(known ? stvx::kItemNames[item.kind] : stvx::kOtherItem, fields, empty,
+            Outcome::XmlElementNotWritten);
     if (empty) return;
     for (std::size_t i = 0; i < item.group.notes.size(); ++i) {
       FieldWriter note;
       stvx::NoteFields(note, item.group.notes[i]);
       if (i < item.noteTies.size()) note.Add("ties", std::to_string(item.noteTies[i]));
-      Element("note", note, true, kXmlElementNotWritten);
+      Element("note", note, true, Outcome::XmlElementNotWritten);
     }
     WriteDrawings(item.drawings, 0);
     for (const LyricItem& lyric : item.lyrics) {
       FieldWriter verse;
       stvx::LyricFields(verse, lyric);
-      Element("lyric", verse, true, kXmlElementNotWritten);
+      Element("lyric", verse, true, Outcome::XmlElementNotWritten);
     }
     out_.Close();
   }
@@ -215,7 +216,7 @@ class StvXmlWriter {
       stvx::DrawingFields(fields, drawing);
       const bool empty = drawing.nested.empty();
       Element(known ? stvx::kDrawingNames[drawing.kind] : stvx::kOtherDrawing, fields, empty,
-              kXmlElementNotWritten);
+              Outcome::XmlElementNotWritten);
       if (empty) continue;
       Require(depth + 1 < kMaxDrawingDepth);
       if (Succeeded(outcome_)) WriteDrawings(drawing.nested, depth + 1);

@@ -142,6 +142,8 @@ std::uint32_t MaskBitOf(const DrawingItem& drawing) {
   if (marks.dynamic != 0 || drawing.sign == "dynamics") return kMaskDynamics;
   if (marks.articulation != 0) return kMaskArticulations;
   if (marks.marked) return kMaskOrnaments;
+  // Where the music goes on is no mere text.
+  if (marks.jump.words != 0 || marks.jump.times != 0) return 0;
   return kMaskTexts;
 }
 

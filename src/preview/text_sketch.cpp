@@ -60,13 +60,17 @@ void DrawDirection(const MarkedStaff& on, double x, const DrawingItem& drawing) 
   on.canvas.Text({x, y, text, kWordSize, TextStyle::Bold});
 }
 
-void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem& drawing) {
-  for (const DrawingItem& nested : drawing.nested) DrawText(on, event, nested);
+// Dynamics stand next to the staff, words beyond them.
+enum class Layer : std::uint8_t { Dynamics, Words };
+
+void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem& drawing, Layer layer) {
+  for (const DrawingItem& nested : drawing.nested) DrawText(on, event, nested, layer);
   if (!drawing.Is(DrawingKind::Text)) return;
   const Fraction at = event.start + drawing.offset;
   const double x = on.places.X(on.engraving, std::min(at, on.to));
   const std::string_view dynamic =
       drawing.sign == "dynamics" ? std::string_view(drawing.words) : DynamicOfSymbols(AsText(drawing.text));
+  if (dynamic.empty() != (layer == Layer::Words)) return;
   if (!dynamic.empty()) {
     const double half = TextWidth(std::string(dynamic), kDynamic, TextStyle::BoldItalic) / 2;
     const double middle = x + kHeadWidth / 2;
@@ -117,12 +121,14 @@ bool HasOwnMark(const MarkedStaff& on, Fraction at) {
 
 void SketchTexts(const MarkedStaff& on, std::size_t v) {
   const auto& events = on.engraving.music.voices[on.staff][v];
-  for (const std::size_t i : on.engraving.marked[on.staff][v]) {
-    const ScoreEvent& event = events[i];
-    if (event.start >= on.to) break;
-    for (const DrawingItem& drawing : event.item->drawings) {
-      if (drawing.Is(DrawingKind::Hairpin)) DrawHairpin(on, events, i, drawing);
-      if (event.start >= on.from) DrawText(on, event, drawing);
+  for (const Layer layer : {Layer::Dynamics, Layer::Words}) {
+    for (const std::size_t i : on.engraving.marked[on.staff][v]) {
+      const ScoreEvent& event = events[i];
+      if (event.start >= on.to) break;
+      for (const DrawingItem& drawing : event.item->drawings) {
+        if (layer == Layer::Dynamics && drawing.Is(DrawingKind::Hairpin)) DrawHairpin(on, events, i, drawing);
+        if (event.start >= on.from) DrawText(on, event, drawing, layer);
+      }
     }
   }
 }

@@ -484,6 +484,7 @@ TEST(ObjectMask, LeavesOutWhatItDoesNotName) {
   const std::string content = Measure(
       "<direction><direction-type><dynamics><p/></dynamics></direction-type></direction>"
       "<direction><direction-type><words>zart</words></direction-type></direction>"
+      "<direction><direction-type><words>Da Capo</words></direction-type></direction>"
       "<direction><direction-type><wedge type='crescendo'/></direction-type></direction>" +
       Note("C", 4,
            "<notations><slur "

@@ -97,10 +97,10 @@ TEST(StvXml, SaysWhichElementHasNoPlaceInTheFile) {
   EXPECT_THAT(WriteStvXml(score, {}, size), IsOk());
   // What the reader would refuse is not written.
   score.parts[0].diatonic = 101;
-  EXPECT_THAT(WriteStvXml(score), FailsWith(kXmlInfoNotWritten));
+  EXPECT_THAT(WriteStvXml(score), FailsWith(Outcome::XmlInfoNotWritten));
   score.parts.clear();
   score.staves.clear();
-  EXPECT_THAT(WriteStvXml(score), FailsWith(kXmlContradiction));
+  EXPECT_THAT(WriteStvXml(score), FailsWith(Outcome::XmlContradiction));
 }
 
 class XmlConverterRun : public testing::Test {

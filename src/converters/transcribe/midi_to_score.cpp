@@ -87,6 +87,12 @@ std::vector<ItemLoss> LossesOf(const Transcription& made) {
   add(texts::LossRespelledNotes, made.respelled);
   add(texts::LossWords, made.lostWords);
   add(texts::LossStaffless, made.staffless);
+  constexpr std::pair<LeftOut, TextId> kLeftOut[] = {
+      {LeftOut::Velocities, texts::LossVelocities},   {LeftOut::Bends, texts::LossBends},
+      {LeftOut::Controllers, texts::LossControllers}, {LeftOut::Pressures, texts::LossPressures},
+      {LeftOut::Programs, texts::LossPrograms},       {LeftOut::Exclusive, texts::LossExclusive},
+      {LeftOut::Texts, texts::LossMidiTexts}};
+  for (const auto& [kind, text] : kLeftOut) add(text, made.leftOut.Of(kind));
   return losses;
 }
 

@@ -22,8 +22,10 @@ constexpr std::uint8_t kMetaText = 0x01;
 constexpr std::uint8_t kMetaCopyright = 0x02;
 constexpr std::uint8_t kMetaName = 0x03;
 constexpr std::uint8_t kMetaLyric = 0x05;
+constexpr std::uint8_t kMetaLastText = 0x0F;
 constexpr std::uint8_t kMetaKey = 0x59;
 constexpr std::uint8_t kVolumeController = 7;
+constexpr std::uint8_t kChannelModes = 120;  // controllers from here on silence and reset
 
 std::string TextOf(ByteView payload) {
   const std::string_view text = AsText(payload);
@@ -37,15 +39,17 @@ struct RawWord {
   bool lyric = false;
 };
 
-std::vector<SungText> WordsOf(const std::vector<RawWord>& raw) {
+std::vector<SungText> WordsOf(const std::vector<RawWord>& raw, LeftOutCounts& leftOut) {
   const bool lyrics = std::ranges::any_of(raw, &RawWord::lyric);
   const bool karaoke =
       std::ranges::any_of(raw, [](const RawWord& word) { return word.text.starts_with('@'); });
   std::vector<SungText> words;
-  if (!lyrics && !karaoke) return words;
   bool endsWord = true;
   for (const RawWord& word : raw) {
-    if (word.lyric != lyrics || word.text.starts_with('@')) continue;
+    if ((!lyrics && !karaoke) || word.lyric != lyrics || word.text.starts_with('@')) {
+      leftOut.Add(LeftOut::Texts, word.text.empty() ? 0 : 1);
+      continue;
+    }
     std::string_view text = word.text;
     bool begins = endsWord;
     while (!text.empty() && std::string_view(" /\\\r\n").find(text.front()) != std::string_view::npos) {
@@ -79,6 +83,8 @@ class TrackReader {
         TakeMeta(event);
       } else if (event.IsChannelMessage()) {
         TakeMessage(event);
+      } else {
+        performance_.leftOut.Add(LeftOut::Exclusive);
       }
     }
     if (cursor.Damaged()) return Outcome::DamagedMidi;
@@ -114,12 +120,34 @@ class TrackReader {
       ChannelOf(event.Channel()).open[key].push_back({tick, event.data2});
     } else if (event.IsNoteOff()) {
       Close(ChannelOf(event.Channel()), key, tick);
-    } else if (event.MessageType() == 0xC0) {
-      Channel& channel = ChannelOf(event.Channel());
-      if (channel.part.notes.empty()) channel.part.program = key;
-    } else if (event.MessageType() == 0xB0 && event.data1 == kVolumeController) {
-      Channel& channel = ChannelOf(event.Channel());
-      if (channel.part.notes.empty()) channel.part.volume = event.data2 & 0x7F;
+    } else {
+      TakeControl(ChannelOf(event.Channel()).part, event);
+    }
+  }
+
+  void TakeControl(PlayedPart& part, const MidiEvent& event) {
+    LeftOutCounts& leftOut = performance_.leftOut;
+    const bool before = part.notes.empty();
+    switch (event.MessageType()) {
+      case 0xC0:
+        if (before) {
+          part.program = event.data1 & 0x7F;
+        } else if (part.program != (event.data1 & 0x7F)) {
+          leftOut.Add(LeftOut::Programs);
+        }
+        break;
+      case 0xB0:
+        if (before && event.data1 == kVolumeController) {
+          part.volume = event.data2 & 0x7F;
+        } else if (event.data1 < kChannelModes) {
+          leftOut.Add(LeftOut::Controllers);
+        }
+        break;
+      case 0xE0:
+        leftOut.Add(LeftOut::Bends);
+        break;
+      default:
+        leftOut.Add(LeftOut::Pressures);
     }
   }
 
@@ -139,6 +167,7 @@ class TrackReader {
         if (name_.empty()) name_ = TextOf(data);
         break;
       case kMetaCopyright:
+        if (!performance_.rights.empty()) performance_.leftOut.Add(LeftOut::Texts);
         if (performance_.rights.empty()) performance_.rights = TextOf(data);
         break;
       case kMetaText:
@@ -165,13 +194,13 @@ class TrackReader {
         }
         break;
       default:
-        break;
+        if (event.metaType <= kMetaLastText) performance_.leftOut.Add(LeftOut::Texts, data.empty() ? 0 : 1);
     }
   }
 
   void Finish(std::int64_t end) {
     performance_.end = std::max(performance_.end, end);
-    std::vector<SungText> words = WordsOf(words_);
+    std::vector<SungText> words = WordsOf(words_, performance_.leftOut);
     bool notes = false;
     for (auto& [number, channel] : channels_) {
       for (std::size_t key = 0; key < channel->open.size(); ++key) {
@@ -181,6 +210,9 @@ class TrackReader {
       if (part.notes.empty()) continue;
       std::ranges::sort(part.notes, {},
                         [](const PlayedNote& note) { return std::tuple(note.start, note.key); });
+      const auto struck = [](const PlayedNote& note) { return note.velocity; };
+      if (std::ranges::adjacent_find(part.notes, std::ranges::not_equal_to{}, struck) != part.notes.end())
+        performance_.leftOut.Add(LeftOut::Velocities, part.notes.size());
       part.name = name_;
       if (!part.drums) part.words = std::exchange(words, {});
       performance_.parts.push_back(std::move(part));

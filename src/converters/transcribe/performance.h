@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "converters/transcribe/left_out.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
@@ -60,6 +61,7 @@ struct Performance {
   std::vector<TempoChange> tempos;
   std::vector<SignatureChange> signatures;  // all in order of time, the last of a place alone
   std::vector<KeyChange> keys;
+  LeftOutCounts leftOut;
 
   // Seconds that a quarter note lasts at a place.
   [[nodiscard]] double QuarterSeconds(std::int64_t tick) const;

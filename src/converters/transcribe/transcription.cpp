@@ -39,6 +39,7 @@ class Transcriber {
     result_.beatsFound = beats.Found();
     StaffNotes placed = PlaceOnStaves(performance_, beats, options_.lyrics, watch_.cancelled);
     staves_ = std::move(placed.staves);
+    result_.leftOut = performance_.leftOut;
     result_.lostWords = placed.lostWords;
     result_.doubled = placed.doubled;
     result_.staffless = placed.staffless;

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "converters/transcribe/left_out.h"
 #include "converters/transcribe/transcription_options.h"
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
@@ -23,7 +24,8 @@ struct Transcription {
   std::uint32_t respelled = 0;  // notes that could not be placed as they were spelled
   std::uint32_t lostWords = 0;  // syllables without a note
   std::uint32_t staffless = 0;  // notes of parts that are one too many for a score
-  bool beatsFound = false;      // the music does not keep to the beats of its file
+  LeftOutCounts leftOut;
+  bool beatsFound = false;  // the music does not keep to the beats of its file
 };
 
 // WrongFormat: no MIDI file; DamagedMidi; SourceFailed: one without notes or out of all measure; Cancelled.

@@ -39,16 +39,21 @@ enum class [[nodiscard]] Outcome : std::int32_t{
     ConverterFailed = -400,
     ConverterNotOpened = -401,
     PcmConverterMissing = -402,
-    EncoderFailed = -403,         // it says so itself; what it wrote may be of no use
-    NotProven = -404,             // what was encoded does not come out of its file as it went in
-    CdDriveFailed = -500,         // a disc drive does not answer, or holds no disc that can be used
-    DamagedMidi = -601,           // a MIDI file that breaks off or contradicts itself
-    MidiDeviceFailed = -602,      // the MIDI output device cannot be opened
-    LongSilence = -603,           // a MIDI file with rests that no music has, which the user does not want
-    DamagedScore = -1000,         // a score with an invalid record
-    OldScore = -1001,             // a score of an older format, of which only the information is read
-    XmlNotWritten = -1400,        // an XML file that is made on the way
-    FormatRefused = -2147220992,  // a target format that the converter does not make
+    EncoderFailed = -403,          // it says so itself; what it wrote may be of no use
+    NotProven = -404,              // what was encoded does not come out of its file as it went in
+    CdDriveFailed = -500,          // a disc drive does not answer, or holds no disc that can be used
+    DamagedMidi = -601,            // a MIDI file that breaks off or contradicts itself
+    MidiDeviceFailed = -602,       // the MIDI output device cannot be opened
+    LongSilence = -603,            // a MIDI file with rests that no music has, which the user does not want
+    DamagedScore = -1000,          // a score with an invalid record
+    OldScore = -1001,              // a score of an older format, of which only the information is read
+    XmlNotWritten = -1400,         // an XML file as a whole, for example one that no reader would take
+    XmlInfoNotWritten = -1401,     // parts of it that its format cannot hold: what it says of the work,
+    XmlElementNotWritten = -1402,  // a note, a sign,
+    XmlLayoutNotWritten = -1403,   // a staff's layout or the page,
+    XmlSystemNotWritten = -1405,   // a system or its staves
+    XmlContradiction = -1408,      // a score whose parts do not fit one another
+    FormatRefused = -2147220992,   // a target format that the converter does not make
 };
 
 [[nodiscard]] constexpr std::int32_t Code(Outcome outcome) {
