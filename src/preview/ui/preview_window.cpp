@@ -157,7 +157,7 @@ void PreviewWindow::Take(Read read, const std::optional<SearchHit>& hit) {
   } else {
     stack_->setCurrentWidget(view_);
     view_->SetPages(pages_.get());
-    view_->ShowPage(hit ? pages_->PageOf(*hit) : 0);
+    hit ? view_->ShowSystem(pages_->PlaceOf(*hit)) : view_->ShowPage(0);
     view_->setFocus();
   }
   Refresh();
