@@ -66,6 +66,7 @@ TEST(PreviewWindowTest, TurnsPagesAndChangesTheSize) {
     return Outcome::Success;
   };
   ASSERT_GT(SearchScoreFile(path, anyNote, keep, {}).hits, 0U);
+  view.SetFit(PageView::Fit::Width);
   OpenAndWait(window, path, last);
   EXPECT_EQ(view.Page(), count - 1);
   const preview::SystemPlace place = window.Pages()->PlaceOf(last);

@@ -71,10 +71,11 @@ TEST_F(JobStory, ANewJobTakesTheConfigurationAndHasItsButton) {
   EXPECT_EQ(application_->GetJobs().Count(), 2U);
   // The menu of a button is about its job, whichever is on show.
   QTimer::singleShot(0, [] {
-    const auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     ASSERT_NE(menu, nullptr);
-    menu->actions().at(2)->trigger();
-    QApplication::activePopupWidget()->close();
+    QAction* const remove = menu->actions().at(2);
+    menu->setActiveAction(remove);
+    QTest::keyClick(menu, Qt::Key_Return);
   });
   script_.ExpectBox(QMessageBox::Yes);
   emit W().JobButtons().MenuWanted(1, W().mapToGlobal(QPoint(20, 20)));

@@ -40,9 +40,10 @@ QUrl PageUrl(const QString& page) {
 }
 
 // What the desktop adds around a window.
-constexpr int kTitleHeight = 32;
+constexpr int kTitleHeight = 34;
 constexpr int kEdge = 6;
 constexpr int kNarrow = 560;
+constexpr QSize kUsualSize{900, 640};
 
 QString PlainText(QString html) {
   html.remove(QRegularExpression(QStringLiteral("<[^>]*>")));
@@ -105,7 +106,7 @@ HelpWindow::HelpWindow(QWidget* parent)
   setWindowTitle(QtText(texts::HelpCaption));
   setWindowIcon(Icon("help"));
   setObjectName(QStringLiteral("helpWindow"));
-  resize(900, 640);
+  resize(kUsualSize.boundedTo(screen()->availableSize() - QSize(2 * kEdge, kTitleHeight + kEdge)));
 
   contents_->setAccessibleName(QtText(texts::HelpContentsName));
   contents_->setHeaderHidden(true);
