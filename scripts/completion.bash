@@ -32,7 +32,7 @@ _ts5_batch() {
     run) options="$options --set --dest --dest-dir --overwrite --list --dir --part --preview --attribute --melody --melody-name --keys --device --input --json --quiet" ;;
     job) options="$options --json --quiet" ;;
     resume) options="$options --list --discard --json --quiet" ;;
-    registry) options="$options --recursive --binary" ;;
+    registry) options="$options --recursive --binary --overwrite" ;;
   esac
   case "$word" in
     -*) COMPREPLY=($(compgen -W "$options" -- "$word")); return ;;

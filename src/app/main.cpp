@@ -76,7 +76,6 @@ int main(int argc, char** argv) {
   TurnWriteSignalsIntoErrors();
   QApplication qt(argc, argv);
   QApplication::setApplicationName("stavora-ts5");
-  QApplication::setApplicationDisplayName(QtText(texts::ApplicationTitle));
   QApplication::setDesktopFileName("stavora-ts5");
   InitializeResources();
   InstallToolkitTexts(qt);

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <utility>
 
-#include "batch/command_line.h"
 #include "batch/run_output.h"
 #include "batch/texts.h"
 #include "frame/run_time.h"
@@ -19,36 +18,7 @@ constexpr std::chrono::milliseconds kInterruptPoll{50};
 
 constexpr std::size_t kMostWaiting = 4096;  // actions
 
-// Texts of message boxes have line ends of their own; on the console one line is easier to read.
-std::string OnOneLine(std::string_view text) {
-  std::string line;
-  for (const std::string_view part : Split(text, '\n')) {
-    const std::string_view words = Trim(part);
-    if (!words.empty()) line += (line.empty() ? "" : " ") + std::string(words);
-  }
-  return line;
-}
-
 }  // namespace
-
-Answer AskOnConsole(Console& console, const QuestionText& question) {
-  const std::string text = OnOneLine(question.text);
-  const Answer no = question.buttons == QuestionButtons::OkCancel ? Answer::Cancelled : Answer::No;
-  if (!console.readLine) {
-    console.err << Format(Text(texts::BatchAnsweredNo), text) << '\n';
-    return no;
-  }
-  const bool presetYes = question.preset == Answer::Yes;
-  console.err << Format(Text(presetYes ? texts::BatchQuestionYesNoPreset : texts::BatchQuestionYesNo), text)
-              << std::flush;
-  const auto reply = console.readLine();
-  if (!reply) {
-    console.err << '\n';
-    return Answer::Cancelled;
-  }
-  const bool yes = Trim(*reply).empty() ? presetYes : MeansYes(*reply);
-  return yes ? Answer::Yes : no;
-}
 
 ConsoleHost::ConsoleHost(Console& console, OutputOptions options, SearchKind kind)
     : console_(console), options_(std::move(options)), line_(console, Talks()), kind_(kind) {}

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "batch/console.h"
+#include "batch/console_question.h"
 #include "batch/output_options.h"
 #include "batch/progress_line.h"
 #include "frame/job_dialogs.h"
@@ -21,10 +22,6 @@
 #include "search/search_results.h"
 
 namespace ts5::batch {
-
-// A question with its possible answers. Without somebody to answer it is No, and this is said. Cancelled when
-// the input ends or Ctrl+C is pressed.
-[[nodiscard]] Answer AskOnConsole(Console& console, const QuestionText& question);
 
 class ConsoleHost final : public RunHost {
  public:

@@ -4,6 +4,7 @@
 #include "batch/arguments.h"
 #include "batch/command_line.h"
 #include "batch/commands.h"
+#include "batch/console_question.h"
 #include "batch/store.h"
 #include "batch/texts.h"
 #include "platform/base/text.h"
@@ -188,18 +189,21 @@ int ImportCommand(CommandLine line, Console& console) {
 int ExportCommand(CommandLine line, Console& console) {
   std::string path;
   std::optional<std::string> keyText;
+  std::optional<std::string> overwrite;
   Arguments arguments("registry export", texts::BatchRegistryExportSummary,
                       texts::BatchRegistryExportExamples);
   arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
   arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
+  arguments.Option("--overwrite", "yes|number|ask", overwrite, texts::BatchHelpOverwriteFile);
   if (const auto status = arguments.Read(line, console)) return *status;
+  const auto policy = ParseOverwrite(overwrite.value_or("ask"));
+  if (!policy)
+    return WrongUsage(console, "registry export", Format(Text(texts::BatchOverwriteWrong), *overwrite));
   return WithKey(console, keyText.value_or(""), RegistryAccess::ReadOnly, true,
                  [&](const Registry& registry, const std::string& key) -> int {
                    const auto text = ExportRegText(registry, key);
                    if (!text) return StoreFailed(console, text.error());
-                   if (Succeeded(WriteFile(path, *text))) return kExitSuccess;
-                   PrintError(console, Format(Text(texts::BatchFileUnwritable), path));
-                   return kExitFailed;
+                   return WriteOnConsole(console, path, *text, *policy);
                  });
 }
 

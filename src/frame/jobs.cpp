@@ -129,7 +129,7 @@ void Jobs::CommitAtEnd(JobSaving policy, JobWindow& window) {
 }
 
 bool Jobs::MayCreate() const {
-  return active_ == 0 && default_.MayChange() && saved_.size() < kMaxJobs;
+  return default_.MayChange() && saved_.size() < kMaxJobs;
 }
 
 JobTitle Jobs::NewTitle() const {
@@ -138,7 +138,7 @@ JobTitle Jobs::NewTitle() const {
 }
 
 std::optional<std::size_t> Jobs::Create(const JobTitle& title) {
-  if (!MayCreate()) return std::nullopt;
+  if (active_ != 0 || !MayCreate()) return std::nullopt;
   const JobTitle standard = NewTitle();
   auto job = std::make_unique<Job>(default_);
   job->title = standard.title;

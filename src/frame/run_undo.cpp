@@ -85,12 +85,27 @@ Outcome CopyTo(const std::string& from, const std::string& to, const CancelCheck
   return copied;
 }
 
+std::vector<std::string> FoldersIn(const std::string& directory) {
+  std::error_code error;
+  std::vector<std::string> folders;
+  for (auto entry = fs::directory_iterator(directory, error); !error && entry != fs::directory_iterator();
+       entry.increment(error)) {
+    folders.push_back(entry->path().native());
+  }
+  return folders;
+}
+
+std::optional<UndoNotes> NotesIn(const std::string& folder) {
+  const auto content = ReadFile(JoinPath(folder, kNotes), kMostNotes);
+  return content ? ReadNotes(*content, folder) : std::nullopt;
+}
+
 }  // namespace
 
 // --- while the run goes on
 
 RunUndo::~RunUndo() {
-  if (folder_.empty() || cut_ || !RescueKept()) return;
+  if (folder_.empty() || cut_ || (owner_ && Any()) || !RescueKept()) return;
   (void)RemoveFile(JoinPath(folder_, kNotes));  // first: what has none is only cleared
   RemoveTreeInBackground(folder_);
 }
@@ -206,16 +221,24 @@ std::size_t RunUndo::NotKept() const {
   return static_cast<std::size_t>(std::ranges::count(items_, true, &UndoItem::notKept));
 }
 
-// So that nothing is lost when the undo is cut: what is kept is known from now on.
-bool RunUndo::NoteDown() const {
-  return folder_.empty() || uncertain_ || Succeeded(WriteFile(JoinPath(folder_, kNotes), NotesOf(items_)));
+bool RunUndo::NoteDown(const std::optional<UndoOwner>& owner) const {
+  return Succeeded(WriteFile(JoinPath(folder_, kNotes), NotesOf(items_, owner)));
+}
+
+bool RunUndo::KeepFor(const UndoOwner& owner) {
+  DropPending();
+  if (owner_ == owner || !Any()) return true;
+  if (cut_ || uncertain_ || !OpenFolder() || !NoteDown(owner)) return false;
+  owner_ = owner;
+  return true;
 }
 
 UndoReport RunUndo::Undo(const CancelCheck& cancelled) {
   DropPending();
   UndoReport report;
   if (!Any()) return report;
-  const bool noted = NoteDown();
+  // So that nothing is lost when it is cut: what is kept is known from now on.
+  const bool noted = folder_.empty() || uncertain_ || NoteDown({});
   cut_ = noted;
   for (auto item = items_.rbegin(); item != items_.rend(); ++item) {
     if (cancelled && cancelled()) return report;
@@ -227,6 +250,7 @@ UndoReport RunUndo::Undo(const CancelCheck& cancelled) {
     }
   }
   cut_ = false;
+  if (owner_ && Any() && !NoteDown(owner_)) owner_.reset();
   return report;
 }
 
@@ -303,32 +327,42 @@ std::string UndoDirectory() {
   return JoinPath(ProgramDirectory(), "ersetzt");
 }
 
-RunUndo::RunUndo(std::string folder, FileDescriptor lock, std::vector<UndoItem> items)
+RunUndo::RunUndo(std::string folder, FileDescriptor lock, UndoNotes notes)
     : most_(0),
       folder_(std::move(folder)),
       lock_(std::move(lock)),
-      items_(std::move(items)),
-      uncertain_(true) {}
-
-UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled) {
-  std::error_code error;
-  std::vector<std::string> abandoned;
-  for (auto entry = fs::directory_iterator(directory, error); !error && entry != fs::directory_iterator();
-       entry.increment(error)) {
-    abandoned.push_back(entry->path().native());
+      items_(std::move(notes.items)),
+      uncertain_(!notes.owner),
+      owner_(std::move(notes.owner)) {
+  for (const UndoItem& item : items_) {
+    if (const auto mark = item.kept.empty() ? std::nullopt : MarkOf(item.kept)) kept_ += mark->size;
   }
-  UndoReport report;
-  for (const std::string& folder : abandoned) {
+}
+
+std::vector<std::shared_ptr<RunUndo>> FindKeptUndo(const std::string& directory,
+                                                   const std::string& registry) {
+  std::vector<std::shared_ptr<RunUndo>> kept;
+  for (const std::string& folder : FoldersIn(directory)) {
     FileDescriptor lock = OpenDirectory(folder);
     if (!lock || !Lock(lock)) continue;
-    const std::string notes = JoinPath(folder, kNotes);
-    if (!FileExists(notes)) {
-      RemoveTree(folder);
-      continue;
-    }
-    const auto content = ReadFile(notes, kMostNotes);
-    auto items = content ? ReadNotes(*content, folder) : std::nullopt;
-    if (items) report.Add(RunUndo(folder, std::move(lock), *std::move(items)).Undo(cancelled));
+    auto notes = NotesIn(folder);
+    if (notes && notes->owner && notes->owner->registry == registry)
+      kept.push_back(std::shared_ptr<RunUndo>(new RunUndo(folder, std::move(lock), *std::move(notes))));
+  }
+  return kept;
+}
+
+UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled) {
+  UndoReport report;
+  for (const std::string& folder : FoldersIn(directory)) {
+    FileDescriptor lock = OpenDirectory(folder);
+    if (!lock || !Lock(lock)) continue;
+    auto notes = NotesIn(folder);
+    const bool begun = notes && !notes->owner;
+    const bool left =
+        notes ? notes->owner && !FileExists(notes->owner->registry) : !FileExists(JoinPath(folder, kNotes));
+    if (left) RemoveTree(folder);
+    if (begun) report.Add(RunUndo(folder, std::move(lock), *std::move(notes)).Undo(cancelled));
   }
   return report;
 }

@@ -7,14 +7,16 @@
 //   const UndoReport report = undo->Undo();
 //
 // Replaced files are kept, as a second name of the same file where the file system knows such, else as a
-// copy, in a folder of the run's own, which goes with the object: so there is a way back until the next run
-// of the job. A file that was changed after the run is not touched. Whatever was done is not done twice. An
-// undo that is cut, by the end of the program or by its death, is finished at the next start: its folder
-// stays, with notes of what it had set out to do. One thread at a time.
+// copy, in a folder of the run's own, which goes with the object, or stays for the next start of the program
+// when it was told to (KeepFor): so there is a way back until the next run of the job. A file that was
+// changed after the run is not touched. Whatever was done is not done twice. An undo that is cut, by the end
+// of the program or by its death, is finished at the next start: its folder stays, with notes of what it had
+// set out to do. One thread at a time.
 #pragma once
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,6 +60,12 @@ class RunUndo {
   // It has changed one that it had made.
   void Changed(const std::string& target);
 
+  // The folder stays when the object goes, and FindKeptUndo finds it. False when that cannot be noted.
+  bool KeepFor(const UndoOwner& owner);
+  // It goes with the object after all, as the job has run again.
+  void Forget() { owner_.reset(); }
+  [[nodiscard]] const std::optional<UndoOwner>& Owner() const { return owner_; }
+
   // There is something to undo.
   [[nodiscard]] bool Any() const;
   [[nodiscard]] std::uint64_t Kept() const { return kept_; }  // bytes
@@ -67,15 +75,17 @@ class RunUndo {
   [[nodiscard]] UndoReport Undo(const CancelCheck& cancelled = {});
 
  private:
-  // One that was cut; folder is locked.
-  RunUndo(std::string folder, FileDescriptor lock, std::vector<UndoItem> items);
+  // One that was cut or kept; folder is locked.
+  RunUndo(std::string folder, FileDescriptor lock, UndoNotes notes);
   friend UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled);
+  friend std::vector<std::shared_ptr<RunUndo>> FindKeptUndo(const std::string& directory,
+                                                            const std::string& registry);
 
   [[nodiscard]] bool OpenFolder();
   [[nodiscard]] Outcome KeepAs(const std::string& path, const std::string& kept, std::uint64_t size,
                                const CancelCheck& cancelled);
   void DropPending();
-  [[nodiscard]] bool NoteDown() const;
+  [[nodiscard]] bool NoteDown(const std::optional<UndoOwner>& owner) const;
   void TakeBack(UndoItem& item, UndoReport& report);
   void BringBack(UndoItem& item, UndoReport& report);
   [[nodiscard]] bool RescueKept() const;
@@ -92,11 +102,16 @@ class RunUndo {
   std::map<std::string, std::size_t, std::less<>> places_;  // of paths in items_
   bool cut_ = false;                                        // an undo has begun and not come to its end
   bool uncertain_ = false;                                  // how far it came is not known
+  std::optional<UndoOwner> owner_;                          // for whom the folder stays
 };
 
 // Where the runs of the program keep what they replace.
 [[nodiscard]] std::string UndoDirectory();
-// Finishes what killed programs had begun to undo there, and removes what else they left.
+// What sessions on a registry have kept there, for as long as the objects live no other program's.
+[[nodiscard]] std::vector<std::shared_ptr<RunUndo>> FindKeptUndo(const std::string& directory,
+                                                                 const std::string& registry);
+// Finishes what killed programs had begun to undo there, and removes what else they left, or kept for a
+// registry that is gone.
 UndoReport FinishAbandonedUndo(const std::string& directory, const CancelCheck& cancelled = {});
 
 // What was done, and what not and why, in German.

@@ -49,8 +49,10 @@ struct Settings {
   std::string fileSorting;
   std::int32_t listeningVolume = 0;  // of the player under the list, hundredths of a decibel
   bool showAllFilters = false;       // the filter bar shows what does not fit the selection, too
+  std::string driveDirectories;      // shown last, of each drive: frame/drive_directories
 
   // General
+  bool askBeforeEnd = true;  // also when no job runs
   JobSaving jobSaving = JobSaving::Automatic;
   OldSearchResults oldSearchResults = OldSearchResults::Delete;
   bool searchWholePath = false;                         // result lists show full path names

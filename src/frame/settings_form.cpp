@@ -17,6 +17,7 @@ bool IsUsableDirectory(const std::string& path) {
 
 SettingsForm FormOf(const Settings& settings) {
   return {settings.jobSaving,
+          settings.askBeforeEnd,
           settings.oldSearchResults,
           settings.searchWholePath,
           settings.pendingSkinLayout,
@@ -42,6 +43,7 @@ ConversionPageEnabling EnablingOf(const SettingsForm& form) {
 SettingsCheck ValidateSettings(const Settings& current, const SettingsForm& form) {
   Settings next = current;
   next.jobSaving = form.jobSaving;
+  next.askBeforeEnd = form.askBeforeEnd;
   next.oldSearchResults = form.oldSearchResults;
   next.searchWholePath = form.searchWholePath;
   next.pendingSkinLayout = form.skinLayout;

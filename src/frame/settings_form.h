@@ -13,6 +13,7 @@ namespace ts5 {
 // What the controls of both pages hold.
 struct SettingsForm {
   JobSaving jobSaving = JobSaving::Automatic;
+  bool askBeforeEnd = true;
   OldSearchResults oldSearchResults = OldSearchResults::Delete;
   bool searchWholePath = false;
   SkinLayout skinLayout = SkinLayout::Stavora5;

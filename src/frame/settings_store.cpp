@@ -137,6 +137,8 @@ const std::vector<SettingRow>& Rows() {
       FreeText("FileListSorting", &Settings::fileSorting),
       Number("ListeningVolume", &Settings::listeningVolume, -10'000, 0),
       Flag("ShowAllFilters", &Settings::showAllFilters),
+      FreeText("DriveDirectories", &Settings::driveDirectories),
+      Flag("AskBeforeEnd", &Settings::askBeforeEnd),
       Number("Job Saving", &Settings::jobSaving, 0, 2),
       Number("MelSearchResults", &Settings::oldSearchResults, 0, 2),
       Flag("MelSearchWholePath", &Settings::searchWholePath),

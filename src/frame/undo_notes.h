@@ -1,9 +1,12 @@
-// What an undo sets out to do, noted in its folder before it moves anything: so the program goes on with one
-// that was cut when it starts the next time.
+// What can be undone of a run, noted in its folder: while nobody has begun to, with the job that the run was
+// of, so that the program still can after its next start; and before an undo moves anything, so that the
+// program goes on with one that was cut.
 //
-//   magic, number of items (4 bytes), then of each: flags (1 byte), path, name of the kept file, mark
+//   magic, of a run that is kept: its job (registry, number of 4 bytes, title)
+//   number of items (4 bytes), then of each: flags (1 byte), path, name of the kept file, mark
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -25,10 +28,22 @@ struct UndoItem {
   bool done = false;
 };
 
+// The job that a run was of, as it is found again in another session.
+struct UndoOwner {
+  std::string registry;
+  std::uint32_t number = 0;  // among all jobs; 0: the default job
+  std::string title;
+  bool operator==(const UndoOwner&) const = default;
+};
+
+struct UndoNotes {
+  std::optional<UndoOwner> owner = {};  // of a run that is kept; without: its undo has begun
+  std::vector<UndoItem> items = {};
+};
+
 // Of all that is not done.
-[[nodiscard]] Bytes NotesOf(std::span<const UndoItem> items);
-// The items of such notes, with kept files in that folder. Nothing when they are not whole, or name other
-// places.
-[[nodiscard]] std::optional<std::vector<UndoItem>> ReadNotes(ByteView notes, const std::string& folder);
+[[nodiscard]] Bytes NotesOf(std::span<const UndoItem> items, const std::optional<UndoOwner>& owner);
+// Such notes, with kept files in that folder. Nothing when they are not whole, or name other places.
+[[nodiscard]] std::optional<UndoNotes> ReadNotes(ByteView notes, const std::string& folder);
 
 }  // namespace ts5

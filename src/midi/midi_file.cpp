@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/files/files.h"
-
 namespace ts5 {
 
 MidiFileInfo DetectMidiKind(ByteView beginning) {
@@ -37,9 +35,15 @@ MidiFileInfo DetectMidiKind(ByteView beginning) {
 }
 
 Result<MidiFileInfo> ReadMidiFileHeader(const std::string& path) {
-  const auto beginning = ReadFileStart(path, kMidiDetectionSize);
-  if (!beginning) return Failure(Outcome::SourceFailed);
-  const MidiFileInfo info = DetectMidiKind(*beginning);
+  const auto file = InputFile::Open(path);
+  return file ? ReadMidiFileHeader(*file) : Failure(Outcome::SourceFailed);
+}
+
+Result<MidiFileInfo> ReadMidiFileHeader(const InputFile& file) {
+  std::array<std::uint8_t, kMidiDetectionSize> beginning{};
+  const auto got = file.ReadAt(0, beginning);
+  if (!got) return Failure(Outcome::SourceFailed);
+  const MidiFileInfo info = DetectMidiKind(ByteView(beginning).first(*got));
   if (info.kind == MidiFileKind::None) return Failure(Outcome::WrongFormat);
   return info;
 }

@@ -17,6 +17,7 @@
 
 #include "platform/base/bytes.h"
 #include "platform/base/outcome.h"
+#include "platform/files/input_file.h"
 
 namespace ts5 {
 
@@ -64,6 +65,8 @@ struct MidiFileInfo {
 
 // SourceFailed: the file cannot be opened. WrongFormat: it is no MIDI file.
 [[nodiscard]] Result<MidiFileInfo> ReadMidiFileHeader(const std::string& path);
+// Of a file that is open already. SourceFailed: it cannot be read.
+[[nodiscard]] Result<MidiFileInfo> ReadMidiFileHeader(const InputFile& file);
 
 // How the bytes of a MIDI file are wrapped, from their first four; Smf for everything unknown.
 [[nodiscard]] MidiContainer ContainerOf(ByteView file);

@@ -239,7 +239,9 @@ std::vector<PropertyRow> RiffAttributeRows(std::span<const RiffInfoEntry> entrie
 }
 
 Result<MidiProperties> ReadMidiProperties(const std::string& path) {
-  const auto info = ReadMidiFileHeader(path);
+  const auto input = InputFile::Open(path);
+  if (!input) return Failure(Outcome::SourceFailed);
+  const auto info = ReadMidiFileHeader(*input);
   if (!info) return Failure(info.error());
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
@@ -247,11 +249,12 @@ Result<MidiProperties> ReadMidiProperties(const std::string& path) {
   MidiProperties properties;
   properties.title = Format(Text(texts::PropertiesTitle), FileNameOf(path));
   properties.rows = MidiPropertyRows(*info, *written);
-  if (auto summary = SummariseMidiFile(path)) {
+  if (auto summary = SummariseMidiFile(*input)) {
     properties.summary = *std::move(summary);
     const auto rows = MidiSummaryRows(properties.summary);
     properties.rows.insert(properties.rows.end(), rows.begin(), rows.end());
   }
+  if (info->kind != MidiFileKind::Riff) return properties;
   if (const auto entries = ReadRiffInfo(path)) {
     properties.isRiff = true;
     properties.attributes = RiffAttributeRows(*entries);

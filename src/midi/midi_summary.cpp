@@ -10,8 +10,6 @@
 #include "midi/midi_events.h"
 #include "midi/riff_info.h"
 #include "platform/base/text.h"
-#include "platform/files/files.h"
-#include "platform/files/input_file.h"
 
 namespace ts5 {
 namespace {
@@ -298,17 +296,20 @@ Result<MidiSummary> SummariseMidi(ByteView file, const CancelCheck& cancelled) {
 }
 
 Result<MidiSummary> SummariseMidiFile(const std::string& path, const CancelCheck& cancelled) {
+  const auto file = InputFile::Open(path);
+  return file ? SummariseMidiFile(*file, cancelled) : Failure(file.error());
+}
+
+Result<MidiSummary> SummariseMidiFile(const InputFile& input, const CancelCheck& cancelled) {
   try {
-    const auto start = ReadMidiFileHeader(path);
+    const auto start = ReadMidiFileHeader(input);
     if (!start) return Failure(start.error());
-    const auto input = InputFile::Open(path);
-    if (!input) return Failure(input.error());
-    if (input->Size() > kMaxSummaryFile) {
+    if (input.Size() > kMaxSummaryFile) {
       MidiSummary summary;
       summary.tooLarge = true;
       return summary;
     }
-    const auto file = ReadFile(path, kMaxSummaryFile);
+    const auto file = input.ReadAll(kMaxSummaryFile, cancelled);
     if (!file) return Failure(file.error());
     return SummariseMidi(*file, cancelled);
   } catch (const std::bad_alloc&) {

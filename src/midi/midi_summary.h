@@ -69,6 +69,8 @@ struct MidiSummary {
 // From the image of a file in any container. WrongFormat: no MIDI file. Cancelled.
 [[nodiscard]] Result<MidiSummary> SummariseMidi(ByteView file, const CancelCheck& cancelled = {});
 // Also SourceFailed, ReadFailed and OutOfMemory.
+[[nodiscard]] Result<MidiSummary> SummariseMidiFile(const InputFile& input,
+                                                    const CancelCheck& cancelled = {});
 [[nodiscard]] Result<MidiSummary> SummariseMidiFile(const std::string& path,
                                                     const CancelCheck& cancelled = {});
 

@@ -69,6 +69,12 @@ struct ScorePages::Inside {
   };
   [[nodiscard]] std::vector<PartPlace> PlacesOfParts(const System& system, double y) const;
   [[nodiscard]] bool BreaksBefore(std::size_t bar, std::size_t first) const;
+  // Where the systems of a page begin, and how much lies between them.
+  struct Layout {
+    std::vector<double> tops;
+    double gap = 0;
+  };
+  [[nodiscard]] Layout LayOut(std::size_t page) const;
   void DrawSystem(Sketch& page, const System& system, double y, bool named) const;
   void DrawBarLines(Sketch& page, const System& system, double y) const;
   void DrawParts(Sketch& page, const System& system, double y, bool named) const;
@@ -309,35 +315,40 @@ PageSize ScorePages::Size() const {
   return inside_->size;
 }
 
+ScorePages::Inside::Layout ScorePages::Inside::LayOut(std::size_t index) const {
+  const PageRows& own = pages[index];
+  const ScorePageLayout& given = engraving.document.page;
+  double y = margin + (index == 0 ? kHead : 0) + (given.given ? given.beforeFirst : 0);
+  double filled = 0;
+  for (std::size_t row = own.first; row < own.last; ++row) filled += rows[row].height;
+  const auto gaps = static_cast<double>(own.last - own.first - 1);
+  Layout layout{.tops = {}, .gap = kSystemGap + (given.given ? given.betweenSystems : 0)};
+  // Systems are spread over the page, where the score wants it and there is something to spread.
+  const bool lastPage = index + 1 == pages.size();
+  const int justify = given.given ? given.justify : 1;
+  const double left = size.height - margin - y - filled;
+  if (gaps > 0 && (justify == 2 || (justify == 1 && !lastPage)))
+    layout.gap = std::max(layout.gap, left / gaps);
+  for (std::size_t row = own.first; row < own.last; ++row) {
+    layout.tops.push_back(y);
+    y += rows[row].height + layout.gap;
+  }
+  return layout;
+}
+
 Sketch ScorePages::Draw(std::size_t index) const {
   const Inside& in = *inside_;
   const PageRows& rows = in.pages[index];
-  const ScorePageLayout& layout = in.engraving.document.page;
+  const bool slashes = in.engraving.document.page.given && in.engraving.document.page.slashes;
   Sketch page;
-  double y = in.margin;
-  if (index == 0) {
-    in.DrawHead(page);
-    y += kHead;
-  }
-  if (layout.given) y += layout.beforeFirst;
-  double filled = 0;
-  for (std::size_t row = rows.first; row < rows.last; ++row) filled += in.rows[row].height;
-  const auto gaps = static_cast<double>(rows.last - rows.first - 1);
-  double gap = kSystemGap + (layout.given ? layout.betweenSystems : 0);
-  // Systems are spread over the page, where the score wants it and there is something to spread.
-  const bool lastPage = index + 1 == in.pages.size();
-  const int justify = layout.given ? layout.justify : 1;
-  const double left = in.size.height - in.margin - y - filled;
-  if (gaps > 0 && (justify == 2 || (justify == 1 && !lastPage))) gap = std::max(gap, left / gaps);
+  if (index == 0) in.DrawHead(page);
+  const Inside::Layout layout = in.LayOut(index);
   for (std::size_t row = rows.first; row < rows.last; ++row) {
-    const System system = in.Build(row);
-    in.DrawSystem(page, system, y, row == 0);
-    y += system.height + gap;
-    if (layout.given && layout.slashes && row + 1 < rows.last) {
-      for (const double shift : {0.0, 1.2})
-        page.lines.push_back(
-            {in.margin + shift, y - gap / 2 + 1, in.margin + 3 + shift, y - gap / 2 - 1, 0.6});
-    }
+    in.DrawSystem(page, in.Build(row), layout.tops[row - rows.first], row == 0);
+    if (!slashes || row + 1 == rows.last) continue;
+    const double y = layout.tops[row + 1 - rows.first] - layout.gap / 2;
+    for (const double shift : {0.0, 1.2})
+      page.lines.push_back({in.margin + shift, y + 1, in.margin + 3 + shift, y - 1, 0.6});
   }
   if (in.pages.size() > 1)
     page.texts.push_back({in.size.width / 2, in.size.height - in.margin / 2, std::to_string(index + 1), 1.8,
@@ -345,16 +356,21 @@ Sketch ScorePages::Draw(std::size_t index) const {
   return page;
 }
 
-std::size_t ScorePages::PageOf(std::size_t bar) const {
+SystemPlace ScorePages::PlaceOf(std::size_t bar) const {
   const auto& in = *inside_;
   for (std::size_t page = 0; page < in.pages.size(); ++page) {
-    if (in.rows[in.pages[page].last - 1].last > bar) return page;
+    const PageRows& own = in.pages[page];
+    for (std::size_t row = own.first; row < own.last; ++row) {
+      if (in.rows[row].last <= bar && row + 1 < in.rows.size()) continue;
+      const double top = in.LayOut(page).tops[row - own.first];
+      return {page, top, top + in.rows[row].height};
+    }
   }
-  return in.pages.empty() ? 0 : in.pages.size() - 1;
+  return {};
 }
 
-std::size_t ScorePages::PageOf(const SearchHit& hit) const {
-  return PageOf(BarOfHit(inside_->engraving.music, hit).value_or(0));
+SystemPlace ScorePages::PlaceOf(const SearchHit& hit) const {
+  return PlaceOf(BarOfHit(inside_->engraving.music, hit).value_or(0));
 }
 
 std::pair<std::string, std::string> ScorePages::Bars(std::size_t page) const {

@@ -22,6 +22,13 @@ struct PageSize {
   double height = 170;
 };
 
+// Where a system stands: its page, and its edges from the top of the page in staff spaces.
+struct SystemPlace {
+  std::size_t page = 0;
+  double top = 0;
+  double bottom = 0;
+};
+
 class ScorePages {
  public:
   // One that was cancelled has no pages.
@@ -33,10 +40,10 @@ class ScorePages {
   [[nodiscard]] std::size_t Count() const;
   [[nodiscard]] PageSize Size() const;
   [[nodiscard]] Sketch Draw(std::size_t page) const;
-  // The page with a bar, by its index in the score.
-  [[nodiscard]] std::size_t PageOf(std::size_t bar) const;
-  // The page on which a hit of the search begins; the first one where the score does not have it any more.
-  [[nodiscard]] std::size_t PageOf(const SearchHit& hit) const;
+  // The system with a bar, by its index in the score.
+  [[nodiscard]] SystemPlace PlaceOf(std::size_t bar) const;
+  // The one in which a hit of the search begins; the first one where the score does not have it any more.
+  [[nodiscard]] SystemPlace PlaceOf(const SearchHit& hit) const;
   // Printed numbers of the first and last bar of a page.
   [[nodiscard]] std::pair<std::string, std::string> Bars(std::size_t page) const;
 

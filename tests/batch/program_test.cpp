@@ -700,6 +700,10 @@ TEST_F(ProgramTest, RegistryValuesComeBackAsTheyWent) {
 
   const std::string file = folder_.File("sicherung.reg");
   EXPECT_EQ(Run({"registry", "export", file}), kExitSuccess) << Err();
+  EXPECT_EQ(Run({"registry", "export", file}), kExitFailed) << "there is one, and nobody to ask";
+  EXPECT_EQ(Run({"registry", "export", file, "Suchmelodien", "--overwrite", "number"}), kExitSuccess);
+  EXPECT_EQ(Out(), folder_.File("sicherung001.reg") + "\n");
+  EXPECT_EQ(Run({"registry", "export", file, "--overwrite", "yes"}), kExitSuccess);
   EXPECT_EQ(Run({"registry", "list", "--recursive"}), kExitSuccess);
   const std::string before = Out();
   EXPECT_THAT(before, HasSubstr("Title = \"Chor\""));

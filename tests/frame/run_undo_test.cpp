@@ -269,6 +269,35 @@ TEST_F(Undoing, TheEndOfTheProgramIsNoEndOfAnUndo) {
   EXPECT_TRUE(BecomesEmpty(place_.File("kept")));
 }
 
+TEST_F(Undoing, IsThereAfterTheNextStart) {
+  const UndoOwner owner{place_.Write("registry", ""), 2, "Chor"};
+  const std::string kept = place_.File("kept");
+  for (const bool again : {true, false}) {
+    WriteOld();
+    (void)Go();
+    EXPECT_TRUE(undo_->KeepFor(owner));
+    EXPECT_THAT(FindKeptUndo(kept, owner.registry), IsEmpty()) << "while its program lives";
+    undo_.reset();
+    EXPECT_TRUE(FinishAbandonedUndo(kept).Empty());
+    EXPECT_THAT(FindKeptUndo(kept, "/another"), IsEmpty());
+    auto found = FindKeptUndo(kept, owner.registry);
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_EQ(found[0]->Owner(), owner);
+    EXPECT_EQ(found[0]->Kept(), 5U);
+    // Another run of the job is the end of it.
+    again ? (void)found[0]->Undo() : found[0]->Forget();
+    EXPECT_EQ(Content(place_.File("m/b.out")), again ? "old b" : "ok b copied");
+    found.clear();
+    EXPECT_TRUE(BecomesEmpty(kept));
+  }
+  (void)Go();
+  EXPECT_TRUE(undo_->KeepFor(owner));
+  undo_.reset();
+  std::filesystem::remove(owner.registry);
+  EXPECT_TRUE(FinishAbandonedUndo(kept).Empty());
+  EXPECT_TRUE(BecomesEmpty(kept)) << "nobody will ask for it";
+}
+
 // What could neither be brought back nor put into the wastebasket is kept for another try.
 TEST_F(Undoing, WithoutAnyPlaceItStays) {
   struct NoWayBack : DiskCalls {
@@ -293,12 +322,18 @@ TEST_F(Undoing, WithoutAnyPlaceItStays) {
 TEST_F(Undoing, NotesFromOutsideMoveNothing) {
   const std::string kept = place_.Write("kept/1-0/1", "the user's");
   UndoItem item{.path = place_.File("m/x"), .made = {}, .kept = kept};
-  const Bytes notes = NotesOf(std::span(&item, 1));
-  ASSERT_TRUE(ReadNotes(notes, place_.File("kept/1-0")));
-  for (std::size_t size = 0; size < notes.size(); ++size)
-    EXPECT_FALSE(ReadNotes(ByteView(notes).first(size), "/f")) << size;
-  item.path = "x";
-  EXPECT_FALSE(ReadNotes(NotesOf(std::span(&item, 1)), "/f"));
+  const std::optional<UndoOwner> owners[] = {{}, UndoOwner{"/r", 2, "Chor"}};
+  for (const auto& owner : owners) {
+    item.path = place_.File("m/x");
+    const Bytes notes = NotesOf(std::span(&item, 1), owner);
+    const auto read = ReadNotes(notes, place_.File("kept/1-0"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->owner, owner);
+    for (std::size_t size = 0; size < notes.size(); ++size)
+      EXPECT_FALSE(ReadNotes(ByteView(notes).first(size), "/f")) << size;
+    item.path = "x";
+    EXPECT_FALSE(ReadNotes(NotesOf(std::span(&item, 1), owner), "/f"));
+  }
   place_.Write("kept/1-0/notes", "nonsense");
   EXPECT_TRUE(FinishAbandonedUndo(place_.File("kept")).Empty());
   EXPECT_EQ(Content(kept), "the user's") << "nobody knows whose it is";

@@ -86,6 +86,8 @@ TEST(SettingsStore, EverySettingSurvivesTheRegistry) {
                     .mainWindowMaximised = false,
                     .fileColumns = "Date Length",
                     .fileSorting = "-Date",
+                    .driveDirectories = "/m|/",
+                    .askBeforeEnd = false,
                     .jobSaving = JobSaving::Ask,
                     .oldSearchResults = OldSearchResults::Extend,
                     .searchWholePath = true,

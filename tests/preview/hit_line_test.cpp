@@ -104,7 +104,7 @@ TEST(HitLine, TheBarOfAHitIsThePrintedOneWithAndWithoutAnUpbeat) {
         ASSERT_TRUE(bar);
         EXPECT_EQ(music.bars[*bar].number, std::to_string(i + 1));
         EXPECT_EQ(HitColumns(SearchKind::Score, hits[i], false)[2], std::to_string(i + 1));
-        const auto [first, last] = pages.Bars(pages.PageOf(hits[i]));
+        const auto [first, last] = pages.Bars(pages.PlaceOf(hits[i]).page);
         EXPECT_LE(std::stoul(first), i + 1);
         EXPECT_GE(std::stoul(last), i + 1);
       }

@@ -157,8 +157,8 @@ TEST(Preview, EveryPageOfRealFilesStaysOnItsPaper) {
     }
     // What crosses a bar line is drawn more than once.
     EXPECT_GE(heads, notes) << name;
-    EXPECT_EQ(pages.PageOf(0), 0U);
-    EXPECT_EQ(pages.PageOf(SIZE_MAX), pages.Count() - 1);
+    EXPECT_EQ(pages.PlaceOf(0).page, 0U);
+    EXPECT_EQ(pages.PlaceOf(SIZE_MAX).page, pages.Count() - 1);
   }
 }
 

@@ -20,12 +20,15 @@
 #include "audio/interfaces/ui/interface_editor.h"
 #include "audio/interfaces/ui/interface_manager.h"
 #include "audio/texts.h"
+#include "audio/ui/attributes_dialog.h"
 #include "audio/ui/audio_properties_dialog.h"
 #include "audio/ui/midi_to_wave_dialog.h"
 #include "audio/ui/mixer_help_dialog.h"
 #include "audio/ui/synthesis_format_dialog.h"
 #include "audio/ui/wave_convert_dialog.h"
 #include "audio/ui/wave_format_dialog.h"
+#include "converters/ui/xml_converter_dialog.h"
+#include "converters/ui/xml_properties_dialog.h"
 #include "dialogs_support.h"
 #include "frame/texts.h"
 #include "frame/ui/job_dialog.h"
@@ -34,9 +37,11 @@
 #include "frame/ui/results_dialog.h"
 #include "frame/ui/settings_dialog.h"
 #include "midi/ui/midi_convert_dialog.h"
+#include "midi/ui/midi_files_dialog.h"
 #include "midi/ui/midi_properties_dialog.h"
 #include "midi/ui/riff_attributes_dialog.h"
 #include "platform/base/strings.h"
+#include "preview/ui/preview_window.h"
 
 namespace ts5 {
 namespace {
@@ -314,6 +319,34 @@ const std::vector<WindowSample>& WindowSamples() {
       {"FILEPROPS-wave",
        [](DialogHost& host) -> std::unique_ptr<QWidget> {
          return AudioPropertiesDialog(SampleAudio(), std::string(), host, nullptr);
+       }},
+      {"AUDIOPROPS-job",
+       [](DialogHost& host) {
+         const Attributes attributes{{AttributeType::String, "Title", "Abendlied", false, true},
+                                     {AttributeType::String, "Author", "Josef Rheinberger", false, true}};
+         return std::make_unique<AttributesDialog>(attributes, host, nullptr);
+       }},
+      {"FILEPROPS-vergleich",
+       [](DialogHost& host) -> std::unique_ptr<QWidget> {
+         return MidiFilesDialog({"/home/clara/Musik/Abendlied.mid", "/home/clara/Musik/Kanon.mid"}, host,
+                                nullptr);
+       }},
+      {"XMLCONVPARAMS",
+       [](DialogHost& host) {
+         return std::make_unique<XmlConverterDialog>(XmlConverterParameters{}, host, nullptr);
+       }},
+      {"XMLPROPS",
+       [](DialogHost& host) {
+         const ScoreProperties properties{
+             "Eigenschaften von \"Abendlied.musicxml\"",
+             {{"Titel", "Abendlied"}, {"Autor", "Josef Rheinberger"}, {"Notenzeilen", "6"}}};
+         return std::make_unique<XmlPropertiesDialog>(properties, host, nullptr);
+       }},
+      {"Notenbild",
+       [](DialogHost& host) {
+         auto window = std::make_unique<preview::PreviewWindow>(host);
+         window->Open("/home/clara/Musik/Abendlied.musicxml");
+         return window;
        }},
       {"ABOUT", [](DialogHost&) { return std::make_unique<AboutDialog>(nullptr); }},
       {"TITELBILD",

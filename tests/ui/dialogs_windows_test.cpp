@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QTest>
@@ -24,6 +25,7 @@
 #include "frame/ui/qt_text.h"
 #include "resources/icons.h"
 #include "support/accessible.h"
+#include "support/window_places.h"
 
 namespace ts5 {
 namespace {
@@ -46,17 +48,33 @@ TEST_P(WindowTest, EveryControlHasANameAndCanBeReached) {
   EXPECT_THAT(UnreachableControls(*window), IsEmpty());
 }
 
-TEST_P(WindowTest, TextsFitAndSmallScreensHoldIt) {
+// Whatever the screen of this run is; TS5_WHOLE_MATRIX adds the dark ones, which differ in colours only.
+TEST_P(WindowTest, TextsHaveTheirPlacesInEveryLookAndSize) {
+  const std::vector<bool> grounds =
+      qEnvironmentVariableIsSet("TS5_WHOLE_MATRIX") ? std::vector{false, true} : std::vector{false};
   for (const SkinLayout layout : kLayouts) {
-    SCOPED_TRACE(static_cast<int>(layout));
-    ApplyAppearance(*qApp, layout, false);
-    RecordingHost host;
-    const auto window = Sample().make(host);
-    window->show();
-    QTest::qWait(1);
-    EXPECT_THAT(ClippedTexts(*window), IsEmpty());
-    EXPECT_LE(window->width(), 1024);
-    EXPECT_LE(window->height(), 700);
+    for (const bool dark : grounds) {
+      ApplyAppearance(*qApp, layout, dark);
+      RecordingHost host;
+      const auto window = Sample().make(host);
+      window->show();
+      const QSize room = window->screen()->availableSize() - QSize(8, 40);  // with a frame around it
+      const auto measure = [&](const char* when) {
+        SCOPED_TRACE(testing::Message() << static_cast<int>(layout) << dark << when << window->width() << "x"
+                                        << window->height());
+        QTest::qWait(1);
+        EXPECT_EQ(ClippedTexts(*window).join(", ").toStdString(), "");
+        EXPECT_EQ(MisplacedTexts(*window).join(", ").toStdString(), "");
+        EXPECT_EQ(CutTitles(*window).join(", ").toStdString(), "");
+        EXPECT_LE(window->width(), room.width());
+        EXPECT_LE(window->height(), room.height());
+      };
+      measure(" shown ");
+      window->resize(window->minimumSizeHint().expandedTo(window->minimumSize()));
+      measure(" smallest ");
+      window->resize(room);
+      measure(" largest ");
+    }
   }
 }
 
@@ -267,6 +285,29 @@ TEST(HelpTest, TopicsAreFoundWithoutRegardToCase) {
   EXPECT_EQ(HelpPage("befehle-aktion-Ausführen-Ergebnisse.htm"), "Befehle-aktion-ausführen-ergebnisse.htm");
   EXPECT_EQ(HelpPage(""), "inhalt.htm");
   EXPECT_EQ(HelpPage("gibtesnicht.htm"), "inhalt.htm");
+}
+
+TEST(HelpTest, StandsBesideADialogThatWaits) {
+  const QRect screen(0, 0, 960, 540);
+  for (const QRect dialog : {QRect(20, 40, 500, 400), QRect(420, 40, 500, 400), QRect(199, 10, 545, 500),
+                             QRect(60, 10, 840, 520)}) {
+    const HelpPlace place = PlaceBeside(dialog, screen, QSize(900, 640));
+    EXPECT_TRUE(screen.contains(place.help)) << dialog.left();
+    EXPECT_EQ(place.help.intersects(QRect(place.dialog, dialog.size())), dialog.width() > 800);
+  }
+  QWidget owner;
+  owner.show();
+  HelpWindow help;
+  QMessageBox box(&owner);
+  QTimer::singleShot(50, &box, [&] {
+    help.OpenTopic("quellmedium.htm");
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&help));
+    auto* const field = help.findChild<QLineEdit*>();
+    QTest::mouseClick(help.windowHandle(), Qt::LeftButton, {}, field->mapTo(&help, QPoint(5, 5)));
+    EXPECT_EQ(QApplication::focusWidget(), field);
+    box.accept();
+  });
+  box.exec();
 }
 
 TEST(HelpTest, OpensGoesBackAndFinds) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -65,8 +66,14 @@ TEST(PreviewWindowTest, TurnsPagesAndChangesTheSize) {
     return Outcome::Success;
   };
   ASSERT_GT(SearchScoreFile(path, anyNote, keep, {}).hits, 0U);
+  view.SetFit(PageView::Fit::Width);
   OpenAndWait(window, path, last);
   EXPECT_EQ(view.Page(), count - 1);
+  const preview::SystemPlace place = window.Pages()->PlaceOf(last);
+  const double seen = view.verticalScrollBar()->value() + view.viewport()->height();
+  EXPECT_GT(view.verticalScrollBar()->value(), 0) << "the last line is further down";
+  EXPECT_LE(place.bottom * view.Scale(), seen);
+  EXPECT_GE(place.bottom * view.Scale(), view.verticalScrollBar()->value());
 }
 
 TEST(PreviewWindowTest, TellsWhatCannotBeShown) {

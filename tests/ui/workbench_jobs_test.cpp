@@ -56,7 +56,34 @@ TEST_F(JobStory, ANewJobTakesTheConfigurationAndHasItsButton) {
   W().JobButtons().JobButton(1)->click();
   EXPECT_EQ(ActiveJob().filter, FilterId::MidiConverter);
   EXPECT_EQ(ActiveJob().files.Size(), 1U);
-  EXPECT_FALSE(W().JobButtons().NewJobButton()->isEnabled()) << "only from the default job";
+  // Another one is made of the default job, which is shown for it; a dialog that is left changes nothing.
+  for (const bool accepted : {false, true}) {
+    script_.Expect([&](QDialog& dialog) {
+      EXPECT_EQ(application_->GetJobs().ActiveNumber(), 0U);
+      accepted ? dialog.accept() : dialog.reject();
+    });
+    W().JobButtons().NewJobButton()->click();
+    EXPECT_EQ(application_->GetJobs().ActiveNumber(), accepted ? 0U : 1U);
+  }
+  EXPECT_EQ(application_->GetJobs().Count(), 2U);
+  // The menu of a button is about its job, whichever is on show.
+  QTimer::singleShot(0, [] {
+    auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_NE(menu, nullptr);
+    QAction* const remove = menu->actions().at(2);
+    menu->setActiveAction(remove);
+    QTest::keyClick(menu, Qt::Key_Return);
+  });
+  script_.ExpectBox(QMessageBox::Yes);
+  emit W().JobButtons().MenuWanted(1, W().mapToGlobal(QPoint(20, 20)));
+  EXPECT_TRUE(script_.LastText().contains("Erster"));
+  ASSERT_EQ(application_->GetJobs().Count(), 1U);
+  EXPECT_EQ(W().JobButtons().JobButton(1)->toolTip(), "Job 2\nBeschreibung von Job 2");
+}
+
+TEST_F(JobStory, RenamingChangesTheButton) {
+  StartWithJob();
+  W().JobButtons().JobButton(1)->click();
   script_.Expect([](QDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), QtText(texts::RenameJobCaption));
     auto* title = dialog.findChild<QLineEdit*>();

@@ -275,6 +275,25 @@ TEST_F(ListStory, ArrowsGoThroughTheDrivesAndEnterTakesOne) {
   QTest::keyClick(drives, Qt::Key_Return);
   EXPECT_TRUE(ActiveJob().Mode() == SourceMode::List);
   EXPECT_FALSE(W().Source().Tree()->isVisible());
+  // A drive is left and found again in the same directory; the first time it is its root.
+  const std::string below = directory_.File("Musik");
+  std::filesystem::create_directories(below);
+  const auto take = [&](int drive) {
+    drives->setCurrentIndex(drives->findData(drive));
+    QTest::keyClick(drives, Qt::Key_Return);
+    EXPECT_TRUE(WaitForListing());
+    return ActiveJob().directory.path;
+  };
+  take(0);
+  emit W().Source().DirectoryChosen(below);
+  EXPECT_EQ(take(1), "/");
+  EXPECT_EQ(take(0), below);
+  // A new directory is found in the tree.
+  std::filesystem::create_directories(below + "/neu/a");
+  W().Source().TreeModel().Reveal(below + "/neu/a");
+  EXPECT_TRUE(WaitFor([&] {
+    return W().Source().TreeModel().PathOf(W().Source().Tree()->currentIndex()) == below + "/neu/a";
+  }));
 }
 
 TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {

@@ -2,6 +2,7 @@
 // which a window can go while something is under way.
 #include <gmock/gmock.h>
 
+#include "app/run/end_notice.h"
 #include "app/texts.h"
 #include "artworker/artworker_parameters.h"
 #include "frame/remarks.h"
@@ -103,6 +104,8 @@ TEST_F(RunStory, ARunIsUndoneFromItsResultsOrLater) {
     ASSERT_TRUE(WaitForEnd());
     if (!atOnce) {
       EXPECT_THAT(test::Content(directory_.File("b.cnv.mid")), testing::StartsWith("MThd"));
+      Start();  // and the next day
+      ASSERT_TRUE(WaitFor([&] { return W().Actions().Action(CommandId::UndoRun)->isEnabled(); }));
       script_.ExpectBox(QMessageBox::Ok);
       W().Actions().Trigger(CommandId::UndoRun);
       ASSERT_TRUE(WaitFor([&] { return script_.Done(); }));
@@ -415,6 +418,23 @@ TEST_F(RunStory, TheEndAsksAndNoKeepsTheProgramRunning) {
   script_.ExpectBox(QMessageBox::Yes);
   EXPECT_TRUE(W().close());
   EXPECT_FALSE(W().isVisible());
+  Start();
+  application_->GetSettings().askBeforeEnd = false;
+  EXPECT_TRUE(W().close()) << "as nothing runs";
+}
+
+TEST(EndNoticeTest, TellsOfALongRunThatNobodyWatched) {
+  using namespace std::chrono_literals;
+  RunResult result;
+  result.filter = FilterId::MidiConverter;
+  result.titles = Descriptor(result.filter).titles;
+  result.counts = {118, 2};
+  EXPECT_FALSE(EndNoticeOf(result, "Chor", 1h, true));
+  EXPECT_FALSE(EndNoticeOf(result, "Chor", 3s, false));
+  const auto notice = EndNoticeOf(result, "Chor", 1min, false);
+  ASSERT_TRUE(notice);
+  EXPECT_EQ(notice->title, "Chor: Midi-Konverter ist fertig");
+  EXPECT_TRUE(notice->text.startsWith("Erfolgreich konvertierte Dateien: 118\n"));
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "app/run/run_commands.h"
 
+#include <QApplication>
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <utility>
 
@@ -46,20 +46,25 @@ RunCommands::RunCommands(Desk& desk, ActiveJob& active, const SourceArea& source
     }
     emit Progressed();
   });
+  connect(&notices_, &DesktopNotices::Chosen, this, &RunCommands::NoticeChosen);
   desk_.Actions().On(CommandId::Run, [this] { Start(); });
   desk_.Actions().On(CommandId::Stop, [this] { Stop(); });
   desk_.Actions().On(CommandId::UndoRun, [this] { Undo(active_->Id()); });
   connect(&active_, &ActiveJob::Changed, this,
           [this] { desk_.Actions().SetEnabled(CommandId::UndoRun, MayUndo(active_->Id())); });
-  worker_.Start([this, stop = stopUndoing_]() -> BackgroundWorker::Done {
-    const UndoReport report = FinishAbandonedUndo(UndoDirectory(), [stop] { return stop->load(); });
-    if (report.Empty()) return {};
-    return [this, text = std::string(Text(texts::UndoFinished)) + "\n\n" + UndoText(report)] {
-      if (active_->Mode() == SourceMode::Directory) emit DirectoryChanged();
-      active_.ChangeFiles();
-      desk_.TellLater(text, MessageIcon::Information);
-    };
-  });
+  worker_.Start(
+      [this, stop = stopUndoing_, registry = application_.RegistryPath()]() -> BackgroundWorker::Done {
+        auto kept = FindKeptUndo(UndoDirectory(), registry);
+        const UndoReport report = FinishAbandonedUndo(UndoDirectory(), [stop] { return stop->load(); });
+        return [this, kept = std::move(kept), none = report.Empty(),
+                text = std::string(Text(texts::UndoFinished)) + "\n\n" + UndoText(report)] {
+          TakeKept(kept);
+          if (none) return active_.Refresh();
+          if (active_->Mode() == SourceMode::Directory) emit DirectoryChanged();
+          active_.ChangeFiles();
+          desk_.TellLater(text, MessageIcon::Information);
+        };
+      });
 }
 
 void RunCommands::Close() {
@@ -67,6 +72,12 @@ void RunCommands::Close() {
   going_.clear();
   clock_.stop();
   *stopUndoing_ = true;
+  // Jobs may have other numbers and titles than after their runs.
+  for (const auto& [id, undo] : undo_) {
+    if (undoing_.contains(id) || noting_.contains(id)) continue;
+    const auto owner = OwnerOf(id);
+    owner ? (void)undo->KeepFor(*owner) : undo->Forget();
+  }
 }
 
 Job* RunCommands::Find(JobId id) const {
@@ -143,8 +154,15 @@ void RunCommands::Launch(Job& job, Job& work, RunRequest request) {
   }
   going_[id] = {host, std::make_shared<const Job>(work)};
   // Until now the run before could be undone; what only plays leaves it so.
-  std::erase_if(undo_, [this](const auto& one) { return Find(one.first) == nullptr; });
-  if (!IsPlayer(work.filter)) undo_[id] = undo;
+  std::vector<JobId> gone;
+  for (const auto& [other, one] : undo_) {
+    if (Find(other) == nullptr) gone.push_back(other);
+  }
+  for (const JobId other : gone) ForgetUndo(other);
+  if (!IsPlayer(work.filter)) {
+    ForgetUndo(id);
+    undo_[id] = undo;
+  }
   clock_.start();
   if (&work == &job) active_.SetDestinationName(job.destinationName);
   active_.ChangeRun();
@@ -195,6 +213,46 @@ void RunCommands::Undo(JobId id) {
   });
 }
 
+std::optional<UndoOwner> RunCommands::OwnerOf(JobId id) const {
+  const auto number = application_.GetJobs().Find(id);
+  if (!number || application_.Journals().empty()) return std::nullopt;
+  return UndoOwner{application_.RegistryPath(), static_cast<std::uint32_t>(*number),
+                   application_.GetJobs()[*number].title};
+}
+
+void RunCommands::KeepUndo(JobId id) {
+  const auto undo = undo_.find(id);
+  const auto owner = OwnerOf(id);
+  if (undo == undo_.end() || !owner) return;
+  noting_.insert(id);
+  worker_.Start([this, id, undo = undo->second, owner]() -> BackgroundWorker::Done {
+    (void)undo->KeepFor(*owner);
+    return [this, id] { noting_.erase(id); };
+  });
+}
+
+// Behind what is being noted of it.
+void RunCommands::ForgetUndo(JobId id) {
+  auto undo = undo_.extract(id);
+  if (undo.empty()) return;
+  worker_.Start([undo = std::move(undo.mapped())]() -> BackgroundWorker::Done {
+    undo->Forget();
+    return {};
+  });
+}
+
+void RunCommands::TakeKept(const std::vector<std::shared_ptr<RunUndo>>& kept) {
+  const Jobs& jobs = application_.GetJobs();
+  for (const auto& undo : kept) {
+    const UndoOwner owner = *undo->Owner();
+    std::optional<std::size_t> number;
+    for (std::size_t i = 0; i <= jobs.Count(); ++i) {
+      if (jobs[i].title == owner.title && (!number || i == owner.number)) number = i;
+    }
+    if (!number || !undo_.try_emplace(jobs[*number].Id(), undo).second) undo->Forget();
+  }
+}
+
 // --- what the runs report
 
 void RunCommands::Take(JobId id, RunNews news) {
@@ -223,6 +281,7 @@ void RunCommands::Finish(JobId id, RunResult result) {
   std::shared_ptr<const Job> work;
   if (const auto going = going_.find(id); going != going_.end()) {
     work = going->second.work;
+    if (const Job* const job = Find(id)) NotifyOfEnd(*job, result, going->second.begun);
     going_.erase(going);
   }
   if (going_.empty()) clock_.stop();
@@ -241,11 +300,23 @@ void RunCommands::Finish(JobId id, RunResult result) {
       if (job->Mode() == SourceMode::Directory && beside) emit DirectoryChanged();
     }
     emit Progressed();
+    KeepUndo(id);
   }
   if (!result.show) return;
   desk_.Queue().Add([this, result = std::move(result), id, work]() -> QDialog* {
     return MakeResultsDialog(result, id, work);
   });
+}
+
+void RunCommands::NotifyOfEnd(const Job& job, const RunResult& result,
+                              std::chrono::steady_clock::time_point begun) {
+  using std::chrono::milliseconds;
+  const auto took = std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - begun);
+  const bool watched = QApplication::activeWindow() != nullptr;
+  const auto notice = EndNoticeOf(result, job.title, took, watched);
+  if (!notice) return;
+  QApplication::alert(desk_.Window());
+  notices_.Show(*notice);
 }
 
 ResultsDialog* RunCommands::MakeResultsDialog(RunResult result, JobId id,

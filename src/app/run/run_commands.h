@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <memory>
 #include <optional>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "app/run/desktop_run_host.h"
+#include "app/run/end_notice.h"
 #include "app/run/run_panels.h"
 #include "app/shell/active_job.h"
 #include "app/shell/background_worker.h"
@@ -52,6 +54,8 @@ class RunCommands : public QObject {
   void DirectoryChanged();
   // A file of the results is to be shown; its job is the active one now.
   void FileChosen(const std::string& path);
+  // The user wants to see the window, after it was said that a run has ended.
+  void NoticeChosen();
 
  private:
   void Start();
@@ -67,9 +71,16 @@ class RunCommands : public QObject {
   // Takes back what the last run of a job did, away from the window's thread, and says what came of it.
   void Undo(JobId id);
   [[nodiscard]] bool MayUndo(JobId id) const;
+  // What sessions before this one have kept goes to its jobs; where there is none, or it has run, it goes.
+  void TakeKept(const std::vector<std::shared_ptr<RunUndo>>& kept);
+  // The way back of a job's run is there after the next start, too.
+  void KeepUndo(JobId id);
+  [[nodiscard]] std::optional<UndoOwner> OwnerOf(JobId id) const;
+  void ForgetUndo(JobId id);
   void Take(JobId id, RunNews news);
   void ShowNews(Job& job, RunNews& news);
   void Finish(JobId id, RunResult result);
+  void NotifyOfEnd(const Job& job, const RunResult& result, std::chrono::steady_clock::time_point begun);
   [[nodiscard]] ResultsDialog* MakeResultsDialog(RunResult result, JobId id,
                                                  const std::shared_ptr<const Job>& work);
   // The job while it is there.
@@ -84,11 +95,14 @@ class RunCommands : public QObject {
   struct Going {
     std::shared_ptr<DesktopRunHost> host;
     std::shared_ptr<const Job> work;
+    std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
   };
   std::map<JobId, Going> going_;
   std::map<JobId, std::shared_ptr<RunUndo>> undo_;  // of the last run of each job
+  std::set<JobId> noting_;                          // of which it is just being noted down
   std::set<JobId> undoing_;
   std::shared_ptr<std::atomic<bool>> stopUndoing_ = std::make_shared<std::atomic<bool>>(false);
+  DesktopNotices notices_;
   BackgroundWorker worker_;
   QTimer clock_;  // shows the time that goes by
 };

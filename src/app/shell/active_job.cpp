@@ -40,9 +40,8 @@ bool ActiveJob::Activate(JobId job) {
   return (*this)->Id() == job;
 }
 
-bool ActiveJob::Remove() {
-  Jobs& jobs = application_.GetJobs();
-  return jobs.Remove(jobs.ActiveNumber(), *this);
+bool ActiveJob::Remove(std::size_t number) {
+  return application_.GetJobs().Remove(number, *this);
 }
 
 void ActiveJob::RestoreRemoved() {

@@ -33,8 +33,8 @@ class ActiveJob : public QObject, private JobWindow {
   void Activate(std::size_t number);
   // False when the job has gone or could not be shown.
   [[nodiscard]] bool Activate(JobId job);
-  // Asks. True when the job has gone; the default job is the active one then.
-  [[nodiscard]] bool Remove();
+  // Asks. True when the job has gone; if it was the active one, the default job is so now.
+  [[nodiscard]] bool Remove(std::size_t number);
   // Brings the job back that was removed last, as the active one.
   void RestoreRemoved();
   // The destination panel goes into the job.

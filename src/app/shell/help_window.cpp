@@ -1,6 +1,7 @@
 #include "app/shell/help_window.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QEvent>
 #include <QFile>
@@ -8,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTextBrowser>
@@ -16,6 +18,8 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QUrl>
+#include <QWindow>
+#include <algorithm>
 
 #include "app/texts.h"
 #include "frame/ui/qt_text.h"
@@ -35,12 +39,36 @@ QUrl PageUrl(const QString& page) {
   return url;
 }
 
+// What the desktop adds around a window.
+constexpr int kTitleHeight = 34;
+constexpr int kEdge = 6;
+constexpr int kNarrow = 560;
+constexpr QSize kUsualSize{900, 640};
+
 QString PlainText(QString html) {
   html.remove(QRegularExpression(QStringLiteral("<[^>]*>")));
   return html.replace(QLatin1String("&amp;"), QLatin1String("&")).simplified();
 }
 
 }  // namespace
+
+HelpPlace PlaceBeside(const QRect& dialog, const QRect& screen, const QSize& wanted) {
+  QRect moved = dialog;
+  const auto room = [&] {
+    return std::max(moved.left() - screen.left(), screen.right() - moved.right()) - 2 * kEdge;
+  };
+  // A dialog in the middle goes aside where that is enough.
+  if (room() < kNarrowestHelp && screen.width() - moved.width() - 2 * kEdge >= kNarrowestHelp)
+    moved.moveLeft(screen.left());
+  const int width = std::min({std::max(room(), kNarrowestHelp), wanted.width(), screen.width() - 2 * kEdge});
+  const int height = std::min(wanted.height(), screen.height() - kTitleHeight - kEdge);
+  const bool toTheRight = screen.right() - moved.right() >= moved.left() - screen.left();
+  const int x = toTheRight ? std::min(moved.right() + kEdge, screen.right() - kEdge - width)
+                           : std::max(moved.left() - kEdge - width, screen.left() + kEdge);
+  const int y = std::clamp(moved.top() + kTitleHeight, screen.top() + kTitleHeight,
+                           std::max(screen.bottom() - kEdge - height, screen.top() + kTitleHeight));
+  return {moved.topLeft(), {x, y, width, height}};
+}
 
 QString HelpPage(const QString& topic) {
   InitializeResources();
@@ -78,7 +106,7 @@ HelpWindow::HelpWindow(QWidget* parent)
   setWindowTitle(QtText(texts::HelpCaption));
   setWindowIcon(Icon("help"));
   setObjectName(QStringLiteral("helpWindow"));
-  resize(900, 640);
+  resize(kUsualSize.boundedTo(screen()->availableSize() - QSize(2 * kEdge, kTitleHeight + kEdge)));
 
   contents_->setAccessibleName(QtText(texts::HelpContentsName));
   contents_->setHeaderHidden(true);
@@ -98,6 +126,7 @@ HelpWindow::HelpWindow(QWidget* parent)
   BuildContents();
   BuildToolBar();
   ApplyColours();
+  connect(qApp, &QGuiApplication::focusWindowChanged, this, &HelpWindow::StandBeforeDialogs);
   connect(page_, &QTextBrowser::sourceChanged, this, [this] { FollowPage(); });
   connect(contents_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
     const QString topic = item == nullptr ? QString() : item->data(0, kTopicRole).toString();
@@ -185,13 +214,33 @@ void HelpWindow::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
 }
 
+// In a narrow window the page goes before the contents, which are a page, too.
+void HelpWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  contents_->setVisible(width() >= kNarrow);
+}
+
 void HelpWindow::OpenTopic(const QString& topic) {
   QUrl url = PageUrl(HelpPage(topic));
   if (topic.contains('#')) url.setFragment(topic.section('#', 1));
   page_->setSource(url);
+  if (QWidget* const dialog = QApplication::activeModalWidget(); dialog != nullptr && !isVisible()) {
+    const HelpPlace place =
+        PlaceBeside(dialog->frameGeometry(), dialog->screen()->availableGeometry(), size());
+    if (place.dialog != dialog->pos()) dialog->move(place.dialog);
+    setGeometry(place.help);
+  }
   show();
+  StandBeforeDialogs();
   raise();
   activateWindow();
+}
+
+// A dialog that waits for an answer locks all windows but those that belong to it.
+void HelpWindow::StandBeforeDialogs() {
+  QWindow* const own = windowHandle();
+  QWindow* const dialog = QGuiApplication::modalWindow();
+  if (own != nullptr && own != dialog && own->transientParent() != dialog) own->setTransientParent(dialog);
 }
 
 QString HelpWindow::CurrentTopic() const {

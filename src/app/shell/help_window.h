@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QRect>
 #include <QString>
 #include <vector>
 
@@ -26,6 +27,15 @@ struct HelpEntry {
 // Chapters and topics in the order of the contents page.
 [[nodiscard]] std::vector<HelpEntry> HelpContents();
 
+inline constexpr int kNarrowestHelp = 340;
+// Where the window opens while a dialog waits: beside it, on the wider side, so that both can be used. The
+// dialog goes aside where that gives room.
+struct HelpPlace {
+  QPoint dialog;
+  QRect help;
+};
+[[nodiscard]] HelpPlace PlaceBeside(const QRect& dialog, const QRect& screen, const QSize& wanted);
+
 class HelpWindow : public QMainWindow {
   Q_OBJECT
 
@@ -41,12 +51,14 @@ class HelpWindow : public QMainWindow {
 
  protected:
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void BuildContents();
   void BuildToolBar();
   void ApplyColours();
   void FollowPage();
+  void StandBeforeDialogs();
 
   QTreeWidget* contents_;
   QTextBrowser* page_;

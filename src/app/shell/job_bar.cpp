@@ -20,7 +20,9 @@ JobBar::JobBar(QWidget* parent)
       menuButton_(new QToolButton(this)),
       menu_(new QMenu(this)),
       row_(new QWidget),
-      scroll_(new QScrollArea(this)) {
+      scroll_(new QScrollArea(this)),
+      back_(MakeArrow("jobsBack", "back", texts::EarlierJobs, -1)),
+      forward_(MakeArrow("jobsForward", "forward", texts::LaterJobs, 1)) {
   setObjectName("jobBar");
   setAccessibleName(QtText(texts::JobBarName));
   row_->setObjectName("jobButtons");
@@ -59,8 +61,36 @@ JobBar::JobBar(QWidget* parent)
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(4);
+  layout->addWidget(back_);
   layout->addWidget(scroll_, 1);
+  layout->addWidget(forward_);
   layout->addWidget(menuButton_);
+  connect(scroll_->horizontalScrollBar(), &QScrollBar::rangeChanged, this, &JobBar::ShowArrows);
+  connect(scroll_->horizontalScrollBar(), &QScrollBar::valueChanged, this, &JobBar::ShowArrows);
+  ShowArrows();
+}
+
+QToolButton* JobBar::MakeArrow(const char* name, const char* icon, TextId text, int direction) {
+  auto* const arrow = new QToolButton(this);
+  arrow->setObjectName(name);
+  arrow->setIcon(Icon(icon));
+  arrow->setToolTip(QtText(text));
+  arrow->setAccessibleName(QtText(text));
+  arrow->setAutoRaise(true);
+  arrow->setAutoRepeat(true);
+  arrow->setFocusPolicy(Qt::ClickFocus);  // the keys go from job to job anyway
+  connect(arrow, &QToolButton::clicked, this, [this, direction] {
+    QScrollBar& bar = *scroll_->horizontalScrollBar();
+    bar.setValue(bar.value() + direction * std::max(scroll_->viewport()->width() / 2, 1));
+  });
+  return arrow;
+}
+
+void JobBar::ShowArrows() {
+  const QScrollBar& bar = *scroll_->horizontalScrollBar();
+  for (QToolButton* const arrow : {back_, forward_}) arrow->setVisible(bar.maximum() > 0);
+  back_->setEnabled(bar.value() > bar.minimum());
+  forward_->setEnabled(bar.value() < bar.maximum());
 }
 
 QToolButton* JobBar::MakeButton() {
@@ -90,6 +120,10 @@ void JobBar::Show(const std::vector<Button>& jobs, int active, bool switchable, 
       button->setChecked(false);  // the owner presses the button of the job that really is active
       emit JobChosen(index);
     });
+    button->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(button, &QWidget::customContextMenuRequested, this, [this, button, index](const QPoint& place) {
+      emit MenuWanted(index, button->mapToGlobal(place));
+    });
     layout->insertWidget(index, button);
     buttons_.push_back(button);
   }
@@ -106,16 +140,42 @@ void JobBar::Show(const std::vector<Button>& jobs, int active, bool switchable, 
     }
     buttons_[i]->setText(label);
     buttons_[i]->setAccessibleName(name);
-    buttons_[i]->setToolTip(jobs[i].description);
+    buttons_[i]->setToolTip(name + QLatin1Char('\n') + jobs[i].description);
     buttons_[i]->setAccessibleDescription(jobs[i].description);
     buttons_[i]->setChecked(isActive);
     buttons_[i]->setAutoRaise(!isActive);
     buttons_[i]->setEnabled(switchable || isActive);
     buttons_[i]->setFocusPolicy(isActive ? Qt::StrongFocus : Qt::ClickFocus);
   }
+  ListJobs(jobs, active, switchable);
   newJob_->setEnabled(newJobAllowed);
   setFocusProxy(active >= 0 && active < JobCount() ? JobButton(active) : nullptr);
   if (active >= 0 && active < JobCount()) scroll_->ensureWidgetVisible(JobButton(active), 24, 0);
+}
+
+// Behind the commands, with whole titles.
+void JobBar::ListJobs(const std::vector<Button>& jobs, int active, bool switchable) {
+  if (listed_.empty()) menu_->addSeparator();
+  while (listed_.size() > jobs.size()) {
+    delete listed_.back();
+    listed_.pop_back();
+  }
+  while (listed_.size() < jobs.size()) {
+    QAction* const action = menu_->addAction(QString());
+    action->setCheckable(true);
+    connect(action, &QAction::triggered, this, [this, index = static_cast<int>(listed_.size())] {
+      listed_.at(static_cast<std::size_t>(index))->setChecked(false);  // as with the buttons
+      emit JobChosen(index);
+    });
+    listed_.push_back(action);
+  }
+  for (std::size_t i = 0; i < jobs.size(); ++i) {
+    QString title = buttons_[i]->accessibleName();
+    listed_[i]->setText(title.replace('&', "&&"));
+    listed_[i]->setStatusTip(jobs[i].description);
+    listed_[i]->setChecked(static_cast<int>(i) == active);
+    listed_[i]->setEnabled(switchable || static_cast<int>(i) == active);
+  }
 }
 
 bool JobBar::eventFilter(QObject* watched, QEvent* event) {

@@ -1,5 +1,6 @@
-// The job bar at the top: one button per job, the default job first, "(Neuer Job)" last, and a menu with what
-// can be done with the active job. Left and Right move between the buttons.
+// The job bar at the top: one button per job, the default job first, "(Neuer Job)" last, arrows where not all
+// of them have room, and a menu with what can be done with the active job, and all jobs. Left and Right move
+// between the buttons.
 #pragma once
 
 #include <QMenu>
@@ -7,6 +8,8 @@
 #include <QToolButton>
 #include <QWidget>
 #include <vector>
+
+#include "platform/base/strings.h"
 
 namespace ts5 {
 
@@ -36,6 +39,8 @@ class JobBar : public QWidget {
  signals:
   void JobChosen(int index);
   void NewJobChosen();
+  // What can be done with a job, at a place of the screen.
+  void MenuWanted(int index, const QPoint& place);
   void Hint(const QString& text);
 
  protected:
@@ -43,14 +48,20 @@ class JobBar : public QWidget {
 
  private:
   QToolButton* MakeButton();
+  [[nodiscard]] QToolButton* MakeArrow(const char* name, const char* icon, TextId text, int direction);
+  void ShowArrows();
+  void ListJobs(const std::vector<Button>& jobs, int active, bool switchable);
   void MoveFocus(QWidget* from, int step);
 
   std::vector<QToolButton*> buttons_;
   QToolButton* newJob_;
   QToolButton* menuButton_;
   QMenu* menu_;
+  std::vector<QAction*> listed_;  // the jobs in the menu
   QWidget* row_;
   QScrollArea* scroll_;
+  QToolButton* back_;
+  QToolButton* forward_;
 };
 
 }  // namespace ts5

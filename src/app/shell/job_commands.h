@@ -21,8 +21,10 @@ class JobCommands : public QObject {
  private:
   void Refresh();  // the commands
   void Create();
-  void Rename();
-  void Remove();
+  void Rename(std::size_t number);
+  void Remove(std::size_t number);
+  // What can be done with a job, whichever is on show.
+  void ShowMenu(std::size_t number, const QPoint& place);
 
   Desk& desk_;
   ActiveJob& active_;

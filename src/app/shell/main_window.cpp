@@ -146,7 +146,7 @@ void MainWindow::MakeCommands() {
   Settings& settings = application_.GetSettings();
   targets_ = std::make_unique<TargetCommands>(*desk_, *active_, *target_);
   targetFolder_ = std::make_unique<TargetFolder>(*desk_, *active_, *target_, application_);
-  sources_ = std::make_unique<SourceCommands>(*desk_, *active_, *source_, application_.Volumes());
+  sources_ = std::make_unique<SourceCommands>(*desk_, *active_, *source_, application_.Volumes(), settings);
   lists_ = std::make_unique<ListCommands>(*desk_, *active_, *source_, *sources_, application_);
   arrangement_ = std::make_unique<ListArrangement>(*desk_, *active_, *source_, *sources_, settings,
                                                    JoinPath(ProgramDirectory(), kFactsFile));
@@ -231,6 +231,7 @@ void MainWindow::ConnectRuns() {
   });
   connect(runs, &RunCommands::DirectoryChanged, sources_.get(), &SourceCommands::Reload);
   connect(runs, &RunCommands::FileChosen, sources_.get(), &SourceCommands::ShowFile);
+  connect(runs, &RunCommands::NoticeChosen, this, &MainWindow::ComeToFront);
   connect(interrupted_.get(), &InterruptedRuns::GoOn, runs, &RunCommands::GoOn);
 }
 
@@ -342,8 +343,10 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   }
   const Jobs& jobs = application_.GetJobs();
   const Answer preset = jobs.AnyRunning() ? Answer::No : Answer::Yes;
-  const bool ends = ended_ || (desk_->Confirm(QuitQuestion(jobs), MessageIcon::Question, preset) &&
-                               End(application_.GetSettings().jobSaving, true));
+  const Settings& settings = application_.GetSettings();
+  const bool sure = ended_ || (!jobs.AnyRunning() && !settings.askBeforeEnd) ||
+                    desk_->Confirm(QuitQuestion(jobs), MessageIcon::Question, preset);
+  const bool ends = ended_ || (sure && End(settings.jobSaving, true));
   event->setAccepted(ends);
 }
 

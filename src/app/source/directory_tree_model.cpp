@@ -239,6 +239,7 @@ DirectoryTreeModel::Node* DirectoryTreeModel::Find(const std::string& path) cons
 
 void DirectoryTreeModel::Reveal(const std::string& path) {
   wanted_ = NormalisedPath(path);
+  lookedAgain_ = false;
   ContinueReveal();
 }
 
@@ -252,7 +253,11 @@ void DirectoryTreeModel::ContinueReveal() {
     }
     const auto next = std::ranges::find_if(
         node->children, [&](const auto& child) { return IsInside(*wanted_, child->path); });
-    if (next == node->children.end()) break;
+    if (next == node->children.end()) {
+      // It may be a new one.
+      if (std::exchange(lookedAgain_, true)) break;
+      return Load(*node);
+    }
     node = next->get();
   }
   wanted_.reset();

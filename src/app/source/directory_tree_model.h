@@ -64,6 +64,7 @@ class DirectoryTreeModel : public QAbstractItemModel {
 
   std::unique_ptr<Node> root_;
   std::optional<std::string> wanted_;  // where Reveal is going
+  bool lookedAgain_ = false;           // where it should be
   QIcon closedIcon_;
   QFileSystemWatcher watcher_;     // the directories whose children have been read
   std::set<std::string> changed_;  // of these, the ones to be read again

@@ -132,7 +132,7 @@ SourceArea::SourceArea(QWidget* parent)
   auto* top = new QHBoxLayout;
   top->addWidget(driveLabel_);
   top->addWidget(drives_);
-  top->addStretch(1);
+  top->addStretch(0);  // what the filter's field does not take
   filter_->setObjectName("listFilter");
   filter_->setAccessibleName(QtText(texts::ListFilterName));
   filter_->setPlaceholderText(QtText(texts::ListFilterName));

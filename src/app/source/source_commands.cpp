@@ -7,6 +7,7 @@
 
 #include "app/source/disc_tray.h"
 #include "app/texts.h"
+#include "frame/drive_directories.h"
 #include "frame/examples.h"
 #include "frame/file_types.h"
 #include "frame/file_view.h"
@@ -21,8 +22,9 @@
 
 namespace ts5 {
 
-SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, const VolumeTable& volumes)
-    : desk_(desk), active_(active), area_(area), volumes_(volumes), reader_(this) {
+SourceCommands::SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, const VolumeTable& volumes,
+                               Settings& settings)
+    : desk_(desk), active_(active), area_(area), volumes_(volumes), settings_(settings), reader_(this) {
   CommandActions& actions = desk_.Actions();
   actions.On(CommandId::SwitchListMode, [this] { SwitchMode(); });
   actions.On(CommandId::SelectAllFiles, [this] {
@@ -140,6 +142,7 @@ void SourceCommands::ShowFolder(const std::string& path) {
 }
 
 void SourceCommands::Read() {
+  settings_.driveDirectories = WithDirectory(settings_.driveDirectories, active_->directory.path, volumes_);
   reader_.Read(active_->directory.path, active_->subdirectories);
 }
 
@@ -274,7 +277,8 @@ void SourceCommands::TakeDrive(std::int32_t drive) {
       area_.Drives()->SetCurrent(job.sourceDrive);
       return;
     }
-    job.directory = {volume->path, {}, {}};
+    const auto last = disc ? std::nullopt : DirectoryOn(settings_.driveDirectories, drive, volumes_);
+    job.directory = {last.value_or(volume->path), {}, {}};
   }
   job.sourceDrive = drive;
   active_.ShowSource();

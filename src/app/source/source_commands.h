@@ -13,6 +13,7 @@
 #include "app/source/source_area.h"
 #include "app/source/source_reader.h"
 #include "frame/file_list.h"
+#include "frame/settings.h"
 #include "platform/base/outcome.h"
 #include "platform/disc/volumes.h"
 
@@ -20,7 +21,8 @@ namespace ts5 {
 
 class SourceCommands : public QObject {
  public:
-  SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, const VolumeTable& volumes);
+  SourceCommands(Desk& desk, ActiveJob& active, SourceArea& area, const VolumeTable& volumes,
+                 Settings& settings);
 
   // What is being read or selected is of no interest any more.
   void Leave();
@@ -53,6 +55,7 @@ class SourceCommands : public QObject {
   ActiveJob& active_;
   SourceArea& area_;
   const VolumeTable& volumes_;
+  Settings& settings_;
   SourceReader reader_;
   QTimer selectionTimer_;
   bool shown_ = false;  // a job has been

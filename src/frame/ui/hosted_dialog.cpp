@@ -5,9 +5,11 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabWidget>
 #include <algorithm>
 #include <utility>
 
@@ -34,10 +36,9 @@ void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
 }
 
 // What is higher than the screen scrolls; the last row, with the buttons, stays in sight.
-// needed: the least height.
-void ScrollOnSmallScreens(QDialog& dialog, int needed) {
+// needed: the least height; room: that there is.
+void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   auto* const rows = qobject_cast<QVBoxLayout*>(dialog.layout());
-  const int room = dialog.screen()->availableGeometry().height() - kWindowFrame;
   if (rows == nullptr || rows->count() < 2 || needed <= room) return;
   auto* const area = new QScrollArea(&dialog);
   auto* const content = new QWidget(area);
@@ -86,11 +87,22 @@ void HostedDialog::keyPressEvent(QKeyEvent* event) {
 void HostedDialog::showEvent(QShowEvent* event) {
   // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
   // dialogs on small screens.
+  // The least width of a template is for short texts, and for another look.
+  for (QPushButton* const button : findChildren<QPushButton*>()) {
+    if (button->minimumWidth() < button->maximumWidth())
+      button->setMinimumWidth(std::max(button->minimumWidth(), button->minimumSizeHint().width()));
+  }
   if (QLayout* const rows = layout()) {
-    const int wide = std::min(width(), screen()->availableGeometry().width() - kSideFrame);
-    resize(wide, std::max(height(), rows->totalHeightForWidth(wide)));
-    ScrollOnSmallScreens(*this,
-                         std::max(rows->minimumHeightForWidth(wide), rows->totalMinimumSize().height()));
+    const QSize room = screen()->availableSize() - QSize(kSideFrame, kWindowFrame);
+    const int wide = std::min(width(), room.width());
+    const int wanted = std::max({height(), sizeHint().height(), rows->totalHeightForWidth(wide)});
+    const int needed = std::max(rows->minimumHeightForWidth(wide), rows->totalMinimumSize().height());
+    resize(wide, std::min(wanted, room.height()));
+    // Nor does the user clip them. Tabs ask for less than their pages need.
+    const bool tabs = findChild<QTabWidget*>() != nullptr;
+    if ((rows->hasHeightForWidth() || tabs) && needed <= room.height())
+      setMinimumSize(wide, tabs ? std::min(wanted, room.height()) : needed);
+    ScrollOnSmallScreens(*this, needed, room.height());
   }
   if (!prompt_.isEmpty()) host_.ShowPrompt(prompt_);
   QDialog::showEvent(event);

@@ -92,6 +92,7 @@ QString SettingsDialog::HelpTopic() const {
 
 void SettingsDialog::Show(const SettingsForm& form) {
   Check(JobChoices(*general_), form.jobSaving);
+  general_->askBeforeEndCheck->setChecked(form.askBeforeEnd);
   Check(ResultChoices(*general_), form.oldSearchResults);
   Check(LayoutChoices(*general_), form.skinLayout);
   general_->wholePathCheck->setChecked(form.searchWholePath);
@@ -110,6 +111,7 @@ void SettingsDialog::Show(const SettingsForm& form) {
 
 SettingsForm SettingsDialog::Form() const {
   return {.jobSaving = Checked(JobChoices(*general_)),
+          .askBeforeEnd = general_->askBeforeEndCheck->isChecked(),
           .oldSearchResults = Checked(ResultChoices(*general_)),
           .searchWholePath = general_->wholePathCheck->isChecked(),
           .skinLayout = Checked(LayoutChoices(*general_)),

@@ -76,8 +76,30 @@ void PageView::SetPages(const ScorePages* pages) {
   if (sheet_->isVisibleTo(this)) ShowPage(0);
 }
 
+void PageView::ShowSystem(const SystemPlace& place) {
+  ShowPage(place.page);
+  wanted_ = place;
+  ScrollToSystem();
+}
+
+// In the middle, or from its top on where it is higher than the view.
+void PageView::ScrollToSystem() {
+  if (!wanted_) return;
+  const double top = wanted_->top * scale_ + kMargin;
+  const double bottom = wanted_->bottom * scale_ + kMargin;
+  const double room = viewport()->height() - (bottom - top);
+  verticalScrollBar()->setValue(static_cast<int>(top - std::max(room / 2, 0.0)));
+}
+
+// The view gets its size, and the page its scale, only now.
+void PageView::showEvent(QShowEvent* event) {
+  QScrollArea::showEvent(event);
+  ScrollToSystem();
+}
+
 void PageView::ShowPage(std::size_t page) {
   if (pages_ == nullptr || pages_->Count() == 0) return;
+  wanted_.reset();
   page_ = std::min(page, pages_->Count() - 1);
   Resize();
   sheet_->Show(pages_->Draw(page_), pages_->Size(), scale_);
@@ -113,9 +135,11 @@ void PageView::Resize() {
 void PageView::resizeEvent(QResizeEvent* event) {
   QScrollArea::resizeEvent(event);
   if (fit_ != Fit::Free) Resize();
+  ScrollToSystem();
 }
 
 void PageView::wheelEvent(QWheelEvent* event) {
+  wanted_.reset();
   const int turned = event->angleDelta().y();
   if (event->modifiers().testFlag(Qt::ControlModifier)) {
     if (turned != 0) Zoom(turned > 0 ? kStep : 1 / kStep);

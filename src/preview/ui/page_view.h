@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QScrollArea>
+#include <optional>
 
 #include "preview/score_pages.h"
 
@@ -20,6 +21,8 @@ class PageView : public QScrollArea {
   // pages must outlive the view, or be taken away with nullptr.
   void SetPages(const ScorePages* pages);
   void ShowPage(std::size_t page);
+  // Its page, with the system in sight.
+  void ShowSystem(const SystemPlace& place);
   [[nodiscard]] std::size_t Page() const { return page_; }
   void SetFit(Fit fit);
   // Relative to now.
@@ -34,14 +37,17 @@ class PageView : public QScrollArea {
   void resizeEvent(QResizeEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   class Sheet;
   void Resize();
+  void ScrollToSystem();
 
   const ScorePages* pages_ = nullptr;
   Sheet* sheet_;
   std::size_t page_ = 0;
+  std::optional<SystemPlace> wanted_;  // to be scrolled to until the user goes elsewhere
   Fit fit_ = Fit::Width;
   double scale_ = 6;
 };

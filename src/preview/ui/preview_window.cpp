@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QScreen>
 #include <QShortcut>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -22,6 +23,7 @@ namespace ts5::preview {
 namespace {
 
 constexpr QSize kUsualSize{900, 900};
+constexpr QSize kFrame{8, 40};  // what the desktop adds
 constexpr double kStep = 1.25;
 
 void ShowInWindow(const std::string& path, const std::optional<SearchHit>& hit, DialogHost& host,
@@ -59,7 +61,7 @@ PreviewWindow::PreviewWindow(DialogHost& host)
   setCentralWidget(stack_);
   BuildToolBar();
   statusBar();
-  resize(kUsualSize);
+  resize(kUsualSize.boundedTo(screen()->availableSize() - kFrame));
   connect(view_, &PageView::PageChanged, this, &PreviewWindow::Refresh);
 }
 
@@ -157,7 +159,7 @@ void PreviewWindow::Take(Read read, const std::optional<SearchHit>& hit) {
   } else {
     stack_->setCurrentWidget(view_);
     view_->SetPages(pages_.get());
-    view_->ShowPage(hit ? pages_->PageOf(*hit) : 0);
+    hit ? view_->ShowSystem(pages_->PlaceOf(*hit)) : view_->ShowPage(0);
     view_->setFocus();
   }
   Refresh();

@@ -26,7 +26,7 @@ class PageView;
 // Opens a window with the file in it, which can be used whatever dialog the owner shows, and goes with the
 // owner. host: for its help; both outlive it.
 void ShowNotation(const std::string& path, DialogHost& host, const QWidget* owner);
-// The same with the page on which a hit of the search begins.
+// The same at the system in which a hit of the search begins.
 void ShowNotation(const SearchHit& hit, DialogHost& host, const QWidget* owner);
 
 class PreviewWindow : public QMainWindow {
@@ -36,7 +36,7 @@ class PreviewWindow : public QMainWindow {
   explicit PreviewWindow(DialogHost& host);
   ~PreviewWindow() override;
 
-  // Reads the file and shows its first page, or the one on which a hit of the search begins.
+  // Reads the file and shows its first page, or the system in which a hit of the search begins.
   void Open(const std::string& path, const std::optional<SearchHit>& hit = {});
   [[nodiscard]] const ScorePages* Pages() const { return pages_.get(); }
   [[nodiscard]] PageView* View() const { return view_; }

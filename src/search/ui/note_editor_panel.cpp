@@ -17,7 +17,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kIconSize = 24;
-constexpr int kGroupGap = 8;
+constexpr int kGroupGap = 4;
 
 // Commands that begin a new group of buttons.
 bool StartsGroup(NoteCommand command) {

@@ -14,6 +14,7 @@ EncoderInfoDialog::EncoderInfoDialog(Mp3Engine engine, QWidget* parent)
   ui_->versionLabel->setText(ToQt(EngineVersionText(engine)));
   ui_->noteLabel->setText(QtText(texts::EngineLicenceNote));
   ui_->licenceText->setPlainText(ToQt(EngineLicence()));
+  setMinimumSize(480, 360);  // the note is whole
   resize(640, 480);
 }
 
