@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "audio/media_probe.h"
+#include "audio/media_facts.h"
 #include "audio/wave_file.h"
 #include "platform/files/input_file.h"
 
