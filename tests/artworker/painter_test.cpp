@@ -196,7 +196,17 @@ TEST_F(Painter, PicturesAreMirroredAndMissingOnesAreNamed) {
       << "nor is one inside of it";
   QFile picture(QString::fromStdString(file));
   ASSERT_TRUE(picture.open(QIODevice::ReadOnly));
-  EXPECT_EQ(drawing(inside(picture.readAll())), QSize(9, 9));
+  const QByteArray whole = picture.readAll();
+  EXPECT_EQ(drawing(inside(whole)), QSize(9, 9));
+
+  // One that breaks off, is damaged, or lies about its size is none either.
+  const auto sizeOf = [&](QByteArray bytes) {
+    return Pictures::SizeOf(directory.Write("p.png", bytes.toStdString()));
+  };
+  EXPECT_EQ(sizeOf(whole), QSize(100, 50));
+  EXPECT_TRUE(sizeOf(whole.first(whole.size() / 2)).isEmpty());
+  EXPECT_TRUE(sizeOf(QByteArray(whole).replace("IDAT", "IDAU")).isEmpty());
+  EXPECT_TRUE(sizeOf(QByteArray(whole).replace(16, 4, "\x7F\xFF\xFF\xFF")).isEmpty());
 }
 
 TEST_F(Painter, ADrawingStaysOneInADocument) {
