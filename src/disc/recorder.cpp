@@ -59,6 +59,20 @@ class WriterThread {
   std::jthread thread_;
 };
 
+// How many of the tracks are written whole; the last one never is.
+int TracksBefore(std::span<const PlannedTrack> plan, std::uint32_t sectors) {
+  std::uint64_t bytes = std::uint64_t{sectors} * kAudioSectorBytes;
+  int tracks = 0;
+  for (const PlannedTrack& track : plan) {
+    const std::uint64_t whole =
+        std::uint64_t{track.silence} * kAudioSectorBytes + track.bytes + track.padding;
+    if (bytes < whole || &track == &plan.back()) break;
+    bytes -= whole;
+    ++tracks;
+  }
+  return tracks;
+}
+
 int Percent(std::uint32_t done, std::uint32_t total) {
   return total == 0 ? 100 : static_cast<int>(std::uint64_t{done} * 100 / total);
 }
@@ -213,7 +227,6 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
   SectorPipe pipe;
   WriterThread writer(pipe, drive_, start);
 
-  int number = firstNumber;
   std::uint32_t told = UINT32_MAX;
   const auto tell = [&] {
     const auto done = static_cast<std::uint32_t>(writer.Next() - start);
@@ -221,13 +234,12 @@ EngineError Recorder::Write(Lba start, std::uint32_t total, std::span<const Proj
     told = done;
     const double fill = pipe.Fill();
     const auto waiting = static_cast<std::uint32_t>(fill * kPipeBytes / kAudioSectorBytes);
-    events_.progress({number, done, total, std::min(done + waiting, total), fill});
+    events_.progress(
+        {firstNumber + TracksBefore(plan, done), done, total, std::min(done + waiting, total), fill});
   };
   EngineError error = engine::kNone;
-  for (std::size_t i = 0; i < tracks.size() && error == engine::kNone; ++i) {
-    number = firstNumber + static_cast<int>(i);
+  for (std::size_t i = 0; i < tracks.size() && error == engine::kNone; ++i)
     error = FeedTrack(pipe, tracks[i], plan[i], tell);
-  }
   pipe.CloseWriting();
   if (mode_.onTheFly && error == engine::kNone) Say(Text(texts::DiscWasRead));
   while (!writer.EndsWithin(kTellAgain)) tell();
