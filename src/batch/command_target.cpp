@@ -1,11 +1,13 @@
 #include "batch/command_target.h"
 
 #include "batch/command_line.h"
-#include "batch/console_host.h"
+#include "batch/console_question.h"
 #include "batch/texts.h"
+#include "frame/job.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/files/files.h"
+#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
 
@@ -39,6 +41,20 @@ std::optional<std::string> WriteTarget(Console& console, TargetNaming& naming, c
   if (refused || taken.error() != Outcome::Cancelled)
     PrintError(console, Format(Text(refused ? texts::BatchFileExists : failed), target.name));
   return std::nullopt;
+}
+
+int WriteCommandFile(Console& console, const std::string& path, const std::string& source, ByteView bytes,
+                     OverwritePolicy policy) {
+  Job job;
+  job.sourceDrive = kListModeDrive;
+  if (!source.empty()) job.files.Append({.path = FullPath(source)});
+  job.files.SelectAll();
+  const DestinationFiles files = SystemDestinationFiles();
+  TargetNaming naming(job, {.overwrite = policy, .origin = NameOrigin::Command}, files);
+  const auto written = WriteTarget(console, naming, FullPath(path), bytes, texts::BatchFileNotWritten);
+  if (!written) return kExitFailed;
+  if (*written != FullPath(path)) console.out << Printable(*written) << '\n';  // its number
+  return kExitSuccess;
 }
 
 }  // namespace ts5::batch

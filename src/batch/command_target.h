@@ -23,4 +23,9 @@ void AddOverwrite(Arguments& arguments, std::optional<std::string>& overwrite);
 [[nodiscard]] std::optional<std::string> WriteTarget(Console& console, TargetNaming& naming,
                                                      const std::string& path, ByteView bytes, TextId failed);
 
+// The one file of a command, made of source ("": of no file), which it does not replace. The name is said
+// where it is another one. The exit status; what went wrong is told.
+[[nodiscard]] int WriteCommandFile(Console& console, const std::string& path, const std::string& source,
+                                   ByteView bytes, OverwritePolicy policy);
+
 }  // namespace ts5::batch

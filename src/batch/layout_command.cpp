@@ -16,11 +16,9 @@
 #include "batch/json_text.h"
 #include "batch/store.h"
 #include "batch/texts.h"
-#include "frame/target_naming.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
 #include "platform/files/files.h"
-#include "platform/files/real_paths.h"
 
 namespace ts5::batch {
 namespace {
@@ -170,16 +168,7 @@ int ConvertCommand(const Conversion& way, CommandLine line, Console& console) {
   if (!policy) return kExitUsage;
   const auto bytes = way.convert(source);
   if (!bytes) return Refuse(console, source);
-  Job job;
-  job.sourceDrive = kListModeDrive;
-  job.files.Append({.path = FullPath(source)});
-  job.files.SelectAll();
-  const DestinationFiles files = SystemDestinationFiles();
-  TargetNaming naming(job, {.overwrite = *policy, .origin = NameOrigin::Command}, files);
-  const auto written = WriteTarget(console, naming, FullPath(target), *bytes, texts::BatchFileNotWritten);
-  if (!written) return kExitFailed;
-  if (*written != FullPath(target)) console.out << Printable(*written) << '\n';  // its number
-  return kExitSuccess;
+  return WriteCommandFile(console, target, source, *bytes, *policy);
 }
 
 // "1.5,-0.5" as two whole numbers of the unit that is so much smaller; nothing for anything else.

@@ -3,8 +3,8 @@
 
 #include "batch/arguments.h"
 #include "batch/command_line.h"
+#include "batch/command_target.h"
 #include "batch/commands.h"
-#include "batch/console_question.h"
 #include "batch/store.h"
 #include "batch/texts.h"
 #include "platform/base/text.h"
@@ -194,16 +194,15 @@ int ExportCommand(CommandLine line, Console& console) {
                       texts::BatchRegistryExportExamples);
   arguments.Required("DATEI.reg", path, texts::BatchHelpRegFile);
   arguments.Optional("SCHLÜSSEL", keyText, texts::BatchHelpKey);
-  arguments.Option("--overwrite", "yes|number|ask", overwrite, texts::BatchHelpOverwriteFile);
+  AddOverwrite(arguments, overwrite);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const auto policy = ParseOverwrite(overwrite.value_or("ask"));
-  if (!policy)
-    return WrongUsage(console, "registry export", Format(Text(texts::BatchOverwriteWrong), *overwrite));
+  const auto policy = TakeOverwrite(overwrite, "registry export", console);
+  if (!policy) return kExitUsage;
   return WithKey(console, keyText.value_or(""), RegistryAccess::ReadOnly, true,
                  [&](const Registry& registry, const std::string& key) -> int {
                    const auto text = ExportRegText(registry, key);
                    if (!text) return StoreFailed(console, text.error());
-                   return WriteOnConsole(console, path, *text, *policy);
+                   return WriteCommandFile(console, path, {}, *text, *policy);
                  });
 }
 
