@@ -1,5 +1,6 @@
 #include "batch/console_question.h"
 
+#include "batch/command_line.h"
 #include "batch/texts.h"
 #include "frame/texts.h"
 #include "platform/base/text.h"
