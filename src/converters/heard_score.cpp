@@ -1,11 +1,14 @@
 #include "converters/heard_score.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 
 #include "converters/item_losses.h"
 #include "converters/score_formats.h"
+#include "converters/tempo_systems.h"
 #include "converters/texts.h"
+#include "score/score_bars.h"
 #include "score/score_writer.h"
 
 namespace ts5 {
@@ -15,14 +18,41 @@ namespace {
 constexpr TextId kUnheard[] = {texts::LossTieEnd,    texts::LossMicrotone,   texts::LossVoice,
                                texts::LossTranspose, texts::LossInstruments, texts::LossLength,
                                texts::LossStaffTime};
-constexpr TextId kUnheardOfFile[] = {texts::LossTempo,   texts::LossTempoRounded, texts::LossTuplet,
-                                     texts::LossNoteTie, texts::LossDynamic,      texts::LossRepeats};
+constexpr TextId kUnheardOfFile[] = {texts::LossTuplet, texts::LossNoteTie, texts::LossDynamic,
+                                     texts::LossRepeats};
 
-std::vector<ItemLoss> LossesOf(const LossReport& report, std::span<const TextId> kinds) {
-  LossReport heard;
-  heard.Add(report);  // with the names of its places
-  heard.Keep([kinds](const ScoreLoss& loss) { return std::ranges::find(kinds, loss.kind) != kinds.end(); });
-  return ItemLosses(heard);
+bool IsOneOf(const ScoreLoss& loss, std::span<const TextId> kinds) {
+  return std::ranges::find(kinds, loss.kind) != kinds.end();
+}
+
+bool BeginsSystem(const ScoreMusic& music, Fraction at) {
+  const std::uint32_t bar = BarAt(music, at);
+  return bar < music.bars.size() && music.bars[bar].start == at &&
+         (bar == 0 || music.bars[bar].system != music.bars[bar - 1].system);
+}
+
+// The score file, with its tempos where they are written; those that it cannot have so are added to the
+// report.
+Bytes FileOf(const ScoreDocument& document, const ScoreMusic& music, LossReport& losses) {
+  const auto isWithin = [&music](const ScoreTempo& tempo) { return !BeginsSystem(music, tempo.at); };
+  std::vector<ScoreTempo> left;
+  Bytes file;
+  if (std::ranges::any_of(music.tempos, isWithin)) {
+    ScoreDocument divided = document;
+    left = BeginSystemsAtTempos(divided, music);
+    file = WriteScore(divided);
+  } else {
+    file = WriteScore(document);
+  }
+  for (const ScoreTempo& tempo : music.tempos) {
+    const auto bar = static_cast<int>(BarAt(music, tempo.at));
+    if (std::ranges::find(left, tempo.at, &ScoreTempo::at) != left.end()) {
+      losses.Add(texts::LossTempo, bar);
+    } else if (std::abs(tempo.quarters - std::round(tempo.quarters)) > 1e-6) {
+      losses.Add(texts::LossTempoRounded, bar);
+    }
+  }
+  return file;
 }
 
 }  // namespace
@@ -35,11 +65,15 @@ Result<ScoreImage> HeardScore(Bytes file, const CancelCheck& cancelled) {
   file = {};
   LossReport ofFile;
   ReportScoreFileLosses(score->document, ofFile, cancelled);
-  if (cancelled && cancelled()) return Failure(Outcome::Cancelled);
+  ofFile.Keep([](const ScoreLoss& loss) { return IsOneOf(loss, kUnheardOfFile); });
   SayTimesInWords(score->document);
-  ScoreImage image{WriteScore(score->document)};
-  image.losses = LossesOf(score->losses, kUnheard);
-  image.engineLosses = LossesOf(ofFile, kUnheardOfFile);
+  const ScoreMusic music = ReadMusic(score->document, cancelled);
+  if (cancelled && cancelled()) return Failure(Outcome::Cancelled);
+  ScoreImage image{FileOf(score->document, music, ofFile)};
+  score->losses.Keep([](const ScoreLoss& loss) { return IsOneOf(loss, kUnheard); });
+  score->losses.NamePlaces(score->document, music);
+  image.losses = ItemLosses(score->losses);
+  image.engineLosses = ItemLosses(ofFile);
   image.document = std::make_shared<const ScoreDocument>(std::move(score->document));
   return image;
 }

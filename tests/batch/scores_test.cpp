@@ -130,22 +130,26 @@ TEST_F(ScoresTest, WhatIsPlayedIsWhatIsWritten) {
 }
 
 TEST_F(ScoresTest, WhatIsNotHeardAsItIsWrittenIsTold) {
-  // A tempo that is no whole number, and a repeat that is played three times.
+  // A tempo that is no whole number, another one within the bar, and a repeat that is played three times.
+  const std::string note =
+      "<note><pitch><step>C</step><octave>4</octave></pitch><duration>2</duration></note>";
   const std::string source = folder_.Write(
       "a.musicxml",
       "<score-partwise><part-list><score-part id='P'/></part-list><part id='P'><measure number='7'><sound "
-      "tempo='76.5'/><note><pitch><step>C</step><octave>4</octave></pitch><duration>4</duration></"
-      "note><barline>"
-      "<repeat direction='backward' times='3'/></barline></measure></part></score-partwise>");
-  for (const char* method : {"0", "1"}) {
+      "tempo='76.5'/>" +
+          note + "<sound tempo='100'/>" + note +
+          "<barline><repeat direction='backward' times='3'/></barline></measure></part></score-partwise>");
+  for (const bool engine : {false, true}) {
     const json result = Run({"run", "ScoreToMidi", "--json", "--overwrite", "yes", "--dest",
-                             folder_.File("a.mid"), "--set", std::string("NewMethod=") + method, source});
+                             folder_.File("a.mid"), "--set", engine ? "NewMethod=1" : "NewMethod=0", source});
     const json losses = result["items"][0]["losses"];
-    const std::string told = losses.empty() ? "" : losses[0]["bar"].get<std::string>();
-    EXPECT_EQ(told, method == std::string("0") ? "" : "7");
+    EXPECT_EQ(losses.size(), engine ? 1U : 0U);
+    if (engine) EXPECT_EQ(losses[0]["bar"], "7");
     const auto notes = Notes(folder_.File("a.mid"));
-    ASSERT_EQ(notes.size(), 6U);
-    EXPECT_EQ(notes[4].first, method == std::string("0") ? 6275 : 6234);
+    ASSERT_EQ(notes.size(), 12U);
+    const double half = 120'000 / (engine ? 77.0 : 76.5);
+    EXPECT_NEAR(static_cast<double>(notes[2].first), half, 1);
+    EXPECT_NEAR(static_cast<double>(notes[8].first), 2 * (half + 1200), 2);
   }
 }
 
