@@ -25,12 +25,6 @@ std::optional<std::uint64_t> FramesInBlocks(const WaveFormat& format, std::uint6
 
 }  // namespace
 
-std::uint64_t MediaProbe::Milliseconds() const {
-  if (format.bytesPerSecond == 0) return 0;
-  const std::uint64_t whole = dataLength / format.bytesPerSecond;
-  return whole * 1000 + dataLength % format.bytesPerSecond * 1000 / format.bytesPerSecond;
-}
-
 MediaProbe ProbeMedia(const std::string& path) {
   if (auto file = InputFile::Open(path)) {
     if (auto probe = QuickProbe(std::move(*file))) return *std::move(probe);
