@@ -1,5 +1,6 @@
 // Reads and changes the attributes of audio files: Windows Media, MPEG (ID3v2, ID3v1), Ogg Vorbis, Opus,
-// FLAC, Monkey's Audio and WavPack (APEv2), MP4 (ilst), RIFF WAVE (INFO, and ID3v2 where it is there) and AIFF (ID3v2).
+// FLAC, Monkey's Audio and WavPack (APEv2), MP4 (ilst), RIFF WAVE (INFO, and ID3v2 where it is there) and
+// AIFF (ID3v2).
 #pragma once
 
 #include <cstddef>

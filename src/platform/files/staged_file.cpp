@@ -20,8 +20,8 @@
 namespace ts5 {
 namespace {
 
-// A staged file is ".sTS5-", the process number of its owner and four random digits. What a program of its own makes
-// beside it bears that name with an extension.
+// A staged file is ".sTS5-", the process number of its owner and four random digits. What a program of its
+// own makes beside it bears that name with an extension.
 constexpr std::string_view kStagedPrefix = ".sTS5-";
 constexpr std::size_t kOwnerDigits = 8;
 constexpr std::size_t kRandomDigits = 4;
