@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "audio/format_texts.h"
+#include "audio/tags/tag_file.h"
 #include "audio/texts.h"
 #include "audio/wave_stream.h"
 #include "midi/texts.h"
@@ -78,13 +79,18 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
   const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   const MediaProbe probe = ProbeMedia(path);
-  if (probe.kind == MediaKind::None) return Failure(Outcome::WrongFormat);
+  if (probe.kind == MediaKind::None && ReadAttributes(path).value_or(Attributes()).empty())
+    return Failure(Outcome::WrongFormat);
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());
   AudioProperties properties;
   properties.title = Format(Text(texts::PropertiesTitle), FileNameOf(path));
   properties.kind = probe.kind;
-  properties.rows = AudioPropertyRows(probe, *written, file->Size());
+  if (probe.kind == MediaKind::None) {
+    properties.rows = {{Copy(texts::AudioPropertySize), SizeText(file->Size())}};
+  } else {
+    properties.rows = AudioPropertyRows(probe, *written, file->Size());
+  }
   return properties;
 }
 

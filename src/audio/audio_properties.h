@@ -19,7 +19,8 @@ struct AudioProperties {
   std::vector<PropertyRow> rows;
 };
 
-// What the file says about itself; quick. SourceFailed: the file cannot be opened. WrongFormat: no audio.
+// What the file says about itself; quick. SourceFailed: the file cannot be opened. WrongFormat: no audio, and
+// no attributes either.
 [[nodiscard]] Result<AudioProperties> ReadAudioProperties(const std::string& path);
 // Compressed files show their size and bit rate beside what all show.
 [[nodiscard]] std::vector<PropertyRow> AudioPropertyRows(const MediaProbe& probe, CalendarDate lastWritten,

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "audio/media_facts.h"
+#include "audio/probed_media.h"
 
 namespace ts5 {
 

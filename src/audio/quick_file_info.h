@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "audio/media_probe.h"
+#include "audio/probed_media.h"
 #include "audio/tags/attribute.h"
 
 namespace ts5 {

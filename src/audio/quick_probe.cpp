@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -57,12 +56,6 @@ std::optional<MediaProbe> ProbeTaggedMp3(const InputFile& file) {
 }
 
 }  // namespace
-
-void SetSeconds(MediaProbe& probe, double seconds) {
-  constexpr double kMostSeconds = 1e9;
-  probe.seconds = std::clamp(seconds, 0.0, kMostSeconds);
-  probe.dataLength = static_cast<std::uint64_t>(std::llround(probe.seconds * probe.format.bytesPerSecond));
-}
 
 std::optional<MediaProbe> ProbeSamples(MediaKind kind, const WaveFile& wave) {
   MediaProbe probe{.kind = kind, .format = wave.Format()};

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "audio/media_facts.h"
+#include "audio/probed_media.h"
 #include "audio/wave_file.h"
 #include "platform/files/input_file.h"
 
@@ -14,8 +14,5 @@ namespace ts5 {
 [[nodiscard]] std::optional<MediaProbe> QuickProbe(InputFile file);
 // Of an opened wave or AIFF file; nothing when its samples are compressed.
 [[nodiscard]] std::optional<MediaProbe> ProbeSamples(MediaKind kind, const WaveFile& wave);
-
-// And the data length with it; the format is there already.
-void SetSeconds(MediaProbe& probe, double seconds);
 
 }  // namespace ts5

@@ -1,6 +1,8 @@
 #include "app/look/house_style.h"
 
 #include <QIcon>
+#include <QStyleOption>
+#include <QWidget>
 #include <string_view>
 
 #include "resources/icons.h"
@@ -35,6 +37,18 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
   // sheet and cuts its last line.
   if (hint == SH_DialogButtonBox_ButtonsHaveIcons || hint == SH_ComboBox_Popup) return 0;
   return QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                               const QWidget* widget) const {
+  const auto* const item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+  if (element != PE_IndicatorItemViewItemCheck || item == nullptr || widget == nullptr)
+    return QProxyStyle::drawPrimitive(element, option, painter, widget);
+  // On a selected row the mark would have the colour of its text, in a box that stays as light as ever.
+  QStyleOptionViewItem visible(*item);
+  for (const auto group : {QPalette::Active, QPalette::Inactive})
+    visible.palette.setColor(group, QPalette::Text, widget->palette().color(group, QPalette::Text));
+  QProxyStyle::drawPrimitive(element, &visible, painter, widget);
 }
 
 QIcon HouseStyle::standardIcon(StandardPixmap sign, const QStyleOption* option, const QWidget* widget) const {

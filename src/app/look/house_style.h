@@ -12,6 +12,8 @@ class HouseStyle : public QProxyStyle {
 
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* answer) const override;
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override;
   QIcon standardIcon(StandardPixmap sign, const QStyleOption* option, const QWidget* widget) const override;
   QPixmap standardPixmap(StandardPixmap sign, const QStyleOption* option,
                          const QWidget* widget) const override;

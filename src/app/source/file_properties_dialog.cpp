@@ -54,7 +54,9 @@ const std::vector<PropertiesStep>& Steps() {
       {{},
        [](const FileListEntry& file) -> Result<PropertiesWindow> {
          const MediaKind kind = ProbeMedia(file.path).kind;
-         if (kind == MediaKind::None) return Failure(Outcome::WrongFormat);
+         // Some that nothing here plays have attributes.
+         if (kind == MediaKind::None && ReadAttributes(file.path).value_or(Attributes()).empty())
+           return Failure(Outcome::WrongFormat);
          return IsWaveKind(kind) ? PropertiesWindow::Wave : PropertiesWindow::Audio;
        }},
   };

@@ -1,6 +1,8 @@
-// What an audio file is: its kind, its format, and how long its data are.
+// What kind of audio a file holds, in which format, and how long its data are.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,5 +25,18 @@ struct MediaProbe {
   // Rounded down; 0 for a format without a byte rate.
   [[nodiscard]] std::uint64_t Milliseconds() const;
 };
+
+inline std::uint64_t MediaProbe::Milliseconds() const {
+  if (format.bytesPerSecond == 0) return 0;
+  const std::uint64_t whole = dataLength / format.bytesPerSecond;
+  return whole * 1000 + dataLength % format.bytesPerSecond * 1000 / format.bytesPerSecond;
+}
+
+// And the data length with it; the format is there already.
+inline void SetSeconds(MediaProbe& probe, double seconds) {
+  constexpr double kMostSeconds = 1e9;
+  probe.seconds = std::clamp(seconds, 0.0, kMostSeconds);
+  probe.dataLength = static_cast<std::uint64_t>(std::llround(probe.seconds * probe.format.bytesPerSecond));
+}
 
 }  // namespace ts5
