@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMetaEnum>
 #include <QStringList>
 #include <QWidget>
 #include <algorithm>
@@ -46,6 +47,21 @@ inline QStringList NamelessControls(QWidget& window) {
   QStringList nameless;
   WalkAccessible(QAccessible::queryAccessibleInterface(&window), {}, nameless);
   return nameless;
+}
+
+// The tree as a screen reader walks it: a line each, with role, name and state.
+inline QString AccessibleTree(QAccessibleInterface* node, int depth = 0) {
+  if (node == nullptr || !node->isValid() || node->state().invisible) return {};
+  const QAccessible::State state = node->state();
+  QString line = QString(2 * depth, QLatin1Char(' ')) +
+                 QLatin1String(QMetaEnum::fromType<QAccessible::Role>().valueToKey(node->role())) +
+                 QStringLiteral(" \"") + node->text(QAccessible::Name) + QLatin1Char('"');
+  if (state.disabled) line += QStringLiteral(" gesperrt");
+  if (state.checked || state.selected) line += QStringLiteral(" gewählt");
+  if (state.focusable) line += QStringLiteral(" erreichbar");
+  line += QLatin1Char('\n');
+  for (int i = 0; i < node->childCount(); ++i) line += AccessibleTree(node->child(i), depth + 1);
+  return line;
 }
 
 // The visible controls of a shown window that the keyboard cannot reach although they can be operated.

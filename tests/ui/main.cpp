@@ -22,8 +22,8 @@ void UseScreen(QTemporaryFile& file) {
   const int scale = std::max(size.captured(3).toInt(), 1);
   file.write(QStringLiteral(R"({"screens":[{"name":"S","x":0,"y":0,"width":%1,"height":%2,"logicalDpi":96,)"
                             R"("logicalBaseDpi":96,"dpr":%3}]})")
-                 .arg(size.captured(1).toInt() * scale)
-                 .arg(size.captured(2).toInt() * scale)
+                 .arg(size.captured(1).toInt())
+                 .arg(size.captured(2).toInt())
                  .arg(scale)
                  .toUtf8());
   file.flush();

@@ -1,7 +1,8 @@
-// Pictures of every window in the three appearances, light and dark:
+// Pictures of every window in the three appearances, light and dark, and of each its tree for screen readers:
 //   QT_QPA_PLATFORM=offscreen screenshots DIRECTORY [SCALE]
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QPixmap>
 #include <cstdio>
 
@@ -9,6 +10,7 @@
 #include "app/look/toolkit_texts.h"
 #include "dialogs_support.h"
 #include "resources/icons.h"
+#include "support/accessible.h"
 #include "workbench_sample.h"
 
 int main(int argc, char** argv) {
@@ -45,6 +47,9 @@ int main(int argc, char** argv) {
         const auto window = sample.make(host);
         window->show();
         QApplication::processEvents();
+        QFile tree(directory.filePath(QLatin1String(sample.name) + QStringLiteral(".txt")));
+        if (tree.open(QIODevice::WriteOnly))
+          tree.write(ts5::AccessibleTree(QAccessible::queryAccessibleInterface(window.get())).toUtf8());
         const QString file = QStringLiteral("%1-%2-%3.png")
                                  .arg(QLatin1String(sample.name), QLatin1String(layoutName),
                                       QLatin1String(dark ? "dunkel" : "hell"));

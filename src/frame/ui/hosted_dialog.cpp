@@ -85,27 +85,49 @@ void HostedDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 void HostedDialog::showEvent(QShowEvent* event) {
-  // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
-  // dialogs on small screens.
   // The least width of a template is for short texts, and for another look.
   for (QPushButton* const button : findChildren<QPushButton*>()) {
     if (button->minimumWidth() < button->maximumWidth())
       button->setMinimumWidth(std::max(button->minimumWidth(), button->minimumSizeHint().width()));
   }
-  if (QLayout* const rows = layout()) {
-    const QSize room = screen()->availableSize() - QSize(kSideFrame, kWindowFrame);
-    const int wide = std::min(width(), room.width());
-    const int wanted = std::max({height(), sizeHint().height(), rows->totalHeightForWidth(wide)});
-    const int needed = std::max(rows->minimumHeightForWidth(wide), rows->totalMinimumSize().height());
-    resize(wide, std::min(wanted, room.height()));
-    // Nor does the user clip them. Tabs ask for less than their pages need.
-    const bool tabs = findChild<QTabWidget*>() != nullptr;
-    if ((rows->hasHeightForWidth() || tabs) && needed <= room.height())
-      setMinimumSize(wide, tabs ? std::min(wanted, room.height()) : needed);
-    ScrollOnSmallScreens(*this, needed, room.height());
+  // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
+  // dialogs on small screens.
+  if (const QLayout* const rows = layout()) {
+    const QSize room = Room();
+    width_ = std::min(width(), room.width());
+    const int wanted = std::max({height(), sizeHint().height(), rows->totalHeightForWidth(width_)});
+    resize(width_, std::min(wanted, room.height()));
+    ScrollOnSmallScreens(*this, LeastHeight(), room.height());
+    StayWhole();
   }
   if (!prompt_.isEmpty()) host_.ShowPrompt(prompt_);
   QDialog::showEvent(event);
+}
+
+bool HostedDialog::event(QEvent* event) {
+  const bool done = QDialog::event(event);
+  if (event->type() == QEvent::LayoutRequest && isVisible()) StayWhole();
+  return done;
+}
+
+QSize HostedDialog::Room() const {
+  return screen()->availableSize() - QSize(kSideFrame, kWindowFrame);
+}
+
+int HostedDialog::LeastHeight() const {
+  return std::max(layout()->minimumHeightForWidth(width_), layout()->totalMinimumSize().height());
+}
+
+// The user does not make it so small that wrapped texts are cut, or pages of tabs, which ask for less than
+// they need; also when there is more in it by now.
+void HostedDialog::StayWhole() {
+  const QLayout* const rows = layout();
+  if (rows == nullptr) return;
+  const bool tabs = findChild<QTabWidget*>() != nullptr;
+  const QSize room = Room();
+  if ((!rows->hasHeightForWidth() && !tabs) || LeastHeight() > room.height()) return;
+  const int height = std::max(LeastHeight(), tabs ? std::min(sizeHint().height(), room.height()) : 0);
+  setMinimumSize(std::max(width_, std::min(rows->totalMinimumSize().width(), room.width())), height);
 }
 
 void HostedDialog::hideEvent(QHideEvent* event) {

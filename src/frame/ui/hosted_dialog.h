@@ -30,6 +30,7 @@ class HostedDialog : public QDialog {
   // OK: accepts; a dialog with something to check overrides it.
   virtual void Commit() { accept(); }
 
+  bool event(QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
@@ -38,7 +39,12 @@ class HostedDialog : public QDialog {
 
  private:
   DialogHost& host_;
+  [[nodiscard]] QSize Room() const;  // on the screen
+  [[nodiscard]] int LeastHeight() const;
+  void StayWhole();
+
   QString prompt_;
+  int width_ = 0;  // when it was shown
 };
 
 // Puts the focus into a field and selects its text, for the user to correct it.

@@ -21,6 +21,7 @@ namespace ts5 {
 namespace {
 
 constexpr QSize kSizeWithDetails{820, 600};
+constexpr int kNarrowestDetails = 560;  // its buttons are whole
 constexpr std::array kColumnWidths{240, 110, 330};  // the last column takes the rest
 
 Outcome Write(const std::string& path, const std::string& text) {
@@ -133,6 +134,7 @@ QString ResultsDialog::HelpTopic() const {
 void ResultsDialog::ShowDetails(bool shown) {
   ui_->details->setVisible(shown);
   if (!shown) return;
+  setMinimumWidth(kNarrowestDetails);
   resize(size().expandedTo(kSizeWithDetails));
   ui_->items->setFocus();
   if (!ui_->items->currentIndex().isValid()) ui_->items->setCurrentIndex(sorted_.index(0, 0));

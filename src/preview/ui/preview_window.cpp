@@ -83,6 +83,7 @@ void PreviewWindow::BuildToolBar() {
     QAction* const action = bar->addAction(Icon(icon), QtText(text));
     if (!key.isEmpty()) action->setShortcut(key);
     action->setToolTip(QtText(text));
+    if (QWidget* const button = bar->widgetForAction(action)) button->setFocusPolicy(Qt::TabFocus);
     connect(action, &QAction::triggered, this, act);
     return action;
   };
@@ -104,6 +105,7 @@ void PreviewWindow::BuildToolBar() {
   const auto word = [this, bar](TextId text, const QKeySequence& key, auto act) {
     QAction* const action = bar->addAction(QtText(text));
     action->setShortcut(key);
+    if (QWidget* const button = bar->widgetForAction(action)) button->setFocusPolicy(Qt::TabFocus);
     connect(action, &QAction::triggered, this, act);
   };
   word(texts::PreviewSmaller, QKeySequence::ZoomOut, [this] { view_->Zoom(1 / kStep); });
