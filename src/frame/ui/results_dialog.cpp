@@ -21,7 +21,7 @@ namespace ts5 {
 namespace {
 
 constexpr QSize kSizeWithDetails{820, 600};
-constexpr int kNarrowestDetails = 560;  // its buttons are whole
+constexpr int kNarrowestDetails = 560;              // its buttons are whole
 constexpr std::array kColumnWidths{240, 110, 330};  // the last column takes the rest
 
 Outcome Write(const std::string& path, const std::string& text) {
