@@ -40,40 +40,43 @@ const std::string& Minute() {
   return path;
 }
 
-EncodeSettings SettingsOf(EncoderId id) {
-  EncodeSettings settings;
-  if (id == EncoderId::OggVorbis) settings.method = static_cast<std::int32_t>(EncodeMethod::OggVorbis);
-  if (id == EncoderId::MonkeysAudio) settings.method = static_cast<std::int32_t>(EncodeMethod::MonkeysAudio);
-  if (settings.Method() == EncodeMethod::Codec) settings.object = CodecIndexOf(id);
-  settings.format = id == EncoderId::Mp2Codec ? 13 : id == EncoderId::WmaCodec ? 9 : 14;
-  settings.engine = BeConfig::Defaults(id == EncoderId::Blade ? Mp3Engine::Blade : Mp3Engine::Lame);
-  if (id == EncoderId::Lame) settings.engine.Set(lame::bEnableVBR, 0);
+encode::EncodeSettings SettingsOf(encode::EncoderId id) {
+  encode::EncodeSettings settings;
+  if (id == encode::EncoderId::OggVorbis)
+    settings.method = static_cast<std::int32_t>(encode::EncodeMethod::OggVorbis);
+  if (id == encode::EncoderId::MonkeysAudio)
+    settings.method = static_cast<std::int32_t>(encode::EncodeMethod::MonkeysAudio);
+  if (settings.Method() == encode::EncodeMethod::Codec) settings.object = encode::CodecIndexOf(id);
+  settings.format = id == encode::EncoderId::Mp2Codec ? 13 : id == encode::EncoderId::WmaCodec ? 9 : 14;
+  settings.engine = encode::BeConfig::Defaults(id == encode::EncoderId::Blade ? encode::Mp3Engine::Blade
+                                                                              : encode::Mp3Engine::Lame);
+  if (id == encode::EncoderId::Lame) settings.engine.Set(encode::lame::bEnableVBR, 0);
   return settings;
 }
 
-Outcome EncodeMinute(StagedFile& target, const EncodeSettings& settings) {
-  auto source = EncodingSource::Open(Minute(), settings);
-  return source ? EncodeFile(*source, target, settings) : source.error();
+Outcome EncodeMinute(StagedFile& target, const encode::EncodeSettings& settings) {
+  auto source = encode::EncodingSource::Open(Minute(), settings);
+  return source ? encode::EncodeFile(*source, target, settings) : source.error();
 }
 
 const std::string kTarget = "/tmp/ts5-encode-bench.out";
 
 void Encode(benchmark::State& state) {
-  const auto id = static_cast<EncoderId>(state.range(0));
-  const EncodeSettings settings = SettingsOf(id);
+  const auto id = static_cast<encode::EncoderId>(state.range(0));
+  const encode::EncodeSettings settings = SettingsOf(id);
   for (auto _ : state) {
     auto target = StagedFile::Create(kTarget);
     if (!target || Failed(EncodeMinute(*target, settings))) return state.SkipWithError("not encoded");
     if (Failed(target->Commit())) return state.SkipWithError("not written");
   }
-  state.SetLabel(std::string(EncoderById(id).name));
+  state.SetLabel(std::string(encode::EncoderById(id).name));
   state.counters["times"] =
       benchmark::Counter(static_cast<double>(state.iterations()) * kSeconds, benchmark::Counter::kIsRate);
 }
 BENCHMARK(Encode)->DenseRange(0, 6)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void Decode(benchmark::State& state) {
-  const auto id = static_cast<EncoderId>(state.range(0));
+  const auto id = static_cast<encode::EncoderId>(state.range(0));
   auto target = StagedFile::Create(kTarget);
   if (!target || Failed(EncodeMinute(*target, SettingsOf(id))) || Failed(target->Commit()))
     return state.SkipWithError("not encoded");
@@ -84,7 +87,7 @@ void Decode(benchmark::State& state) {
     for (auto got = (*source)->Read(block); got && *got > 0; got = (*source)->Read(block)) {
     }
   }
-  state.SetLabel(std::string(EncoderById(id).name));
+  state.SetLabel(std::string(encode::EncoderById(id).name));
   state.counters["times"] =
       benchmark::Counter(static_cast<double>(state.iterations()) * kSeconds, benchmark::Counter::kIsRate);
 }

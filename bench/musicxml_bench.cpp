@@ -47,8 +47,8 @@ const std::string& LargeScore() {
   return score;
 }
 
-ScoreWithLosses LargeDocument() {
-  auto score = ReadMusicXml(AsBytes(LargeScore()));
+converters::ScoreWithLosses LargeDocument() {
+  auto score = converters::ReadMusicXml(AsBytes(LargeScore()));
   if (!score) std::abort();
   return std::move(*score);
 }
@@ -61,16 +61,16 @@ void Count(benchmark::State& state) {
 void BM_ReadMusicXml(benchmark::State& state) {
   const ByteView file = AsBytes(LargeScore());
   ResetPeakMemory();
-  for (auto _ : state) benchmark::DoNotOptimize(ReadMusicXml(file));
+  for (auto _ : state) benchmark::DoNotOptimize(converters::ReadMusicXml(file));
   Count(state);
 }
 BENCHMARK(BM_ReadMusicXml)->Unit(benchmark::kMillisecond);
 
 void BM_WriteMusicXml(benchmark::State& state) {
-  const ScoreWithLosses score = LargeDocument();
+  const converters::ScoreWithLosses score = LargeDocument();
   for (auto _ : state) {
-    LossReport losses;
-    benchmark::DoNotOptimize(WriteMusicXml(score.document, losses));
+    converters::LossReport losses;
+    benchmark::DoNotOptimize(converters::WriteMusicXml(score.document, losses));
   }
   Count(state);
 }
@@ -79,7 +79,7 @@ BENCHMARK(BM_WriteMusicXml)->Unit(benchmark::kMillisecond);
 void BM_MusicXmlToMidi(benchmark::State& state) {
   const ByteView file = AsBytes(LargeScore());
   for (auto _ : state) {
-    auto image = ScoreImageOf(Bytes(file.begin(), file.end()));
+    auto image = converters::ScoreImageOf(Bytes(file.begin(), file.end()));
     if (!image) std::abort();
     PlaybackParameters parameters;
     const auto score = OpenAndScan(std::move(*image), parameters);
@@ -110,7 +110,7 @@ void BM_LongestTimeWithoutALookAtTheStop(benchmark::State& state) {
       last = now;
       return false;
     };
-    benchmark::DoNotOptimize(ReadMusicXml(AsBytes(text), look));
+    benchmark::DoNotOptimize(converters::ReadMusicXml(AsBytes(text), look));
     look();
   }
   state.counters["longest ms"] = longest;
@@ -161,9 +161,9 @@ void BM_SearchXmlScores(benchmark::State& state) {
       const std::span<const std::string> turn = std::span(files).subspan(first, kTurn);
       const double begin = ProcessorSeconds();
       for (const std::string& file : turn) {
-        auto text = XmlText(*ReadFile(file));
+        auto text = converters::XmlText(*ReadFile(file));
         pugi::xml_document tree;
-        benchmark::DoNotOptimize(ParseXml(tree, *text));
+        benchmark::DoNotOptimize(converters::ParseXml(tree, *text));
       }
       const double between = ProcessorSeconds();
       for (const std::string& file : turn) {

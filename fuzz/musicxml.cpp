@@ -13,7 +13,7 @@ namespace {
 
 // The search finds the same in the notes alone as in the score file, where it can be read as one.
 bool SearchesAlike(ByteView source, ByteView file) {
-  const auto notes = ReadMusicXml(source, {}, ScoreDetail::Notes);
+  const auto notes = converters::ReadMusicXml(source, {}, converters::ScoreDetail::Notes);
   const auto info = ReadScoreInfo(file);
   if (!notes || !info) return false;
   const auto items = ReadScoreItems(file, *info);
@@ -26,13 +26,13 @@ bool SearchesAlike(ByteView source, ByteView file) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ts5;
-  const auto score = ReadMusicXml({data, size});
+  const auto score = converters::ReadMusicXml({data, size});
   if (!score) return 0;
-  LossReport losses;
-  const auto xml = WriteMusicXml(score->document, losses);
+  converters::LossReport losses;
+  const auto xml = converters::WriteMusicXml(score->document, losses);
   if (!xml) abort();
   // What is written is well-formed and has the bars that were read.
-  const auto again = ReadMusicXml(*xml);
+  const auto again = converters::ReadMusicXml(*xml);
   if (!again || again->document.bars.size() != score->document.bars.size()) abort();
   const Bytes file = WriteScore(score->document);
   if (!ReadScore(file)) abort();

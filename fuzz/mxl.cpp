@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ts5;
-  const auto content = ReadMxl({data, size});
-  if (content && content->size() > size * kMostCompression) abort();
+  const auto content = converters::ReadMxl({data, size});
+  if (content && content->size() > size * converters::kMostCompression) abort();
   return 0;
 }

@@ -9,11 +9,12 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace ts5;
-  const auto score = ReadStvXml({data, size});
+  const auto score = converters::ReadStvXml({data, size});
   if (!score) return 0;
-  const auto xml = WriteStvXml(score->document);
-  const auto again = xml ? ReadStvXml(*xml) : ScoreResult<ScoreWithLosses>();
-  if (!again || WriteStvXml(again->document) != xml) abort();
+  const auto xml = converters::WriteStvXml(score->document);
+  const auto again =
+      xml ? converters::ReadStvXml(*xml) : converters::ScoreResult<converters::ScoreWithLosses>();
+  if (!again || converters::WriteStvXml(again->document) != xml) abort();
   const Bytes file = WriteScore(score->document);
   if (const auto read = ReadScore(file); read && WriteScore(*read) != file) abort();
   return 0;

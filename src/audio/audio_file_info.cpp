@@ -7,7 +7,7 @@
 
 namespace ts5 {
 
-Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attributes) {
+Result<tags::Attributes> FileInfoWith(const std::string& path, const tags::Attributes& attributes) {
   const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   const MediaProbe probe = ProbeMedia(path);
@@ -15,8 +15,8 @@ Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attri
   return FileInfoOf(probe, file->Size(), attributes);
 }
 
-Result<Attributes> ReadFileInfo(const std::string& path) {
-  return FileInfoWith(path, ReadAttributes(path).value_or(Attributes()));
+Result<tags::Attributes> ReadFileInfo(const std::string& path) {
+  return FileInfoWith(path, tags::ReadAttributes(path).value_or(tags::Attributes()));
 }
 
 }  // namespace ts5

@@ -9,8 +9,9 @@
 namespace ts5 {
 
 // SourceFailed: the file cannot be opened. WrongFormat: no audio.
-[[nodiscard]] Result<Attributes> ReadFileInfo(const std::string& path);
+[[nodiscard]] Result<tags::Attributes> ReadFileInfo(const std::string& path);
 // The same of a file whose attributes have been read already.
-[[nodiscard]] Result<Attributes> FileInfoWith(const std::string& path, const Attributes& attributes);
+[[nodiscard]] Result<tags::Attributes> FileInfoWith(const std::string& path,
+                                                    const tags::Attributes& attributes);
 
 }  // namespace ts5

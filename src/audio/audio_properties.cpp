@@ -79,7 +79,7 @@ Result<AudioProperties> ReadAudioProperties(const std::string& path) {
   const auto file = InputFile::Open(path);
   if (!file) return Failure(file.error());
   const MediaProbe probe = ProbeMedia(path);
-  if (probe.kind == MediaKind::None && ReadAttributes(path).value_or(Attributes()).empty())
+  if (probe.kind == MediaKind::None && tags::ReadAttributes(path).value_or(tags::Attributes()).empty())
     return Failure(Outcome::WrongFormat);
   const auto written = LastWriteDate(path);
   if (!written) return Failure(written.error());

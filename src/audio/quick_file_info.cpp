@@ -12,29 +12,30 @@ namespace {
 
 constexpr double kTicksPerSecond = 1e7;
 
-Attribute Fact(std::string_view name, std::uint64_t value) {
-  Attribute fact = NewAttribute(name);
+tags::Attribute Fact(std::string_view name, std::uint64_t value) {
+  tags::Attribute fact = tags::NewAttribute(name);
   fact.value = std::to_string(value);
   return fact;
 }
 
 }  // namespace
 
-Attributes FileInfoOf(const MediaProbe& probe, std::uint64_t size, const Attributes& own) {
+tags::Attributes FileInfoOf(const MediaProbe& probe, std::uint64_t size, const tags::Attributes& own) {
   const std::uint64_t bitRate = std::uint64_t{probe.format.bytesPerSecond} * 8;
-  Attributes info{Fact("FileSize", size),
-                  Fact("Duration", static_cast<std::uint64_t>(std::llround(probe.seconds * kTicksPerSecond))),
-                  Fact("Bitrate", bitRate),
-                  Fact("HasAudio", 1),
-                  Fact("HasVideo", 0),
-                  Fact("Seekable", 1)};
-  for (const Attribute& attribute : own) {
-    if (attribute.readOnly && FindAttribute(info, attribute.name) == nullptr) info.push_back(attribute);
+  tags::Attributes info{
+      Fact("FileSize", size),
+      Fact("Duration", static_cast<std::uint64_t>(std::llround(probe.seconds * kTicksPerSecond))),
+      Fact("Bitrate", bitRate),
+      Fact("HasAudio", 1),
+      Fact("HasVideo", 0),
+      Fact("Seekable", 1)};
+  for (const tags::Attribute& attribute : own) {
+    if (attribute.readOnly && tags::FindAttribute(info, attribute.name) == nullptr) info.push_back(attribute);
   }
   return info;
 }
 
-std::optional<Attributes> QuickFileInfo(const std::string& path, const Attributes& own) {
+std::optional<tags::Attributes> QuickFileInfo(const std::string& path, const tags::Attributes& own) {
   auto file = InputFile::Open(path);
   if (!file) return std::nullopt;
   const std::uint64_t size = file->Size();

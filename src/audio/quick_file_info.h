@@ -13,8 +13,10 @@
 namespace ts5 {
 
 // own: what has been read of the file already.
-[[nodiscard]] Attributes FileInfoOf(const MediaProbe& probe, std::uint64_t size, const Attributes& own);
+[[nodiscard]] tags::Attributes FileInfoOf(const MediaProbe& probe, std::uint64_t size,
+                                          const tags::Attributes& own);
 // Nothing: only a decoder can tell (audio_file_info.h).
-[[nodiscard]] std::optional<Attributes> QuickFileInfo(const std::string& path, const Attributes& own);
+[[nodiscard]] std::optional<tags::Attributes> QuickFileInfo(const std::string& path,
+                                                            const tags::Attributes& own);
 
 }  // namespace ts5

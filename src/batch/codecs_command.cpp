@@ -9,11 +9,11 @@
 namespace ts5::batch {
 namespace {
 
-Json FormatsOf(const CodecEntry& codec) {
+Json FormatsOf(const encode::CodecEntry& codec) {
   Json formats = Json::array();
-  for (const CodecFormat& format : codec.formats) {
+  for (const encode::CodecFormat& format : codec.formats) {
     formats.push_back({{"index", formats.size()},
-                       {"text", CodecFormatText(format)},
+                       {"text", encode::CodecFormatText(format)},
                        {"rate", format.sampleRate},
                        {"channels", format.channels},
                        {"bitrate", format.bitRate}});
@@ -29,12 +29,12 @@ int CodecsCommand(CommandLine line, Console& console) {
   arguments.Flag("--json", json, texts::BatchHelpJson);
   if (const auto status = arguments.Read(line, console)) return *status;
 
-  const auto codecs = Codecs();
+  const auto codecs = encode::Codecs();
   if (json) {
     Json list = Json::array();
-    for (const CodecEntry& codec : codecs) {
+    for (const encode::CodecEntry& codec : codecs) {
       list.push_back({{"index", list.size()},
-                      {"name", EncoderById(codec.encoder).name},
+                      {"name", encode::EncoderById(codec.encoder).name},
                       {"tag", codec.tag},
                       {"formats", FormatsOf(codec)}});
     }
@@ -42,10 +42,11 @@ int CodecsCommand(CommandLine line, Console& console) {
     return kExitSuccess;
   }
   for (std::size_t i = 0; i < codecs.size(); ++i) {
-    console.out << Format("%2i  %s (0x%x)", i, EncoderById(codecs[i].encoder).name, codecs[i].tag) << '\n';
+    console.out << Format("%2i  %s (0x%x)", i, encode::EncoderById(codecs[i].encoder).name, codecs[i].tag)
+                << '\n';
     if (codecs[i].formats.empty()) console.out << "      " << Text(texts::BatchCodecConfigured) << '\n';
     for (std::size_t j = 0; j < codecs[i].formats.size(); ++j)
-      console.out << Format("    %3i  %s", j, CodecFormatText(codecs[i].formats[j])) << '\n';
+      console.out << Format("    %3i  %s", j, encode::CodecFormatText(codecs[i].formats[j])) << '\n';
   }
   return kExitSuccess;
 }

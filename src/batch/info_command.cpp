@@ -82,8 +82,8 @@ Result<Page> ScorePage(const std::string& path) {
 }
 
 Result<Page> XmlPage(const std::string& path) {
-  if (!IsXmlScoreName(path)) return Failure(Outcome::WrongFormat);
-  const auto properties = ReadXmlProperties(path);
+  if (!converters::IsXmlScoreName(path)) return Failure(Outcome::WrongFormat);
+  const auto properties = converters::ReadXmlProperties(path);
   if (!properties)
     return Failure(properties.error() == Outcome::WrongFormat ? Outcome::WrongFormat : Outcome::SourceFailed);
   return Page{"xml", properties->rows, {}, {}};

@@ -16,7 +16,7 @@
 namespace ts5::batch {
 namespace {
 
-Json JsonInterface(std::size_t number, const EncoderInterface& interface) {
+Json JsonInterface(std::size_t number, const interfaces::EncoderInterface& interface) {
   Json row{{"number", number},
            {"name", interface.name},
            {"encoder", interface.encoder},
@@ -24,7 +24,7 @@ Json JsonInterface(std::size_t number, const EncoderInterface& interface) {
            {"available", interface.Available()},
            {"sets", Json::array()}};
   for (std::size_t set = 0; set < interface.sets.size(); ++set) {
-    const ParameterSet& values = interface.sets[set];
+    const interfaces::ParameterSet& values = interface.sets[set];
     row["sets"].push_back({{"number", set},
                            {"template", values.parameters},
                            {"bitrate", values.bitRate},
@@ -39,10 +39,10 @@ Json JsonInterface(std::size_t number, const EncoderInterface& interface) {
 }
 
 // Numbers count from 0, as CodingObject and CodingFormat do.
-void Print(Console& console, const EncoderInterfaces& interfaces, bool json) {
+void Print(Console& console, const interfaces::EncoderInterfaces& interfaces, bool json) {
   Json rows = Json::array();
   for (std::size_t i = 0; i < interfaces.size(); ++i) {
-    const EncoderInterface& interface = interfaces[i];
+    const interfaces::EncoderInterface& interface = interfaces[i];
     if (json) {
       rows.push_back(JsonInterface(i, interface));
       continue;
@@ -67,7 +67,7 @@ int ListCommand(CommandLine line, Console& console) {
                       texts::BatchInterfacesListExamples);
   arguments.Flag("--json", json, texts::BatchHelpJson);
   if (const auto status = arguments.Read(line, console)) return *status;
-  Print(console, LoadInterfaces(InterfacesPath()), json);
+  Print(console, interfaces::LoadInterfaces(interfaces::InterfacesPath()), json);
   return kExitSuccess;
 }
 
@@ -79,14 +79,15 @@ int FindCommand(CommandLine line, Console& console) {
   arguments.Flag("--json", json, texts::BatchHelpJson);
   arguments.Flag("--add", add, texts::BatchHelpInterfaceFindAdd);
   if (const auto status = arguments.Read(line, console)) return *status;
-  const EncoderInterfaces found = FindEncoders();
+  const interfaces::EncoderInterfaces found = interfaces::FindEncoders();
   Print(console, found, json);
   if (!add) return kExitSuccess;
-  EncoderInterfaces all = LoadInterfaces(InterfacesPath());
-  for (const EncoderInterface& one : found) {
-    if (std::ranges::find(all, one.encoder, &EncoderInterface::encoder) == all.end()) all.push_back(one);
+  interfaces::EncoderInterfaces all = interfaces::LoadInterfaces(interfaces::InterfacesPath());
+  for (const interfaces::EncoderInterface& one : found) {
+    if (std::ranges::find(all, one.encoder, &interfaces::EncoderInterface::encoder) == all.end())
+      all.push_back(one);
   }
-  if (Succeeded(SaveInterfaces(InterfacesPath(), all))) return kExitSuccess;
+  if (Succeeded(interfaces::SaveInterfaces(interfaces::InterfacesPath(), all))) return kExitSuccess;
   PrintError(console, Text(texts::InterfacesNotSaved));
   return kExitFailed;
 }
@@ -95,15 +96,15 @@ int FindCommand(CommandLine line, Console& console) {
 
 struct SetOption {
   std::string_view name;
-  bool ParameterSet::*flag;  // nullptr: the option has a number
+  bool interfaces::ParameterSet::*flag;  // nullptr: the option has a number
 };
 constexpr std::array kSetOptions{SetOption{"--bitrate", nullptr},
                                  SetOption{"--deemphasis", nullptr},
-                                 SetOption{"--vbr", &ParameterSet::vbr},
-                                 SetOption{"--mono", &ParameterSet::mono},
-                                 SetOption{"--crc", &ParameterSet::crc},
-                                 SetOption{"--copyright", &ParameterSet::copyright},
-                                 SetOption{"--original", &ParameterSet::original}};
+                                 SetOption{"--vbr", &interfaces::ParameterSet::vbr},
+                                 SetOption{"--mono", &interfaces::ParameterSet::mono},
+                                 SetOption{"--crc", &interfaces::ParameterSet::crc},
+                                 SetOption{"--copyright", &interfaces::ParameterSet::copyright},
+                                 SetOption{"--original", &interfaces::ParameterSet::original}};
 
 // "--name=value" as "--name", "value".
 std::vector<std::string> Separated(CommandLine line) {
@@ -120,21 +121,22 @@ std::vector<std::string> Separated(CommandLine line) {
   return words;
 }
 
-bool SetNumber(ParameterSet& set, std::string_view option, std::string_view text) {
+bool SetNumber(interfaces::ParameterSet& set, std::string_view option, std::string_view text) {
   const auto number = ParseInteger(text);
   if (!number) return false;
   if (option == "--deemphasis") {
-    if (*number < 0 || *number > static_cast<int>(Deemphasis::Ccitt)) return false;
-    set.deemphasis = static_cast<Deemphasis>(*number);
+    if (*number < 0 || *number > static_cast<int>(interfaces::Deemphasis::Ccitt)) return false;
+    set.deemphasis = static_cast<interfaces::Deemphasis>(*number);
     return true;
   }
-  if (std::ranges::find(kInterfaceBitRates, *number) == kInterfaceBitRates.end()) return false;
+  if (std::ranges::find(interfaces::kInterfaceBitRates, *number) == interfaces::kInterfaceBitRates.end())
+    return false;
   set.bitRate = static_cast<std::uint32_t>(*number);
   return true;
 }
 
 // Takes templates with what describes them off the line; the rest stays. What is wrong, or nothing.
-std::optional<std::string> TakeSets(CommandLine line, std::vector<ParameterSet>& sets,
+std::optional<std::string> TakeSets(CommandLine line, std::vector<interfaces::ParameterSet>& sets,
                                     std::vector<std::string>& rest) {
   const std::vector<std::string> words = Separated(line);
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -164,19 +166,19 @@ std::optional<std::string> TakeSets(CommandLine line, std::vector<ParameterSet>&
   return std::nullopt;
 }
 
-std::optional<TextId> FaultOf(const EncoderInterface& interface) {
-  if (const auto fault = EncoderFault(interface.encoder)) return fault;
-  if (const auto fault = InterfaceNameFault(interface.name)) return fault;
-  if (const auto fault = ExtensionFault(interface.extension)) return fault;
+std::optional<TextId> FaultOf(const interfaces::EncoderInterface& interface) {
+  if (const auto fault = interfaces::EncoderFault(interface.encoder)) return fault;
+  if (const auto fault = interfaces::InterfaceNameFault(interface.name)) return fault;
+  if (const auto fault = interfaces::ExtensionFault(interface.extension)) return fault;
   if (interface.sets.empty()) return texts::InterfaceAskParameters;
-  for (const ParameterSet& set : interface.sets) {
-    if (const auto fault = ParametersFault(set.parameters)) return fault;
+  for (const interfaces::ParameterSet& set : interface.sets) {
+    if (const auto fault = interfaces::ParametersFault(set.parameters)) return fault;
   }
   return std::nullopt;
 }
 
 int AddCommand(CommandLine line, Console& console) {
-  EncoderInterface interface;
+  interfaces::EncoderInterface interface;
   std::vector<std::string> rest;
   const auto wrong = TakeSets(line, interface.sets, rest);
   std::optional<std::string> encoder;
@@ -203,9 +205,9 @@ int AddCommand(CommandLine line, Console& console) {
     PrintError(console, Text(*fault));
     return kExitUsage;
   }
-  EncoderInterfaces all = LoadInterfaces(InterfacesPath());
+  interfaces::EncoderInterfaces all = interfaces::LoadInterfaces(interfaces::InterfacesPath());
   all.push_back(std::move(interface));
-  if (Succeeded(SaveInterfaces(InterfacesPath(), all))) return kExitSuccess;
+  if (Succeeded(interfaces::SaveInterfaces(interfaces::InterfacesPath(), all))) return kExitSuccess;
   PrintError(console, Text(texts::InterfacesNotSaved));
   return kExitFailed;
 }
@@ -216,12 +218,12 @@ int RemoveCommand(CommandLine line, Console& console) {
                       texts::BatchInterfacesRemoveExamples);
   arguments.Required("NUMMER", number, texts::BatchHelpInterfaceNumber);
   if (const auto status = arguments.Read(line, console)) return *status;
-  EncoderInterfaces all = LoadInterfaces(InterfacesPath());
+  interfaces::EncoderInterfaces all = interfaces::LoadInterfaces(interfaces::InterfacesPath());
   const auto index = ParseInteger(number);
   if (!index || *index < 0 || std::cmp_greater_equal(*index, all.size()))
     return WrongUsage(console, "interfaces remove", Format(Text(texts::BatchInterfaceUnknown), number));
   all.erase(all.begin() + *index);
-  if (Succeeded(SaveInterfaces(InterfacesPath(), all))) return kExitSuccess;
+  if (Succeeded(interfaces::SaveInterfaces(interfaces::InterfacesPath(), all))) return kExitSuccess;
   PrintError(console, Text(texts::InterfacesNotSaved));
   return kExitFailed;
 }

@@ -49,7 +49,7 @@ int AttributesCommandWithoutMedia(CommandLine line, Console& console) {
   if (has("--json") && (has("--set") || has("--remove"))) BecomeFull();
   CatchInterrupts();
   return ShowAttributes(line, console,
-                        [](const std::string& file, const Attributes& own) -> Result<Attributes> {
+                        [](const std::string& file, const tags::Attributes& own) -> Result<tags::Attributes> {
                           if (auto info = QuickFileInfo(file, own)) return *std::move(info);
                           BecomeFull();
                           return Failure(Outcome::WrongFormat);

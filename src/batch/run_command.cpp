@@ -236,7 +236,7 @@ int RunCommand(CommandLine line, Console& console) {
   }
   job.parameters = module->create();
   for (const std::string& attribute : request.attributes) {
-    if (!ParseAttribute(attribute))
+    if (!tags::ParseAttribute(attribute))
       return WrongUsage(console, kCommand, Format(Text(texts::BatchAttributeWrong), Shortened(attribute)));
     request.settings.push_back("FileAttribute=" + attribute);
   }

@@ -212,10 +212,11 @@ class ScoreShow {
     Json names = Json::array();
     std::uint8_t code = item.group.articulation;
     if (code == 0) code = marks.articulation;
-    if (const XmlSign* sign = SignOfArticulation(code); sign != nullptr) names.push_back(sign->name);
+    if (const converters::XmlSign* sign = converters::SignOfArticulation(code); sign != nullptr)
+      names.push_back(sign->name);
     for (const DrawingItem& drawing : item.drawings) {
-      const XmlSign* sign = FindSign(drawing.sign);
-      if (sign == nullptr || sign->group == SignGroup::Direction) continue;
+      const converters::XmlSign* sign = converters::FindSign(drawing.sign);
+      if (sign == nullptr || sign->group == converters::SignGroup::Direction) continue;
       if (std::ranges::find(names, Json(sign->name)) == names.end()) names.push_back(sign->name);
     }
     if (marks.marked && std::ranges::find(names, Json("fermata")) == names.end()) names.push_back("fermata");
@@ -244,33 +245,37 @@ class ScoreShow {
 
   static bool AddText(std::string_view list, const DrawingItem& drawing, Json& row) {
     const std::string_view dynamic = drawing.sign == "dynamics" ? std::string_view(drawing.words)
-                                     : drawing.sign.empty()     ? DynamicOfSymbols(AsText(drawing.text))
-                                                                : std::string_view();
+                                     : drawing.sign.empty()
+                                         ? converters::DynamicOfSymbols(AsText(drawing.text))
+                                         : std::string_view();
     if (!dynamic.empty()) {
       row["mark"] = dynamic;
       return list == "dynamics";
     }
-    const XmlSign* sign = FindSign(drawing.sign);
+    const converters::XmlSign* sign = converters::FindSign(drawing.sign);
     row["text"] = WordsOf(drawing);
-    return list == "texts" && row["text"] != "" && (sign == nullptr || sign->group == SignGroup::Direction);
+    return list == "texts" && row["text"] != "" &&
+           (sign == nullptr || sign->group == converters::SignGroup::Direction);
   }
 
   const ScoreDocument& document_;
   ScoreMusic music_;
 };
 
-ScoreResult<ScoreDocument> ReadDocument(const std::string& path) {
-  const auto fail = [](ScoreFault fault) { return tl::unexpected<ScoreFault>(fault); };
+converters::ScoreResult<ScoreDocument> ReadDocument(const std::string& path) {
+  const auto fail = [](converters::ScoreFault fault) {
+    return tl::unexpected<converters::ScoreFault>(fault);
+  };
   const auto input = InputFile::Open(path);
   if (!input) return fail({Outcome::SourceNotOpened});
   const auto file = input->ReadAll(kMaxScoreFile);
   if (!file) return fail({Outcome::SourceNotOpened});
-  auto score = ReadAnyScore(*file);
+  auto score = converters::ReadAnyScore(*file);
   if (!score) return fail(score.error());
   return std::move(score->document);
 }
 
-std::string Told(const ScoreFault& fault) {
+std::string Told(const converters::ScoreFault& fault) {
   if (fault.code == Outcome::WrongFormat || fault.code == Outcome::OldScore)
     return std::string(Text(texts::PropertyUnknownFormat));
   if (fault.code == Outcome::SourceNotOpened) return std::string(Text(texts::BatchFileNotOpened));

@@ -25,7 +25,7 @@ namespace {
 constexpr std::size_t kReadTogether = 512;  // files, which are printed then
 
 struct Request {
-  AttributeChanges changes;
+  tags::AttributeChanges changes;
   unsigned id3Version = 3;
 };
 
@@ -34,7 +34,7 @@ std::optional<std::string> ReadRequest(const std::vector<std::string>& settings,
                                        std::vector<std::string> removals,
                                        const std::optional<std::string>& id3, Request& request) {
   for (const std::string& setting : settings) {
-    auto attribute = ParseAttribute(setting);
+    auto attribute = tags::ParseAttribute(setting);
     if (!attribute) return Format(Text(texts::BatchAttributeWrong), Shortened(setting));
     if (attribute->HasValue()) {
       request.changes.set.push_back(*std::move(attribute));
@@ -52,19 +52,19 @@ std::optional<std::string> ReadRequest(const std::vector<std::string>& settings,
 }
 
 // A value with the type that JSON has for it.
-Json JsonValue(const Attribute& attribute) {
-  if (IsBinary(attribute.type)) return DisplayValue(attribute);
-  if (attribute.type == AttributeType::Bool) return attribute.value == "1";
-  if (attribute.type == AttributeType::String) return attribute.value;
+Json JsonValue(const tags::Attribute& attribute) {
+  if (tags::IsBinary(attribute.type)) return tags::DisplayValue(attribute);
+  if (attribute.type == tags::AttributeType::Bool) return attribute.value == "1";
+  if (attribute.type == tags::AttributeType::String) return attribute.value;
   std::uint64_t number = 0;
   (void)std::from_chars(attribute.value.data(), attribute.value.data() + attribute.value.size(), number);
   return number;
 }
 
-Json JsonFile(const std::string& file, const Attributes& info, const Attributes& attributes) {
+Json JsonFile(const std::string& file, const tags::Attributes& info, const tags::Attributes& attributes) {
   Json row{{"file", file}, {"code", 0}, {"properties", Json::object()}, {"attributes", Json::array()}};
-  for (const Attribute& property : info) row["properties"][property.name] = JsonValue(property);
-  for (const Attribute& attribute : attributes) {
+  for (const tags::Attribute& property : info) row["properties"][property.name] = JsonValue(property);
+  for (const tags::Attribute& attribute : attributes) {
     if (attribute.readOnly) continue;
     row["attributes"].push_back({{"name", attribute.name},
                                  {"type", static_cast<int>(attribute.type)},
@@ -73,13 +73,13 @@ Json JsonFile(const std::string& file, const Attributes& info, const Attributes&
   return row;
 }
 
-void PrintFile(Console& console, const std::string& file, const Attributes& attributes) {
+void PrintFile(Console& console, const std::string& file, const tags::Attributes& attributes) {
   console.out << file << '\n';
   std::size_t width = 0;
-  for (const Attribute& attribute : attributes) width = std::max(width, CharacterCount(attribute.name));
-  for (const Attribute& attribute : attributes) {
+  for (const tags::Attribute& attribute : attributes) width = std::max(width, CharacterCount(attribute.name));
+  for (const tags::Attribute& attribute : attributes) {
     std::string label = attribute.name + ":";
-    const std::string value = DisplayValue(attribute);
+    const std::string value = tags::DisplayValue(attribute);
     for (const std::string_view line : Split(Trim(value), '\n')) {
       console.out << "  " << Padded(label, width + 2) << Trim(line) << '\n';
       label.clear();
@@ -88,11 +88,11 @@ void PrintFile(Console& console, const std::string& file, const Attributes& attr
 }
 
 // Known names in their order, others behind them.
-void Sort(Attributes& attributes) {
-  const auto place = [](const Attribute& attribute) {
-    const AttributeName* const known = FindAttributeName(attribute.name);
-    return known == nullptr ? AttributeNames().size()
-                            : static_cast<std::size_t>(known - AttributeNames().data());
+void Sort(tags::Attributes& attributes) {
+  const auto place = [](const tags::Attribute& attribute) {
+    const tags::AttributeName* const known = tags::FindAttributeName(attribute.name);
+    return known == nullptr ? tags::AttributeNames().size()
+                            : static_cast<std::size_t>(known - tags::AttributeNames().data());
   };
   std::ranges::stable_sort(attributes, {}, place);
 }
@@ -104,20 +104,20 @@ std::string FailureText(const std::string& file, Outcome outcome) {
   return Format(Text(texts::BatchItemFailed), file, Text(text));
 }
 
-Result<Attributes> ChangeAndRead(const std::string& file, const Request& request, std::size_t& failed) {
+Result<tags::Attributes> ChangeAndRead(const std::string& file, const Request& request, std::size_t& failed) {
   if (!IsUsablePath(file)) return Failure(Outcome::SourceFailed);
   if (!request.changes.Empty()) {
-    const auto changed = ChangeAttributes(file, request.changes, request.id3Version);
+    const auto changed = tags::ChangeAttributes(file, request.changes, request.id3Version);
     if (!changed) return Failure(changed.error());
     failed = *changed;
   }
-  return ReadAttributes(file);
+  return tags::ReadAttributes(file);
 }
 
 // What there is to say of a file.
 struct Shown {
-  Result<Attributes> attributes = Failure(Outcome::Cancelled);
-  Attributes info;
+  Result<tags::Attributes> attributes = Failure(Outcome::Cancelled);
+  tags::Attributes info;
   std::size_t failed = 0;  // changes that were not saved
 };
 
@@ -126,7 +126,7 @@ Shown ChangeAndTell(const std::string& file, const Request& request, FileInfoRea
   shown.attributes = ChangeAndRead(file, request, shown.failed);
   if (!shown.attributes) return shown;
   Sort(*shown.attributes);
-  if (info != nullptr) shown.info = info(file, *shown.attributes).value_or(Attributes());
+  if (info != nullptr) shown.info = info(file, *shown.attributes).value_or(tags::Attributes());
   return shown;
 }
 

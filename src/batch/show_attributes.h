@@ -11,7 +11,8 @@ namespace ts5::batch {
 
 // What a file is beside what it says, as FileInfoWith() tells it; needed for --json alone. Called on several
 // threads.
-using FileInfoReader = Result<Attributes> (*)(const std::string& path, const Attributes& attributes);
+using FileInfoReader = Result<tags::Attributes> (*)(const std::string& path,
+                                                    const tags::Attributes& attributes);
 int ShowAttributes(CommandLine line, Console& console, FileInfoReader info);
 
 }  // namespace ts5::batch

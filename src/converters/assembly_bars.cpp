@@ -4,7 +4,7 @@
 
 #include "converters/assembly_spans.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 // Where the group's flags do not say what its notes have.
@@ -151,4 +151,4 @@ void FillBar(const PartToPlace& place, const PartVoices& voices, std::size_t mea
   PlaceMarks(place, voices, measure, bar);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

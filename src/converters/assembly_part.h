@@ -7,7 +7,7 @@
 #include "converters/musicxml_raw.h"
 #include "score/playback_parameters.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 struct BarTimes {
   std::vector<Fraction> starts;
@@ -49,4 +49,4 @@ struct PartToPlace {
   }
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -2,7 +2,7 @@
 
 #include "converters/texts.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 std::uint16_t AsSpan(std::size_t chords) {
@@ -75,4 +75,4 @@ void ExtendMark(const PartToPlace& place, const PartVoices& voices, std::size_t 
   mark.drawing.span = static_cast<std::uint16_t>(std::clamp<std::ptrdiff_t>(span, 1, kMostSpan));
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

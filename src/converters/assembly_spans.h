@@ -4,7 +4,7 @@
 
 #include "converters/assembly_voices.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 void ResolveSlurs(const PartToPlace& place, const PartVoices& voices);
 // On the first chord of their measure in the first voice.
@@ -20,4 +20,4 @@ struct MarkHome {
 void ExtendMark(const PartToPlace& place, const PartVoices& voices, std::size_t measure, const MarkHome& home,
                 Mark& mark);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -2,7 +2,7 @@
 
 #include "converters/texts.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr std::size_t kChordsBetween = 1024;  // two looks at the stop
@@ -102,4 +102,4 @@ bool ResolveTies(const PartToPlace& place, const PartVoices& voices, const Cance
   return Ties(place, voices).Resolve(cancelled);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

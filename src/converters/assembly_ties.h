@@ -4,10 +4,10 @@
 
 #include "converters/assembly_voices.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Settles the ties of all chords. False when it is to stop.
 [[nodiscard]] bool ResolveTies(const PartToPlace& place, const PartVoices& voices,
                                const CancelCheck& cancelled);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -5,7 +5,7 @@
 #include "converters/texts.h"
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 bool PartVoices::VoiceBefore::operator()(const std::string& a, const std::string& b) const {
   const auto x = ParseInteger(a);
@@ -89,4 +89,4 @@ void PartVoices::Place(std::size_t index, std::size_t measure, VoiceEnds& ends) 
   if (!group.item.group.isRest) voice.chords.push_back({place_.bars.starts[measure] + group.start, index});
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -10,7 +10,7 @@
 
 #include "converters/assembly_part.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 class PartVoices {
  public:
@@ -50,4 +50,4 @@ class PartVoices {
   std::vector<std::vector<Voice>> voices_;                              // of each staff
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -11,7 +11,7 @@
 #include "score/score_bars.h"
 #include "score/score_writer.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 // What a reader leaves out of the sound, and what a score file does.
@@ -78,4 +78,4 @@ Result<ScoreImage> HeardScore(Bytes file, const CancelCheck& cancelled) {
   return image;
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

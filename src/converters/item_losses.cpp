@@ -1,6 +1,6 @@
 #include "converters/item_losses.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 std::vector<ItemLoss> ItemLosses(const LossReport& report) {
   std::vector<ItemLoss> losses;
@@ -13,4 +13,4 @@ std::vector<ItemLoss> ItemLosses(const LossReport& report) {
   return losses;
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

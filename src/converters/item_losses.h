@@ -6,8 +6,8 @@
 #include "converters/score_losses.h"
 #include "frame/run_result.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 [[nodiscard]] std::vector<ItemLoss> ItemLosses(const LossReport& report);
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr int kOctave = 12;
@@ -138,4 +138,4 @@ void AttributeWriter::WriteTranspositions() {
   }
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -8,7 +8,7 @@
 #include "converters/musicxml_part_to_write.h"
 #include "converters/xml_out.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 class AttributeWriter {
  public:
@@ -38,4 +38,4 @@ class AttributeWriter {
   std::vector<std::size_t> next_;  // change of each staff
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

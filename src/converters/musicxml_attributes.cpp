@@ -6,7 +6,7 @@
 #include "converters/texts.h"
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 class AttributeReader {
@@ -139,4 +139,4 @@ void ReadAttributes(PartCursor& at, pugi::xml_node attributes) {
   AttributeReader(at).Read(attributes);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

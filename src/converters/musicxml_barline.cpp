@@ -6,7 +6,7 @@
 #include "platform/base/text.h"
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 class BarLineReader {
@@ -84,4 +84,4 @@ void ReadBarLine(PartCursor& at, pugi::xml_node line) {
   BarLineReader(at).Read(line);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -1,6 +1,6 @@
 #include "converters/musicxml_barline_writer.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 BarlineWriter::BarlineWriter(XmlOut& out, const ScoreMusic& music) : out_(out), music_(music) {
   for (const ScoreEnding& ending : music.endings) {
@@ -47,4 +47,4 @@ void BarlineWriter::WriteRight(std::size_t index) {
   out_.Close();
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -6,7 +6,7 @@
 #include "converters/xml_out.h"
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 class BarlineWriter {
  public:
@@ -27,4 +27,4 @@ class BarlineWriter {
   EndingsByBar stops_;
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -6,7 +6,7 @@
 #include <pugixml.hpp>
 #include <string_view>
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 enum class NotePart : std::uint8_t {
   Accidental,
@@ -74,4 +74,4 @@ class NoteParts {
   std::array<pugi::xml_node, kNoteParts.size()> parts_;
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -5,7 +5,7 @@
 
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 std::optional<std::int64_t> WholeNumber(std::string_view text) {
   return ParseInteger(Trim(text));
@@ -54,4 +54,4 @@ void PartCursor::AddMark(DrawingItem drawing, Fraction place, std::size_t staff)
   Now().marks.push_back({std::move(drawing), place, staff, {}, SIZE_MAX});
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -10,7 +10,7 @@
 #include "converters/musicxml_note.h"
 #include "converters/musicxml_raw.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 inline constexpr std::int64_t kMostDivisions = std::int64_t{1} << 24;  // of a quarter
 inline constexpr std::int64_t kLongestMeasure = 1024;                  // whole notes
@@ -56,4 +56,4 @@ void ReadAttributes(PartCursor& at, pugi::xml_node attributes);
 // Repeats, endings and the form of a bar line.
 void ReadBarLine(PartCursor& at, pugi::xml_node line);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -9,7 +9,7 @@
 #include "platform/base/text.h"
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 void DirectionReader::Read(pugi::xml_node node) {
   const std::size_t staff = at_.StaffOf(node);
@@ -181,4 +181,4 @@ void DirectionReader::AddTempo(DrawingItem drawing, Fraction at, std::size_t sta
   at_.AddMark(std::move(drawing), at, staff);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

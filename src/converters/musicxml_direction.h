@@ -7,7 +7,7 @@
 
 #include "converters/musicxml_cursor.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 class DirectionReader {
  public:
@@ -28,4 +28,4 @@ class DirectionReader {
   std::map<std::string, std::size_t> lasting_;  // by name, number and staff: index into Part::ends
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

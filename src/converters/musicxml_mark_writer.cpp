@@ -5,7 +5,7 @@
 #include "converters/xml_signs.h"
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 // "type:text" as the reader put it together.
@@ -238,4 +238,4 @@ void WriteSigns(XmlOut& out, const NotationSigns& signs) {
   for (const NotationSign& sign : signs.others) WriteSign(out, sign);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

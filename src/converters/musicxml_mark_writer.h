@@ -9,7 +9,7 @@
 #include "converters/musicxml_marks.h"
 #include "converters/xml_out.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // "above", "below" or "".
 [[nodiscard]] std::string_view PlacementName(std::int8_t placement);
@@ -41,4 +41,4 @@ struct NotationSigns {
 [[nodiscard]] NotationSigns SignsOfEachNote(const ScoreItem& item);
 void WriteSigns(XmlOut& out, const NotationSigns& signs);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

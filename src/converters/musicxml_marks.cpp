@@ -8,7 +8,7 @@
 #include "converters/xml_signs.h"
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr unsigned kMostNumbers = 16;
@@ -164,4 +164,4 @@ PartMarks CollectMarks(const ScoreMusic& music, std::size_t firstStaff, std::siz
   return Collector(music, firstStaff, staves, losses).Collect();
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

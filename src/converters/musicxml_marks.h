@@ -8,7 +8,7 @@
 #include "converters/score_losses.h"
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Something beside the notes.
 struct Direction {
@@ -34,4 +34,4 @@ using PartMarks = std::vector<std::vector<VoiceMarks>>;  // staff of the part, v
 [[nodiscard]] PartMarks CollectMarks(const ScoreMusic& music, std::size_t firstStaff, std::size_t staves,
                                      LossReport& losses);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -7,7 +7,7 @@
 #include "converters/xml_signs.h"
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr std::size_t kMostVerses = kMaxVerses;
@@ -203,4 +203,4 @@ void ReadLooks(Reading& reading, Group& group, pugi::xml_node note, NotePlace pl
   group.item.group.notes.back().value = static_cast<std::uint8_t>(found - kHeads.begin());
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

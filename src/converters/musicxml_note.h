@@ -7,7 +7,7 @@
 
 #include "converters/musicxml_raw.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Where the note is, for the report of losses.
 struct NotePlace {
@@ -38,4 +38,4 @@ void ReadLooks(Reading& reading, Group& group, pugi::xml_node note, NotePlace pl
 // Written noteheads by ScoreNote::value; "normal" is 0.
 [[nodiscard]] std::string_view HeadName(std::uint8_t value);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

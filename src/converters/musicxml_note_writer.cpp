@@ -5,7 +5,7 @@
 #include "converters/musicxml_mark_writer.h"
 #include "converters/musicxml_note.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr std::array<std::string_view, 7> kSteps = {"C", "D", "E", "F", "G", "A", "B"};
@@ -175,4 +175,4 @@ void NoteWriter::WriteLyrics(const ScoreItem& item) {
   }
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -9,7 +9,7 @@
 #include "converters/notation_slices.h"
 #include "converters/xml_out.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 struct VoiceOfNotes {
   std::size_t staff = 0;  // of the part
@@ -45,4 +45,4 @@ class NoteWriter {
   std::array<bool, kMaxVerses> inWord_{};  // of each verse
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

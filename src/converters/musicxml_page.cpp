@@ -5,7 +5,7 @@
 
 #include "platform/base/text.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr double kTenths = 10;      // of a space
@@ -99,4 +99,4 @@ void WritePage(XmlOut& out, const ScoreDocument& document) {
   out.Close();
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -13,7 +13,7 @@
 #include "platform/base/text.h"
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 // Of one measure; one with more is no music.
@@ -406,4 +406,4 @@ void ReadPart(Reading& reading, Part& part, const std::vector<pugi::xml_node>& m
   PartReader(reading, part).Read(measures);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

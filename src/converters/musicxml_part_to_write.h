@@ -6,7 +6,7 @@
 
 #include "score/score_bars.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 struct PartToWrite {
   const ScoreDocument& document;
@@ -32,4 +32,4 @@ struct Divisions {
   [[nodiscard]] std::int64_t Ticks(Fraction place) const { return place.In(4 * ofQuarter); }
 };
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

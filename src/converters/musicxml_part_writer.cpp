@@ -11,7 +11,7 @@
 #include "converters/musicxml_note_writer.h"
 #include "score/accidentals.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr std::int64_t kMostDivisions = 1'000'000;
@@ -251,4 +251,4 @@ Outcome WritePart(XmlOut& out, const PartToWrite& part, LossReport& losses, cons
   return PartWriter(out, part, losses).Write(watch);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -7,10 +7,10 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Cancelled.
 [[nodiscard]] Outcome WritePart(XmlOut& out, const PartToWrite& part, LossReport& losses,
                                 const WorkWatch& watch);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

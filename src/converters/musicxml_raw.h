@@ -12,7 +12,7 @@
 #include "platform/base/work_watch.h"
 #include "score/score_builder.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Notes of a chord, as bits, that are tied to one before and onward.
 struct TiedNotes {
@@ -151,4 +151,4 @@ struct Reading {
 // The measures of one part, in order, into part.
 void ReadPart(Reading& reading, Part& part, const std::vector<pugi::xml_node>& measures);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

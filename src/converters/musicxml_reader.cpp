@@ -14,7 +14,7 @@
 #include "converters/xml_tree.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace musicxml;
@@ -284,4 +284,4 @@ ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& canc
   return AssembleScore(std::move(score), notesAlone, cancelled);
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

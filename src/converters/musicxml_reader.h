@@ -9,10 +9,10 @@
 #include "platform/base/bytes.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // WrongFormat: no MusicXML; SourceFailed: a damaged file, with the place where that is known; Cancelled.
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadMusicXml(ByteView file, const CancelCheck& cancelled = {},
                                                         ScoreDetail detail = ScoreDetail::Whole);
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -6,7 +6,7 @@
 
 #include "converters/texts.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 enum class Treatment : std::uint8_t {
@@ -380,4 +380,4 @@ bool SurveyElements(pugi::xml_node root, LossReport& losses, const CancelCheck& 
   return Surveyor(losses, cancelled).Survey(root);
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

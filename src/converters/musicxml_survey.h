@@ -8,10 +8,10 @@
 #include "converters/score_losses.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 
 // Adds what is lost to the report, of the whole score or, for what belongs to the music, by bar. False when
 // it is to stop.
 [[nodiscard]] bool SurveyElements(pugi::xml_node root, LossReport& losses, const CancelCheck& cancelled);
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

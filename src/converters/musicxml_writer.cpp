@@ -14,7 +14,7 @@
 #include "score/score_parts.h"
 #include "score/texts.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace musicxml;
@@ -180,4 +180,4 @@ Result<Bytes> WriteMusicXml(const ScoreDocument& document, LossReport& losses, c
   return out.Release();
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

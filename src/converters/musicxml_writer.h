@@ -7,10 +7,10 @@
 #include "platform/base/work_watch.h"
 #include "score/score_document.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // Losses are added to the report. Cancelled.
 [[nodiscard]] Result<Bytes> WriteMusicXml(const ScoreDocument& document, LossReport& losses,
                                           const WorkWatch& watch = {});
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -10,7 +10,7 @@
 #include "converters/xml_encoding.h"
 #include "converters/xml_tree.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 constexpr const char* kContainerName = "META-INF/container.xml";
@@ -190,4 +190,4 @@ Result<Bytes> WriteMxl(std::string_view xml) {
   return std::move(memory.written);
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -8,7 +8,7 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // A score may be so large when it is unpacked, and so many times its archive; what is larger is damage or
 // malice.
@@ -22,4 +22,4 @@ inline constexpr std::uint64_t kMostCompression = 200;
 // An archive with this score. OutOfMemory.
 [[nodiscard]] Result<Bytes> WriteMxl(std::string_view xml);
 
-}  // namespace ts5
+}  // namespace ts5::converters

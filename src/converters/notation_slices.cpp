@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 constexpr std::uint8_t kEighth = 3;
@@ -172,4 +172,4 @@ std::uint8_t TiesOf(const NotationSlice& slice, std::size_t note) {
   return ties;
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

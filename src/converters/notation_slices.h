@@ -8,7 +8,7 @@
 
 #include "score/score_bars.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 struct NotationSlice {
   const ScoreEvent* event = nullptr;
@@ -33,4 +33,4 @@ struct NotationSlice {
 // The ties of a note of the slice, kTie...: those of its event, and those that divide it.
 [[nodiscard]] std::uint8_t TiesOf(const NotationSlice& slice, std::size_t note);
 
-}  // namespace ts5
+}  // namespace ts5::converters

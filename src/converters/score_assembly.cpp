@@ -12,7 +12,7 @@
 #include "converters/texts.h"
 #include "score/accidentals.h"
 
-namespace ts5::musicxml {
+namespace ts5::converters::musicxml {
 namespace {
 
 constexpr unsigned kBarsPerSystem = 4;
@@ -183,4 +183,4 @@ ScoreResult<ScoreWithLosses> AssembleScore(Score score, bool notesAlone, const C
   return result;
 }
 
-}  // namespace ts5::musicxml
+}  // namespace ts5::converters::musicxml

@@ -9,7 +9,7 @@
 #include "score/score_bars.h"
 #include "score/score_parts.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 // Where something stands.
@@ -166,4 +166,4 @@ void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses, co
   Reporter(document, losses, cancelled).Report();
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -14,7 +14,7 @@
 #include "score/score_reader.h"
 #include "score/score_writer.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 struct FormatName {
@@ -169,4 +169,4 @@ void ApplyObjectMask(ScoreDocument& document, std::uint32_t mask) {
   }
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

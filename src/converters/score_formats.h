@@ -10,7 +10,7 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 enum class ScoreFormat : std::uint8_t { Score, StvXml, MusicXml, CompressedMusicXml };
 
@@ -40,4 +40,4 @@ inline constexpr unsigned kMostTimesInWords = 15;
 void ReportScoreFileLosses(const ScoreDocument& document, LossReport& losses,
                            const CancelCheck& cancelled = {});
 
-}  // namespace ts5
+}  // namespace ts5::converters

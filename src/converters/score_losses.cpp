@@ -7,7 +7,7 @@
 #include "platform/base/text.h"
 #include "score/score_bars.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 void LossReport::Add(TextId kind, int bar, int staff, unsigned count, std::string detail) {
   const auto key = [](const ScoreLoss& loss) {
@@ -67,4 +67,4 @@ std::string LossReport::Line(const ScoreLoss& loss) const {
   return bar + ", " + StaffName(loss) + ": " + what;
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -8,9 +8,11 @@
 #include "platform/base/strings.h"
 
 namespace ts5 {
-
 struct ScoreDocument;
 struct ScoreMusic;
+}  // namespace ts5
+
+namespace ts5::converters {
 
 struct ScoreLoss {
   TextId kind{};       // what it is, as a noun
@@ -48,4 +50,4 @@ class LossReport {
   std::vector<std::string> staves_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -7,7 +7,7 @@
 #include "converters/score_losses.h"
 #include "score/score_document.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // How much of a score is read.
 enum class ScoreDetail : std::uint8_t {
@@ -31,4 +31,4 @@ struct ScoreFault {
 template <typename T>
 using ScoreResult = tl::expected<T, ScoreFault>;
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -10,7 +10,7 @@
 #include "platform/base/work_watch.h"
 #include "score/score_document.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // The reader takes what is written: a document that it would refuse, or one of more than so many bytes, has
 // the Xml... code of the element that has no place. Cancelled.
@@ -20,4 +20,4 @@ namespace ts5 {
 // are empty.
 [[nodiscard]] ScoreResult<ScoreWithLosses> ReadStvXml(ByteView file, const CancelCheck& cancelled = {});
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -6,7 +6,7 @@
 
 #include "score/score_document.h"
 
-namespace ts5::stvx {
+namespace ts5::converters::stvx {
 
 inline constexpr std::string_view kRoot = "stvx";
 inline constexpr int kVersion = 1;
@@ -179,4 +179,4 @@ void StaffFields(Io& io, Staff& staff) {
   io.Bytes("record", staff.record);
 }
 
-}  // namespace ts5::stvx
+}  // namespace ts5::converters::stvx

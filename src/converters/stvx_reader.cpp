@@ -8,7 +8,7 @@
 #include "converters/xml_tree.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 int HexDigit(char c) {
@@ -270,4 +270,4 @@ ScoreResult<ScoreWithLosses> ReadStvXml(ByteView file, const CancelCheck& cancel
   return StvXmlReader(root, cancelled).Read();
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -7,7 +7,7 @@
 #include "converters/xml_out.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using Attributes = std::vector<std::pair<std::string_view, std::string>>;
@@ -236,4 +236,4 @@ Result<Bytes> WriteStvXml(const ScoreDocument& document, const WorkWatch& watch,
   return StvXmlWriter(document, most).Write(watch);
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using Events = std::vector<ScoreEvent>;
@@ -135,4 +135,4 @@ std::vector<ScoreTempo> BeginSystemsAtTempos(ScoreDocument& document, const Scor
   return Splitter(document, music).Split();
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -14,7 +14,7 @@
 #include "platform/files/paths.h"
 #include "score/score_info.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 constexpr Remark kRemarks[] = {
@@ -100,4 +100,4 @@ FilterModule XmlConverterModule() {
   return MakeModule(std::move(module));
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -7,7 +7,7 @@
 #include "converters/xml_signs.h"
 #include "frame/filter_module.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 struct XmlConverterParameters : ClonableParameters<XmlConverterParameters> {
   std::int32_t objects = static_cast<std::int32_t>(kMaskAll);  // kMask...; other bits mean nothing
@@ -15,4 +15,4 @@ struct XmlConverterParameters : ClonableParameters<XmlConverterParameters> {
 
 [[nodiscard]] FilterModule XmlConverterModule();
 
-}  // namespace ts5
+}  // namespace ts5::converters

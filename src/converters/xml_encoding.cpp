@@ -8,7 +8,7 @@
 
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 struct Signature {
@@ -124,4 +124,4 @@ Result<std::string> XmlText(ByteView file, const CancelCheck& cancelled) {
   return converter.Convert(text, cancelled);
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

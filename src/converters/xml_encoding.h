@@ -8,9 +8,9 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // WrongFormat: an encoding that is not known, or bytes that it does not allow; Cancelled.
 [[nodiscard]] Result<std::string> XmlText(ByteView file, const CancelCheck& cancelled = {});
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -12,7 +12,7 @@
 
 #include "platform/base/bytes.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 struct XmlAttribute {
   std::string_view name;
@@ -141,4 +141,4 @@ class XmlOut {
   std::vector<std::string_view> open_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::converters

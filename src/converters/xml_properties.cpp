@@ -14,7 +14,7 @@
 #include "score/music_rows.h"
 #include "score/texts.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 std::vector<PropertyRow> Rows(const ScoreDocument& document, ScoreFormat format, CalendarDate written) {
@@ -59,4 +59,4 @@ Result<ScoreProperties> ReadXmlProperties(const std::string& path) {
   return ScoreProperties{std::string(Text(title)), Rows(score->document, *format, *written)};
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

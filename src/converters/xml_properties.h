@@ -6,7 +6,7 @@
 #include "platform/base/outcome.h"
 #include "score/score_properties.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // SourceNotOpened; WrongFormat: no XML score; SourceFailed: a damaged one.
 [[nodiscard]] Result<ScoreProperties> ReadXmlProperties(const std::string& path);
@@ -14,4 +14,4 @@ namespace ts5 {
 // Whether the name is that of an XML score: .stvx, .xml, .musicxml, .mxl.
 [[nodiscard]] bool IsXmlScoreName(std::string_view name);
 
-}  // namespace ts5
+}  // namespace ts5::converters

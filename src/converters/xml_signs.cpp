@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 constexpr auto kArticulation = SignGroup::Articulation;
@@ -147,4 +147,4 @@ std::uint32_t MaskBitOf(const DrawingItem& drawing) {
   return kMaskTexts;
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -7,7 +7,7 @@
 
 #include "score/score_document.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 // Where MusicXML has a sign.
 enum class SignGroup : std::uint8_t { Articulation, Ornament, Technical, Notation, Direction };
@@ -48,4 +48,4 @@ struct XmlDynamic {
 // The bit of the mask that a drawing belongs to; 0 for one that is always taken along.
 [[nodiscard]] std::uint32_t MaskBitOf(const DrawingItem& drawing);
 
-}  // namespace ts5
+}  // namespace ts5::converters

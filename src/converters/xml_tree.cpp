@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 constexpr std::size_t kMostTree = std::size_t{2} << 30;  // bytes
@@ -45,4 +45,4 @@ XmlParse ParseXml(pugi::xml_document& tree, std::string& text, const CancelCheck
   return {Outcome::SourceFailed, static_cast<std::size_t>(std::max<std::ptrdiff_t>(parsed.offset, 0))};
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

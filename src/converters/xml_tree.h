@@ -9,7 +9,7 @@
 #include "platform/base/outcome.h"
 #include "platform/base/work_watch.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 struct XmlParse {
   Outcome code = Outcome::Success;  // SourceFailed, Cancelled, OutOfMemory
@@ -22,4 +22,4 @@ struct XmlParse {
 [[nodiscard]] XmlParse ParseXml(pugi::xml_document& tree, std::string& text,
                                 const CancelCheck& cancelled = {});
 
-}  // namespace ts5
+}  // namespace ts5::converters

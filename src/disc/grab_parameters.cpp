@@ -64,9 +64,9 @@ std::vector<ParameterField> GrabFields() {
       .Flag("GrabEncode", &P::encode)
       .Text("GrabTempDir", &P::folder, kMostPath);
   std::vector<ParameterField> fields = table.Build();
-  for (ParameterField& field : EncodeFields("Grab", AccessTo(&P::encodeSettings)))
+  for (ParameterField& field : encode::EncodeFields("Grab", encode::AccessTo(&P::encodeSettings)))
     fields.push_back(std::move(field));
-  fields.push_back(AttributesField(&P::attributes));
+  fields.push_back(tags::AttributesField(&P::attributes));
   return fields;
 }
 

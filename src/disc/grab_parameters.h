@@ -24,11 +24,11 @@ struct GrabParameters : ClonableParameters<GrabParameters> {
   bool trim = false;
   bool encode = false;      // compress each track
   std::string folder = {};  // for a track before it is compressed; "": the system's
-  EncodeSettings encodeSettings = {};
-  Attributes attributes = {};  // for compressed tracks, beside those of the disc
-  std::int32_t offset = 0;     // frames by which the drive reads too late
-  bool cueSheet = false;       // a CUE sheet beside the files
-  bool hidden = false;         // the sound before track 1 as "Track00.wav"
+  encode::EncodeSettings encodeSettings = {};
+  tags::Attributes attributes = {};  // for compressed tracks, beside those of the disc
+  std::int32_t offset = 0;           // frames by which the drive reads too late
+  bool cueSheet = false;             // a CUE sheet beside the files
+  bool hidden = false;               // the sound before track 1 as "Track00.wav"
 
   // "Track03.wav", or the user's name.
   [[nodiscard]] std::string NameOf(int track) const;

@@ -66,7 +66,8 @@ struct OpenSource {
 
 // How the file of a track is named.
 TargetRule TargetRuleOf(const GrabParameters& parameters, int track) {
-  const Encoder* const encoder = parameters.encode ? EncoderOf(parameters.encodeSettings) : nullptr;
+  const encode::Encoder* const encoder =
+      parameters.encode ? encode::EncoderOf(parameters.encodeSettings) : nullptr;
   TargetRule rule{.extension = encoder == nullptr ? "wav" : std::string(encoder->extension),
                   .formatKept = false};
   rule.name = parameters.NameOf(track);
@@ -209,30 +210,32 @@ class GrabRun {
 
   Outcome Compress(const Piece& piece, const std::string& raw, PieceTarget& target) {
     run_.StatusText(Text(texts::CompressingTrack));
-    const EncodeSettings& settings = parameters_.encodeSettings;
+    const encode::EncodeSettings& settings = parameters_.encodeSettings;
     const WorkWatch watch{
         [this] { return run_.ConfirmStop(Text(texts::AskStopGrabbing)); },
         [&target](double fraction) { target.progress(kReadingPart + (1 - kReadingPart) * fraction); }};
-    auto source = EncodingSource::Open(raw, settings);
+    auto source = encode::EncodingSource::Open(raw, settings);
     if (!source) return source.error();
-    if (const Outcome encoded = EncodeFile(*source, target.file, settings, watch); Failed(encoded))
+    if (const Outcome encoded = encode::EncodeFile(*source, target.file, settings, watch); Failed(encoded))
       return encoded;
     const std::string& made = target.file.TemporaryPath();
-    if (WantsProof(settings)) {
-      if (const Outcome proved = ProveEncoding(*source, made, settings, watch); Failed(proved)) return proved;
+    if (encode::WantsProof(settings)) {
+      if (const Outcome proved = encode::ProveEncoding(*source, made, settings, watch); Failed(proved))
+        return proved;
     }
-    const Outcome written = WriteEncodedAttributes(*source, made, settings, AttributesOf(piece.number),
-                                                   static_cast<unsigned>(run_.GetSettings().id3Version));
+    const Outcome written =
+        encode::WriteEncodedAttributes(*source, made, settings, AttributesOf(piece.number),
+                                       static_cast<unsigned>(run_.GetSettings().id3Version));
     target.keep = written == Outcome::AttributesNotWritten;
     return written;
   }
 
   // The job's, and what the disc says where they say nothing.
-  [[nodiscard]] Attributes AttributesOf(int track) {
-    Attributes attributes = parameters_.attributes;
+  [[nodiscard]] tags::Attributes AttributesOf(int track) {
+    tags::Attributes attributes = parameters_.attributes;
     const auto add = [&](std::string_view name, const std::string& value) {
-      if (value.empty() || FindAttribute(attributes, name) != nullptr) return;
-      Attribute attribute = NewAttribute(name);
+      if (value.empty() || tags::FindAttribute(attributes, name) != nullptr) return;
+      tags::Attribute attribute = tags::NewAttribute(name);
       attribute.value = value;
       attribute.selected = true;
       attributes.push_back(std::move(attribute));
@@ -383,7 +386,7 @@ FilterModule GrabberModule() {
     return rule;
   };
   module.missing = [](const GrabParameters& grab) -> std::optional<TextId> {
-    if (grab.encode && EncoderOf(grab.encodeSettings) == nullptr) return texts::EncodeNoEncoder;
+    if (grab.encode && encode::EncoderOf(grab.encodeSettings) == nullptr) return texts::EncodeNoEncoder;
     return std::nullopt;
   };
   module.stop.status = texts::Stopping;

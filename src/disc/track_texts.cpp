@@ -55,10 +55,10 @@ CdText::Entry TextOfName(std::string_view fileName) {
 CdText::Entry TextOfSource(const std::string& source) {
   if (const auto place = FindCdTrack(source)) return TextOfTrack(*place);
   CdText::Entry entry = TextOfName(FileNameOf(source));
-  const auto attributes = ReadAttributes(source);
+  const auto attributes = tags::ReadAttributes(source);
   if (!attributes) return entry;
   const auto take = [&](std::string_view name, std::string& text) {
-    const Attribute* const attribute = FindAttribute(*attributes, name);
+    const tags::Attribute* const attribute = tags::FindAttribute(*attributes, name);
     if (attribute != nullptr && attribute->HasValue()) text = attribute->value;
   };
   take("Title", entry.title);

@@ -94,10 +94,10 @@ class Reader {
 
   static CdText::Entry OfFile(const std::string& path, std::string& album) {
     CdText::Entry text = disc::TextOfName(FileNameOf(path));
-    const auto attributes = ReadAttributes(path);
+    const auto attributes = tags::ReadAttributes(path);
     if (!attributes) return text;
     const auto take = [&](std::string_view name, std::string& value) {
-      const Attribute* const attribute = FindAttribute(*attributes, name);
+      const tags::Attribute* const attribute = tags::FindAttribute(*attributes, name);
       if (attribute != nullptr && attribute->HasValue()) value = attribute->value;
     };
     take("Title", text.title);

@@ -54,7 +54,7 @@ void ReadMidi(const std::string& path, FileFacts& facts, const CancelCheck& canc
 void ReadScore(const std::string& path, FileFacts& facts, const CancelCheck& cancelled) {
   const auto file = ReadFile(path, kMaxScoreForFacts);
   if (!file) return;
-  const auto score = ReadAnyScore(*file, cancelled);
+  const auto score = converters::ReadAnyScore(*file, cancelled);
   if (!score) return;
   const MusicSummary music = SummariseMusic(score->document, cancelled);
   facts.length = Milliseconds(std::llround(music.seconds * 1000));

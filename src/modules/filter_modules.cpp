@@ -28,7 +28,7 @@ namespace {
 // One line per filter.
 const std::vector<FilterModule>& Table() {
   static const std::vector<FilterModule> table = [] {
-    SetScoreImageReader(HeardScore);
+    SetScoreImageReader(converters::HeardScore);
     std::vector<FilterModule> modules;
     modules.push_back(ScoreToMidiModule());
     modules.push_back(transcribe::MidiToScoreModule());
@@ -36,13 +36,13 @@ const std::vector<FilterModule>& Table() {
     modules.push_back(MidiPlayerModule());
     modules.push_back(MidiToWaveModule());
     modules.push_back(AudioPlayerModule());
-    modules.push_back(AudioCompressorModule());
-    modules.push_back(AudioDecompressorModule());
+    modules.push_back(encode::AudioCompressorModule());
+    modules.push_back(encode::AudioDecompressorModule());
     modules.push_back(ScoreSearchModule());
     modules.push_back(MidiSearchModule());
     modules.push_back(WaveConverterModule());
     modules.push_back(ScorePlayerModule());
-    modules.push_back(XmlConverterModule());
+    modules.push_back(converters::XmlConverterModule());
     modules.push_back(disc::BurnerModule());
     modules.push_back(artworker::ArtworkerModule());
     modules.push_back(disc::GrabberModule());

@@ -61,7 +61,7 @@ void SketchTies(const MarkedStaff& on, std::size_t v) {
   for (std::size_t i = 0; i < voice.size(); ++i) {
     const PlacedSlice& placed = voice[i];
     for (std::size_t n = 0; n < placed.steps.size(); ++n) {
-      const std::uint8_t ties = TiesOf(*placed.slice, n);
+      const std::uint8_t ties = converters::TiesOf(*placed.slice, n);
       const double y = YOf(placed.steps[n]);
       const bool over = placed.shared             ? placed.up
                         : placed.steps.size() > 1 ? n * 2 >= placed.steps.size()

@@ -81,7 +81,7 @@ class Spacer {
     std::size_t& next = next_[staff][v];
     std::size_t graces = 0;
     for (; next < slices.size() && slices[next].bar <= bar; ++next) {
-      const NotationSlice& slice = slices[next];
+      const converters::NotationSlice& slice = slices[next];
       if (slice.bar < bar || slice.event->IsGap()) continue;
       if (slice.grace) {
         ++graces;
@@ -108,7 +108,7 @@ class Spacer {
   }
 
   [[nodiscard]] std::uint32_t ShownAccidentals(std::size_t staff, std::size_t v,
-                                               const NotationSlice& slice) const {
+                                               const converters::NotationSlice& slice) const {
     if (slice.event->IsRest() || !slice.first || engraving_.document.staves[staff].usesNoteMap) return 0;
     return engraving_.accidentals[staff][v][slice.index] | slice.event->item->courtesy;
   }
@@ -167,12 +167,12 @@ std::vector<std::size_t> MarkedIn(const std::vector<ScoreEvent>& events) {
 
 }  // namespace
 
-std::span<const NotationSlice> Engraving::SlicesOf(std::size_t staff, std::size_t voice,
-                                                   std::size_t bar) const {
+std::span<const converters::NotationSlice> Engraving::SlicesOf(std::size_t staff, std::size_t voice,
+                                                               std::size_t bar) const {
   const auto& all = slices[staff][voice];
   const auto number = static_cast<std::uint32_t>(bar);
-  const auto first = std::ranges::lower_bound(all, number, {}, &NotationSlice::bar);
-  const auto last = std::ranges::upper_bound(all, number, {}, &NotationSlice::bar);
+  const auto first = std::ranges::lower_bound(all, number, {}, &converters::NotationSlice::bar);
+  const auto last = std::ranges::upper_bound(all, number, {}, &converters::NotationSlice::bar);
   return std::span(all).subspan(static_cast<std::size_t>(first - all.begin()),
                                 static_cast<std::size_t>(last - first));
 }
@@ -187,7 +187,7 @@ void Engrave(ScoreDocument document, Engraving& engraving, const CancelCheck& ca
     auto& voices = engraving.slices.emplace_back();
     auto& marked = engraving.marked.emplace_back();
     for (const auto& events : engraving.music.voices[staff]) {
-      voices.push_back(SliceVoice(events, engraving.music, !own));
+      voices.push_back(converters::SliceVoice(events, engraving.music, !own));
       marked.push_back(MarkedIn(events));
     }
     engraving.accidentals.push_back(NeededAccidentals(engraving.music, staff));

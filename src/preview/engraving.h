@@ -38,10 +38,10 @@ struct StaffSigns {
 struct Engraving {
   ScoreDocument document;
   ScoreMusic music;
-  std::vector<std::vector<std::vector<NotationSlice>>> slices;  // staff, voice
-  std::vector<std::vector<std::vector<std::size_t>>> marked;    // staff, voice: events with drawings
-  std::vector<AccidentalBits> accidentals;                      // staff
-  std::vector<std::vector<StaffSigns>> signs;                   // staff, bar: before what changes there
+  std::vector<std::vector<std::vector<converters::NotationSlice>>> slices;  // staff, voice
+  std::vector<std::vector<std::vector<std::size_t>>> marked;  // staff, voice: events with drawings
+  std::vector<AccidentalBits> accidentals;                    // staff
+  std::vector<std::vector<StaffSigns>> signs;                 // staff, bar: before what changes there
   std::vector<BarWidth> bars;
   std::vector<ScorePart> parts;
 
@@ -50,8 +50,8 @@ struct Engraving {
   Engraving& operator=(const Engraving&) = delete;
 
   // The slices of a voice in a bar.
-  [[nodiscard]] std::span<const NotationSlice> SlicesOf(std::size_t staff, std::size_t voice,
-                                                        std::size_t bar) const;
+  [[nodiscard]] std::span<const converters::NotationSlice> SlicesOf(std::size_t staff, std::size_t voice,
+                                                                    std::size_t bar) const;
 };
 
 // Fills an empty engraving. A cancelled one is not to be used.

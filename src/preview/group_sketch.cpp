@@ -105,7 +105,7 @@ void SketchBeams(Canvas& canvas, std::span<PlacedSlice> run) {
 void SketchTuplets(Canvas& canvas, const PlacedVoice& voice) {
   std::size_t from = SIZE_MAX;
   for (std::size_t i = 0; i < voice.size(); ++i) {
-    const NotationSlice& slice = *voice[i].slice;
+    const converters::NotationSlice& slice = *voice[i].slice;
     if (slice.tupletStart) from = i;
     if (!slice.tupletStop || from == SIZE_MAX || from == i) continue;
     DrawTuplet(canvas, voice, from, i);

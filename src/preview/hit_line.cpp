@@ -85,7 +85,7 @@ Result<MusicLine> HitLines::Draw(const SearchHit& hit, std::size_t notes, const 
     return DrawBars(engraving, 0, 0, std::min(kBarsOfHit, engraving.bars.size()), false);
   }
   if (!kept) {
-    auto score = ReadAnyScore(file, cancelled);
+    auto score = converters::ReadAnyScore(file, cancelled);
     if (!score) return Failure(score.error().code);
     auto engraving = std::make_unique<Engraving>();
     Engrave(std::move(score->document), *engraving, cancelled);

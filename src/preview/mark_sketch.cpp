@@ -70,23 +70,24 @@ void DrawMark(const MarkedStaff& on, const PlacedSlice& placed, std::string_view
 void DrawMarksIn(const MarkedStaff& on, const PlacedSlice& placed, const DrawingItem& drawing) {
   for (const DrawingItem& nested : drawing.nested) DrawMarksIn(on, placed, nested);
   if (!drawing.Is(DrawingKind::Text)) return;
-  if (const XmlSign* sign = FindSign(drawing.sign); sign != nullptr) {
-    if (sign->group != SignGroup::Direction) DrawMark(on, placed, sign->name, drawing.words);
+  if (const converters::XmlSign* sign = converters::FindSign(drawing.sign); sign != nullptr) {
+    if (sign->group != converters::SignGroup::Direction) DrawMark(on, placed, sign->name, drawing.words);
     return;
   }
   DrawnMarks marks;
   ApplyDrawing(DrawingKind::Text, {0, 0, drawing.text}, marks);
   if (marks.dynamic != 0) return;
-  if (const XmlSign* sign = SignOfArticulation(marks.articulation); sign != nullptr)
+  if (const converters::XmlSign* sign = converters::SignOfArticulation(marks.articulation); sign != nullptr)
     DrawMark(on, placed, sign->name, {});
   if (marks.marked) DrawMark(on, placed, "fermata", {});
 }
 
 void DrawSignsOf(const MarkedStaff& on, const PlacedSlice& placed) {
-  const NotationSlice& slice = *placed.slice;
+  const converters::NotationSlice& slice = *placed.slice;
   if (!slice.first) return;
   const ScoreItem& item = *slice.event->item;
-  if (const XmlSign* sign = SignOfArticulation(item.group.articulation); sign != nullptr)
+  if (const converters::XmlSign* sign = converters::SignOfArticulation(item.group.articulation);
+      sign != nullptr)
     DrawMark(on, placed, sign->name, {});
   for (const DrawingItem& drawing : item.drawings) DrawMarksIn(on, placed, drawing);
 }

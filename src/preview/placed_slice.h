@@ -14,7 +14,7 @@ namespace ts5::preview {
 
 // A slice that is drawn.
 struct PlacedSlice {
-  const NotationSlice* slice = nullptr;
+  const converters::NotationSlice* slice = nullptr;
   double x = 0;            // left edge of its heads
   double size = 1;         // of a grace note less
   std::vector<int> steps;  // above the bottom line, of each note as it stands in the chord

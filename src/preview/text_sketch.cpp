@@ -68,8 +68,9 @@ void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem&
   if (!drawing.Is(DrawingKind::Text)) return;
   const Fraction at = event.start + drawing.offset;
   const double x = on.places.X(on.engraving, std::min(at, on.to));
-  const std::string_view dynamic =
-      drawing.sign == "dynamics" ? std::string_view(drawing.words) : DynamicOfSymbols(AsText(drawing.text));
+  const std::string_view dynamic = drawing.sign == "dynamics"
+                                       ? std::string_view(drawing.words)
+                                       : converters::DynamicOfSymbols(AsText(drawing.text));
   if (dynamic.empty() != (layer == Layer::Words)) return;
   if (!dynamic.empty()) {
     const double half = TextWidth(std::string(dynamic), kDynamic, TextStyle::BoldItalic) / 2;
@@ -81,8 +82,8 @@ void DrawText(const MarkedStaff& on, const ScoreEvent& event, const DrawingItem&
   }
   if (drawing.sign == "tempo" || drawing.sign == "octave-shift") return DrawDirection(on, x, drawing);
   std::string text = WordsOf(drawing);
-  const XmlSign* sign = FindSign(drawing.sign);
-  if (sign != nullptr && sign->group != SignGroup::Direction) return;
+  const converters::XmlSign* sign = converters::FindSign(drawing.sign);
+  if (sign != nullptr && sign->group != converters::SignGroup::Direction) return;
   if (text.empty() && sign != nullptr) {
     text = TextOfMark(sign->name).value_or("");
     if (drawing.sign == "pedal" && drawing.words.starts_with("stop")) text = "*";

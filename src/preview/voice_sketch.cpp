@@ -70,7 +70,7 @@ class VoiceSketcher {
   void Place(std::size_t bar) {
     const bool shared = Shares(bar);
     std::vector<std::size_t> graces;
-    for (const NotationSlice& slice : engraving_.SlicesOf(staff_, voice_, bar)) {
+    for (const converters::NotationSlice& slice : engraving_.SlicesOf(staff_, voice_, bar)) {
       if (slice.event->IsGap()) continue;
       if ((slice.event->item->group.flags & kGroupInvisible) != 0) continue;
       PlacedSlice placed;
@@ -98,7 +98,7 @@ class VoiceSketcher {
     }
   }
 
-  [[nodiscard]] std::uint32_t Shown(const NotationSlice& slice) const {
+  [[nodiscard]] std::uint32_t Shown(const converters::NotationSlice& slice) const {
     if (slice.event->IsRest() || !slice.first || engraving_.document.staves[staff_].usesNoteMap) return 0;
     return engraving_.accidentals[staff_][voice_][slice.index] | slice.event->item->courtesy;
   }
@@ -112,7 +112,7 @@ class VoiceSketcher {
     std::size_t count = 0;
     for (std::size_t v = 0; v < voices.size(); ++v) {
       const auto slices = engraving_.SlicesOf(staff_, v, bar);
-      count += std::ranges::any_of(slices, [](const NotationSlice& slice) {
+      count += std::ranges::any_of(slices, [](const converters::NotationSlice& slice) {
         return !slice.event->IsGap() && (slice.event->item->group.flags & kGroupInvisible) == 0;
       });
     }
@@ -163,7 +163,7 @@ class VoiceSketcher {
   // --- chords
 
   void DrawChord(PlacedSlice& placed) {
-    const NotationSlice& slice = *placed.slice;
+    const converters::NotationSlice& slice = *placed.slice;
     const auto [low, high] = std::ranges::minmax(placed.steps);
     DrawLedgers(placed, low, high);
     DrawHeads(placed);
@@ -197,7 +197,7 @@ class VoiceSketcher {
   }
 
   void DrawHeads(const PlacedSlice& placed) {
-    const NotationSlice& slice = *placed.slice;
+    const converters::NotationSlice& slice = *placed.slice;
     const auto& notes = slice.event->item->group.notes;
     std::vector<std::size_t> order(placed.steps.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
@@ -226,7 +226,7 @@ class VoiceSketcher {
   }
 
   void DrawAccidentals(const PlacedSlice& placed) {
-    const NotationSlice& slice = *placed.slice;
+    const converters::NotationSlice& slice = *placed.slice;
     const std::uint32_t shown = Shown(slice);
     if (shown == 0) return;
     const auto& notes = slice.event->item->group.notes;
@@ -258,7 +258,7 @@ class VoiceSketcher {
   // --- rests
 
   void DrawRest(PlacedSlice& placed) {
-    const NotationSlice& slice = *placed.slice;
+    const converters::NotationSlice& slice = *placed.slice;
     double y = 2;
     if (placed.shared) y += voice_ % 2 == 0 ? -2 : 2;
     Sign sign = Sign::WholeRest;

@@ -67,7 +67,7 @@ struct SoundingScore {
 };
 
 Result<SoundingScore> MidiOfScore(Bytes file, const CancelCheck& cancelled) {
-  auto image = ScoreImageOf(std::move(file), cancelled);
+  auto image = converters::ScoreImageOf(std::move(file), cancelled);
   if (!image) return Failure(image.error());
   PlaybackParameters parameters;
   auto score = OpenAndScan(std::move(*image), parameters, false, cancelled);

@@ -152,9 +152,10 @@ Outcome OfReader(Outcome code) {
 
 SearchOutcome SearchScoreImage(ByteView file, const std::string& path, const MelodyQuery& query,
                                const HitSink& sink, const CancelCheck& cancelled) {
-  const auto format = ScoreFormatOf(file);
-  if (!format || *format == ScoreFormat::Score) return SearchBinaryScore(file, path, query, sink, cancelled);
-  const auto score = ReadAnyScore(file, cancelled, ScoreDetail::Notes);
+  const auto format = converters::ScoreFormatOf(file);
+  if (!format || *format == converters::ScoreFormat::Score)
+    return SearchBinaryScore(file, path, query, sink, cancelled);
+  const auto score = converters::ReadAnyScore(file, cancelled, converters::ScoreDetail::Notes);
   if (!score) return {OfReader(score.error().code), 0};
   const ScoreDocument& document = score->document;
   const auto lines = ReadScoreItems(document, cancelled);
@@ -172,7 +173,7 @@ SearchOutcome SearchScoreFile(const std::string& path, const MelodyQuery& query,
     const auto read = file->ReadAt(0, beginning);
     if (!read) return {Outcome::SourceFailed, 0};
     beginning.resize(*read);
-    if (!ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
+    if (!converters::ScoreFormatOf(beginning)) return {Outcome::WrongFormat, 0};
   }
   const auto bytes = file->ReadAll(kMaxScoreFile, cancelled);
   if (!bytes) return {OfReader(bytes.error()), 0};

@@ -12,7 +12,7 @@
 #include "support/matchers.h"
 #include "support/test_data.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 using namespace test;
@@ -370,4 +370,4 @@ TEST(AttributeFormTest, OfAJob) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::tags

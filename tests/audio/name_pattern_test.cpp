@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 Attribute Make(std::string_view name, std::string_view value) {
@@ -45,4 +45,4 @@ TEST(NamePattern, Faults) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -13,7 +13,7 @@
 #include "score_text.h"
 #include "support/test_data.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace test;
@@ -236,4 +236,4 @@ TEST_F(Damaged, ArchivesLeadNowhereElse) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -12,7 +12,7 @@
 #include "converters/stvx.h"
 #include "score_text.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace test;
@@ -98,4 +98,4 @@ TEST(MusicXmlLosses, NothingIsDroppedWithoutAWord) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::converters

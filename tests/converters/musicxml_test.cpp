@@ -13,7 +13,7 @@
 #include "score_text.h"
 #include "support/matchers.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace test;
@@ -508,4 +508,4 @@ TEST(ObjectMask, LeavesOutWhatItDoesNotName) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -18,7 +18,7 @@
 #include "support/child.h"
 #include "support/matchers.h"
 
-namespace ts5 {
+namespace ts5::converters {
 namespace {
 
 using namespace test;
@@ -242,4 +242,4 @@ TEST(XmlProperties, ShowWhatIsInAScore) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::converters

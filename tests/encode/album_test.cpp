@@ -12,19 +12,19 @@
 #include "frame/target_naming.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 using namespace test;
 using testing::ElementsAre;
 
-Attribute Make(std::string_view name, std::string_view value) {
-  return {AttributeType::String, std::string(name), std::string(value), false, true};
+tags::Attribute Make(std::string_view name, std::string_view value) {
+  return {tags::AttributeType::String, std::string(name), std::string(value), false, true};
 }
 
 std::string ValueIn(const std::string& path, std::string_view name) {
-  const auto attributes = ReadAttributes(path);
-  const Attribute* const found = attributes ? FindAttribute(*attributes, name) : nullptr;
+  const auto attributes = tags::ReadAttributes(path);
+  const tags::Attribute* const found = attributes ? tags::FindAttribute(*attributes, name) : nullptr;
   return found != nullptr ? found->value : "(none)";
 }
 
@@ -34,7 +34,8 @@ class AlbumTest : public testing::Test {
     for (const auto& [name, title, level] :
          {std::tuple{"a.wav", "Eins", 1.0}, {"b.wav", "Zwei/Drei", 0.1}, {"c.wav", "Eins", 0.5}}) {
       const std::string path = WriteMusic(place_, name, PcmFormat(44100, 16, 2), 44100, level);
-      EXPECT_EQ(ChangeAttributes(path, {{Make("Title", title), Make("Author", "Wer")}, {}}).value_or(9), 0U);
+      EXPECT_EQ(tags::ChangeAttributes(path, {{Make("Title", title), Make("Author", "Wer")}, {}}).value_or(9),
+                0U);
       files_.push_back(path);
     }
   }
@@ -98,7 +99,8 @@ TEST_F(AlbumTest, ReplayGainOfTracksAndAlbum) {
   const double album = Decibels(ValueIn(result.items[1].destination, "REPLAYGAIN_ALBUM_GAIN"));
   EXPECT_GT(album, gains[0]);
   EXPECT_LT(album, gains[2]);
-  const Attributes opus = GainAttributes({.track = Loudness{.integrated = -20.5, .truePeak = 0}}, "OPUS");
+  const tags::Attributes opus =
+      GainAttributes({.track = Loudness{.integrated = -20.5, .truePeak = 0}}, "OPUS");
   EXPECT_THAT(opus, ElementsAre(Make("R128_TRACK_GAIN", "-640")));
 }
 
@@ -179,4 +181,4 @@ TEST(DecoderPage, HoldsForASingleFile) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -47,19 +47,19 @@ inline std::string WriteMusic(const TemporaryDirectory& place, const std::string
 }
 
 // A source opened for one purpose only.
-inline Outcome EncodeFile(const std::string& path, StagedFile& target, const EncodeSettings& settings,
+inline Outcome EncodePath(const std::string& path, StagedFile& target, const encode::EncodeSettings& settings,
                           const WorkWatch& watch = {}) {
-  auto source = EncodingSource::Open(path, settings);
-  return source ? ts5::EncodeFile(*source, target, settings, watch) : source.error();
+  auto source = encode::EncodingSource::Open(path, settings);
+  return source ? encode::EncodeFile(*source, target, settings, watch) : source.error();
 }
-inline Outcome ProveEncoding(const std::string& path, const std::string& made, const EncodeSettings& settings,
-                             const WorkWatch& watch = {}) {
-  auto source = EncodingSource::Open(path, settings);
-  return source ? ts5::ProveEncoding(*source, made, settings, watch) : source.error();
+inline Outcome ProvePath(const std::string& path, const std::string& made,
+                         const encode::EncodeSettings& settings, const WorkWatch& watch = {}) {
+  auto source = encode::EncodingSource::Open(path, settings);
+  return source ? encode::ProveEncoding(*source, made, settings, watch) : source.error();
 }
 inline Outcome DecompressFile(const std::string& path, StagedFile& target, const WorkWatch& watch = {}) {
-  auto media = OpenCompressed(path);
-  return media ? Decompress(*std::move(media), path, target, {}, watch) : media.error();
+  auto media = encode::OpenCompressed(path);
+  return media ? encode::Decompress(*std::move(media), path, target, {}, watch) : media.error();
 }
 
 inline std::vector<double> All(const std::string& path) {

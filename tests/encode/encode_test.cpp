@@ -24,7 +24,7 @@
 #include "support/matchers.h"
 #include "support/test_data.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 using namespace test;
@@ -34,7 +34,7 @@ using testing::HasSubstr;
 Outcome Encode(const std::string& source, const std::string& target, const EncodeSettings& settings) {
   auto staged = StagedFile::Create(target);
   if (!staged) return staged.error();
-  if (const Outcome encoded = EncodeFile(source, *staged, settings); Failed(encoded)) return encoded;
+  if (const Outcome encoded = EncodePath(source, *staged, settings); Failed(encoded)) return encoded;
   return staged->Commit();
 }
 
@@ -121,7 +121,7 @@ TEST(EncodeTest, OddLengthsComeBackExactly) {
         if (row->extension == "mp3") ExpectToldQuickly(target);
         ExpectAlike(in, out, 0.998);
       }
-      EXPECT_THAT(ProveEncoding(source, target, encoder.settings), IsOk());
+      EXPECT_THAT(ProvePath(source, target, encoder.settings), IsOk());
       auto wave = StagedFile::Create(place.File("back.wav"));
       ASSERT_THAT(DecompressFile(target, *wave), IsOk());
       ASSERT_THAT(wave->Commit(), IsOk());
@@ -151,7 +151,7 @@ TEST(EncodeTest, EveryRateOfTheEngines) {
                                                         {"EncoderCrc", flags >> 1},
                                                         {"EncoderBitrate", bitRate}});
         ASSERT_THAT(Encode(source, target, settings), IsOk());
-        ASSERT_THAT(ProveEncoding(source, target, settings), IsOk());
+        ASSERT_THAT(ProvePath(source, target, settings), IsOk());
         ExpectToldQuickly(target);
       }
     }
@@ -190,7 +190,7 @@ TEST(EncodeTest, EverySourceBecomesWhatTheEncoderTakes) {
       const MediaProbe probe = ProbeMedia(target);
       EXPECT_EQ(probe.format.sampleRate, rate);
       EXPECT_EQ(probe.format.channels, channels);
-      EXPECT_THAT(ProveEncoding(source, target, settings), IsOk());
+      EXPECT_THAT(ProvePath(source, target, settings), IsOk());
     };
     check(lame, ok, 44100, 2);
     check(mp2, ok, 44100, 2);
@@ -291,11 +291,11 @@ TEST(EncodeTest, AStopAtEveryStage) {
     const std::string target = place.File("out");
     EXPECT_TRUE(everywhere([&](const WorkWatch& watch) {
       auto staged = StagedFile::Create(target);
-      const Outcome outcome = EncodeFile(source, *staged, settings, watch);
+      const Outcome outcome = EncodePath(source, *staged, settings, watch);
       return Succeeded(outcome) ? staged->Commit() : outcome;
     }));
     EXPECT_TRUE(
-        everywhere([&](const WorkWatch& watch) { return ProveEncoding(source, target, settings, watch); }));
+        everywhere([&](const WorkWatch& watch) { return ProvePath(source, target, settings, watch); }));
     EXPECT_TRUE(everywhere([&](const WorkWatch& watch) {
       auto staged = StagedFile::Create(place.File("back.wav"));
       return DecompressFile(target, *staged, watch);
@@ -320,9 +320,9 @@ TEST(EncodeTest, TheProofFindsWhatIsBroken) {
       const bool lengthTold = EncoderOf(settings)->exactLength;
       if (made == other && !lengthTold) continue;
       ASSERT_THAT(Encode(made, place.File("out"), settings), IsOk());
-      EXPECT_EQ(ProveEncoding(source, place.File("out"), settings), Outcome::NotProven) << made;
+      EXPECT_EQ(ProvePath(source, place.File("out"), settings), Outcome::NotProven) << made;
     }
-    EXPECT_EQ(ProveEncoding(source, place.Write("junk", "kein Audio"), settings), Outcome::NotProven);
+    EXPECT_EQ(ProvePath(source, place.Write("junk", "kein Audio"), settings), Outcome::NotProven);
   }
 }
 
@@ -338,7 +338,7 @@ TEST(EncodeTest, TheProofFindsTheDelay) {
   const std::string source = place.Write("in.wav", AsText(Wave(PcmFormat(44100, 16, 2), Samples16(tones))));
   for (const EncodeSettings& settings : {Codec(EncoderId::Mp2Codec, 13), Codec(EncoderId::WmaCodec, 9)}) {
     ASSERT_THAT(Encode(source, place.File("out"), settings), IsOk());
-    EXPECT_THAT(ProveEncoding(source, place.File("out"), settings), IsOk());
+    EXPECT_THAT(ProvePath(source, place.File("out"), settings), IsOk());
   }
 }
 
@@ -380,7 +380,7 @@ TEST(CompressorTest, EveryLengthComesBackThroughRuns) {
     Job job = ListJob(files, compressor);
     auto& parameters = static_cast<AudioCompressorParameters&>(*job.parameters);
     parameters.encode = Codec(id, format);
-    parameters.attributes = {{AttributeType::String, "Title", "Größe", false, true}};
+    parameters.attributes = {{tags::AttributeType::String, "Title", "Größe", false, true}};
     const RunResult packed = RunJob(job, compressor);
     ASSERT_EQ(packed.counts[0], files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
@@ -391,9 +391,9 @@ TEST(CompressorTest, EveryLengthComesBackThroughRuns) {
       const std::vector<double> out = All(place.File("back.wav"));
       EXPECT_EQ(out.size(), in.size()) << packed.items[i].destination;
       if (i == 3) ExpectAlike(in, out, 0.99);
-      const auto attributes = ReadAttributes(place.File("back.wav"));
+      const auto attributes = tags::ReadAttributes(place.File("back.wav"));
       ASSERT_THAT(attributes, IsOk());
-      const Attribute* const title = FindAttribute(*attributes, "Title");
+      const tags::Attribute* const title = tags::FindAttribute(*attributes, "Title");
       ASSERT_NE(title, nullptr);
       EXPECT_EQ(title->value, "Größe");
     }
@@ -520,4 +520,4 @@ TEST(DecompressorTest, ChainedOggStreams) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::encode

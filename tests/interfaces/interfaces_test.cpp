@@ -20,7 +20,7 @@
 #include "support/matchers.h"
 #include "support/test_data.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 using namespace test;
@@ -296,4 +296,4 @@ TEST_F(EncoderRunTest, KnownEncodersWork) {
 }
 
 }  // namespace
-}  // namespace ts5
+}  // namespace ts5::interfaces

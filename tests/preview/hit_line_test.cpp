@@ -84,16 +84,16 @@ ScoreDocument TuneInEveryBar(bool upbeat) {
 TEST(HitLine, TheBarOfAHitIsThePrintedOneWithAndWithoutAnUpbeat) {
   TemporaryDirectory folder;
   for (const bool upbeat : {false, true}) {
-    for (const auto& [format, name] : {std::pair(ScoreFormat::Score, "a.stv"),
-                                       {ScoreFormat::StvXml, "a.stvx"},
-                                       {ScoreFormat::MusicXml, "a.xml"}}) {
+    for (const auto& [format, name] : {std::pair(converters::ScoreFormat::Score, "a.stv"),
+                                       {converters::ScoreFormat::StvXml, "a.stvx"},
+                                       {converters::ScoreFormat::MusicXml, "a.xml"}}) {
       SCOPED_TRACE(testing::Message() << name << (upbeat ? " with an upbeat" : ""));
       ScoreDocument score = TuneInEveryBar(upbeat);
-      LossReport losses;
-      const auto written = WriteAnyScore(score, format, losses);
+      converters::LossReport losses;
+      const auto written = converters::WriteAnyScore(score, format, losses);
       ASSERT_THAT(written, IsOk());
       const auto hits = Search(folder.Write(name, AsText(*written)), "62:240,62:240,60:240", SearchScoreFile);
-      auto read = ReadAnyScore(*written);
+      auto read = converters::ReadAnyScore(*written);
       ASSERT_TRUE(read);
       const ScoreMusic music = ReadMusic(read->document);
       const ScorePages pages(read->document);

@@ -21,7 +21,7 @@ using testing::ElementsAre;
 
 ScoreDocument Document(const std::string& name) {
   const std::string content = Content(DataPath(name));
-  auto score = ReadAnyScore(AsBytes(content));
+  auto score = converters::ReadAnyScore(AsBytes(content));
   EXPECT_TRUE(score) << name;
   return score ? std::move(score->document) : ScoreDocument();
 }

@@ -246,12 +246,12 @@ TEST(ScoreSearchTest, DamageMakesAScoreUnsuitable) {
 // A score of another format is searched as the score file that is made of it.
 TEST(ScoreSearchTest, ADocumentHasTheItemsOfItsFile) {
   std::size_t items = 0;
-  const auto check = [&](const std::string& path, ScoreDetail detail) {
+  const auto check = [&](const std::string& path, converters::ScoreDetail detail) {
     SCOPED_TRACE(path);
     const auto file = ReadFile(path);
     ASSERT_TRUE(file);
-    const auto image = ScoreImageOf(*file);
-    const auto score = ReadAnyScore(*file, {}, detail);
+    const auto image = converters::ScoreImageOf(*file);
+    const auto score = converters::ReadAnyScore(*file, {}, detail);
     ASSERT_TRUE(image && score);
     const auto info = ReadScoreInfo(*image);
     ASSERT_TRUE(info);
@@ -261,8 +261,8 @@ TEST(ScoreSearchTest, ADocumentHasTheItemsOfItsFile) {
     for (const ScoreLine& line : *lines) items += line[0].size();
   };
   for (const auto& entry : std::filesystem::directory_iterator(DataPath("musicxml")))
-    check(entry.path().string(), ScoreDetail::Notes);
-  for (const std::string& path : DemoScores()) check(path, ScoreDetail::Whole);
+    check(entry.path().string(), converters::ScoreDetail::Notes);
+  for (const std::string& path : DemoScores()) check(path, converters::ScoreDetail::Whole);
   EXPECT_GT(items, 1500U);
 }
 

@@ -46,7 +46,7 @@ void Print(const std::string& name, const Quality& q) {
 std::optional<Quality> OfPeer(const std::string& path, const ScoreDocument& score) {
   const auto file = ReadFile(path);
   if (!file) return std::nullopt;
-  const auto made = ReadAnyScore(*file);
+  const auto made = converters::ReadAnyScore(*file);
   if (!made) return std::nullopt;
   return Compare(score, made->document);
 }

@@ -34,8 +34,8 @@ void TypeValue(QTreeWidget& list, const char* name, const QString& text) {
 }
 
 std::string ValueIn(const std::string& path, std::string_view name) {
-  const auto attributes = ReadAttributes(path);
-  const Attribute* const found = attributes ? FindAttribute(*attributes, name) : nullptr;
+  const auto attributes = tags::ReadAttributes(path);
+  const tags::Attribute* const found = attributes ? tags::FindAttribute(*attributes, name) : nullptr;
   return found == nullptr ? std::string() : found->value;
 }
 
@@ -45,7 +45,8 @@ class AttributesDialogTest : public testing::Test {
     for (const char* name : {"a.mp3", "b.mp3"})
       files_.push_back(directory_.Write(name, Content(DataPath("audio/mpeg1_layer3_cbr128.mp3"))));
     EXPECT_EQ(
-        ChangeAttributes(files_[1], {{{AttributeType::String, "Author", "B", false, true}}, {}}).value_or(1),
+        tags::ChangeAttributes(files_[1], {{{tags::AttributeType::String, "Author", "B", false, true}}, {}})
+            .value_or(1),
         0U);
   }
 
@@ -129,7 +130,8 @@ TEST_F(AttributesDialogTest, TimesHaveAnEditorOfTheirOwn) {
 }
 
 TEST_F(AttributesDialogTest, OfAJobAlone) {
-  AttributesDialog dialog(Attributes{{AttributeType::String, "Title", "T", false, true}}, host_, nullptr);
+  AttributesDialog dialog(tags::Attributes{{tags::AttributeType::String, "Title", "T", false, true}}, host_,
+                          nullptr);
   dialog.show();
   EXPECT_EQ(Child<QTabWidget>(dialog, "pages").count(), 1);
   TypeValue(Child<QTreeWidget>(dialog, "attributeList"), "Author", "Wer");

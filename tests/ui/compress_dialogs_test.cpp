@@ -17,7 +17,7 @@ namespace {
 
 TEST(CompressDialogTest, ACodecNeedsAFormat) {
   RecordingHost host;
-  CompressDialog dialog({}, {}, host, nullptr);
+  encode::CompressDialog dialog({}, {}, host, nullptr);
   dialog.show();
   auto& codecs = Child<QComboBox>(dialog, "codecBox");
   auto& formats = Child<QListWidget>(dialog, "formatList");
@@ -26,23 +26,23 @@ TEST(CompressDialogTest, ACodecNeedsAFormat) {
   EXPECT_TRUE(ok.isEnabled());
   EXPECT_TRUE(Child<QAbstractButton>(dialog, "configureButton").isEnabled());
   EXPECT_EQ(formats.item(0)->text(), "Wählen Sie \"Konfigurieren\", um die");
-  codecs.setCurrentIndex(CodecIndexOf(EncoderId::WmaCodec));
+  codecs.setCurrentIndex(encode::CodecIndexOf(encode::EncoderId::WmaCodec));
   EXPECT_FALSE(ok.isEnabled());
   EXPECT_FALSE(Child<QAbstractButton>(dialog, "configureButton").isEnabled());
   formats.setCurrentRow(2);
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.result(), QDialog::Accepted);
   EXPECT_EQ(dialog.Settings().method, 1);
-  EXPECT_EQ(dialog.Settings().object, CodecIndexOf(EncoderId::WmaCodec));
+  EXPECT_EQ(dialog.Settings().object, encode::CodecIndexOf(encode::EncoderId::WmaCodec));
   EXPECT_EQ(dialog.Settings().format, 2);
   // Opened again it shows what was chosen.
-  CompressDialog again(dialog.Settings(), {}, host, nullptr);
+  encode::CompressDialog again(dialog.Settings(), {}, host, nullptr);
   EXPECT_EQ(Child<QListWidget>(again, "formatList").currentRow(), 2);
 }
 
 TEST(CompressDialogTest, OggAsksOnceAndTheProofFollowsTheMethod) {
   RecordingHost host;
-  CompressDialog dialog({}, {}, host, nullptr);
+  encode::CompressDialog dialog({}, {}, host, nullptr);
   dialog.show();
   auto& proof = Child<QAbstractButton>(dialog, "verifyCheck");
   EXPECT_FALSE(proof.isChecked());
@@ -56,7 +56,7 @@ TEST(CompressDialogTest, OggAsksOnceAndTheProofFollowsTheMethod) {
     EXPECT_TRUE(message.Text().startsWith("Der Ogg Codec wurde noch nicht konfiguriert."));
   }
   EXPECT_TRUE(dialog.isVisible());
-  InNext<OggDialog>([](OggDialog& ogg) {
+  InNext<encode::OggDialog>([](encode::OggDialog& ogg) {
     Child<QSlider>(ogg, "minSlider").setValue(8);
     EXPECT_EQ(Child<QLabel>(ogg, "nominalValueLabel").text(), "160 KBit/s");
     Child<QSlider>(ogg, "nominalSlider").setValue(14);
@@ -66,18 +66,19 @@ TEST(CompressDialogTest, OggAsksOnceAndTheProofFollowsTheMethod) {
   Press(dialog, "oggButton");
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.Settings().ogg,
-            (OggSettings{.maxBitRate = 448 * 1024, .nominalBitRate = 448 * 1024, .minBitRate = 160 * 1024}));
+            (encode::OggSettings{
+                .maxBitRate = 448 * 1024, .nominalBitRate = 448 * 1024, .minBitRate = 160 * 1024}));
   EXPECT_FALSE(dialog.Settings().verify);
 }
 
 TEST(CompressDialogTest, AnInterfaceThatIsGoneIsRefused) {
   RecordingHost host;
-  EncodeSettings settings;
+  encode::EncodeSettings settings;
   settings.method = 4;
   settings.object = 1;
   settings.format = 1;
-  CompressDialog dialog(settings, {.interfaces = {{"weg", false, {"a"}}, {"da", true, {"b", "c"}}}}, host,
-                        nullptr);
+  encode::CompressDialog dialog(settings, {.interfaces = {{"weg", false, {"a"}}, {"da", true, {"b", "c"}}}},
+                                host, nullptr);
   dialog.show();
   auto& tree = Child<QTreeWidget>(dialog, "interfaceTree");
   ASSERT_NE(tree.currentItem(), nullptr);
@@ -94,7 +95,7 @@ TEST(CompressDialogTest, AnInterfaceThatIsGoneIsRefused) {
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.Settings().object, 1);
   EXPECT_EQ(dialog.Settings().format, 0);
-  CompressDialog none({}, {}, host, nullptr);
+  encode::CompressDialog none({}, {}, host, nullptr);
   EXPECT_EQ(Child<QTreeWidget>(none, "interfaceTree").topLevelItem(0)->text(0),
             "Keine MP3-Interfaces vorhanden!");
 }
@@ -108,7 +109,7 @@ TEST(TargetNamesTest, ShowsAllNamesAndRefusesFaults) {
     return std::vector<NamedItem>{{"/m/a.wav", {.name = "/m/01 - " + pattern + ".mp3"}, true},
                                   {"/m/b.wav", {.code = Outcome::TargetFailed}, false}};
   };
-  TargetNamesDialog dialog("%title%", preview, host, nullptr);
+  encode::TargetNamesDialog dialog("%title%", preview, host, nullptr);
   dialog.show();
   auto& names = Child<QTreeWidget>(dialog, "nameList");
   EXPECT_EQ(names.topLevelItem(0)->text(1), "01 - %title%.mp3 (vorhanden)");
@@ -127,24 +128,24 @@ TEST(TargetNamesTest, ShowsAllNamesAndRefusesFaults) {
   Press(dialog, "okButton");
   EXPECT_EQ(dialog.Pattern(), "%track%");
 
-  EncodeSettings chosen;
-  CompressChoices choices;
-  choices.editNames = [&](QWidget*, const EncodeSettings& settings) { chosen = settings; };
+  encode::EncodeSettings chosen;
+  encode::CompressChoices choices;
+  choices.editNames = [&](QWidget*, const encode::EncodeSettings& settings) { chosen = settings; };
   choices.replayGain = true;
-  CompressDialog compress({}, choices, host, nullptr);
+  encode::CompressDialog compress({}, choices, host, nullptr);
   compress.show();
   Child<QRadioButton>(compress, "apeRadio").setChecked(true);
   Press(compress, "namesButton");
-  EXPECT_EQ(chosen.Method(), EncodeMethod::MonkeysAudio);
+  EXPECT_EQ(chosen.Method(), encode::EncodeMethod::MonkeysAudio);
   Child<QAbstractButton>(compress, "gainCheck").setChecked(false);
   EXPECT_FALSE(compress.ReplayGain());
 }
 
 TEST(DecoderDialogTest, GivesBackWhatItShows) {
   RecordingHost host;
-  const DecodeOptions options{.rateDivisor = 4, .mono = true, .bits = 24};
+  const encode::DecodeOptions options{.rateDivisor = 4, .mono = true, .bits = 24};
   bool names = false;
-  DecoderDialog dialog(
+  encode::DecoderDialog dialog(
       options, "a.mp3", {"MP3", 44100}, [&](QWidget*) { names = true; }, host, nullptr);
   dialog.show();
   EXPECT_EQ(Child<QComboBox>(dialog, "rateBox").currentText(), "11025 Hz");
@@ -153,14 +154,14 @@ TEST(DecoderDialogTest, GivesBackWhatItShows) {
   EXPECT_TRUE(names);
   for (const char* box : {"rateBox", "channelBox", "bitsBox"})
     Child<QComboBox>(dialog, box).setCurrentIndex(0);
-  EXPECT_EQ(dialog.Options(), DecodeOptions());
+  EXPECT_EQ(dialog.Options(), encode::DecodeOptions());
 }
 
 TEST(EngineDialogTest, KeepsWhatItDoesNotShow) {
   RecordingHost host;
-  BeConfig config = BeConfig::Defaults(Mp3Engine::Lame);
-  config.Set(lame::dwPsyModel, 0x12345678);
-  EngineDialog dialog(config, Mp3Engine::Lame, host, nullptr);
+  encode::BeConfig config = encode::BeConfig::Defaults(encode::Mp3Engine::Lame);
+  config.Set(encode::lame::dwPsyModel, 0x12345678);
+  encode::EngineDialog dialog(config, encode::Mp3Engine::Lame, host, nullptr);
   dialog.show();
   EXPECT_FALSE(Child<QComboBox>(dialog, "bitRateBox").isEnabled());
   Child<QSlider>(dialog, "minSlider").setValue(9);
@@ -169,12 +170,12 @@ TEST(EngineDialogTest, KeepsWhatItDoesNotShow) {
   Child<QSlider>(dialog, "maxSlider").setValue(2);
   EXPECT_EQ(Child<QSlider>(dialog, "minSlider").value(), 2);
   Press(dialog, "okButton");
-  EXPECT_EQ(dialog.Config().Get(lame::dwBitrate), 48U);
-  EXPECT_EQ(dialog.Config().Get(lame::dwMaxBitrate), 48U);
-  EXPECT_EQ(dialog.Config().Get(lame::dwPsyModel), 0x12345678U);
-  EXPECT_EQ(dialog.Config().GetSigned(lame::nPreset), 0);
+  EXPECT_EQ(dialog.Config().Get(encode::lame::dwBitrate), 48U);
+  EXPECT_EQ(dialog.Config().Get(encode::lame::dwMaxBitrate), 48U);
+  EXPECT_EQ(dialog.Config().Get(encode::lame::dwPsyModel), 0x12345678U);
+  EXPECT_EQ(dialog.Config().GetSigned(encode::lame::nPreset), 0);
 
-  EngineDialog blade(dialog.Config(), Mp3Engine::Blade, host, nullptr);
+  encode::EngineDialog blade(dialog.Config(), encode::Mp3Engine::Blade, host, nullptr);
   EXPECT_EQ(Child<QComboBox>(blade, "modeBox").count(), 3);
   for (const char* name : {"qualityBox", "vbrGroup", "reservoirCheck", "emphasisGroup"})
     EXPECT_FALSE(Child<QWidget>(blade, name).isEnabled()) << name;
@@ -185,7 +186,7 @@ TEST(ApeDialogTest, LevelsAndWhatIsNone) {
   RecordingHost host;
   for (const auto& [level, shown] :
        {std::pair{1000, 1000}, {5000, 5000}, {2500, 2000}, {0, 3000}, {9000, 3000}})
-    EXPECT_EQ(ApeDialog(level, host, nullptr).Level(), shown);
+    EXPECT_EQ(encode::ApeDialog(level, host, nullptr).Level(), shown);
 }
 
 }  // namespace

@@ -155,7 +155,7 @@ AudioProperties SampleAudio() {
   return properties;
 }
 
-EncoderInterfaces SampleInterfaces() {
+interfaces::EncoderInterfaces SampleInterfaces() {
   return {
       {"/usr/bin/env",
        "LAME (MP3)",
@@ -167,7 +167,8 @@ EncoderInterfaces SampleInterfaces() {
 
 // The assistant after so many pages; another leads to the pages of a set.
 std::unique_ptr<QWidget> AssistantPage(DialogHost& host, int pages, bool another = false) {
-  auto assistant = std::make_unique<InterfaceAssistant>(SampleInterfaces(), std::string(), host, nullptr);
+  auto assistant =
+      std::make_unique<interfaces::InterfaceAssistant>(SampleInterfaces(), std::string(), host, nullptr);
   Child<QListWidget>(*assistant, "foundList").setCurrentRow(1);
   for (int page = 0; page < pages; ++page) {
     Child<QCheckBox>(*assistant, "anotherCheck").setChecked(another);
@@ -234,20 +235,20 @@ const std::vector<WindowSample>& WindowSamples() {
        }},
       {"WAVMP3PARAMS",
        [](DialogHost& host) {
-         EncodeSettings settings;
-         settings.object = CodecIndexOf(EncoderId::WmaCodec);
-         const CompressChoices choices{.interfaces = {{"flac", true, {"Stufe 5", "Stufe 8"}}},
-                                       .editAttributes = [](QWidget*) {},
-                                       .editNames = [](QWidget*, const EncodeSettings&) {},
-                                       .replayGain = true};
-         return std::make_unique<CompressDialog>(settings, choices, host, nullptr);
+         encode::EncodeSettings settings;
+         settings.object = encode::CodecIndexOf(encode::EncoderId::WmaCodec);
+         const encode::CompressChoices choices{.interfaces = {{"flac", true, {"Stufe 5", "Stufe 8"}}},
+                                               .editAttributes = [](QWidget*) {},
+                                               .editNames = [](QWidget*, const encode::EncodeSettings&) {},
+                                               .replayGain = true};
+         return std::make_unique<encode::CompressDialog>(settings, choices, host, nullptr);
        }},
       {"MPDECODER",
        [](DialogHost& host) {
-         return std::make_unique<DecoderDialog>(
-             DecodeOptions{.rateDivisor = 2}, "Abendlied.mp3",
-             CompressedFile{"MPEG-Audio Layer III (MP3), 44100 Hz, Stereo", 44100}, [](QWidget*) {}, host,
-             nullptr);
+         return std::make_unique<encode::DecoderDialog>(
+             encode::DecodeOptions{.rateDivisor = 2}, "Abendlied.mp3",
+             encode::CompressedFile{"MPEG-Audio Layer III (MP3), 44100 Hz, Stereo", 44100}, [](QWidget*) {},
+             host, nullptr);
        }},
       {"TARGETNAMES",
        [](DialogHost& host) {
@@ -258,31 +259,38 @@ const std::vector<WindowSample>& WindowSamples() {
                {"/m/c.wav", {.code = Outcome::TargetFailed}, false},
            };
          };
-         return std::make_unique<TargetNamesDialog>("%track% - %title%", preview, host, nullptr);
+         return std::make_unique<encode::TargetNamesDialog>("%track% - %title%", preview, host, nullptr);
        }},
       {"BLADEPARAMS",
        [](DialogHost& host) {
-         return std::make_unique<EngineDialog>(BeConfig(), Mp3Engine::Lame, host, nullptr);
+         return std::make_unique<encode::EngineDialog>(encode::BeConfig(), encode::Mp3Engine::Lame, host,
+                                                       nullptr);
        }},
       {"OGGPARAMS",
-       [](DialogHost& host) { return std::make_unique<OggDialog>(OggSettings{}, host, nullptr); }},
-      {"APEPARAMS", [](DialogHost& host) { return std::make_unique<ApeDialog>(3000, host, nullptr); }},
+       [](DialogHost& host) {
+         return std::make_unique<encode::OggDialog>(encode::OggSettings{}, host, nullptr);
+       }},
+      {"APEPARAMS",
+       [](DialogHost& host) { return std::make_unique<encode::ApeDialog>(3000, host, nullptr); }},
       {"ENCODERINFO",
-       [](DialogHost&) { return std::make_unique<EncoderInfoDialog>(Mp3Engine::Lame, nullptr); }},
+       [](DialogHost&) {
+         return std::make_unique<encode::EncoderInfoDialog>(encode::Mp3Engine::Lame, nullptr);
+       }},
       {"MODIFYMP3INTERFACES",
        [](DialogHost& host) {
          static const QTemporaryDir directory;
          const std::string file = FromQt(directory.filePath(QStringLiteral("ts5i.cdi")));
-         (void)SaveInterfaces(file, SampleInterfaces());
-         return std::make_unique<InterfaceManager>(file, host, nullptr);
+         (void)interfaces::SaveInterfaces(file, SampleInterfaces());
+         return std::make_unique<interfaces::InterfaceManager>(file, host, nullptr);
        }},
       {"EDITINTERFACE",
        [](DialogHost& host) {
-         return std::make_unique<InterfaceEditor>(SampleInterfaces().back(), host, nullptr);
+         return std::make_unique<interfaces::InterfaceEditor>(SampleInterfaces().back(), host, nullptr);
        }},
       {"EDITINTERFACE-set",
        [](DialogHost& host) {
-         auto editor = std::make_unique<InterfaceEditor>(SampleInterfaces().front(), host, nullptr);
+         auto editor =
+             std::make_unique<interfaces::InterfaceEditor>(SampleInterfaces().front(), host, nullptr);
          Child<QTabWidget>(*editor, "pages").setCurrentIndex(2);
          return editor;
        }},
@@ -322,8 +330,9 @@ const std::vector<WindowSample>& WindowSamples() {
        }},
       {"AUDIOPROPS-job",
        [](DialogHost& host) {
-         const Attributes attributes{{AttributeType::String, "Title", "Abendlied", false, true},
-                                     {AttributeType::String, "Author", "Josef Rheinberger", false, true}};
+         const tags::Attributes attributes{
+             {tags::AttributeType::String, "Title", "Abendlied", false, true},
+             {tags::AttributeType::String, "Author", "Josef Rheinberger", false, true}};
          return std::make_unique<AttributesDialog>(attributes, host, nullptr);
        }},
       {"FILEPROPS-vergleich",
@@ -333,14 +342,15 @@ const std::vector<WindowSample>& WindowSamples() {
        }},
       {"XMLCONVPARAMS",
        [](DialogHost& host) {
-         return std::make_unique<XmlConverterDialog>(XmlConverterParameters{}, host, nullptr);
+         return std::make_unique<converters::XmlConverterDialog>(converters::XmlConverterParameters{}, host,
+                                                                 nullptr);
        }},
       {"XMLPROPS",
        [](DialogHost& host) {
          const ScoreProperties properties{
              "Eigenschaften von \"Abendlied.musicxml\"",
              {{"Titel", "Abendlied"}, {"Autor", "Josef Rheinberger"}, {"Notenzeilen", "6"}}};
-         return std::make_unique<XmlPropertiesDialog>(properties, host, nullptr);
+         return std::make_unique<converters::XmlPropertiesDialog>(properties, host, nullptr);
        }},
       {"Notenbild",
        [](DialogHost& host) {

@@ -51,7 +51,7 @@ std::vector<WindowSample> DiscWindowSamples() {
        [](DialogHost& host) {
          GrabParameters parameters;
          parameters.useNames = true;
-         return std::make_unique<GrabDialog>(parameters, 12, CompressChoices{}, host, nullptr);
+         return std::make_unique<GrabDialog>(parameters, 12, encode::CompressChoices{}, host, nullptr);
        }},
       {"TRACKBREAK",
        [](DialogHost& host) {

@@ -20,7 +20,7 @@ class InterfaceDialogsTest : public testing::Test {
       : program_(directory_.Write("enc", "#!/bin/sh\n")), file_(directory_.File("ts5i.cdi")) {
     chmod(program_.c_str(), 0755);
   }
-  [[nodiscard]] EncoderInterface Known() const {
+  [[nodiscard]] interfaces::EncoderInterface Known() const {
     return {program_, "Kodierer", "mp3", {{.parameters = "-b 64 {q} {z}", .bitRate = 64}}};
   }
 
@@ -31,7 +31,7 @@ class InterfaceDialogsTest : public testing::Test {
 };
 
 TEST_F(InterfaceDialogsTest, TheAssistantChecksEachPage) {
-  InterfaceAssistant assistant({}, file_, host_, nullptr);
+  interfaces::InterfaceAssistant assistant({}, file_, host_, nullptr);
   assistant.show();
   auto& next = Child<QPushButton>(assistant, "okButton");
   const auto page = [&] { return Child<QStackedWidget>(assistant, "pages").currentIndex(); };
@@ -73,17 +73,18 @@ TEST_F(InterfaceDialogsTest, TheAssistantChecksEachPage) {
   EXPECT_EQ(next.text(), "Schließen");
   next.click();
   EXPECT_FALSE(assistant.isVisible());
-  EXPECT_THAT(LoadInterfaces(file_), ElementsAre(EncoderInterface{program_,
-                                                                  "Neu",
-                                                                  "mp3",
-                                                                  {{.parameters = "-b 320 {q} {z}",
-                                                                    .bitRate = 320,
-                                                                    .original = true,
-                                                                    .deemphasis = Deemphasis::Ccitt}}}));
+  EXPECT_THAT(interfaces::LoadInterfaces(file_),
+              ElementsAre(interfaces::EncoderInterface{program_,
+                                                       "Neu",
+                                                       "mp3",
+                                                       {{.parameters = "-b 320 {q} {z}",
+                                                         .bitRate = 320,
+                                                         .original = true,
+                                                         .deemphasis = interfaces::Deemphasis::Ccitt}}}));
 }
 
 TEST_F(InterfaceDialogsTest, AFoundEncoderNeedsNoTyping) {
-  InterfaceAssistant assistant({Known()}, file_, host_, nullptr);
+  interfaces::InterfaceAssistant assistant({Known()}, file_, host_, nullptr);
   assistant.show();
   Child<QListWidget>(assistant, "foundList").setCurrentRow(1);
   auto& next = Child<QPushButton>(assistant, "okButton");
@@ -100,14 +101,14 @@ TEST_F(InterfaceDialogsTest, AFoundEncoderNeedsNoTyping) {
   for (int i = 0; i < 3; ++i) next.click();
   EXPECT_EQ(Child<QListWidget>(assistant, "setList").count(), 1);
   for (int i = 0; i < 2; ++i) next.click();
-  EXPECT_THAT(LoadInterfaces(file_), ElementsAre(Known()));
+  EXPECT_THAT(interfaces::LoadInterfaces(file_), ElementsAre(Known()));
 }
 
 TEST_F(InterfaceDialogsTest, TheManagerDeletesAfterAsking) {
-  EncoderInterface lost = Known();
+  interfaces::EncoderInterface lost = Known();
   lost.encoder = "/nicht/da";
-  ASSERT_EQ(SaveInterfaces(file_, {Known(), lost}), Outcome::Success);
-  InterfaceManager manager(file_, host_, nullptr);
+  ASSERT_EQ(interfaces::SaveInterfaces(file_, {Known(), lost}), Outcome::Success);
+  interfaces::InterfaceManager manager(file_, host_, nullptr);
   manager.show();
   auto& list = Child<QTreeWidget>(manager, "interfaceList");
   EXPECT_EQ(list.topLevelItem(0)->text(1), "verfügbar");
@@ -125,9 +126,9 @@ TEST_F(InterfaceDialogsTest, TheManagerDeletesAfterAsking) {
 }
 
 TEST_F(InterfaceDialogsTest, TheEditorChangesSetsAndAsksForALostEncoder) {
-  EncoderInterface interface = Known();
+  interfaces::EncoderInterface interface = Known();
   interface.sets.front().bitRate = 123;  // not in the list
-  InterfaceEditor editor(interface, host_, nullptr);
+  interfaces::InterfaceEditor editor(interface, host_, nullptr);
   editor.show();
   auto& pages = Child<QTabWidget>(editor, "pages");
   EXPECT_FALSE(Child<QWidget>(editor, "missingLabel").isVisible());
@@ -160,9 +161,9 @@ TEST_F(InterfaceDialogsTest, TheEditorChangesSetsAndAsksForALostEncoder) {
     Child<QPushButton>(editor, "okButton").click();
     EXPECT_EQ(editor.isVisible(), answer == QMessageBox::No);
   }
-  EXPECT_EQ(
-      editor.Edited(),
-      (EncoderInterface{"/nicht/da", "Kodierer", "mp3", {{.parameters = "-V 2 {q} {z}", .bitRate = 128}}}));
+  EXPECT_EQ(editor.Edited(),
+            (interfaces::EncoderInterface{
+                "/nicht/da", "Kodierer", "mp3", {{.parameters = "-V 2 {q} {z}", .bitRate = 128}}}));
 }
 
 }  // namespace

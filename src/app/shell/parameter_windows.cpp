@@ -85,12 +85,13 @@ bool EditWave(WaveConverterParameters& parameters, const EditPlace& place) {
 }
 
 // What the compressor's window offers; attributes are those that it edits.
-CompressChoices EncoderChoices(Attributes& attributes, DialogHost& host) {
-  CompressChoices choices;
-  for (const EncoderInterface& interface : LoadInterfaces(InterfacesPath())) {
-    auto& row = choices.interfaces.emplace_back(
-        CompressChoices::Interface{.name = interface.name, .available = interface.Available(), .sets = {}});
-    for (const ParameterSet& set : interface.sets) row.sets.push_back(set.parameters);
+encode::CompressChoices EncoderChoices(tags::Attributes& attributes, DialogHost& host) {
+  encode::CompressChoices choices;
+  for (const interfaces::EncoderInterface& interface :
+       interfaces::LoadInterfaces(interfaces::InterfacesPath())) {
+    auto& row = choices.interfaces.emplace_back(encode::CompressChoices::Interface{
+        .name = interface.name, .available = interface.Available(), .sets = {}});
+    for (const interfaces::ParameterSet& set : interface.sets) row.sets.push_back(set.parameters);
   }
   choices.editAttributes = [&attributes, &host](QWidget* dialog) {
     if (auto edited = EditJobAttributes(attributes, host, dialog)) attributes = *std::move(edited);
@@ -111,22 +112,22 @@ void EditNames(const EditPlace& place, P parameters, std::string& pattern, QWidg
     shown.parameters = parameters.Clone();
     return PreviewTargets(shown, *module, rules, SystemDestinationFiles());
   };
-  TargetNamesDialog dialog(pattern, preview, place.host, owner);
+  encode::TargetNamesDialog dialog(pattern, preview, place.host, owner);
   if (dialog.exec() == QDialog::Accepted) pattern = dialog.Pattern();
 }
 
-bool EditCompressor(AudioCompressorParameters& parameters, const EditPlace& place) {
-  Attributes attributes = parameters.attributes;
+bool EditCompressor(encode::AudioCompressorParameters& parameters, const EditPlace& place) {
+  tags::Attributes attributes = parameters.attributes;
   std::string pattern = parameters.namePattern;
-  CompressChoices choices = EncoderChoices(attributes, place.host);
+  encode::CompressChoices choices = EncoderChoices(attributes, place.host);
   choices.replayGain = parameters.replayGain;
-  choices.editNames = [&](QWidget* dialog, const EncodeSettings& chosen) {
-    AudioCompressorParameters edited = parameters;
+  choices.editNames = [&](QWidget* dialog, const encode::EncodeSettings& chosen) {
+    encode::AudioCompressorParameters edited = parameters;
     edited.encode = chosen;
     edited.attributes = attributes;
     EditNames(place, std::move(edited), pattern, dialog);
   };
-  CompressDialog dialog(parameters.encode, std::move(choices), place.host, place.owner);
+  encode::CompressDialog dialog(parameters.encode, std::move(choices), place.host, place.owner);
   if (dialog.exec() != QDialog::Accepted) return false;
   parameters.encode = dialog.Settings();
   parameters.attributes = std::move(attributes);
@@ -136,14 +137,14 @@ bool EditCompressor(AudioCompressorParameters& parameters, const EditPlace& plac
 }
 
 // The page of the decoder of the one file that is selected.
-bool EditDecompressor(AudioDecompressorParameters& parameters, const EditPlace& place) {
+bool EditDecompressor(encode::AudioDecompressorParameters& parameters, const EditPlace& place) {
   const std::size_t items = ItemCount(place.job);
   if (items != 1) {
     ShowNotice(place.owner, items == 0 ? texts::NoDecoderPage : texts::DecoderPageNeedsOneFile);
     return false;
   }
   const std::string source = ItemSource(place.job, 0);
-  const auto file = DescribeCompressed(source);
+  const auto file = encode::DescribeCompressed(source);
   if (!file) {
     if (file.error() == Outcome::WrongFormat) {
       ShowNotice(place.owner, texts::NoDecoderPage);
@@ -154,8 +155,8 @@ bool EditDecompressor(AudioDecompressorParameters& parameters, const EditPlace& 
   }
   std::string pattern = parameters.namePattern;
   const auto editNames = [&](QWidget* dialog) { EditNames(place, parameters, pattern, dialog); };
-  DecoderDialog dialog(parameters.decode, std::string(FileNameOf(source)), *file, editNames, place.host,
-                       place.owner);
+  encode::DecoderDialog dialog(parameters.decode, std::string(FileNameOf(source)), *file, editNames,
+                               place.host, place.owner);
   if (dialog.exec() != QDialog::Accepted) return false;
   parameters.decode = dialog.Options();
   parameters.namePattern = std::move(pattern);
@@ -213,7 +214,7 @@ bool EditGrabber(disc::GrabParameters& parameters, const EditPlace& place) {
   constexpr int kTracksWithoutDisc = 20;
   const auto disc = disc::WithDrive([&] { return FindAudioCd(place.job.directory.path); });
   const int tracks = disc ? disc->tracks.back().number : kTracksWithoutDisc;
-  Attributes attributes = parameters.attributes;
+  tags::Attributes attributes = parameters.attributes;
   disc::GrabDialog dialog(parameters, tracks, EncoderChoices(attributes, place.host), place.host,
                           place.owner);
   if (!TakeFrom(dialog, parameters)) return false;
@@ -231,7 +232,7 @@ const std::vector<ParameterDialog>& Dialogs() {
       {FilterId::MidiSearch, Typed(EditSearch)},
       {FilterId::MidiToWave, Typed(EditMidiToWave), Typed(PrepareMidiToWave)},
       {FilterId::ScoreToMidi, Typed(EditScoreToMidi)},
-      {FilterId::XmlConverter, Plain<XmlConverterDialog>()},
+      {FilterId::XmlConverter, Plain<converters::XmlConverterDialog>()},
       {FilterId::MidiToScore, Plain<transcribe::MidiToScoreDialog>()},
       {FilterId::CdBurner, Typed(EditBurner)},
       {FilterId::CdGrabber, Typed(EditGrabber)},

@@ -10,10 +10,14 @@ namespace ts5 {
 SettingsCommands::SettingsCommands(Desk& desk, Settings& settings) : desk_(desk), settings_(settings) {
   CommandActions& actions = desk_.Actions();
   actions.On(CommandId::Settings, [this] { EditSettings(); });
-  actions.On(CommandId::CreateMp3Interface,
-             [this] { InterfaceAssistant(FindEncoders(), InterfacesPath(), desk_, desk_.Window()).exec(); });
-  actions.On(CommandId::ManageMp3Interfaces,
-             [this] { InterfaceManager(InterfacesPath(), desk_, desk_.Window()).exec(); });
+  actions.On(CommandId::CreateMp3Interface, [this] {
+    interfaces::InterfaceAssistant(interfaces::FindEncoders(), interfaces::InterfacesPath(), desk_,
+                                   desk_.Window())
+        .exec();
+  });
+  actions.On(CommandId::ManageMp3Interfaces, [this] {
+    interfaces::InterfaceManager(interfaces::InterfacesPath(), desk_, desk_.Window()).exec();
+  });
 }
 
 void SettingsCommands::EditSettings() {

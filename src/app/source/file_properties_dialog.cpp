@@ -43,9 +43,9 @@ const std::vector<PropertiesStep>& Steps() {
          return PropertiesWindow::Score;
        },
        ReaderFailure::StopAtSource},
-      {[](const FileListEntry& file) { return IsXmlScoreName(file.path); },
+      {[](const FileListEntry& file) { return converters::IsXmlScoreName(file.path); },
        [](const FileListEntry& file) -> Result<PropertiesWindow> {
-         const auto properties = ReadXmlProperties(file.path);
+         const auto properties = converters::ReadXmlProperties(file.path);
          if (properties) return PropertiesWindow::Xml;
          const bool damaged = properties.error() != Outcome::WrongFormat;
          return Failure(damaged ? Outcome::SourceFailed : Outcome::WrongFormat);
@@ -55,7 +55,7 @@ const std::vector<PropertiesStep>& Steps() {
        [](const FileListEntry& file) -> Result<PropertiesWindow> {
          const MediaKind kind = ProbeMedia(file.path).kind;
          // Some that nothing here plays have attributes.
-         if (kind == MediaKind::None && ReadAttributes(file.path).value_or(Attributes()).empty())
+         if (kind == MediaKind::None && tags::ReadAttributes(file.path).value_or(tags::Attributes()).empty())
            return Failure(Outcome::WrongFormat);
          return IsWaveKind(kind) ? PropertiesWindow::Wave : PropertiesWindow::Audio;
        }},
@@ -64,7 +64,7 @@ const std::vector<PropertiesStep>& Steps() {
 }
 
 bool HasAttributes(const std::string& path) {
-  return ReadAttributes(path).has_value();
+  return tags::ReadAttributes(path).has_value();
 }
 bool IsMidi(const std::string& path) {
   return ReadMidiFileHeader(path).has_value();
@@ -110,8 +110,8 @@ void ShowFileProperties(const FileListEntry& file, std::span<const FileListEntry
     }
     ShowWarning(owner, texts::FileNotOpened);
   } else if (choice.window == PropertiesWindow::Xml) {
-    if (const auto properties = ReadXmlProperties(file.path)) {
-      XmlPropertiesDialog(*properties, host, owner).exec();
+    if (const auto properties = converters::ReadXmlProperties(file.path)) {
+      converters::XmlPropertiesDialog(*properties, host, owner).exec();
       return;
     }
     ShowWarning(owner, texts::FileNotOpened);

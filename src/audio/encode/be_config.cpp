@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr std::uint32_t kNeverConfigured = 0xFFFFFFFF;
@@ -97,4 +97,4 @@ std::span<const BeValue> BeValues() {
   return kValues;
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -11,7 +11,7 @@
 
 #include "platform/base/bytes.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 inline constexpr std::size_t kBeConfigSize = 331;
 
@@ -98,4 +98,4 @@ struct BeValue {
 };
 [[nodiscard]] std::span<const BeValue> BeValues();
 
-}  // namespace ts5
+}  // namespace ts5::encode

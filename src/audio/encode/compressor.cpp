@@ -26,7 +26,7 @@
 #include "platform/files/file_mark.h"
 #include "platform/files/paths.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr double kEncodingPart = 0.8;  // of the work on an item, when its result is proved
@@ -98,14 +98,14 @@ void TellSizes(Run& run) {
 
 // The interface and the number of its set that the settings choose; nullptr: there is none.
 struct ChosenSet {
-  const EncoderInterface* interface = nullptr;
+  const interfaces::EncoderInterface* interface = nullptr;
   std::size_t set = 0;
 };
-ChosenSet ChosenIn(const EncoderInterfaces& interfaces, const EncodeSettings& settings) {
+ChosenSet ChosenIn(const interfaces::EncoderInterfaces& interfaces, const EncodeSettings& settings) {
   const bool there =
       settings.object >= 0 && std::cmp_less(settings.object, interfaces.size()) && settings.format >= 0;
   if (!there) return {};
-  const EncoderInterface& interface = interfaces[static_cast<std::size_t>(settings.object)];
+  const interfaces::EncoderInterface& interface = interfaces[static_cast<std::size_t>(settings.object)];
   if (std::cmp_greater_equal(settings.format, interface.sets.size())) return {};
   return {&interface, static_cast<std::size_t>(settings.format)};
 }
@@ -127,7 +127,7 @@ class CompressorRun {
  public:
   CompressorRun(Run& run, const AudioCompressorParameters& parameters) : run_(run), parameters_(parameters) {
     if (parameters_.encode.Method() == EncodeMethod::CommandLine)
-      interfaces_ = LoadInterfaces(InterfacesPath());
+      interfaces_ = interfaces::LoadInterfaces(interfaces::InterfacesPath());
   }
 
   void Execute() {
@@ -160,8 +160,8 @@ class CompressorRun {
   }
 
   // What the job sets, and what was measured.
-  [[nodiscard]] Attributes AttributesOf(const ItemWork& work) const {
-    Attributes attributes = parameters_.attributes;
+  [[nodiscard]] tags::Attributes AttributesOf(const ItemWork& work) const {
+    tags::Attributes attributes = parameters_.attributes;
     if (const auto gain = gains_.find(work.source); gain != gains_.end())
       std::ranges::move(GainAttributes(gain->second, ExtensionOf(work.targetName)),
                         std::back_inserter(attributes));
@@ -196,7 +196,7 @@ class CompressorRun {
     const auto [interface, set] = ChosenIn(interfaces_, parameters_.encode);
     if (interface == nullptr) return Outcome::EncoderNotStarted;
     const auto run = [&, &program = *interface, number = set](const std::string& path) {
-      return RunEncoder(program, number, {path, source.Seconds()}, work.target, watch);
+      return interfaces::RunEncoder(program, number, {path, source.Seconds()}, work.target, watch);
     };
     if (!source.IsAiff()) return run(source.Path());
     const auto wave = WaveOf(source, watch);
@@ -205,14 +205,14 @@ class CompressorRun {
 
   Run& run_;
   const AudioCompressorParameters& parameters_;
-  EncoderInterfaces interfaces_;
+  interfaces::EncoderInterfaces interfaces_;
   std::map<std::string, TrackGain> gains_;  // by their sources
 };
 
 // What the settings lack to encode by them.
 std::optional<TextId> MissingOf(const EncodeSettings& settings) {
   if (settings.Method() == EncodeMethod::CommandLine) {
-    const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
+    const interfaces::EncoderInterfaces interfaces = interfaces::LoadInterfaces(interfaces::InterfacesPath());
     // One whose program has gone stays a choice: each file fails with the code for that.
     const bool there = ChosenIn(interfaces, settings).interface != nullptr;
     return there ? std::nullopt : std::optional(texts::CompressInterfaceGone);
@@ -229,17 +229,17 @@ std::optional<TextId> MissingOf(const EncodeSettings& settings) {
 
 std::vector<ParameterField> AudioCompressorFields() {
   auto fields = EncodeFields("", AccessTo(&AudioCompressorParameters::encode));
-  fields.push_back(AttributesField(&AudioCompressorParameters::attributes));
+  fields.push_back(tags::AttributesField(&AudioCompressorParameters::attributes));
   FieldTable<AudioCompressorParameters> own;
   own.Flag("ReplayGain", &AudioCompressorParameters::replayGain)
-      .Row(NamePatternField(&AudioCompressorParameters::namePattern));
+      .Row(tags::NamePatternField(&AudioCompressorParameters::namePattern));
   std::ranges::move(own.Build(), std::back_inserter(fields));
   return fields;
 }
 
 std::string ExtensionFor(const EncodeSettings& settings) {
   if (const Encoder* const encoder = EncoderOf(settings)) return std::string(encoder->extension);
-  const EncoderInterfaces interfaces = LoadInterfaces(InterfacesPath());
+  const interfaces::EncoderInterfaces interfaces = interfaces::LoadInterfaces(interfaces::InterfacesPath());
   const ChosenSet chosen = ChosenIn(interfaces, settings);
   return chosen.interface == nullptr ? "mp3" : chosen.interface->extension;
 }
@@ -253,7 +253,7 @@ FilterModule AudioCompressorModule() {
   module.remarks = AllRemarks();
   module.target = [](const P& own, const std::string& source) {
     TargetRule rule{.extension = ExtensionFor(own.encode)};
-    rule.name = FileNameFor(own.namePattern, source, own.attributes, rule.extension);
+    rule.name = tags::FileNameFor(own.namePattern, source, own.attributes, rule.extension);
     if (rule.extension == "wma") rule.fileTypes = texts::FileFilterWma;
     return rule;
   };
@@ -262,4 +262,4 @@ FilterModule AudioCompressorModule() {
   return MakeModule(std::move(module));
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -10,11 +10,11 @@
 #include "frame/filter_module.h"
 #include "frame/parameters.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 struct AudioCompressorParameters : ClonableParameters<AudioCompressorParameters> {
   EncodeSettings encode;
-  Attributes attributes;
+  tags::Attributes attributes;
   bool replayGain = false;  // measured before the run and written into every target
   std::string namePattern;  // "": targets are named after their sources
 };
@@ -25,4 +25,4 @@ struct AudioCompressorParameters : ClonableParameters<AudioCompressorParameters>
 
 [[nodiscard]] FilterModule AudioCompressorModule();
 
-}  // namespace ts5
+}  // namespace ts5::encode

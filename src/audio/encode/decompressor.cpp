@@ -18,7 +18,7 @@
 #include "platform/base/text.h"
 #include "platform/media/media_engine.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 using namespace texts;
@@ -62,14 +62,14 @@ struct OpenedItem : PreparedItem {
 };
 
 // Into the list INFO, as far as that has a place for them.
-void CarryAttributes(Attributes attributes, const std::string& wave) {
-  AttributeChanges changes;
-  for (Attribute& attribute : attributes) {
+void CarryAttributes(tags::Attributes attributes, const std::string& wave) {
+  tags::AttributeChanges changes;
+  for (tags::Attribute& attribute : attributes) {
     if (attribute.readOnly || !attribute.HasValue()) continue;
     attribute.selected = true;
     changes.set.push_back(std::move(attribute));
   }
-  if (!changes.Empty()) (void)ChangeAttributesInPlace(wave, changes);
+  if (!changes.Empty()) (void)tags::ChangeAttributesInPlace(wave, changes);
 }
 
 // A part of a source.
@@ -121,7 +121,7 @@ Result<CompressedFile> DescribeCompressed(const std::string& source) {
 
 Outcome Decompress(MediaFile media, const std::string& source, StagedFile& target,
                    const DecodeOptions& options, const WorkWatch& watch) {
-  auto attributes = ReadAttributes(source);
+  auto attributes = tags::ReadAttributes(source);
   const auto place = attributes ? NotedPlace(*attributes) : std::nullopt;
   if (place && place->delay != 0) {
     if (const Outcome begun = media.decoder->Seek(place->delay); Failed(begun)) return begun;
@@ -166,7 +166,7 @@ std::vector<ParameterField> DecompressorFields() {
           "DecodeMono", [](auto& p) -> auto& { return p.decode.mono; })
       .Choice(
           "DecodeBits", kDecodeBits, [](auto& p) -> auto& { return p.decode.bits; })
-      .Row(NamePatternField(&Parameters::namePattern));
+      .Row(tags::NamePatternField(&Parameters::namePattern));
   return table.Build();
 }
 
@@ -196,11 +196,12 @@ FilterModule AudioDecompressorModule() {
   module.run = RunDecompressor;
   module.remarks = kRemarks;
   module.target = [](const P& own, const std::string& source) {
-    return TargetRule{
-        .extension = "wav", .formatKept = false, .name = FileNameFor(own.namePattern, source, {}, "wav")};
+    return TargetRule{.extension = "wav",
+                      .formatKept = false,
+                      .name = tags::FileNameFor(own.namePattern, source, {}, "wav")};
   };
   module.stop.status = Stopping;
   return MakeModule(std::move(module));
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -13,7 +13,7 @@
 #include "platform/base/work_watch.h"
 #include "platform/files/files.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 // How one file is decoded, by the page of its decoder. As they stand: everything as it is in the file.
 struct DecodeOptions {
@@ -51,4 +51,4 @@ struct CompressedFile {
 
 [[nodiscard]] FilterModule AudioDecompressorModule();
 
-}  // namespace ts5
+}  // namespace ts5::encode

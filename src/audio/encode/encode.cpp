@@ -15,7 +15,7 @@
 #include "platform/base/text.h"
 #include "platform/media/media_engine.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr std::size_t kAiffStart = 12;
@@ -245,13 +245,13 @@ constexpr std::string_view kFramesKey = "samples=";
 constexpr std::string_view kDelayKey = " delay=";
 
 // What a decoder has to know of a file whose format has no place for it.
-std::optional<Attribute> NoteOf(EncodingSource& source, const EncodeSettings& settings) {
+std::optional<tags::Attribute> NoteOf(EncodingSource& source, const EncodeSettings& settings) {
   const Encoder* const encoder = EncoderOf(settings);
   if (encoder == nullptr || encoder->exactLength) return std::nullopt;
   const auto prepared = PrepareFor(*encoder, source, settings);
   const auto frames = prepared ? prepared->pcm->Frames() : std::nullopt;
   if (!frames) return std::nullopt;
-  Attribute note = NewAttribute(kPlaceAttribute);
+  tags::Attribute note = tags::NewAttribute(kPlaceAttribute);
   note.value = std::string(kFramesKey) + std::to_string(*frames) + std::string(kDelayKey) +
                std::to_string(encoder->delay);
   note.selected = true;
@@ -311,29 +311,32 @@ Outcome EncodeFile(EncodingSource& source, StagedFile& target, const EncodeSetti
 }
 
 Outcome WriteEncodedAttributes(EncodingSource& source, const std::string& made,
-                               const EncodeSettings& settings, const Attributes& job, unsigned id3Version) {
-  Attributes wanted = FixedAttributes();
-  for (const Attribute& attribute : job) {
+                               const EncodeSettings& settings, const tags::Attributes& job,
+                               unsigned id3Version) {
+  tags::Attributes wanted = tags::FixedAttributes();
+  for (const tags::Attribute& attribute : job) {
     if (attribute.ToBeWritten()) wanted.push_back(attribute);
   }
   if (auto noted = NoteOf(source, settings)) wanted.push_back(*std::move(noted));
-  AttributeChanges carried;
-  if (auto had = ReadAttributes(source.Path())) {
-    for (Attribute& attribute : *had) {
-      if (attribute.readOnly || !attribute.HasValue() || FindAttribute(wanted, attribute.name) != nullptr)
+  tags::AttributeChanges carried;
+  if (auto had = tags::ReadAttributes(source.Path())) {
+    for (tags::Attribute& attribute : *had) {
+      if (attribute.readOnly || !attribute.HasValue() ||
+          tags::FindAttribute(wanted, attribute.name) != nullptr)
         continue;
       attribute.selected = true;
       carried.set.push_back(std::move(attribute));
     }
   }
   // What a format has no place for is lost only where nobody asked for it.
-  if (!carried.Empty()) (void)ChangeAttributesInPlace(made, carried, id3Version);
-  const auto failed = ChangeAttributesInPlace(made, {.set = std::move(wanted), .remove = {}}, id3Version);
+  if (!carried.Empty()) (void)tags::ChangeAttributesInPlace(made, carried, id3Version);
+  const auto failed =
+      tags::ChangeAttributesInPlace(made, {.set = std::move(wanted), .remove = {}}, id3Version);
   return failed && *failed == 0 ? Outcome::Success : Outcome::AttributesNotWritten;
 }
 
-std::optional<MusicPlace> NotedPlace(const Attributes& attributes) {
-  const Attribute* const note = FindAttribute(attributes, kPlaceAttribute);
+std::optional<MusicPlace> NotedPlace(const tags::Attributes& attributes) {
+  const tags::Attribute* const note = tags::FindAttribute(attributes, kPlaceAttribute);
   if (note == nullptr || !note->value.starts_with(kFramesKey)) return std::nullopt;
   const std::string_view text = std::string_view(note->value).substr(kFramesKey.size());
   const std::size_t key = text.find(kDelayKey);
@@ -359,4 +362,4 @@ Outcome ProveEncoding(EncodingSource& source, const std::string& made, const Enc
   return Proof(std::move(*before), std::move(*after)).Run(watch);
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

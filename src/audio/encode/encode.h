@@ -18,7 +18,7 @@
 #include "platform/base/work_watch.h"
 #include "platform/files/files.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 class EncodingSource {
  public:
@@ -57,7 +57,7 @@ class EncodingSource {
 // where the job sets nothing. AttributesNotWritten: at least one of the first two could not be written; the
 // file is whole all the same. id3Version: 3 or 4, of MPEG files.
 [[nodiscard]] Outcome WriteEncodedAttributes(EncodingSource& source, const std::string& made,
-                                             const EncodeSettings& settings, const Attributes& job,
+                                             const EncodeSettings& settings, const tags::Attributes& job,
                                              unsigned id3Version = 3);
 
 // Where the music lies in a file of ours whose format does not tell it, by the attribute in which it was
@@ -66,7 +66,7 @@ struct MusicPlace {
   std::uint64_t frames = 0;
   std::uint64_t delay = 0;
 };
-[[nodiscard]] std::optional<MusicPlace> NotedPlace(const Attributes& attributes);
+[[nodiscard]] std::optional<MusicPlace> NotedPlace(const tags::Attributes& attributes);
 
 // Whether the settings want the proof: where they do not say so, for encoders of our own.
 [[nodiscard]] bool WantsProof(const EncodeSettings& settings);
@@ -75,4 +75,4 @@ struct MusicPlace {
 [[nodiscard]] Outcome ProveEncoding(EncodingSource& source, const std::string& made,
                                     const EncodeSettings& settings, const WorkWatch& watch = {});
 
-}  // namespace ts5
+}  // namespace ts5::encode

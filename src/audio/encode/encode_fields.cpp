@@ -4,7 +4,7 @@
 
 #include "audio/encode/encoder.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 using Get = std::function<std::optional<std::int64_t>(const EncodeSettings&)>;
@@ -148,4 +148,4 @@ std::vector<ParameterField> EncodeFields(const std::string& prefix, const Settin
   return fields;
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

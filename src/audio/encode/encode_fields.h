@@ -8,7 +8,7 @@
 #include "audio/encode/encode_settings.h"
 #include "frame/parameters.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 // Where the settings of a filter's parameters are.
 struct SettingsAccess {
@@ -25,4 +25,4 @@ template <typename P>
 [[nodiscard]] std::vector<ParameterField> EncodeFields(const std::string& prefix,
                                                        const SettingsAccess& access);
 
-}  // namespace ts5
+}  // namespace ts5::encode

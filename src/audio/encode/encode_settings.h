@@ -8,7 +8,7 @@
 
 #include "audio/encode/be_config.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 // As it is stored (CodecType).
 enum class EncodeMethod : std::int32_t { Codec = 1, MonkeysAudio = 2, OggVorbis = 3, CommandLine = 4 };
@@ -49,4 +49,4 @@ struct EncodeSettings {
   bool operator==(const EncodeSettings&) const = default;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -21,7 +21,7 @@
 #include "platform/media/pcm_stream.h"
 #include "platform/media/wave_format.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 enum class EncoderId : std::uint8_t { Mp2Codec, Mp3Codec, WmaCodec, Blade, Lame, OggVorbis, MonkeysAudio };
 
@@ -88,4 +88,4 @@ inline constexpr std::array<std::int32_t, 15> kMp3Rates = {32,  40,  48,  56,  6
 // The rate that layer III has for it: the next greater one (144 becomes 160).
 [[nodiscard]] int Mp3RateFor(std::uint32_t kiloBits);
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -11,7 +11,7 @@
 #include "platform/media/shine_sink.h"
 #include "platform/media/vorbis_sink.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 using Sink = Result<std::unique_ptr<PcmSink>>;
@@ -357,4 +357,4 @@ int Mp3RateFor(std::uint32_t kiloBits) {
   return rate == kMp3Rates.end() ? kMp3Rates.back() : *rate;
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -8,7 +8,7 @@
 #include "platform/media/lame_sink.h"
 #include "platform/media/shine_sink.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr std::uint64_t kMostLicence = std::uint64_t{1} << 20;
@@ -33,4 +33,4 @@ std::string EngineLicence() {
   return std::string(Text(texts::EngineNoLicence));
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

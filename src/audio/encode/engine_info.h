@@ -5,7 +5,7 @@
 
 #include "audio/encode/be_config.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 // Version and date of the engine, and the library behind it; why not, when that cannot be found.
 [[nodiscard]] std::string EngineVersionText(Mp3Engine engine);
@@ -13,4 +13,4 @@ namespace ts5 {
 // there.
 [[nodiscard]] std::string EngineLicence();
 
-}  // namespace ts5
+}  // namespace ts5::encode

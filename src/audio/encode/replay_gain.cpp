@@ -17,24 +17,24 @@
 #include "platform/files/paths.h"
 #include "platform/media/media_engine.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr double kReplayGainLevel = -18;  // LUFS
 constexpr double kOpusLevel = -23;
 
-std::string AlbumOf(const std::string& source, const Attributes& job) {
+std::string AlbumOf(const std::string& source, const tags::Attributes& job) {
   constexpr std::string_view kAlbum = "WM/AlbumTitle";
-  const Attribute* const chosen = FindAttribute(job, kAlbum);
+  const tags::Attribute* const chosen = tags::FindAttribute(job, kAlbum);
   if (chosen != nullptr && chosen->ToBeWritten()) return chosen->value;
-  const auto own = ReadAttributes(source);
-  const Attribute* const said = own ? FindAttribute(*own, kAlbum) : nullptr;
+  const auto own = tags::ReadAttributes(source);
+  const tags::Attribute* const said = own ? tags::FindAttribute(*own, kAlbum) : nullptr;
   return said != nullptr && said->HasValue() ? said->value : "/" + std::string(DirectoryOf(source));
 }
 
 class GainRun {
  public:
-  GainRun(Run& run, const Attributes& job)
+  GainRun(Run& run, const tags::Attributes& job)
       : run_(run), job_(job), gains_(run.ItemCount()), albumOf_(gains_.size()) {}
 
   Result<std::vector<TrackGain>> Execute() {
@@ -70,7 +70,7 @@ class GainRun {
   }
 
   Run& run_;
-  const Attributes& job_;
+  const tags::Attributes& job_;
   std::vector<TrackGain> gains_;
   std::vector<std::string> albumOf_;
   std::atomic<std::size_t> begun_ = 0;
@@ -78,11 +78,12 @@ class GainRun {
   std::map<std::string, LoudnessMeter> meters_;
 };
 
-void AddText(Attributes& attributes, std::string name, std::string value) {
-  attributes.push_back({AttributeType::String, std::move(name), std::move(value), false, true});
+void AddText(tags::Attributes& attributes, std::string name, std::string value) {
+  attributes.push_back({tags::AttributeType::String, std::move(name), std::move(value), false, true});
 }
 
-void Add(Attributes& attributes, std::string_view scope, const std::optional<Loudness>& loudness, bool opus) {
+void Add(tags::Attributes& attributes, std::string_view scope, const std::optional<Loudness>& loudness,
+         bool opus) {
   if (!loudness || !loudness->integrated) return;
   if (opus) {
     const auto gain = std::clamp(std::lround((kOpusLevel - *loudness->integrated) * 256), -32768L, 32767L);
@@ -97,17 +98,17 @@ void Add(Attributes& attributes, std::string_view scope, const std::optional<Lou
 
 }  // namespace
 
-Result<std::vector<TrackGain>> MeasureGains(Run& run, const Attributes& job) {
+Result<std::vector<TrackGain>> MeasureGains(Run& run, const tags::Attributes& job) {
   run.TaskText(Text(texts::CompressMeasuring));
   return GainRun(run, job).Execute();
 }
 
-Attributes GainAttributes(const TrackGain& gain, std::string_view extension) {
+tags::Attributes GainAttributes(const TrackGain& gain, std::string_view extension) {
   const bool opus = EqualsIgnoringCase(extension, "opus");
-  Attributes attributes;
+  tags::Attributes attributes;
   Add(attributes, "TRACK", gain.track, opus);
   Add(attributes, "ALBUM", gain.album, opus);
   return attributes;
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -4,7 +4,7 @@
 
 #include "audio/interfaces/encoder_interface.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 struct Place {
@@ -63,4 +63,4 @@ Result<std::vector<std::string>> EncoderArguments(std::string_view parameters, s
   return words;
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -8,7 +8,7 @@
 
 #include "platform/base/outcome.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 // Words are separated by blanks and tabs; double quotes keep them together and are taken off, "" is an empty
 // word. A backslash is one.
@@ -21,4 +21,4 @@ namespace ts5 {
                                                                 std::string_view source,
                                                                 std::string_view target);
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -11,7 +11,7 @@
 #include "platform/files/paths.h"
 #include "platform/store/profile.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 constexpr std::string_view kHead = "sTS4 Mpeg Interfaces";
@@ -184,4 +184,4 @@ std::string DescribeSet(const EncoderInterface& interface, std::size_t set) {
                 word(values.copyright), Text(deemphasis.at(static_cast<std::size_t>(values.deemphasis))));
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

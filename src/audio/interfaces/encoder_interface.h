@@ -12,7 +12,7 @@
 #include "platform/base/outcome.h"
 #include "platform/base/strings.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 // Characters.
 inline constexpr std::size_t kMostInterfaceName = 32;
@@ -75,4 +75,4 @@ using EncoderInterfaces = std::vector<EncoderInterface>;
 // The text of "Info" for a set, counted from 0.
 [[nodiscard]] std::string DescribeSet(const EncoderInterface& interface, std::size_t set);
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -9,7 +9,7 @@
 #include "platform/files/remove_tree.h"
 #include "platform/programs/process.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 using namespace std::chrono_literals;
@@ -91,4 +91,4 @@ Outcome RunEncoder(const EncoderInterface& interface, std::size_t set, const Enc
   return *status == 0 ? Outcome::Success : Outcome::EncoderFailed;
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -8,7 +8,7 @@
 #include "platform/base/work_watch.h"
 #include "platform/files/files.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 // A wave or AIFF file, and how long it plays.
 struct EncoderInput {
@@ -27,4 +27,4 @@ struct EncoderInput {
 [[nodiscard]] Outcome RunEncoder(const EncoderInterface& interface, std::size_t set,
                                  const EncoderInput& source, StagedFile& target, const WorkWatch& watch = {});
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -6,7 +6,7 @@
 #include "platform/base/text.h"
 #include "platform/files/paths.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 struct KnownSet {
@@ -77,4 +77,4 @@ EncoderInterfaces FindEncoders() {
   return FindEncoders(path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path);
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -8,7 +8,7 @@
 #include "audio/tags/tag_store.h"
 #include "audio/tags/tag_stream.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 template <typename File>
@@ -82,4 +82,4 @@ std::unique_ptr<TagStore> OpenWavPackTags(TagStream& stream) {
   return Open<TagLib::WavPack::File>(stream);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -10,7 +10,7 @@
 #include "audio/tags/tag_stream.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 using TagLib::ASF::Tag;
@@ -156,4 +156,4 @@ std::unique_ptr<TagStore> OpenAsfTags(TagStream& stream) {
   return tags;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -9,7 +9,7 @@
 #include "platform/base/clock.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr std::int64_t kSecondsFrom1601To1970 = 11644473600;
@@ -158,4 +158,4 @@ Attributes FixedAttributes() {
           fixed("WM/AudioSourceURL", texts::AttributeMakerAddress)};
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

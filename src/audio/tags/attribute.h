@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ts5 {
+namespace ts5::tags {
 
 enum class AttributeType : std::uint8_t {
   DWord = 0,
@@ -67,4 +67,4 @@ inline constexpr std::size_t kMostAttributeName = 67;
 // What this system writes into every file that it encodes.
 [[nodiscard]] Attributes FixedAttributes();
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -4,7 +4,7 @@
 
 #include "audio/tags/attribute_names.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 bool IsOffered(const Attribute& attribute) {
@@ -119,4 +119,4 @@ Attributes AttributeForm::JobAttributes() const {
   return attributes;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

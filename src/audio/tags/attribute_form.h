@@ -10,7 +10,7 @@
 #include "audio/tags/attribute.h"
 #include "audio/tags/tag_file.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 struct AttributeRow {
   Attribute attribute;
@@ -53,4 +53,4 @@ class AttributeForm {
   std::vector<std::vector<AttributeRow>> undo_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -4,7 +4,7 @@
 
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr auto kText = AttributeType::String;
@@ -122,4 +122,4 @@ Attribute NewAttribute(std::string_view name) {
   return {known->type, std::string(known->name), "", known->readOnly, false};
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

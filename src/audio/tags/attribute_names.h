@@ -6,7 +6,7 @@
 
 #include "audio/tags/attribute.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 struct AttributeName {
   std::string_view name;  // of Windows Media, e.g. "WM/AlbumTitle"
@@ -32,4 +32,4 @@ struct AttributeName {
 // A new attribute of that name, with its type and no value.
 [[nodiscard]] Attribute NewAttribute(std::string_view name);
 
-}  // namespace ts5
+}  // namespace ts5::tags

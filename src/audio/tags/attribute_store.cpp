@@ -5,7 +5,7 @@
 #include "audio/tags/attribute_names.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr std::string_view kCount = "FileAttributeNum";
@@ -92,4 +92,4 @@ std::optional<Attribute> ParseAttribute(std::string_view text) {
   return attribute;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -6,7 +6,7 @@
 #include "frame/parameters.h"
 #include "platform/store/registry_values.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 // Only attributes that have a value that is a text or a number, and can be written.
 void SaveAttributes(const Attributes& attributes, RegistryValues& values);
@@ -40,4 +40,4 @@ template <typename P>
   return MakeField(std::move(field));
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

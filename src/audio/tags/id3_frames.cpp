@@ -11,7 +11,7 @@
 #include "audio/tags/tag_keys.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 namespace id3 = TagLib::ID3v2;
@@ -156,4 +156,4 @@ void RemoveId3(id3::Tag& tag, const std::string& name) {
   for (id3::Frame* frame : held) tag.removeFrame(frame);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -8,7 +8,7 @@
 
 #include "audio/tags/attribute.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 // Keeps frames of version 2.3 that 2.4 knows no longer, which would be thrown away otherwise.
 [[nodiscard]] TagLib::ID3v2::FrameFactory* KeepingFrames();
@@ -18,4 +18,4 @@ namespace ts5 {
 [[nodiscard]] bool SetId3(TagLib::ID3v2::Tag& tag, const Attribute& attribute, unsigned version);
 void RemoveId3(TagLib::ID3v2::Tag& tag, const std::string& name);
 
-}  // namespace ts5
+}  // namespace ts5::tags

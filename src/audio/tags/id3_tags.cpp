@@ -8,7 +8,7 @@
 #include "audio/tags/tag_store.h"
 #include "audio/tags/tag_stream.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 namespace id3 = TagLib::ID3v2;
@@ -107,4 +107,4 @@ std::unique_ptr<TagStore> OpenAiffTags(TagStream& stream, unsigned newVersion) {
   return Open<AiffTags>(stream, newVersion);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

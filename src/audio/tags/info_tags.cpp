@@ -8,7 +8,7 @@
 #include "audio/tags/tag_stream.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 class InfoTexts final : public TagLib::RIFF::Info::StringHandler {
@@ -90,4 +90,4 @@ std::unique_ptr<TagStore> OpenInfoTags(TagStream& stream) {
   return tags;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -10,7 +10,7 @@
 #include "audio/tags/tag_stream.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 // What stands before the name of a free atom: the mark, and whose names these are by general custom.
@@ -86,4 +86,4 @@ std::unique_ptr<TagStore> OpenMp4Tags(TagStream& stream) {
   return tags;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

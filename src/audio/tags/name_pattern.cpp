@@ -6,7 +6,7 @@
 #include "audio/texts.h"
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr std::size_t kMostBytes = 200;
@@ -122,4 +122,4 @@ std::string FileNameFor(std::string_view pattern, const std::string& source, con
   return name.empty() ? name : name + "." + std::string(extension);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

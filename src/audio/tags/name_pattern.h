@@ -15,7 +15,7 @@
 #include "frame/parameters.h"
 #include "platform/base/strings.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 inline constexpr std::size_t kMostNamePattern = 255;  // characters
 
@@ -60,4 +60,4 @@ template <typename P>
   return MakeField(std::move(field));
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

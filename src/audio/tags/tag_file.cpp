@@ -10,7 +10,7 @@
 #include "platform/files/input_file.h"
 #include "platform/files/paths.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr std::size_t kHeadSize = 64;
@@ -191,4 +191,4 @@ Result<std::size_t> ChangeAttributesInPlace(const std::string& path, const Attri
   return Edit(path, path, missing, id3Version);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

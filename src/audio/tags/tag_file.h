@@ -10,7 +10,7 @@
 #include "audio/tags/attribute.h"
 #include "platform/base/outcome.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 struct AttributeChanges {
   Attributes set;                   // those that are selected, can be written and have a value
@@ -34,4 +34,4 @@ struct AttributeChanges {
                                                           const AttributeChanges& changes,
                                                           unsigned id3Version = 3);
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -2,7 +2,7 @@
 
 #include "platform/base/text.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 std::string Joined(const TagLib::StringList& values) {
   return FromTag(values.toString("; "));
@@ -37,4 +37,4 @@ std::vector<std::string> KeysOf(std::string_view AttributeName::*column, std::st
   return keys;
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -11,7 +11,7 @@
 
 #include "audio/tags/attribute_names.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 [[nodiscard]] inline std::string FromTag(const TagLib::String& text) {
   return text.to8Bit(true);
@@ -29,4 +29,4 @@ void AddKeyed(Attributes& attributes, std::string_view AttributeName::*column, s
 // The keys under which an attribute stands: its name, and the format's own if it has one.
 [[nodiscard]] std::vector<std::string> KeysOf(std::string_view AttributeName::*column, std::string_view name);
 
-}  // namespace ts5
+}  // namespace ts5::tags

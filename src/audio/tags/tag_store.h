@@ -7,7 +7,7 @@
 
 #include "audio/tags/attribute.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 class TagStream;
 
@@ -35,4 +35,4 @@ class TagStore {
 [[nodiscard]] std::unique_ptr<TagStore> OpenAiffTags(TagStream& stream, unsigned newVersion);
 [[nodiscard]] std::unique_ptr<TagStore> OpenId3Tags(TagStream& stream, unsigned newVersion);
 
-}  // namespace ts5
+}  // namespace ts5::tags

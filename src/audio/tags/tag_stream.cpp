@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 constexpr unsigned long kBlock = 1UL << 18;
@@ -148,4 +148,4 @@ void TagStream::truncate(long length) {
   }
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -10,7 +10,7 @@
 
 #include "platform/base/descriptor.h"
 
-namespace ts5 {
+namespace ts5::tags {
 
 class TagStream : public TagLib::IOStream {
  public:
@@ -58,4 +58,4 @@ class TagStream : public TagLib::IOStream {
   std::size_t older_ = 0;
 };
 
-}  // namespace ts5
+}  // namespace ts5::tags

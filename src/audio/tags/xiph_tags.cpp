@@ -11,7 +11,7 @@
 #include "audio/tags/tag_store.h"
 #include "audio/tags/tag_stream.h"
 
-namespace ts5 {
+namespace ts5::tags {
 namespace {
 
 // The names that a comment may have: printable ASCII without the equals sign.
@@ -79,4 +79,4 @@ std::unique_ptr<TagStore> OpenFlacTags(TagStream& stream) {
   return OpenXiph<TagLib::FLAC::File>(stream, TagLib::ID3v2::FrameFactory::instance(), false);
 }
 
-}  // namespace ts5
+}  // namespace ts5::tags

@@ -25,14 +25,15 @@ constexpr int kValueRole = Qt::UserRole + 1;  // as it is kept, in the value's c
 // The editor that fits an attribute: a field, a list of yes and no, or date and time.
 class ValueDelegate : public QStyledItemDelegate {
  public:
-  ValueDelegate(const AttributeForm& form, QObject* parent) : QStyledItemDelegate(parent), form_(form) {}
+  ValueDelegate(const tags::AttributeForm& form, QObject* parent)
+      : QStyledItemDelegate(parent), form_(form) {}
 
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& /*option*/,
                         const QModelIndex& index) const override {
     if (index.column() != kValueColumn) return nullptr;
-    const Attribute& attribute = AttributeAt(index);
+    const tags::Attribute& attribute = AttributeAt(index);
     QWidget* editor = nullptr;
-    if (attribute.type == AttributeType::Bool) {
+    if (attribute.type == tags::AttributeType::Bool) {
       auto* const list = new QComboBox(parent);
       list->addItems({QtText(texts::AttributeYes), QtText(texts::AttributeNo)});
       editor = list;
@@ -51,14 +52,14 @@ class ValueDelegate : public QStyledItemDelegate {
   }
 
   void setEditorData(QWidget* editor, const QModelIndex& index) const override {
-    const Attribute& attribute = AttributeAt(index);
+    const tags::Attribute& attribute = AttributeAt(index);
     if (auto* list = qobject_cast<QComboBox*>(editor)) {
       list->setCurrentIndex(attribute.value == "0" ? 1 : 0);
     } else if (auto* time = qobject_cast<QDateTimeEdit*>(editor)) {
       const QDateTime now = QDateTime::currentDateTime();
       bool number = false;
       const quint64 stored = ToQt(attribute.value).toULongLong(&number);
-      time->setDateTime(number ? QDateTime::fromSecsSinceEpoch(UnixSecondsOf(stored)) : now);
+      time->setDateTime(number ? QDateTime::fromSecsSinceEpoch(tags::UnixSecondsOf(stored)) : now);
     } else if (auto* field = qobject_cast<QLineEdit*>(editor)) {
       field->setText(ToQt(attribute.value));
     }
@@ -69,7 +70,7 @@ class ValueDelegate : public QStyledItemDelegate {
     if (const auto* list = qobject_cast<QComboBox*>(editor)) {
       value = list->currentIndex() == 0 ? QStringLiteral("1") : QStringLiteral("0");
     } else if (const auto* time = qobject_cast<QDateTimeEdit*>(editor)) {
-      value = QString::number(FileTimeOf(time->dateTime().toSecsSinceEpoch()));
+      value = QString::number(tags::FileTimeOf(time->dateTime().toSecsSinceEpoch()));
     } else if (const auto* field = qobject_cast<QLineEdit*>(editor)) {
       value = field->text();
     }
@@ -77,12 +78,12 @@ class ValueDelegate : public QStyledItemDelegate {
   }
 
  private:
-  [[nodiscard]] const Attribute& AttributeAt(const QModelIndex& index) const {
+  [[nodiscard]] const tags::Attribute& AttributeAt(const QModelIndex& index) const {
     const QVariant row = index.siblingAtColumn(kNameColumn).data(kRowRole);
     return form_.Rows().at(row.toULongLong()).attribute;
   }
 
-  const AttributeForm& form_;
+  const tags::AttributeForm& form_;
 };
 
 std::size_t RowOf(const QTreeWidgetItem& item) {
@@ -91,7 +92,7 @@ std::size_t RowOf(const QTreeWidgetItem& item) {
 
 }  // namespace
 
-AttributePage::AttributePage(AttributeForm form, QWidget* parent)
+AttributePage::AttributePage(tags::AttributeForm form, QWidget* parent)
     : QWidget(parent), form_(std::move(form)), ui_(std::make_unique<Ui::AUDIOPROPS2>()) {
   ui_->setupUi(this);
   QTreeWidget& list = *ui_->attributeList;
@@ -142,7 +143,7 @@ void AttributePage::ShowRow(QTreeWidgetItem& item) {
   showing_ = true;
   item.setCheckState(kNameColumn, attribute.selected ? Qt::Checked : Qt::Unchecked);
   item.setData(kValueColumn, kValueRole, ToQt(attribute.value));
-  const QString shown = mixed ? QtText(texts::AttributesMixed) : ToQt(DisplayValue(attribute));
+  const QString shown = mixed ? QtText(texts::AttributesMixed) : ToQt(tags::DisplayValue(attribute));
   item.setText(kValueColumn, QString(shown).replace('\n', ' '));
   item.setToolTip(kValueColumn, shown.toHtmlEscaped());
   QFont font = ui_->attributeList->font();

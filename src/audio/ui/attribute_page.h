@@ -17,10 +17,10 @@ class AttributePage : public QWidget {
   Q_OBJECT
 
  public:
-  explicit AttributePage(AttributeForm form, QWidget* parent = nullptr);
+  explicit AttributePage(tags::AttributeForm form, QWidget* parent = nullptr);
   ~AttributePage() override;
 
-  [[nodiscard]] const AttributeForm& Form() const { return form_; }
+  [[nodiscard]] const tags::AttributeForm& Form() const { return form_; }
   // Ends an edit that is still open.
   void CommitEditor();
 
@@ -33,7 +33,7 @@ class AttributePage : public QWidget {
   void TakeChange(QTreeWidgetItem* item, int column);
   void Edit(QTreeWidgetItem* item);
 
-  AttributeForm form_;
+  tags::AttributeForm form_;
   std::unique_ptr<Ui::AUDIOPROPS2> ui_;
   bool showing_ = false;
 };

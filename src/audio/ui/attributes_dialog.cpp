@@ -21,18 +21,19 @@ namespace {
 
 constexpr int kProgressDelay = 500;  // milliseconds
 
-AttributeForm FormOfFiles(const std::vector<std::string>& files) {
-  std::vector<Attributes> lists;
-  for (const std::string& file : files) lists.push_back(ReadAttributes(file).value_or(Attributes()));
-  return AttributeForm(std::span<const Attributes>(lists));
+tags::AttributeForm FormOfFiles(const std::vector<std::string>& files) {
+  std::vector<tags::Attributes> lists;
+  for (const std::string& file : files)
+    lists.push_back(tags::ReadAttributes(file).value_or(tags::Attributes()));
+  return tags::AttributeForm(std::span<const tags::Attributes>(lists));
 }
 
 // What the file says and does not let change, behind what is known of it anyway.
 std::vector<PropertyRow> WithHeader(std::vector<PropertyRow> rows, const std::vector<std::string>& files) {
   if (files.size() != 1) return rows;
-  const auto attributes = ReadAttributes(files.front());
-  for (const Attribute& attribute : attributes ? *attributes : Attributes()) {
-    if (attribute.readOnly) rows.push_back({attribute.name, DisplayValue(attribute)});
+  const auto attributes = tags::ReadAttributes(files.front());
+  for (const tags::Attribute& attribute : attributes ? *attributes : tags::Attributes()) {
+    if (attribute.readOnly) rows.push_back({attribute.name, tags::DisplayValue(attribute)});
   }
   return rows;
 }
@@ -52,10 +53,10 @@ AttributesDialog::AttributesDialog(const AudioProperties& properties, const std:
   ui_->pages->addTab(page_, page_->windowTitle());
 }
 
-AttributesDialog::AttributesDialog(const Attributes& job, DialogHost& host, QWidget* parent)
+AttributesDialog::AttributesDialog(const tags::Attributes& job, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::AttributesPrompt), parent),
       ui_(std::make_unique<Ui::AUDIOPROPS>()),
-      page_(new AttributePage(AttributeForm(job))) {
+      page_(new AttributePage(tags::AttributeForm(job))) {
   ui_->setupUi(this);
   ConnectButtons();
   setWindowTitle(QtText(texts::AttributesOfJob));
@@ -70,7 +71,7 @@ QString AttributesDialog::HelpTopic() const {
   return QStringLiteral("audio-attribute.htm");
 }
 
-Attributes AttributesDialog::JobAttributes() const {
+tags::Attributes AttributesDialog::JobAttributes() const {
   return page_->Form().JobAttributes();
 }
 
@@ -83,7 +84,7 @@ void AttributesDialog::Commit() {
 }
 
 bool AttributesDialog::WriteFiles() {
-  const AttributeChanges changes = page_->Form().Changes();
+  const tags::AttributeChanges changes = page_->Form().Changes();
   if (changes.Empty()) return true;
   QProgressDialog progress(QtText(texts::AttributesSaving), QtText(texts::AttributesStop), 0,
                            static_cast<int>(files_.size()), this);
@@ -96,7 +97,7 @@ bool AttributesDialog::WriteFiles() {
     progress.setValue(static_cast<int>(i));
     stopped = progress.wasCanceled();
     if (stopped) break;
-    const auto changed = ChangeAttributes(files_[i], changes, id3Version_);
+    const auto changed = tags::ChangeAttributes(files_[i], changes, id3Version_);
     if (changed) {
       failed += *changed;
     } else {
@@ -109,7 +110,8 @@ bool AttributesDialog::WriteFiles() {
   return !stopped;
 }
 
-std::optional<Attributes> EditJobAttributes(const Attributes& job, DialogHost& host, QWidget* owner) {
+std::optional<tags::Attributes> EditJobAttributes(const tags::Attributes& job, DialogHost& host,
+                                                  QWidget* owner) {
   AttributesDialog dialog(job, host, owner);
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   return dialog.JobAttributes();

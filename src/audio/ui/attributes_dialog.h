@@ -26,11 +26,11 @@ class AttributesDialog : public HostedDialog {
   AttributesDialog(const AudioProperties& properties, const std::string& measured,
                    std::vector<std::string> files, DialogHost& host, QWidget* parent);
   // Of a job: the second page alone.
-  AttributesDialog(const Attributes& job, DialogHost& host, QWidget* parent);
+  AttributesDialog(const tags::Attributes& job, DialogHost& host, QWidget* parent);
   ~AttributesDialog() override;
 
   [[nodiscard]] QString HelpTopic() const override;
-  [[nodiscard]] Attributes JobAttributes() const;
+  [[nodiscard]] tags::Attributes JobAttributes() const;
 
   // Of an MPEG file that gets its first ID3v2 tag: 3 or 4.
   void SetId3Version(unsigned version) { id3Version_ = version; }
@@ -49,7 +49,7 @@ class AttributesDialog : public HostedDialog {
 };
 
 // The list after OK; nothing after Cancel.
-[[nodiscard]] std::optional<Attributes> EditJobAttributes(const Attributes& job, DialogHost& host,
-                                                          QWidget* owner);
+[[nodiscard]] std::optional<tags::Attributes> EditJobAttributes(const tags::Attributes& job, DialogHost& host,
+                                                                QWidget* owner);
 
 }  // namespace ts5

@@ -106,12 +106,13 @@ Outcome ConvertItem(const P& parameters, ItemWork& work) {
     work.line = std::string(Text(texts::RemarkDamagedMidi));
     return Outcome::SourceFailed;
   }
-  LossReport report;
-  const ScoreFormat format = ScoreFormatOfName(work.targetName).value_or(ScoreFormat::Score);
-  const auto written = WriteAnyScore(made->score, format, report, {watch.cancelled, {}});
+  converters::LossReport report;
+  const converters::ScoreFormat format =
+      converters::ScoreFormatOfName(work.targetName).value_or(converters::ScoreFormat::Score);
+  const auto written = converters::WriteAnyScore(made->score, format, report, {watch.cancelled, {}});
   if (!written) return written.error();
   std::vector<ItemLoss> losses = LossesOf(*made);
-  std::ranges::move(ItemLosses(report), std::back_inserter(losses));
+  std::ranges::move(converters::ItemLosses(report), std::back_inserter(losses));
   return WriteWithLosses(work, *written, std::move(losses));
 }
 

@@ -6,7 +6,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_XMLCONVPARAMS.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 XmlConverterDialog::XmlConverterDialog(XmlConverterParameters parameters, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::XmlConverterPrompt), parent),
@@ -37,4 +37,4 @@ void XmlConverterDialog::Commit() {
   accept();
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

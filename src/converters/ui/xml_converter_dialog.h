@@ -12,7 +12,7 @@ namespace Ui {
 class XMLCONVPARAMS;
 }
 
-namespace ts5 {
+namespace ts5::converters {
 
 class XmlConverterDialog : public HostedDialog {
   Q_OBJECT
@@ -35,4 +35,4 @@ class XmlConverterDialog : public HostedDialog {
   std::unique_ptr<Ui::XMLCONVPARAMS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::converters

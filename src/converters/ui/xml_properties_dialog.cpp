@@ -5,7 +5,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_XMLPROPS.h"
 
-namespace ts5 {
+namespace ts5::converters {
 
 XmlPropertiesDialog::XmlPropertiesDialog(const ScoreProperties& properties, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::XmlPropertiesPrompt), parent), ui_(std::make_unique<Ui::XMLPROPS>()) {
@@ -21,4 +21,4 @@ QString XmlPropertiesDialog::HelpTopic() const {
   return QStringLiteral("Befehle-Datei-Eigenschaften.htm");
 }
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -10,7 +10,7 @@ namespace Ui {
 class XMLPROPS;
 }
 
-namespace ts5 {
+namespace ts5::converters {
 
 class XmlPropertiesDialog : public HostedDialog {
   Q_OBJECT
@@ -25,4 +25,4 @@ class XmlPropertiesDialog : public HostedDialog {
   std::unique_ptr<Ui::XMLPROPS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::converters

@@ -10,8 +10,8 @@
 #include "ui_GRABPARAMS.h"
 
 namespace ts5::disc {
-GrabDialog::GrabDialog(GrabParameters parameters, int tracks, CompressChoices choices, DialogHost& host,
-                       QWidget* parent)
+GrabDialog::GrabDialog(GrabParameters parameters, int tracks, encode::CompressChoices choices,
+                       DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::GrabPrompt), parent),
       parameters_(std::move(parameters)),
       tracks_(tracks),
@@ -28,7 +28,7 @@ GrabDialog::GrabDialog(GrabParameters parameters, int tracks, CompressChoices ch
   ui_->encodeButton->setEnabled(parameters_.encode);
   connect(ui_->GrabEncode, &QAbstractButton::toggled, ui_->encodeButton, &QWidget::setEnabled);
   connect(ui_->encodeButton, &QAbstractButton::clicked, this, [this] {
-    CompressDialog dialog(parameters_.encodeSettings, choices_, Host(), this);
+    encode::CompressDialog dialog(parameters_.encodeSettings, choices_, Host(), this);
     if (dialog.exec() == QDialog::Accepted) parameters_.encodeSettings = dialog.Settings();
   });
   connect(ui_->folderButton, &QAbstractButton::clicked, this,
@@ -55,8 +55,8 @@ void GrabDialog::ShowNames(const GrabParameters& parameters) {
 }
 
 void GrabDialog::Commit() {
-  const EncodeSettings encode = parameters_.encodeSettings;
-  const Attributes attributes = parameters_.attributes;
+  const encode::EncodeSettings encode = parameters_.encodeSettings;
+  const tags::Attributes attributes = parameters_.attributes;
   TakeFields(*this, GrabFields(), parameters_);
   parameters_.encodeSettings = encode;
   parameters_.attributes = attributes;

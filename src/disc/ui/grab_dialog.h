@@ -18,7 +18,7 @@ class GrabDialog : public HostedDialog {
 
  public:
   // tracks: how many names are offered.
-  GrabDialog(GrabParameters parameters, int tracks, CompressChoices choices, DialogHost& host,
+  GrabDialog(GrabParameters parameters, int tracks, encode::CompressChoices choices, DialogHost& host,
              QWidget* parent);
   ~GrabDialog() override;
 
@@ -34,7 +34,7 @@ class GrabDialog : public HostedDialog {
 
   GrabParameters parameters_;
   int tracks_;
-  CompressChoices choices_;
+  encode::CompressChoices choices_;
   std::unique_ptr<Ui::GRABPARAMS> ui_;
 };
 

@@ -39,7 +39,7 @@ void ShowInWindow(const std::string& path, const std::optional<SearchHit>& hit, 
 }  // namespace
 
 bool IsScoreName(const std::string& path) {
-  return ScoreFormatOfName(FileNameOf(path)).has_value();
+  return converters::ScoreFormatOfName(FileNameOf(path)).has_value();
 }
 
 void ShowNotation(const std::string& path, DialogHost& host, const QWidget* owner) {
@@ -143,9 +143,9 @@ PreviewWindow::Read PreviewWindow::ReadFile(const std::string& path, const std::
   if (!input) return failed(texts::PreviewFailed);
   const auto file = input->ReadAll(kMaxScoreFile, cancelled);
   if (!file) return failed(texts::PreviewFailed);
-  auto score = ReadAnyScore(*file, cancelled);
+  auto score = converters::ReadAnyScore(*file, cancelled);
   if (!score) {
-    const ScoreFault& fault = score.error();
+    const converters::ScoreFault& fault = score.error();
     if (fault.bar < 0 || fault.staff < 0) return failed(texts::PreviewFailed);
     return {nullptr, Format(Text(texts::PreviewFailedAt), fault.bar + 1, fault.staff + 1)};
   }

@@ -7,7 +7,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_APEPARAMS.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 constexpr int kStep = 1000;
 }  // namespace
@@ -34,4 +34,4 @@ std::int32_t ApeDialog::Level() const {
   return ui_->levelButtons->checkedId();
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

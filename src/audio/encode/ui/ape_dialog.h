@@ -10,7 +10,7 @@ namespace Ui {
 class APEPARAMS;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 class ApeDialog : public HostedDialog {
   Q_OBJECT
@@ -26,4 +26,4 @@ class ApeDialog : public HostedDialog {
   std::unique_ptr<Ui::APEPARAMS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

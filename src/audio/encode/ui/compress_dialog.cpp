@@ -14,7 +14,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_WAVMP3PARAMS.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 CompressDialog::CompressDialog(EncodeSettings settings, CompressChoices choices, DialogHost& host,
                                QWidget* parent)
@@ -214,4 +214,4 @@ void CompressDialog::Commit() {
   accept();
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

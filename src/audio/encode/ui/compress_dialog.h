@@ -14,7 +14,7 @@ namespace Ui {
 class WAVMP3PARAMS;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 // What the window offers beside the encoders that are built in.
 struct CompressChoices {
@@ -66,4 +66,4 @@ class CompressDialog : public HostedDialog {
   std::unique_ptr<Ui::WAVMP3PARAMS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -8,7 +8,7 @@
 #include "platform/base/text.h"
 #include "ui_MPDECODER.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 DecoderDialog::DecoderDialog(const DecodeOptions& options, const std::string& name,
                              const CompressedFile& file, std::function<void(QWidget*)> editNames,
@@ -42,4 +42,4 @@ DecodeOptions DecoderDialog::Options() const {
           .bits = ui_->bitsBox->currentData().toInt()};
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -12,7 +12,7 @@ namespace Ui {
 class MPDECODER;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 class DecoderDialog : public HostedDialog {
   Q_OBJECT
@@ -30,4 +30,4 @@ class DecoderDialog : public HostedDialog {
   std::unique_ptr<Ui::MPDECODER> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

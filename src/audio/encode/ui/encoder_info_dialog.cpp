@@ -5,7 +5,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_ENCODERINFO.h"
 
-namespace ts5 {
+namespace ts5::encode {
 
 EncoderInfoDialog::EncoderInfoDialog(Mp3Engine engine, QWidget* parent)
     : QDialog(parent), ui_(std::make_unique<Ui::ENCODERINFO>()) {
@@ -20,4 +20,4 @@ EncoderInfoDialog::EncoderInfoDialog(Mp3Engine engine, QWidget* parent)
 
 EncoderInfoDialog::~EncoderInfoDialog() = default;
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -10,7 +10,7 @@ namespace Ui {
 class ENCODERINFO;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 class EncoderInfoDialog : public QDialog {
   Q_OBJECT
@@ -23,4 +23,4 @@ class EncoderInfoDialog : public QDialog {
   std::unique_ptr<Ui::ENCODERINFO> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

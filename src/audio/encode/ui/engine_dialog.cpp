@@ -9,7 +9,7 @@
 #include "platform/base/text.h"
 #include "ui_BLADEPARAMS.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr std::int32_t kUsualRate = 128;
@@ -165,4 +165,4 @@ void EngineDialog::Commit() {
   accept();
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -10,7 +10,7 @@ namespace Ui {
 class BLADEPARAMS;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 class EngineDialog : public HostedDialog {
   Q_OBJECT
@@ -38,4 +38,4 @@ class EngineDialog : public HostedDialog {
   std::unique_ptr<Ui::BLADEPARAMS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -7,7 +7,7 @@
 #include "platform/base/text.h"
 #include "ui_OGGPARAMS.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr std::int32_t kKibi = 1024;
@@ -82,4 +82,4 @@ OggSettings OggDialog::Settings() const {
           .quality = ui_->qualityBox->value()};
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -12,7 +12,7 @@ namespace Ui {
 class OGGPARAMS;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 class OggDialog : public HostedDialog {
   Q_OBJECT
@@ -32,4 +32,4 @@ class OggDialog : public HostedDialog {
   std::unique_ptr<Ui::OGGPARAMS> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

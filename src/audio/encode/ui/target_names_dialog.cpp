@@ -12,7 +12,7 @@
 #include "platform/files/paths.h"
 #include "ui_TARGETNAMES.h"
 
-namespace ts5 {
+namespace ts5::encode {
 namespace {
 
 constexpr int kPause = 150;  // milliseconds
@@ -34,7 +34,7 @@ TargetNamesDialog::TargetNamesDialog(const std::string& pattern, NamePreview pre
   ConnectButtons();
   ui_->patternEdit->setText(ToQt(pattern));
   auto* const words = new QMenu(ui_->wordButton);
-  for (const NameWord& word : NameWords()) {
+  for (const tags::NameWord& word : tags::NameWords()) {
     const QString text = QLatin1Char('%') + ToQt(word.word) + QLatin1Char('%');
     words->addAction(text, this, [this, text] {
       ui_->patternEdit->insert(text);
@@ -61,7 +61,7 @@ std::string TargetNamesDialog::Pattern() const {
 }
 
 void TargetNamesDialog::ShowNames() {
-  const auto fault = NamePatternFault(Pattern());
+  const auto fault = tags::NamePatternFault(Pattern());
   ui_->nameList->clear();
   ui_->nameList->setEnabled(!fault);
   ui_->faultLabel->setVisible(fault.has_value());
@@ -76,7 +76,7 @@ void TargetNamesDialog::ShowNames() {
 }
 
 void TargetNamesDialog::Commit() {
-  if (const auto fault = NamePatternFault(Pattern())) {
+  if (const auto fault = tags::NamePatternFault(Pattern())) {
     ShowNotice(this, *fault);
     ui_->patternEdit->setFocus();
     ui_->patternEdit->selectAll();
@@ -85,4 +85,4 @@ void TargetNamesDialog::Commit() {
   accept();
 }
 
-}  // namespace ts5
+}  // namespace ts5::encode

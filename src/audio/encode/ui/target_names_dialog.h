@@ -14,7 +14,7 @@ namespace Ui {
 class TARGETNAMES;
 }
 
-namespace ts5 {
+namespace ts5::encode {
 
 // The items of the job as they would be called with this pattern.
 using NamePreview = std::function<std::vector<NamedItem>(const std::string& pattern)>;
@@ -41,4 +41,4 @@ class TargetNamesDialog : public HostedDialog {
   std::unique_ptr<Ui::TARGETNAMES> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::encode

@@ -18,7 +18,7 @@
 #include "ui_CREATEMP3INTERFACE_4.h"
 #include "ui_CREATEMP3INTERFACE_5.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 template <typename Form>
@@ -185,4 +185,4 @@ bool InterfaceAssistant::Save() {
   return false;
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -19,7 +19,7 @@ class CREATEMP3INTERFACE_4;
 class CREATEMP3INTERFACE_5;
 }  // namespace Ui
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 class InterfaceAssistant : public HostedDialog {
   Q_OBJECT
@@ -61,4 +61,4 @@ class InterfaceAssistant : public HostedDialog {
   QCheckBox* another_ = nullptr;
 };
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -12,7 +12,7 @@
 #include "ui_CREATEMP3INTERFACE_5.h"
 #include "ui_EDITINTERFACE.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 // The parameters of a set and what describes them.
 class SetPage : public QWidget {
@@ -151,4 +151,4 @@ void InterfaceEditor::Commit() {
   accept();
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -11,7 +11,7 @@ namespace Ui {
 class EDITINTERFACE;
 }
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 class SetPage;
 
@@ -43,4 +43,4 @@ class InterfaceEditor : public HostedDialog {
   std::unique_ptr<Ui::EDITINTERFACE> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -10,7 +10,7 @@
 #include "frame/ui/qt_text.h"
 #include "ui_MODIFYMP3INTERFACES.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 InterfaceManager::InterfaceManager(std::string file, DialogHost& host, QWidget* parent)
     : HostedDialog(host, QtText(texts::ManagerPrompt), parent),
@@ -79,4 +79,4 @@ bool InterfaceManager::Save(EncoderInterfaces changed) {
   return true;
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -11,7 +11,7 @@ namespace Ui {
 class MODIFYMP3INTERFACES;
 }
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 class InterfaceManager : public HostedDialog {
   Q_OBJECT
@@ -35,4 +35,4 @@ class InterfaceManager : public HostedDialog {
   std::unique_ptr<Ui::MODIFYMP3INTERFACES> ui_;
 };
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

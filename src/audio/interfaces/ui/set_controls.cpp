@@ -9,7 +9,7 @@
 #include "platform/base/text.h"
 #include "ui_CREATEMP3INTERFACE_5.h"
 
-namespace ts5 {
+namespace ts5::interfaces {
 namespace {
 
 struct FlagControl {
@@ -73,4 +73,4 @@ void AskEncoder(QLineEdit& field, const QString& helpTopic, DialogHost& host, QW
   if (path) field.setText(ToQt(*path));
 }
 
-}  // namespace ts5
+}  // namespace ts5::interfaces

@@ -14,7 +14,7 @@ namespace Ui {
 class CREATEMP3INTERFACE_5;
 }
 
-namespace ts5 {
+namespace ts5::interfaces {
 
 // What a set is before anybody has entered anything.
 [[nodiscard]] ParameterSet NewSet();
@@ -28,4 +28,4 @@ void TakeSet(const Ui::CREATEMP3INTERFACE_5& controls, ParameterSet& set);
 // Asks for the program of an encoder; what is chosen goes into the field.
 void AskEncoder(QLineEdit& field, const QString& helpTopic, DialogHost& host, QWidget* parent);
 
-}  // namespace ts5
+}  // namespace ts5::interfaces
