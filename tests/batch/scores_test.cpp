@@ -144,7 +144,7 @@ TEST_F(ScoresTest, WhatIsNotHeardAsItIsWrittenIsTold) {
                              folder_.File("a.mid"), "--set", engine ? "NewMethod=1" : "NewMethod=0", source});
     const json losses = result["items"][0]["losses"];
     EXPECT_EQ(losses.size(), engine ? 1U : 0U);
-    if (engine) EXPECT_EQ(losses[0]["bar"], "7");
+    EXPECT_TRUE(!engine || losses[0]["bar"] == "7");
     const auto notes = Notes(folder_.File("a.mid"));
     ASSERT_EQ(notes.size(), 12U);
     const double half = 120'000 / (engine ? 77.0 : 76.5);
