@@ -5,6 +5,14 @@ _ts5_batch_parameters() {
   "$1" run "$2" --help 2>/dev/null | sed -n '/--set (/,/^$/ s/^  \([^ ]*\) .*/\1=/p'
 }
 
+# The options of a command, or of the one within its group, from its help.
+_ts5_batch_options() {
+  local help
+  help=$("$1" "$2" "$3" --help 2>/dev/null) || help=$("$1" "$2" --help 2>/dev/null)
+  sed -n 's/^  \(--[a-z][a-z0-9-]*\).*/\1/p' <<<"$help"
+  echo --help
+}
+
 _ts5_batch() {
   local program="$1" word="$2" before="$3"
   local command="${COMP_WORDS[1]:-}"
@@ -23,19 +31,10 @@ _ts5_batch() {
       COMPREPLY=($(compgen -W "$(_ts5_batch_parameters "$program" "${COMP_WORDS[2]}")" -- "$word"))
       return ;;
   esac
-  local options="--help"
-  case "$command" in
-    filters | jobs | type | info | score | codecs) options="$options --json" ;;
-    attributes) options="$options --json --set --remove" ;;
-    results) options="$options --json" ;;
-    layout) options="$options --json --overwrite" ;;
-    run) options="$options --set --dest --dest-dir --overwrite --list --dir --part --preview --attribute --melody --melody-name --keys --device --input --json --quiet" ;;
-    job) options="$options --json --quiet" ;;
-    resume) options="$options --list --discard --json --quiet" ;;
-    registry) options="$options --recursive --binary --overwrite" ;;
-  esac
   case "$word" in
-    -*) COMPREPLY=($(compgen -W "$options" -- "$word")); return ;;
+    -*)
+      COMPREPLY=($(compgen -W "$(_ts5_batch_options "$program" "$command" "${COMP_WORDS[2]:-}")" -- "$word"))
+      return ;;
   esac
   case "$command:$COMP_CWORD" in
     run:2) COMPREPLY=($(compgen -W "$("$program" filters 2>/dev/null | awk '$2 == "*" { print $3 }')" -- "$word")) ;;
@@ -44,6 +43,7 @@ _ts5_batch() {
     cd:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.[cC][uU][eE]' -- "$word")) ;;
     results:2) COMPREPLY=($(compgen -W "merge" -- "$word")) ;;
     results:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.json' -- "$word")) ;;
+    layout:2) COMPREPLY=($(compgen -W "pack unpack" -- "$word")) ;;
     interfaces:2) COMPREPLY=($(compgen -W "list add remove find" -- "$word")) ;;
     registry:2) COMPREPLY=($(compgen -W "list get set delete import export" -- "$word")) ;;
     *) compopt -o default ;;
