@@ -14,8 +14,8 @@ using Events = std::vector<ScoreEvent>;
 // The events of a voice that belong to a system.
 std::pair<Events::const_iterator, Events::const_iterator> EventsIn(const Events& events,
                                                                    std::uint32_t system) {
-  const auto found = std::ranges::equal_range(events, system, {}, &ScoreEvent::system);
-  return {found.begin(), found.end()};
+  return {std::ranges::lower_bound(events, system, {}, &ScoreEvent::system),
+          std::ranges::upper_bound(events, system, {}, &ScoreEvent::system)};
 }
 
 class Splitter {
