@@ -19,6 +19,8 @@ cleanup() {
   [ -z "$app" ] || kill "$app" 2>/dev/null || true
   [ -z "$sound" ] || kill "$sound" 2>/dev/null || true
   kill "$server" 2>/dev/null || true
+  # It takes its display with it, which the next story may have got.
+  wait "$server" 2>/dev/null || true
   rm -rf "$work"
 }
 trap cleanup EXIT
