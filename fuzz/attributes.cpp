@@ -10,6 +10,7 @@
 namespace {
 
 using namespace ts5;
+using namespace ts5::tags;
 
 // What a job stores comes back as it is.
 void StoreAgain(std::string_view text) {

@@ -9,6 +9,7 @@
 namespace {
 
 using namespace ts5;
+using namespace ts5::interfaces;
 
 void ReadDefinitions(ByteView bytes) {
   static const auto temporary = TemporaryFile::Create();
