@@ -256,6 +256,8 @@ TEST(BackgroundList, RefusesNamesAndFollowsWhatIsRemoved) {
   std::vector<int> indices;
   for (const auto& e : layout.elements) indices.push_back(std::get<TextField>(e.content).fill.background);
   EXPECT_THAT(indices, ElementsAre(0, 0, 1));
+  EXPECT_TRUE(list.Remove(1));
+  EXPECT_FALSE(list.Remove(0)) << "there is always one";
 }
 
 class Filled : public testing::Test {

@@ -244,6 +244,28 @@ TEST(MusicXmlWriter, GivesAnArpeggioToEachNoteAndOtherSignsToOne) {
   EXPECT_EQ(count("<fermata"), 1U);
 }
 
+TEST(MusicXmlWriter, PartsHaveChannelsOfTheirOwnAndLeaveTheDrumsTheirs) {
+  std::string list;
+  std::string parts;
+  for (int i = 1; i <= 16; ++i) {
+    list += Format("<score-part id='P%i'/>", i);
+    parts += Format("<part id='P%i'>%s</part>", i, Measure(Note("C", 4)));
+  }
+  const auto score = ReadMusicXml(
+      BytesOf("<score-partwise><part-list>" + list + "</part-list>" + parts + "</score-partwise>"));
+  ASSERT_TRUE(score);
+  LossReport losses;
+  const Bytes file = WriteMusicXml(score->document, losses).value_or(Bytes());
+  const std::string_view xml = AsText(file);
+  std::string channels;
+  constexpr std::string_view kOpen = "<midi-channel>";
+  for (std::size_t at = xml.find(kOpen); at != std::string::npos; at = xml.find(kOpen, at + 1)) {
+    const std::size_t begin = at + kOpen.size();
+    channels += std::string(xml.substr(begin, xml.find('<', begin) - begin)) + " ";
+  }
+  EXPECT_EQ(channels, "1 2 3 4 5 6 7 8 9 11 12 13 14 15 16 1 ");
+}
+
 TEST(MusicXmlReader, KnowsBarsRepeatsAndJumps) {
   const auto bar = [](std::string_view number, std::string_view content) {
     return Format("<measure number='%s'>%s</measure>", number, content);
@@ -505,6 +527,12 @@ TEST(ObjectMask, LeavesOutWhatItDoesNotName) {
     ApplyObjectMask(document, (0x7F & ~row.bit) | 0x100);
     EXPECT_EQ(Lines(document), expected) << row.bit;
   }
+  // Chord symbols are texts.
+  auto chords = ReadMusicXml(BytesOf(Partwise(
+      Measure("<harmony><root><root-step>C</root-step></root><kind>major</kind></harmony>" + Note("C", 4)))));
+  ASSERT_TRUE(chords);
+  ApplyObjectMask(chords->document, 0x7F & ~0x40U);
+  EXPECT_EQ(Lines(chords->document), Lines(ReadMusicXml(BytesOf(Partwise(Measure(Note("C", 4)))))->document));
 }
 
 }  // namespace

@@ -256,6 +256,15 @@ TEST(EncodeTest, TheHeadersSayWhatWasAsked) {
     rest = rest.subspan(std::min(header->size, rest.size()));
   }
   EXPECT_GT(frames, 40U);
+  // The preset for voices stands above the bit rate.
+  const auto size = [&](std::int32_t preset) {
+    EXPECT_THAT(Encode(source, place.File("out.mp3"),
+                       Engine(Mp3Engine::Lame,
+                              {{"EncoderVbr", 0}, {"EncoderBitrate", 192}, {"EncoderPreset", preset}})),
+                IsOk());
+    return Content(place.File("out.mp3")).size();
+  };
+  EXPECT_LT(size(3), size(-1) / 2);
 }
 
 TEST(EncodeTest, NothingBecomesAnEmptyFileOrAFailure) {
