@@ -335,6 +335,10 @@ TEST_F(CopyTest, SilenceAtBothEndsIsTrimmed) {
   order.settings = {{"GrabCutNullSamples", "1"}, {"UseFilenamePreset", "1"}, {"DestFileNum", "Kurz.wav"}};
   EXPECT_THAT(Counts(Execute(GrabberModule(), order)), ElementsAre(1, 0, 0, 0));
   EXPECT_EQ(Samples("Kurz.wav"), std::string("\0\0\1\0\0\0\0\0", 8));
+  const std::filesystem::directory_iterator files(place_.Path());
+  EXPECT_EQ(std::ranges::count_if(files, [](const auto& file) { return file.path().extension() == ".cue"; }),
+            1)
+      << "nobody has asked for a sheet";
 }
 
 struct CopyCase {
