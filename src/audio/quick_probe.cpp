@@ -46,8 +46,8 @@ std::optional<MediaProbe> ProbeTaggedMp3(const InputFile& file) {
   probe.format.channels = first->IsMono() ? 1 : 2;
   probe.format.sampleRate = first->sampleRate;
   probe.format.blockAlign = 1;
-  probe.format.bytesPerSecond =
-      ClampTo<std::uint32_t>(std::max<std::uint64_t>(1, (tag->constant ? second->bitRate * 1000 : mean) / 8));
+  probe.format.bytesPerSecond = ClampTo<std::uint32_t>(
+      std::max<std::uint64_t>(1, (tag->constant ? std::uint64_t{second->bitRate} * 1000 : mean) / 8));
   probe.frames = tag->frames;
   probe.encoder = tag->encoder;
   if (tag->delay != 0) probe.delay = tag->delay;
