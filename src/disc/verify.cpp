@@ -10,8 +10,9 @@ namespace ts5::disc {
 namespace {
 
 constexpr auto kSettling = std::chrono::seconds(60);  // until a closed disc is read again
-constexpr std::size_t kReadTogether = 16 * kSectorsPerCommand * kAudioSectorBytes;  // of what was sent
-constexpr std::int32_t kMostOffsetSectors = 4;  // that a drive may be beside the place
+constexpr std::size_t kReadTogether =
+    std::size_t{16} * kSectorsPerCommand * kAudioSectorBytes;  // of what was sent
+constexpr std::int32_t kMostOffsetSectors = 4;                 // that a drive may be beside the place
 
 // What was sent for some tracks, one behind the other.
 class SentSound final : public SoundSource {
@@ -77,13 +78,12 @@ std::optional<std::int32_t> CompareCodes(CdDrive& drive, const DiscLayout& layou
 // Bytes by which this drive's reading is beside its writing, found where the track has sound: the same frames
 // some sectors before or behind. 0 when they are nowhere.
 std::int32_t FindOffset(CdDrive& drive, Lba at, ByteView sent) {
-  constexpr std::int32_t kSpan = kMostOffsetSectors * static_cast<std::int32_t>(kAudioSectorBytes);
-  Bytes around(static_cast<std::size_t>(2 * kSpan) + sent.size());
+  constexpr std::size_t kSpan = std::size_t{kMostOffsetSectors} * kAudioSectorBytes;
+  Bytes around(2 * kSpan + sent.size());
   if (Failed(drive.ReadCdAudio(at - kMostOffsetSectors, around))) return 0;
-  for (std::int32_t offset = -kSpan; offset <= kSpan; offset += static_cast<std::int32_t>(kBytesPerFrame)) {
-    if (std::ranges::equal(ByteView(around).subspan(static_cast<std::size_t>(offset + kSpan), sent.size()),
-                           sent))
-      return offset;
+  for (std::size_t from = 0; from <= 2 * kSpan; from += kBytesPerFrame) {
+    if (std::ranges::equal(ByteView(around).subspan(from, sent.size()), sent))
+      return static_cast<std::int32_t>(from) - static_cast<std::int32_t>(kSpan);
   }
   return 0;
 }
