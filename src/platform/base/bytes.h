@@ -77,7 +77,6 @@ class ByteReader {
   [[nodiscard]] std::uint32_t U32Be() { return static_cast<std::uint32_t>(Big(4)); }
   [[nodiscard]] std::uint64_t U64Be() { return Big(8); }
   [[nodiscard]] std::uint16_t U16Le() { return static_cast<std::uint16_t>(Little(2)); }
-  [[nodiscard]] std::uint32_t U24Le() { return static_cast<std::uint32_t>(Little(3)); }
   [[nodiscard]] std::uint32_t U32Le() { return static_cast<std::uint32_t>(Little(4)); }
   [[nodiscard]] std::uint64_t U64Le() { return Little(8); }
   [[nodiscard]] std::int8_t I8() { return static_cast<std::int8_t>(U8()); }
@@ -123,7 +122,6 @@ class ByteWriter {
   void U32Be(std::uint32_t value) { Big(value, 4); }
   void U64Be(std::uint64_t value) { Big(value, 8); }
   void U16Le(std::uint16_t value) { Little(value, 2); }
-  void U24Le(std::uint32_t value) { Little(value, 3); }
   void U32Le(std::uint32_t value) { Little(value, 4); }
   void U64Le(std::uint64_t value) { Little(value, 8); }
 
