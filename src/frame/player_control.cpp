@@ -65,7 +65,6 @@ void PlayerControl::SetPractice(Practice practice) {
     const std::lock_guard lock(mutex_);
     if (practice_ == practice) return;
     practice_ = std::move(practice);
-    orders_.practice = true;
   }
   Wake();
 }
@@ -78,7 +77,6 @@ Practice PlayerControl::GetPractice() const {
 void PlayerControl::BeginPractice(Practice practice) {
   const std::lock_guard lock(mutex_);
   practice_ = std::move(practice);
-  orders_.practice = false;
 }
 
 PlayerStatus PlayerControl::Status() const {

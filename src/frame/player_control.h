@@ -58,8 +58,7 @@ struct PlayerOrders {
   bool togglePause = false;
   std::optional<PlayerStep> step;
   std::optional<std::chrono::nanoseconds> seek;
-  bool sound = false;     // volume or balance has changed
-  bool practice = false;  // how the title is practised has changed
+  bool sound = false;  // volume or balance has changed
 };
 
 // What a player of one kind shares with the pages of its own in the window, for as long as it plays.

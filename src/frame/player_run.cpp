@@ -144,7 +144,7 @@ class PlayerRun {
     while (!ended) {
       const PlayerOrders orders = control_.Take(kReportInterval);
       if (orders.sound) device_->SetSound(control_.Sound());
-      if (orders.practice) Practise(source, title);
+      Practise(source, title);
       if (orders.step || run_.Cancelled()) {
         title.Stop();
         thread.join();
@@ -166,6 +166,8 @@ class PlayerRun {
       run_.Progress(ClampTo<std::uint32_t>(index + 1), ClampTo<std::uint32_t>(count_), fraction);
     }
     thread.join();
+    // Also what was chosen while the title came to its end.
+    Practise(source, title);
     return turn;
   }
 
@@ -176,12 +178,16 @@ class PlayerRun {
     if (count_ > 1) practice.passage.reset();
     title.Practise(practice);
     if (practice.passage) title.Seek(practice.passage->from);
+    practised_ = practice;
     control_.BeginPractice(std::move(practice));
   }
 
   // What the user changed holds at once, and the next time.
   void Practise(const std::string& source, PlayedTitle& title) {
-    const Practice practice = Limited(control_.GetPractice(), title.Duration(), tracks_);
+    Practice chosen = control_.GetPractice();
+    if (chosen == practised_) return;
+    practised_ = std::move(chosen);
+    const Practice practice = Limited(practised_, title.Duration(), tracks_);
     title.Practise(practice);
     if (run_.Practices()) run_.Practices()->Keep(source, practice);
   }
@@ -243,6 +249,7 @@ class PlayerRun {
   std::unique_ptr<PlayerDevice> device_;
   bool deviceGone_ = false;
   std::size_t tracks_ = 0;  // of the title
+  Practice practised_;      // as the user has it, of the title
   std::uint32_t started_ = 0;
   std::uint32_t finished_ = 0;
   std::uint32_t failed_ = 0;

@@ -20,8 +20,14 @@ constexpr const char* kSomeFailed = "Eine oder mehrere Dateien konnten nicht abg
 
 class Title final : public PlayedTitle {
  public:
-  explicit Title(Outcome end) : end_(end) {}
-  Outcome Play(nanoseconds /*end*/) override { return end_; }
+  Title(Outcome end, PlayerControl& control) : end_(end), control_(control) {}
+  // The user chooses something just before the end.
+  Outcome Play(nanoseconds /*end*/) override {
+    Practice slow;
+    slow.speed = 60;
+    control_.SetPractice(slow);
+    return end_;
+  }
   void Stop() override {}
   void Pause() override {}
   void Resume() override {}
@@ -31,17 +37,19 @@ class Title final : public PlayedTitle {
 
  private:
   Outcome end_;
+  PlayerControl& control_;
 };
 
 // Titles end as their names say: "gut", "weg" (the device goes), "still" (it is found gone afterwards). Any
 // other cannot be opened.
 class Device final : public PlayerDevice {
  public:
+  explicit Device(PlayerControl& control) : control_(control) {}
   Result<std::unique_ptr<PlayedTitle>> Open(const std::string& source) override {
     if (!alive_) return Failure(Outcome::WriteFailed);
     if (source == "still") alive_ = false;
-    if (source == "gut" || source == "still") return std::make_unique<Title>(Outcome::Success);
-    if (source == "weg") return std::make_unique<Title>(Outcome::WriteFailed);
+    if (source == "gut" || source == "still") return std::make_unique<Title>(Outcome::Success, control_);
+    if (source == "weg") return std::make_unique<Title>(Outcome::WriteFailed, control_);
     return Failure(Outcome::WrongFormat);
   }
   void SetSound(PlayerSound /*sound*/) override {}
@@ -49,6 +57,7 @@ class Device final : public PlayerDevice {
   Outcome Close() override { return Outcome::Success; }
 
  private:
+  PlayerControl& control_;
   bool alive_ = true;
 };
 
@@ -58,20 +67,22 @@ class PlayerRunTest : public testing::Test {
     FilterModule module;
     module.id = FilterId::MidiPlayer;
     module.create = [] { return std::make_unique<PlayerParameters>(); };
-    const auto open = [](ts5::Run&) -> Result<std::unique_ptr<PlayerDevice>> {
-      return std::make_unique<Device>();
+    const auto open = [](ts5::Run& run) -> Result<std::unique_ptr<PlayerDevice>> {
+      return std::make_unique<Device>(run.Player());
     };
     module.run = [&](ts5::Run& run) { RunPlayer(run, options, open); };
     static constexpr auto kRemarks =
         PlayerRemarks(texts::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), texts::RemarkDamagedMidi});
     module.remarks = kRemarks;
     host_ = std::make_shared<test::RecordingHost>();
-    return test::RunJob(test::ListJob(titles, module), module, {}, host_);
+    return test::RunJob(test::ListJob(titles, module), module, {}, host_, {.practices = practices_});
   }
   static std::vector<std::uint32_t> Counts(const RunResult& result) {
     return {result.counts[0], result.counts[1], result.counts[2]};
   }
 
+  test::TemporaryDirectory directory_;
+  std::shared_ptr<PracticeBook> practices_ = std::make_shared<PracticeBook>(directory_.File("practice.ini"));
   std::shared_ptr<test::RecordingHost> host_;
 };
 
@@ -87,6 +98,11 @@ TEST_F(PlayerRunTest, ATitleThatCannotBePlayedIsReportedAndTheRunGoesOn) {
   result = Play({"gut"});
   EXPECT_THAT(host_->notices, testing::IsEmpty());
   EXPECT_THAT(result.remarks, testing::IsEmpty());
+}
+
+TEST_F(PlayerRunTest, WhatIsChosenAtTheVeryEndHoldsTheNextTime) {
+  Play({"gut"});
+  EXPECT_EQ(practices_->Of("gut").speed, 60);
 }
 
 TEST_F(PlayerRunTest, ADeviceThatGoesEndsTheRunAndIsNamed) {
