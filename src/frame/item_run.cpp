@@ -45,6 +45,7 @@ struct Item {
   bool suitable = false;  // passed its check: it gets a target
   bool unchanged = false;
   bool kept = false;      // failed, and its target is put in place all the same
+  bool endsRun = false;   // no item after it has its turn
   std::string name = {};  // of the target that is in its place
   std::unique_ptr<PreparedItem> prepared = {};
   std::optional<StagedFile> target = {};
@@ -248,6 +249,7 @@ class ItemRun {
     item.line = std::move(work.line);
     item.losses = std::move(work.losses);
     item.unchanged = work.unchanged;
+    item.endsRun = work.endsRun && Failed(converted);
     const bool dropped = Failed(converted) && (!work.keepTarget || converted == Outcome::Cancelled);
     if (dropped || work.unchanged) return converted;
     if (item.target->IsEmpty()) return Outcome::TargetFailed;
@@ -292,7 +294,7 @@ class ItemRun {
     run_.Result().items.push_back(std::move(record.item));
     if (cancelled) return EndCancelled();
     if (status.code != Code(Outcome::Success)) run_.AddStatus(status);
-    return true;
+    return !item.endsRun;
   }
 
   // The user says No: the run ends, and the item leaves nothing.
@@ -363,7 +365,7 @@ class ItemRun {
 
   // False when the run ends with the item, e.g. as the user says No to what has appeared there meanwhile.
   bool PutInPlace(Item& item) {
-    if (!item.target) return item.code != Outcome::Cancelled;
+    if (!item.target) return item.code != Outcome::Cancelled && !item.endsRun;
     ForgetFault();
     auto taken = PutTarget(run_, *item.target, targets_[item.index], naming_,
                            [this](const std::string& target) { return MayReplace(target); });
@@ -374,7 +376,7 @@ class ItemRun {
       Explain(item);
     }
     item.target.reset();
-    return item.code != Outcome::Cancelled;
+    return item.code != Outcome::Cancelled && !item.endsRun;
   }
 
   [[nodiscard]] const ItemRecord* DoneBefore(std::size_t index) const {

@@ -55,6 +55,8 @@ struct ItemWork {
   // To be set by a conversion that fails and whose target is to be put in place all the same, e.g. without
   // the attributes that could not be written.
   bool keepTarget = false;
+  // To be set by a conversion that fails and the run with it: what follows is not tried.
+  bool endsRun = false;
 
   // T: what prepare() makes.
   template <typename T>

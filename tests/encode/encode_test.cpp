@@ -377,6 +377,23 @@ TEST(CompressorTest, ARunCountsAndKeepsNothingOfFailures) {
   EXPECT_THAT(result.items[4].remark, HasSubstr("nimmt Quellen mit 8 oder 16 Bit"));
 }
 
+TEST(CompressorTest, AConversionBeforeTheEncoderThatFailsEndsTheRun) {
+  const TemporaryDirectory place;
+  const FilterModule module = AudioCompressorModule();
+  std::vector<std::string> files;
+  for (const auto& [name, rate] : {std::pair{"a.wav", 44100U}, {"b.wav", 10U}, {"c.wav", 44100U}})
+    files.push_back(WriteMusic(place, name, PcmFormat(rate, 16, 2), 5000));
+  Job job = ListJob(files, module);
+  static_cast<AudioCompressorParameters&>(*job.parameters).encode = Engine(Mp3Engine::Lame, {});
+  const RunResult result = RunJob(job, module);
+  ASSERT_EQ(result.items.size(), 2U);
+  EXPECT_EQ(result.items[1].code, Code(Outcome::FormatRefused));
+  EXPECT_THAT(result.items[1].remark, HasSubstr("der Lauf endet hier"));
+  EXPECT_FALSE(result.cancelled);
+  EXPECT_THAT(result.counts, testing::ElementsAre(1, 2, testing::_));
+  EXPECT_EQ(Listing(place.Path()), "a.mp3 a.wav b.wav c.wav");
+}
+
 // Layer II and Windows Media do not tell where the music lies: it is noted, and nothing of it is lost.
 TEST(CompressorTest, EveryLengthComesBackThroughRuns) {
   const TemporaryDirectory place;

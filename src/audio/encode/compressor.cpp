@@ -52,13 +52,15 @@ constexpr Refusal kRefusals[] = {
 };
 
 // The remark of a refusal with its reason; "" where the remark says enough.
-std::string RefusalLine(Outcome outcome, const EncodeSettings& settings, const EncodingSource& source) {
+std::string RefusalLine(Outcome outcome, const EncodeSettings& settings, const EncodingSource& source,
+                        bool conversionFailed) {
   std::optional<TextId> reason;
   const auto* const row = std::ranges::find_if(kRefusals, [&](const Refusal& one) {
     return one.method == settings.Method() && one.outcome == outcome;
   });
   if (row != std::end(kRefusals)) reason = row->reason;
   if (outcome == Outcome::SourceFailed && source.Seconds() == 0) reason = texts::EncodeNoSamples;
+  if (conversionFailed) reason = texts::CompressConversionFailed;
   if (!reason) return {};
   std::string line;
   for (const std::string& remark : RemarkLines(AllRemarks(), {.code = Code(outcome)})) line += remark + " ";
@@ -176,7 +178,7 @@ class CompressorRun {
     // What an encoder of the command line made may be of use although it says that it failed.
     work.keepTarget = encoded == Outcome::EncoderFailed;
     if (Failed(encoded)) {
-      work.line = RefusalLine(encoded, settings, source);
+      work.line = RefusalLine(encoded, settings, source, work.endsRun);
       return encoded;
     }
     const std::string& made = work.target.TemporaryPath();
@@ -191,8 +193,12 @@ class CompressorRun {
   }
 
   Outcome Encode(EncodingSource& source, ItemWork& work, const WorkWatch& watch) {
-    if (parameters_.encode.Method() != EncodeMethod::CommandLine)
-      return EncodeFile(source, work.target, parameters_.encode, watch);
+    if (parameters_.encode.Method() != EncodeMethod::CommandLine) {
+      const Outcome encoded = EncodeFile(source, work.target, parameters_.encode, watch);
+      const bool notRead = encoded == Outcome::ReadFailed || encoded == Outcome::FormatRefused;
+      work.endsRun = notRead && IsConvertedFirst(source, parameters_.encode);
+      return encoded;
+    }
     const auto [interface, set] = ChosenIn(interfaces_, parameters_.encode);
     if (interface == nullptr) return Outcome::EncoderNotStarted;
     const auto run = [&, &program = *interface, number = set](const std::string& path) {
@@ -200,6 +206,7 @@ class CompressorRun {
     };
     if (!source.IsAiff()) return run(source.Path());
     const auto wave = WaveOf(source, watch);
+    work.endsRun = !wave && wave.error() != Outcome::Cancelled;
     return wave ? run(wave->Path()) : wave.error();
   }
 

@@ -310,6 +310,15 @@ Outcome EncodeFile(EncodingSource& source, StagedFile& target, const EncodeSetti
   return CopyPcm(*prepared->pcm, **sink, watch);
 }
 
+bool IsConvertedFirst(const EncodingSource& source, const EncodeSettings& settings) {
+  if (source.IsAiff()) return true;
+  const Encoder* const encoder = EncoderOf(settings);
+  if (encoder == nullptr || (encoder->id != EncoderId::Blade && encoder->id != EncoderId::Lame)) return false;
+  const PcmShape& has = source.Shape();
+  const auto takes = encoder->shape(settings, {has, source.Format()});
+  return takes && (takes->sampleRate != has.sampleRate || takes->channels != has.channels);
+}
+
 Outcome WriteEncodedAttributes(EncodingSource& source, const std::string& made,
                                const EncodeSettings& settings, const tags::Attributes& job,
                                unsigned id3Version) {

@@ -53,6 +53,10 @@ class EncodingSource {
 [[nodiscard]] Outcome EncodeFile(EncodingSource& source, StagedFile& target, const EncodeSettings& settings,
                                  const WorkWatch& watch = {});
 
+// Whether the encoder does not take the samples as they are in the file: the source is AIFF, or an MP3 engine
+// is to make another rate or other channels of it.
+[[nodiscard]] bool IsConvertedFirst(const EncodingSource& source, const EncodeSettings& settings);
+
 // Writes into the finished file what this system says of itself, what the job sets, and what the source says
 // where the job sets nothing. AttributesNotWritten: at least one of the first two could not be written; the
 // file is whole all the same. id3Version: 3 or 4, of MPEG files.
