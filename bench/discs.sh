@@ -36,16 +36,19 @@ best() {
     python3 -c "print($(now) - $start)"
   done | sort -g | head -1
 }
-row() { python3 -c 'import sys; a, b = map(float, sys.argv[2:]); print(f"{sys.argv[1]:44} {a:7.2f} s {a / b:6.2f} times the copy")' "$1" "$2" "$copy"; }
+# row WHAT SECONDS [SECONDS_OF_THE_PEER]: the peer is the copy.
+row() { python3 -c 'import sys; a, b = map(float, sys.argv[2:]); print(f"{sys.argv[1]:44} {a:7.2f} s {a / b:6.2f} times")' "$1" "$2" "${3:-$copy}"; }
 new() { rm -rf disc; "$console" cd blank disc >/dev/null; }
 burn() { "$console" run CdBurner --quiet --drive "$recorder" "$@" ./*.wav >/dev/null; }
 grab() { "$console" run CdGrabber --quiet --dir "$recorder" --dest-dir grabbed --overwrite yes "$@" >/dev/null; }
 
 copy=$(best 'rm -rf copy; mkdir copy' 'cp ./*.wav copy; sync copy/*')
 row 'cp' "$copy"
+compared=$(best 'rm -rf copy; mkdir copy' 'cp ./*.wav copy; sync copy/*; for file in *.wav; do cmp "$file" "copy/$file"; done')
+row 'cp and cmp' "$compared"
 rm -rf copy
 row 'burning at once' "$(best new 'burn --set BurnMode=2 --set BurnVerify=0')"
-row 'burning at once, read back' "$(best new 'burn --set BurnMode=2')"
+row 'burning at once, read back, to cp and cmp' "$(best new 'burn --set BurnMode=2')" "$compared"
 row 'burning track by track' "$(best new 'burn --set BurnMode=2 --set BurnVerify=0 --set BurnDisc-at-Once=0')"
 mkdir grabbed
 row 'grabbing' "$(best 'rm -f grabbed/*' grab)"

@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <future>
 #include <optional>
+
+#include "disc/read_ahead.h"
 
 namespace ts5::disc {
 namespace {
 
 constexpr auto kSettling = std::chrono::seconds(60);  // until a closed disc is read again
-constexpr std::size_t kReadTogether =
-    std::size_t{16} * kSectorsPerCommand * kAudioSectorBytes;  // of what was sent
-constexpr std::int32_t kMostOffsetSectors = 4;                 // that a drive may be beside the place
+constexpr std::int32_t kMostOffsetSectors = 4;        // that a drive may be beside the place
 
 // What was sent for some tracks, one behind the other.
 class SentSound final : public SoundSource {
@@ -142,26 +141,24 @@ class Comparison {
 // Compares sound that was sent in one piece, from there on. What comes next is read meanwhile.
 DiscComparison CompareRange(Comparison& comparison, SoundSource& sent, Lba at, Lba end,
                             const WorkWatch& watch, double sectorsOfDisc) {
-  Bytes now(kReadTogether);
-  Bytes next(kReadTogether);
-  const auto readNext = [&] { return std::async(std::launch::async, [&] { return sent.Read(next); }); };
-  for (auto coming = readNext(); at < end;) {
-    const auto got = coming.get();
-    if (!got || *got == 0) return {Outcome::SourceFailed};
-    now.swap(next);
-    coming = readNext();
-    for (ByteView left = ByteView(now).first(*got); !left.empty();) {
+  ReadAhead coming(sent, nullptr);
+  while (at < end) {
+    if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
+    const auto sectors = coming.Next();
+    if (!sectors) continue;
+    if (sectors->empty()) return {Outcome::SourceFailed};
+    for (ByteView left = *sectors; !left.empty();) {
       if (watch.cancelled && watch.cancelled()) return {Outcome::Cancelled};
       // The sectors before 0 by themselves: hardly a drive reads them.
       const std::size_t most = at.value < 0 ? static_cast<std::size_t>(-at.value) : kSectorsPerCommand;
-      const auto count =
-          std::min({left.size(), most * kAudioSectorBytes, kSectorsPerCommand * kAudioSectorBytes});
+      const auto count = std::min({left.size(), most * kAudioSectorBytes, kPortion});
       if (const DiscComparison compared = comparison.Portion(at, left.first(count)); Failed(compared.outcome))
         return compared;
       left = left.subspan(count);
       at = at + static_cast<std::int32_t>(count / kAudioSectorBytes);
       if (watch.progress) watch.progress((at.value + kPregapSectors) / sectorsOfDisc);
     }
+    coming.Drop(*sectors);
   }
   return {};
 }
