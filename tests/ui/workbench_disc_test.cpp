@@ -1,6 +1,9 @@
 // The virtual CD drive in the main window: a disc put in, its tracks shown, taken into the list and played.
 #include <gmock/gmock.h>
 
+#include <QDir>
+#include <QLabel>
+
 #include "frame/texts.h"
 #include "platform/disc/virtual_cd.h"
 #include "support/home.h"
@@ -69,6 +72,10 @@ TEST_F(DiscStory, AnEmptyDriveAsksForADiscAndShowsItsTracks) {
   EXPECT_FALSE(W().Filters().TileOf(FilterId::WaveConverter)->isVisible());
   EXPECT_FALSE(Enabled(CommandId::Delete));
   EXPECT_FALSE(Enabled(CommandId::Rename));
+
+  Select({0, 1});
+  ASSERT_TRUE(W().Active().SwitchFilter(FilterId::CdGrabber));
+  EXPECT_EQ(W().Target().findChild<QLabel*>("targetFolder")->text(), QDir::currentPath());
 
   // Another session comes back to the disc.
   ASSERT_TRUE(W().Active().SwitchFilter(FilterId::AudioPlayer));

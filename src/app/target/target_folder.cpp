@@ -1,6 +1,7 @@
 #include "app/target/target_folder.h"
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -14,6 +15,14 @@ namespace ts5 {
 namespace {
 
 constexpr std::chrono::milliseconds kRest{200};
+
+QString PlaceOf(const Job& job, const DestinationRules& rules) {
+  if (!rules.sourceDirectory && !rules.directory.empty()) return ToQt(rules.directory);
+  // Tracks of a disc lie in no directory: they come to where the program works.
+  if (job.filter != FilterId::CdGrabber) return QtText(texts::FolderBesideSources);
+  std::error_code unknown;
+  return ToQt(std::filesystem::current_path(unknown).native());
+}
 
 }  // namespace
 
@@ -48,10 +57,7 @@ void TargetFolder::Show() {
     return area_.ShowFolder(std::nullopt);
   }
   const Job& job = *active_;
-  const DestinationRules rules = DestinationRulesOf(application_.GetSettings(), job);
-  area_.ShowFolder(TargetArea::Folder{rules.sourceDirectory || rules.directory.empty()
-                                          ? QtText(texts::FolderBesideSources)
-                                          : ToQt(rules.directory),
+  area_.ShowFolder(TargetArea::Folder{PlaceOf(job, DestinationRulesOf(application_.GetSettings(), job)),
                                       !job.targetDirectory.empty()});
   if (job.MayChange()) timer_.start();
 }
