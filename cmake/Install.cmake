@@ -20,6 +20,11 @@ ts5_compressed(docs/ts5-batch.1 ${CMAKE_INSTALL_MANDIR}/man1)
 ts5_compressed(packaging/changelog ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 install(FILES ${CMAKE_SOURCE_DIR}/scripts/completion.bash
         DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ts5-batch)
+# Where zsh looks below /usr/local, and below /usr for what a package brings.
+foreach(place site-functions vendor-completions)
+  install(FILES ${CMAKE_SOURCE_DIR}/scripts/completion.zsh
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${place} RENAME _ts5-batch)
+endforeach()
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 
 # What a beginner sees and hears first.

@@ -1,5 +1,10 @@
 # Completion of ts5-batch for bash.
 
+# The commands of the program, or of the group that the words name, from its help.
+_ts5_batch_commands() {
+  "$@" --help 2>/dev/null | sed -n '/^Befehle:/,/^$/ s/^  \([a-z]*\) .*/\1/p'
+}
+
 # The names that --set takes, from the help of the filter on the line.
 _ts5_batch_parameters() {
   "$1" run "$2" --help 2>/dev/null | sed -n '/--set (/,/^$/ s/^  \([^ ]*\) .*/\1=/p'
@@ -13,39 +18,51 @@ _ts5_batch_options() {
   echo --help
 }
 
+# _ts5_batch_words WORD CANDIDATES: those that the word begins.
+_ts5_batch_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$2" -- "$1")
+}
+
+# _ts5_batch_files WORD PATTERN: files of that kind, and directories; names may have blanks.
+_ts5_batch_files() {
+  compopt -o filenames -o plusdirs
+  mapfile -t COMPREPLY < <(compgen -f -X "!$2" -- "$1")
+}
+
 _ts5_batch() {
   local program="$1" word="$2" before="$3"
   local command="${COMP_WORDS[1]:-}"
   COMPREPLY=()
   if [ "$COMP_CWORD" -eq 1 ]; then
-    COMPREPLY=($(compgen -W "filters jobs type info attributes interfaces score run job resume codecs cd layout results registry --help --version" -- "$word"))
+    _ts5_batch_words "$word" "$(_ts5_batch_commands "$program") --help --version"
     return
   fi
   case "$before" in
-    --overwrite) COMPREPLY=($(compgen -W "yes number ask" -- "$word")); return ;;
+    --overwrite) _ts5_batch_words "$word" "yes number ask"; return ;;
     --dest-dir | --dir) compopt -o dirnames; return ;;
-    --list) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.[sS][tT][sS]' -- "$word")); return ;;
+    --list) _ts5_batch_files "$word" '*.[sS][tT][sS]'; return ;;
+    --layout) _ts5_batch_files "$word" '*.[aA][wW][lL]'; return ;;
     --dest) compopt -o default; return ;;
     --set)
       compopt -o nospace
-      COMPREPLY=($(compgen -W "$(_ts5_batch_parameters "$program" "${COMP_WORDS[2]}")" -- "$word"))
+      _ts5_batch_words "$word" "$(_ts5_batch_parameters "$program" "${COMP_WORDS[2]}")"
       return ;;
   esac
   case "$word" in
     -*)
-      COMPREPLY=($(compgen -W "$(_ts5_batch_options "$program" "$command" "${COMP_WORDS[2]:-}")" -- "$word"))
+      _ts5_batch_words "$word" "$(_ts5_batch_options "$program" "$command" "${COMP_WORDS[2]:-}")"
       return ;;
   esac
   case "$command:$COMP_CWORD" in
-    run:2) COMPREPLY=($(compgen -W "$("$program" filters 2>/dev/null | awk '$2 == "*" { print $3 }')" -- "$word")) ;;
-    job:2) COMPREPLY=($(compgen -W "$("$program" jobs 2>/dev/null | awk '{ print $1 }')" -- "$word")) ;;
-    cd:2) COMPREPLY=($(compgen -W "list insert blank info track erase eject load" -- "$word")) ;;
-    cd:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.[cC][uU][eE]' -- "$word")) ;;
-    results:2) COMPREPLY=($(compgen -W "merge" -- "$word")) ;;
-    results:*) compopt -o plusdirs; COMPREPLY=($(compgen -f -X '!*.json' -- "$word")) ;;
-    layout:2) COMPREPLY=($(compgen -W "pack unpack" -- "$word")) ;;
-    interfaces:2) COMPREPLY=($(compgen -W "list add remove find" -- "$word")) ;;
-    registry:2) COMPREPLY=($(compgen -W "list get set delete import export" -- "$word")) ;;
+    run:2) _ts5_batch_words "$word" "$("$program" filters 2>/dev/null | awk '$2 == "*" { print $3 }')" ;;
+    job:2) _ts5_batch_words "$word" "$("$program" jobs 2>/dev/null | awk '{ print $1 }')" ;;
+    cd:2 | interfaces:2 | registry:2 | results:2)
+      _ts5_batch_words "$word" "$(_ts5_batch_commands "$program" "$command")" ;;
+    cd:*) _ts5_batch_files "$word" '*.[cC][uU][eE]' ;;
+    results:*) _ts5_batch_files "$word" '*.json' ;;
+    layout:2)
+      _ts5_batch_files "$word" '*.[aA][wW][lL]'
+      mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "pack unpack fit" -- "$word") ;;
     *) compopt -o default ;;
   esac
 }

@@ -2,6 +2,7 @@
 //
 //   stavora-ts5 [FILE.sts]     the file list to begin with
 //   stavora-ts5 FILE...        music files for the free file list
+//   stavora-ts5 DIRECTORY      the source to begin with
 //   stavora-ts5 --version|--help   says so and ends, without a display too
 //
 // Where the workbench runs already, it comes to the front and takes the files.
@@ -41,6 +42,7 @@ namespace {
 
 constexpr int kLastSplashMilliseconds = 1000;
 constexpr int kSplashSteps = 9;
+constexpr int kWrongUsage = 2;
 
 // What is answered without a window; nothing when the workbench is to start.
 std::optional<int> AnswerOnTerminal(int argc, char** argv) {
@@ -60,6 +62,35 @@ std::optional<int> AnswerOnTerminal(int argc, char** argv) {
   return std::nullopt;
 }
 
+// Where none of these says so, the toolkit finds no display, and breaks off.
+bool HasDisplay(int argc, char** argv) {
+  const auto set = [](const char* name) {
+    const char* const value = std::getenv(name);
+    return value != nullptr && *value != '\0';
+  };
+  return set("DISPLAY") || set("WAYLAND_DISPLAY") || set("QT_QPA_PLATFORM") ||
+         std::any_of(argv, argv + argc, [](std::string_view word) { return word == "-platform"; });
+}
+
+// The files of the command line, behind the options that the toolkit has taken; nothing after saying which
+// one nobody knows.
+std::optional<std::vector<std::string>> FilesOf(const QStringList& words) {
+  using namespace ts5;
+  std::vector<std::string> files;
+  bool options = true;
+  for (const QString& word : words) {
+    if (options && word == "--") {
+      options = false;
+    } else if (options && word.startsWith('-')) {
+      std::cerr << Format(Text(texts::StartUnknownOption), FromQt(word)) << '\n';
+      return std::nullopt;
+    } else {
+      files.push_back(FromQt(QFileInfo(word).absoluteFilePath()));
+    }
+  }
+  return files;
+}
+
 // What has a name alone, as tracks of a CD have, is made in the current directory: not where the program
 // happened to be started, but where its user looks. Paths of the command line are whole by now.
 void GoWhereMusicIs() {
@@ -73,6 +104,10 @@ void GoWhereMusicIs() {
 int main(int argc, char** argv) {
   using namespace ts5;
   if (const auto status = AnswerOnTerminal(argc, argv)) return *status;
+  if (!HasDisplay(argc, argv)) {
+    std::cerr << Text(texts::StartNoDisplay) << '\n';
+    return EXIT_FAILURE;
+  }
   TurnWriteSignalsIntoErrors();
   QApplication qt(argc, argv);
   QApplication::setApplicationName("stavora-ts5");
@@ -81,12 +116,11 @@ int main(int argc, char** argv) {
   InstallToolkitTexts(qt);
   QApplication::setWindowIcon(Icon("stavora-ts5"));
 
-  std::vector<std::string> files;
-  for (const QString& argument : QApplication::arguments().mid(1))
-    files.push_back(FromQt(QFileInfo(argument).absoluteFilePath()));
+  const auto files = FilesOf(QApplication::arguments().mid(1));
+  if (!files) return kWrongUsage;
   const std::string registry = DefaultRegistryPath();
   SingleInstance instance(registry);
-  if (!instance.Claim(files)) return 0;
+  if (!instance.Claim(*files)) return 0;
 
   auto splash = std::make_unique<Splash>(kSplashSteps);
   splash->show();
@@ -112,12 +146,12 @@ int main(int argc, char** argv) {
       window.OpenFiles(more);
     });
   };
-  if (files.empty()) {
+  if (files->empty()) {
     splash->ShowStep(Text(texts::StartDone));
     QTimer::singleShot(kLastSplashMilliseconds, &window, begin);
   } else {
     begin();
-    window.OpenAtStart(files);
+    window.OpenAtStart(*files);
   }
   const int status = QApplication::exec();
   if (application.RunsLeft()) std::_Exit(status);

@@ -227,9 +227,13 @@ class ItemRun {
   }
 
   Outcome ConvertInto(Item& item) {
-    const PlannedTarget& target = targets_[item.index];
+    PlannedTarget& target = targets_[item.index];
     if (Failed(target.code)) return target.code;
-    if (!run_.Destination().structure.empty()) (void)MakeDirectories(std::string(DirectoryOf(target.name)));
+    if (!run_.Destination().structure.empty()) {
+      const std::string directory(DirectoryOf(target.name));
+      target.newDirectories = MissingDirectories(directory);
+      (void)MakeDirectories(directory);
+    }
     auto staged = StagedFile::Create(target.name);
     if (!staged) return staged.error();
     item.target = std::move(*staged);

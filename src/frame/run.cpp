@@ -30,8 +30,8 @@ Outcome Run::KeepReplaced(const std::string& target) {
   return setup_.undo ? setup_.undo->Keep(target, [this] { return Cancelled(); }) : Outcome::Success;
 }
 
-void Run::Made(const std::string& target) {
-  if (setup_.undo) setup_.undo->Made(target);
+void Run::Made(const std::string& target, std::size_t newDirectories) {
+  if (setup_.undo) setup_.undo->Made(target, newDirectories);
 }
 
 void Run::Changed(const std::string& target) {

@@ -83,7 +83,7 @@ class Run {
   [[nodiscard]] PlayerControl& Player() const { return state_->player; }
   // For the undoing of the run: a file is about to be replaced, was made, was changed once more.
   [[nodiscard]] Outcome KeepReplaced(const std::string& target);
-  void Made(const std::string& target);
+  void Made(const std::string& target, std::size_t newDirectories = 0);
   void Changed(const std::string& target);
 
   [[nodiscard]] std::size_t ItemCount() const { return ts5::ItemCount(setup_.job); }

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <iterator>
+#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -30,6 +32,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
 constexpr std::string_view kNotes = "notes";
+constexpr std::size_t kMostNewDirectories = 31;  // as many as are noted of one file
 constexpr std::uint64_t kMostNotes = std::uint64_t{256} << 20;
 
 // Behind all links, those of the folders on the way included.
@@ -186,7 +189,7 @@ Outcome RunUndo::Keep(const std::string& target, const CancelCheck& cancelled) {
   return kept;
 }
 
-void RunUndo::Made(const std::string& target) {
+void RunUndo::Made(const std::string& target, std::size_t newDirectories) {
   const std::string path = RealPath(target);
   const auto mark = MarkOf(path);
   if (!mark) return DropPending();
@@ -201,6 +204,7 @@ void RunUndo::Made(const std::string& target) {
     item.made = *mark;
   }
   DropPending();
+  item.newDirectories = static_cast<std::uint8_t>(std::min(newDirectories, kMostNewDirectories));
   items_.push_back(std::move(item));
 }
 
@@ -250,6 +254,7 @@ UndoReport RunUndo::Undo(const CancelCheck& cancelled) {
     }
   }
   cut_ = false;
+  RemoveEmptied();
   if (owner_ && Any() && !NoteDown(owner_)) owner_.reset();
   return report;
 }
@@ -299,6 +304,19 @@ void RunUndo::TakeBack(UndoItem& item, UndoReport& report) {
   }
   if (!item.kept.empty()) BringBack(item, report);
   item.done = item.kept.empty();
+}
+
+// Directories that came into being for files which are gone, as far as nothing else is in them.
+void RunUndo::RemoveEmptied() const {
+  std::set<std::string, std::greater<>> directories;  // those within others first
+  for (const UndoItem& item : items_) {
+    std::string directory = item.path;
+    for (std::size_t i = 0; item.done && i < item.newDirectories; ++i) {
+      directory = std::string(DirectoryOf(directory));
+      directories.insert(directory);
+    }
+  }
+  for (const std::string& directory : directories) (void)::rmdir(directory.c_str());
 }
 
 // To its place; where something else stands there by now, to the next free number beside it, else into the

@@ -55,8 +55,8 @@ class RunUndo {
   // What stands there is about to be replaced. Cancelled: while it was copied; it is not to be replaced then.
   // Where it cannot be kept it is replaced all the same, and the report will say so.
   [[nodiscard]] Outcome Keep(const std::string& target, const CancelCheck& cancelled = {});
-  // The run has made this file.
-  void Made(const std::string& target);
+  // The run has made this file, and so many directories above it.
+  void Made(const std::string& target, std::size_t newDirectories = 0);
   // It has changed one that it had made.
   void Changed(const std::string& target);
 
@@ -88,6 +88,7 @@ class RunUndo {
   [[nodiscard]] bool NoteDown(const std::optional<UndoOwner>& owner) const;
   void TakeBack(UndoItem& item, UndoReport& report);
   void BringBack(UndoItem& item, UndoReport& report);
+  void RemoveEmptied() const;
   [[nodiscard]] bool RescueKept() const;
 
   std::string directory_;

@@ -63,6 +63,7 @@ struct PlannedTarget {
   Taking taking = Taking::Replace;
   bool evades = false;              // numbered because a source or an earlier target has the plain name
   Outcome code = Outcome::Success;  // TargetFailed: there is no such name
+  std::size_t newDirectories = 0;   // above it, which came into being for it
 };
 
 // The targets of one run, named in the order of its items. job and files are to outlive it.

@@ -16,6 +16,7 @@ static_assert(kMagic.size() == kKeptMagic.size());
 constexpr std::uint8_t kCopied = 1;
 constexpr std::uint8_t kNotKept = 2;
 constexpr std::uint8_t kRemoved = 4;
+constexpr unsigned kDirectories = 3;  // bits below the number of directories
 
 }  // namespace
 
@@ -31,7 +32,7 @@ Bytes NotesOf(std::span<const UndoItem> items, const std::optional<UndoOwner>& o
   for (const UndoItem& item : items) {
     if (item.done) continue;
     out.U8(static_cast<std::uint8_t>((item.copied ? kCopied : 0) | (item.notKept ? kNotKept : 0) |
-                                     (item.removed ? kRemoved : 0)));
+                                     (item.removed ? kRemoved : 0) | item.newDirectories << kDirectories));
     Put(out, item.path);
     Put(out, FileNameOf(item.kept));
     Put(out, item.made);
@@ -57,6 +58,7 @@ std::optional<UndoNotes> ReadNotes(ByteView notes, const std::string& folder) {
     item.copied = (flags & kCopied) != 0;
     item.notKept = (flags & kNotKept) != 0;
     item.removed = (flags & kRemoved) != 0;
+    item.newDirectories = flags >> kDirectories;
     const bool elsewhere =
         !IsAbsolutePath(item.path) || item.kept != FileNameOf(item.kept) || item.kept.starts_with('.');
     if (elsewhere) return std::nullopt;

@@ -3,7 +3,8 @@
 // program goes on with one that was cut.
 //
 //   magic, of a run that is kept: its job (registry, number of 4 bytes, title)
-//   number of items (4 bytes), then of each: flags (1 byte), path, name of the kept file, mark
+//   number of items (4 bytes), then of each: flags and directories (1 byte), path, name of the kept file,
+//   mark
 #pragma once
 
 #include <cstdint>
@@ -26,6 +27,7 @@ struct UndoItem {
   bool notKept = false;
   bool removed = false;  // what was made has gone
   bool done = false;
+  std::uint8_t newDirectories = 0;  // above it, which came into being for it
 };
 
 // The job that a run was of, as it is found again in another session.

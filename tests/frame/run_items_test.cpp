@@ -347,7 +347,11 @@ TEST(FailureReason, TellsContentsApart) {
             "Der Inhalt von \"a.mid\" gehört zu keiner bekannten Art von Dateien.");
   EXPECT_EQ(reason("a.mid", "RIFF....WAVEfmt "), "Dem Inhalt nach ist \"a.mid\" eine Wave-Datei.");
   EXPECT_EQ(reason("a.stv", "MThd"), "Dem Inhalt nach ist \"a.stv\" eine Midi-Datei.");
+  EXPECT_EQ(reason("a.mid", "stv3-v"), "Dem Inhalt nach ist \"a.mid\" eine Stavora-Datei.");
+  EXPECT_EQ(reason("a.stv", "\x8A\xE2\xB3\x74"),
+            "Dem Inhalt nach ist \"a.stv\" eine Stavora-Datei eines älteren Formats.");
   // What the name says already is no news.
+  EXPECT_EQ(reason("a.stv", "stv3-v"), "");
   EXPECT_EQ(reason("a.MusicXML", "<?xml version='1.0'?>"), "");
   EXPECT_EQ(reason("a.mxl", "PK\x03\x04"), "");
   EXPECT_EQ(reason("a.MID", "MThd"), "") << "as its name says";

@@ -123,6 +123,30 @@ TEST_F(Undoing, LeavesWhatWasChangedSince) {
   EXPECT_EQ(report.removed, 0U);
 }
 
+// Over its notes, as after the next start.
+TEST_F(Undoing, DirectoriesThatTheRunMadeGoWhenNothingElseIsInThem) {
+  const FilterModule module = CopyModule(FilterId::MidiConverter, 2);
+  const Job job = test::ListJob({place_.Write("m/a/b/c/x.txt", "ok"), place_.Write("m/a/y.txt", "ok"),
+                                 place_.Write("m/d/z.txt", "ok"), place_.Write("m/e/old.txt", "ok")},
+                                module);
+  std::filesystem::create_directories(place_.File("out/e"));
+  RunSetup setup;
+  setup.undo = std::make_shared<RunUndo>(place_.File("kept"), kMostKept);
+  auto undo = setup.undo;
+  const RunResult result = RunJob(
+      job, module, {.sourceDirectory = false, .directory = place_.File("out"), .structure = place_.File("m")},
+      std::make_shared<test::RecordingHost>(), std::move(setup));
+  ASSERT_EQ(result.counts[0], 4U);
+  place_.Write("out/d/own.txt", "of the user");
+  ASSERT_TRUE(undo->KeepFor({.registry = place_.Write("registry", ""), .title = "Job"}));
+  undo.reset();
+  const auto kept = FindKeptUndo(place_.File("kept"), place_.File("registry"));
+  ASSERT_THAT(kept, SizeIs(1));
+  EXPECT_EQ(kept[0]->Undo().removed, 4U);
+  EXPECT_EQ(Listing(place_.File("out")), "d e");
+  EXPECT_EQ(Listing(place_.File("out/d")), "own.txt");
+}
+
 TEST_F(Undoing, WhatIsGoneIsNotMissed) {
   GoOverOld();
   std::filesystem::remove(place_.File("m/a.out"));

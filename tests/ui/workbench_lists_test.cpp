@@ -147,6 +147,16 @@ TEST_F(ListStory, AListIsSavedLoadedAndReplaced) {
   W().Actions().Trigger(CommandId::ClearList);
   EXPECT_TRUE(ActiveJob().files.Empty());
   EXPECT_FALSE(Enabled(CommandId::ClearList));
+  // A directory from outside becomes the source; files beside it go to the list.
+  WriteMidi("Ordner.mid/drin.mid");
+  W().OpenFiles({directory_.File("Ordner.mid")});
+  EXPECT_EQ(ActiveJob().Mode(), SourceMode::Directory);
+  EXPECT_EQ(ActiveJob().directory.path, directory_.File("Ordner.mid"));
+  script_.ExpectBox(QMessageBox::Ok);
+  W().OpenFiles({directory_.File("Ordner.mid"), directory_.File("nirgends.mid"), present});
+  EXPECT_THAT(script_.LastText().toStdString(), HasSubstr("1 Datei(en) konnten nicht geladen werden."));
+  EXPECT_EQ(ActiveJob().Mode(), SourceMode::List);
+  EXPECT_EQ(ActiveJob().files.Size(), 1U);
 }
 
 TEST_F(ListStory, ADropThatMeetsNoListSaysSo) {
@@ -168,6 +178,10 @@ TEST_F(ListStory, CopiedFilesArePastedIntoTheList) {
   ToListMode();
   QTest::keyClick(W().Source().Files(), Qt::Key_V, Qt::ControlModifier);
   EXPECT_EQ(ActiveJob().files.Size(), 2U);
+  // Until the files of the directory are there, the keys go to its tree and not to the target.
+  W().Source().Files()->setFocus();
+  W().Actions().Trigger(CommandId::SwitchListMode);
+  EXPECT_EQ(W().focusWidget(), W().Source().Tree());
 }
 
 TEST_F(ListStory, RenamingAsksAboutExtensionsThatNoFilterTakes) {

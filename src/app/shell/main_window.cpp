@@ -20,6 +20,7 @@
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files/directories.h"
+#include "platform/files/files.h"
 #include "platform/files/paths.h"
 #include "resources/icons.h"
 
@@ -256,7 +257,7 @@ void MainWindow::ShowNotices() {
 
 void MainWindow::OpenAtStart(const std::vector<std::string>& files) {
   if (files.empty()) return;
-  const bool list = FileTypeOf(files.front()) == FileTypeId::Unsupported;
+  const bool list = FileTypeOf(files.front()) == FileTypeId::Unsupported && !IsDirectory(files.front());
   if (list) {
     (*active_)->sourceDrive = kListModeDrive;
     (*active_)->directory = {};

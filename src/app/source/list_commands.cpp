@@ -23,6 +23,7 @@
 #include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
+#include "platform/base/text.h"
 #include "platform/files/directories.h"
 #include "platform/files/files.h"
 #include "platform/files/music_directory.h"
@@ -167,16 +168,23 @@ void ListCommands::OpenList(const std::string& path) {
 
 void ListCommands::OpenFiles(const std::vector<std::string>& files) {
   std::vector<std::string> others;
+  int missing = 0;
   for (const std::string& file : files) {
-    if (FileTypeOf(file) == FileTypeId::Unsupported) {
+    if (IsDirectory(file)) {
+      source_.ShowFolder(file);
+    } else if (FileTypeOf(file) == FileTypeId::Unsupported) {
       OpenList(file);
-    } else {
+    } else if (FileExists(file)) {
       others.push_back(file);
+    } else {
+      ++missing;
     }
   }
-  if (others.empty()) return;
-  if (active_->Mode() == SourceMode::Directory) desk_.Actions().Trigger(CommandId::SwitchListMode);
-  Drop(others);
+  if (!others.empty()) {
+    if (active_->Mode() == SourceMode::Directory) desk_.Actions().Trigger(CommandId::SwitchListMode);
+    Drop(others);
+  }
+  if (missing > 0) desk_.Tell(Format(Text(texts::FilesNotLoaded), missing), MessageIcon::Exclamation);
 }
 
 void ListCommands::Load(const std::string& path, bool replace) {

@@ -21,8 +21,8 @@ class ListCommands : public QObject {
   ListCommands(Desk& desk, ActiveJob& active, SourceArea& area, SourceCommands& source,
                Application& application);
 
-  // Files from outside: what is no music is a file list and is loaded, all else comes into the free file
-  // list.
+  // Files from outside: a directory becomes the source, what is no music is a file list and is loaded, all
+  // else comes into the free file list.
   void OpenFiles(const std::vector<std::string>& files);
   // Loads a file-list file into the free file list and says what could not be loaded.
   void Load(const std::string& path, bool replace);

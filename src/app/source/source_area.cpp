@@ -218,6 +218,8 @@ void SourceArea::ShowDirectory(std::int32_t drive, const std::string& root, cons
   }
   treeModel_.Reveal(path);
   UpdateVisibility();
+  // As long as its files are not there, their view is locked, and the keys would go to the target.
+  if (files_->hasFocus()) tree_->setFocus();
 }
 
 void SourceArea::ClearFiles(const std::string& directory, bool subdirectories) {

@@ -1,11 +1,13 @@
 #include "frame/ui/file_dialogs.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStringList>
@@ -73,6 +75,17 @@ void FollowTypes(QFileDialog& dialog, std::string_view filter) {
   QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
 }
 
+// While a path is typed, the toolkit marks each directory on the way to it, leaves it marked, and takes what
+// is marked instead of what stands in the field.
+void TakeWhatIsTyped(const QFileDialog& dialog) {
+  const auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+  auto* const list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView"));
+  if (field == nullptr || list == nullptr) return;
+  QObject::connect(field, &QLineEdit::textChanged, list, [list](const QString& text) {
+    if (text.contains('/')) list->selectionModel()->clearSelection();
+  });
+}
+
 // Names get the room that is there, instead of dates and sizes that are cut.
 void ShowWhole(QFileDialog& dialog) {
   constexpr QSize kUsual(760, 480);
@@ -108,6 +121,7 @@ std::vector<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost
                                                                           : texts::DialogOpen));
   dialog.setLabelText(QFileDialog::Reject, QtText(texts::ButtonCancel));
   ShowWhole(dialog);
+  TakeWhatIsTyped(dialog);
   StartAt(dialog, question.start, kind);
 
   if (saves) FollowTypes(dialog, question.filter);

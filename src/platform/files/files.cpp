@@ -115,6 +115,14 @@ Outcome RemoveFile(const std::string& path) {
   return Reachable(path) && Disk().Unlink(path) == 0 ? Outcome::Success : Outcome::TargetFailed;
 }
 
+std::size_t MissingDirectories(const std::string& path) {
+  std::size_t missing = 0;
+  for (std::string there = path; !StatusOf(there, true) && there != NativeDirectory(there);
+       there = NativeDirectory(there))
+    ++missing;
+  return missing;
+}
+
 Outcome MakeDirectories(const std::string& path) {
   if (!Reachable(path)) return Outcome::TargetFailed;
   std::error_code error;

@@ -27,6 +27,8 @@ inline constexpr std::uint64_t kMaxFileInMemory = std::uint64_t{1} << 30;
 [[nodiscard]] bool IsDirectory(const std::string& path);
 [[nodiscard]] Outcome RemoveFile(const std::string& path);       // TargetFailed
 [[nodiscard]] Outcome MakeDirectories(const std::string& path);  // with all above it; TargetFailed
+// How many directories of the way to it are not there, itself included.
+[[nodiscard]] std::size_t MissingDirectories(const std::string& path);
 // SourceFailed when from cannot be moved, TargetFailed when to exists or cannot be made. Works across file
 // systems by copying, and then removes the source only after the copy is flushed.
 [[nodiscard]] Outcome RenameFile(const std::string& from, const std::string& to);
