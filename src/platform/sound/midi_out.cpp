@@ -35,16 +35,23 @@ class NullMidiOutput final : public MidiOutput {
 class SynthesizerOutput final : public MidiOutput {
  public:
   static Result<std::unique_ptr<MidiOutput>> Open(std::string_view audioDevice) {
-    auto synthesizer = Synthesizer::Create(kSynthesizerRate);
-    if (!synthesizer) return Failure(synthesizer.error());
-    auto output = std::make_unique<SynthesizerOutput>(*std::move(synthesizer));
-    auto audio = OpenAudioOutput(
-        audioDevice, {kSynthesizerRate, 2},
-        [synth = output->synthesizer_.get()](std::span<float> block) { synth->Render(block); });
-    if (!audio) return Failure(audio.error());
-    output->audio_ = *std::move(audio);
-    if (const Outcome started = output->audio_->Start(); Failed(started)) return Failure(started);
-    return output;
+    Outcome failure = Outcome::TargetFailed;
+    for (const std::uint32_t rate : RatesToTry(kSynthesizerRate)) {
+      auto synthesizer = Synthesizer::Create(rate);
+      if (!synthesizer) return Failure(synthesizer.error());
+      auto output = std::make_unique<SynthesizerOutput>(*std::move(synthesizer));
+      auto audio = OpenAudioOutput(
+          audioDevice, {rate, 2},
+          [synth = output->synthesizer_.get()](std::span<float> block) { synth->Render(block); });
+      if (!audio) {
+        failure = audio.error();
+        continue;
+      }
+      output->audio_ = *std::move(audio);
+      if (const Outcome started = output->audio_->Start(); Failed(started)) return Failure(started);
+      return output;
+    }
+    return Failure(failure);
   }
   explicit SynthesizerOutput(std::unique_ptr<Synthesizer> synthesizer)
       : synthesizer_(std::move(synthesizer)) {}
