@@ -6,11 +6,13 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 #include "platform/base/quiet.h"
 #include "platform/media/wave_sink.h"
 #include "platform/sound/audio_out.h"
+#include "platform/sound/midi_in.h"
 #include "platform/sound/midi_ports.h"
 #include "platform/sound/synthesizer.h"
 
@@ -224,11 +226,17 @@ Outcome MidiOutput::Reset() {
   return Outcome::Success;
 }
 
+std::vector<std::string> MidiOutputsOf(std::vector<std::string> ports, bool synthesizer) {
+  std::erase_if(ports, IsOwnPort);
+  const auto through = std::ranges::stable_partition(ports, std::not_fn(IsThroughPort));
+  if (synthesizer) ports.insert(through.begin(), std::string(kSynthesizerName));
+  return ports;
+}
+
 std::vector<std::string> MidiOutputDevices() {
-  std::vector<std::string> names;
-  if (const auto service = MidiService<RtMidiOut>()) names = PortNames(*service);
-  if (!Synthesizer::InstalledSoundFont().empty()) names.emplace_back(kSynthesizerName);
-  return names;
+  const auto service = MidiService<RtMidiOut>();
+  return MidiOutputsOf(service ? PortNames(*service) : std::vector<std::string>{},
+                       !Synthesizer::InstalledSoundFont().empty());
 }
 
 Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device, std::string_view audioDevice) {
@@ -236,7 +244,10 @@ Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device, std:
   if (device.empty()) {
     const auto names = MidiOutputDevices();
     if (names.empty()) return Failure(Outcome::TargetFailed);
-    return OpenMidiOutput(names.front(), audioDevice);
+    // A keyboard that is there to play on has a port, but seldom a sound.
+    const bool heard = std::ranges::find(names, kSynthesizerName) != names.end() &&
+                       (!audioDevice.empty() || !AudioOutputDevices().empty());
+    return OpenMidiOutput(heard ? std::string(kSynthesizerName) : names.front(), audioDevice);
   }
   if (device.starts_with(kSynthesisPrefix))
     return SynthesizerFile::Open(std::string(device.substr(kSynthesisPrefix.size())));
