@@ -523,6 +523,11 @@ TEST_F(ArrangedList, ColumnsFitTheWindowAndKeepTheirWidths) {
   StartListed();
   EXPECT_EQ(files()->columnWidth(section(FileColumn::Length)), 111);
   EXPECT_EQ(W().Source().Model().columnCount(), 8) << "a width chooses no columns";
+  // Where no fact had room there is a directory now.
+  files()->setColumnHidden(section(FileColumn::Length), true);
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  EXPECT_FALSE(files()->isColumnHidden(section(FileColumn::Directory)));
 }
 
 TEST_F(ArrangedList, ColumnsAreChosenInTheMenu) {
