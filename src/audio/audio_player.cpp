@@ -59,7 +59,7 @@ class AudioDevice final : public PlayerDevice {
     if (sound_ && (sound_->stream.Rate() == rate || name_.starts_with(kWavePrefix))) return Outcome::Success;
     if (const Outcome closed = Close(); Failed(closed)) return closed;
     Outcome failure = Outcome::TargetFailed;
-    for (const std::uint32_t one : {rate, 48'000U, 44'100U}) {
+    for (const std::uint32_t one : RatesToTry(rate)) {
       if (one < 8000 || one > 192'000) continue;
       auto sound = std::make_unique<PlayerSoundDevice>(one, control_.Levels());
       auto output =

@@ -111,7 +111,7 @@ std::string LengthText(milliseconds length) {
 }
 
 std::string SumText(milliseconds length) {
-  const auto seconds = std::chrono::round<std::chrono::seconds>(length).count();
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(length).count();
   if (seconds < 60) return Format(Text(texts::SumSeconds), seconds);
   const auto minutes = std::chrono::round<std::chrono::minutes>(length).count();
   if (minutes < 60) return Format(Text(texts::SumMinutes), minutes);

@@ -56,12 +56,10 @@ std::vector<nanoseconds> BarsOf(const MidiSequence& sequence, const TimeSignatur
 }
 
 // The tracks with notes have names to choose by, the others none.
-std::vector<std::string> TracksOf(ByteView file) {
+std::vector<std::string> TracksOf(const MidiSummary& summary) {
   std::vector<std::string> names;
-  const auto summary = SummariseMidi(file);
-  if (!summary) return names;
-  for (std::size_t i = 0; i < summary->tracks.size(); ++i) {
-    const MidiTrackSummary& track = summary->tracks[i];
+  for (std::size_t i = 0; i < summary.tracks.size(); ++i) {
+    const MidiTrackSummary& track = summary.tracks[i];
     std::string name;
     if (track.notes > 0) {
       name = track.name;
@@ -133,8 +131,12 @@ class MidiDevice final : public PlayerDevice {
     if (!file) return Failure(file.error());
     auto sequence = MidiSequence::FromFile(*file);
     if (!sequence) return Failure(sequence.error());
+    const auto summary = SummariseMidi(*file);
+    if (!summary) return Failure(summary.error());
+    // Nobody would know why nothing is heard.
+    if (sequence->Duration() == nanoseconds{0} && summary->Damaged()) return Failure(Outcome::DamagedMidi);
     auto signatures = SignaturesOf(*file, sequence->Division());
-    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), TracksOf(*file),
+    return std::make_unique<MidiTitle>(*std::move(sequence), std::move(signatures), TracksOf(*summary),
                                        *output_);
   }
   void SetSound(PlayerSound sound) override { output_->SetSound(sound); }

@@ -157,7 +157,7 @@ std::vector<PropertyRow> MidiPropertyRows(const MidiFileInfo& info, CalendarDate
 }
 
 std::string MidiLengthText(std::chrono::nanoseconds length) {
-  const auto seconds = std::chrono::round<std::chrono::seconds>(length).count();
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(length).count();
   return seconds < 3600 ? Format(Text(texts::MidiPropertyLengthValue), seconds / 60, seconds % 60)
                         : Format(Text(texts::MidiPropertyLongLengthValue), seconds / 3600, seconds / 60 % 60,
                                  seconds % 60);

@@ -4,15 +4,19 @@
 #include <array>
 #include <bitset>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 #include "audio/media_probe.h"
-#include "converters/score_formats.h"
 #include "frame/file_types.h"
 #include "midi/midi_properties.h"
 #include "midi/midi_summary.h"
 #include "platform/base/casts.h"
 #include "platform/files/files.h"
 #include "score/music_summary.h"
+#include "score/score_image.h"
+#include "score/score_midi.h"
+#include "score/score_reader.h"
 
 namespace ts5 {
 namespace {
@@ -52,19 +56,28 @@ void ReadMidi(const std::string& path, FileFacts& facts, const CancelCheck& canc
 }
 
 void ReadScore(const std::string& path, FileFacts& facts, const CancelCheck& cancelled) {
-  const auto file = ReadFile(path, kMaxScoreForFacts);
+  auto file = ReadFile(path, kMaxScoreForFacts);
   if (!file) return;
-  const auto score = converters::ReadAnyScore(*file, cancelled);
-  if (!score) return;
-  const MusicSummary music = SummariseMusic(score->document, cancelled);
-  facts.length = Milliseconds(std::llround(music.seconds * 1000));
+  auto image = ReadScoreImage(*std::move(file), cancelled);
+  if (!image) return;
+  std::shared_ptr<const ScoreDocument> document = image->document;
+  if (!document) {
+    auto own = ts5::ReadScore(image->file, cancelled);
+    if (!own) return;
+    document = std::make_shared<const ScoreDocument>(*std::move(own));
+  }
+  // As long as the player makes it: with its repeats, and with the rest of the bar before an upbeat.
+  PlaybackParameters parameters;
+  if (const auto score = OpenAndScan(std::move(image->file), parameters, true, cancelled))
+    facts.length = std::chrono::round<Milliseconds>(score->scan.Length());
+  const MusicSummary music = SummariseMusic(*document, cancelled);
   if (!music.keys.empty()) facts.key = music.keys.front();
   if (!music.metres.empty()) facts.metre = music.metres.front();
   if (!music.tempos.empty()) facts.tempo = music.tempos.front();
   facts.keyChanges = music.keys.size() > 1;
   facts.metreChanges = music.metres.size() > 1;
   facts.tempoChanges = music.tempos.size() > 1;
-  facts.voices = ClampTo<std::uint32_t>(score->document.staves.size());
+  facts.voices = ClampTo<std::uint32_t>(document->staves.size());
 }
 
 void ReadAudio(const std::string& path, FileFacts& facts, const CancelCheck& /*cancelled*/) {

@@ -58,7 +58,7 @@ std::string TitleOf(const ScoreCredits& credits) {
 
 std::vector<PropertyRow> MusicRows(const ScoreDocument& document) {
   const MusicSummary music = SummariseMusic(document);
-  const auto seconds = static_cast<std::int64_t>(std::llround(music.seconds));
+  const auto seconds = static_cast<std::int64_t>(music.seconds);
   std::vector<PropertyRow> rows;
   const auto add = [&rows](TextId label, std::string value) {
     rows.push_back({std::string(Text(label)), std::move(value)});

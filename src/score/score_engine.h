@@ -12,6 +12,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -56,6 +57,10 @@ struct ScoreScan {
   std::uint32_t leadIn = 0;        // ticks before an upbeat
   std::uint8_t articulations = 0;  // bit per Articulation that occurs
   std::uint8_t dynamics = 0;       // bit per mark fff..ppp
+
+  [[nodiscard]] std::chrono::nanoseconds Length() const {
+    return std::chrono::nanoseconds(static_cast<std::int64_t>(time) * 100);
+  }
 };
 
 struct ScoreOptions {

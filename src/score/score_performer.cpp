@@ -32,7 +32,7 @@ nanoseconds ScorePerformer::Position() const {
 }
 
 nanoseconds ScorePerformer::Duration() const {
-  return Nanoseconds(score_.scan.time);
+  return score_.scan.Length();
 }
 
 BarBeat ScorePerformer::Place() const {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "batch/captured_console.h"
+#include "score/score_midi.h"
 #include "support/test_data.h"
 
 namespace ts5 {
@@ -27,7 +29,6 @@ TEST(FileFacts, OfEveryKind) {
   const FileFacts score = Read(demo + "Menuett G-Dur.stv");
   EXPECT_EQ(score.key, "G-Dur/e-Moll");
   EXPECT_EQ(score.metre, "3/4");
-  EXPECT_TRUE(score.length && *score.length > std::chrono::seconds(5));
   EXPECT_GE(score.voices, 1U);
 
   const test::TemporaryDirectory place;
@@ -42,6 +43,24 @@ TEST(FileFacts, OfEveryKind) {
   for (const char* name : {"kaputt.mid", "kaputt.stv", "kaputt.xml", "kaputt.mp3", "kaputt.txt"})
     EXPECT_EQ(Read(place.Write(name, "no music")), FileFacts{}) << name;
   EXPECT_EQ(Read(place.File("weg.mid")), FileFacts{});
+}
+
+// Repeats, an upbeat and a change of tempo, from a score file and from what the converter makes of it.
+TEST(FileFacts, ScoresAreAsLongAsTheyAreHeard) {
+  const test::TemporaryDirectory place;
+  for (const char* name : {"Für Elise", "Amazing Grace", "Greensleeves", "When the Saints"}) {
+    const std::string file = test::DataPath("../../demo/") + name + ".stv";
+    const std::string xml = place.File(std::string(name) + ".musicxml");
+    ASSERT_EQ(batch::CapturedConsole().Run({"run", "XmlConverter", "--dest", xml, file}), 0);
+    for (const std::string& path : {file, xml}) {
+      PlaybackParameters parameters;
+      const auto score = OpenAndScan(path, parameters);
+      ASSERT_TRUE(score) << path;
+      EXPECT_EQ(Read(path).length, std::chrono::round<std::chrono::milliseconds>(score->scan.Length()))
+          << path;
+    }
+  }
+  EXPECT_EQ(Read(test::DataPath("../../demo/Für Elise.stv")).length, std::chrono::milliseconds(21'250));
 }
 
 }  // namespace

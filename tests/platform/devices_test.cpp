@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -118,9 +119,13 @@ TEST(Synthesizer, HostileMessagesAndFontsDoNoHarm) {
 }
 
 TEST(MidiOut, TheBuiltInSynthesizerIsADeviceAndSounds) {
-  const auto devices = MidiOutputDevices();
-  ASSERT_FALSE(devices.empty());
-  EXPECT_EQ(devices.back(), kSynthesizerName);
+  const std::vector<std::string> ports{"Midi Through:Midi Through Port-0 14:0",
+                                       "Stavora Tonstudio 5:Piano 130:0", "Piano:Piano MIDI 1 20:0"};
+  const std::string synthesizer(kSynthesizerName);
+  EXPECT_EQ(MidiOutputsOf(ports, true), (std::vector{ports[2], synthesizer, ports[0]}))
+      << "first what may sound, and nothing that is the program itself";
+  EXPECT_EQ(MidiOutputsOf(ports, false), (std::vector{ports[2], ports[0]}));
+  EXPECT_THAT(MidiOutputDevices(), testing::Contains(synthesizer));
 
   const test::TemporaryDirectory directory;
   const std::string path = directory.File("klang.wav");

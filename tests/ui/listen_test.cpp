@@ -110,6 +110,11 @@ TEST_F(ListenTest, PracticeHoldsAtOnceAndIsRememberedForTheFile) {
   EXPECT_EQ(practice.shift, -3);
   ASSERT_TRUE(practice.passage);
   EXPECT_EQ(practice.passage->from, 0s) << "the first bar";
+  QMenu* const tracks = Part<QToolButton>("practiceTracks")->menu();
+  tracks->popup({});
+  QTest::keyClick(tracks, Qt::Key_Escape);
+  EXPECT_FALSE(tracks->isVisible());
+  EXPECT_TRUE(Sound().Busy()) << "Esc closes the menu of the tracks, not the title";
   PressIn(Qt::Key_Escape);
   ASSERT_TRUE(WaitForEnd());
 

@@ -537,6 +537,11 @@ TEST_F(ArrangedList, ColumnsFitTheWindowAndKeepTheirWidths) {
   StartListed();
   EXPECT_EQ(files()->columnWidth(section(FileColumn::Length)), 111);
   EXPECT_EQ(W().Source().Model().columnCount(), 8) << "a width chooses no columns";
+  // Before the window is shown there is no room for facts; a list of files begins with another column.
+  ToListMode();
+  Drop({WriteMidi("a.mid")});
+  Start();
+  EXPECT_FALSE(files()->isColumnHidden(section(FileColumn::Directory)));
 }
 
 TEST_F(ArrangedList, ColumnsAreChosenInTheMenu) {

@@ -18,7 +18,10 @@ ListenCommands::ListenCommands(CommandActions& actions, FileView& files, Applica
   listener_.SetVolume(application_.GetSettings().listeningVolume);
   actions.On(CommandId::ListenFile, [this] { PlayRow(files_.FocusRow()); });
   files_.installEventFilter(this);
-  for (QWidget* const control : bar_->findChildren<QWidget*>()) control->installEventFilter(this);
+  for (QWidget* const control : bar_->findChildren<QWidget*>()) {
+    // A menu has an Esc of its own.
+    if (!control->isWindow()) control->installEventFilter(this);
+  }
   connect(&files_, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {
     // There the texts of a disc's tracks are edited.
     if (!files_.FileModel()->TextColumn(index.column())) PlayRow(static_cast<std::size_t>(index.row()));

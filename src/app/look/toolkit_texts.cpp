@@ -1,6 +1,7 @@
 #include "app/look/toolkit_texts.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QTranslator>
 #include <algorithm>
 #include <array>
@@ -111,6 +112,7 @@ class ToolkitTexts : public QTranslator {
 
 void InstallToolkitTexts(QCoreApplication& application) {
   QCoreApplication::installTranslator(new ToolkitTexts(&application));
+  QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));  // dates and numbers likewise
 }
 
 }  // namespace ts5

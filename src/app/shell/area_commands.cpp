@@ -1,6 +1,8 @@
 #include "app/shell/area_commands.h"
 
 #include <QApplication>
+#include <QRadioButton>
+#include <algorithm>
 #include <utility>
 
 namespace ts5 {
@@ -9,8 +11,17 @@ namespace {
 // The control that an area is entered at: the one it names, else the first one that Tab would stop at;
 // nullptr when there is none.
 QWidget* FirstControl(QWidget& area) {
-  const auto stops = [](const QWidget& widget) {
-    return widget.isVisible() && widget.isEnabled() && (widget.focusPolicy() & Qt::TabFocus) != 0;
+  // Of radio buttons the chosen one.
+  const auto chosenBeside = [](const QWidget& widget) {
+    const auto* const radio = qobject_cast<const QRadioButton*>(&widget);
+    return radio != nullptr && !radio->isChecked() &&
+           std::ranges::any_of(
+               radio->parentWidget()->findChildren<QRadioButton*>(),
+               [](const QRadioButton* other) { return other->isChecked() && other->isVisible(); });
+  };
+  const auto stops = [&chosenBeside](const QWidget& widget) {
+    return widget.isVisible() && widget.isEnabled() && (widget.focusPolicy() & Qt::TabFocus) != 0 &&
+           !chosenBeside(widget);
   };
   if (QWidget* const named = area.focusProxy(); named != nullptr && stops(*named)) return named;
   if (stops(area)) return &area;

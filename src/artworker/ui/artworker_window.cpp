@@ -4,7 +4,6 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHideEvent>
-#include <QLocale>
 #include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
@@ -51,7 +50,6 @@ ArtworkerWindow::ArtworkerWindow(Subject subject, DialogHost& host, QWidget* par
                           static_cast<std::size_t>(subject_.parameters()->undoSteps)),
              BackgroundList(subject_.backgrounds)} {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   setWindowFlags(windowFlags() | Qt::WindowMinMaxButtonsHint);
   setWindowTitle(ToQt(Format(Text(texts::ArtworkerCaption), subject_.title)));

@@ -25,7 +25,6 @@ FitDialog::FitDialog(const std::string& printer, const PrinterFit& fit, DialogHo
       printedWith_(fit),
       ui_(std::make_unique<Ui::ARTFIT>()) {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   ui_->printerLabel->setText(ToQt(printer));
   const CalibrationReading exact;

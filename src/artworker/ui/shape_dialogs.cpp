@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QLocale>
 #include <QPixmap>
 #include <utility>
 
@@ -32,7 +31,6 @@ EllipseDialog::EllipseDialog(ArtworkElement element, BackgroundList& backgrounds
       element_(std::move(element)),
       ui_(std::make_unique<Ui::ARTELLIPSE>()) {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   fill_ =
       new FillBox(std::get<Ellipse>(element_.content).fill, FillBox::First::Itself, backgrounds, host, this);
@@ -66,7 +64,6 @@ ImageDialog::ImageDialog(ArtworkElement element, BackgroundList& backgrounds, st
       keep_(std::move(keep)),
       ui_(std::make_unique<Ui::ARTIMAGE>()) {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   const auto& image = std::get<Image>(element_.content);
   fill_ = new FillBox(image.fill, FillBox::First::None, backgrounds, host, this);

@@ -19,7 +19,6 @@ SheetsDialog::SheetsDialog(const ArtworkerParameters& parameters, DialogHost& ho
       parameters_(parameters),
       ui_(std::make_unique<Ui::ARTSHEETS>()) {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   marks_ = {ui_->marksLabel, ui_->marksInlay, ui_->marksBooklet};
   ui_->columnsBox->setValue(parameters.labelGrid[0]);

@@ -2,7 +2,6 @@
 
 #include <QButtonGroup>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QMenu>
 #include <algorithm>
 #include <cmath>
@@ -46,7 +45,6 @@ TextDialog::TextDialog(ArtworkElement element, BackgroundList& backgrounds, Dial
       element_(std::move(element)),
       ui_(std::make_unique<Ui::ARTTEXT>()) {
   ui_->setupUi(this);
-  setLocale(QLocale(QLocale::German, QLocale::Germany));
   ConnectButtons();
   fill_ = new FillBox(std::get<TextField>(element_.content).fill, FillBox::First::Itself, backgrounds, host,
                       this);

@@ -53,6 +53,7 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   area->setWidget(content);
   area->setMinimumWidth(content->minimumSizeHint().width() + area->verticalScrollBar()->sizeHint().width());
   rows->insertWidget(0, area, 1);
+  area->show();  // not only after the first picture of the dialog
   QObject::connect(qApp, &QApplication::focusChanged, area, [area](QWidget*, QWidget* now) {
     if (now != nullptr && area->isAncestorOf(now)) area->ensureWidgetVisible(now);
   });

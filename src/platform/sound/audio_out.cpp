@@ -102,6 +102,10 @@ std::vector<std::string> AudioOutputDevices() {
   return names;
 }
 
+std::array<std::uint32_t, 4> RatesToTry(std::uint32_t wanted) {
+  return {wanted, 48'000, 44'100, 96'000};
+}
+
 Result<std::unique_ptr<AudioOutput>> OpenAudioOutput(std::string_view device, AudioFormat format,
                                                      AudioRender render) {
   if (device.starts_with(kWavePrefix)) {

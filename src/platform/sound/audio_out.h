@@ -5,6 +5,8 @@
 // machine without sound; and "wave:FILE.wav" writes a 16-bit file (RIFF WAVE, PCM) instead of sounding.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -38,6 +40,10 @@ class AudioOutput {
   // False once the device has gone, while it plays.
   [[nodiscard]] virtual bool Alive() const = 0;
 };
+
+// The rates to try a device with, one after the other: not every device takes every rate, and where programs
+// share one, it may have only its own.
+[[nodiscard]] std::array<std::uint32_t, 4> RatesToTry(std::uint32_t wanted);
 
 // device: "" for the system's first output (the null device where there is none), a name of
 // AudioOutputDevices(), "null" or "wave:FILE". TargetFailed: no such device, it cannot be opened, or the file

@@ -45,7 +45,9 @@ class PortInput final : public MidiInput {
 
 std::vector<std::string> MidiInputDevices() {
   const auto service = QuietService();
-  return service ? PortNames(*service) : std::vector<std::string>{};
+  auto names = service ? PortNames(*service) : std::vector<std::string>{};
+  std::erase_if(names, IsOwnPort);
+  return names;
 }
 
 Result<std::unique_ptr<MidiInput>> OpenMidiInput(std::string_view device, MidiTaker taker) {

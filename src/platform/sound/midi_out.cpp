@@ -6,11 +6,13 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 #include "platform/base/quiet.h"
 #include "platform/media/wave_sink.h"
 #include "platform/sound/audio_out.h"
+#include "platform/sound/midi_in.h"
 #include "platform/sound/midi_ports.h"
 #include "platform/sound/synthesizer.h"
 
@@ -35,16 +37,23 @@ class NullMidiOutput final : public MidiOutput {
 class SynthesizerOutput final : public MidiOutput {
  public:
   static Result<std::unique_ptr<MidiOutput>> Open(std::string_view audioDevice) {
-    auto synthesizer = Synthesizer::Create(kSynthesizerRate);
-    if (!synthesizer) return Failure(synthesizer.error());
-    auto output = std::make_unique<SynthesizerOutput>(*std::move(synthesizer));
-    auto audio = OpenAudioOutput(
-        audioDevice, {kSynthesizerRate, 2},
-        [synth = output->synthesizer_.get()](std::span<float> block) { synth->Render(block); });
-    if (!audio) return Failure(audio.error());
-    output->audio_ = *std::move(audio);
-    if (const Outcome started = output->audio_->Start(); Failed(started)) return Failure(started);
-    return output;
+    Outcome failure = Outcome::TargetFailed;
+    for (const std::uint32_t rate : RatesToTry(kSynthesizerRate)) {
+      auto synthesizer = Synthesizer::Create(rate);
+      if (!synthesizer) return Failure(synthesizer.error());
+      auto output = std::make_unique<SynthesizerOutput>(*std::move(synthesizer));
+      auto audio = OpenAudioOutput(
+          audioDevice, {rate, 2},
+          [synth = output->synthesizer_.get()](std::span<float> block) { synth->Render(block); });
+      if (!audio) {
+        failure = audio.error();
+        continue;
+      }
+      output->audio_ = *std::move(audio);
+      if (const Outcome started = output->audio_->Start(); Failed(started)) return Failure(started);
+      return output;
+    }
+    return Failure(failure);
   }
   explicit SynthesizerOutput(std::unique_ptr<Synthesizer> synthesizer)
       : synthesizer_(std::move(synthesizer)) {}
@@ -217,11 +226,17 @@ Outcome MidiOutput::Reset() {
   return Outcome::Success;
 }
 
+std::vector<std::string> MidiOutputsOf(std::vector<std::string> ports, bool synthesizer) {
+  std::erase_if(ports, IsOwnPort);
+  const auto through = std::ranges::stable_partition(ports, std::not_fn(IsThroughPort));
+  if (synthesizer) ports.insert(through.begin(), std::string(kSynthesizerName));
+  return ports;
+}
+
 std::vector<std::string> MidiOutputDevices() {
-  std::vector<std::string> names;
-  if (const auto service = MidiService<RtMidiOut>()) names = PortNames(*service);
-  if (!Synthesizer::InstalledSoundFont().empty()) names.emplace_back(kSynthesizerName);
-  return names;
+  const auto service = MidiService<RtMidiOut>();
+  return MidiOutputsOf(service ? PortNames(*service) : std::vector<std::string>{},
+                       !Synthesizer::InstalledSoundFont().empty());
 }
 
 Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device, std::string_view audioDevice) {
@@ -229,7 +244,10 @@ Result<std::unique_ptr<MidiOutput>> OpenMidiOutput(std::string_view device, std:
   if (device.empty()) {
     const auto names = MidiOutputDevices();
     if (names.empty()) return Failure(Outcome::TargetFailed);
-    return OpenMidiOutput(names.front(), audioDevice);
+    // A keyboard that is there to play on has a port, but seldom a sound.
+    const bool heard = std::ranges::find(names, kSynthesizerName) != names.end() &&
+                       (!audioDevice.empty() || !AudioOutputDevices().empty());
+    return OpenMidiOutput(heard ? std::string(kSynthesizerName) : names.front(), audioDevice);
   }
   if (device.starts_with(kSynthesisPrefix))
     return SynthesizerFile::Open(std::string(device.substr(kSynthesisPrefix.size())));

@@ -1,10 +1,11 @@
 // MIDI output: the devices that music can be sent to.
 //
-// A device is named as the user sees it in the device list. Index -1 is the mapper, which takes the first
-// device; then come the ports of the system (hardware and other programs) and, always last, the built-in
-// "Stavora-Synthesizer". "null" swallows everything; "synth:FILE.wav" is the synthesiser writing a 16-bit
-// wave file in a time of its own, as fast as it can. Recording devices that turn what they get into a file
-// belong to the room that knows the file's format.
+// A device is named as the user sees it in the device list. Index -1 is the mapper, which takes what is
+// heard: the built-in "Stavora-Synthesizer", or the first device where that has no sound. The list has the
+// ports of the system (hardware and other programs), then the synthesiser, and last ports that only lead on
+// to something else. "null" swallows everything; "synth:FILE.wav" is the synthesiser writing a 16-bit wave
+// file in a time of its own, as fast as it can. Recording devices that turn what they get into a file belong
+// to the room that knows the file's format.
 #pragma once
 
 #include <chrono>
@@ -54,6 +55,8 @@ class MidiOutput {
   [[nodiscard]] virtual Outcome Close() { return Reset(); }
 };
 
+// The device list, made of the system's ports; those of this program are left out.
+[[nodiscard]] std::vector<std::string> MidiOutputsOf(std::vector<std::string> ports, bool synthesizer);
 // The names of all MIDI output devices in the order of the device list, the mapper not among them.
 [[nodiscard]] std::vector<std::string> MidiOutputDevices();
 
