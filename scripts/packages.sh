@@ -5,7 +5,7 @@
 packages_tools="g++ cmake ninja-build lld pkg-config ccache git python3"
 # What the programs are made of; each is there for one job (docs/architecture.md says which).
 packages_libraries="
-  libfmt-dev libexpected-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev libpugixml-dev libminizip-dev zlib1g-dev
+  libfmt-dev libexpected-dev libsqlite3-dev libcli11-dev nlohmann-json3-dev libpugixml-dev libminizip-dev zlib1g-dev libdeflate-dev
   libavformat-dev libavcodec-dev libavutil-dev libswresample-dev libsoxr-dev libsoundtouch-dev
   libvorbis-dev libogg-dev libmp3lame-dev libshine-dev libtag1-dev
   librtmidi-dev librtaudio-dev libfluidsynth-dev timgm6mb-soundfont"

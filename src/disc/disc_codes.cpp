@@ -38,6 +38,7 @@ constexpr Remark kOwn[] = {
     {kNoNextDisc, RemarkNoNextDisc},
     {kTooManyTracks, RemarkTooManyTracks},
     {kAnotherDisc, RemarkAnotherDisc},
+    {kNotReadBack, RemarkNotReadBack},
     {kWaveInput, RemarkWaveInput},
     {kWaveInputNotStarted, RemarkWaveInputNotStarted},
     {kVerified, RemarkVerified},

@@ -36,6 +36,7 @@ inline constexpr std::int32_t kDriveBusy = -733;
 inline constexpr std::int32_t kNoNextDisc = -735;
 inline constexpr std::int32_t kTooManyTracks = -736;
 inline constexpr std::int32_t kAnotherDisc = -737;  // from its very beginning
+inline constexpr std::int32_t kNotReadBack = -738;
 inline constexpr std::int32_t kWaveInput = -900;
 inline constexpr std::int32_t kWaveInputNotStarted = -901;
 // Not failures: what the user should know.

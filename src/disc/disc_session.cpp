@@ -159,6 +159,9 @@ DiscOutcome DiscSession::Verify(const DiscLayout& layout, std::span<const Projec
     case Outcome::SourceFailed:
       run_.StatusText(Text(texts::RemarkNotCompared));
       return {code::kNotCompared, 0};
+    case Outcome::ReadFailed:
+      run_.StatusText(Format(Text(texts::RemarkNotReadBack), compared.sector));
+      return {code::kNotReadBack, compared.sector};
     default:
       run_.StatusText(Format(Text(texts::NotVerified), compared.sector));
       // From its very beginning on: no sector is worth naming.

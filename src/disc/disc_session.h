@@ -41,7 +41,8 @@ class DiscSession {
   [[nodiscard]] CdDrive& Drive() { return held_->drive; }
   // An engine for this drive that tells the run how far it is. track counts from 1; of: how many there are.
   [[nodiscard]] Recorder MakeRecorder(const RecordingMode& mode);
-  // Reads the closed disc back. Good, or kNotVerified with the first sector that is another, or kAnotherDisc.
+  // Reads the closed disc back. Good, kAnotherDisc, or with the first sector that is another or cannot
+  // be read: kNotVerified, kNotReadBack.
   [[nodiscard]] DiscOutcome Verify(const DiscLayout& layout, std::span<const ProjectTrack> tracks,
                                    const RecordingMode& mode);
   // Lets the drive go, so that its disc can be changed.

@@ -1,20 +1,18 @@
 #include "disc/read_ahead.h"
 
-#include "platform/disc/cd_drive.h"
 #include "platform/files/digest.h"
 
 namespace ts5::disc {
 
 ReadAhead::ReadAhead(SoundSource& sound, Crc32* crc)
-    : sound_(sound),
-      thread_([this, &sound, crc, portion = Bytes(kSectorsPerCommand * kAudioSectorBytes)]() mutable {
-        auto got = sound.Read(portion);
-        for (; got && *got > 0; got = sound.Read(portion)) {
-          const ByteView data = ByteView(portion).first(*got);
-          if (crc != nullptr) crc->Add(data);
-          if (!pipe_.Write(data)) break;
+    : sound_(sound), thread_([this, &sound, crc] {
+        for (auto room = pipe_.Room(kPortion); !room.empty(); room = pipe_.Room(kPortion)) {
+          const auto got = sound.Read(room);
+          if (!got) end_ = got.error();
+          if (!got || *got == 0) break;
+          if (crc != nullptr) crc->Add(ByteView(room).first(*got));
+          pipe_.Add(*got);
         }
-        if (!got) end_ = got.error();
         pipe_.CloseWriting();
       }) {}
 

@@ -24,13 +24,16 @@ class ReadAhead {
   ReadAhead& operator=(const ReadAhead&) = delete;
   ~ReadAhead();
 
-  // What there is, whole sectors; 0 at the end, or where the source failed; nothing when the source takes its
-  // time, so that who waits can be stopped.
-  [[nodiscard]] std::optional<std::size_t> Read(std::span<std::uint8_t> out) { return pipe_.ReadSome(out); }
+  // What there is, whole sectors; none at the end, or where the source failed; nothing when the source takes
+  // its time, so that who waits can be stopped. Drop says that they are not needed any more.
+  [[nodiscard]] std::optional<ByteView> Next() { return pipe_.NextSome(kTogether); }
+  void Drop(ByteView sectors) { pipe_.Drop(sectors.size()); }
   // Behind the last byte: whether the source failed.
   [[nodiscard]] Outcome End() const { return end_; }
 
  private:
+  static constexpr std::size_t kTogether = 8 * kPortion;  // that are written at once when the source is fast
+
   SoundSource& sound_;
   SectorPipe pipe_;
   Outcome end_ = Outcome::Success;

@@ -17,7 +17,6 @@ namespace {
 constexpr std::uint8_t kWriteFailed = 0xFF;
 constexpr std::uint8_t kCloseFailed = 0xFE;
 constexpr auto kTellAgain = std::chrono::milliseconds(10);
-constexpr std::size_t kPortion = kSectorsPerCommand * kAudioSectorBytes;
 
 bool WriteZeros(SectorPipe& pipe, std::uint64_t bytes, const std::function<void()>& step) {
   static const Bytes zeros(kPortion);
@@ -109,14 +108,14 @@ EngineError FeedTrack(SectorPipe& pipe, const ProjectTrack& track, const Planned
   if (!WriteZeros(pipe, std::uint64_t{plan.silence} * kAudioSectorBytes, step)) return engine::kPipeBroken;
   auto sound = track.open();
   if (!sound) return engine::kSourceOpen;
-  Bytes buffer(kPortion);
   for (std::uint64_t left = plan.bytes; left > 0;) {
-    const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(left, buffer.size()));
-    const auto got = (*sound)->Read(std::span(buffer).first(part));
+    const auto room = pipe.Room(static_cast<std::size_t>(std::min<std::uint64_t>(left, kPortion)));
+    if (room.empty()) return engine::kPipeBroken;
+    const auto got = (*sound)->Read(room);
     // A source that has become shorter would shift all tracks behind it.
-    if (!got || *got != part) return engine::kSourceRead;
-    if (!pipe.Write(ByteView(buffer).first(part))) return engine::kPipeBroken;
-    left -= part;
+    if (!got || *got != room.size()) return engine::kSourceRead;
+    pipe.Add(room.size());
+    left -= room.size();
     step();
   }
   return WriteZeros(pipe, plan.padding, step) ? engine::kNone : engine::kPipeBroken;
@@ -124,14 +123,15 @@ EngineError FeedTrack(SectorPipe& pipe, const ProjectTrack& track, const Planned
 
 bool SectorWriter::Step() {
   if (error_ != engine::kNone) return false;
-  const std::size_t got = pipe_.Read(buffer_);
-  const auto sectors = static_cast<std::int32_t>(got / kAudioSectorBytes);
+  const ByteView there = pipe_.Next(kPortion);
+  const auto sectors = static_cast<std::int32_t>(there.size() / kAudioSectorBytes);
   if (sectors == 0) return false;
-  const auto data = ByteView(buffer_).first(static_cast<std::size_t>(sectors) * kAudioSectorBytes);
+  const ByteView data = there.first(static_cast<std::size_t>(sectors) * kAudioSectorBytes);
   if (Failed(drive_.WriteSectors(next_, data))) {
     error_ = SenseNumber(kWriteFailed, drive_.LastSense());
     return false;
   }
+  pipe_.Drop(data.size());
   next_ = next_ + sectors;
   return true;
 }

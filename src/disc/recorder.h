@@ -96,7 +96,6 @@ class SectorWriter {
   CdDrive& drive_;
   Lba next_;
   EngineError error_ = engine::kNone;
-  Bytes buffer_ = Bytes(kSectorsPerCommand * kAudioSectorBytes);
 };
 
 // "Track 2: 100 Frames von 400 gebrannt (25%)..." in the words of the mode.

@@ -5,52 +5,57 @@
 namespace ts5::disc {
 namespace {
 
-constexpr auto kPatience = std::chrono::milliseconds(50);  // of ReadSome, for more than a little
+constexpr auto kPatience = std::chrono::milliseconds(50);  // of NextSome, for more than a little
 
 }  // namespace
 
 // What is copied lies in the part of the ring that the other side does not touch meanwhile: only the marks
 // need the lock.
+std::span<std::uint8_t> SectorPipe::Room(std::size_t most) {
+  std::unique_lock lock(mutex_);
+  const std::size_t enough = count_ == ring_.size() ? Quarter() : 1;
+  room_.wanted = enough;
+  room_.came.wait(lock, [&] { return readingClosed_ || ring_.size() - count_ >= enough; });
+  room_.wanted = 0;
+  if (readingClosed_) return {};
+  const std::size_t at = (first_ + count_) % ring_.size();
+  return std::span(ring_).subspan(at, std::min({most, ring_.size() - count_, ring_.size() - at}));
+}
+
+void SectorPipe::Add(std::size_t bytes) {
+  std::unique_lock lock(mutex_);
+  count_ += bytes;
+  data_.Tell(count_, lock);
+}
+
 bool SectorPipe::Write(ByteView bytes) {
   while (!bytes.empty()) {
-    std::size_t at = 0;
-    std::size_t room = 0;
-    {
-      std::unique_lock lock(mutex_);
-      const std::size_t enough = count_ == ring_.size() ? Quarter() : 1;
-      room_.wanted = enough;
-      room_.came.wait(lock, [&] { return readingClosed_ || ring_.size() - count_ >= enough; });
-      room_.wanted = 0;
-      if (readingClosed_) return false;
-      at = (first_ + count_) % ring_.size();
-      room = std::min(ring_.size() - count_, ring_.size() - at);
-    }
-    const std::size_t part = std::min(room, bytes.size());
-    std::copy_n(bytes.begin(), part, ring_.begin() + static_cast<std::ptrdiff_t>(at));
-    bytes = bytes.subspan(part);
-    std::unique_lock lock(mutex_);
-    count_ += part;
-    data_.Tell(count_, lock);
+    const auto room = Room(bytes.size());
+    if (room.empty()) return false;
+    std::copy_n(bytes.begin(), room.size(), room.begin());
+    bytes = bytes.subspan(room.size());
+    Add(room.size());
   }
   return true;
 }
 
-std::size_t SectorPipe::Read(std::span<std::uint8_t> out) {
-  std::size_t done = 0;
-  while (done < out.size()) {
-    const std::size_t part = Take(out.subspan(done), AwaitData(out.size() - done));
-    if (part == 0) break;
-    done += part;
-  }
-  return done;
+ByteView SectorPipe::Next(std::size_t bytes) {
+  return Piece(std::min(bytes, AwaitData(bytes)));
 }
 
-std::optional<std::size_t> SectorPipe::ReadSome(std::span<std::uint8_t> out) {
+void SectorPipe::Drop(std::size_t bytes) {
+  std::unique_lock lock(mutex_);
+  first_ = (first_ + bytes) % ring_.size();
+  count_ -= bytes;
+  room_.Tell(ring_.size() - count_, lock);
+}
+
+std::optional<ByteView> SectorPipe::NextSome(std::size_t bytes) {
   // Asked first: what came before the end was announced is there.
   const bool ended = Ended();
-  const std::size_t there = AwaitData(out.size(), kPatience);
+  const std::size_t there = AwaitData(bytes, kPatience);
   if (there == 0 && !ended) return std::nullopt;
-  return Take(out, there);
+  return Piece(std::min(bytes, there));
 }
 
 void SectorPipe::WaitForReserve() {
@@ -71,21 +76,6 @@ std::size_t SectorPipe::AwaitData(std::size_t bytes, std::optional<std::chrono::
   }
   data_.wanted = 0;
   return count_;
-}
-
-std::size_t SectorPipe::Take(std::span<std::uint8_t> out, std::size_t there) {
-  const std::size_t wanted = std::min(there, out.size());
-  for (std::size_t done = 0; done < wanted;) {
-    const std::size_t part = std::min(wanted - done, ring_.size() - first_);
-    std::copy_n(ring_.begin() + static_cast<std::ptrdiff_t>(first_), part,
-                out.begin() + static_cast<std::ptrdiff_t>(done));
-    done += part;
-    std::unique_lock lock(mutex_);
-    first_ = (first_ + part) % ring_.size();
-    count_ -= part;
-    room_.Tell(ring_.size() - count_, lock);
-  }
-  return wanted;
 }
 
 void SectorPipe::Close(bool& side) {

@@ -3,6 +3,7 @@
 // is enough of what it waits for.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -12,10 +13,14 @@
 #include <vector>
 
 #include "platform/base/bytes.h"
+#include "platform/disc/cd_drive.h"
 
 namespace ts5::disc {
 
 inline constexpr std::size_t kPipeBytes = 1'411'200;
+static_assert(kPipeBytes % kAudioSectorBytes == 0, "no sector lies in two pieces");
+// What one command reads or writes.
+inline constexpr std::size_t kPortion = kSectorsPerCommand * kAudioSectorBytes;
 
 class SectorPipe {
  public:
@@ -23,10 +28,16 @@ class SectorPipe {
 
   // Waits for room. False when nobody reads any more.
   [[nodiscard]] bool Write(ByteView bytes);
-  // Fills out, and waits for as much; less only at the end, 0 behind it.
-  [[nodiscard]] std::size_t Read(std::span<std::uint8_t> out);
-  // What there is, after a moment in which more may come; 0 at the end only, nothing when none came.
-  [[nodiscard]] std::optional<std::size_t> ReadSome(std::span<std::uint8_t> out);
+  // The same without a copy: waits for room, and says where the next bytes go, at least one and at most so
+  // many, in one piece; none when nobody reads any more. Add says how many of them came.
+  [[nodiscard]] std::span<std::uint8_t> Room(std::size_t most);
+  void Add(std::size_t bytes);
+  // Waits for so many bytes, and gives those that lie in one piece; fewer at the end, none behind it. Drop
+  // says how many of them are not needed any more.
+  [[nodiscard]] ByteView Next(std::size_t bytes);
+  void Drop(std::size_t bytes);
+  // The same with what there is after a moment in which more may come; nothing when none came.
+  [[nodiscard]] std::optional<ByteView> NextSome(std::size_t bytes);
   // Waits until it is half full or the end: the laser begins with a reserve.
   void WaitForReserve();
 
@@ -52,7 +63,10 @@ class SectorPipe {
                                       std::optional<std::chrono::milliseconds> patience = {});
   // Who has to wait waits for so much: it is not woken for a little.
   [[nodiscard]] std::size_t Quarter() const { return (ring_.size() + 3) / 4; }
-  [[nodiscard]] std::size_t Take(std::span<std::uint8_t> out, std::size_t there);
+  // Of so many bytes that are there those that lie in one piece.
+  [[nodiscard]] ByteView Piece(std::size_t bytes) const {
+    return ByteView(ring_).subspan(first_, std::min(bytes, ring_.size() - first_));
+  }
   void Close(bool& side);
   [[nodiscard]] bool Ended() const;
 

@@ -12,8 +12,6 @@
 namespace ts5::disc {
 namespace {
 
-constexpr std::size_t kPortionsTogether = 8;  // that are written at once when the drive is fast
-
 class DriveSound final : public SoundSource {
  public:
   DriveSound(TrackReader& reader, Lba first, std::uint32_t sectors)
@@ -79,17 +77,16 @@ std::uint32_t ReadTrackToFile(SoundSource& sound, const TrackFileOrder& order, W
   SilenceTrimmer trimmer(kBytesPerFrame, [&](ByteView frames) { return wave.Write(frames); });
   TrackProgress progress(order, events);
   ReadAhead ahead(sound, order.crc);
-  Bytes buffer(kPortionsTogether * kSectorsPerCommand * kAudioSectorBytes);
   for (std::uint32_t done = 0; done < order.sectors;) {
     if (events.stopped && events.stopped()) return engine::kStopped;
     progress.Tell(done);
-    const auto got = ahead.Read(buffer);
-    if (!got) continue;
-    if (*got == 0)
+    const auto sectors = ahead.Next();
+    if (!sectors) continue;
+    if (sectors->empty())
       return ahead.End() == Outcome::CdDriveFailed ? engine::kDiscChanged : engine::kSectorsUnreadable;
-    const ByteView data = ByteView(buffer).first(*got);
-    if (Failed(order.trim ? trimmer.Push(data) : wave.Write(data))) return engine::kFileNotWritten;
-    done += static_cast<std::uint32_t>(*got / kAudioSectorBytes);
+    if (Failed(order.trim ? trimmer.Push(*sectors) : wave.Write(*sectors))) return engine::kFileNotWritten;
+    ahead.Drop(*sectors);
+    done += static_cast<std::uint32_t>(sectors->size() / kAudioSectorBytes);
   }
   progress.Tell(order.sectors);
   if (order.trim && Failed(trimmer.Finish())) return engine::kNotTrimmed;

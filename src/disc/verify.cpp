@@ -92,21 +92,29 @@ class Comparison {
  public:
   Comparison(CdDrive& drive, Lba end) : drive_(drive), end_(end) {}
 
-  // The first sector that is another; nothing when all are the same.
-  std::optional<std::int32_t> Portion(Lba at, ByteView sent) {
+  DiscComparison Portion(Lba at, ByteView sent) {
     read_.resize(sent.size());
-    if (!Read(at, read_)) return at.value < 0 ? std::nullopt : std::optional(at.value);
-    if (std::ranges::equal(read_, sent)) return std::nullopt;
+    if (!Read(at, read_)) return at.value < 0 ? DiscComparison{} : FirstUnreadable(at);
+    if (std::ranges::equal(read_, sent)) return {};
     if (!offsetKnown_ && std::ranges::any_of(sent, [](std::uint8_t byte) { return byte != 0; })) {
       offsetKnown_ = true;
       offset_ = FindOffset(drive_, at, sent);
       if (offset_ != 0) return Portion(at, sent);
     }
     const auto difference = std::ranges::mismatch(read_, sent).in1 - read_.begin();
-    return at.value + static_cast<std::int32_t>(difference / static_cast<std::ptrdiff_t>(kAudioSectorBytes));
+    const auto sectors = difference / static_cast<std::ptrdiff_t>(kAudioSectorBytes);
+    return {Outcome::NotProven, at.value + static_cast<std::int32_t>(sectors)};
   }
 
  private:
+  DiscComparison FirstUnreadable(Lba at) {
+    const auto sectors = static_cast<std::int32_t>(read_.size() / kAudioSectorBytes);
+    const auto one = std::span(read_).first(kAudioSectorBytes);
+    std::int32_t readable = 0;
+    while (readable + 1 < sectors && Read(at + readable, one)) ++readable;
+    return {Outcome::ReadFailed, at.value + readable};
+  }
+
   bool Read(Lba at, std::span<std::uint8_t> out) {
     if (offset_ == 0) return Succeeded(drive_.ReadCdAudio(at, out));
     const auto bytes = static_cast<std::int32_t>(kAudioSectorBytes);
@@ -148,8 +156,8 @@ DiscComparison CompareRange(Comparison& comparison, SoundSource& sent, Lba at, L
       const std::size_t most = at.value < 0 ? static_cast<std::size_t>(-at.value) : kSectorsPerCommand;
       const auto count =
           std::min({left.size(), most * kAudioSectorBytes, kSectorsPerCommand * kAudioSectorBytes});
-      if (const auto different = comparison.Portion(at, left.first(count)))
-        return {Outcome::NotProven, *different};
+      if (const DiscComparison compared = comparison.Portion(at, left.first(count)); Failed(compared.outcome))
+        return compared;
       left = left.subspan(count);
       at = at + static_cast<std::int32_t>(count / kAudioSectorBytes);
       if (watch.progress) watch.progress((at.value + kPregapSectors) / sectorsOfDisc);

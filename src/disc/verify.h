@@ -12,10 +12,10 @@
 namespace ts5::disc {
 
 struct DiscComparison {
-  // Success: all is the same. NotProven: it is another. SourceFailed: what was sent cannot be read any more.
-  // Cancelled.
+  // Success: all is the same. NotProven: it is another. ReadFailed: the disc cannot be read there.
+  // SourceFailed: what was sent cannot be read any more. Cancelled.
   Outcome outcome = Outcome::Success;
-  std::int32_t sector = 0;  // the first that is another
+  std::int32_t sector = 0;  // the first that is another, or cannot be read
 };
 
 // Compares all that was sent: where tracks begin, their codes, every sample. Drives that write and read a few

@@ -151,17 +151,18 @@ TEST(SectorPipe, KeepsOrderAndEndsFromBothSides) {
   // What is read at once is more than the pipe holds, or less.
   for (const std::size_t capacity : {1U, 10U, 333U, 1000U}) {
     for (const bool some : {false, true}) {
-      const auto read = [some](SectorPipe& pipe, std::span<std::uint8_t> out) {
+      const auto next = [some](SectorPipe& pipe) {
         while (some)
-          if (const auto got = pipe.ReadSome(out)) return *got;
-        return pipe.Read(out);
+          if (const auto got = pipe.NextSome(333)) return *got;
+        return pipe.Next(333);
       };
       SectorPipe pipe(capacity);
       Bytes got;
       std::jthread reader([&] {
-        Bytes part(333);
-        for (std::size_t count = read(pipe, part); count > 0; count = read(pipe, part))
-          got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count));
+        for (ByteView part = next(pipe); !part.empty(); part = next(pipe)) {
+          got.insert(got.end(), part.begin(), part.end());
+          pipe.Drop(part.size());
+        }
       });
       EXPECT_TRUE(pipe.Write(sent));
       pipe.CloseWriting();
@@ -194,9 +195,11 @@ TEST(ReadAhead, GivesAllUpToTheFailureAndLetsGoBeforeTheEnd) {
   Bytes got;
   {
     ReadAhead ahead(sound, &crc);
-    Bytes part(100 * kAudioSectorBytes);
-    for (auto count = ahead.Read(part); count != 0; count = ahead.Read(part))
-      got.insert(got.end(), part.begin(), part.begin() + static_cast<std::ptrdiff_t>(count.value_or(0)));
+    for (auto part = ahead.Next(); !part || !part->empty(); part = ahead.Next()) {
+      if (!part) continue;
+      got.insert(got.end(), part->begin(), part->end());
+      ahead.Drop(*part);
+    }
   }
   EXPECT_EQ(got, Bytes(kSound, 3));
   Crc32 whole;
@@ -204,8 +207,10 @@ TEST(ReadAhead, GivesAllUpToTheFailureAndLetsGoBeforeTheEnd) {
   EXPECT_EQ(crc.Value(), whole.Value());
 
   BytesSound left(Bytes(2 * kSound));
-  Bytes one(kAudioSectorBytes);
-  EXPECT_EQ(ReadAhead(left, nullptr).Read(one), one.size());
+  ReadAhead ahead(left, nullptr);
+  std::optional<ByteView> first;
+  while (!first) first = ahead.Next();
+  EXPECT_FALSE(first->empty());
 }
 
 // --- steps without threads

@@ -201,6 +201,9 @@ TEST_P(BurnFaults, HaveACodeAndSpoilNoMoreThanTheyMust) {
   if (fault.code == code::kDiscNotBurnt || fault.code == code::kTrackNotBurnt) {
     EXPECT_EQ(result.remarks.size(), 2U) << testing::PrintToString(result.remarks);
   }
+  if (fault.code == code::kNotReadBack) {
+    EXPECT_THAT(result.remarks, testing::ElementsAre(testing::HasSubstr("ab Sektor 400 nicht")));
+  }
   EXPECT_EQ(StatusName(RecordedDisc::Load(disc)->status), StatusName(fault.status));
 }
 
@@ -227,8 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
                   code::kNotSimulated, Status::Blank},
         FaultCase{"Track", R"([{"op":"2A","lba":30,"sense":"03/0C/00"}])", "BurnDisc-at-Once=0",
                   code::kTrackNotBurnt, Status::Damaged},
-        FaultCase{"ReadBack", R"([{"op":"BE","times":9,"lba":400,"sense":"03/11/00"}])", "",
-                  code::kNotVerified, Status::Finalized},
+        FaultCase{"ReadBack", R"([{"op":"BE","times":99,"lba":400,"sense":"03/11/00"}])", "",
+                  code::kNotReadBack, Status::Finalized},
         FaultCase{"BufferFull", R"([{"op":"2A","skip":2,"times":3,"sense":"02/04/08"}])", "", 0,
                   Status::Finalized}),
     [](const testing::TestParamInfo<FaultCase>& param) { return param.param.name; });

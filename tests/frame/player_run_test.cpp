@@ -6,7 +6,9 @@
 
 #include <chrono>
 
+#include "frame/practice_book.h"
 #include "frame/run_support.h"
+#include "support/test_data.h"
 
 namespace ts5 {
 namespace {
@@ -75,7 +77,9 @@ class PlayerRunTest : public testing::Test {
         PlayerRemarks(texts::PlayerMidiDeviceFailed, {Code(Outcome::DamagedMidi), texts::RemarkDamagedMidi});
     module.remarks = kRemarks;
     host_ = std::make_shared<test::RecordingHost>();
-    return test::RunJob(test::ListJob(titles, module), module, {}, host_, {.practices = practices_});
+    RunSetup setup{.job = test::ListJob(titles, module)};
+    setup.practices = practices_;
+    return test::RunJob(setup.job, module, {}, host_, setup);
   }
   static std::vector<std::uint32_t> Counts(const RunResult& result) {
     return {result.counts[0], result.counts[1], result.counts[2]};

@@ -7,6 +7,7 @@
 #include "platform/base/text.h"
 #include "platform/disc/mmc_replies.h"
 #include "platform/files/files.h"
+#include "platform/files/flush_group.h"
 #include "platform/files/json_value.h"
 #include "platform/files/paths.h"
 
@@ -179,14 +180,19 @@ Outcome RecordedDisc::Save() const {
                                            {"mcn", layout.catalogue},
                                            {"sessions", std::move(sessions)},
                                            {"cdtext", std::move(texts)}};
+  FlushGroup together;
   if (layout.tracks.empty()) {
     if (FileExists(CueFile(directory)))
       if (const Outcome removed = RemoveFile(CueFile(directory)); Failed(removed)) return removed;
   } else {
-    const Outcome written = WriteFile(CueFile(directory), AsBytes(CueText(*this)));
+    const std::string cue = CueText(*this);
+    const auto there = ReadFile(CueFile(directory), kMostDescription);
+    const bool same = there && AsText(*there) == cue;
+    const Outcome written = same ? Outcome::Success : WriteFile(CueFile(directory), AsBytes(cue));
     if (Failed(written)) return written;
   }
-  return WriteFile(JsonFile(directory), AsBytes(json.Text() + "\n"));
+  const Outcome written = WriteFile(JsonFile(directory), AsBytes(json.Text() + "\n"));
+  return Failed(written) ? written : together.FlushDirectories();
 }
 
 Outcome RecordedDisc::Erase() {

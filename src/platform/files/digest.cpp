@@ -1,6 +1,6 @@
 #include "platform/files/digest.h"
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 #include <QByteArray>
 #include <QCryptographicHash>
@@ -16,7 +16,7 @@ std::string Sha256Hex(ByteView bytes) {
 }
 
 void Crc32::Add(ByteView bytes) {
-  value_ = static_cast<std::uint32_t>(::crc32_z(value_, bytes.data(), bytes.size()));
+  value_ = ::libdeflate_crc32(value_, bytes.data(), bytes.size());
 }
 
 std::string Crc32::Text() const {

@@ -1,6 +1,7 @@
 #include "platform/files/flush_group.h"
 
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "platform/files/file_steps.h"
@@ -19,13 +20,11 @@ FlushGroup*& OfThisThread() {
 
 }  // namespace
 
-FlushGroup::FlushGroup() {
-  OfThisThread() = this;
-}
+FlushGroup::FlushGroup() : outer_(std::exchange(OfThisThread(), this)) {}
 
 FlushGroup::~FlushGroup() {
   (void)FlushDirectories();
-  OfThisThread() = nullptr;
+  OfThisThread() = outer_;
 }
 
 FlushGroup* FlushGroup::Current() {

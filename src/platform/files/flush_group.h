@@ -31,12 +31,13 @@ class FlushGroup {
   void FlushContents(std::span<StagedFile* const> files);
   [[nodiscard]] Outcome FlushDirectories();  // WriteFailed: of one of them at least
 
-  // For StagedFile. The group of this thread; nullptr when there is none.
+  // For StagedFile. The innermost group of this thread; nullptr when there is none.
   [[nodiscard]] static FlushGroup* Current();
   [[nodiscard]] bool HasFlushed(const std::string& path) const { return flushed_.contains(path); }
   void AddDirectory(std::string directory) { directories_.insert(std::move(directory)); }
 
  private:
+  FlushGroup* outer_;
   std::set<std::string> flushed_;      // paths of staged files
   std::set<std::string> directories_;  // with new names
 };
