@@ -12,6 +12,7 @@
 #include <QTabWidget>
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace ts5 {
 namespace {
@@ -60,6 +61,32 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   dialog.resize(std::max(dialog.width(), rows->totalMinimumSize().width()), room);
 }
 
+// What a layout and those in it place, in their order.
+void CollectPlaces(const QLayout& layout, std::vector<const QWidget*>& places) {
+  for (int i = 0; i < layout.count(); ++i) {
+    if (const QWidget* const widget = layout.itemAt(i)->widget()) places.push_back(widget);
+    if (const QLayout* const inner = layout.itemAt(i)->layout()) CollectPlaces(*inner, places);
+  }
+}
+
+// The tab key goes through the places of the window in their order, also to what was put into them behind the
+// template; within each the order is its own.
+void TabInOrder(QDialog& dialog) {
+  std::vector<const QWidget*> places;
+  CollectPlaces(*dialog.layout(), places);
+  const auto rank = [&places](const QWidget* control) {
+    return std::ranges::find_if(
+        places, [control](const QWidget* place) { return place == control || place->isAncestorOf(control); });
+  };
+  std::vector<QWidget*> stops;
+  for (QWidget* at = dialog.nextInFocusChain(); at != &dialog; at = at->nextInFocusChain()) {
+    if (at->focusPolicy() != Qt::NoFocus && at->focusProxy() == nullptr && at->window() == &dialog)
+      stops.push_back(at);
+  }
+  std::ranges::stable_sort(stops, {}, rank);
+  for (std::size_t i = 1; i < stops.size(); ++i) QWidget::setTabOrder(stops[i - 1], stops[i]);
+}
+
 }  // namespace
 
 HostedDialog::HostedDialog(DialogHost& host, QString prompt, QWidget* parent)
@@ -97,6 +124,7 @@ void HostedDialog::showEvent(QShowEvent* event) {
     width_ = std::min(width(), room.width());
     const int wanted = std::max({height(), sizeHint().height(), rows->totalHeightForWidth(width_)});
     resize(width_, std::min(wanted, room.height()));
+    TabInOrder(*this);
     ScrollOnSmallScreens(*this, LeastHeight(), room.height());
     StayWhole();
   }
