@@ -1,6 +1,7 @@
 #include "frame/ui/hosted_dialog.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QKeyEvent>
@@ -116,6 +117,11 @@ void HostedDialog::showEvent(QShowEvent* event) {
   for (QPushButton* const button : findChildren<QPushButton*>()) {
     if (button->minimumWidth() < button->maximumWidth())
       button->setMinimumWidth(std::max(button->minimumWidth(), button->minimumSizeHint().width()));
+  }
+  // Rows that were laid out before the list had its style would be too low.
+  for (QAbstractItemView* const list : findChildren<QAbstractItemView*>()) {
+    if (list->isVisible()) list->doItemsLayout();
+    if (list->currentIndex().isValid()) list->scrollTo(list->currentIndex());
   }
   // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
   // dialogs on small screens.
