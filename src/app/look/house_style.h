@@ -1,5 +1,5 @@
-// The widget style under all appearances: the toolkit's Fusion with the program's own signs in message boxes,
-// and buttons that bear words only.
+// The widget style under all appearances: the toolkit's Fusion with the program's own signs in message
+// boxes and file dialogs, and buttons that bear words only.
 #pragma once
 
 #include <QProxyStyle>
