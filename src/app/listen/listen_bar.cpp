@@ -20,6 +20,7 @@ constexpr int kSlimHeight = 28;
 constexpr int kVolumeWidth = 80;
 constexpr int kNarrowVolumeWidth = 50;
 constexpr int kTitleWidth = 60;
+constexpr int kTitleGap = 8;
 constexpr int kPositionWidth = 90;
 constexpr int kNarrowBar = 560;
 constexpr int kSoftest = -60;  // decibels; below it the slider means silence
@@ -149,7 +150,7 @@ void ListenBar::ShowTitle() {
 // What the name leaves is the position's.
 void ListenBar::ShowName(const QString& name, const QString& path) {
   title_->ShowLine(name, path);
-  title_->setMaximumWidth(std::max(title_->fontMetrics().horizontalAdvance(name) + 1, kTitleWidth));
+  title_->setMaximumWidth(std::max(title_->fontMetrics().horizontalAdvance(name) + kTitleGap, kTitleWidth));
 }
 
 // In place of the position, as there is none.
