@@ -110,12 +110,14 @@ class TallDialog : public HostedDialog {
 TEST(HostedDialogTest, WhatIsHigherThanTheScreenScrollsAboveItsButtons) {
   RecordingHost host;
   TallDialog dialog(host);
+  const auto fields = dialog.findChildren<QLineEdit*>();
+  fields[1]->setFocus();
   dialog.show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  EXPECT_TRUE(fields[1]->hasFocus());
   EXPECT_LT(dialog.height(), dialog.screen()->availableGeometry().height());
   EXPECT_TRUE(dialog.rect().contains(dialog.ok->geometry()));
   EXPECT_THAT(UnreachableControls(dialog), IsEmpty());
-  const auto fields = dialog.findChildren<QLineEdit*>();
   fields.back()->setFocus();
   QApplication::processEvents();
   EXPECT_FALSE(fields.back()->visibleRegion().isEmpty()) << "the keyboard brings it into sight";

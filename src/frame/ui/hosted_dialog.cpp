@@ -42,6 +42,7 @@ void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
 void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   auto* const rows = qobject_cast<QVBoxLayout*>(dialog.layout());
   if (rows == nullptr || rows->count() < 2 || needed <= room) return;
+  QWidget* const first = dialog.focusWidget();  // which a move takes the focus from
   auto* const area = new QScrollArea(&dialog);
   auto* const content = new QWidget(area);
   auto* const inner = new QVBoxLayout(content);
@@ -60,6 +61,7 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   });
   rows->activate();
   dialog.resize(std::max(dialog.width(), rows->totalMinimumSize().width()), room);
+  if (first != nullptr) first->setFocus();
 }
 
 // What a layout and those in it place, in their order.
