@@ -13,6 +13,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kSignSize = 48;
+constexpr int kMoreExtent = 24;  // of the button with what a bar has no room for
 
 // "" for signs that the toolkit draws.
 std::string_view SignOf(QStyle::StandardPixmap sign) {
@@ -24,6 +25,8 @@ std::string_view SignOf(QStyle::StandardPixmap sign) {
     case QStyle::SP_MessageBoxWarning:
     case QStyle::SP_MessageBoxCritical:
       return "warning";
+    case QStyle::SP_ToolBarHorizontalExtensionButton:
+      return "more";
     case QStyle::SP_DirIcon:
       return "closeddiricon";
     case QStyle::SP_ArrowBack:
@@ -53,6 +56,11 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
   // sheet and cuts its last line.
   if (hint == SH_DialogButtonBox_ButtonsHaveIcons || hint == SH_ComboBox_Popup) return 0;
   return QProxyStyle::styleHint(hint, option, widget, answer);
+}
+
+int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+  if (metric == PM_ToolBarExtensionExtent) return kMoreExtent;
+  return QProxyStyle::pixelMetric(metric, option, widget);
 }
 
 void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
