@@ -64,6 +64,17 @@ inline QString AccessibleTree(QAccessibleInterface* node, int depth = 0) {
   return line;
 }
 
+// The controls of a shown window in the order in which the tab key goes through them.
+inline QList<QWidget*> TabStops(const QWidget& window) {
+  QList<QWidget*> stops;
+  for (QWidget* at = window.nextInFocusChain(); at != nullptr && at != &window; at = at->nextInFocusChain()) {
+    if (at->window() == &window && at->isVisible() && at->isEnabled() && at->focusProxy() == nullptr &&
+        (at->focusPolicy() & Qt::TabFocus) != 0)
+      stops << at;
+  }
+  return stops;
+}
+
 // The visible controls of a shown window that the keyboard cannot reach although they can be operated.
 inline QStringList UnreachableControls(QWidget& window) {
   QStringList unreachable;

@@ -51,7 +51,7 @@ inline std::vector<PlacedText> PlacedTexts(const QWidget& window, QStringList& o
     if (!widget->isVisibleTo(&window) || widget->window() != &window) continue;
     QString text = TextShownBy(*widget);
     const auto* const parent = widget->parentWidget();
-    if (text.isEmpty() || qobject_cast<const QComboBox*>(parent) != nullptr) continue;
+    if (text.trimmed().isEmpty() || qobject_cast<const QComboBox*>(parent) != nullptr) continue;
     QRect place = RoomOf(*widget);
     bool scrolls = false;
     bool cut = false;

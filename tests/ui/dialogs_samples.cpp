@@ -5,9 +5,11 @@
 #include <QTemporaryDir>
 #include <cmath>
 
+#include "app/run/run_panel.h"
 #include "app/shell/about_dialog.h"
 #include "app/shell/help_window.h"
 #include "app/shell/splash.h"
+#include "app/texts.h"
 #include "audio/encode/encoder.h"
 #include "audio/encode/ui/ape_dialog.h"
 #include "audio/encode/ui/compress_dialog.h"
@@ -30,8 +32,12 @@
 #include "converters/ui/xml_converter_dialog.h"
 #include "converters/ui/xml_properties_dialog.h"
 #include "dialogs_support.h"
+#include "disc/texts.h"
+#include "frame/filter_catalogue.h"
 #include "frame/texts.h"
+#include "frame/ui/file_dialogs.h"
 #include "frame/ui/job_dialog.h"
+#include "frame/ui/message_box.h"
 #include "frame/ui/playback_window.h"
 #include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
@@ -41,6 +47,7 @@
 #include "midi/ui/midi_properties_dialog.h"
 #include "midi/ui/riff_attributes_dialog.h"
 #include "platform/base/strings.h"
+#include "platform/base/text.h"
 #include "preview/ui/preview_window.h"
 
 namespace ts5 {
@@ -185,6 +192,42 @@ std::unique_ptr<QWidget> SettingsPage(DialogHost& host, int page) {
   return dialog;
 }
 
+// In the middle of a long step, or of a search.
+std::unique_ptr<QWidget> RunSample(FilterId filter) {
+  auto panel = std::make_unique<RunPanel>();
+  panel->SetFilter(filter);
+  if (IsSearch(filter)) panel->BeginSearch({}, OldSearchResults::Delete, {});
+  RunNews news;
+  news.progress = RunProgress{.item = 3,
+                              .items = 12,
+                              .fraction = 0.4,
+                              .elapsed = std::chrono::minutes(4),
+                              .remaining = std::chrono::minutes(7),
+                              .buffer = 0.9};
+  news.task = Format(Text(texts::DiscBurnt), 12'345, 345'678, 12, '%', 3);
+  news.status = Text(texts::CalibrationRefused);
+  news.lines = {"Der Mond ist aufgegangen.wav", std::string(Text(texts::NotHurried))};
+  news.hits.resize(3);
+  for (SearchHit& hit : news.hits) hit.file = "/home/clara/Musik/Chor/Freude, schöner Götterfunken.rmi";
+  (void)panel->Take(news);
+  return panel;
+}
+
+// The longest question that there is, above all the buttons that a box can have.
+std::unique_ptr<QWidget> LongQuestion() {
+  auto box = std::make_unique<MessageBox>(nullptr, QMessageBox::Question, QtText(texts::AskCueSheet));
+  for (const TextId text :
+       {texts::ButtonSaveAgain, texts::ButtonSaveElsewhere, texts::ButtonDiscardSession, texts::ButtonCancel})
+    box->addButton(QtText(text), QMessageBox::ActionRole);
+  return box;
+}
+
+std::unique_ptr<QWidget> FileSample(DialogHost& host, FileDialogKind kind, std::string_view filter = {}) {
+  return MakeFileDialog(
+      {.title = "Datei", .start = "/usr/share", .filter = filter, .helpTopic = "inhalt.htm"}, kind, &host,
+      nullptr);
+}
+
 }  // namespace
 
 const std::vector<WindowSample>& WindowSamples() {
@@ -193,6 +236,37 @@ const std::vector<WindowSample>& WindowSamples() {
        [](DialogHost& host) {
          auto dialog = std::make_unique<ResultsDialog>(SampleResult(), true, host, nullptr);
          dialog->findChild<QPushButton*>("detailsButton")->click();
+         return dialog;
+       }},
+      {"RESULTS-frage",
+       [](DialogHost& host) {
+         auto dialog = std::make_unique<ResultsDialog>(SampleResult(), false, host, nullptr);
+         dialog->ShowQuestion(QtText(texts::AskQuit));
+         dialog->OfferUndo(3);
+         return dialog;
+       }},
+      {"Lauf", [](DialogHost&) { return RunSample(FilterId::CdBurner); }},
+      {"Lauf-suche", [](DialogHost&) { return RunSample(FilterId::MidiSearch); }},
+      {"Frage", [](DialogHost&) { return LongQuestion(); }},
+      {"Frage-pfad",
+       [](DialogHost&) {
+         const QString path = QString("/Kammerchor-St.-Anna_Aufnahmen-2024").repeated(6) + ".mid";
+         return std::make_unique<MessageBox>(nullptr, QMessageBox::Warning, "Das Ziel ist da:\n" + path,
+                                             QMessageBox::Yes | QMessageBox::No);
+       }},
+      {"Datei-oeffnen",
+       [](DialogHost& host) {
+         return FileSample(host, FileDialogKind::OpenSeveral, Text(texts::SaveSessionFilter));
+       }},
+      {"Datei-speichern",
+       [](DialogHost& host) {
+         return FileSample(host, FileDialogKind::Save, Text(texts::SaveSessionFilter));
+       }},
+      {"Verzeichnis", [](DialogHost& host) { return FileSample(host, FileDialogKind::Directory); }},
+      {"Farbe",
+       [](DialogHost&) {
+         auto dialog = std::make_unique<QColorDialog>();
+         dialog->setOption(QColorDialog::DontUseNativeDialog);
          return dialog;
        }},
       {"CREATEJOB",

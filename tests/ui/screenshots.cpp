@@ -50,6 +50,14 @@ int main(int argc, char** argv) {
         QFile tree(directory.filePath(QLatin1String(sample.name) + QStringLiteral(".txt")));
         if (tree.open(QIODevice::WriteOnly))
           tree.write(ts5::AccessibleTree(QAccessible::queryAccessibleInterface(window.get())).toUtf8());
+        for (QWidget* const stop : ts5::TabStops(*window)) {
+          const QPoint place = stop->mapTo(window.get(), QPoint());
+          tree.write(QStringLiteral("Tab %1,%2 %3\n")
+                         .arg(place.x())
+                         .arg(place.y())
+                         .arg(QAccessible::queryAccessibleInterface(stop)->text(QAccessible::Name))
+                         .toUtf8());
+        }
         const QString file = QStringLiteral("%1-%2-%3.png")
                                  .arg(QLatin1String(sample.name), QLatin1String(layoutName),
                                       QLatin1String(dark ? "dunkel" : "hell"));

@@ -147,6 +147,7 @@ TEST_F(RunStory, AnInterruptedRunIsOfferedAndGoesOn) {
     Start();
     ASSERT_TRUE(WaitForEnd());
     EXPECT_EQ(results.find("\n3\n") != std::string::npos, !later);
+    EXPECT_EQ(W().Panels().Current().FilesBar()->isVisible(), !later) << "beside the list of hits of its job";
   }
   EXPECT_THAT(test::Listing(directory_.Path()), HasSubstr("neu c.mid"));
   EXPECT_THAT(test::Listing(directory_.Path()), Not(HasSubstr("neu a.mid"))) << "it was done before";

@@ -20,6 +20,7 @@ constexpr int kSlimHeight = 28;
 constexpr int kVolumeWidth = 80;
 constexpr int kNarrowVolumeWidth = 50;
 constexpr int kTitleWidth = 60;
+constexpr int kTitleGap = 8;
 constexpr int kPositionWidth = 90;
 constexpr int kNarrowBar = 560;
 constexpr int kSoftest = -60;  // decibels; below it the slider means silence
@@ -31,7 +32,7 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
       listener_(listener),
       play_(MakeButton("listenPlay", texts::ListenPlay, "play")),
       stop_(MakeButton("listenStop", texts::ListenStop, "stop")),
-      title_(new QLabel(this)),
+      title_(new ElidedLabel(this)),
       position_(new PositionSlider(this)),
       time_(new QLabel(this)),
       loudness_(new QLabel(this)),
@@ -42,8 +43,6 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   setAccessibleName(QtText(texts::ListenBarName));
   setFrameShape(StyledPanel);
   title_->setObjectName("listenTitle");
-  title_->setTextFormat(Qt::PlainText);
-  title_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   title_->setMinimumWidth(kTitleWidth);
   position_->setObjectName("listenPosition");
   position_->setMinimumSize(kPositionWidth, kSlimHeight);
@@ -72,8 +71,8 @@ ListenBar::ListenBar(Listener& listener, std::int32_t volume, QWidget* parent)
   rows->addLayout(layout);
   rows->addWidget(practice_);
   for (QWidget* const widget : std::initializer_list<QWidget*>{play_, stop_}) layout->addWidget(widget);
-  layout->addWidget(title_, 2);
-  layout->addWidget(position_, 3);
+  layout->addWidget(title_, 1);
+  layout->addWidget(position_, 1);
   layout->addWidget(time_);
   loudness_->setPixmap(Icon("wavdevicon").pixmap(16));
   loudness_->setToolTip(QtText(texts::ListenVolume));
@@ -143,19 +142,22 @@ void ListenBar::StopOrGo() {
 
 void ListenBar::ShowTitle() {
   refused_ = false;
-  name_ = ToQt(FileNameOf(listener_.Title()->path));
-  title_->setWordWrap(false);
-  title_->setToolTip(ToQt(listener_.Title()->path));
+  ShowName(ToQt(FileNameOf(listener_.Title()->path)), ToQt(listener_.Title()->path));
   for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->show();
   show();
+}
+
+// What the name leaves is the position's.
+void ListenBar::ShowName(const QString& name, const QString& path) {
+  title_->ShowLine(name, path);
+  title_->setMaximumWidth(std::max(title_->fontMetrics().horizontalAdvance(name) + kTitleGap, kTitleWidth));
 }
 
 // In place of the position, as there is none.
 void ListenBar::ShowRefusal(const QString& why) {
   refused_ = true;
-  title_->setWordWrap(true);
-  title_->setText(why);
-  title_->setToolTip(why);
+  title_->ShowParagraph(why);
+  title_->setMaximumWidth(QWIDGETSIZE_MAX);
   for (QWidget* const widget : std::initializer_list<QWidget*>{position_, time_}) widget->hide();
   show();
 }
@@ -173,19 +175,16 @@ void ListenBar::Refresh() {
     shown_ = status.score;
     if (plays && practice_->Practises()) practise_->setChecked(true);
   }
-  if (plays && !status.name.empty()) name_ = ToQt(status.name);
-  if (!refused_) {
-    const QString fitting = title_->fontMetrics().elidedText(name_, Qt::ElideMiddle, title_->width());
-    if (title_->text() != fitting) title_->setText(fitting);
-  }
+  const QString name = ToQt(status.name);
+  if (plays && !refused_ && !name.isEmpty() && title_->text() != name) ShowName(name, title_->toolTip());
   const QString time = plays ? ToQt(ListenTimeText(status)) : QString();
   if (time_->text() != time) time_->setText(time);
   const bool pausable = plays && !status.paused;
-  const QString name = QtText(pausable ? texts::ListenPause : texts::ListenPlay);
-  if (play_->accessibleName() == name) return;
+  const QString does = QtText(pausable ? texts::ListenPause : texts::ListenPlay);
+  if (play_->accessibleName() == does) return;
   play_->setIcon(Icon(pausable ? "pause" : "play"));
-  play_->setAccessibleName(name);
-  play_->setToolTip(name);
+  play_->setAccessibleName(does);
+  play_->setToolTip(does);
 }
 
 }  // namespace ts5

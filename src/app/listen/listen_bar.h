@@ -9,6 +9,7 @@
 #include <QToolButton>
 
 #include "app/listen/listener.h"
+#include "frame/ui/elided_label.h"
 #include "frame/ui/position_slider.h"
 #include "frame/ui/practice_panel.h"
 
@@ -37,6 +38,7 @@ class ListenBar : public QFrame {
   // In a narrow bar the position goes before the bar's number and the sign of the volume.
   [[nodiscard]] bool Narrow() const;
   void ShowTitle();
+  void ShowName(const QString& name, const QString& path);
   void ShowRefusal(const QString& why);
   void Refresh();  // what moves while a title plays
   [[nodiscard]] QToolButton* MakeButton(const char* name, TextId text, std::string_view icon);
@@ -44,15 +46,14 @@ class ListenBar : public QFrame {
   Listener& listener_;
   QToolButton* play_;
   QToolButton* stop_;
-  QLabel* title_;
+  ElidedLabel* title_;
   PositionSlider* position_;
   QLabel* time_;
   QLabel* loudness_;  // the sign beside the volume
   QSlider* volume_;
   QToolButton* practise_;
   PracticePanel* practice_;
-  QString name_;                              // of the title
-  bool refused_ = false;                      // in its place stands why it does not sound
+  bool refused_ = false;                      // in place of the title stands why it does not sound
   std::shared_ptr<const PlayerScore> shown_;  // of the title that was looked at last
   QTimer timer_;
 };

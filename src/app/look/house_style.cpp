@@ -1,6 +1,8 @@
 #include "app/look/house_style.h"
 
+#include <QAbstractItemView>
 #include <QIcon>
+#include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
 #include <string_view>
@@ -11,6 +13,7 @@ namespace ts5 {
 namespace {
 
 constexpr int kSignSize = 48;
+constexpr int kMoreExtent = 24;  // of the button with what a bar has no room for
 
 // "" for signs that the toolkit draws.
 std::string_view SignOf(QStyle::StandardPixmap sign) {
@@ -22,6 +25,22 @@ std::string_view SignOf(QStyle::StandardPixmap sign) {
     case QStyle::SP_MessageBoxWarning:
     case QStyle::SP_MessageBoxCritical:
       return "warning";
+    case QStyle::SP_ToolBarHorizontalExtensionButton:
+      return "more";
+    case QStyle::SP_DirIcon:
+      return "closeddiricon";
+    case QStyle::SP_ArrowBack:
+      return "back";
+    case QStyle::SP_ArrowForward:
+      return "forward";
+    case QStyle::SP_FileDialogToParent:
+      return "up";
+    case QStyle::SP_FileDialogNewFolder:
+      return "newfolder";
+    case QStyle::SP_FileDialogListView:
+      return "listview";
+    case QStyle::SP_FileDialogDetailedView:
+      return "detailview";
     default:
       return {};
   }
@@ -39,8 +58,23 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
   return QProxyStyle::styleHint(hint, option, widget, answer);
 }
 
+int HouseStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+  if (metric == PM_ToolBarExtensionExtent) return kMoreExtent;
+  return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
 void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                const QWidget* widget) const {
+  const auto* const focus = qstyleoption_cast<const QStyleOptionFocusRect*>(option);
+  if (element == PE_FrameFocusRect && focus != nullptr &&
+      (widget == nullptr || qobject_cast<const QAbstractItemView*>(widget) != nullptr)) {
+    // The toolkit's lies over the text of a row like a veil.
+    const bool chosen = focus->backgroundColor == focus->palette.color(QPalette::Highlight);
+    painter->setPen(focus->palette.color(chosen ? QPalette::HighlightedText : QPalette::Highlight));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(focus->rect.adjusted(0, 0, -1, -1));
+    return;
+  }
   const auto* const item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
   if (element != PE_IndicatorItemViewItemCheck || item == nullptr || widget == nullptr)
     return QProxyStyle::drawPrimitive(element, option, painter, widget);

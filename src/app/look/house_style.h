@@ -1,5 +1,5 @@
-// The widget style under all appearances: the toolkit's Fusion with the program's own signs in message boxes,
-// and buttons that bear words only.
+// The widget style under all appearances: the toolkit's Fusion with the program's own signs in message
+// boxes and file dialogs, and buttons that bear words only.
 #pragma once
 
 #include <QProxyStyle>
@@ -12,6 +12,7 @@ class HouseStyle : public QProxyStyle {
 
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                 QStyleHintReturn* answer) const override;
+  int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
   void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                      const QWidget* widget) const override;
   QIcon standardIcon(StandardPixmap sign, const QStyleOption* option, const QWidget* widget) const override;

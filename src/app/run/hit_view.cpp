@@ -95,10 +95,13 @@ void HitView::selectionChanged(const QItemSelection& selected, const QItemSelect
 void HitView::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
   if (model_.rowCount() > 0) return;
+  const SearchStatistics& done = model_.Results().Record().statistics;
+  const bool inVain = done.searched > 0 && done.hits == 0;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::Disabled, QPalette::Text));
   painter.drawText(viewport()->rect().adjusted(12, 12, -12, -12),
-                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, QtText(texts::NoHitsYet));
+                   Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap,
+                   QtText(inVain ? texts::NoHitsAtAll : texts::NoHitsYet));
 }
 
 bool HitView::viewportEvent(QEvent* event) {

@@ -1,10 +1,10 @@
 #include "app/run/interrupted_runs.h"
 
-#include <QMessageBox>
 #include <QPushButton>
 
 #include "app/texts.h"
 #include "frame/texts.h"
+#include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 
 namespace ts5 {
@@ -16,10 +16,8 @@ void InterruptedRuns::Offer(const std::vector<std::shared_ptr<RunJournal>>& runs
 QDialog* InterruptedRuns::MakeQuestion(const std::shared_ptr<RunJournal>& run) {
   const std::string text = std::string(Text(texts::RunWasInterrupted)) + "\n\n" + InterruptedText(*run) +
                            "\n\n" + std::string(Text(texts::AskGoOnWithRun));
-  auto* box = new QMessageBox(QMessageBox::Question, QtText(texts::ApplicationTitle), ToQt(text),
-                              QMessageBox::NoButton, desk_.Window());
+  auto* box = new MessageBox(desk_.Window(), QMessageBox::Question, ToQt(text));
   box->setObjectName("interruptedRun");
-  box->setTextFormat(Qt::PlainText);
   const QPushButton* const goOn = box->addButton(QtText(texts::ButtonGoOn), QMessageBox::AcceptRole);
   QPushButton* const later = box->addButton(QtText(texts::ButtonLater), QMessageBox::RejectRole);
   const QPushButton* const drop = box->addButton(QtText(texts::ButtonDropRun), QMessageBox::DestructiveRole);

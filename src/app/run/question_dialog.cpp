@@ -1,12 +1,12 @@
 #include "app/run/question_dialog.h"
 
 #include <QCoreApplication>
-#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <vector>
 
 #include "frame/texts.h"
+#include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "frame/ui/results_dialog.h"
 
@@ -44,9 +44,7 @@ QDialog* MakeResults(const std::shared_ptr<Question>& question, Desk& desk) {
 
 QDialog* MakeBox(const std::shared_ptr<Question>& question, const Desk& desk) {
   const QuestionText& text = question->Text();
-  auto* box = new QMessageBox(BoxIcon(text.icon), QtText(texts::ApplicationTitle), ToQt(text.text),
-                              QMessageBox::NoButton, desk.Window());
-  box->setTextFormat(Qt::PlainText);
+  auto* box = new MessageBox(desk.Window(), BoxIcon(text.icon), ToQt(text.text));
   const auto buttons = ButtonsOf(text.buttons);
   for (const AnswerButton& row : buttons) {
     QPushButton* button = box->addButton(row.button);

@@ -147,6 +147,7 @@ void RunCommands::Launch(Job& job, Job& work, RunRequest request) {
   for (const auto& [other, undo] : undo_) kept += other == id ? 0 : undo->Kept();
   const auto undo = std::make_shared<RunUndo>(UndoDirectory(), kMostKept - std::min(kept, kMostKept));
   request.undo = undo;
+  panels_.Of(job).SetFilter(work.filter);
   panels_.Of(job).Reset();
   if (!application_.Runner().Start(work, std::move(request), host, desk_)) {
     emit Refused();

@@ -30,9 +30,9 @@ constexpr int kMostProtocolLines = 5000;           // older lines go
 
 RunPanel::RunPanel(QWidget* parent)
     : QWidget(parent),
-      task_(new QLabel(this)),
-      status_(new QLabel(this)),
-      time_(new QLabel(this)),
+      task_(new ElidedLabel(this)),
+      status_(new ElidedLabel(this)),
+      time_(new ElidedLabel(this)),
       files_(new QProgressBar(this)),
       item_(new QProgressBar(this)),
       buffer_(new QProgressBar(this)),
@@ -44,10 +44,8 @@ RunPanel::RunPanel(QWidget* parent)
   task_->setAccessibleName(QtText(texts::RunTaskName));
   status_->setObjectName("runStatus");
   status_->setAccessibleName(QtText(texts::RunStatusName));
-  for (QLabel* label : {task_, status_, time_}) {
-    label->setTextFormat(Qt::PlainText);
+  for (QLabel* label : {task_, status_, time_})
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-  }
   files_->setObjectName("filesProgress");
   files_->setAccessibleName(QtText(texts::FilesProgressName));
   item_->setObjectName("itemProgress");
@@ -124,14 +122,12 @@ void RunPanel::Reset() {
 }
 
 void RunPanel::SetTask(const QString& text) {
-  task_->setText(text);
-  task_->setToolTip(text);
+  task_->ShowLine(text);
   task_->setVisible(!text.isEmpty());
 }
 
 void RunPanel::SetStatus(const QString& text) {
-  status_->setText(text);
-  status_->setToolTip(text);
+  status_->ShowLine(text);
   status_->setVisible(!text.isEmpty());
 }
 
@@ -162,7 +158,7 @@ void RunPanel::ShowTime() {
     text = ToQt(
         TimeText(progress_->elapsed + std::chrono::milliseconds(sinceProgress_.elapsed()), RemainingNow()));
   time_->setVisible(!text.isEmpty());
-  if (text != time_->text()) time_->setText(text);
+  if (text != time_->text()) time_->ShowLine(text);
 }
 
 QString RunPanel::BriefProgress() const {

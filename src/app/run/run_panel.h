@@ -18,6 +18,7 @@
 #include "app/run/hit_model.h"
 #include "app/run/hit_music.h"
 #include "app/run/hit_view.h"
+#include "frame/ui/elided_label.h"
 #include "search/search_results.h"
 
 namespace ts5 {
@@ -68,9 +69,9 @@ class RunPanel : public QWidget {
   FilterId filter_ = FilterId::None;
   std::optional<RunProgress> progress_;
   QElapsedTimer sinceProgress_;
-  QLabel* task_;  // hidden while there is nothing to say
-  QLabel* status_;
-  QLabel* time_;
+  ElidedLabel* task_;  // hidden while there is nothing to say
+  ElidedLabel* status_;
+  ElidedLabel* time_;
   QProgressBar* files_;
   QProgressBar* item_;
   QProgressBar* buffer_;  // of a recording; hidden otherwise

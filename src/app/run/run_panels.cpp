@@ -11,7 +11,7 @@ RunPanels::RunPanels(ActiveJob& active, bool wholePaths, QWidget* parent)
   connect(&active_, &ActiveJob::FilterChanged, this, [this] {
     RunPanel& panel = Current();
     setCurrentWidget(&panel);
-    panel.SetFilter(active_->filter);
+    if (active_->MayChange()) panel.SetFilter(active_->filter);  // a run that goes on may have another one
   });
 }
 

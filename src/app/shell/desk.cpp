@@ -46,7 +46,7 @@ void Desk::Tell(std::string_view text, MessageIcon icon) {
 
 void Desk::TellLater(std::string_view text, MessageIcon icon) {
   queue_.Add([this, text = ToQt(text), icon]() -> QDialog* {
-    return new QMessageBox(BoxIcon(icon), QtText(texts::ApplicationTitle), text, QMessageBox::Ok, window_);
+    return new MessageBox(window_, BoxIcon(icon), text, QMessageBox::Ok);
   });
 }
 

@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QDateTime>
 #include <QDir>
-#include <QMessageBox>
 #include <QPushButton>
 #include <array>
 #include <cstdint>
@@ -14,6 +13,7 @@
 #include "app/texts.h"
 #include "frame/texts.h"
 #include "frame/ui/file_dialogs.h"
+#include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/base/text.h"
 #include "platform/files/directories.h"
@@ -43,9 +43,7 @@ const std::array kButtons{
 };
 
 SaveChoice AskAfterFailedSave(QWidget* owner, const std::string& failure) {
-  QMessageBox box(QMessageBox::Warning, QtText(texts::ApplicationTitle),
-                  ToQt(failure) + "\n\n" + QtText(texts::SessionNotSaved), QMessageBox::NoButton, owner);
-  box.setTextFormat(Qt::PlainText);
+  MessageBox box(owner, QMessageBox::Warning, ToQt(failure) + "\n\n" + QtText(texts::SessionNotSaved));
   std::array<QPushButton*, kButtons.size()> buttons{};
   for (std::size_t i = 0; i < kButtons.size(); ++i)
     buttons.at(i) = box.addButton(QtText(kButtons.at(i).text), kButtons.at(i).role);

@@ -40,6 +40,16 @@ using C = EditorCommand;
 constexpr std::array kTools = {C::Move,    C::Design,     C::ZoomIn,  C::ZoomOut,
                                C::NewText, C::NewEllipse, C::NewImage};
 
+// On small screens the page scrolls, instead of the window with all its bars.
+QScrollArea* Scrolling(QWidget* page) {
+  auto* const area = new QScrollArea(page->parentWidget());
+  area->setWidgetResizable(true);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setFocusPolicy(Qt::NoFocus);
+  area->setWidget(page);
+  return area;
+}
+
 }  // namespace
 
 ArtworkerWindow::ArtworkerWindow(Subject subject, DialogHost& host, QWidget* parent)
@@ -130,20 +140,14 @@ void ArtworkerWindow::BuildPages() {
   }
   layoutPage_ = new LayoutPage(scene_, this);
   layoutPage_->ShowFile(files_->File());
-  // On small screens it scrolls.
-  auto* const area = new QScrollArea(this);
-  area->setWidgetResizable(true);
-  area->setFrameShape(QFrame::NoFrame);
-  area->setFocusPolicy(Qt::NoFocus);
-  area->setWidget(layoutPage_);
-  ui_->layoutLayout->addWidget(area);
+  ui_->layoutLayout->addWidget(Scrolling(layoutPage_));
   connect(layoutPage_, &LayoutPage::Edited, this, [this] { TakeEdit(); });
   connect(layoutPage_, &LayoutPage::TemplateWanted, files_.get(), &LayoutFiles::BeginFromTemplate);
   connect(layoutPage_, &LayoutPage::LoadWanted, files_.get(), &LayoutFiles::Load);
   connect(layoutPage_, &LayoutPage::SaveWanted, files_.get(), &LayoutFiles::Save);
   optionsPage_ = new OptionsPage(subject_.printers, this);
   optionsPage_->Show(*subject_.parameters(), scene_.guides);
-  ui_->optionsLayout->addWidget(optionsPage_);
+  ui_->optionsLayout->addWidget(Scrolling(optionsPage_));
   connect(optionsPage_, &OptionsPage::Changed, this, [this] {
     TakeOptions();
     subject_.edited();

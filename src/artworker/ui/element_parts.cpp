@@ -41,14 +41,6 @@ void BorderBox::Take(ArtworkElement& element) const {
   element.roundCorners = ui_->roundCheck->isChecked();
 }
 
-void BorderBox::TabBefore(std::initializer_list<QWidget*> widgets) {
-  QWidget* last = ui_->roundCheck;
-  for (QWidget* widget : widgets) {
-    QWidget::setTabOrder(last, widget);
-    last = widget;
-  }
-}
-
 FillBox::FillBox(const Fill& fill, First first, BackgroundList& backgrounds, DialogHost& host,
                  QWidget* parent)
     : QGroupBox(parent),

@@ -3,7 +3,6 @@
 
 #include <QGroupBox>
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 
 #include "artworker/background_list.h"
@@ -26,8 +25,6 @@ class BorderBox : public QGroupBox {
   ~BorderBox() override;
 
   void Take(ArtworkElement& element) const;
-  // The key Tab leads from here to these, one after another.
-  void TabBefore(std::initializer_list<QWidget*> widgets);
 
  private:
   std::unique_ptr<Ui::ARTBORDER> ui_;

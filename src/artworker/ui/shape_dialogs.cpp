@@ -37,7 +37,6 @@ EllipseDialog::EllipseDialog(ArtworkElement element, BackgroundList& backgrounds
   border_ = new BorderBox(element_, false, this);
   ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);
-  border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
   ui_->fixedCheck->setChecked(element_.fixed);
   fill_->setFocus();
 }
@@ -70,7 +69,6 @@ ImageDialog::ImageDialog(ArtworkElement element, BackgroundList& backgrounds, st
   border_ = new BorderBox(element_, true, this);
   ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);
-  border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
   ui_->fileEdit->setText(ToQt(image.file));
   ui_->fileRadio->setChecked(true);
   ui_->clipboardRadio->setEnabled(!QApplication::clipboard()->image().isNull());

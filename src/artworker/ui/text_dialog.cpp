@@ -51,7 +51,6 @@ TextDialog::TextDialog(ArtworkElement element, BackgroundList& backgrounds, Dial
   border_ = new BorderBox(element_, true, this);
   ui_->fillLayout->addWidget(fill_);
   ui_->borderLayout->addWidget(border_);
-  border_->TabBefore({ui_->fixedCheck, ui_->okButton, ui_->cancelButton, ui_->helpButton});
   ui_->textEdit->installEventFilter(this);
   ShowField();
   OfferFields();

@@ -88,6 +88,7 @@ bool AttributesDialog::WriteFiles() {
   if (changes.Empty()) return true;
   QProgressDialog progress(QtText(texts::AttributesSaving), QtText(texts::AttributesStop), 0,
                            static_cast<int>(files_.size()), this);
+  progress.setWindowTitle(QtText(texts::ApplicationTitle));
   progress.setWindowModality(Qt::WindowModal);
   progress.setMinimumDuration(kProgressDelay);
   std::size_t failed = 0;

@@ -1,7 +1,6 @@
 #include "disc/ui/burn_dialog.h"
 
 #include <QButtonGroup>
-#include <QFileDialog>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "disc/texts.h"
 #include "disc/ui/field_binding.h"
 #include "frame/cd_tracks.h"
+#include "frame/ui/file_dialogs.h"
 #include "frame/ui/message_box.h"
 #include "frame/ui/qt_text.h"
 #include "platform/disc/cd_drive.h"
@@ -49,9 +49,8 @@ RecorderFacts FactsOfRecorder(const std::string& drive) {
 }
 
 void ChooseFolder(QWidget* parent, QLineEdit* field) {
-  const QString chosen = QFileDialog::getExistingDirectory(
-      parent, QString(), field->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontUseNativeDialog);
-  if (!chosen.isEmpty()) field->setText(chosen);
+  std::string folder = FromQt(field->text());
+  if (AskDirectory(QtText(texts::TemporaryFolderCaption), folder, parent)) field->setText(ToQt(folder));
 }
 
 BurnDialog::BurnDialog(BurnParameters parameters, std::size_t jobNumber, RecorderFacts facts,

@@ -21,7 +21,7 @@
 namespace ts5 {
 namespace {
 
-enum class Kind { Open, OpenSeveral, Save, SaveUnasked, Directory };
+using Kind = FileDialogKind;
 
 // Paths are byte strings; a name that is not UTF-8 goes through the toolkit's own decoding unharmed.
 QString PathText(const std::string& path) {
@@ -89,7 +89,9 @@ void TakeWhatIsTyped(const QFileDialog& dialog) {
 // Names get the room that is there, instead of dates and sizes that are cut.
 void ShowWhole(QFileDialog& dialog) {
   constexpr QSize kUsual(760, 480);
+  constexpr QSize kLeast(600, 340);
   dialog.resize(kUsual);
+  dialog.setMinimumSize(kLeast);
   auto* const list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
   if (list == nullptr) return;
   list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -98,7 +100,25 @@ void ShowWhole(QFileDialog& dialog) {
 
 // Empty when the dialog was left.
 std::vector<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost* host, QWidget* parent) {
-  QFileDialog dialog(parent, question.title);
+  std::vector<std::string> chosen;
+  const auto dialog = MakeFileDialog(question, kind, host, parent);
+  if (dialog->exec() != QDialog::Accepted) return chosen;
+  for (const QString& path : dialog->selectedFiles()) chosen.push_back(PathBytes(path));
+  return chosen;
+}
+
+std::optional<std::string> AskForOne(const FileQuestion& question, Kind kind, DialogHost* host,
+                                     QWidget* parent) {
+  std::vector<std::string> chosen = Ask(question, kind, host, parent);
+  return chosen.empty() ? std::nullopt : std::optional(std::move(chosen.front()));
+}
+
+}  // namespace
+
+std::unique_ptr<QFileDialog> MakeFileDialog(const FileQuestion& question, Kind kind, DialogHost* host,
+                                            QWidget* parent) {
+  auto made = std::make_unique<QFileDialog>(parent, question.title);
+  QFileDialog& dialog = *made;
   dialog.setOption(QFileDialog::DontUseNativeDialog);
   dialog.setObjectName(QStringLiteral("fileDialog"));
   dialog.setAcceptMode(kind == Kind::Save || kind == Kind::SaveUnasked ? QFileDialog::AcceptSave
@@ -132,19 +152,8 @@ std::vector<std::string> Ask(const FileQuestion& question, Kind kind, DialogHost
                        [host, topic = question.helpTopic] { host->OpenHelp(topic); });
     }
   }
-  std::vector<std::string> chosen;
-  if (dialog.exec() != QDialog::Accepted) return chosen;
-  for (const QString& path : dialog.selectedFiles()) chosen.push_back(PathBytes(path));
-  return chosen;
+  return made;
 }
-
-std::optional<std::string> AskForOne(const FileQuestion& question, Kind kind, DialogHost* host,
-                                     QWidget* parent) {
-  std::vector<std::string> chosen = Ask(question, kind, host, parent);
-  return chosen.empty() ? std::nullopt : std::optional(std::move(chosen.front()));
-}
-
-}  // namespace
 
 QStringList DialogFilters(std::string_view filter) {
   QStringList filters;

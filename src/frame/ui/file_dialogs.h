@@ -2,6 +2,7 @@
 // its file types and have the button "Hilfe" on every desktop.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +35,11 @@ struct FileQuestion {
 // As AskFileToSave without the question whether to overwrite, for destinations whose run asks itself.
 [[nodiscard]] std::optional<std::string> AskDestination(const FileQuestion& question, DialogHost& host,
                                                         QWidget* parent);
+
+// The dialog behind these, not yet shown.
+enum class FileDialogKind { Open, OpenSeveral, Save, SaveUnasked, Directory };
+[[nodiscard]] std::unique_ptr<QFileDialog> MakeFileDialog(const FileQuestion& question, FileDialogKind kind,
+                                                          DialogHost* host, QWidget* parent);
 
 // A directory; folder is where it starts and becomes the one that was chosen (the last selected folder of the
 // settings).

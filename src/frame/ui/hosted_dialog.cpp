@@ -1,6 +1,7 @@
 #include "frame/ui/hosted_dialog.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QKeyEvent>
@@ -12,6 +13,7 @@
 #include <QTabWidget>
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace ts5 {
 namespace {
@@ -40,6 +42,7 @@ void TakeAllButLast(QBoxLayout& from, QBoxLayout& into) {
 void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   auto* const rows = qobject_cast<QVBoxLayout*>(dialog.layout());
   if (rows == nullptr || rows->count() < 2 || needed <= room) return;
+  QWidget* const first = dialog.focusWidget();  // which a move takes the focus from
   auto* const area = new QScrollArea(&dialog);
   auto* const content = new QWidget(area);
   auto* const inner = new QVBoxLayout(content);
@@ -59,6 +62,33 @@ void ScrollOnSmallScreens(QDialog& dialog, int needed, int room) {
   });
   rows->activate();
   dialog.resize(std::max(dialog.width(), rows->totalMinimumSize().width()), room);
+  if (first != nullptr) first->setFocus();
+}
+
+// What a layout and those in it place, in their order.
+void CollectPlaces(const QLayout& layout, std::vector<const QWidget*>& places) {
+  for (int i = 0; i < layout.count(); ++i) {
+    if (const QWidget* const widget = layout.itemAt(i)->widget()) places.push_back(widget);
+    if (const QLayout* const inner = layout.itemAt(i)->layout()) CollectPlaces(*inner, places);
+  }
+}
+
+// The tab key goes through the places of the window in their order, also to what was put into them behind the
+// template; within each the order is its own.
+void TabInOrder(QDialog& dialog) {
+  std::vector<const QWidget*> places;
+  CollectPlaces(*dialog.layout(), places);
+  const auto rank = [&places](const QWidget* control) {
+    return std::ranges::find_if(
+        places, [control](const QWidget* place) { return place == control || place->isAncestorOf(control); });
+  };
+  std::vector<QWidget*> stops;
+  for (QWidget* at = dialog.nextInFocusChain(); at != &dialog; at = at->nextInFocusChain()) {
+    if (at->focusPolicy() != Qt::NoFocus && at->focusProxy() == nullptr && at->window() == &dialog)
+      stops.push_back(at);
+  }
+  std::ranges::stable_sort(stops, {}, rank);
+  for (std::size_t i = 1; i < stops.size(); ++i) QWidget::setTabOrder(stops[i - 1], stops[i]);
 }
 
 }  // namespace
@@ -91,6 +121,11 @@ void HostedDialog::showEvent(QShowEvent* event) {
     if (button->minimumWidth() < button->maximumWidth())
       button->setMinimumWidth(std::max(button->minimumWidth(), button->minimumSizeHint().width()));
   }
+  // Rows that were laid out before the list had its style would be too low.
+  for (QAbstractItemView* const list : findChildren<QAbstractItemView*>()) {
+    if (list->isVisible()) list->doItemsLayout();
+    if (list->currentIndex().isValid()) list->scrollTo(list->currentIndex());
+  }
   // The toolkit's first size is at most two thirds of the screen, which would clip wrapped texts of high
   // dialogs on small screens.
   if (const QLayout* const rows = layout()) {
@@ -98,6 +133,7 @@ void HostedDialog::showEvent(QShowEvent* event) {
     width_ = std::min(width(), room.width());
     const int wanted = std::max({height(), sizeHint().height(), rows->totalHeightForWidth(width_)});
     resize(width_, std::min(wanted, room.height()));
+    TabInOrder(*this);
     ScrollOnSmallScreens(*this, LeastHeight(), room.height());
     StayWhole();
   }

@@ -2,7 +2,6 @@
 
 #include <QAbstractButton>
 #include <QLabel>
-#include <QMessageBox>
 
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
@@ -26,13 +25,23 @@ void WidenForLines(QMessageBox& box) {
 }
 
 void Show(QWidget* owner, QMessageBox::Icon icon, const QString& text) {
-  QMessageBox box(icon, QtText(texts::ApplicationTitle), text, QMessageBox::Ok, owner);
-  box.setTextFormat(Qt::PlainText);
-  WidenForLines(box);
-  box.exec();
+  MessageBox(owner, icon, text, QMessageBox::Ok).exec();
 }
 
 }  // namespace
+
+MessageBox::MessageBox(QWidget* owner, Icon icon, const QString& text, StandardButtons buttons)
+    : QMessageBox(icon, QtText(texts::ApplicationTitle), text, buttons, owner) {
+  setTextFormat(Qt::PlainText);
+  LabelButtons(*this);
+  WidenForLines(*this);
+}
+
+// The toolkit squeezes many buttons into its usual width.
+void MessageBox::showEvent(QShowEvent* event) {
+  for (QAbstractButton* const button : buttons()) button->setMinimumWidth(button->minimumSizeHint().width());
+  QMessageBox::showEvent(event);
+}
 
 void ShowWarning(QWidget* owner, const QString& text) {
   Show(owner, QMessageBox::Warning, text);
@@ -48,11 +57,7 @@ void ShowNotice(QWidget* owner, TextId text) {
 }
 
 bool AskYesNo(QWidget* owner, const QString& text, DefaultButton preset) {
-  QMessageBox box(QMessageBox::Question, QtText(texts::ApplicationTitle), text,
-                  QMessageBox::Yes | QMessageBox::No, owner);
-  box.setTextFormat(Qt::PlainText);
-  LabelButtons(box);
-  WidenForLines(box);
+  MessageBox box(owner, QMessageBox::Question, text, QMessageBox::Yes | QMessageBox::No);
   box.setDefaultButton(preset == DefaultButton::Yes ? QMessageBox::Yes : QMessageBox::No);
   box.setEscapeButton(QMessageBox::No);
   return box.exec() == QMessageBox::Yes;

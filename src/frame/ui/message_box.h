@@ -1,15 +1,23 @@
 // The message boxes of the system: all bear the application's title, and each kind has its icon.
 #pragma once
 
+#include <QMessageBox>
 #include <QString>
 
 #include "platform/base/strings.h"
 
-class QWidget;
-
 namespace ts5 {
 
 enum class DefaultButton { Yes, No };
+
+// The box itself, for those with buttons of their own: the text stands as it is, its lines whole.
+class MessageBox : public QMessageBox {
+ public:
+  MessageBox(QWidget* owner, Icon icon, const QString& text, StandardButtons buttons = NoButton);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+};
 
 // Something that failed (exclamation icon).
 void ShowWarning(QWidget* owner, const QString& text);
