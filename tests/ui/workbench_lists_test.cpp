@@ -265,6 +265,15 @@ TEST_F(ListStory, DeletedFilesGoToTheWastebasket) {
   ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
   EXPECT_EQ(script_.LastText(), ToQt(FileNotDeletedText(directory_.File("Musik/c.wav"))));
   EXPECT_EQ(test::Listing(directory_.File("Musik")), "c.wav");
+  // Of many only the first are told one by one.
+  for (const char* name : {"d.mid", "e.mid", "f.mid", "g.mid"}) WriteMidi(std::string("Musik/") + name);
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 5 && WaitForListing(); }));
+  Select({0, 1, 2, 3, 4});
+  script_.ExpectBox(QMessageBox::Yes);
+  for (int i = 0; i < 3; ++i) script_.ExpectBox(QMessageBox::Ok);
+  Press(Qt::Key_Delete);
+  ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
+  EXPECT_TRUE(script_.LastText().endsWith("Weitere Dateien, die nicht gelöscht werden konnten: 2"));
 }
 
 TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
