@@ -521,6 +521,8 @@ TEST_F(ArrangedList, SubdirectoriesAreShownAndNamedInTheJob) {
   EXPECT_EQ(ItemSource(ActiveJob(), 0), directory_.File("Musik/Chor/Alt/a.mid"));
   StartListed();
   EXPECT_EQ(Names().size(), 5U);
+  ASSERT_EQ(W().Source().Model().ColumnAt(1), FileColumn::Directory);
+  EXPECT_FALSE(W().Source().Files()->isColumnHidden(1)) << "as a column before the window had its size";
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("Alt/a.mid")});
   // A file that comes below is noticed as well.
   WriteMidi("Musik/Chor/Alt/b.mid");

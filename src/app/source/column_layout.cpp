@@ -90,7 +90,9 @@ void ColumnLayout::Fit() {
   int left = view_.viewport()->width();
   for (int i = 0; i < titles.count(); ++i) {
     const auto column = model_.ColumnAt(i);
-    if (!column || FindFactColumn(*column) != nullptr) continue;
+    if (column && FindFactColumn(*column) != nullptr) continue;
+    titles.setSectionHidden(i, false);  // as a column may have been that was here before
+    if (!column) continue;
     if (KeepsWidth(*column)) {
       wide.push_back({i, i == 0 ? kNameShare : kOtherShare, column});
       shares += wide.back().share;
