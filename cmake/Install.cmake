@@ -27,9 +27,10 @@ foreach(place site-functions vendor-completions)
 endforeach()
 install(FILES ${CMAKE_SOURCE_DIR}/packaging/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/stavora-ts5)
 
-# What a beginner sees and hears first.
+# What a beginner sees and hears first; the broken file is for the show of the console.
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/demo DESTINATION ${CMAKE_INSTALL_DATADIR}/stavora-ts5
         FILES_MATCHING PATTERN "*.mid" PATTERN "*.rmi" PATTERN "*.rdl" PATTERN "*.stv" PATTERN "LICENCES.md"
+        PATTERN "Abgebrochene Datei.mid" EXCLUDE
         PATTERN "scores" EXCLUDE PATTERN "show" EXCLUDE)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/src/resources/layouts DESTINATION ${CMAKE_INSTALL_DATADIR}/stavora-ts5)
 

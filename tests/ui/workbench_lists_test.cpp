@@ -265,6 +265,15 @@ TEST_F(ListStory, DeletedFilesGoToTheWastebasket) {
   ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
   EXPECT_EQ(script_.LastText(), ToQt(FileNotDeletedText(directory_.File("Musik/c.wav"))));
   EXPECT_EQ(test::Listing(directory_.File("Musik")), "c.wav");
+  // Of many only the first are told one by one.
+  for (const char* name : {"d.mid", "e.mid", "f.mid", "g.mid"}) WriteMidi(std::string("Musik/") + name);
+  ASSERT_TRUE(WaitFor([this] { return W().Source().Model().Size() == 5 && WaitForListing(); }));
+  Select({0, 1, 2, 3, 4});
+  script_.ExpectBox(QMessageBox::Yes);
+  for (int i = 0; i < 3; ++i) script_.ExpectBox(QMessageBox::Ok);
+  Press(Qt::Key_Delete);
+  ASSERT_TRUE(WaitFor([this] { return script_.Done(); }));
+  EXPECT_TRUE(script_.LastText().endsWith("Weitere Dateien, die nicht gelöscht werden konnten: 2"));
 }
 
 TEST_F(ListStory, ADriveThatCannotBeOpenedIsRefused) {
@@ -512,6 +521,8 @@ TEST_F(ArrangedList, SubdirectoriesAreShownAndNamedInTheJob) {
   EXPECT_EQ(ItemSource(ActiveJob(), 0), directory_.File("Musik/Chor/Alt/a.mid"));
   StartListed();
   EXPECT_EQ(Names().size(), 5U);
+  ASSERT_EQ(W().Source().Model().ColumnAt(1), FileColumn::Directory);
+  EXPECT_FALSE(W().Source().Files()->isColumnHidden(1)) << "as a column before the window had its size";
   EXPECT_EQ(W().Source().Files()->SelectedRows(), std::vector<std::size_t>{RowOf("Alt/a.mid")});
   // A file that comes below is noticed as well.
   WriteMidi("Musik/Chor/Alt/b.mid");

@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
+#include <algorithm>
 #include <array>
 
 #include "app/shell/application.h"
@@ -257,8 +258,12 @@ void ListCommands::DeleteFiles(std::vector<std::string> paths) {
     }
     return [this, failed = std::move(failed)] {
       if (active_->Mode() == SourceMode::Directory) source_.Reload();
-      for (std::size_t i = 0; i < failed.size() && i < kMostFailuresTold; ++i) {
-        desk_.Tell(FileNotDeletedText(failed[i]), MessageIcon::Exclamation);
+      const std::size_t told = std::min(failed.size(), kMostFailuresTold);
+      for (std::size_t i = 0; i < told; ++i) {
+        std::string text = FileNotDeletedText(failed[i]);
+        if (i + 1 == told && told < failed.size())
+          text += "\n\n" + Format(Text(texts::MoreNotDeleted), failed.size() - told);
+        desk_.Tell(text, MessageIcon::Exclamation);
       }
     };
   });

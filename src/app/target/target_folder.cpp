@@ -59,7 +59,10 @@ void TargetFolder::Show() {
   const Job& job = *active_;
   area_.ShowFolder(TargetArea::Folder{PlaceOf(job, DestinationRulesOf(application_.GetSettings(), job)),
                                       !job.targetDirectory.empty()});
-  if (job.MayChange()) timer_.start();
+  if (!job.MayChange()) return;
+  // What was said of other files is not said of these.
+  if (foretold_ != ItemCount(job)) area_.SetForecast(QStringLiteral("…"));
+  timer_.start();
 }
 
 void TargetFolder::Choose() {
@@ -74,11 +77,14 @@ void TargetFolder::Forecast() {
   if (!Applies() || !active_->MayChange()) return;
   worker_.DropAll();
   worker_.Start([job = std::make_shared<const Job>(*active_), module = application_.Module(active_->filter),
-                 rules = DestinationRulesOf(application_.GetSettings(), *active_), area = &area_]() mutable {
+                 rules = DestinationRulesOf(application_.GetSettings(), *active_), this]() mutable {
     rules.origin = NameOrigin::Automatic;
     const TargetForecast forecast =
         ForecastOf(PreviewTargets(*job, *module, rules, SystemDestinationFiles()));
-    return [area, forecast] { area->SetForecast(ForecastText(forecast)); };
+    return [this, items = ItemCount(*job), forecast] {
+      foretold_ = items;
+      area_.SetForecast(ForecastText(forecast));
+    };
   });
 }
 

@@ -35,6 +35,7 @@ class TargetFolder : public QObject {
   Application& application_;
   QTimer timer_;  // until the selection rests
   BackgroundWorker worker_;
+  std::size_t foretold_ = 0;  // so many items the forecast on show is about
 };
 
 }  // namespace ts5
