@@ -32,6 +32,8 @@ TextId TitleFailedText(Outcome code) {
       return texts::PlayerCdFailed;
     case Outcome::WriteFailed:
       return texts::PlayerDeviceGone;
+    case Outcome::TargetFailed:
+      return texts::PlayerAudioDeviceFailed;
     default:
       return texts::PlayerTitleFailed;
   }

@@ -9,6 +9,7 @@
 
 #include "platform/sound/audio_out.h"
 #include "platform/sound/device_pace.h"
+#include "platform/sound/live_level.h"
 #include "platform/sound/midi_out.h"
 #include "platform/sound/synthesizer.h"
 #include "support/matchers.h"
@@ -116,6 +117,22 @@ TEST(Synthesizer, HostileMessagesAndFontsDoNoHarm) {
   (*synth)->SystemExclusive(framed);
   std::vector<float> block(1024);
   (*synth)->Render(block);
+}
+
+TEST(LiveLevel, ASingleVoiceIsLouderAndABandStaysBelowFullScale) {
+  LiveLevel level;
+  const auto played = [&](float peak) {
+    std::vector<float> block(1024);
+    for (std::size_t i = 0; i < block.size(); ++i) block[i] = i % 8 < 4 ? peak : -peak;
+    level.Apply(block);
+    EXPECT_LE(Peak(block), 1.0);
+    return Peak(std::span(block).last(512));
+  };
+  EXPECT_NEAR(played(0.02F), 0.08, 1e-4);
+  EXPECT_NEAR(played(0.6F), 0.95, 1e-3) << "as loud as there is room";
+  EXPECT_LT(played(0.02F), 0.04) << "what follows does not jump up";
+  for (int i = 0; i < 300; ++i) (void)played(0.02F);
+  EXPECT_NEAR(played(0.02F), 0.08, 1e-4);
 }
 
 TEST(MidiOut, TheBuiltInSynthesizerIsADeviceAndSounds) {

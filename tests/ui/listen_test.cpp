@@ -168,6 +168,10 @@ TEST_F(ListenTest, DevicesThatComeLaterAreFound) {
   places.audio = "wave:" + out_;
   ASSERT_TRUE(play(midi));
   EXPECT_EQ(refused, QtText(texts::ListenNoSoundFont));
+  // One that went away since it was found.
+  places.midi = "Keyboard, das es nicht gibt";
+  ASSERT_TRUE(play(midi));
+  EXPECT_EQ(refused, QtText(texts::ListenNoSound));
   places.midi = places.audio;
   ASSERT_TRUE(play(midi));
   EXPECT_EQ(refused, QString());

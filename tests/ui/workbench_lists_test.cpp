@@ -329,6 +329,10 @@ TEST_F(ListStory, TheTreeReadsDownToTheDirectoryOfTheJob) {
   // A path that does not exist leads as far as there is something.
   W().Source().TreeModel().Reveal(directory_.File("Musik/Chor/Bass"));
   EXPECT_TRUE(WaitForPlace("Musik/Chor"));
+  QWidget* const below = W().Source().Tree()->viewport();
+  QTest::mouseClick(below, Qt::LeftButton, {}, below->rect().bottomRight() - QPoint(4, 4));
+  EXPECT_TRUE(W().Source().Tree()->selectionModel()->hasSelection())
+      << "a click beside them takes it off none";
 }
 
 TEST_F(ListStory, TheDirectoryOfTheJobIsShownWhereverTheFocusIs) {
@@ -458,6 +462,7 @@ TEST_F(ArrangedList, ColumnsSayWhatIsInTheFilesAndSortThem) {
 
 TEST_F(ArrangedList, WhatTheFilterHidesIsNotMarked) {
   StartWithMusic();
+  EXPECT_TRUE(W().Actions().Action(CommandId::FilterList)->isEnabled()) << "as soon as there are files";
   W().Source().Files()->selectAll();
   Filter("lied");
   EXPECT_EQ(ActiveJob().directory.names.size(), 2U);

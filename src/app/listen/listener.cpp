@@ -1,5 +1,6 @@
 #include "app/listen/listener.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "app/texts.h"
@@ -23,6 +24,13 @@ class StartWords : public JobDialogs {
  private:
   QString words_;
 };
+
+// Whether it was not the title that failed, but the place where it was to sound.
+bool HadNoSound(const RunResult& result) {
+  return std::ranges::any_of(result.items, [](const RunItem& item) {
+    return item.code == Code(Outcome::TargetFailed) || item.code == Code(Outcome::MidiDeviceFailed);
+  });
+}
 
 }  // namespace
 
@@ -120,6 +128,7 @@ void Listener::Launch(const SoundPlaces& places) {
 void Listener::Take(RunNews news) {
   if (!again_) {
     for (const auto& [text, icon] : news.notices) emit Refused(ToQt(text));
+    if (news.result && HadNoSound(*news.result)) emit Refused(QtText(texts::ListenNoSound));
   }
   if (news.result) {
     going_.reset();

@@ -128,7 +128,10 @@ void ListArrangement::TakeFilter() {
 }
 
 bool ListArrangement::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+  // A directory is read, and the field with it there or not, long after the job has changed.
+  const auto type = event->type();
+  if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::EnabledChange) Refresh();
+  if (type != QEvent::KeyPress) return QObject::eventFilter(watched, event);
   const int key = static_cast<QKeyEvent*>(event)->key();
   const bool leaves =
       key == Qt::Key_Escape || key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter;

@@ -16,6 +16,18 @@ namespace ts5 {
 
 namespace {
 
+// A click beside the directories takes the mark off none.
+class DirectoryTree final : public QTreeView {
+ public:
+  using QTreeView::QTreeView;
+
+ protected:
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                       const QEvent* event) const override {
+    return index.isValid() ? QTreeView::selectionCommand(index, event) : QItemSelectionModel::NoUpdate;
+  }
+};
+
 constexpr int kFilterWidth = 200;  // of the field that narrows the list down
 constexpr int kNarrowest = 50;     // of what is beside the drive
 
@@ -71,7 +83,7 @@ SourceArea::SourceArea(QWidget* parent)
       count_(new QLabel(this)),
       splitter_(new QSplitter(Qt::Horizontal, this)),
       left_(new QWidget(splitter_)),
-      tree_(new QTreeView(left_)),
+      tree_(new DirectoryTree(left_)),
       files_(nullptr),
       note_(nullptr),
       strip_(nullptr),

@@ -12,6 +12,7 @@
 #include "platform/base/quiet.h"
 #include "platform/media/wave_sink.h"
 #include "platform/sound/audio_out.h"
+#include "platform/sound/live_level.h"
 #include "platform/sound/midi_in.h"
 #include "platform/sound/midi_ports.h"
 #include "platform/sound/synthesizer.h"
@@ -44,7 +45,10 @@ class SynthesizerOutput final : public MidiOutput {
       auto output = std::make_unique<SynthesizerOutput>(*std::move(synthesizer));
       auto audio = OpenAudioOutput(
           audioDevice, {rate, 2},
-          [synth = output->synthesizer_.get()](std::span<float> block) { synth->Render(block); });
+          [synth = output->synthesizer_.get(), level = LiveLevel()](std::span<float> block) mutable {
+            synth->Render(block);
+            level.Apply(block);
+          });
       if (!audio) {
         failure = audio.error();
         continue;
