@@ -44,7 +44,7 @@ constexpr int kTitleHeight = 34;
 constexpr int kEdge = 6;
 constexpr int kNarrow = 560;
 constexpr QSize kUsualSize{900, 640};
-constexpr QSize kLeastSize{300, 200};
+constexpr QSize kLeastSize{kNarrowestHelp, 200};
 
 QString PlainText(QString html) {
   html.remove(QRegularExpression(QStringLiteral("<[^>]*>")));

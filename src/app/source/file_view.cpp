@@ -137,7 +137,11 @@ void FileView::LayColumns() {
 }
 
 void FileView::resizeEvent(QResizeEvent* event) {
+  // What is played stays in sight when the player opens below.
+  const QRect row = visualRect(currentIndex());
+  const bool inSight = row.isValid() && row.top() >= 0 && row.bottom() < event->oldSize().height();
   QTreeView::resizeEvent(event);
+  if (inSight && row.bottom() >= event->size().height()) scrollTo(currentIndex());
   if (columns_ != nullptr) columns_->Fit();
   emit SightChanged();
 }
