@@ -12,7 +12,7 @@
 namespace ts5 {
 namespace {
 
-constexpr std::string_view kMagic = "TS5 file facts 1";
+constexpr std::string_view kMagic = "TS5 file facts 2";
 constexpr std::size_t kMaxText = 200;
 
 constexpr std::uint8_t kHasLength = 1;

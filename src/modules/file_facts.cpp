@@ -57,7 +57,7 @@ void ReadScore(const std::string& path, FileFacts& facts, const CancelCheck& can
   const auto score = converters::ReadAnyScore(*file, cancelled);
   if (!score) return;
   const MusicSummary music = SummariseMusic(score->document, cancelled);
-  facts.length = Milliseconds(std::llround(music.seconds * 1000));
+  facts.length = Milliseconds(std::llround(music.played * 1000));
   if (!music.keys.empty()) facts.key = music.keys.front();
   if (!music.metres.empty()) facts.metre = music.metres.front();
   if (!music.tempos.empty()) facts.tempo = music.tempos.front();

@@ -1,32 +1,39 @@
 #include "score/music_summary.h"
 
 #include <algorithm>
+#include <numeric>
 #include <string_view>
 #include <utility>
 
 #include "platform/base/text.h"
+#include "score/play_order.h"
 #include "score/score_bars.h"
 #include "score/texts.h"
 
 namespace ts5 {
 namespace {
 
-// 120 quarters a minute where no tempo is written.
-double SecondsOf(const ScoreMusic& music) {
-  constexpr double kUsual = 120;
-  double seconds = 0;
-  double quarters = kUsual;
-  Fraction at;
-  const auto until = [&](Fraction place) {
-    seconds += (place - at).Value() * 4 * 60 / quarters;
-    at = place;
-  };
-  for (const ScoreTempo& tempo : music.tempos) {
-    until(tempo.at);
-    quarters = tempo.quarters;
+// Of each bar; 120 quarters a minute where no tempo is written.
+std::vector<double> BarSeconds(const ScoreMusic& music) {
+  std::vector<double> all;
+  double quarters = 120;
+  auto tempo = music.tempos.begin();
+  for (const ScoreBar& bar : music.bars) {
+    Fraction at = bar.start;
+    double seconds = 0;
+    const auto until = [&](Fraction place) {
+      seconds += (place - at).Value() * 4 * 60 / quarters;
+      at = place;
+    };
+    const Fraction end = bar.start + bar.length;
+    for (; tempo != music.tempos.end() && tempo->at < end; ++tempo) {
+      if (at < tempo->at) until(tempo->at);
+      quarters = tempo->quarters;
+    }
+    until(end);
+    all.push_back(seconds);
   }
-  until(music.length);
-  return seconds;
+  return all;
 }
 
 // From seven flats to seven sharps.
@@ -58,7 +65,9 @@ MusicSummary SummariseMusic(const ScoreDocument& document, const CancelCheck& ca
     AddNew(summary.metres, Format("%d/%d", bar.time.numerator, denominator));
   }
   for (const ScoreTempo& tempo : music.tempos) AddNew(summary.tempos, tempo.quarters);
-  summary.seconds = SecondsOf(music);
+  const std::vector<double> seconds = BarSeconds(music);
+  summary.seconds = std::accumulate(seconds.begin(), seconds.end(), 0.0);
+  for (const PlayedBar& played : PlayOrder(music)) summary.played += seconds[played.bar];
   summary.bars = music.bars.size();
   return summary;
 }

@@ -15,6 +15,7 @@ struct MusicSummary {
   std::vector<std::string> metres;  // "3/4", likewise
   std::vector<double> tempos;       // quarters a minute, likewise; empty when the score says none
   double seconds = 0;               // without repeats, at the written tempos
+  double played = 0;                // with them
   std::size_t bars = 0;
 };
 
