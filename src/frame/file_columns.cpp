@@ -67,7 +67,7 @@ constexpr std::array kColumns{
                [](const FileFacts& f) {
                  return f.length ? std::optional(static_cast<double>(f.length->count())) : std::nullopt;
                }},
-    FactColumn{FileColumn::Key, texts::FileColumnKey, "Key", "C-Dur/a-Moll", false,
+    FactColumn{FileColumn::Key, texts::FileColumnKey, "Key", "D-Dur/h-Moll …", false,
                [](const FileFacts& f) { return FirstOf(f.key, f.keyChanges); }, nullptr},
     FactColumn{FileColumn::Metre, texts::FileColumnMetre, "Metre", "12/8 …", false,
                [](const FileFacts& f) { return FirstOf(f.metre, f.metreChanges); }, nullptr},
@@ -111,7 +111,7 @@ std::string LengthText(milliseconds length) {
 }
 
 std::string SumText(milliseconds length) {
-  const auto seconds = std::chrono::round<std::chrono::seconds>(length).count();
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(length).count();
   if (seconds < 60) return Format(Text(texts::SumSeconds), seconds);
   const auto minutes = std::chrono::round<std::chrono::minutes>(length).count();
   if (minutes < 60) return Format(Text(texts::SumMinutes), minutes);
