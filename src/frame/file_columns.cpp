@@ -67,7 +67,7 @@ constexpr std::array kColumns{
                [](const FileFacts& f) {
                  return f.length ? std::optional(static_cast<double>(f.length->count())) : std::nullopt;
                }},
-    FactColumn{FileColumn::Key, texts::FileColumnKey, "Key", "C-Dur/a-Moll", false,
+    FactColumn{FileColumn::Key, texts::FileColumnKey, "Key", "D-Dur/h-Moll …", false,
                [](const FileFacts& f) { return FirstOf(f.key, f.keyChanges); }, nullptr},
     FactColumn{FileColumn::Metre, texts::FileColumnMetre, "Metre", "12/8 …", false,
                [](const FileFacts& f) { return FirstOf(f.metre, f.metreChanges); }, nullptr},

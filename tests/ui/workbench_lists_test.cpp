@@ -67,6 +67,13 @@ TEST_F(ListStory, AHundredThousandFilesComeAtOnce) {
   W().Source().Files()->scrollToTop();
   QApplication::processEvents();
   EXPECT_EQ(ActiveJob().files.Selection().size(), 100'000U);
+  // The row at hand stays in sight when the list gets less room.
+  FileView& view = *W().Source().Files();
+  view.selectionModel()->setCurrentIndex(view.model()->index(99'999, 0), QItemSelectionModel::NoUpdate);
+  view.scrollTo(view.currentIndex());
+  W().resize(W().width(), W().height() - 150);
+  QApplication::processEvents();
+  EXPECT_TRUE(view.viewport()->rect().contains(view.visualRect(view.currentIndex()).center()));
   script_.ExpectBox(QMessageBox::Yes);
   W().Actions().Trigger(CommandId::Delete);
   EXPECT_TRUE(ActiveJob().files.Empty());

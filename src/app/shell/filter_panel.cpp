@@ -197,8 +197,10 @@ bool FilterPanel::eventFilter(QObject* watched, QEvent* event) {
       return true;
     if (kind == QEvent::FocusIn) scroll_->ensureWidgetVisible(rows_[i].line, 0, 4);
     if (kind == QEvent::Enter || kind == QEvent::FocusIn) {
-      emit Hint(onToggle ? rows_[i].toggle->toolTip()
-                         : rows_[i].tile->accessibleDescription().replace('\n', QStringLiteral(" – ")));
+      // As much as the line has room for: what to do is in the tooltip.
+      QString hint =
+          onToggle ? rows_[i].toggle->toolTip() : rows_[i].tile->accessibleDescription().section('\n', 0, 1);
+      emit Hint(hint.replace('\n', QStringLiteral(" – ")));
     }
     if (leaves) emit Hint({});
     break;

@@ -44,6 +44,7 @@ constexpr int kTitleHeight = 34;
 constexpr int kEdge = 6;
 constexpr int kNarrow = 560;
 constexpr QSize kUsualSize{900, 640};
+constexpr QSize kLeastSize{kNarrowestHelp, 200};
 
 QString PlainText(QString html) {
   html.remove(QRegularExpression(QStringLiteral("<[^>]*>")));
@@ -106,6 +107,7 @@ HelpWindow::HelpWindow(QWidget* parent)
   setWindowTitle(QtText(texts::HelpCaption));
   setWindowIcon(Icon("help"));
   setObjectName(QStringLiteral("helpWindow"));
+  setMinimumSize(kLeastSize);
   resize(kUsualSize.boundedTo(screen()->availableSize() - QSize(2 * kEdge, kTitleHeight + kEdge)));
 
   contents_->setAccessibleName(QtText(texts::HelpContentsName));

@@ -15,6 +15,7 @@
 #include <algorithm>
 
 #include "app/texts.h"
+#include "frame/file_columns.h"
 #include "frame/texts.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files/paths.h"
@@ -32,6 +33,13 @@ class LabelDelegate : public QStyledItemDelegate {
   LabelDelegate(FileView* view, std::function<void(bool)> editing)
       : QStyledItemDelegate(view), editing_(std::move(editing)) {}
 
+  // Names and directories are shortened in the middle, facts at their ends.
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const auto* const model = qobject_cast<const FileViewModel*>(index.model());
+    const auto column = model != nullptr ? model->ColumnAt(index.column()) : std::nullopt;
+    if (column && FindFactColumn(*column) != nullptr) option->textElideMode = Qt::ElideRight;
+  }
   QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                         const QModelIndex& index) const override {
     auto* editor = new QLineEdit(parent);
@@ -129,7 +137,11 @@ void FileView::LayColumns() {
 }
 
 void FileView::resizeEvent(QResizeEvent* event) {
+  // What is played stays in sight when the player opens below.
+  const QRect row = visualRect(currentIndex());
+  const bool inSight = row.isValid() && row.top() >= 0 && row.bottom() < event->oldSize().height();
   QTreeView::resizeEvent(event);
+  if (inSight && row.bottom() >= event->size().height()) scrollTo(currentIndex());
   if (columns_ != nullptr) columns_->Fit();
   emit SightChanged();
 }

@@ -36,6 +36,7 @@ void PlaceBar::Refresh() {
     const QSignalBlocker quiet(box);
     box->setValue(value);
     box->setEnabled(!selection.empty());
+    if (selection.empty()) box->clear();
   }
   const bool one = selection.size() == 1;
   ui_->widthBox->setEnabled(one);
