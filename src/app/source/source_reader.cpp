@@ -1,5 +1,8 @@
 #include "app/source/source_reader.h"
 
+#include <algorithm>
+#include <chrono>
+
 #include "frame/cd_tracks.h"
 #include "frame/ui/qt_text.h"
 #include "platform/files/files.h"
@@ -13,6 +16,18 @@ namespace {
 constexpr int kQuietMilliseconds = 600;
 // Directories whose changes are noticed; a system has not very many watches.
 constexpr std::size_t kMostWatched = 500;
+// By so much a file system's time may be behind the clock.
+constexpr std::chrono::milliseconds kTimeStep{20};
+
+std::filesystem::file_time_type LastChange(const QStringList& directories) {
+  auto last = std::filesystem::file_time_type::min();
+  for (const QString& directory : directories) {
+    std::error_code gone;
+    const auto changed = std::filesystem::last_write_time(FromQt(directory), gone);
+    if (!gone) last = std::max(last, changed);
+  }
+  return last;
+}
 
 }  // namespace
 
@@ -39,6 +54,7 @@ void SourceReader::Read(const std::string& directory, bool subdirectories) {
   Stop();
   directory_ = directory;
   holding_.clear();
+  begun_ = std::filesystem::file_time_type::clock::now() - kTimeStep;
   emit Begun();
   const auto sink = [this](std::vector<DirectoryItem> batch) {
     std::vector<FileListEntry> files;
@@ -61,6 +77,10 @@ void SourceReader::Finish(ListingEnd end) {
     QStringList watched{ToQt(directory_)};
     for (const std::string& directory : holding_) watched.append(ToQt(directory));
     watcher_.addPaths(watched);
+    // What changed while it was read was seen by nobody. Once: a server's clock may be ahead of this one's.
+    const auto last = LastChange(watched);
+    if (last > begun_ && last != seen_) changed_.start();
+    seen_ = last;
   }
   emit Done(end.outcome);
 }

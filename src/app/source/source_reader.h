@@ -4,6 +4,7 @@
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QTimer>
+#include <filesystem>
 #include <functional>
 #include <set>
 #include <string>
@@ -37,6 +38,8 @@ class SourceReader : public QObject {
 
   DirectoryLister lister_;
   QFileSystemWatcher watcher_;
+  std::filesystem::file_time_type begun_ = {};  // reading
+  std::filesystem::file_time_type seen_ = {};   // the last change, as it was when reading ended
   QTimer changed_;
   std::string directory_;
   std::set<std::string> holding_;  // directories below it with files
