@@ -232,8 +232,8 @@ Outcome MidiOutput::Reset() {
 
 std::vector<std::string> MidiOutputsOf(std::vector<std::string> ports, bool synthesizer) {
   std::erase_if(ports, IsOwnPort);
-  const auto through = std::ranges::stable_partition(ports, std::not_fn(IsThroughPort));
-  if (synthesizer) ports.insert(through.begin(), std::string(kSynthesizerName));
+  const auto through = std::stable_partition(ports.begin(), ports.end(), std::not_fn(IsThroughPort));
+  if (synthesizer) ports.insert(through, std::string(kSynthesizerName));
   return ports;
 }
 
