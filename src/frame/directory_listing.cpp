@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "frame/filter_catalogue.h"
+#include "frame/list_order.h"
 #include "frame/texts.h"
 #include "platform/base/detached_task.h"
 #include "platform/base/strings.h"
@@ -37,8 +38,17 @@ struct FoundFile {
   std::string name;
 };
 
+bool LessByName(const std::string& a, const std::string& b) {
+  const int order = CompareKeys(SortKey(a), SortKey(b));
+  return order != 0 ? order < 0 : a < b;
+}
+
 void Deliver(std::vector<FoundFile> files, const std::stop_token& stop, const ItemSink& sink) {
-  std::ranges::sort(files, {}, [](const FoundFile& f) { return std::tie(f.rank, f.sortKey, f.name); });
+  std::ranges::sort(files, [](const FoundFile& a, const FoundFile& b) {
+    if (a.rank != b.rank) return a.rank < b.rank;
+    const int order = CompareKeys(a.sortKey, b.sortKey);
+    return order != 0 ? order < 0 : a.name < b.name;
+  });
   std::vector<DirectoryItem> batch;
   for (FoundFile& file : files) {
     if (stop.stop_requested()) return;
@@ -115,7 +125,7 @@ ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audio
     const auto rank = ranks.find(ExtensionOf(name));
     if (rank == ranks.end() || IsDirectoryEntry(entry)) return !stop.stop_requested();
     if (IsUsablePath(entry.path().native())) {
-      files.push_back({rank->second, ToLower(name), std::move(name)});
+      files.push_back({rank->second, SortKey(name), std::move(name)});
     } else {
       ++end.refused;
     }
@@ -142,7 +152,7 @@ ListingEnd ListTree(const std::string& directory, const AudioCdQuery& audioCd, c
       if (IsOwnDirectory(entry) && IsTreeDirectory(entry)) names.push_back(entry.path().filename().string());
       return !stop.stop_requested();
     });
-    std::ranges::sort(names, [](const auto& a, const auto& b) { return LessIgnoringCase{}(b, a); });
+    std::ranges::sort(names, [](const auto& a, const auto& b) { return LessByName(b, a); });
     for (const std::string& name : names) waiting.push_back(JoinPath(below, name));
   };
   if (Succeeded(end.outcome)) wait({});
@@ -231,7 +241,7 @@ std::vector<std::string> Subdirectories(const std::string& directory) {
     if (IsTreeDirectory(entry)) names.push_back(entry.path().filename().string());
     return true;
   });
-  std::ranges::sort(names, LessIgnoringCase{});
+  std::ranges::sort(names, LessByName);
   return names;
 }
 

@@ -37,8 +37,8 @@ using AudioCdQuery = std::function<std::optional<AudioCd>(const std::string& dir
 using ItemSink = std::function<void(std::vector<DirectoryItem> batch)>;
 
 // Lists the media files of a directory, type by type in the order of the patterns of the add dialog, each
-// type by name without regard to case. A link counts as what it leads to. What was found before a failure is
-// delivered.
+// type by name without regard to case, numbers inside as numbers. A link counts as what it leads to. What was
+// found before a failure is delivered.
 [[nodiscard]] ListingEnd ListDirectory(const std::string& directory, const AudioCdQuery& audioCd,
                                        const std::stop_token& stop, const ItemSink& sink);
 // The same with all directories below, each behind the one that holds it, in order of their names. Hidden

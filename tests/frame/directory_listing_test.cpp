@@ -51,7 +51,7 @@ struct DirectoryListingTest : testing::Test {
 TEST_F(DirectoryListingTest, ListsTypeByTypeAndEachByName) {
   for (const char* name :
        {"b.ape", "Zug.MID", "alt.mid", "Ärger.mid", "b.rmi", "x.ASF", "y.wav", "z.stv", ".mid", "a.stvx",
-        "notes.txt", "readme", "b.mid.bak", "sub.mid/c.mid", "old.mpga"}) {
+        "Lied 10.wav", "lied 9.wav", "notes.txt", "readme", "b.mid.bak", "sub.mid/c.mid", "old.mpga"}) {
     directory.Write(name, "x");
   }
   std::filesystem::create_symlink(directory.File("y.wav"), directory.File("link.wav"));
@@ -59,8 +59,9 @@ TEST_F(DirectoryListingTest, ListsTypeByTypeAndEachByName) {
 
   const Listed listed = List(directory.Path());
   EXPECT_THAT(listed.end.outcome, test::IsOk());
-  EXPECT_THAT(listed.Names(), ElementsAre("x.ASF", "link.wav", "y.wav", ".mid", "alt.mid", "Zug.MID",
-                                          "Ärger.mid", "z.stv", "b.rmi", "b.ape", "a.stvx"));
+  EXPECT_THAT(listed.Names(),
+              ElementsAre("x.ASF", "lied 9.wav", "Lied 10.wav", "link.wav", "y.wav", ".mid", "alt.mid",
+                          "Ärger.mid", "Zug.MID", "z.stv", "b.rmi", "b.ape", "a.stvx"));
   EXPECT_EQ(listed.items[5].type, FileTypeId::Midi);
 }
 
