@@ -220,6 +220,11 @@ TEST(Music, IsBuiltOfBarsAndPitches) {
   const ScoreMusic music = ReadMusic(document);
   EXPECT_EQ(BarsOf(document), "1:12 2:12 3:12 4:12 5:12 ");
   EXPECT_EQ(music.changes[0].size(), 4U);  // restated clefs and keys change nothing
+  for (const auto& system : document.systems) {
+    EXPECT_TRUE(system.staves[0].voices[0][0].Is(ObjectKind::Clef)) << "each system says it";
+    EXPECT_TRUE(system.staves[0].voices[0][1].Is(ObjectKind::Key));
+  }
+  EXPECT_TRUE(document.systems[0].staves[1].voices[0][0].Is(ObjectKind::Clef)) << "where none was given";
   for (const auto& staff : music.voices) {
     for (const auto& voice : staff) EXPECT_EQ(voice.back().start + voice.back().length, Fraction(15, 4));
   }
