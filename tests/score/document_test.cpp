@@ -5,6 +5,7 @@
 
 #include "platform/base/text.h"
 #include "random_score.h"
+#include "score/accidentals.h"
 #include "score/score_bars.h"
 #include "score/score_builder.h"
 #include "score/score_reader.h"
@@ -232,6 +233,23 @@ TEST(Music, IsBuiltOfBarsAndPitches) {
     if (event.IsRest()) continue;
     EXPECT_THAT(SoundingKeys(event, document.staves[0]), testing::ElementsAre(66, 74));
   }
+}
+
+TEST(Music, AnAccidentalHoldsForItsBar) {
+  ScoreDocument document;
+  document.staves = {StaffNamed("A")};
+  std::vector<BarColumn> bars(2);
+  const auto half = [](std::int8_t alter) {
+    ScoreItem item = ChordItem(1, {});
+    item.pitches = {{3, alter, 4}};
+    return item;
+  };
+  bars[0].staves = {{{half(1), half(1)}}};
+  bars[1].staves = {{{half(1), half(0)}}};
+  for (BarColumn& bar : bars) bar.time = {4, 2};
+  AppendBars(document, std::move(bars), 2);
+  EXPECT_TRUE(PlaceNotes(document).empty());
+  EXPECT_EQ(NeededAccidentals(ReadMusic(document), 0), (AccidentalBits{{1, 0, 1, 1}}));
 }
 
 TEST(Music, HasItsTemposInPlace) {
