@@ -69,7 +69,8 @@ bool HasDisplay(int argc, char** argv) {
     return value != nullptr && *value != '\0';
   };
   return set("DISPLAY") || set("WAYLAND_DISPLAY") || set("QT_QPA_PLATFORM") ||
-         std::any_of(argv, argv + argc, [](std::string_view word) { return word == "-platform"; });
+         std::any_of(argv, argv + argc,
+                     [](std::string_view word) { return word == "-platform" || word == "--platform"; });
 }
 
 // The files of the command line, behind the options that the toolkit has taken; nothing after saying which

@@ -38,16 +38,17 @@ struct FoundFile {
   std::string name;
 };
 
-bool LessByName(const std::string& a, const std::string& b) {
-  const int order = CompareKeys(SortKey(a), SortKey(b));
+bool LessByKey(const std::string& keyA, const std::string& a, const std::string& keyB, const std::string& b) {
+  const int order = CompareKeys(keyA, keyB);
   return order != 0 ? order < 0 : a < b;
+}
+bool LessByName(const std::string& a, const std::string& b) {
+  return LessByKey(SortKey(a), a, SortKey(b), b);
 }
 
 void Deliver(std::vector<FoundFile> files, const std::stop_token& stop, const ItemSink& sink) {
   std::ranges::sort(files, [](const FoundFile& a, const FoundFile& b) {
-    if (a.rank != b.rank) return a.rank < b.rank;
-    const int order = CompareKeys(a.sortKey, b.sortKey);
-    return order != 0 ? order < 0 : a.name < b.name;
+    return a.rank != b.rank ? a.rank < b.rank : LessByKey(a.sortKey, a.name, b.sortKey, b.name);
   });
   std::vector<DirectoryItem> batch;
   for (FoundFile& file : files) {

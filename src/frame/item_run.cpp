@@ -367,9 +367,13 @@ class ItemRun {
     item.line.clear();
   }
 
+  [[nodiscard]] static bool EndsWith(const Item& item) {
+    return item.code == Outcome::Cancelled || item.endsRun;
+  }
+
   // False when the run ends with the item, e.g. as the user says No to what has appeared there meanwhile.
   bool PutInPlace(Item& item) {
-    if (!item.target) return item.code != Outcome::Cancelled && !item.endsRun;
+    if (!item.target) return !EndsWith(item);
     ForgetFault();
     auto taken = PutTarget(run_, *item.target, targets_[item.index], naming_,
                            [this](const std::string& target) { return MayReplace(target); });
@@ -380,7 +384,7 @@ class ItemRun {
       Explain(item);
     }
     item.target.reset();
-    return item.code != Outcome::Cancelled && !item.endsRun;
+    return !EndsWith(item);
   }
 
   [[nodiscard]] const ItemRecord* DoneBefore(std::size_t index) const {

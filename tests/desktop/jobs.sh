@@ -66,9 +66,9 @@ for button in 130 200; do
   keys shift+End
   sleep 0.3
   keys ctrl+Return
+  job=$((button == 130 ? 1 : 2))
+  within 20 begun_in "Chor$job" || fail "job $job does not run"
 done
-within 20 begun_in Chor1 || fail "the first job does not run"
-within 20 begun_in Chor2 || fail "the second job does not run"
 for round in 1 2 3; do
   click 130 46
   picture "3-first-$round"

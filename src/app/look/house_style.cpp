@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <QStyleOption>
 #include <QWidget>
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "resources/icons.h"
@@ -15,35 +17,29 @@ namespace {
 constexpr int kSignSize = 48;
 constexpr int kMoreExtent = 24;  // of the button with what a bar has no room for
 
+struct Sign {
+  QStyle::StandardPixmap place;
+  std::string_view icon;
+};
+constexpr Sign kSigns[] = {
+    {QStyle::SP_MessageBoxInformation, "about"},
+    {QStyle::SP_MessageBoxQuestion, "help"},
+    {QStyle::SP_MessageBoxWarning, "warning"},
+    {QStyle::SP_MessageBoxCritical, "warning"},
+    {QStyle::SP_ToolBarHorizontalExtensionButton, "more"},
+    {QStyle::SP_DirIcon, "closeddiricon"},
+    {QStyle::SP_ArrowBack, "back"},
+    {QStyle::SP_ArrowForward, "forward"},
+    {QStyle::SP_FileDialogToParent, "up"},
+    {QStyle::SP_FileDialogNewFolder, "newfolder"},
+    {QStyle::SP_FileDialogListView, "listview"},
+    {QStyle::SP_FileDialogDetailedView, "detailview"},
+};
+
 // "" for signs that the toolkit draws.
-std::string_view SignOf(QStyle::StandardPixmap sign) {
-  switch (sign) {
-    case QStyle::SP_MessageBoxInformation:
-      return "about";
-    case QStyle::SP_MessageBoxQuestion:
-      return "help";
-    case QStyle::SP_MessageBoxWarning:
-    case QStyle::SP_MessageBoxCritical:
-      return "warning";
-    case QStyle::SP_ToolBarHorizontalExtensionButton:
-      return "more";
-    case QStyle::SP_DirIcon:
-      return "closeddiricon";
-    case QStyle::SP_ArrowBack:
-      return "back";
-    case QStyle::SP_ArrowForward:
-      return "forward";
-    case QStyle::SP_FileDialogToParent:
-      return "up";
-    case QStyle::SP_FileDialogNewFolder:
-      return "newfolder";
-    case QStyle::SP_FileDialogListView:
-      return "listview";
-    case QStyle::SP_FileDialogDetailedView:
-      return "detailview";
-    default:
-      return {};
-  }
+std::string_view SignOf(QStyle::StandardPixmap place) {
+  const auto* const found = std::ranges::find(kSigns, place, &Sign::place);
+  return found == std::end(kSigns) ? std::string_view() : found->icon;
 }
 
 }  // namespace

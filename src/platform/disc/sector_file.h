@@ -34,7 +34,7 @@ class SectorFile {
     flushed_ = ::fdatasync(file_.Get()) == 0;
     return flushed_ ? Outcome::Success : Outcome::WriteFailed;
   }
-  void Close() { file_ = FileDescriptor(); }
+  void Close() { *this = SectorFile(); }
   explicit operator bool() const { return static_cast<bool>(file_); }
 
  private:
