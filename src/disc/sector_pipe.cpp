@@ -9,8 +9,8 @@ constexpr auto kPatience = std::chrono::milliseconds(50);  // of NextSome, for m
 
 }  // namespace
 
-// What is copied lies in the part of the ring that the other side does not touch meanwhile: only the marks
-// need the lock.
+// What one side fills or reads lies in the part of the ring that the other does not touch meanwhile: only the
+// marks need the lock.
 std::span<std::uint8_t> SectorPipe::Room(std::size_t most) {
   std::unique_lock lock(mutex_);
   const std::size_t enough = count_ == ring_.size() ? Quarter() : 1;
